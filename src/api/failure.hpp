@@ -1,0 +1,43 @@
+// From an exception to a return value: how failures inside the library end at its boundary.
+#pragma once
+
+#include <algorithm>
+#include <exception>
+#include <string_view>
+
+#include "api/state.hpp"
+
+namespace orvane {
+
+/// Keeps the message for oc_error(), cut to the memory at hand where there is no more.
+inline void keepMessage(std::string_view message) noexcept {
+  try {
+    state.lastError = message;
+  } catch (const std::exception&) {
+    message = message.substr(0, std::min(message.size(), state.lastError.capacity()));
+    state.lastError = message;
+  }
+}
+
+/// The body's result, or `failure` with the message kept when it throws an exception of the
+/// standard family. Any other exception passes.
+template <class Result, class Body>
+Result orFailure(Result failure, Body body) {
+  try {
+    return body();
+  } catch (const std::exception& exception) {
+    keepMessage(exception.what());
+    return failure;
+  }
+}
+
+/// Runs the body and forgets whatever it throws.
+template <class Body>
+void quietly(Body body) noexcept {
+  try {
+    body();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): that is the purpose
+  }
+}
+
+}  // namespace orvane

@@ -1,0 +1,41 @@
+// The one open camera, and the size of its frames.
+#pragma once
+
+#include <cstdint>
+
+#include "catalogue/camera_info.hpp"
+
+namespace orvane {
+
+/// The open camera's state. Closed is openIndex -1, streaming false, handle null, bufferSize 0;
+/// `info`, `width`, `height` and `format` then keep the values of the last open.
+struct ActiveCamera {
+  std::int32_t openIndex = -1;  ///< in the catalogue; set as soon as the device is open
+  bool streaming = false;       ///< set when the stream has been started
+  CameraInfo info;              ///< a copy of its own: the catalogue may change
+  std::int32_t width = 0;       ///< of a frame, pixels after binning
+  std::int32_t height = 0;
+  std::int32_t format = Raw8;   ///< as given to oc_open(), a PixelFormat
+  std::int32_t bufferSize = 0;  ///< bytes that a frame may need
+  void* handle = nullptr;       ///< the SDK's device, for the SDKs that give one
+};
+
+/// Bytes of one pixel; every code that is not a PixelFormat counts as one byte.
+constexpr int bytesPerPixel(std::int32_t format) {
+  return format == Raw16 ? 2 : format == Rgb24 ? 3 : 1;
+}
+
+/// Bytes of one frame. Sizes that an SDK reports may be anything; a product beyond 64 bits wraps
+/// around, and what is not a possible size is refused where it is used.
+constexpr std::int64_t frameBytes(std::int32_t width, std::int32_t height, std::int32_t format) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(height) *
+                                   static_cast<std::uint64_t>(width) *
+                                   static_cast<std::uint64_t>(bytesPerPixel(format)));
+}
+
+/// Bytes of one frame of the open camera. An open has checked that they fit.
+constexpr std::int32_t frameBytes(const ActiveCamera& camera) {
+  return static_cast<std::int32_t>(frameBytes(camera.width, camera.height, camera.format));
+}
+
+}  // namespace orvane

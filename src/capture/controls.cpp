@@ -1,0 +1,29 @@
+// Exposure, gain and offset of the open camera, and its temperature.
+#include <limits>
+#include <stdexcept>
+
+#include "api/state.hpp"
+#include "capture/capture.hpp"
+#include "vendors/vendor_family.hpp"
+
+namespace orvane {
+
+void applyCameraSettings(std::int64_t exposureUs, std::int32_t gain, std::int32_t offset) {
+  // What every SDK can take: an SDK's own limit is for the SDK to enforce.
+  if (exposureUs < 1 || exposureUs > std::numeric_limits<std::int32_t>::max()) {
+    throw std::runtime_error("Exposure out of range");
+  }
+  const ActiveCamera& camera = state.active;
+  familyOf(camera.info.vendor)
+      .apply(camera, CameraSettings{static_cast<std::int32_t>(exposureUs), gain, offset});
+}
+
+double sensorTemperature() {
+  const ActiveCamera& camera = state.active;
+  if (camera.openIndex < 0) {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  return familyOf(camera.info.vendor).temperature(camera);
+}
+
+}  // namespace orvane

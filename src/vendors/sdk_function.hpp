@@ -1,0 +1,57 @@
+// A maker's SDK function as a typed constant that can be called.
+//
+//     SDK_FUNCTION(Asi, ASIOpenCamera, int(int cameraId));      declares it, once
+//     ASIOpenCamera(id)                                         calls it: the raw result
+//     ASIInitCamera.check(id)                                   calls it and throws
+//                                                               "ASIInitCamera: <code>" on failure
+//     ASISetControlValue.checkAs("ASI gain", id, ...)           the same under another label
+//
+// Every call looks the name up afresh in the maker's library and keeps nothing; a function that the
+// library lacks throws "<library>: missing <function>".
+#pragma once
+
+#include <cstdint>
+
+#include "api/state.hpp"
+
+namespace orvane {
+
+template <Vendor vendor, void (*checkResult)(std::int64_t code, const char* label), class Signature>
+class SdkFunction;
+
+template <Vendor vendor, void (*checkResult)(std::int64_t code, const char* label), class Result,
+          class... Arguments>
+class SdkFunction<vendor, checkResult, Result(Arguments...)> {
+ public:
+  /// `name` must live as long as the process: nothing is copied.
+  explicit constexpr SdkFunction(const char* name) : name_(name) {}
+
+  /// Calls the function and returns what it returns.
+  Result operator()(Arguments... arguments) const {
+    const auto function =
+        reinterpret_cast<Result (*)(Arguments...)>(resolveSymbol(libraryOf(vendor), name_));
+    return function(arguments...);
+  }
+
+  /// Calls the function and checks its result under its own name.
+  void check(Arguments... arguments) const { checkAs(name_, arguments...); }
+
+  /// Calls the function and checks its result under the given label. The result's declared type
+  /// decides how it is widened: signed with its sign, unsigned without.
+  void checkAs(const char* label, Arguments... arguments) const {
+    checkResult((*this)(arguments...), label);
+  }
+
+ private:
+  const char* name_;
+};
+
+}  // namespace orvane
+
+/// Declares a function whose result is 0 for success.
+#define SDK_FUNCTION(vendor, name, ...) \
+  inline constexpr SdkFunction<Vendor::vendor, checkVendorResult, __VA_ARGS__> name(#name)
+
+/// Declares a function whose result is an HRESULT.
+#define SDK_HRESULT_FUNCTION(vendor, name, ...) \
+  inline constexpr SdkFunction<Vendor::vendor, checkToupResult, __VA_ARGS__> name(#name)

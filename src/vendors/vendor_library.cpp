@@ -1,0 +1,39 @@
+// One maker's SDK library: loading it, finding its functions, and turning its result codes into
+// exceptions.
+#include "vendors/vendor_library.hpp"
+
+#include <stdexcept>
+
+namespace orvane {
+
+namespace {
+
+[[noreturn]] void throwMissingSymbol(const VendorLibrary& library, const char* symbolName) {
+  throw std::runtime_error(library.name + ": missing " + symbolName);
+}
+
+}  // namespace
+
+void loadVendorLibrary(VendorLibrary& library, std::string_view baseName,
+                       std::string_view directory) {
+  if (library.module != nullptr) {
+    return;
+  }
+  library.name = baseName;
+  library.module = platform::loadLibrary(platform::libraryPath(directory, baseName));
+}
+
+platform::FunctionAddress resolveSymbol(const VendorLibrary& library, const char* symbolName) {
+  const platform::FunctionAddress address =
+      library.module != nullptr ? platform::findFunction(library.module, symbolName) : nullptr;
+  if (address == nullptr) {
+    throwMissingSymbol(library, symbolName);
+  }
+  return address;
+}
+
+void throwVendorResult(std::int64_t code, const char* label) {
+  throw std::runtime_error(label + (": " + std::to_string(code)));
+}
+
+}  // namespace orvane

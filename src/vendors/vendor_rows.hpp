@@ -1,0 +1,10 @@
+// The names of the families' rows, each of which stands at the end of its family's file.
+#pragma once
+
+#include "vendors/vendor_family.hpp"
+
+namespace orvane {
+
+extern const VendorFamily asiFamily;
+
+}  // namespace orvane
