@@ -111,7 +111,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs
   if (result == ASI_ERROR_TIMEOUT) {
     return false;
   }
-  checkVendorResult(result, "ASIGetVideoData");
+  ASIGetVideoData.checkResultOf(result);
   if (camera.format == Rgb24) {
     exchangeRedAndBlue(buffer.data, static_cast<std::size_t>(frameBytes(camera)));
   }

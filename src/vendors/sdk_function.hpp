@@ -33,6 +33,9 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
     return function(arguments...);
   }
 
+  /// Checks a result of an earlier call under the function's own name.
+  void checkResultOf(Result result) const { checkResult(result, name_); }
+
   /// Calls the function and checks its result under its own name.
   void check(Arguments... arguments) const { checkAs(name_, arguments...); }
 

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what is missing, then builds and tests everything: the Windows library through Wine, the
+# Linux build, and the Linux build under the sanitizers.
+#   test.sh [PRESET...]      only these of windows-x64, linux-x64, linux-x64-sanitize
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
+  "${host_headers[@]}" "${test_tools[@]}"
+
+presets=("$@")
+if [ ${#presets[@]} -eq 0 ]; then
+  presets=(windows-x64 linux-x64 linux-x64-sanitize)
+fi
+summary=()
+for preset in "${presets[@]}"; do
+  echo "== $preset: build"
+  cmake --preset "$preset" >"/tmp/orvane-configure-$preset.log" 2>&1 ||
+    { cat "/tmp/orvane-configure-$preset.log"; exit 1; }
+  cmake --build --preset "$preset"
+  echo "== $preset: test"
+  ctest --preset "$preset" --progress -j "$(nproc)"
+  summary+=("$preset: $(ctest --preset "$preset" -N | tail -n 1)")
+done
+echo "== all passed"
+printf '%s\n' "${summary[@]}"

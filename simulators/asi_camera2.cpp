@@ -1,0 +1,509 @@
+// ZWO's ASICamera2, simulated.
+//
+// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other controls
+// only keep their value.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "simulated_sdk.hpp"
+#include "stage/call.hpp"
+#include "stage/camera_model.hpp"
+#include "stage/stage.hpp"
+#include "vendors/sdk/asi_sdk.hpp"
+
+namespace orvane {
+namespace {
+
+using namespace sim;
+
+// The maker's values that the library does not use.
+enum : int {
+  // ASI_CONTROL_TYPE
+  ASI_WB_R = 3,
+  ASI_WB_B = 4,
+  ASI_BANDWIDTHOVERLOAD = 6,
+  ASI_FLIP = 9,
+  ASI_AUTO_MAX_GAIN = 10,
+  ASI_AUTO_MAX_EXP = 11,
+  ASI_AUTO_TARGET_BRIGHTNESS = 12,
+  ASI_HARDWARE_BIN = 13,
+  ASI_HIGH_SPEED_MODE = 14,
+  ASI_COOLER_POWER_PERC = 15,
+  ASI_TARGET_TEMP = 16,
+  ASI_COOLER_ON = 17,
+  // ASI_ERROR_CODE
+  ASI_SUCCESS = 0,
+  ASI_ERROR_INVALID_INDEX = 1,
+  ASI_ERROR_INVALID_ID = 2,
+  ASI_ERROR_INVALID_CONTROL_TYPE = 3,
+  ASI_ERROR_CAMERA_CLOSED = 4,
+  ASI_ERROR_CAMERA_REMOVED = 5,
+  ASI_ERROR_INVALID_SIZE = 8,
+  ASI_ERROR_INVALID_IMGTYPE = 9,
+  ASI_ERROR_OUTOF_BOUNDARY = 10,
+  ASI_ERROR_INVALID_SEQUENCE = 12,
+  ASI_ERROR_BUFFER_TOO_SMALL = 13,
+  ASI_ERROR_GENERAL_ERROR = 16,
+};
+
+constexpr std::int32_t bayerRggb = 0;
+constexpr std::int32_t bayerGrbg = 2;
+
+constexpr std::array believableCameras{
+    SimCamera{.name = "ZWO ASI120MC-S",
+              .key = "",
+              .id = 0,
+              .width = 1280,
+              .height = 960,
+              .pixelSizeUm = 3.75,
+              .bitDepth = 12,
+              .isColor = 1,
+              .mosaic = bayerGrbg,
+              .isCooled = 0,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2},
+              .formats = {ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END},
+              .gainMin = 0,
+              .gainMax = 100,
+              .exposureMinUs = 64,
+              .exposureMaxUs = 1e9,
+              .offsetMin = 0,
+              .offsetMax = 20,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "ZWO ASI294MC Pro",
+              .key = "",
+              .id = 1,
+              .width = 4144,
+              .height = 2822,
+              .pixelSizeUm = 4.63,
+              .bitDepth = 14,
+              .isColor = 1,
+              .mosaic = bayerRggb,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END},
+              .gainMin = 0,
+              .gainMax = 570,
+              .exposureMinUs = 32,
+              .exposureMaxUs = 2e9,
+              .offsetMin = 0,
+              .offsetMax = 80,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "ZWO ASI2600MM Pro",
+              .key = "",
+              .id = 2,
+              .width = 6248,
+              .height = 4176,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 0,
+              .mosaic = bayerRggb,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END},
+              .gainMin = 0,
+              .gainMax = 700,
+              .exposureMinUs = 32,
+              .exposureMaxUs = 2e9,
+              .offsetMin = 0,
+              .offsetMax = 240,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "ZWO ASI290MM Mini",
+              .key = "",
+              .id = 3,
+              .width = 1936,
+              .height = 1096,
+              .pixelSizeUm = 2.9,
+              .bitDepth = 12,
+              .isColor = 0,
+              .mosaic = bayerRggb,
+              .isCooled = 0,
+              .isUsb3Camera = 0,
+              .isUsb3Host = 0,
+              .bins = {1, 2},
+              .formats = {ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END},
+              .gainMin = 0,
+              .gainMax = 600,
+              .exposureMinUs = 32,
+              .exposureMaxUs = 1e9,
+              .offsetMin = 0,
+              .offsetMax = 240,
+              .hasTemperature = 1,
+              .isBusy = 0},
+};
+
+// In the order in which a camera lists them.
+std::vector<Control> controlsOf(const SimCamera& model) {
+  std::vector<Control> controls{
+      {ASI_GAIN, "Gain", "Gain", model.gainMin, model.gainMax, usualGain(model), true},
+      {ASI_EXPOSURE, "Exposure", "Exposure Time(us)", model.exposureMinUs, model.exposureMaxUs,
+       usualExposureUs(model), true}};
+  const auto add = [&controls](const Control& control) { controls.push_back(control); };
+  if (hasOffset(model)) {
+    add({ASI_OFFSET, "Offset", "Offset", model.offsetMin, model.offsetMax,
+         held(10, model.offsetMin, model.offsetMax)});
+  }
+  add({ASI_BANDWIDTHOVERLOAD, "BandWidth", "The total data transfer rate percentage", 40, 100, 50,
+       true});
+  add({ASI_FLIP, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both", 0, 3, 0});
+  add({ASI_AUTO_MAX_GAIN, "AutoExpMaxGain", "Auto exposure maximum gain value", model.gainMin,
+       model.gainMax, usualGain(model)});
+  add({ASI_AUTO_MAX_EXP, "AutoExpMaxExpMS", "Auto exposure maximum exposure value(unit ms)", 1,
+       60'000, 100});
+  add({ASI_AUTO_TARGET_BRIGHTNESS, "AutoExpTargetBrightness",
+       "Auto exposure target brightness value", 50, 160, 100});
+  add({ASI_HARDWARE_BIN, "HardwareBin", "Is hardware bin2:0->No 1->Yes", 0, 1, 0});
+  add({ASI_HIGH_SPEED_MODE, "HighSpeedMode", "Is high speed mode:0->No 1->Yes", 0, 1, 0});
+  if (model.hasTemperature != 0) {
+    add({ASI_TEMPERATURE, "Temperature", "Sensor temperature(degrees Celsius)", -500, 1000, 20,
+         false, false});
+  }
+  if (model.isCooled != 0) {
+    add({ASI_COOLER_POWER_PERC, "CoolPowerPerc", "Cooler power percent", 0, 100, 0, false, false});
+    add({ASI_TARGET_TEMP, "TargetTemp", "Target temperature(cool camera only)", -40, 30, 0});
+    add({ASI_COOLER_ON, "CoolerOn", "Turn on/off cooler(cool camera only)", 0, 1, 0});
+  }
+  if (model.isColor != 0) {
+    add({ASI_WB_R, "WB_R", "White balance: Red component", 1, 99, 52, true});
+    add({ASI_WB_B, "WB_B", "White balance: Blue component", 1, 99, 95, true});
+  }
+  return controls;
+}
+
+Layout layoutOf(int imageType) {
+  switch (imageType) {
+    case ASI_IMG_RAW16:
+      return Layout::Raw16;
+    case ASI_IMG_RGB24:
+      return Layout::Bgr24;
+    case ASI_IMG_Y8:
+      return Layout::Luma8;
+    default:
+      return Layout::Raw8;
+  }
+}
+
+FrameSettings frameSettings(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const Device& device = camera.device;
+  FrameSettings settings = commonSettings(camera);
+  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
+  settings.layout = layoutOf(device.format);
+  settings.exposureUs = device.value(ASI_EXPOSURE, 0);
+  settings.gain = gainInDecibelSteps(model, device.value(ASI_GAIN, 0));
+  settings.pedestal = device.value(ASI_OFFSET, 0) / 4096;
+  return settings;
+}
+
+// The present value of a control, which for some is a measurement.
+long reading(const Camera& camera, const Control& control) {
+  const std::int64_t now = stage().clock.now();
+  switch (control.id) {
+    case ASI_TEMPERATURE:
+      return std::lround(10 * camera.device.cooler.temperature(now));
+    case ASI_COOLER_POWER_PERC:
+      return std::lround(camera.device.cooler.power(now));
+    default:
+      return wholeNumber<long>(control.value);
+  }
+}
+
+// The region after opening: the whole sensor, as far as the steps of 8 and 2 pixels allow.
+void showWholeSensor(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.bin = 1;
+  camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
+  camera.device.region = {0, 0, std::max(model.width, 0) & ~7, std::max(model.height, 0) & ~1};
+}
+
+// Whether the camera can show a region of this size after binning.
+bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
+  if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
+      width > model.width / bin || height > model.height / bin) {
+    return false;
+  }
+  // The ASI120 models for USB 2 send blocks of 1024 pixels.
+  const bool sendsBlocks = model.isUsb3Camera == 0 && textOf(model.name).starts_with("ZWO ASI120");
+  return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
+}
+
+// Carries out a call that needs an open camera.
+template <class Body>
+int onOpenCamera(Call& call, int cameraId, const Body& body) {
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr || !camera->device.isOpen) {
+      stage().countCallOnClosed();
+      return camera == nullptr ? ASI_ERROR_INVALID_ID : ASI_ERROR_CAMERA_CLOSED;
+    }
+    return camera->isPlugged ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
+  });
+}
+
+// Carries out a call that needs an open and initialised camera.
+template <class Body>
+int onReadyCamera(Call& call, int cameraId, const Body& body) {
+  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+    return camera.device.isInitialised ? body(camera) : ASI_ERROR_GENERAL_ERROR;
+  });
+}
+
+}  // namespace
+
+constinit const sim::Maker sim::maker{"ASICamera2", believableCameras,
+                                      {2, WhenFull::DropOldest}, frameSettings};
+
+extern "C" {
+
+int ASIGetNumOfConnectedCameras() {
+  Call call("ASIGetNumOfConnectedCameras");
+  return call.carryOut([&]() -> int {
+    stage().enumerate();
+    return static_cast<int>(stage().enumerated());
+  });
+}
+
+int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
+  Call call("ASIGetCameraProperty", index);
+  return call.carryOut([&]() -> int {
+    const Camera* camera = stage().enumerated(index);
+    if (camera == nullptr || info == nullptr) {
+      return ASI_ERROR_INVALID_INDEX;
+    }
+    if (!camera->isPlugged) {
+      return ASI_ERROR_CAMERA_REMOVED;
+    }
+    const SimCamera& model = camera->model;
+    *info = {};
+    copyText(info->Name, textOf(model.name));
+    call.set("CameraID", info->CameraID, model.id);
+    call.set("MaxHeight", info->MaxHeight, model.height);
+    call.set("MaxWidth", info->MaxWidth, model.width);
+    call.set("IsColorCam", info->IsColorCam, model.isColor);
+    call.set("BayerPattern", info->BayerPattern, model.mosaic);
+    std::copy(std::begin(model.bins), std::end(model.bins), info->SupportedBins);
+    std::copy(std::begin(model.formats), std::end(model.formats), info->SupportedVideoFormat);
+    call.set("PixelSize", info->PixelSize, model.pixelSizeUm);
+    call.set("MechanicalShutter", info->MechanicalShutter, 0);
+    call.set("ST4Port", info->ST4Port, 1);
+    call.set("IsCoolerCam", info->IsCoolerCam, model.isCooled);
+    call.set("IsUSB3Host", info->IsUSB3Host, model.isUsb3Host);
+    call.set("IsUSB3Camera", info->IsUSB3Camera, model.isUsb3Camera);
+    call.set("ElecPerADU", info->ElecPerADU, 1);
+    call.set("BitDepth", info->BitDepth, model.bitDepth);
+    call.set("IsTriggerCam", info->IsTriggerCam, 0);
+    call.wrote(Quoted{textOf(info->Name)}, " id ", info->CameraID);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIOpenCamera(int cameraId) {
+  Call call("ASIOpenCamera", cameraId);
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr) {
+      return ASI_ERROR_INVALID_ID;
+    }
+    if (!camera->isPlugged) {
+      return ASI_ERROR_CAMERA_REMOVED;
+    }
+    if (camera->model.isBusy != 0) {
+      return ASI_ERROR_GENERAL_ERROR;
+    }
+    if (!camera->device.isOpen) {
+      stage().open(*camera, controlsOf(camera->model));
+      showWholeSensor(*camera);
+    }
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIInitCamera(int cameraId) {
+  Call call("ASIInitCamera", cameraId);
+  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+    camera.device.isInitialised = true;
+    return ASI_SUCCESS;
+  });
+}
+
+int ASICloseCamera(int cameraId) {
+  Call call("ASICloseCamera", cameraId);
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr) {
+      return ASI_ERROR_INVALID_ID;
+    }
+    stage().close(*camera);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIGetNumOfControls(int cameraId, int* count) {
+  Call call("ASIGetNumOfControls", cameraId);
+  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+    call.out("count", count, static_cast<int>(camera.device.controls.size()));
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
+  Call call("ASIGetControlCaps", cameraId, controlIndex);
+  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+    const std::vector<Control>& controls = camera.device.controls;
+    if (controlIndex < 0 || static_cast<std::size_t>(controlIndex) >= controls.size() ||
+        caps == nullptr) {
+      return ASI_ERROR_INVALID_CONTROL_TYPE;
+    }
+    const Control& control = controls[static_cast<std::size_t>(controlIndex)];
+    *caps = {};
+    copyText(caps->Name, control.name);
+    copyText(caps->Description, control.description);
+    call.set("MaxValue", caps->MaxValue, wholeNumber<long>(control.maximum));
+    call.set("MinValue", caps->MinValue, wholeNumber<long>(control.minimum));
+    call.set("DefaultValue", caps->DefaultValue, wholeNumber<long>(control.initial));
+    call.set("IsAutoSupported", caps->IsAutoSupported, control.hasAuto ? 1 : 0);
+    call.set("IsWritable", caps->IsWritable, control.isWritable ? 1 : 0);
+    call.set("ControlType", caps->ControlType, control.id);
+    call.wrote("type ", caps->ControlType, " [", caps->MinValue, ", ", caps->MaxValue,
+               "] writable ", caps->IsWritable);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIGetControlValue(int cameraId, int controlType, long* value, int* isAuto) {
+  Call call("ASIGetControlValue", cameraId, controlType);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    const Control* control = camera.device.find(controlType);
+    if (control == nullptr) {
+      return ASI_ERROR_INVALID_CONTROL_TYPE;
+    }
+    call.out("value", value, reading(camera, *control));
+    call.out("isAuto", isAuto, control->isAuto ? 1 : 0);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
+  Call call("ASISetControlValue", cameraId, controlType, value, isAuto);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    Control* control = device.find(controlType);
+    if (control == nullptr) {
+      return ASI_ERROR_INVALID_CONTROL_TYPE;
+    }
+    if (!control->isWritable) {
+      return ASI_ERROR_GENERAL_ERROR;
+    }
+    control->value = held(static_cast<double>(value), control->minimum, control->maximum);
+    control->isAuto = control->hasAuto && isAuto != ASI_FALSE;
+    if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
+      device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
+                        device.value(ASI_TARGET_TEMP, 0));
+    }
+    stage().changed(camera);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType) {
+  Call call("ASISetROIFormat", cameraId, width, height, bin, imageType);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    const SimCamera& model = camera.model;
+    if (device.stream.isRunning()) {
+      return ASI_ERROR_INVALID_SEQUENCE;
+    }
+    if (!contains(model.formats, ASI_IMG_END, imageType)) {
+      return ASI_ERROR_INVALID_IMGTYPE;
+    }
+    if (!isGoodSize(model, width, height, bin)) {
+      return ASI_ERROR_INVALID_SIZE;
+    }
+    device.bin = bin;
+    device.format = imageType;
+    // An even start keeps the mosaic's first filter in the frame's first pixel.
+    device.region = {(model.width / bin - width) / 2 & ~1, (model.height / bin - height) / 2 & ~1,
+                     width, height};
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIGetROIFormat(int cameraId, int* width, int* height, int* bin, int* imageType) {
+  Call call("ASIGetROIFormat", cameraId);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    const Device& device = camera.device;
+    call.out("width", width, device.region.width);
+    call.out("height", height, device.region.height);
+    call.out("bin", bin, device.bin);
+    call.out("imageType", imageType, device.format);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASISetStartPos(int cameraId, int x, int y) {
+  Call call("ASISetStartPos", cameraId, x, y);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    Region& region = device.region;
+    if (x < 0 || y < 0 || x > camera.model.width / device.bin - region.width ||
+        y > camera.model.height / device.bin - region.height) {
+      return ASI_ERROR_OUTOF_BOUNDARY;
+    }
+    region.x = x;
+    region.y = y;
+    stage().changed(camera);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIStartVideoCapture(int cameraId) {
+  Call call("ASIStartVideoCapture", cameraId);
+  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+    if (!camera.device.stream.isRunning()) {
+      stage().startStream(camera, false);
+    }
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIStopVideoCapture(int cameraId) {
+  Call call("ASIStopVideoCapture", cameraId);
+  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+    stage().stopStream(camera);
+    return ASI_SUCCESS;
+  });
+}
+
+int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
+  Call call("ASIGetVideoData", cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (!camera.device.stream.isRunning() || buffer == nullptr) {
+      return ASI_ERROR_GENERAL_ERROR;
+    }
+    if (bufferSize < frameBytes(frameSettings(camera))) {
+      stage().countShortBuffer();
+      return ASI_ERROR_BUFFER_TOO_SMALL;
+    }
+    if (!stage().waitForFrame(camera, waitMs)) {
+      return ASI_ERROR_TIMEOUT;
+    }
+    stage().takeFrame(camera, buffer);
+    return ASI_SUCCESS;
+  });
+}
+
+}  // extern "C"
+
+}  // namespace orvane

@@ -1,0 +1,154 @@
+/*
+ * The control interface of the simulated SDKs.
+ *
+ * Each simulated SDK (ASICamera2, PlayerOneCamera, qhyccd, toupcam) is a library under its maker's
+ * own file name. Besides the maker's functions it exports the functions below, by which a test or
+ * the author of a host chooses its cameras, makes calls fail, unplugs a camera, stops the clock, and
+ * reads what was called. Every simulated SDK has a state of its own: look these functions up in the
+ * library that you mean (GetProcAddress, dlsym).
+ *
+ * An untouched simulator shows a few believable cameras, a running clock and no log.
+ *
+ * The same commands can be given to a program that does not call these functions, in the environment
+ * variable ORVANE_SIMULATOR; see sim_command().
+ *
+ * Threads: one caller at a time, like the SDK's own functions here.
+ */
+#ifndef ORVANE_SIMULATOR_CONTROL_H
+#define ORVANE_SIMULATOR_CONTROL_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#  if defined(ORVANE_SIMULATOR_BUILDING)
+#    define ORVANE_SIMULATOR_API __declspec(dllexport)
+#  else
+#    define ORVANE_SIMULATOR_API
+#  endif
+#else
+#  define ORVANE_SIMULATOR_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * One simulated camera. Numbers that the maker's SDK reports are handed on as they stand here, in
+ * the maker's own codes, also when they make no sense; so a test can describe a camera that lies.
+ */
+typedef struct SimCamera {
+    char name[256];      /* copied into the maker's field; one that fills the field gets no NUL */
+    char key[256];       /* QHYCCD and ToupTek: the id string; ignored by the others */
+    int32_t id;          /* ZWO and Player One: the camera id; ignored by the others */
+    int32_t width;       /* sensor, pixels */
+    int32_t height;
+    double pixelSizeUm;
+    int32_t bitDepth;    /* of the converter, 8 to 16 */
+    int32_t isColor;
+    int32_t mosaic;      /* the maker's own mosaic code (ToupTek: the four-character code) */
+    int32_t isCooled;
+    int32_t isUsb3Camera;
+    int32_t isUsb3Host;
+    int32_t bins[16];    /* in the maker's order, as reported, 0 ends */
+    int32_t formats[8];  /* the maker's format codes, as reported, -1 ends; QHYCCD, ToupTek: unused */
+    double gainMin, gainMax;
+    double exposureMinUs, exposureMaxUs;
+    double offsetMin, offsetMax;  /* no offset control when the maximum is below the minimum */
+    int32_t hasTemperature;
+    int32_t isBusy;      /* opened by another program: cannot be opened here */
+} SimCamera;
+
+/* What must never happen, counted since the last sim_reset(), and what is open now. */
+typedef struct SimInvariants {
+    int32_t devicesOpen;        /* now */
+    int32_t streamsRunning;     /* now */
+    int32_t callsOnClosed;      /* calls on a device or handle that was not open, closing aside */
+    int32_t stopsWithoutStart;
+    int32_t shortBuffers;       /* frame calls whose buffer was too small; nothing was written */
+    int32_t writesPastBuffer;   /* frame calls for which the simulator wrote past the stated length */
+} SimInvariants;
+
+/* Everything as it is when the library has just been loaded: default cameras, running clock, no
+ * faults, no log, seed 1. Open devices are forgotten. */
+ORVANE_SIMULATOR_API void sim_reset(void);
+
+/* The cameras that the SDK reports from now on, in this order; at most 256. Open devices are
+ * forgotten. Returns the number taken. */
+ORVANE_SIMULATOR_API int32_t sim_set_cameras(const SimCamera* cameras, int32_t count);
+
+/* Reads camera `index` of the present list; returns 1, or 0 when there is none. */
+ORVANE_SIMULATOR_API int32_t sim_get_camera(int32_t index, SimCamera* camera);
+
+/* Plugs camera `index` out (0) or in again (1). An unplugged camera disappears from the enumeration,
+ * and its open device answers as the maker's does. */
+ORVANE_SIMULATOR_API void sim_set_plugged(int32_t index, int32_t plugged);
+
+/* Forces the result of the calls of a maker's function: call number `nth` from now (1 is the next
+ * one), and `times` calls from there on (-1: all). A forced call does nothing else: it writes no
+ * output and changes no state. `result` is the returned number; for a function that returns a handle
+ * 0 is a null handle. Several may be in force; the first that fits counts. */
+ORVANE_SIMULATOR_API void sim_force_result(const char* function, int32_t nth, int32_t times,
+                                           int64_t result);
+
+/* Forces one output of a call that is otherwise carried out: `output` is the parameter's name, or
+ * for structures the field's, or "result" for the returned number itself. Integers are cut to the
+ * output's width. `nth` and `times` as above. */
+ORVANE_SIMULATOR_API void sim_force_output(const char* function, const char* output, int32_t nth,
+                                           int32_t times, double value);
+
+/* Forgets all forced results and outputs. */
+ORVANE_SIMULATOR_API void sim_clear_faults(void);
+
+/* Seeds the scene and the sensor noise. A frame's content follows from the seed, the camera, the
+ * settings and the frame's number since the stream's start, and from nothing else. */
+ORVANE_SIMULATOR_API void sim_set_seed(uint64_t seed);
+
+/* Stops the clock (1) or lets it run (0). While it is stopped, a waiting call moves it forward by
+ * what it would have waited and returns at once; nothing else moves it but sim_advance_clock(). */
+ORVANE_SIMULATOR_API void sim_stop_clock(int32_t stopped);
+
+/* Moves the clock forward, whether it runs or not. */
+ORVANE_SIMULATOR_API void sim_advance_clock(int64_t microseconds);
+
+/* Writes frame number `frame` (0 is the first since the stream's start) of the camera that is
+ * streaming, with its present settings, exactly as the SDK would deliver it. Returns the number of
+ * bytes, or 0 when no camera streams or the buffer is too small. */
+ORVANE_SIMULATOR_API int32_t sim_render_frame(int32_t frame, uint8_t* buffer, int32_t bufferLength);
+
+/* Switches the call log on (1) or off (0); it starts off. */
+ORVANE_SIMULATOR_API void sim_log_enable(int32_t enabled);
+
+/* The log: one line a call, in order, "Function(arguments) = result\n"; outputs that the call wrote
+ * stand after "-> " behind the inputs, for example
+ *     ASIOpenCamera(0) = 0
+ *     ASIGetROIFormat(0 -> 640, 480, 1, 0) = 0
+ * A call that sim_force_result() answered has no outputs. Pointers to buffers are written as
+ * "buffer" or "null", handles as "h1", "h2", ... in the order of their opening, structures as the
+ * fields that matter. Valid until the next call into this library. */
+ORVANE_SIMULATOR_API const char* sim_log(void);
+
+/* Empties the log. */
+ORVANE_SIMULATOR_API void sim_log_clear(void);
+
+/* Fills in the invariants. */
+ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
+
+/* Carries out commands given as text, separated by ";" or line ends:
+ *     sdk NAME                    what follows concerns only the SDK of this base name ("sdk *": all)
+ *     clock stopped | running
+ *     seed N
+ *     log FILE                    switches the log on and appends every line to FILE at once
+ *     force FUNCTION NTH TIMES RESULT
+ *     output FUNCTION OUTPUT NTH TIMES VALUE
+ *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION (NTH 0: now)
+ *     plug INDEX
+ * Returns 1, or 0 when a command was not understood (it and those after it are not carried out).
+ * The environment variable ORVANE_SIMULATOR is carried out in this way when the SDK is loaded. */
+ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,62 @@
+// What a test has asked to go wrong: forced results, forced outputs and unplugged cameras, each at a
+// chosen call of a maker's function.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::sim {
+
+// Which calls of a function are meant, counted from when the fault was added.
+struct CallRange {
+  std::int32_t nth = 1;    // 1 is the next call, as is anything below
+  std::int32_t times = 1;  // calls from there on; below 0: all
+};
+
+class Faults {
+ public:
+  void forceResult(std::string_view function, CallRange range, std::int64_t result);
+  void forceOutput(std::string_view function, std::string_view output, CallRange range,
+                   double value);
+  void unplug(std::string_view function, std::int32_t nth, std::int32_t camera);
+
+  // Forgets the forced results and outputs; unplugging is kept.
+  void clearForced();
+  void clear() { faults_.clear(); }
+
+  // Counts a call. Its faults are those in force until the next call is counted.
+  void count(std::string_view function);
+
+  // The forced result of the counted call.
+  std::optional<std::int64_t> result() const;
+
+  // The forced value of an output of the counted call.
+  std::optional<double> output(std::string_view name) const;
+
+  // Hands out, one at a time, the cameras to be unplugged before the counted call.
+  std::optional<std::int32_t> nextToUnplug();
+
+ private:
+  enum class Kind { Result, Output, Unplug };
+
+  struct Fault {
+    Kind kind = Kind::Result;
+    std::string function;
+    std::string output;
+    CallRange range;
+    std::int64_t result = 0;  // or the camera to unplug
+    double value = 0;
+    std::int64_t calls = 0;  // counted so far
+    bool isInForce = false;
+  };
+
+  void add(Fault fault) { faults_.push_back(std::move(fault)); }
+
+  std::vector<Fault> faults_;
+};
+
+}  // namespace orvane::sim

@@ -1,0 +1,57 @@
+// The sky in front of every simulated camera: a night sky with airglow and a star cloud, several
+// hundred stars, a banded planet with a ring and moons, and a wide pair of one red and one blue star
+// that are brighter than all others.
+//
+// Places are measured in heights of the sensor's full frame, so every camera shows the same sky:
+// the planet in the middle, the bright pair near the top left corner, where a small region of any
+// sensor shows it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace orvane::sim {
+
+// Brightness in three colours; 1 is the brightest part of the planet.
+struct Light {
+  float red = 0;
+  float green = 0;
+  float blue = 0;
+};
+
+// A row of pixels to be lit.
+struct SceneRow {
+  double x = 0;            // the first pixel's centre, frame heights from the left edge
+  double y = 0;            // frame heights from the top edge
+  double pixel = 0;        // from pixel to pixel, frame heights
+  std::int32_t count = 0;  // pixels
+};
+
+class Scene {
+ public:
+  // The stars of one seed. `aspect` is the frame's width in frame heights.
+  void set(std::uint64_t seed, double aspect);
+
+  // The light on each pixel of a row, one plane a colour.
+  void light(const SceneRow& row, float* red, float* green, float* blue) const;
+
+ private:
+  struct Star {
+    double x;  // frame heights from the frame's left edge
+    double y;
+    Light peak;
+    float brightest;  // of the three
+  };
+
+  void addStar(double x, double y, const Light& peak);
+  Light sky(double x, double y) const;
+  void addSky(const SceneRow& row, float* red, float* green, float* blue) const;
+  void addStars(const SceneRow& row, float* red, float* green, float* blue) const;
+  void addPlanet(const SceneRow& row, float* red, float* green, float* blue) const;
+
+  double aspect_ = 1;
+  std::vector<Star> stars_;
+};
+
+}  // namespace orvane::sim

@@ -1,0 +1,300 @@
+#include "stage/sensor.hpp"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <new>
+
+#include "stage/random.hpp"
+
+namespace orvane::sim {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
+
+// With the usual exposure and the middle of the gain range, the planet's brightest part fills half of
+// the sensor's range.
+constexpr double usualExposureUs = 20'000;
+constexpr double planetPart = 0.5;
+constexpr double electronsAtFullScale = 6000;
+constexpr float readNoise = 3;  // electrons
+
+constexpr double vignetting = 0.12;  // light lost in the corners
+constexpr std::uint64_t pixelsPerHotPixel = 40'000;
+
+constexpr double usb3BytesPerUs = 350;
+constexpr double usb2BytesPerUs = 40;
+
+// More samples than any camera has: their light is worked out row by row instead of being kept.
+constexpr std::int64_t mostKeptSamples = 100'000'000;
+
+constexpr std::int32_t blockLength = 1020;  // a multiple of the numbers drawn from one hash
+
+// Normally distributed numbers, equally likely each.
+constexpr std::size_t normalCount = 4096;
+
+std::array<float, normalCount> makeNormals() {
+  std::array<float, normalCount> normals{};
+  for (std::size_t i = 0; i < normalCount / 2; ++i) {
+    // The quantile of the middle of each of the equal parts, by bisection of the distribution.
+    const double part = (static_cast<double>(i) + 0.5) / static_cast<double>(normalCount);
+    double low = -6;
+    double high = 0;
+    for (int step = 0; step < 40; ++step) {
+      const double middle = (low + high) / 2;
+      (0.5 * std::erfc(-middle / std::sqrt(2.0)) < part ? low : high) = middle;
+    }
+    normals.at(i) = static_cast<float>(low);
+    normals.at(normalCount - 1 - i) = static_cast<float>(-low);
+  }
+  return normals;
+}
+
+// Fills `noise` with normally distributed numbers that follow from the key alone.
+void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
+  static const std::array<float, normalCount> normals = makeNormals();
+  constexpr std::int32_t perHash = 5;
+  static_assert(blockLength % perHash == 0);
+  const float* table = normals.data();
+  for (std::int32_t i = 0; i < count; i += perHash) {
+    std::uint64_t bits = mix(key + static_cast<std::uint64_t>(i));
+    for (std::int32_t j = 0; j < perHash; ++j) {
+      noise[i + j] = table[bits % normalCount];
+      bits /= normalCount;
+    }
+  }
+}
+
+bool isColorLayout(Layout layout) { return layout == Layout::Bgr24 || layout == Layout::Rgb24; }
+
+std::int32_t samplesPerPixel(Layout layout) { return isColorLayout(layout) ? 3 : 1; }
+
+float luminance(float red, float green, float blue) {
+  return 0.299F * red + 0.587F * green + 0.114F * blue;
+}
+
+// The plane (0 red, 1 green, 2 blue) that a pixel's filter lets through.
+std::int32_t filterPlane(Mosaic mosaic, std::int32_t x, std::int32_t y) {
+  constexpr std::array<std::array<std::int32_t, 4>, 5> planes{
+      {{1, 1, 1, 1}, {0, 1, 1, 2}, {2, 1, 1, 0}, {1, 0, 2, 1}, {1, 2, 0, 1}}};
+  return planes.at(static_cast<std::size_t>(mosaic)).at(static_cast<std::size_t>((y & 1) * 2 + (x & 1)));
+}
+
+// How a sample becomes a count.
+struct Conversion {
+  float electrons;   // of light 1
+  float noiseScale;  // binned samples are an average of several
+  float counts;      // of one electron
+  float pedestal;    // counts, with the half that rounds
+  float largest;
+  std::int32_t shift;  // left, from the converter's bits to the sample's; negative is right
+};
+
+Conversion conversionOf(const FrameSettings& settings) {
+  const std::int32_t largest = (1 << settings.bitDepth) - 1;
+  const double counts = settings.gain * largest / electronsAtFullScale;
+  const std::int32_t width = bytesPerPixel(settings.layout) == 2 ? 16 : 8;
+  const bool isRight = width == 16 && settings.alignment == Alignment::Right;
+  Conversion conversion{};
+  conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale *
+                                            settings.exposureUs / usualExposureUs);
+  conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
+  conversion.counts = static_cast<float>(counts);
+  conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
+  conversion.largest = static_cast<float>(largest);
+  conversion.shift = isRight ? 0 : width - settings.bitDepth;
+  return conversion;
+}
+
+// Exposes up to a block of samples and converts them to counts.
+void expose(const Conversion& conversion, const float* light, const float* noise,
+            std::int32_t count, std::int32_t* counts) {
+  const Conversion c = conversion;
+  for (std::int32_t i = 0; i < count; ++i) {
+    const float mean = light[i] * c.electrons;
+    const float spread = std::sqrt(mean + readNoise * readNoise) * c.noiseScale;
+    const float value = (mean + spread * noise[i]) * c.counts + c.pedestal;
+    const float positive = value > 0.0F ? value : 0.0F;
+    counts[i] = static_cast<std::int32_t>(positive < c.largest ? positive : c.largest);
+  }
+}
+
+void store8(const std::int32_t* counts, std::int32_t count, std::int32_t shiftRight,
+            std::uint8_t* bytes) {
+  for (std::int32_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(counts[i] >> shiftRight);
+  }
+}
+
+void store16(const std::int32_t* counts, std::int32_t count, std::int32_t shiftLeft,
+             std::uint8_t* bytes) {
+  std::array<std::uint16_t, blockLength> samples;
+  for (std::int32_t i = 0; i < count; ++i) {
+    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shiftLeft);
+  }
+  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
+}
+
+}  // namespace
+
+Mosaic mosaicOfBayerNumber(std::int32_t number) {
+  switch (number) {
+    case 1:
+      return Mosaic::Bggr;
+    case 2:
+      return Mosaic::Grbg;
+    case 3:
+      return Mosaic::Gbrg;
+    default:
+      return Mosaic::Rggb;
+  }
+}
+
+std::int32_t bytesPerPixel(Layout layout) {
+  switch (layout) {
+    case Layout::Raw16:
+    case Layout::Luma16:
+      return 2;
+    case Layout::Bgr24:
+    case Layout::Rgb24:
+      return 3;
+    default:
+      return 1;
+  }
+}
+
+std::int64_t frameBytes(const FrameSettings& settings) {
+  return std::int64_t{settings.region.width} * settings.region.height *
+         bytesPerPixel(settings.layout);
+}
+
+std::int64_t framePeriodUs(const FrameSettings& settings) {
+  constexpr double shortest = 1000;
+  constexpr double longest = 1e15;
+  const double bytesPerUs = settings.isUsb3 ? usb3BytesPerUs : usb2BytesPerUs;
+  const double transfer = static_cast<double>(frameBytes(settings)) / bytesPerUs;
+  return static_cast<std::int64_t>(
+      std::min(std::max({shortest, transfer, settings.exposureUs}), longest));
+}
+
+void Renderer::forget() {
+  key_ = {};
+  light_ = {};
+  planes_ = {};
+}
+
+void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
+  const Key key{seed,
+                settings.camera,
+                settings.sensorWidth,
+                settings.sensorHeight,
+                settings.mosaic,
+                settings.bin,
+                settings.region,
+                settings.layout,
+                settings.isUpsideDown};
+  if (key == key_) {
+    return;
+  }
+  forget();
+  scene_.set(seed, static_cast<double>(settings.sensorWidth) / settings.sensorHeight);
+  const auto width = static_cast<std::size_t>(settings.region.width);
+  const auto rowSamples = width * static_cast<std::size_t>(samplesPerPixel(settings.layout));
+  const auto height = static_cast<std::size_t>(settings.region.height);
+  planes_.resize(3 * width);
+  isWholeFrame_ = frameBytes(settings) <= mostKeptSamples;
+  if (isWholeFrame_) {
+    try {
+      light_.resize(rowSamples * height);
+    } catch (const std::bad_alloc&) {
+      isWholeFrame_ = false;
+    }
+  }
+  if (!isWholeFrame_) {
+    light_.resize(rowSamples);
+  }
+  key_ = key;
+  for (std::int32_t row = 0; isWholeFrame_ && row < settings.region.height; ++row) {
+    lightRow(row, light_.data() + rowSamples * static_cast<std::size_t>(row));
+  }
+}
+
+// Works out the light on all samples of one row of the frame, counted as delivered.
+void Renderer::lightRow(std::int32_t row, float* light) {
+  const Region& region = key_.region;
+  const std::int32_t sensorRow = region.y + (key_.isUpsideDown ? region.height - 1 - row : row);
+  const double pixel = static_cast<double>(key_.bin) / key_.sensorHeight;
+  const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, pixel, region.width};
+  const auto width = static_cast<std::size_t>(region.width);
+  float* const planes[3] = {planes_.data(), planes_.data() + width, planes_.data() + 2 * width};
+  scene_.light(place, planes[0], planes[1], planes[2]);
+
+  const double halfAspect = 0.5 * key_.sensorWidth / key_.sensorHeight;
+  const double corner = halfAspect * halfAspect + 0.25;
+  const double dy = place.y - 0.5;
+  const std::uint64_t hotKey = mix(key_.camera + mix(static_cast<std::uint64_t>(sensorRow)));
+  const std::int32_t samples = samplesPerPixel(key_.layout);
+  for (std::int32_t x = 0; x < region.width; ++x) {
+    const double dx = place.x + x * pixel - halfAspect;
+    const auto lens = static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
+    const float rgb[3] = {planes[0][x] * lens, planes[1][x] * lens, planes[2][x] * lens};
+
+    // Hot pixels belong to the sensor, so they stay where they are when the region moves.
+    const std::uint64_t spot = mix(hotKey + static_cast<std::uint64_t>(region.x + x));
+    const bool isHot = spot % pixelsPerHotPixel == 0;
+    const float hot = isHot ? 0.1F + 0.6F * static_cast<float>(unitInterval(mix(spot))) : 0.0F;
+
+    float* sample = light + std::ptrdiff_t{x} * samples;
+    if (samples == 3) {
+      const bool isBlueFirst = key_.layout == Layout::Bgr24;
+      sample[0] = rgb[isBlueFirst ? 2 : 0] + hot;
+      sample[1] = rgb[1] + hot;
+      sample[2] = rgb[isBlueFirst ? 0 : 2] + hot;
+    } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8 ||
+               key_.layout == Layout::Luma16) {
+      sample[0] = luminance(rgb[0], rgb[1], rgb[2]) + hot;
+    } else {
+      sample[0] = rgb[filterPlane(key_.mosaic, region.x + x, region.y + row)] + hot;
+    }
+  }
+}
+
+void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::int64_t frameNumber,
+                      std::uint8_t* buffer, std::int64_t rowPitch) {
+  if (frameBytes(settings) <= 0) {
+    return;
+  }
+  prepare(seed, settings);
+  const Conversion conversion = conversionOf(settings);
+  const std::int32_t rowSamples = settings.region.width * samplesPerPixel(settings.layout);
+  const std::int32_t bytesPerSample = bytesPerPixel(settings.layout) == 2 ? 2 : 1;
+  const std::uint64_t frameKey =
+      mix(mix(seed) + mix(settings.camera) + static_cast<std::uint64_t>(frameNumber));
+  std::array<float, blockLength> noise;
+  std::array<std::int32_t, blockLength> counts;
+  for (std::int32_t row = 0; row < settings.region.height; ++row) {
+    const float* light = light_.data();
+    if (isWholeFrame_) {
+      light += std::ptrdiff_t{row} * rowSamples;
+    } else {
+      lightRow(row, light_.data());
+    }
+    const std::uint64_t rowKey = mix(frameKey + static_cast<std::uint64_t>(row));
+    std::uint8_t* const bytes = buffer + row * rowPitch;
+    for (std::int32_t start = 0; start < rowSamples; start += blockLength) {
+      const std::int32_t count = std::min(rowSamples - start, blockLength);
+      makeNoise(rowKey + static_cast<std::uint64_t>(start), count, noise.data());
+      expose(conversion, light + start, noise.data(), count, counts.data());
+      std::uint8_t* const block = bytes + std::ptrdiff_t{start} * bytesPerSample;
+      if (bytesPerSample == 2) {
+        store16(counts.data(), count, conversion.shift, block);
+      } else {
+        store8(counts.data(), count, -conversion.shift, block);
+      }
+    }
+  }
+}
+
+}  // namespace orvane::sim

@@ -1,0 +1,168 @@
+// The exports before, between and after cameras: what they return and which of them touch the error
+// text.
+#include <cmath>
+
+#include "library/asi_test.hpp"
+
+namespace orvane::testing {
+namespace {
+
+using Boundary = AsiTest;
+
+TEST_F(Boundary, ErrorTextIsEmptyAndNotNullBeforeAnyOtherCall) {
+  ASSERT_NE(oc.error(), nullptr);
+  EXPECT_EQ(error(), "");
+}
+
+TEST_F(Boundary, LibrariesIsEmptyAndNotNullBeforeAnyScan) {
+  ASSERT_NE(oc.libraries(), nullptr);
+  EXPECT_EQ(libraries(), "");
+}
+
+TEST_F(Boundary, SizesAreZeroBeforeTheFirstOpen) {
+  EXPECT_EQ(oc.width(), 0);
+  EXPECT_EQ(oc.height(), 0);
+  EXPECT_EQ(oc.buffer_size(), 0);
+}
+
+TEST_F(Boundary, LibraryDirectoryTouchesNeitherErrorTextNorCatalogue) {
+  ASSERT_EQ(oc.scan(), 1);
+  EXPECT_EQ(oc.open(5, 1, 1, 1, 0, 1, 0, 0), 0);
+  oc.library_dir("elsewhere");
+  EXPECT_EQ(error(), "Camera not found; rescan");
+  EXPECT_EQ(libraries(), "ASICamera2");
+  EXPECT_NE(info(0), "{}");
+}
+
+TEST_F(Boundary, InfoOutsideTheCatalogueIsAnEmptyObjectAndLeavesTheErrorText) {
+  EXPECT_EQ(info(0), "{}");
+  EXPECT_EQ(info(-1), "{}");
+  ASSERT_EQ(oc.scan(), 1);
+  EXPECT_EQ(oc.open(5, 1, 1, 1, 0, 1, 0, 0), 0);
+  EXPECT_EQ(info(-1), "{}");
+  EXPECT_EQ(info(1), "{}");
+  EXPECT_EQ(info(2147483647), "{}");
+  EXPECT_EQ(info(-2147483647 - 1), "{}");
+  EXPECT_EQ(error(), "Camera not found; rescan");
+}
+
+TEST_F(Boundary, InfoOfABadIndexLeavesTheLastDescription) {
+  ASSERT_EQ(oc.scan(), 1);
+  const char* description = oc.info(0);
+  const std::string before = description;
+  oc.info(1);
+  EXPECT_EQ(description, before);
+}
+
+TEST_F(Boundary, InfoReplacesTheTextOfTheCallBefore) {
+  SimCamera second = smallAsiCamera();
+  setText(second.name, "other");
+  second.id = 9;
+  sdk.setCameras({smallAsiCamera(), second});
+  ASSERT_EQ(oc.scan(), 2);
+  const std::string first = oc.info(0);
+  EXPECT_NE(first, oc.info(1));
+  EXPECT_EQ(first, oc.info(0));
+}
+
+TEST_F(Boundary, ScanIsRefusedWhileACameraIsOpenAndChangesNothing) {
+  openSmall();
+  const std::string before = info(0);
+  EXPECT_EQ(oc.scan(), -1);
+  EXPECT_EQ(error(), "Stop the preview before rescanning");
+  EXPECT_EQ(sdk.takeLog(), "");
+  EXPECT_EQ(info(0), before);
+  EXPECT_EQ(libraries(), "ASICamera2");
+  EXPECT_EQ(readFrame(), 320 * 202);
+}
+
+TEST_F(Boundary, FailingOpenReturnsZeroKeepsItsMessageAndLeavesNoCameraOpen) {
+  ASSERT_EQ(oc.scan(), 1);
+  sdk.forceResult("ASIInitCamera", 16);
+  EXPECT_EQ(oc.open(0, 320, 202, 1, 0, 20000, 10, 5), 0);
+  EXPECT_EQ(error(), "ASIInitCamera: 16");
+  expectClosed();
+  expectClean(sdk);
+  EXPECT_EQ(oc.scan(), 1) << "not refused";
+}
+
+TEST_F(Boundary, ApplyWithoutACameraFails) {
+  EXPECT_EQ(oc.apply(1000, 1, 1), 0);
+  EXPECT_EQ(error(), "Camera closed");
+}
+
+TEST_F(Boundary, ApplyAfterCloseFails) {
+  openSmall();
+  oc.close();
+  EXPECT_EQ(oc.apply(1000, 1, 1), 0);
+  EXPECT_EQ(error(), "Camera closed");
+}
+
+TEST_F(Boundary, ApplyWithoutACameraFailsBeforeTheExposureIsLookedAt) {
+  EXPECT_EQ(oc.apply(-1, 1, 1), 0);
+  EXPECT_EQ(error(), "Camera closed");
+}
+
+TEST_F(Boundary, TemperatureWithoutACameraIsTheQuietNanAndLeavesTheErrorText) {
+  oc.apply(1000, 1, 1);
+  const double celsius = oc.temperature();
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &celsius, sizeof bits);
+  EXPECT_EQ(bits, 0x7FF8000000000000U);
+  EXPECT_EQ(error(), "Camera closed");
+}
+
+TEST_F(Boundary, OnlyOpenAndAScanThatIsNotRefusedEmptyTheErrorText) {
+  openSmall();
+  EXPECT_EQ(oc.read(nullptr, 0, 0), -1);
+  const std::string message = "Camera closed or buffer too small";
+  EXPECT_EQ(error(), message);
+  EXPECT_GT(readFrame(), 0);
+  EXPECT_EQ(error(), message) << "after a read that succeeded";
+  EXPECT_EQ(oc.apply(20000, 10, 5), 1);
+  EXPECT_EQ(error(), message) << "after an apply that succeeded";
+  oc.temperature();
+  oc.info(0);
+  oc.libraries();
+  oc.width();
+  oc.buffer_size();
+  oc.close();
+  EXPECT_EQ(error(), message) << "after all others";
+  EXPECT_EQ(oc.scan(), 1);
+  EXPECT_EQ(error(), "") << "after a scan";
+  oc.apply(1000, 1, 1);
+  EXPECT_EQ(error(), "Camera closed");
+  EXPECT_EQ(oc.open(0, 320, 202, 1, 0, 20000, 10, 5), 1);
+  EXPECT_EQ(error(), "") << "after an open";
+}
+
+TEST_F(Boundary, AFailureReplacesTheMessageOfTheOneBefore) {
+  oc.apply(1000, 1, 1);
+  EXPECT_EQ(oc.read(nullptr, 0, 0), -1);
+  EXPECT_EQ(error(), "Camera closed or buffer too small");
+}
+
+TEST_F(Boundary, WidthAndHeightOutliveTheCloseAndBufferSizeDoesNot) {
+  openSmall(1);
+  EXPECT_EQ(oc.width(), 320);
+  EXPECT_EQ(oc.height(), 202);
+  EXPECT_EQ(oc.buffer_size(), 320 * 202 * 2);
+  oc.close();
+  EXPECT_EQ(oc.width(), 320);
+  EXPECT_EQ(oc.height(), 202);
+  EXPECT_EQ(oc.buffer_size(), 0);
+}
+
+TEST_F(Boundary, UnloadingTheLibraryClosesNoCameraAndANewLoadStartsFresh) {
+  openSmall();
+  oc.library.unload();
+  EXPECT_EQ(sdk.takeLog(), "");
+  EXPECT_EQ(sdk.invariants().streamsRunning, 1);
+  LibraryUnderTest again;
+  EXPECT_STREQ(again.error(), "");
+  EXPECT_STREQ(again.info(0), "{}");
+  EXPECT_EQ(again.width(), 0);
+}
+
+}  // namespace
+}  // namespace orvane::testing

@@ -1,0 +1,155 @@
+// The description's text: escaping, arrays, numbers, and the order of keys.
+#include "catalogue/camera_json.hpp"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using orvane::CameraInfo;
+using orvane::cameraJson;
+using orvane::jsonIntArray;
+using orvane::jsonString;
+
+namespace {
+
+// The text of one value in a description.
+std::string valueOf(const CameraInfo& camera, const std::string& key) {
+  const std::string json = cameraJson(0, camera);
+  const std::size_t start = json.find("\"" + key + "\":") + key.size() + 3;
+  const std::size_t end =
+      json[start] == '[' ? json.find(']', start) + 1 : json.find_first_of(",}", start);
+  return json.substr(start, end - start);
+}
+
+std::string pixelSizeText(double micrometres) {
+  CameraInfo camera;
+  camera.pixelSizeUm = micrometres;
+  return valueOf(camera, "pixelSizeUm");
+}
+
+}  // namespace
+
+TEST(JsonString, EmptyTextGivesAPairOfQuotes) {
+  EXPECT_EQ(jsonString(""), "\"\"");
+}
+
+TEST(JsonString, QuoteAndBackslashGetABackslash) {
+  EXPECT_EQ(jsonString("a\"b\\c"), "\"a\\\"b\\\\c\"");
+}
+
+TEST(JsonString, BytesBelowBlankAreDropped) {
+  EXPECT_EQ(jsonString("a\tb\nc\rd\x01\x1f"
+                       "e f"),
+            "\"abcde f\"");
+  EXPECT_EQ(jsonString(std::string("a\0b", 3)), "\"ab\"");
+}
+
+TEST(JsonString, EveryOtherByteIsCopiedUnchanged) {
+  EXPECT_EQ(jsonString("/\x7f\x80\xff\xc3\xa9"), "\"/\x7f\x80\xff\xc3\xa9\"");
+}
+
+TEST(JsonIntArray, EmptyListGivesEmptyBrackets) {
+  EXPECT_EQ(jsonIntArray({}), "[]");
+}
+
+TEST(JsonIntArray, NumbersStandInOrderWithCommasAndSigns) {
+  const int numbers[] = {1, -2, 0, std::numeric_limits<int>::min(),
+                         std::numeric_limits<int>::max()};
+  EXPECT_EQ(jsonIntArray(numbers), "[1,-2,0,-2147483648,2147483647]");
+}
+
+TEST(CameraJson, AllKeysStandInOrderWithoutBlanks) {
+  CameraInfo camera;
+  camera.name = "ZWO ASI294MC Pro";
+  camera.maxWidth = 4144;
+  camera.maxHeight = 2822;
+  camera.bitDepth = 14;
+  camera.pixelSizeUm = 4.63;
+  camera.isColor = true;
+  camera.isCooled = false;
+  camera.isUsb3Camera = true;
+  camera.isUsb3Host = false;
+  camera.bins = {1, 2, 3, 4};
+  camera.formats = {0, 2, 1, 3};
+  camera.maxExposureUs = 2000000000;
+  camera.minGain = -5;
+  camera.maxGain = 570;
+  camera.bayer = 8;
+  camera.vendorIndex = 99;  // not shown
+  EXPECT_EQ(cameraJson(7, camera),
+            R"({"id":7,"name":"ZWO ASI294MC Pro","maxWidth":4144,"maxHeight":2822,"bitDepth":14,)"
+            R"("pixelSizeUm":4.63,"isColor":true,"isCooled":false,"isUsb3Camera":true,)"
+            R"("isUsb3Host":false,"bins":[1,2,3,4],"formats":[0,2,1,3],"depths":[8,16],)"
+            R"("maxExposureUs":2000000000,"minGain":-5,"maxGain":570,"bayer":8})");
+}
+
+TEST(CameraJson, DefaultRecord) {
+  EXPECT_EQ(cameraJson(0, CameraInfo{}),
+            R"({"id":0,"name":"","maxWidth":0,"maxHeight":0,"bitDepth":8,"pixelSizeUm":0,)"
+            R"("isColor":false,"isCooled":false,"isUsb3Camera":false,"isUsb3Host":false,)"
+            R"("bins":[1],"formats":[0],"depths":[8],"maxExposureUs":0,"minGain":0,"maxGain":0,)"
+            R"("bayer":0})");
+}
+
+TEST(CameraJson, DepthsOffer16BitsWhenFormat1IsListedAnywhere) {
+  CameraInfo camera;
+  for (const auto& [formats, depths] :
+       std::vector<std::pair<std::vector<int>, std::string>>{{{0}, "[8]"},
+                                                             {{1}, "[8,16]"},
+                                                             {{0, 1}, "[8,16]"},
+                                                             {{1, 0}, "[8,16]"},
+                                                             {{}, "[8]"},
+                                                             {{2, 3}, "[8]"},
+                                                             {{11, -1}, "[8]"}}) {
+    camera.formats = formats;
+    EXPECT_EQ(valueOf(camera, "depths"), depths) << jsonIntArray(formats);
+  }
+  camera.formats = {};
+  EXPECT_EQ(valueOf(camera, "formats"), "[]");
+}
+
+TEST(CameraJson, NegativeBinsAndFormatsKeepTheirSign) {
+  CameraInfo camera;
+  camera.bins = {-1};
+  camera.formats = {-7, 0};
+  EXPECT_EQ(valueOf(camera, "bins"), "[-1]");
+  EXPECT_EQ(valueOf(camera, "formats"), "[-7,0]");
+}
+
+TEST(CameraJson, LongExposureIsPrintedAsA64BitNumber) {
+  CameraInfo camera;
+  camera.maxExposureUs = 3600000000;
+  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "3600000000");
+  camera.maxExposureUs = std::numeric_limits<std::int64_t>::min();
+  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "-9223372036854775808");
+  camera.maxExposureUs = std::numeric_limits<std::int64_t>::max();
+  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "9223372036854775807");
+}
+
+TEST(CameraJson, PixelSizeHasUpToSixSignificantDigits) {
+  EXPECT_EQ(pixelSizeText(2.9), "2.9");
+  EXPECT_EQ(pixelSizeText(3.75), "3.75");
+  EXPECT_EQ(pixelSizeText(3.76), "3.76");
+  EXPECT_EQ(pixelSizeText(4.63), "4.63");
+  EXPECT_EQ(pixelSizeText(2.0), "2");
+  EXPECT_EQ(pixelSizeText(0.0), "0");
+  EXPECT_EQ(pixelSizeText(-2.5), "-2.5");
+  EXPECT_EQ(pixelSizeText(1.0 / 3.0), "0.333333");
+  EXPECT_EQ(pixelSizeText(123456.7), "123457");
+}
+
+TEST(CameraJson, PixelSizeTurnsToExponentFormAsStreamsDo) {
+  EXPECT_EQ(pixelSizeText(0.0000001), "1e-07");
+  EXPECT_EQ(pixelSizeText(0.0001), "0.0001");
+  EXPECT_EQ(pixelSizeText(0.00001), "1e-05");
+  EXPECT_EQ(pixelSizeText(999999.0), "999999");
+  EXPECT_EQ(pixelSizeText(1000000.0), "1e+06");
+  EXPECT_EQ(pixelSizeText(1.5e300), "1.5e+300");
+  EXPECT_EQ(pixelSizeText(999999.9), "1e+06");
+}
+
+TEST(CameraJson, PixelSizeThatIsNoNumberIsWrittenAsStreamsDo) {
+  EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::quiet_NaN()), "nan");
+  EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::infinity()), "inf");
+  EXPECT_EQ(pixelSizeText(-std::numeric_limits<double>::infinity()), "-inf");
+}
