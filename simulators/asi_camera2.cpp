@@ -1,7 +1,7 @@
 // ZWO's ASICamera2, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other controls
-// only keep their value.
+// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other
+// controls only keep their value.
 
 #include <algorithm>
 #include <array>
@@ -147,37 +147,42 @@ constexpr std::array believableCameras{
 // In the order in which a camera lists them.
 std::vector<Control> controlsOf(const SimCamera& model) {
   std::vector<Control> controls{
-      {ASI_GAIN, "Gain", "Gain", model.gainMin, model.gainMax, usualGain(model), true},
-      {ASI_EXPOSURE, "Exposure", "Exposure Time(us)", model.exposureMinUs, model.exposureMaxUs,
-       usualExposureUs(model), true}};
+      {ASI_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
+       "Gain"},
+      {ASI_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
+       Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
-    add({ASI_OFFSET, "Offset", "Offset", model.offsetMin, model.offsetMax,
-         held(10, model.offsetMin, model.offsetMax)});
+    add({ASI_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
+         Access::ByHand, "Offset", "Offset"});
   }
-  add({ASI_BANDWIDTHOVERLOAD, "BandWidth", "The total data transfer rate percentage", 40, 100, 50,
-       true});
-  add({ASI_FLIP, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both", 0, 3, 0});
-  add({ASI_AUTO_MAX_GAIN, "AutoExpMaxGain", "Auto exposure maximum gain value", model.gainMin,
-       model.gainMax, usualGain(model)});
-  add({ASI_AUTO_MAX_EXP, "AutoExpMaxExpMS", "Auto exposure maximum exposure value(unit ms)", 1,
-       60'000, 100});
-  add({ASI_AUTO_TARGET_BRIGHTNESS, "AutoExpTargetBrightness",
-       "Auto exposure target brightness value", 50, 160, 100});
-  add({ASI_HARDWARE_BIN, "HardwareBin", "Is hardware bin2:0->No 1->Yes", 0, 1, 0});
-  add({ASI_HIGH_SPEED_MODE, "HighSpeedMode", "Is high speed mode:0->No 1->Yes", 0, 1, 0});
+  add({ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
+       "The total data transfer rate percentage"});
+  add({ASI_FLIP, 0, 3, 0, Access::ByHand, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both"});
+  add({ASI_AUTO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
+       "AutoExpMaxGain", "Auto exposure maximum gain value"});
+  add({ASI_AUTO_MAX_EXP, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
+       "Auto exposure maximum exposure value(unit ms)"});
+  add({ASI_AUTO_TARGET_BRIGHTNESS, 50, 160, 100, Access::ByHand, "AutoExpTargetBrightness",
+       "Auto exposure target brightness value"});
+  add({ASI_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Is hardware bin2:0->No 1->Yes"});
+  add({ASI_HIGH_SPEED_MODE, 0, 1, 0, Access::ByHand, "HighSpeedMode",
+       "Is high speed mode:0->No 1->Yes"});
   if (model.hasTemperature != 0) {
-    add({ASI_TEMPERATURE, "Temperature", "Sensor temperature(degrees Celsius)", -500, 1000, 20,
-         false, false});
+    add({ASI_TEMPERATURE, -500, 1000, 20, Access::ReadOnly, "Temperature",
+         "Sensor temperature(degrees Celsius)"});
   }
   if (model.isCooled != 0) {
-    add({ASI_COOLER_POWER_PERC, "CoolPowerPerc", "Cooler power percent", 0, 100, 0, false, false});
-    add({ASI_TARGET_TEMP, "TargetTemp", "Target temperature(cool camera only)", -40, 30, 0});
-    add({ASI_COOLER_ON, "CoolerOn", "Turn on/off cooler(cool camera only)", 0, 1, 0});
+    add({ASI_COOLER_POWER_PERC, 0, 100, 0, Access::ReadOnly, "CoolPowerPerc",
+         "Cooler power percent"});
+    add({ASI_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp",
+         "Target temperature(cool camera only)"});
+    add({ASI_COOLER_ON, 0, 1, 0, Access::ByHand, "CoolerOn",
+         "Turn on/off cooler(cool camera only)"});
   }
   if (model.isColor != 0) {
-    add({ASI_WB_R, "WB_R", "White balance: Red component", 1, 99, 52, true});
-    add({ASI_WB_B, "WB_B", "White balance: Blue component", 1, 99, 95, true});
+    add({ASI_WB_R, 1, 99, 52, Access::ByHandOrAuto, "WB_R", "White balance: Red component"});
+    add({ASI_WB_B, 1, 99, 95, Access::ByHandOrAuto, "WB_B", "White balance: Blue component"});
   }
   return controls;
 }
@@ -248,7 +253,7 @@ int onOpenCamera(Call& call, int cameraId, const Body& body) {
       stage().countCallOnClosed();
       return camera == nullptr ? ASI_ERROR_INVALID_ID : ASI_ERROR_CAMERA_CLOSED;
     }
-    return camera->isPlugged ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
+    return camera->isReachable() ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
   });
 }
 
@@ -262,8 +267,8 @@ int onReadyCamera(Call& call, int cameraId, const Body& body) {
 
 }  // namespace
 
-constinit const sim::Maker sim::maker{"ASICamera2", believableCameras,
-                                      {2, WhenFull::DropOldest}, frameSettings};
+constinit const sim::Maker sim::maker{
+    "ASICamera2", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
 
 extern "C" {
 
@@ -316,7 +321,7 @@ int ASIOpenCamera(int cameraId) {
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
     }
-    if (!camera->isPlugged) {
+    if (!camera->isReachable()) {
       return ASI_ERROR_CAMERA_REMOVED;
     }
     if (camera->model.isBusy != 0) {
@@ -373,8 +378,8 @@ int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
     call.set("MaxValue", caps->MaxValue, wholeNumber<long>(control.maximum));
     call.set("MinValue", caps->MinValue, wholeNumber<long>(control.minimum));
     call.set("DefaultValue", caps->DefaultValue, wholeNumber<long>(control.initial));
-    call.set("IsAutoSupported", caps->IsAutoSupported, control.hasAuto ? 1 : 0);
-    call.set("IsWritable", caps->IsWritable, control.isWritable ? 1 : 0);
+    call.set("IsAutoSupported", caps->IsAutoSupported, control.hasAuto() ? 1 : 0);
+    call.set("IsWritable", caps->IsWritable, control.isWritable() ? 1 : 0);
     call.set("ControlType", caps->ControlType, control.id);
     call.wrote("type ", caps->ControlType, " [", caps->MinValue, ", ", caps->MaxValue,
                "] writable ", caps->IsWritable);
@@ -403,11 +408,11 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     if (control == nullptr) {
       return ASI_ERROR_INVALID_CONTROL_TYPE;
     }
-    if (!control->isWritable) {
+    if (!control->isWritable()) {
       return ASI_ERROR_GENERAL_ERROR;
     }
     control->value = held(static_cast<double>(value), control->minimum, control->maximum);
-    control->isAuto = control->hasAuto && isAuto != ASI_FALSE;
+    control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
       device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
                         device.value(ASI_TARGET_TEMP, 0));

@@ -17,7 +17,9 @@ constexpr std::int32_t mostCameras = 256;
 
 extern "C" {
 
-void sim_reset(void) { stage().reset(); }
+void sim_reset(void) {
+  stage().reset();
+}
 
 int32_t sim_set_cameras(const SimCamera* cameras, int32_t count) {
   const int32_t taken = cameras == nullptr ? 0 : std::clamp(count, 0, mostCameras);
@@ -34,7 +36,9 @@ int32_t sim_get_camera(int32_t index, SimCamera* camera) {
   return 1;
 }
 
-void sim_set_plugged(int32_t index, int32_t plugged) { stage().setPlugged(index, plugged != 0); }
+void sim_set_plugged(int32_t index, int32_t plugged) {
+  stage().setPlugged(index, plugged != 0);
+}
 
 void sim_force_result(const char* function, int32_t nth, int32_t times, int64_t result) {
   stage().faults.forceResult(function, {nth, times}, result);
@@ -45,25 +49,41 @@ void sim_force_output(const char* function, const char* output, int32_t nth, int
   stage().faults.forceOutput(function, output, {nth, times}, value);
 }
 
-void sim_clear_faults(void) { stage().faults.clearForced(); }
+void sim_clear_faults(void) {
+  stage().faults.clearForced();
+}
 
-void sim_set_seed(uint64_t seed) { stage().setSeed(seed); }
+void sim_set_seed(uint64_t seed) {
+  stage().setSeed(seed);
+}
 
-void sim_stop_clock(int32_t stopped) { stage().clock.stop(stopped != 0); }
+void sim_stop_clock(int32_t stopped) {
+  stage().clock.stop(stopped != 0);
+}
 
-void sim_advance_clock(int64_t microseconds) { stage().clock.advance(microseconds); }
+void sim_advance_clock(int64_t microseconds) {
+  stage().clock.advance(microseconds);
+}
 
 int32_t sim_render_frame(int32_t frame, uint8_t* buffer, int32_t bufferLength) {
   return stage().renderFrame(frame, buffer, bufferLength);
 }
 
-void sim_log_enable(int32_t enabled) { stage().log.enable(enabled != 0); }
+void sim_log_enable(int32_t enabled) {
+  stage().log.enable(enabled != 0);
+}
 
-const char* sim_log(void) { return stage().log.text(); }
+const char* sim_log(void) {
+  return stage().log.text();
+}
 
-void sim_log_clear(void) { stage().log.clear(); }
+void sim_log_clear(void) {
+  stage().log.clear();
+}
 
-void sim_invariants(SimInvariants* invariants) { *invariants = stage().invariants(); }
+void sim_invariants(SimInvariants* invariants) {
+  *invariants = stage().invariants();
+}
 
 int32_t sim_command(const char* commands) {
   return commands != nullptr && orvane::sim::carryOut(commands) ? 1 : 0;

@@ -1,8 +1,8 @@
 // Turns a maker's declarations into the ones that a simulated SDK defines.
 //
-// The declarations in src/vendors/sdk/ are written once, for the library that calls the SDKs. A file
-// that includes this header first gets, for each SDK_FUNCTION line there, the declaration of an
-// exported C function. Its definition follows in the simulated SDK, inside extern "C": two C
+// The declarations in src/vendors/sdk/ are written once, for the library that calls the SDKs. A
+// file that includes this header first gets, for each SDK_FUNCTION line there, the declaration of
+// an exported C function. Its definition follows in the simulated SDK, inside extern "C": two C
 // functions of one name cannot differ, so a simulation that drifts from what the library calls does
 // not compile.
 #pragma once

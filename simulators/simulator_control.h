@@ -17,7 +17,7 @@
 #ifndef ORVANE_SIMULATOR_CONTROL_H
 #define ORVANE_SIMULATOR_CONTROL_H
 
-#include <stdint.h>
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers): C programs read this file too */
 
 #if defined(_WIN32)
 #  if defined(ORVANE_SIMULATOR_BUILDING)

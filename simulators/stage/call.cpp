@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <string>
 
 #include "stage/camera_model.hpp"
@@ -32,7 +33,9 @@ bool Call::begin(const char* function) {
   return here.log.isEnabled();
 }
 
-std::int64_t Call::wholeOf(double number) { return wholeNumber<std::int64_t>(number); }
+std::int64_t Call::wholeOf(double number) {
+  return wholeNumber<std::int64_t>(number);
+}
 
 void Call::separateOutput() {
   if (hasOutput_) {
@@ -49,12 +52,18 @@ void Call::end(std::string_view piece) {
 }
 
 void Call::write(Quoted quoted) {
+  if (quoted.text.data() == nullptr) {
+    append("null");
+    return;
+  }
   append("\"");
   append(quoted.text);
   append("\"");
 }
 
-void Call::write(Buffer buffer) { append(buffer.address == nullptr ? "null" : "buffer"); }
+void Call::write(Buffer buffer) {
+  append(buffer.address == nullptr ? "null" : "buffer");
+}
 
 void Call::write(Handle handle) {
   const std::size_t number = stage().numberOf(handle.address);
@@ -66,10 +75,16 @@ void Call::write(Handle handle) {
   }
 }
 
-void Call::writeReal(double number) { appendNumber(number); }
+void Call::writeReal(double number) {
+  appendNumber(number);
+}
 
-void Call::writeSigned(std::int64_t number) { appendNumber(number); }
+void Call::writeSigned(std::int64_t number) {
+  appendNumber(number);
+}
 
-void Call::writeUnsigned(std::uint64_t number) { appendNumber(number); }
+void Call::writeUnsigned(std::uint64_t number) {
+  appendNumber(number);
+}
 
 }  // namespace orvane::sim

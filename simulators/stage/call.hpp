@@ -1,5 +1,5 @@
-// One call of a maker's function: counts it for the faults, logs it, and answers it, as its body says
-// or as a test has forced it.
+// One call of a maker's function: counts it for the faults, logs it, and answers it, as its body
+// says or as a test has forced it.
 #pragma once
 
 #include <cmath>
@@ -13,7 +13,7 @@
 namespace orvane::sim {
 
 // How pieces of a log line are written. Numbers stand as they are.
-struct Quoted {
+struct Quoted {  // in quotation marks; "null" without them when there is no text at all
   std::string_view text;
 };
 struct Buffer {  // "buffer" or "null"
@@ -84,7 +84,9 @@ class Call {
   }
 
   // The forced value of an output, for outputs that are no numbers.
-  static std::optional<double> forcedOutput(const char* name) { return stage().faults.output(name); }
+  static std::optional<double> forcedOutput(const char* name) {
+    return stage().faults.output(name);
+  }
 
  private:
   static bool begin(const char* function);
@@ -131,7 +133,7 @@ class Call {
   }
 
   template <class Number>
-    requires std::is_arithmetic_v<Number>
+  requires std::is_arithmetic_v<Number>
   void write(Number number) {
     if constexpr (std::is_floating_point_v<Number>) {
       writeReal(number);

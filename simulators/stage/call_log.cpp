@@ -1,22 +1,20 @@
 #include "stage/call_log.hpp"
 
-#include <utility>
-
 namespace orvane::sim {
 
 void CallLog::enable(bool enabled) {
   isEnabled_ = enabled;
   if (!enabled) {
-    file_ = std::ofstream();
+    file_.reset();
   }
 }
 
 bool CallLog::enableFile(const std::string& path) {
-  std::ofstream file(path, std::ios::app | std::ios::binary);
-  if (!file) {
+  std::FILE* file = std::fopen(path.c_str(), "ab");
+  if (file == nullptr) {
     return false;
   }
-  file_ = std::move(file);
+  file_.reset(file);
   isEnabled_ = true;
   return true;
 }
@@ -28,8 +26,10 @@ void CallLog::clear() {
 
 void CallLog::endLine() {
   text_ += '\n';
-  if (file_.is_open()) {
-    file_ << std::string_view(text_).substr(lineStart_) << std::flush;
+  if (file_) {
+    // A log that cannot be written, on a full disk for example, must not disturb what it is about.
+    static_cast<void>(std::fputs(text_.c_str() + lineStart_, file_.get()));
+    static_cast<void>(std::fflush(file_.get()));
   }
   lineStart_ = text_.size();
 }

@@ -1,7 +1,9 @@
 // The log of the calls into a simulated SDK.
 #pragma once
 
-#include <fstream>
+#include <cstddef>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -29,10 +31,14 @@ class CallLog {
   void endLine();
 
  private:
+  struct Closer {
+    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+  };
+
   bool isEnabled_ = false;
   std::string text_;
   std::size_t lineStart_ = 0;
-  std::ofstream file_;
+  std::unique_ptr<std::FILE, Closer> file_;
 };
 
 }  // namespace orvane::sim

@@ -39,7 +39,9 @@ inline bool hasBin(const SimCamera& model, std::int32_t bin) {
   return bin > 0 && contains(model.bins, 0, bin);
 }
 
-inline bool hasOffset(const SimCamera& model) { return model.offsetMax >= model.offsetMin; }
+inline bool hasOffset(const SimCamera& model) {
+  return model.offsetMax >= model.offsetMin;
+}
 
 // The whole part of a number, held to what the type can take; 0 for what is no number.
 template <class Integer>

@@ -1,158 +1,182 @@
 // Commands given as text, by sim_command() or in the environment variable ORVANE_SIMULATOR.
 
 #include <algorithm>
+#include <charconv>
+#include <cstdio>
 #include <cstdlib>
-#include <iostream>
-#include <limits>
-#include <sstream>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "stage/stage.hpp"
 
 namespace orvane::sim {
 namespace {
 
-std::string trimmed(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) {
-    return {};
-  }
-  return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
+constexpr std::string_view blanks = " \t\r";
+
+std::string_view trimmed(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-// Reads the words of one command; a command that has too few or too many is not understood.
-class Words {
- public:
-  explicit Words(const std::string& command) : stream_(command) {}
+// The text up to the first of some separators, which is cut off with it.
+std::string_view cutOff(std::string_view& text, std::string_view separators) {
+  const std::size_t length = std::min(text.find_first_of(separators), text.size());
+  const std::string_view part = text.substr(0, length);
+  text.remove_prefix(std::min(length + 1, text.size()));
+  return part;
+}
 
-  template <class... Fields>
-  bool read(Fields&... fields) {
-    return static_cast<bool>((stream_ >> ... >> fields));
+bool readWord(std::string_view word, std::string_view& field) {
+  field = word;
+  return !word.empty();
+}
+
+template <class Number>
+requires std::is_arithmetic_v<Number>
+bool readWord(std::string_view word, Number& field) {
+  const char* const end = word.data() + word.size();
+  const std::from_chars_result read = std::from_chars(word.data(), end, field);
+  return !word.empty() && read.ec == std::errc() && read.ptr == end;
+}
+
+// Reads all words of a command's arguments; false when there are too few, too many or wrong ones.
+template <class... Fields>
+bool read(std::string_view arguments, Fields&... fields) {
+  const auto readNext = [&arguments](auto& field) {
+    arguments = trimmed(arguments);
+    return readWord(cutOff(arguments, blanks), field);
+  };
+  return (readNext(fields) && ...) && trimmed(arguments).empty();
+}
+
+// One kind of command: carries it out when it `isMeant` for this SDK, and returns whether it was
+// understood.
+using Carry = bool (*)(std::string_view arguments, bool isMeant);
+
+bool carryClock(std::string_view arguments, bool isMeant) {
+  std::string_view state;
+  if (!read(arguments, state) || (state != "stopped" && state != "running")) {
+    return false;
   }
-
-  bool isAtEnd() {
-    stream_ >> std::ws;
-    return stream_.eof();
+  if (isMeant) {
+    stage().clock.stop(state == "stopped");
   }
+  return true;
+}
 
-  std::string rest() {
-    std::string text;
-    std::getline(stream_, text, '\0');
-    return trimmed(text);
+bool carrySeed(std::string_view arguments, bool isMeant) {
+  std::uint64_t seed = 0;
+  if (!read(arguments, seed)) {
+    return false;
   }
+  if (isMeant) {
+    stage().setSeed(seed);
+  }
+  return true;
+}
 
- private:
-  std::istringstream stream_;
-};
+bool carryLog(std::string_view arguments, bool isMeant) {
+  return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
+}
 
-// Understands a command and, when `isMeant`, carries it out. Returns whether it was understood.
-bool carryOutOne(const std::string& verb, Words& words, bool isMeant) {
-  std::string function;
-  std::string output;
+bool carryForce(std::string_view arguments, bool isMeant) {
+  std::string_view function;
   CallRange range;
-  if (verb == "clock") {
-    std::string state;
-    if (!words.read(state) || !words.isAtEnd() || (state != "stopped" && state != "running")) {
-      return false;
-    }
-    if (isMeant) {
-      stage().clock.stop(state == "stopped");
-    }
-    return true;
+  std::int64_t result = 0;
+  if (!read(arguments, function, range.nth, range.times, result)) {
+    return false;
   }
-  if (verb == "seed") {
-    std::uint64_t seed = 0;
-    if (!words.read(seed) || !words.isAtEnd()) {
-      return false;
-    }
-    if (isMeant) {
-      stage().setSeed(seed);
-    }
-    return true;
+  if (isMeant) {
+    stage().faults.forceResult(function, range, result);
   }
-  if (verb == "log") {
-    const std::string path = words.rest();
-    return !path.empty() && (!isMeant || stage().log.enableFile(path));
+  return true;
+}
+
+bool carryOutput(std::string_view arguments, bool isMeant) {
+  std::string_view function;
+  std::string_view output;
+  CallRange range;
+  double value = 0;
+  if (!read(arguments, function, output, range.nth, range.times, value)) {
+    return false;
   }
-  if (verb == "force") {
-    std::int64_t result = 0;
-    if (!words.read(function, range.nth, range.times, result) || !words.isAtEnd()) {
-      return false;
-    }
-    if (isMeant) {
-      stage().faults.forceResult(function, range, result);
-    }
-    return true;
+  if (isMeant) {
+    stage().faults.forceOutput(function, output, range, value);
   }
-  if (verb == "output") {
-    double value = 0;
-    if (!words.read(function, output, range.nth, range.times, value) || !words.isAtEnd()) {
-      return false;
-    }
-    if (isMeant) {
-      stage().faults.forceOutput(function, output, range, value);
-    }
-    return true;
+  return true;
+}
+
+bool carryUnplug(std::string_view arguments, bool isMeant) {
+  std::int32_t camera = 0;
+  std::string_view function;
+  std::int32_t nth = 0;
+  if (!read(arguments, camera, function, nth)) {
+    return false;
   }
-  if (verb == "unplug") {
-    std::int32_t camera = 0;
-    if (!words.read(camera, function, range.nth) || !words.isAtEnd()) {
-      return false;
-    }
-    if (isMeant && range.nth == 0) {
-      stage().setPlugged(camera, false);
-    } else if (isMeant) {
-      stage().faults.unplug(function, range.nth, camera);
-    }
-    return true;
+  if (isMeant && nth == 0) {
+    stage().setPlugged(camera, false);
+  } else if (isMeant) {
+    stage().faults.unplug(function, nth, camera);
   }
-  if (verb == "plug") {
-    std::int32_t camera = 0;
-    if (!words.read(camera) || !words.isAtEnd()) {
-      return false;
-    }
-    if (isMeant) {
-      stage().setPlugged(camera, true);
-    }
-    return true;
+  return true;
+}
+
+bool carryPlug(std::string_view arguments, bool isMeant) {
+  std::int32_t camera = 0;
+  if (!read(arguments, camera)) {
+    return false;
   }
-  return false;
+  if (isMeant) {
+    stage().setPlugged(camera, true);
+  }
+  return true;
+}
+
+Carry carryOf(std::string_view verb) {
+  constexpr std::pair<std::string_view, Carry> verbs[] = {
+      {"clock", carryClock},   {"seed", carrySeed},     {"log", carryLog},  {"force", carryForce},
+      {"output", carryOutput}, {"unplug", carryUnplug}, {"plug", carryPlug}};
+  const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
+                                         [&](const auto& known) { return known.first == verb; });
+  return found == std::end(verbs) ? nullptr : found->second;
 }
 
 bool carryOutEnvironment() {
-  // Runs while the library is being loaded; nobody else is there to change the environment.
+  // Runs while the library is being loaded, before anybody can be changing the environment.
   const char* commands = std::getenv("ORVANE_SIMULATOR");  // NOLINT(concurrency-mt-unsafe)
-  if (commands == nullptr || carryOut(commands)) {
-    return true;
+  const bool isUnderstood = commands == nullptr || carryOut(commands);
+  if (!isUnderstood) {
+    static_cast<void>(std::fprintf(stderr, "%s: a command in ORVANE_SIMULATOR was not understood\n",
+                                   maker.sdkName));
   }
-  std::cerr << "Simulated " << maker.sdkName
-            << ": a command in ORVANE_SIMULATOR was not understood: " << commands << std::endl;
-  return false;
+  return isUnderstood;
 }
 
-const bool environmentUnderstood = carryOutEnvironment();
+const bool environmentIsUnderstood = carryOutEnvironment();
 
 }  // namespace
 
 bool carryOut(std::string_view commands) {
   bool isMeant = true;
   while (!commands.empty()) {
-    const std::size_t length = std::min(commands.find_first_of(";\n"), commands.size());
-    const std::string command = trimmed(commands.substr(0, length));
-    commands.remove_prefix(std::min(length + 1, commands.size()));
-    Words words(command);
-    std::string verb;
-    if (!words.read(verb)) {
+    std::string_view arguments = trimmed(cutOff(commands, ";\n"));
+    const std::string_view verb = cutOff(arguments, blanks);
+    arguments = trimmed(arguments);
+    if (verb.empty()) {
       continue;
     }
     if (verb == "sdk") {
-      std::string name;
-      if (!words.read(name) || !words.isAtEnd()) {
+      std::string_view name;
+      if (!read(arguments, name)) {
         return false;
       }
       isMeant = name == "*" || name == maker.sdkName;
-    } else if (!carryOutOne(verb, words, isMeant)) {
+      continue;
+    }
+    const Carry carry = carryOf(verb);
+    if (carry == nullptr || !carry(arguments, isMeant)) {
       return false;
     }
   }

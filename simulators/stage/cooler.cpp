@@ -30,7 +30,9 @@ void Cooler::set(std::int64_t now, bool isOn, double target) {
   target_ = target;
 }
 
-double Cooler::goal() const { return isOn_ ? std::max(target_, air - deepest) : air + selfHeating; }
+double Cooler::goal() const {
+  return isOn_ ? std::max(target_, air - deepest) : air + selfHeating;
+}
 
 double Cooler::settled(std::int64_t now) const {
   const double seconds = static_cast<double>(now - since_) / 1e6;

@@ -1,5 +1,5 @@
-// What a test has asked to go wrong: forced results, forced outputs and unplugged cameras, each at a
-// chosen call of a maker's function.
+// What a test has asked to go wrong: forced results, forced outputs and unplugged cameras, each at
+// a chosen call of a maker's function.
 #pragma once
 
 #include <cstddef>

@@ -11,8 +11,8 @@
 
 namespace orvane::sim {
 
-// Microseconds since the clock was made. It runs with the computer's clock, or stands still until it
-// is moved.
+// Microseconds since the clock was made. It runs with the computer's clock, or stands still until
+// it is moved.
 class Clock {
  public:
   std::int64_t now() const;

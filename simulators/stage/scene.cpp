@@ -13,8 +13,9 @@ namespace {
 // Stars are Moffat profiles (1 + (d / starWidth)^2)^-3 with the peak given.
 constexpr double starWidth = 0.0038;
 constexpr double faintestLight = 0.0003;  // a profile is followed out to here
-constexpr int starCount = 3200;           // over all that the widest frame can show
-constexpr double skyWidth = 2.8;          // frame heights
+constexpr double skyCell = 0.012;
+constexpr int starCount = 3200;   // over all that the widest frame can show
+constexpr double skyWidth = 2.8;  // frame heights
 
 constexpr double planetRadius = 0.1;
 constexpr double planetY = 0.45;
@@ -38,6 +39,10 @@ Light mixed(const Light& a, const Light& b, double part) {
 Light scaled(const Light& light, double factor) {
   const auto f = static_cast<float>(factor);
   return {light.red * f, light.green * f, light.blue * f};
+}
+
+double square(double value) {
+  return value * value;
 }
 
 double smoothStep(double low, double high, double value) {
@@ -70,8 +75,8 @@ double clouds(double x, double y, std::uint64_t seed) {
 // `x` counts from the frame's middle.
 double starCloud(double x, double y) {
   const double across = 0.55 * x + 0.83 * (y - 0.62) + 0.08 * std::sin(3 * x);
-  const double band = std::exp(-across * across / (2 * 0.17 * 0.17));
-  const double lane = std::exp(-(across - 0.02) * (across - 0.02) / (2 * 0.035 * 0.035));
+  const double band = std::exp(-square(across / 0.24));
+  const double lane = std::exp(-square((across - 0.02) / 0.05));
   const double texture = clouds(7 * x, 7 * y, 11);
   return band * (0.35 + 1.1 * texture) * (1 - 0.65 * lane * clouds(9 * x, 9 * y, 23));
 }
@@ -88,15 +93,15 @@ Light starColor(double heat) {
 // the disc.
 Light planetSurface(double u, double v) {
   const double depth = std::sqrt(std::max(0.0, 1 - u * u - v * v));
-  const double latitude = std::asin(std::clamp(
-      v * std::sqrt(1 - ringOpening * ringOpening) - depth * ringOpening, -1.0, 1.0));
+  const double latitude = std::asin(
+      std::clamp(v * std::sqrt(1 - ringOpening * ringOpening) - depth * ringOpening, -1.0, 1.0));
   const double longitude = std::atan2(u, depth);
   const double swirl = 0.07 * (clouds(9 * longitude, 16 * latitude, 41) - 0.5);
   const double place = latitude + swirl;
   const double bands = 0.5 + 0.30 * std::sin(13 * place) + 0.20 * std::sin(29 * place + 1.2) +
                        0.16 * (clouds(5 * longitude, 40 * place, 57) - 0.5);
-  const double storm = std::exp(-(std::pow((longitude - 0.45) / 0.16, 2) +
-                                  std::pow((latitude - 0.42) / 0.075, 2)));
+  const double storm =
+      std::exp(-square((longitude - 0.45) / 0.16) - square((latitude - 0.42) / 0.075));
   Light light = mixed(planetCream, planetBrown, std::clamp(bands, 0.0, 1.0));
   light = mixed(light, {0.86F, 0.34F, 0.18F}, 0.8 * storm);
   const double pole = smoothStep(0.75, 1.45, std::abs(latitude));
@@ -111,7 +116,7 @@ double ringDensity(double radius) {
   }
   const double inner = 0.28 * smoothStep(ringInner, 1.50, radius);
   const double middle = 0.62 * smoothStep(1.48, 1.56, radius);
-  const double division = 1 - 0.92 * std::exp(-std::pow((radius - 1.98) / 0.028, 2));
+  const double division = 1 - 0.92 * std::exp(-square((radius - 1.98) / 0.028));
   const double grooves = 1 + 0.10 * std::sin(70 * radius) + 0.07 * std::sin(131 * radius);
   const double edge = 1 - smoothStep(ringOuter - 0.03, ringOuter, radius);
   return std::clamp((inner + middle) * division * grooves * edge, 0.0, 1.0);
@@ -119,9 +124,12 @@ double ringDensity(double radius) {
 
 }  // namespace
 
-void Scene::set(std::uint64_t seed, double aspect) {
+void Scene::set(std::uint64_t seed, double aspect, double pixel) {
   aspect_ = aspect;
+  pixel_ = pixel;
+  starWidth_ = std::hypot(starWidth, 0.6 * pixel);
   stars_.clear();
+  setSky();
 
   addStar(0.085, 0.055, {1.50F, 0.52F, 0.20F});
   addStar(0.128, 0.092, {0.30F, 0.70F, 1.50F});
@@ -150,8 +158,14 @@ void Scene::set(std::uint64_t seed, double aspect) {
   }
 }
 
+// A pixel that is large against a star blurs it; the star's whole light stays.
 void Scene::addStar(double x, double y, const Light& peak) {
-  stars_.push_back({x, y, peak, std::max({peak.red, peak.green, peak.blue})});
+  const double dilution = (starWidth * starWidth) / (starWidth_ * starWidth_);
+  const Light diluted = scaled(peak, dilution);
+  const double brightest = std::max({diluted.red, diluted.green, diluted.blue});
+  const double reach =
+      starWidth_ * std::sqrt(std::max(0.0, std::cbrt(brightest / faintestLight) - 1));
+  stars_.push_back({x, y, diluted, reach});
 }
 
 Light Scene::sky(double x, double y) const {
@@ -175,42 +189,58 @@ void Scene::light(const SceneRow& row, float* red, float* green, float* blue) co
   addPlanet(row, red, green, blue);
 }
 
-// The sky changes slowly: it is worked out for some pixels and drawn straight between them.
+void Scene::setSky() {
+  constexpr double mostColumns = 1000;
+  skyCell_ = std::max(skyCell, aspect_ / mostColumns);
+  // One corner more than cells, and one for the last row and column to lie before.
+  skyColumns_ = static_cast<std::size_t>(aspect_ / skyCell_) + 2;
+  const auto rows = static_cast<std::size_t>(1 / skyCell_) + 2;
+  sky_.clear();
+  for (std::size_t row = 0; row < rows; ++row) {
+    for (std::size_t column = 0; column < skyColumns_; ++column) {
+      sky_.push_back(
+          sky(static_cast<double>(column) * skyCell_, static_cast<double>(row) * skyCell_));
+    }
+  }
+}
+
 void Scene::addSky(const SceneRow& row, float* red, float* green, float* blue) const {
-  constexpr std::int32_t stride = 16;
-  Light left = sky(row.x, row.y);
-  for (std::int32_t start = 0; start < row.count; start += stride) {
-    const Light right = sky(row.x + (start + stride) * row.pixel, row.y);
-    const std::int32_t end = std::min(row.count - start, stride);
-    for (std::int32_t i = 0; i < end; ++i) {
-      const Light here = mixed(left, right, static_cast<double>(i) / stride);
-      red[start + i] = here.red;
-      green[start + i] = here.green;
-      blue[start + i] = here.blue;
+  const double firstRow = std::floor(row.y / skyCell_);
+  const Light* const upper = sky_.data() + static_cast<std::size_t>(firstRow) * skyColumns_;
+  const auto cornerAt = [&](std::size_t column) {
+    return mixed(upper[column], upper[skyColumns_ + column], row.y / skyCell_ - firstRow);
+  };
+  auto column = static_cast<std::size_t>(row.x / skyCell_);
+  Light left = cornerAt(column);
+  for (std::int32_t i = 0; i < row.count; ++column) {
+    const Light right = cornerAt(column + 1);
+    const double start = row.x / skyCell_ - static_cast<double>(column);
+    const double step = pixel_ / skyCell_;
+    const auto end = std::min(static_cast<std::int32_t>(std::ceil((1 - start) / step)), row.count);
+    for (; i < end; ++i) {
+      const Light here = mixed(left, right, start + i * step);
+      red[i] = here.red;
+      green[i] = here.green;
+      blue[i] = here.blue;
     }
     left = right;
   }
 }
 
 void Scene::addStars(const SceneRow& row, float* red, float* green, float* blue) const {
-  // A pixel that is large against a star blurs it; the star's whole light stays.
-  const double width = std::hypot(starWidth, 0.6 * row.pixel);
-  const double dilution = (starWidth * starWidth) / (width * width);
   for (const Star& star : stars_) {
-    const double reach =
-        width * std::sqrt(std::max(0.0, std::cbrt(star.brightest / faintestLight) - 1));
     const double dy = row.y - star.y;
-    if (std::abs(dy) > reach) {
+    if (std::abs(dy) > star.reach) {
       continue;
     }
-    const double firstPixel = std::ceil((star.x - reach - row.x) / row.pixel);
-    const double lastPixel = std::floor((star.x + reach - row.x) / row.pixel);
+    const double firstPixel = std::ceil((star.x - star.reach - row.x) / pixel_);
+    const double lastPixel = std::floor((star.x + star.reach - row.x) / pixel_);
     const auto first = static_cast<std::int32_t>(std::clamp(firstPixel, 0.0, 1.0 * row.count));
     const auto last = static_cast<std::int32_t>(std::clamp(lastPixel, -1.0, row.count - 1.0));
     for (std::int32_t i = first; i <= last; ++i) {
-      const double dx = row.x + i * row.pixel - star.x;
-      const double q = 1 + (dx * dx + dy * dy) / (width * width);
-      const auto profile = static_cast<float>(dilution / (q * q * q));
+      const double dx = row.x + i * pixel_ - star.x;
+      const double q = 1 + (dx * dx + dy * dy) / (starWidth_ * starWidth_);
+      const auto profile = static_cast<float>(1 / (q * q * q));
       red[i] += star.peak.red * profile;
       green[i] += star.peak.green * profile;
       blue[i] += star.peak.blue * profile;
@@ -225,12 +255,11 @@ void Scene::addPlanet(const SceneRow& row, float* red, float* green, float* blue
   }
   const double cosRoll = std::cos(planetRoll);
   const double sinRoll = std::sin(planetRoll);
-  const double pixel = row.pixel / planetRadius;
-  const double middle = (aspect_ / 2 - row.x) / row.pixel;
+  const double pixel = pixel_ / planetRadius;
+  const double middle = (aspect_ / 2 - row.x) / pixel_;
   const double reach = planetReach / pixel;
   const auto first = static_cast<std::int32_t>(std::clamp(middle - reach, 0.0, 1.0 * row.count));
-  const auto last =
-      static_cast<std::int32_t>(std::clamp(middle + reach, -1.0, row.count - 1.0));
+  const auto last = static_cast<std::int32_t>(std::clamp(middle + reach, -1.0, row.count - 1.0));
   for (std::int32_t i = first; i <= last; ++i) {
     const double dx = (i - middle) * pixel;
     const double u = dx * cosRoll + dy * sinRoll;
@@ -243,24 +272,24 @@ void Scene::addPlanet(const SceneRow& row, float* red, float* green, float* blue
     };
 
     const double discV = v / planetFlattening;
-    const double fromCentre = std::hypot(u, discV);
+    const double fromCentre = std::sqrt(square(u) + square(discV));
     const double disc = std::clamp((1 - fromCentre) / pixel + 0.5, 0.0, 1.0);
-    const double ringRadius = std::hypot(u, v / ringOpening);
-    const double ring = ringDensity(ringRadius);
+    const double ring = ringDensity(std::sqrt(square(u) + square(v / ringOpening)));
     const bool isInFront = v > 0;
 
     // The far half of the ring passes behind the planet and, on one side, through its shadow.
-    if (!isInFront) {
-      const bool isInShadow = u > 0.25 && std::hypot(u - 0.35, discV) < 1;
+    if (!isInFront && ring > 0) {
+      const bool isInShadow = u > 0.25 && square(u - 0.35) + square(discV) < 1;
       cover(scaled(ringColor, isInShadow ? 0.04 : 0.95), ring);
     }
     if (disc > 0) {
       const double shrink = fromCentre < 0.999 ? 1 : 0.999 / fromCentre;
-      const double shadow = 0.55 * ringDensity(std::hypot(u, (v + 0.10) / ringOpening));
+      const double shadow =
+          0.55 * ringDensity(std::sqrt(square(u) + square((v + 0.10) / ringOpening)));
       const bool isShaded = v + 0.10 > 0;
       cover(scaled(planetSurface(u * shrink, discV * shrink), isShaded ? 1 - shadow : 1.0), disc);
     }
-    if (isInFront) {
+    if (isInFront && ring > 0) {
       cover(scaled(ringColor, 0.95), ring);
     }
   }

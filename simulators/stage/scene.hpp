@@ -1,13 +1,13 @@
 // The sky in front of every simulated camera: a night sky with airglow and a star cloud, several
-// hundred stars, a banded planet with a ring and moons, and a wide pair of one red and one blue star
-// that are brighter than all others.
+// hundred stars, a banded planet with a ring and moons, and a wide pair of one red and one blue
+// star that are brighter than all others.
 //
 // Places are measured in heights of the sensor's full frame, so every camera shows the same sky:
 // the planet in the middle, the bright pair near the top left corner, where a small region of any
 // sensor shows it.
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -24,14 +24,14 @@ struct Light {
 struct SceneRow {
   double x = 0;            // the first pixel's centre, frame heights from the left edge
   double y = 0;            // frame heights from the top edge
-  double pixel = 0;        // from pixel to pixel, frame heights
   std::int32_t count = 0;  // pixels
 };
 
 class Scene {
  public:
-  // The stars of one seed. `aspect` is the frame's width in frame heights.
-  void set(std::uint64_t seed, double aspect);
+  // The stars of one seed, for a frame that is `aspect` frame heights wide and whose pixels are
+  // `pixel` frame heights wide.
+  void set(std::uint64_t seed, double aspect, double pixel);
 
   // The light on each pixel of a row, one plane a colour.
   void light(const SceneRow& row, float* red, float* green, float* blue) const;
@@ -41,9 +41,10 @@ class Scene {
     double x;  // frame heights from the frame's left edge
     double y;
     Light peak;
-    float brightest;  // of the three
+    double reach;  // its light is followed so far
   };
 
+  void setSky();
   void addStar(double x, double y, const Light& peak);
   Light sky(double x, double y) const;
   void addSky(const SceneRow& row, float* red, float* green, float* blue) const;
@@ -51,7 +52,14 @@ class Scene {
   void addPlanet(const SceneRow& row, float* red, float* green, float* blue) const;
 
   double aspect_ = 1;
+  double pixel_ = 1;
+  double starWidth_ = 1;
   std::vector<Star> stars_;
+  // The sky on the corners of square cells, row by row; it is even enough to be drawn straight
+  // between them.
+  std::vector<Light> sky_;
+  std::size_t skyColumns_ = 0;
+  double skyCell_ = 1;  // frame heights
 };
 
 }  // namespace orvane::sim

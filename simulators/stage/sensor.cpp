@@ -14,21 +14,22 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
 
-// With the usual exposure and the middle of the gain range, the planet's brightest part fills half of
-// the sensor's range.
+// With the usual exposure and the middle of the gain range, the planet's brightest part fills half
+// of the sensor's range.
 constexpr double usualExposureUs = 20'000;
 constexpr double planetPart = 0.5;
 constexpr double electronsAtFullScale = 6000;
 constexpr float readNoise = 3;  // electrons
 
-constexpr double vignetting = 0.12;  // light lost in the corners
-constexpr std::uint64_t pixelsPerHotPixel = 40'000;
+constexpr double vignetting = 0.12;          // light lost in the corners
+constexpr std::int32_t hotPixelSpan = 2048;  // columns with at most one hot pixel a row
+constexpr std::uint64_t spansPerHotPixel = 20;
 
 constexpr double usb3BytesPerUs = 350;
 constexpr double usb2BytesPerUs = 40;
 
 // More samples than any camera has: their light is worked out row by row instead of being kept.
-constexpr std::int64_t mostKeptSamples = 100'000'000;
+constexpr std::size_t mostKeptSamples = 100'000'000;
 
 constexpr std::int32_t blockLength = 1020;  // a multiple of the numbers drawn from one hash
 
@@ -67,19 +68,50 @@ void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
   }
 }
 
-bool isColorLayout(Layout layout) { return layout == Layout::Bgr24 || layout == Layout::Rgb24; }
+bool isColorLayout(Layout layout) {
+  return layout == Layout::Bgr24 || layout == Layout::Rgb24;
+}
 
-std::int32_t samplesPerPixel(Layout layout) { return isColorLayout(layout) ? 3 : 1; }
+std::int32_t samplesPerPixel(Layout layout) {
+  return isColorLayout(layout) ? 3 : 1;
+}
 
-float luminance(float red, float green, float blue) {
-  return 0.299F * red + 0.587F * green + 0.114F * blue;
+// The colours' parts in what a sensor without filters sees.
+constexpr float redPart = 0.299F;
+constexpr float greenPart = 0.587F;
+constexpr float bluePart = 0.114F;
+
+// The part of the light that the optics let through to each pixel of a row.
+void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
+  const double corner = (aspect * aspect + 1) / 4;
+  const double dy = row.y - 0.5;
+  for (std::int32_t i = 0; i < row.count; ++i) {
+    const double dx = row.x + i * pixel - aspect / 2;
+    lens[i] = static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
+  }
+}
+
+// Hot pixels belong to the sensor, so they stay where they are when the region moves.
+void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t samples, float* light) {
+  for (std::int32_t span = region.x / hotPixelSpan;
+       span <= (region.x + region.width) / hotPixelSpan; ++span) {
+    const std::uint64_t bits = mix(rowKey + static_cast<std::uint64_t>(span));
+    const auto place = static_cast<std::int32_t>(bits % hotPixelSpan);
+    const std::int32_t x = span * hotPixelSpan + place - region.x;
+    if (bits / hotPixelSpan % spansPerHotPixel == 0 && x >= 0 && x < region.width) {
+      const float hot = 0.1F + 0.6F * static_cast<float>(unitInterval(mix(bits)));
+      for (std::int32_t sample = 0; sample < samples; ++sample) {
+        light[std::ptrdiff_t{x} * samples + sample] += hot;
+      }
+    }
+  }
 }
 
 // The plane (0 red, 1 green, 2 blue) that a pixel's filter lets through.
-std::int32_t filterPlane(Mosaic mosaic, std::int32_t x, std::int32_t y) {
-  constexpr std::array<std::array<std::int32_t, 4>, 5> planes{
-      {{1, 1, 1, 1}, {0, 1, 1, 2}, {2, 1, 1, 0}, {1, 0, 2, 1}, {1, 2, 0, 1}}};
-  return planes.at(static_cast<std::size_t>(mosaic)).at(static_cast<std::size_t>((y & 1) * 2 + (x & 1)));
+std::size_t filterPlane(Mosaic mosaic, std::int32_t x, std::int32_t y) {
+  constexpr std::size_t planes[][2][2] = {
+      {{1, 1}, {1, 1}}, {{0, 1}, {1, 2}}, {{2, 1}, {1, 0}}, {{1, 0}, {2, 1}}, {{1, 2}, {0, 1}}};
+  return planes[static_cast<std::size_t>(mosaic)][y & 1][x & 1];
 }
 
 // How a sample becomes a count.
@@ -98,8 +130,8 @@ Conversion conversionOf(const FrameSettings& settings) {
   const std::int32_t width = bytesPerPixel(settings.layout) == 2 ? 16 : 8;
   const bool isRight = width == 16 && settings.alignment == Alignment::Right;
   Conversion conversion{};
-  conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale *
-                                            settings.exposureUs / usualExposureUs);
+  conversion.electrons =
+      static_cast<float>(planetPart * electronsAtFullScale * settings.exposureUs / usualExposureUs);
   conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
   conversion.counts = static_cast<float>(counts);
   conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
@@ -186,28 +218,23 @@ void Renderer::forget() {
 }
 
 void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
-  const Key key{seed,
-                settings.camera,
-                settings.sensorWidth,
-                settings.sensorHeight,
-                settings.mosaic,
-                settings.bin,
-                settings.region,
-                settings.layout,
-                settings.isUpsideDown};
+  const Key key{
+      seed,         settings.camera, settings.sensorWidth, settings.sensorHeight, settings.mosaic,
+      settings.bin, settings.region, settings.layout,      settings.isUpsideDown};
   if (key == key_) {
     return;
   }
   forget();
-  scene_.set(seed, static_cast<double>(settings.sensorWidth) / settings.sensorHeight);
+  const double height = settings.sensorHeight;
+  scene_.set(seed, settings.sensorWidth / height, settings.bin / height);
   const auto width = static_cast<std::size_t>(settings.region.width);
   const auto rowSamples = width * static_cast<std::size_t>(samplesPerPixel(settings.layout));
-  const auto height = static_cast<std::size_t>(settings.region.height);
-  planes_.resize(3 * width);
-  isWholeFrame_ = frameBytes(settings) <= mostKeptSamples;
+  const auto rows = static_cast<std::size_t>(settings.region.height);
+  planes_.resize(4 * width);
+  isWholeFrame_ = rowSamples * rows <= mostKeptSamples;
   if (isWholeFrame_) {
     try {
-      light_.resize(rowSamples * height);
+      light_.resize(rowSamples * rows);
     } catch (const std::bad_alloc&) {
       isWholeFrame_ = false;
     }
@@ -226,39 +253,38 @@ void Renderer::lightRow(std::int32_t row, float* light) {
   const Region& region = key_.region;
   const std::int32_t sensorRow = region.y + (key_.isUpsideDown ? region.height - 1 - row : row);
   const double pixel = static_cast<double>(key_.bin) / key_.sensorHeight;
-  const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, pixel, region.width};
+  const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, region.width};
   const auto width = static_cast<std::size_t>(region.width);
-  float* const planes[3] = {planes_.data(), planes_.data() + width, planes_.data() + 2 * width};
-  scene_.light(place, planes[0], planes[1], planes[2]);
+  const auto plane = [&](std::size_t number) { return planes_.data() + number * width; };
+  scene_.light(place, plane(0), plane(1), plane(2));
+  float* const lens = plane(3);
+  lensRow(place, static_cast<double>(key_.sensorWidth) / key_.sensorHeight, pixel, lens);
 
-  const double halfAspect = 0.5 * key_.sensorWidth / key_.sensorHeight;
-  const double corner = halfAspect * halfAspect + 0.25;
-  const double dy = place.y - 0.5;
-  const std::uint64_t hotKey = mix(key_.camera + mix(static_cast<std::uint64_t>(sensorRow)));
   const std::int32_t samples = samplesPerPixel(key_.layout);
-  for (std::int32_t x = 0; x < region.width; ++x) {
-    const double dx = place.x + x * pixel - halfAspect;
-    const auto lens = static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
-    const float rgb[3] = {planes[0][x] * lens, planes[1][x] * lens, planes[2][x] * lens};
-
-    // Hot pixels belong to the sensor, so they stay where they are when the region moves.
-    const std::uint64_t spot = mix(hotKey + static_cast<std::uint64_t>(region.x + x));
-    const bool isHot = spot % pixelsPerHotPixel == 0;
-    const float hot = isHot ? 0.1F + 0.6F * static_cast<float>(unitInterval(mix(spot))) : 0.0F;
-
-    float* sample = light + std::ptrdiff_t{x} * samples;
-    if (samples == 3) {
-      const bool isBlueFirst = key_.layout == Layout::Bgr24;
-      sample[0] = rgb[isBlueFirst ? 2 : 0] + hot;
-      sample[1] = rgb[1] + hot;
-      sample[2] = rgb[isBlueFirst ? 0 : 2] + hot;
-    } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8 ||
-               key_.layout == Layout::Luma16) {
-      sample[0] = luminance(rgb[0], rgb[1], rgb[2]) + hot;
-    } else {
-      sample[0] = rgb[filterPlane(key_.mosaic, region.x + x, region.y + row)] + hot;
+  if (samples == 3) {
+    const bool isBlueFirst = key_.layout == Layout::Bgr24;
+    for (std::size_t color = 0; color < 3; ++color) {
+      const float* const from = plane(isBlueFirst ? 2 - color : color);
+      for (std::size_t x = 0; x < width; ++x) {
+        light[3 * x + color] = from[x] * lens[x];
+      }
+    }
+  } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8 ||
+             key_.layout == Layout::Luma16) {
+    for (std::size_t x = 0; x < width; ++x) {
+      light[x] =
+          (redPart * plane(0)[x] + greenPart * plane(1)[x] + bluePart * plane(2)[x]) * lens[x];
+    }
+  } else {
+    for (std::int32_t phase = 0; phase < 2; ++phase) {
+      const float* const from = plane(filterPlane(key_.mosaic, region.x + phase, region.y + row));
+      for (auto x = static_cast<std::size_t>(phase); x < width; x += 2) {
+        light[x] = from[x] * lens[x];
+      }
     }
   }
+  addHotPixels(mix(key_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,
+               light);
 }
 
 void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::int64_t frameNumber,

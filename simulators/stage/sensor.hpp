@@ -99,7 +99,7 @@ class Renderer {
 
   Key key_;
   Scene scene_;
-  std::vector<float> planes_;  // red, green, blue of one row
+  std::vector<float> planes_;  // of one row: red, green, blue, what the optics let through
   std::vector<float> light_;   // all samples of the frame, or of one row when there is no room
   bool isWholeFrame_ = false;
 };

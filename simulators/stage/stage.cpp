@@ -67,6 +67,7 @@ Camera* Stage::camera(std::int64_t index) {
 void Stage::setPlugged(std::int64_t index, bool plugged) {
   if (Camera* found = camera(index)) {
     found->isPlugged = plugged;
+    found->device.isLost = found->device.isLost || (found->device.isOpen && !plugged);
   }
 }
 
@@ -85,21 +86,17 @@ Camera* Stage::enumerated(std::int64_t position) {
 }
 
 Camera* Stage::enumeratedById(std::int32_t cameraId) {
-  const auto found = std::find_if(
-      enumerated_.begin(), enumerated_.end(),
-      [&](std::size_t index) { return cameras_[index].model.id == cameraId; });
+  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
+    return cameras_[index].model.id == cameraId;
+  });
   return found == enumerated_.end() ? nullptr : &cameras_[*found];
 }
 
 Camera* Stage::enumeratedByKey(std::string_view key) {
-  const auto found = std::find_if(
-      enumerated_.begin(), enumerated_.end(),
-      [&](std::size_t index) { return textOf(cameras_[index].model.key) == key; });
+  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
+    return textOf(cameras_[index].model.key) == key;
+  });
   return found == enumerated_.end() ? nullptr : &cameras_[*found];
-}
-
-bool Stage::isEnumerated(const Camera& camera) const {
-  return std::find(enumerated_.begin(), enumerated_.end(), camera.index) != enumerated_.end();
 }
 
 void Stage::open(Camera& camera, std::vector<Control> controls) {
@@ -153,8 +150,7 @@ void Stage::forgetDevices() {
 }
 
 void Stage::startStream(Camera& camera, bool isSingleFrame) {
-  camera.device.stream.start(clock.now(), maker.queue, isSingleFrame,
-                             maker.frameSettings(camera));
+  camera.device.stream.start(clock.now(), maker.queue, isSingleFrame, maker.frameSettings(camera));
 }
 
 void Stage::stopStream(Camera& camera) {
@@ -166,6 +162,10 @@ void Stage::stopStream(Camera& camera) {
 
 void Stage::changed(Camera& camera) {
   camera.device.stream.change(clock.now(), maker.frameSettings(camera));
+}
+
+void Stage::restartFrame(Camera& camera) {
+  camera.device.stream.restartFrame(clock.now(), maker.frameSettings(camera));
 }
 
 bool Stage::waitForFrame(Camera& camera, std::int32_t milliseconds) {
@@ -193,8 +193,7 @@ void Stage::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitc
   const std::int64_t now = clock.now();
   const Frame* frame = camera.device.stream.waiting(now);
   const FrameSettings& settings = frame->settings;
-  const std::int64_t packed =
-      std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
+  const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
   renderer_.render(seed_, settings, frame->number, buffer, rowPitch == 0 ? packed : rowPitch);
   camera.device.stream.take(now);
 }

@@ -17,26 +17,35 @@
 
 namespace orvane::sim {
 
+enum class Access {
+  ByHand,
+  ByHandOrAuto,  // there is an automatic mode
+  ReadOnly,
+};
+
 // A setting of a camera, under the maker's own number for it.
 struct Control {
   int id;
-  const char* name;
-  const char* description;
   double minimum;
   double maximum;
   double initial;
-  bool hasAuto = false;
-  bool isWritable = true;
+  Access access = Access::ByHand;
+  const char* name = "";  // where the maker's SDK tells it
+  const char* description = "";
 
   double value = 0;
   bool isAuto = false;
+
+  bool hasAuto() const { return access == Access::ByHandOrAuto; }
+  bool isWritable() const { return access != Access::ReadOnly; }
 };
 
 // What a camera's opening begins and its closing ends.
 struct Device {
   bool isOpen = false;
-  bool isInitialised = false;  // by the maker's init function, where there is one
-  int streamMode = 0;          // QHYCCD
+  bool isLost = false;           // unplugged since; plugging the camera in does not bring it back
+  bool isInitialised = false;    // by the maker's init function, where there is one
+  int streamMode = 0;            // QHYCCD
   std::uint32_t toldLength = 0;  // QHYCCD: the frame memory that was last asked for; 0 never
   std::int32_t bin = 1;
   std::int32_t format = 0;  // in the maker's numbers
@@ -57,6 +66,9 @@ struct Camera {
   SimCamera model{};
   bool isPlugged = true;
   Device device;
+
+  // Whether an open device still answers.
+  bool isReachable() const { return isPlugged && !device.isLost; }
 };
 
 // How the SDK of one maker differs from the others; each maker's file defines one.
@@ -95,10 +107,9 @@ class Stage {
   // their number. One that is unplugged later stays in the list.
   void enumerate();
   std::size_t enumerated() const { return enumerated_.size(); }
-  Camera* enumerated(std::int64_t position);        // null when out of range
-  Camera* enumeratedById(std::int32_t cameraId);    // null when there is none
-  Camera* enumeratedByKey(std::string_view key);    // null when there is none
-  bool isEnumerated(const Camera& camera) const;
+  Camera* enumerated(std::int64_t position);      // null when out of range
+  Camera* enumeratedById(std::int32_t cameraId);  // null when there is none
+  Camera* enumeratedByKey(std::string_view key);  // null when there is none
 
   // Opens a camera, with these controls at their initial values.
   void open(Camera& camera, std::vector<Control> controls);
@@ -107,13 +118,14 @@ class Stage {
   // Devices that the user holds by an opaque handle.
   void* makeHandle(const Camera& camera);
   void endHandle(void* handle);
-  Camera* cameraOf(const void* handle);             // null when the handle is not open
-  std::size_t numberOf(const void* handle) const;   // 1 for the first opened; 0 when unknown
+  Camera* cameraOf(const void* handle);            // null when the handle is not open
+  std::size_t numberOf(const void* handle) const;  // 1 for the first opened; 0 when unknown
 
-  // Streams. `changed` is to be called after each change of a setting.
+  // Streams. One of the last two is to be called after each change of a setting.
   void startStream(Camera& camera, bool isSingleFrame);
   void stopStream(Camera& camera);  // counts one that was not running
   void changed(Camera& camera);
+  void restartFrame(Camera& camera);  // the change holds at once, and waiting frames are lost
 
   // Waits until a frame is there, at most so many milliseconds, for ever below 0; returns whether
   // one is there. Without a running stream, or when no frame will come, it does not wait.

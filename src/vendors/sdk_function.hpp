@@ -34,7 +34,7 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
   }
 
   /// Checks a result of an earlier call under the function's own name.
-  void checkResultOf(Result result) const { checkResult(result, name_); }
+  void checkResultOf(std::int64_t result) const { checkResult(result, name_); }
 
   /// Calls the function and checks its result under its own name.
   void check(Arguments... arguments) const { checkAs(name_, arguments...); }

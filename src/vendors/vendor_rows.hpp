@@ -6,5 +6,8 @@
 namespace orvane {
 
 extern const VendorFamily asiFamily;
+extern const VendorFamily playerOneFamily;
+extern const VendorFamily qhyFamily;
+extern const VendorFamily toupTekFamily;
 
 }  // namespace orvane

@@ -10,7 +10,8 @@ namespace orvane {
 namespace {
 
 // In the order of Vendor: a code is a position.
-constexpr std::array rows{&asiFamily};
+constexpr std::array rows{&asiFamily, &playerOneFamily, &qhyFamily, &toupTekFamily};
+static_assert(rows.size() == vendorCount);
 
 }  // namespace
 

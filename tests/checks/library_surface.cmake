@@ -8,6 +8,7 @@ set(expected oc_apply oc_buffer_size oc_close oc_error oc_height oc_info oc_libr
 if(WINDOWS)
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table.*" names "${dump}")
+  string(REGEX REPLACE "The Function Table.*" "" names "${names}")
   string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z_@?][^\n\r ]*" lines "${names}")
   list(TRANSFORM lines REPLACE "^\\[ *[0-9]+\\] " "" OUTPUT_VARIABLE exports)
   string(REGEX MATCHALL "DLL Name: [^\n\r]+" lines "${dump}")

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace orvane::testing {
@@ -21,10 +20,11 @@ std::string fileName(const std::string& baseName) {
 
 std::string readAll(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) {
+  std::string content(std::filesystem::file_size(file), '\0');
+  if (!stream.read(content.data(), static_cast<std::streamsize>(content.size()))) {
     throw std::runtime_error("cannot read " + file.string());
   }
-  return {std::istreambuf_iterator<char>(stream), {}};
+  return content;
 }
 
 void writeAll(const std::filesystem::path& file, const std::string& content) {

@@ -1,0 +1,588 @@
+// Player One's PlayerOneCamera, simulated.
+//
+// Exposure, gain and offset shape the picture, the cooler's settings the temperature; other
+// settings only keep their value.
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "simulated_sdk.hpp"
+#include "stage/call.hpp"
+#include "stage/camera_model.hpp"
+#include "stage/stage.hpp"
+#include "vendors/sdk/playerone_sdk.hpp"
+
+namespace orvane {
+namespace {
+
+using namespace sim;
+
+// The maker's values that the library does not use.
+enum : int {
+  // POABayerPattern
+  POA_BAYER_RG = 0,
+  POA_BAYER_MONO = -1,
+  // POAImgFormat
+  POA_RAW8 = 0,
+  POA_RAW16 = 1,
+  POA_RGB24 = 2,  // blue, green, red
+  POA_MONO8 = 3,
+  // POAValueType
+  VAL_INT = 0,
+  VAL_FLOAT = 1,
+  VAL_BOOL = 2,
+  // POAConfig
+  POA_HARDWARE_BIN = 2,
+  POA_WB_R = 4,
+  POA_WB_G = 5,
+  POA_WB_B = 6,
+  POA_AUTOEXPO_MAX_GAIN = 8,
+  POA_AUTOEXPO_MAX_EXPOSURE = 9,
+  POA_AUTOEXPO_BRIGHTNESS = 10,
+  POA_EGAIN = 15,
+  POA_COOLER_POWER = 16,
+  POA_TARGET_TEMP = 17,
+  POA_COOLER = 18,
+  POA_FRAME_LIMIT = 26,
+  POA_USB_BANDWIDTH_LIMIT = 28,
+  // POAErrors
+  POA_OK = 0,
+  POA_ERROR_INVALID_INDEX = 1,
+  POA_ERROR_INVALID_ID = 2,
+  POA_ERROR_INVALID_CONFIG = 3,
+  POA_ERROR_INVALID_ARGU = 4,
+  POA_ERROR_NOT_OPENED = 5,
+  POA_ERROR_DEVICE_NOT_FOUND = 6,
+  POA_ERROR_OUT_OF_LIMIT = 7,
+  POA_ERROR_SIZE_LESS = 10,
+  POA_ERROR_EXPOSING = 11,
+  POA_ERROR_POINTER = 12,
+  POA_ERROR_CONF_CANNOT_WRITE = 13,
+  POA_ERROR_OPERATION_FAILED = 16,
+};
+
+constexpr std::array believableCameras{
+    SimCamera{.name = "Mars-C",
+              .key = "",
+              .id = 0,
+              .width = 1944,
+              .height = 1096,
+              .pixelSizeUm = 2.9,
+              .bitDepth = 12,
+              .isColor = 1,
+              .mosaic = POA_BAYER_RG,
+              .isCooled = 0,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END},
+              .gainMin = 0,
+              .gainMax = 600,
+              .exposureMinUs = 10,
+              .exposureMaxUs = 2e9,
+              .offsetMin = 0,
+              .offsetMax = 250,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "Neptune-C II",
+              .key = "",
+              .id = 1,
+              .width = 2712,
+              .height = 1538,
+              .pixelSizeUm = 2.9,
+              .bitDepth = 12,
+              .isColor = 1,
+              .mosaic = POA_BAYER_RG,
+              .isCooled = 0,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END},
+              .gainMin = 0,
+              .gainMax = 600,
+              .exposureMinUs = 10,
+              .exposureMaxUs = 2e9,
+              .offsetMin = 0,
+              .offsetMax = 250,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "Poseidon-M Pro",
+              .key = "",
+              .id = 2,
+              .width = 6252,
+              .height = 4176,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 0,
+              .mosaic = POA_BAYER_MONO,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {POA_RAW8, POA_RAW16, POA_END},
+              .gainMin = 0,
+              .gainMax = 500,
+              .exposureMinUs = 10,
+              .exposureMaxUs = 2e9,
+              .offsetMin = 0,
+              .offsetMax = 400,
+              .hasTemperature = 1,
+              .isBusy = 0},
+};
+
+std::vector<Control> controlsOf(const SimCamera& model) {
+  std::vector<Control> controls{
+      {POA_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
+       Access::ByHandOrAuto, "Exposure", "Exposure time (us)"},
+      {POA_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
+       "Gain"},
+      {POA_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Bin on the sensor"},
+      {POA_AUTOEXPO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
+       "AutoExpMaxGain", "Largest gain of auto exposure"},
+      {POA_AUTOEXPO_MAX_EXPOSURE, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
+       "Longest time of auto exposure (ms)"},
+      {POA_AUTOEXPO_BRIGHTNESS, 50, 150, 100, Access::ByHand, "AutoExpBrightness",
+       "Brightness that auto exposure aims at"},
+      {POA_EGAIN, 0, 1000, 1, Access::ReadOnly, "eGain", "Electrons per count"},
+      {POA_FRAME_LIMIT, 0, 2000, 0, Access::ByHand, "FrameLimit",
+       "Most frames per second, 0 for no limit"},
+      {POA_USB_BANDWIDTH_LIMIT, 35, 100, 90, Access::ByHand, "USBBandWidthLimit",
+       "Part of the USB bandwidth (percent)"}};
+  const auto add = [&controls](const Control& control) { controls.push_back(control); };
+  if (hasOffset(model)) {
+    add({POA_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
+         Access::ByHand, "Offset", "Offset"});
+  }
+  if (model.hasTemperature != 0) {
+    add({POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature", "Sensor temperature (C)"});
+  }
+  if (model.isCooled != 0) {
+    add({POA_COOLER_POWER, 0, 100, 0, Access::ReadOnly, "CoolerPower", "Cooler power (percent)"});
+    add({POA_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp", "Target temperature (C)"});
+    add({POA_COOLER, 0, 1, 0, Access::ByHand, "Cooler", "Cooler on or off"});
+  }
+  if (model.isColor != 0) {
+    add({POA_WB_R, -1200, 1200, 0, Access::ByHandOrAuto, "WB_R", "White balance, red"});
+    add({POA_WB_G, -1200, 1200, 0, Access::ByHandOrAuto, "WB_G", "White balance, green"});
+    add({POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"});
+  }
+  return controls;
+}
+
+int valueTypeOf(int configId) {
+  switch (configId) {
+    case POA_TEMPERATURE:
+    case POA_EGAIN:
+      return VAL_FLOAT;
+    case POA_HARDWARE_BIN:
+    case POA_COOLER:
+      return VAL_BOOL;
+    default:
+      return VAL_INT;
+  }
+}
+
+// The number in the member that counts for a setting.
+double numberIn(const POAConfigValue& value, int configId) {
+  switch (valueTypeOf(configId)) {
+    case VAL_FLOAT:
+      return value.floatValue;
+    case VAL_BOOL:
+      return value.boolValue;
+    default:
+      return static_cast<double>(value.intValue);
+  }
+}
+
+// Sets the member that counts for a setting.
+void setNumber(Call& call, const char* name, POAConfigValue& value, int configId, double number) {
+  value = {};
+  switch (valueTypeOf(configId)) {
+    case VAL_FLOAT:
+      call.set(name, value.floatValue, number);
+      break;
+    case VAL_BOOL:
+      call.set(name, value.boolValue, wholeNumber<int>(number));
+      break;
+    default:
+      call.set(name, value.intValue, wholeNumber<long>(number));
+  }
+}
+
+Layout layoutOf(int format) {
+  switch (format) {
+    case POA_RAW16:
+      return Layout::Raw16;
+    case POA_RGB24:
+      return Layout::Bgr24;
+    case POA_MONO8:
+      return Layout::Luma8;
+    default:
+      return Layout::Raw8;
+  }
+}
+
+FrameSettings frameSettings(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const Device& device = camera.device;
+  FrameSettings settings = commonSettings(camera);
+  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
+  settings.layout = layoutOf(device.format);
+  settings.exposureUs = device.value(POA_EXPOSURE, 0);
+  settings.gain = gainInDecibelSteps(model, device.value(POA_GAIN, 0));
+  settings.pedestal = device.value(POA_OFFSET, 0) / 4096;
+  return settings;
+}
+
+// The present value of a setting, which for some is a measurement.
+double reading(const Camera& camera, const Control& control) {
+  const std::int64_t now = stage().clock.now();
+  switch (control.id) {
+    case POA_TEMPERATURE:
+      return camera.device.cooler.temperature(now);
+    case POA_COOLER_POWER:
+      return camera.device.cooler.power(now);
+    default:
+      return control.value;
+  }
+}
+
+// Sizes are rounded down to multiples of 4 and 2, starts likewise, instead of being refused.
+int roundedWidth(int width) {
+  return std::max(width & ~3, 4);
+}
+int roundedHeight(int height) {
+  return std::max(height & ~1, 2);
+}
+
+void showWholeSensor(Camera& camera, int bin) {
+  camera.device.bin = bin;
+  camera.device.region = {0, 0, std::max(camera.model.width / bin, 0) & ~3,
+                          std::max(camera.model.height / bin, 0) & ~1};
+}
+
+bool isExposing(const Camera& camera) {
+  return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
+}
+
+// Carries out a call that needs an open camera.
+template <class Body>
+int onOpenCamera(Call& call, int cameraId, const Body& body) {
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr || !camera->device.isOpen) {
+      stage().countCallOnClosed();
+      return camera == nullptr ? POA_ERROR_INVALID_ID : POA_ERROR_NOT_OPENED;
+    }
+    return camera->isReachable() ? body(*camera) : POA_ERROR_DEVICE_NOT_FOUND;
+  });
+}
+
+// Carries out a call that needs an open and initialised camera.
+template <class Body>
+int onReadyCamera(Call& call, int cameraId, const Body& body) {
+  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+    return camera.device.isInitialised ? body(camera) : POA_ERROR_OPERATION_FAILED;
+  });
+}
+
+}  // namespace
+
+constinit const sim::Maker sim::maker{
+    "PlayerOneCamera", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+
+extern "C" {
+
+int POAGetCameraCount() {
+  Call call("POAGetCameraCount");
+  return call.carryOut([&]() -> int {
+    stage().enumerate();
+    return static_cast<int>(stage().enumerated());
+  });
+}
+
+int POAGetCameraProperties(int index, POACameraProperties* properties) {
+  Call call("POAGetCameraProperties", index);
+  return call.carryOut([&]() -> int {
+    const Camera* camera = stage().enumerated(index);
+    if (camera == nullptr) {
+      return POA_ERROR_INVALID_INDEX;
+    }
+    if (properties == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    if (!camera->isPlugged) {
+      return POA_ERROR_DEVICE_NOT_FOUND;
+    }
+    const SimCamera& model = camera->model;
+    *properties = {};
+    copyText(properties->cameraModelName, textOf(model.name));
+    call.set("cameraID", properties->cameraID, model.id);
+    call.set("maxWidth", properties->maxWidth, model.width);
+    call.set("maxHeight", properties->maxHeight, model.height);
+    call.set("bitDepth", properties->bitDepth, model.bitDepth);
+    call.set("isColorCamera", properties->isColorCamera, model.isColor);
+    call.set("isHasST4Port", properties->isHasST4Port, POA_TRUE);
+    call.set("isHasCooler", properties->isHasCooler, model.isCooled);
+    call.set("isUSB3Speed", properties->isUSB3Speed, model.isUsb3Host);
+    call.set("bayerPattern", properties->bayerPattern, model.mosaic);
+    call.set("pixelSize", properties->pixelSize, model.pixelSizeUm);
+    std::copy_n(model.bins, std::size(properties->bins), properties->bins);
+    std::copy_n(model.formats, std::size(properties->imgFormats), properties->imgFormats);
+    call.set("isSupportHardBin", properties->isSupportHardBin, POA_TRUE);
+    call.wrote(Quoted{textOf(properties->cameraModelName)}, " id ", properties->cameraID);
+    return POA_OK;
+  });
+}
+
+int POAOpenCamera(int cameraId) {
+  Call call("POAOpenCamera", cameraId);
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr) {
+      return POA_ERROR_INVALID_ID;
+    }
+    if (!camera->isReachable()) {
+      return POA_ERROR_DEVICE_NOT_FOUND;
+    }
+    if (camera->model.isBusy != 0) {
+      return POA_ERROR_OPERATION_FAILED;
+    }
+    if (!camera->device.isOpen) {
+      stage().open(*camera, controlsOf(camera->model));
+      camera->device.format = POA_RAW8;
+      showWholeSensor(*camera, 1);
+    }
+    return POA_OK;
+  });
+}
+
+int POAInitCamera(int cameraId) {
+  Call call("POAInitCamera", cameraId);
+  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+    camera.device.isInitialised = true;
+    return POA_OK;
+  });
+}
+
+int POACloseCamera(int cameraId) {
+  Call call("POACloseCamera", cameraId);
+  return call.carryOut([&]() -> int {
+    Camera* camera = stage().enumeratedById(cameraId);
+    if (camera == nullptr) {
+      return POA_ERROR_INVALID_ID;
+    }
+    stage().close(*camera);
+    return POA_OK;
+  });
+}
+
+int POAGetConfigAttributesByConfigID(int cameraId, int configId, POAConfigAttributes* attributes) {
+  Call call("POAGetConfigAttributesByConfigID", cameraId, configId);
+  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+    const Control* control = camera.device.find(configId);
+    if (attributes == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    if (control == nullptr) {
+      return POA_ERROR_INVALID_CONFIG;
+    }
+    *attributes = {};
+    call.set("isSupportAuto", attributes->isSupportAuto, control->hasAuto() ? POA_TRUE : POA_FALSE);
+    call.set("isWritable", attributes->isWritable, control->isWritable() ? POA_TRUE : POA_FALSE);
+    call.set("isReadable", attributes->isReadable, POA_TRUE);
+    call.set("configID", attributes->configID, configId);
+    call.set("valueType", attributes->valueType, valueTypeOf(configId));
+    setNumber(call, "maxValue", attributes->maxValue, configId, control->maximum);
+    setNumber(call, "minValue", attributes->minValue, configId, control->minimum);
+    setNumber(call, "defaultValue", attributes->defaultValue, configId, control->initial);
+    copyText(attributes->szConfName, control->name);
+    copyText(attributes->szDescription, control->description);
+    call.wrote("[", numberIn(attributes->minValue, configId), ", ",
+               numberIn(attributes->maxValue, configId), "] writable ", attributes->isWritable);
+    return POA_OK;
+  });
+}
+
+int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
+  const double number = numberIn(value, configId);
+  Call call("POASetConfig", cameraId, configId, number, isAuto);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    Control* control = device.find(configId);
+    if (control == nullptr) {
+      return POA_ERROR_INVALID_CONFIG;
+    }
+    if (!control->isWritable()) {
+      return POA_ERROR_CONF_CANNOT_WRITE;
+    }
+    if (number < control->minimum || number > control->maximum) {
+      return POA_ERROR_OUT_OF_LIMIT;
+    }
+    control->value = number;
+    control->isAuto = control->hasAuto() && isAuto != POA_FALSE;
+    if (configId == POA_COOLER || configId == POA_TARGET_TEMP) {
+      device.cooler.set(stage().clock.now(), device.value(POA_COOLER, 0) != 0,
+                        device.value(POA_TARGET_TEMP, 0));
+    }
+    stage().changed(camera);
+    return POA_OK;
+  });
+}
+
+int POAGetConfig(int cameraId, int configId, POAConfigValue* value, int* isAuto) {
+  Call call("POAGetConfig", cameraId, configId);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    const Control* control = camera.device.find(configId);
+    if (value == nullptr || isAuto == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    if (control == nullptr) {
+      return POA_ERROR_INVALID_CONFIG;
+    }
+    setNumber(call, "value", *value, configId, reading(camera, *control));
+    call.wrote(numberIn(*value, configId));
+    call.out("isAuto", isAuto, control->isAuto ? POA_TRUE : POA_FALSE);
+    return POA_OK;
+  });
+}
+
+int POASetImageStartPos(int cameraId, int x, int y) {
+  Call call("POASetImageStartPos", cameraId, x, y);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    Region& region = device.region;
+    if (x < 0 || y < 0) {
+      return POA_ERROR_INVALID_ARGU;
+    }
+    if ((x & ~3) > camera.model.width / device.bin - region.width ||
+        (y & ~1) > camera.model.height / device.bin - region.height) {
+      return POA_ERROR_OUT_OF_LIMIT;
+    }
+    region.x = x & ~3;
+    region.y = y & ~1;
+    stage().changed(camera);
+    return POA_OK;
+  });
+}
+
+int POASetImageSize(int cameraId, int width, int height) {
+  Call call("POASetImageSize", cameraId, width, height);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    Device& device = camera.device;
+    if (isExposing(camera)) {
+      return POA_ERROR_EXPOSING;
+    }
+    if (width < 0 || height < 0) {
+      return POA_ERROR_INVALID_ARGU;
+    }
+    const int mostX = camera.model.width / device.bin - roundedWidth(width);
+    const int mostY = camera.model.height / device.bin - roundedHeight(height);
+    if (mostX < 0 || mostY < 0) {
+      return POA_ERROR_OUT_OF_LIMIT;
+    }
+    device.region = {std::min(device.region.x, mostX & ~3), std::min(device.region.y, mostY & ~1),
+                     roundedWidth(width), roundedHeight(height)};
+    return POA_OK;
+  });
+}
+
+int POAGetImageSize(int cameraId, int* width, int* height) {
+  Call call("POAGetImageSize", cameraId);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (width == nullptr || height == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    call.out("width", width, camera.device.region.width);
+    call.out("height", height, camera.device.region.height);
+    return POA_OK;
+  });
+}
+
+int POASetImageBin(int cameraId, int bin) {
+  Call call("POASetImageBin", cameraId, bin);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (isExposing(camera)) {
+      return POA_ERROR_EXPOSING;
+    }
+    if (!hasBin(camera.model, bin)) {
+      return POA_ERROR_INVALID_ARGU;
+    }
+    showWholeSensor(camera, bin);
+    return POA_OK;
+  });
+}
+
+int POASetImageFormat(int cameraId, int format) {
+  Call call("POASetImageFormat", cameraId, format);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (isExposing(camera)) {
+      return POA_ERROR_EXPOSING;
+    }
+    if (!contains(camera.model.formats, POA_END, format)) {
+      return POA_ERROR_INVALID_ARGU;
+    }
+    camera.device.format = format;
+    return POA_OK;
+  });
+}
+
+int POAStartExposure(int cameraId, int isSingleFrame) {
+  Call call("POAStartExposure", cameraId, isSingleFrame);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (isExposing(camera)) {
+      return POA_ERROR_EXPOSING;
+    }
+    stage().startStream(camera, isSingleFrame != POA_FALSE);
+    return POA_OK;
+  });
+}
+
+int POAStopExposure(int cameraId) {
+  Call call("POAStopExposure", cameraId);
+  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+    stage().stopStream(camera);
+    return POA_OK;
+  });
+}
+
+int POAImageReady(int cameraId, int* isReady) {
+  Call call("POAImageReady", cameraId);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (isReady == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    call.out("isReady", isReady, stage().waitingFrame(camera) != nullptr ? POA_TRUE : POA_FALSE);
+    return POA_OK;
+  });
+}
+
+int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
+  Call call("POAGetImageData", cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+    if (buffer == nullptr) {
+      return POA_ERROR_POINTER;
+    }
+    if (bufferSize < 0) {
+      return POA_ERROR_INVALID_ARGU;
+    }
+    if (!isExposing(camera)) {
+      return POA_ERROR_OPERATION_FAILED;
+    }
+    if (bufferSize < frameBytes(frameSettings(camera))) {
+      stage().countShortBuffer();
+      return POA_ERROR_SIZE_LESS;
+    }
+    if (!stage().waitForFrame(camera, waitMs)) {
+      return POA_ERROR_TIMEOUT;
+    }
+    stage().takeFrame(camera, buffer);
+    return POA_OK;
+  });
+}
+
+}  // extern "C"
+
+}  // namespace orvane

@@ -1,0 +1,560 @@
+// QHYCCD's qhyccd, simulated.
+//
+// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other
+// controls only keep their value. A value out of range is refused.
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "simulated_sdk.hpp"
+#include "stage/call.hpp"
+#include "stage/camera_model.hpp"
+#include "stage/stage.hpp"
+#include "vendors/sdk/qhyccd_sdk.hpp"
+
+namespace orvane {
+namespace {
+
+using namespace sim;
+
+// The maker's values that the library does not use.
+constexpr std::uint32_t QHYCCD_ERROR = 0xFFFFFFFF;
+
+enum : int {
+  CONTROL_SPEED = 9,
+  CONTROL_TRANSFERBIT = 10,
+  CONTROL_USBTRAFFIC = 12,
+  CONTROL_CURPWM = 15,
+  CONTROL_MANULPWM = 16,
+  CAM_BIN1X1MODE = 21,
+  CAM_8BITS = 34,
+  CAM_SINGLEFRAMEMODE = 57,
+  CAM_LIVEVIDEOMODE = 58,
+  CAM_IS_COLOR = 59,
+};
+
+enum : std::int32_t {
+  BAYER_NONE = 0,
+  BAYER_GB = 1,
+  BAYER_GR = 2,
+  BAYER_BG = 3,
+  BAYER_RG = 4,
+};
+
+constexpr int liveMode = 1;
+
+// Ids and models go into buffers whose length the maker's functions are not told; users are advised
+// to give this much.
+constexpr std::size_t textBufferSize = 256;
+
+constexpr std::array believableCameras{
+    SimCamera{.name = "QHY5III462C",
+              .key = "QHY5III462C-5f2a7c0e91d3b846",
+              .id = 0,
+              .width = 1920,
+              .height = 1080,
+              .pixelSizeUm = 2.9,
+              .bitDepth = 12,
+              .isColor = 1,
+              .mosaic = BAYER_RG,
+              .isCooled = 0,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 0,
+              .gainMax = 510,
+              .exposureMinUs = 7,
+              .exposureMaxUs = 9e8,
+              .offsetMin = 0,
+              .offsetMax = 255,
+              .hasTemperature = 0,
+              .isBusy = 0},
+    SimCamera{.name = "QHY268M",
+              .key = "QHY268M-3c91e7d05ab2486f",
+              .id = 0,
+              .width = 6280,
+              .height = 4210,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 0,
+              .mosaic = BAYER_NONE,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {-1},
+              .gainMin = 0,
+              .gainMax = 200,
+              .exposureMinUs = 30,
+              .exposureMaxUs = 3.6e9,
+              .offsetMin = 0,
+              .offsetMax = 255,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "QHY600M",
+              .key = "QHY600M-a04d6f183e92c75b",
+              .id = 0,
+              .width = 9600,
+              .height = 6422,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 0,
+              .mosaic = BAYER_NONE,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2, 3, 4},
+              .formats = {-1},
+              .gainMin = 0,
+              .gainMax = 200,
+              .exposureMinUs = 40,
+              .exposureMaxUs = 3.6e9,
+              .offsetMin = 0,
+              .offsetMax = 255,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "QHY5LII-M",
+              .key = "QHY5LII-M-6b8ce1f24970d35a",
+              .id = 0,
+              .width = 1280,
+              .height = 960,
+              .pixelSizeUm = 3.75,
+              .bitDepth = 12,
+              .isColor = 0,
+              .mosaic = BAYER_NONE,
+              .isCooled = 0,
+              .isUsb3Camera = 0,
+              .isUsb3Host = 0,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 0,
+              .gainMax = 100,
+              .exposureMinUs = 20,
+              .exposureMaxUs = 6e8,
+              .offsetMin = 0,
+              .offsetMax = 255,
+              .hasTemperature = 0,
+              .isBusy = 0},
+};
+
+std::vector<Control> controlsOf(const SimCamera& model) {
+  std::vector<Control> controls{
+      {CONTROL_GAIN, model.gainMin, model.gainMax, usualGain(model)},
+      {CONTROL_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
+      {CONTROL_SPEED, 0, 2, 0},
+      // Set by SetQHYCCDBitsMode alone.
+      {CONTROL_TRANSFERBIT, 8, model.bitDepth > 8 ? 16.0 : 8.0, 8, Access::ReadOnly},
+      {CONTROL_USBTRAFFIC, 0, 60, 10}};
+  const auto add = [&controls](const Control& control) { controls.push_back(control); };
+  if (hasOffset(model)) {
+    add({CONTROL_OFFSET, model.offsetMin, model.offsetMax,
+         held(10, model.offsetMin, model.offsetMax)});
+  }
+  if (model.hasTemperature != 0) {
+    add({CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly});
+  }
+  if (model.isCooled != 0) {
+    add({CONTROL_CURPWM, 0, 255, 0, Access::ReadOnly});
+    add({CONTROL_MANULPWM, 0, 255, 0});
+    add({CONTROL_COOLER, -50, 50, 0});
+  }
+  return controls;
+}
+
+Mosaic mosaicOf(const SimCamera& model) {
+  if (model.isColor == 0) {
+    return Mosaic::None;
+  }
+  switch (model.mosaic) {
+    case BAYER_GB:
+      return Mosaic::Gbrg;
+    case BAYER_GR:
+      return Mosaic::Grbg;
+    case BAYER_BG:
+      return Mosaic::Bggr;
+    default:
+      return Mosaic::Rggb;
+  }
+}
+
+FrameSettings frameSettings(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const Device& device = camera.device;
+  FrameSettings settings = commonSettings(camera);
+  settings.mosaic = mosaicOf(model);
+  settings.layout = device.value(CONTROL_TRANSFERBIT, 8) > 8 ? Layout::Raw16 : Layout::Raw8;
+  settings.exposureUs = device.value(CONTROL_EXPOSURE, 0);
+  settings.gain = gainInDecibelSteps(model, device.value(CONTROL_GAIN, 0));
+  settings.pedestal = device.value(CONTROL_OFFSET, 0) / 4096;
+  return settings;
+}
+
+// The memory that a user must have for any frame of the camera: the largest one, in 16 bits or in
+// three colours.
+std::uint32_t memoryLength(const SimCamera& model) {
+  const double bytes = model.isColor != 0 ? 3 : 2;
+  return wholeNumber<std::uint32_t>(bytes * std::max(model.width, 0) * std::max(model.height, 0));
+}
+
+void showWholeSensor(Camera& camera, std::int32_t bin) {
+  camera.device.bin = bin;
+  camera.device.region = {0, 0, std::max(camera.model.width / bin, 0),
+                          std::max(camera.model.height / bin, 0)};
+}
+
+// Writes text and its NUL into a buffer of unknown length; the longest text there is fills the
+// usual buffer and leaves no room for the NUL.
+void writeText(char* buffer, std::string_view text) {
+  char* end = std::copy(text.begin(), text.end(), buffer);
+  if (text.size() < textBufferSize) {
+    *end = '\0';
+  }
+}
+
+// The text in a buffer that a user was to fill: it ends with a NUL or with the usual buffer.
+std::string_view textIn(const char* buffer) {
+  if (buffer == nullptr) {
+    return {};
+  }
+  const void* end = std::memchr(buffer, '\0', textBufferSize);
+  return {buffer, end == nullptr
+                      ? textBufferSize
+                      : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
+}
+
+// Carries out a call that needs an open camera; the body says what the call returns.
+template <class Result, class Body>
+Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
+  return call.carryOut([&]() -> Result {
+    Camera* camera = stage().cameraOf(handle);
+    if (camera == nullptr) {
+      stage().countCallOnClosed();
+      return failure;
+    }
+    return camera->isReachable() ? body(*camera) : failure;
+  });
+}
+
+// Carries out a call that needs an open and initialised camera.
+template <class Body>
+std::uint32_t onReadyCamera(Call& call, void* handle, const Body& body) {
+  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
+    return camera.device.isInitialised ? body(camera) : QHYCCD_ERROR;
+  });
+}
+
+// Carries out a call that also needs the live stream to stand still.
+template <class Body>
+std::uint32_t onIdleCamera(Call& call, void* handle, const Body& body) {
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    return camera.device.stream.isRunning() ? QHYCCD_ERROR : body(camera);
+  });
+}
+
+}  // namespace
+
+constinit const sim::Maker sim::maker{
+    "qhyccd", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+
+extern "C" {
+
+std::uint32_t InitQHYCCDResource() {
+  Call call("InitQHYCCDResource");
+  return call.carryOut([&]() -> std::uint32_t {
+    stage().isSdkInitialised = true;
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t ScanQHYCCD() {
+  Call call("ScanQHYCCD");
+  return call.carryOut([&]() -> std::uint32_t {
+    if (!stage().isSdkInitialised) {
+      return 0;
+    }
+    stage().enumerate();
+    return static_cast<std::uint32_t>(stage().enumerated());
+  });
+}
+
+std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
+  Call call("GetQHYCCDId", index);
+  return call.carryOut([&]() -> std::uint32_t {
+    const Camera* camera = stage().enumerated(index);
+    if (camera == nullptr || !camera->isPlugged || id == nullptr) {
+      return QHYCCD_ERROR;
+    }
+    writeText(id, textOf(camera->model.key));
+    call.wrote(Quoted{textIn(id)});
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t GetQHYCCDModel(char* id, char* model) {
+  Call call("GetQHYCCDModel", Quoted{textIn(id)});
+  return call.carryOut([&]() -> std::uint32_t {
+    const Camera* camera = stage().enumeratedByKey(textIn(id));
+    if (camera == nullptr || model == nullptr) {
+      return QHYCCD_ERROR;
+    }
+    writeText(model, textOf(camera->model.name));
+    call.wrote(Quoted{textIn(model)});
+    return QHYCCD_SUCCESS;
+  });
+}
+
+void* OpenQHYCCD(char* id) {
+  Call call("OpenQHYCCD", Quoted{textIn(id)});
+  return call.carryOut([&]() -> void* {
+    Camera* camera = stage().enumeratedByKey(textIn(id));
+    if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
+        camera->device.isOpen) {
+      return nullptr;
+    }
+    stage().open(*camera, controlsOf(camera->model));
+    return stage().makeHandle(*camera);
+  });
+}
+
+std::uint32_t CloseQHYCCD(void* handle) {
+  Call call("CloseQHYCCD", Handle{handle});
+  return call.carryOut([&]() -> std::uint32_t {
+    Camera* camera = stage().cameraOf(handle);
+    if (camera == nullptr) {
+      return QHYCCD_ERROR;
+    }
+    stage().close(*camera);
+    stage().endHandle(handle);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t SetQHYCCDStreamMode(void* handle, std::uint8_t mode) {
+  Call call("SetQHYCCDStreamMode", Handle{handle}, mode);
+  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
+    if (camera.device.isInitialised || mode > liveMode) {
+      return QHYCCD_ERROR;
+    }
+    camera.device.streamMode = mode;
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t InitQHYCCD(void* handle) {
+  Call call("InitQHYCCD", Handle{handle});
+  return onOpenCamera(call, handle, QHYCCD_ERROR, [](Camera& camera) -> std::uint32_t {
+    if (camera.device.stream.isRunning()) {
+      return QHYCCD_ERROR;
+    }
+    for (Control& control : camera.device.controls) {
+      control.value = control.initial;
+    }
+    showWholeSensor(camera, 1);
+    camera.device.isInitialised = true;
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipHeightMm,
+                                std::uint32_t* imageWidth, std::uint32_t* imageHeight,
+                                double* pixelWidthUm, double* pixelHeightUm,
+                                std::uint32_t* bitsPerPixel) {
+  Call call("GetQHYCCDChipInfo", Handle{handle});
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const SimCamera& model = camera.model;
+    call.out("chipWidthMm", chipWidthMm, model.width * model.pixelSizeUm / 1000);
+    call.out("chipHeightMm", chipHeightMm, model.height * model.pixelSizeUm / 1000);
+    call.out("imageWidth", imageWidth, static_cast<std::uint32_t>(model.width));
+    call.out("imageHeight", imageHeight, static_cast<std::uint32_t>(model.height));
+    call.out("pixelWidthUm", pixelWidthUm, model.pixelSizeUm);
+    call.out("pixelHeightUm", pixelHeightUm, model.pixelSizeUm);
+    call.out("bitsPerPixel", bitsPerPixel, static_cast<std::uint32_t>(model.bitDepth));
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
+  Call call("IsQHYCCDControlAvailable", Handle{handle}, controlId);
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const SimCamera& model = camera.model;
+    if (controlId == CAM_COLOR) {
+      return model.isColor != 0 ? static_cast<std::uint32_t>(model.mosaic) : QHYCCD_ERROR;
+    }
+    const auto isAvailable = [&] {
+      switch (controlId) {
+        case CAM_BIN1X1MODE:
+        case CAM_BIN2X2MODE:
+        case CAM_BIN3X3MODE:
+        case CAM_BIN4X4MODE:
+          return hasBin(model, controlId - CAM_BIN1X1MODE + 1);
+        case CAM_8BITS:
+        case CAM_SINGLEFRAMEMODE:
+        case CAM_LIVEVIDEOMODE:
+          return true;
+        case CAM_16BITS:
+          return model.bitDepth > 8;
+        case CAM_IS_COLOR:
+          return model.isColor != 0;
+        default:
+          return camera.device.find(controlId) != nullptr;
+      }
+    };
+    return isAvailable() ? std::uint32_t{QHYCCD_SUCCESS} : QHYCCD_ERROR;
+  });
+}
+
+std::uint32_t GetQHYCCDParamMinMaxStep(void* handle, int controlId, double* minimum,
+                                       double* maximum, double* step) {
+  Call call("GetQHYCCDParamMinMaxStep", Handle{handle}, controlId);
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const Control* control = camera.device.find(controlId);
+    if (control == nullptr) {
+      return QHYCCD_ERROR;
+    }
+    call.out("minimum", minimum, control->minimum);
+    call.out("maximum", maximum, control->maximum);
+    call.out("step", step, 1);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t SetQHYCCDParam(void* handle, int controlId, double value) {
+  Call call("SetQHYCCDParam", Handle{handle}, controlId, value);
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    Control* control = camera.device.find(controlId);
+    if (control == nullptr || !control->isWritable() ||
+        !(value >= control->minimum && value <= control->maximum)) {
+      return QHYCCD_ERROR;
+    }
+    control->value = value;
+    const std::int64_t now = stage().clock.now();
+    if (controlId == CONTROL_COOLER) {
+      camera.device.cooler.set(now, true, value);
+    } else if (controlId == CONTROL_MANULPWM) {
+      camera.device.cooler.set(now, value > 0, -value / 8);
+    }
+    stage().changed(camera);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+double GetQHYCCDParam(void* handle, int controlId) {
+  Call call("GetQHYCCDParam", Handle{handle}, controlId);
+  const double failure = QHYCCD_ERROR;
+  return onOpenCamera(call, handle, failure, [&](Camera& camera) -> double {
+    const Control* control = camera.device.find(controlId);
+    if (control == nullptr || !camera.device.isInitialised) {
+      return failure;
+    }
+    const std::int64_t now = stage().clock.now();
+    switch (controlId) {
+      case CONTROL_CURTEMP:
+        return camera.device.cooler.temperature(now);
+      case CONTROL_CURPWM:
+        return camera.device.cooler.power(now) * 2.55;
+      default:
+        return control->value;
+    }
+  });
+}
+
+std::uint32_t SetQHYCCDBinMode(void* handle, std::uint32_t horizontal, std::uint32_t vertical) {
+  Call call("SetQHYCCDBinMode", Handle{handle}, horizontal, vertical);
+  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const auto bin = static_cast<std::int32_t>(horizontal);
+    if (horizontal != vertical || !hasBin(camera.model, bin)) {
+      return QHYCCD_ERROR;
+    }
+    showWholeSensor(camera, bin);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
+  Call call("SetQHYCCDBitsMode", Handle{handle}, bits);
+  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    if (bits != 8 && (bits != 16 || camera.model.bitDepth <= 8)) {
+      return QHYCCD_ERROR;
+    }
+    camera.device.find(CONTROL_TRANSFERBIT)->value = bits;
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y,
+                                  std::uint32_t width, std::uint32_t height) {
+  Call call("SetQHYCCDResolution", Handle{handle}, x, y, width, height);
+  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const auto isInside = [](std::uint32_t start, std::uint32_t length, std::int32_t limit) {
+      return length > 0 &&
+             std::uint64_t{start} + length <= static_cast<std::uint64_t>(std::max(limit, 0));
+    };
+    Device& device = camera.device;
+    if (!isInside(x, width, camera.model.width / device.bin) ||
+        !isInside(y, height, camera.model.height / device.bin)) {
+      return QHYCCD_ERROR;
+    }
+    device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
+                     static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t GetQHYCCDMemLength(void* handle) {
+  Call call("GetQHYCCDMemLength", Handle{handle});
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    call.set("result", camera.device.toldLength, memoryLength(camera.model));
+    return camera.device.toldLength;
+  });
+}
+
+std::uint32_t BeginQHYCCDLive(void* handle) {
+  Call call("BeginQHYCCDLive", Handle{handle});
+  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
+    if (camera.device.streamMode != liveMode) {
+      return QHYCCD_ERROR;
+    }
+    if (!camera.device.stream.isRunning()) {
+      stage().startStream(camera, false);
+    }
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t StopQHYCCDLive(void* handle) {
+  Call call("StopQHYCCDLive", Handle{handle});
+  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
+    stage().stopStream(camera);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32_t* height,
+                                 std::uint32_t* bitsPerPixel, std::uint32_t* channels,
+                                 std::uint8_t* data) {
+  Call call("GetQHYCCDLiveFrame", Handle{handle}, Buffer{data});
+  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+    const FrameSettings* frame = stage().waitingFrame(camera);
+    if (frame == nullptr || data == nullptr) {
+      return QHYCCD_ERROR;
+    }
+    call.out("width", width, static_cast<std::uint32_t>(frame->region.width));
+    call.out("height", height, static_cast<std::uint32_t>(frame->region.height));
+    call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
+    call.out("channels", channels, 1);
+    if (camera.device.toldLength != 0 && frameBytes(*frame) > camera.device.toldLength) {
+      stage().countWritePastBuffer();
+    }
+    stage().takeFrame(camera, data);
+    return QHYCCD_SUCCESS;
+  });
+}
+
+}  // extern "C"
+
+}  // namespace orvane

@@ -1,0 +1,692 @@
+// ToupTek's toupcam, simulated.
+//
+// Frames are to be polled for: a callback is refused, because the simulators have no threads. Raw
+// frames come as the depth option says; colour-processed ones come with 24 bits a pixel from colour
+// cameras and with 8 from monochrome ones.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulated_sdk.hpp"
+#include "stage/call.hpp"
+#include "stage/camera_model.hpp"
+#include "stage/stage.hpp"
+#include "vendors/sdk/toupcam_sdk.hpp"
+
+namespace orvane {
+namespace {
+
+using namespace sim;
+
+#ifdef _WIN32
+constexpr bool isWindows = true;
+#else
+constexpr bool isWindows = false;
+#endif
+
+// The maker's values that the library does not use.
+enum : unsigned {
+  TOUPCAM_OPTION_BINNING = 23,
+  TOUPCAM_OPTION_UPSIDE_DOWN = 35,
+  TOUPCAM_OPTION_BYTEORDER = 42,  // of colour-processed frames: 0 red first, 1 blue first
+};
+
+enum : unsigned long long {
+  TOUPCAM_FLAG_CMOS = 0x1,
+  TOUPCAM_FLAG_ROI_HARDWARE = 0x8,
+  TOUPCAM_FLAG_ST4 = 0x200,
+  TOUPCAM_FLAG_GETTEMPERATURE = 0x400,
+  TOUPCAM_FLAG_RAW10 = 0x1000,
+  TOUPCAM_FLAG_RAW12 = 0x2000,
+  TOUPCAM_FLAG_RAW14 = 0x4000,
+  TOUPCAM_FLAG_RAW16 = 0x8000,
+  TOUPCAM_FLAG_FAN = 0x10000,
+  TOUPCAM_FLAG_TEC_ONOFF = 0x20000,
+  TOUPCAM_FLAG_BLACKLEVEL = 0x400000,
+};
+
+using Hresult = std::int32_t;
+
+constexpr Hresult S_OK = 0;
+constexpr Hresult S_FALSE = 1;                  // the value was already set
+constexpr Hresult E_UNEXPECTED = -2147418113;   // 0x8000FFFF
+constexpr Hresult E_NOTIMPL = -2147467263;      // 0x80004001
+constexpr Hresult E_POINTER = -2147467261;      // 0x80004003
+constexpr Hresult E_INVALIDARG = -2147024809;   // 0x80070057
+constexpr Hresult E_GEN_FAILURE = -2147024865;  // 0x8007001F: cable or power
+constexpr Hresult E_BUSY = -2147024726;         // 0x800700AA
+
+// Settings that have functions of their own instead of an option number.
+enum : int {
+  settingAutoExposure = 0x10000,
+  settingExposure,
+  settingGain,
+};
+
+constexpr std::int32_t fourCc(std::string_view text) {
+  std::uint32_t code = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    code |= std::uint32_t{static_cast<unsigned char>(text[i])} << (8 * i);
+  }
+  return static_cast<std::int32_t>(code);
+}
+
+constexpr std::int32_t rawRggb = fourCc("RGGB");
+constexpr std::int32_t rawBggr = fourCc("BGGR");
+constexpr std::int32_t rawGrbg = fourCc("GRBG");
+constexpr std::int32_t rawGbrg = fourCc("GBRG");
+constexpr std::int32_t rawYyyy = fourCc("YYYY");
+
+// The mosaic is that of the frames as they are delivered unless the upside-down option is changed.
+constexpr std::array believableCameras{
+    SimCamera{.name = "ATR3CMOS26000KPA",
+              .key = "tp-2-7-16-1204-1a5f",
+              .id = 0,
+              .width = 6224,
+              .height = 4168,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 1,
+              .mosaic = rawRggb,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 100,
+              .gainMax = 10000,
+              .exposureMinUs = 100,
+              .exposureMaxUs = 3.6e9,
+              .offsetMin = 0,
+              .offsetMax = 7936,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "ATR3CMOS26000KMA",
+              .key = "tp-2-8-16-1205-1b60",
+              .id = 0,
+              .width = 6224,
+              .height = 4168,
+              .pixelSizeUm = 3.76,
+              .bitDepth = 16,
+              .isColor = 0,
+              .mosaic = rawYyyy,
+              .isCooled = 1,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 100,
+              .gainMax = 10000,
+              .exposureMinUs = 100,
+              .exposureMaxUs = 3.6e9,
+              .offsetMin = 0,
+              .offsetMax = 7936,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "G3CMOS06300KPA",
+              .key = "tp-1-3-16-1192-0c31",
+              .id = 0,
+              .width = 3040,
+              .height = 2048,
+              .pixelSizeUm = 2.4,
+              .bitDepth = 14,
+              .isColor = 1,
+              .mosaic = rawGbrg,
+              .isCooled = 0,
+              .isUsb3Camera = 1,
+              .isUsb3Host = 1,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 100,
+              .gainMax = 5000,
+              .exposureMinUs = 100,
+              .exposureMaxUs = 1e9,
+              .offsetMin = 0,
+              .offsetMax = 1984,
+              .hasTemperature = 1,
+              .isBusy = 0},
+    SimCamera{.name = "GPCMOS01200KPF",
+              .key = "tp-1-4-16-1127-0d18",
+              .id = 0,
+              .width = 1280,
+              .height = 960,
+              .pixelSizeUm = 3.75,
+              .bitDepth = 12,
+              .isColor = 1,
+              .mosaic = rawGrbg,
+              .isCooled = 0,
+              .isUsb3Camera = 0,
+              .isUsb3Host = 0,
+              .bins = {1, 2},
+              .formats = {-1},
+              .gainMin = 100,
+              .gainMax = 2000,
+              .exposureMinUs = 105,
+              .exposureMaxUs = 1e9,
+              .offsetMin = 0,
+              .offsetMax = -1,
+              .hasTemperature = 0,
+              .isBusy = 0},
+};
+
+// Text of the maker's kind: UTF-16 on Windows, UTF-8 on Linux.
+using Text = std::basic_string<ToupcamChar>;
+
+#ifdef _WIN32
+// Also takes the three bytes that a lone surrogate would have, so that a test can have a name that
+// is no valid text. Other invalid bytes become replacement characters.
+Text nativeText(std::string_view utf8) {
+  constexpr std::uint32_t replacement = 0xFFFD;
+  Text text;
+  for (std::size_t i = 0; i < utf8.size();) {
+    const auto byteAt = [&](std::size_t at) -> std::uint32_t {
+      return at < utf8.size() ? static_cast<unsigned char>(utf8[at]) : 0;
+    };
+    const std::uint32_t lead = byteAt(i);
+    const std::size_t length = lead < 0x80   ? 1
+                               : lead < 0xC0 ? 0
+                               : lead < 0xE0 ? 2
+                               : lead < 0xF0 ? 3
+                                             : 4;
+    std::uint32_t code = length < 2 ? lead : lead & (0x7FU >> length);
+    bool isValid = length > 0;
+    for (std::size_t k = 1; k < length; ++k) {
+      isValid = isValid && (byteAt(i + k) & 0xC0U) == 0x80;
+      code = code << 6U | (byteAt(i + k) & 0x3FU);
+    }
+    code = isValid ? code : replacement;
+    i += isValid ? length : 1;
+    if (code < 0x10000) {
+      text += static_cast<ToupcamChar>(code);
+    } else {
+      text += static_cast<ToupcamChar>(0xD800 + ((code - 0x10000) >> 10U));
+      text += static_cast<ToupcamChar>(0xDC00 + ((code - 0x10000) & 0x3FFU));
+    }
+  }
+  return text;
+}
+#else
+Text nativeText(std::string_view utf8) {
+  return Text(utf8);
+}
+#endif
+
+// Copies text into a field of a device entry; text that fills the field gets no NUL.
+constexpr std::size_t fieldLength = 64;
+using TextField = ToupcamChar[fieldLength];
+
+void setText(TextField& field, const Text& text) {
+  const std::size_t length = std::min(text.size(), fieldLength);
+  std::fill(std::copy_n(text.begin(), length, field), field + fieldLength, ToupcamChar{});
+}
+
+// The text in a field that a user hands back.
+Text textIn(const ToupcamChar* field) {
+  return {field, std::find(field, field + fieldLength, ToupcamChar{})};
+}
+
+// For the log.
+std::string narrowText(const Text& text) {
+  std::string narrow;
+  for (const ToupcamChar unit : text) {
+    const bool isPlain = unit >= 0x20 && unit < 0x7F;
+    narrow += isPlain ? static_cast<char>(unit) : '?';
+  }
+  return narrow;
+}
+
+Text idOf(const SimCamera& model) {
+  return nativeText(textOf(model.key)).substr(0, fieldLength);
+}
+
+unsigned long long flagsOf(const SimCamera& model) {
+  unsigned long long flags = TOUPCAM_FLAG_CMOS | TOUPCAM_FLAG_ROI_HARDWARE | TOUPCAM_FLAG_ST4;
+  const auto add = [&flags](bool isSo, unsigned long long more) { flags |= isSo ? more : 0; };
+  const bool isCooled = model.isCooled != 0;
+  const bool isUsb3 = model.isUsb3Camera != 0;
+  add(model.isColor == 0, TOUPCAM_FLAG_MONO);
+  add(isUsb3, TOUPCAM_FLAG_USB30);
+  add(isUsb3 && model.isUsb3Host == 0, TOUPCAM_FLAG_USB30_OVER_USB20);
+  add(isCooled, TOUPCAM_FLAG_TEC);
+  add(isCooled, TOUPCAM_FLAG_TEC_ONOFF | TOUPCAM_FLAG_FAN);
+  add(model.hasTemperature != 0, TOUPCAM_FLAG_GETTEMPERATURE);
+  add(hasOffset(model), TOUPCAM_FLAG_BLACKLEVEL);
+  add(model.bitDepth == 10, TOUPCAM_FLAG_RAW10);
+  add(model.bitDepth == 12, TOUPCAM_FLAG_RAW12);
+  add(model.bitDepth == 14, TOUPCAM_FLAG_RAW14);
+  add(model.bitDepth == 16, TOUPCAM_FLAG_RAW16);
+  return flags;
+}
+
+struct ModelEntry {
+  Text name;
+  ToupcamModelV2 model;
+};
+
+bool isSame(const ModelEntry& entry, const Text& name, const ToupcamModelV2& model) {
+  return entry.name == name && entry.model.flag == model.flag &&
+         entry.model.xpixsz == model.xpixsz && entry.model.ypixsz == model.ypixsz &&
+         entry.model.res[0].width == model.res[0].width &&
+         entry.model.res[0].height == model.res[0].height;
+}
+
+// The maker's model data. It stays valid while the library is loaded, even when the simulated
+// cameras are changed, so nothing is ever taken out.
+const ToupcamModelV2* lastingModel(const Text& name, const ToupcamModelV2& model) {
+  static std::deque<ModelEntry> models;
+  const auto known = std::find_if(models.begin(), models.end(), [&](const ModelEntry& entry) {
+    return isSame(entry, name, model);
+  });
+  if (known != models.end()) {
+    return &known->model;
+  }
+  ModelEntry& entry = models.emplace_back(ModelEntry{name, model});
+  entry.model.name = entry.name.c_str();
+  return &entry.model;
+}
+
+void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
+  const Text name = nativeText(textOf(camera.name));
+  ToupcamModelV2 model{};
+  call.set("flag", model.flag, flagsOf(camera));
+  model.maxspeed = 2;
+  model.preview = 1;
+  model.still = 1;
+  model.maxfanspeed = camera.isCooled != 0 ? 1 : 0;
+  call.set("xpixsz", model.xpixsz, static_cast<float>(camera.pixelSizeUm));
+  call.set("ypixsz", model.ypixsz, static_cast<float>(camera.pixelSizeUm));
+  call.set("width", model.res[0].width, static_cast<unsigned>(camera.width));
+  call.set("height", model.res[0].height, static_cast<unsigned>(camera.height));
+  setText(device.displayname, name);
+  setText(device.id, idOf(camera));
+  device.model = lastingModel(name, model);
+}
+
+std::vector<Control> controlsOf(const SimCamera& model) {
+  const double initialGain = held(100, model.gainMin, model.gainMax);
+  std::vector<Control> controls{
+      {TOUPCAM_OPTION_RAW, 0, 1, 0},
+      {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
+      {TOUPCAM_OPTION_BINNING, 1, 8, 1},
+      {TOUPCAM_OPTION_UPSIDE_DOWN, 0, 1, isWindows ? 1.0 : 0.0},
+      {TOUPCAM_OPTION_BYTEORDER, 0, 1, isWindows ? 1.0 : 0.0},
+      {settingAutoExposure, 0, 2, 1},
+      {settingExposure, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
+      {settingGain, model.gainMin, model.gainMax, initialGain}};
+  if (hasOffset(model)) {
+    controls.push_back({TOUPCAM_OPTION_BLACKLEVEL, 0, 0, 0});
+  }
+  return controls;
+}
+
+bool isOn(const Device& device, int option) {
+  return device.value(option, 0) != 0;
+}
+
+// Bits of the samples by the present depth option.
+int sampleBits(const Camera& camera) {
+  return isOn(camera.device, TOUPCAM_OPTION_BITDEPTH) ? std::clamp(camera.model.bitDepth, 8, 16)
+                                                      : 8;
+}
+
+// The mosaic of the frames by the present upside-down option: other rows come first when it differs
+// from the usual, but for an odd number of rows.
+std::int32_t deliveredMosaic(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const bool isUsual = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) == isWindows;
+  if (isUsual || model.height % 2 != 0) {
+    return model.mosaic;
+  }
+  switch (model.mosaic) {
+    case rawRggb:
+      return rawGbrg;
+    case rawGbrg:
+      return rawRggb;
+    case rawBggr:
+      return rawGrbg;
+    case rawGrbg:
+      return rawBggr;
+    default:
+      return model.mosaic;
+  }
+}
+
+Mosaic mosaicOf(std::int32_t code) {
+  switch (code) {
+    case rawBggr:
+      return Mosaic::Bggr;
+    case rawGrbg:
+      return Mosaic::Grbg;
+    case rawGbrg:
+      return Mosaic::Gbrg;
+    default:
+      return Mosaic::Rggb;
+  }
+}
+
+Layout layoutOf(const Camera& camera) {
+  if (isOn(camera.device, TOUPCAM_OPTION_RAW)) {
+    return isOn(camera.device, TOUPCAM_OPTION_BITDEPTH) ? Layout::Raw16 : Layout::Raw8;
+  }
+  if (camera.model.isColor == 0) {
+    return Layout::Luma8;
+  }
+  return isOn(camera.device, TOUPCAM_OPTION_BYTEORDER) ? Layout::Bgr24 : Layout::Rgb24;
+}
+
+FrameSettings frameSettings(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const Device& device = camera.device;
+  FrameSettings settings = commonSettings(camera);
+  settings.mosaic = model.isColor != 0 ? mosaicOf(deliveredMosaic(camera)) : Mosaic::None;
+  settings.layout = layoutOf(camera);
+  settings.alignment = Alignment::Right;
+  settings.isUpsideDown = isOn(device, TOUPCAM_OPTION_UPSIDE_DOWN);
+  settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING, 1));
+  if (settings.bin > 1) {
+    // The region is set in unbinned pixels. Binned ones come in even numbers, like the mosaic.
+    const auto binned = [&](std::int32_t length) { return length / settings.bin & ~1; };
+    const Region& region = device.region;
+    settings.region = {binned(region.x), binned(region.y), binned(region.width),
+                       binned(region.height)};
+  }
+  const bool isAutomatic = isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW);
+  settings.exposureUs = isAutomatic ? usualExposureUs(model) : device.value(settingExposure, 0);
+  settings.gain = isAutomatic ? 1 : gainInPercent(model, device.value(settingGain, 0));
+  settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL, 0) / (1 << sampleBits(camera));
+  return settings;
+}
+
+void showWholeSensor(Camera& camera) {
+  camera.device.region = {0, 0, std::max(camera.model.width, 0), std::max(camera.model.height, 0)};
+}
+
+// Carries out a call that needs an open camera.
+template <class Body>
+Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
+  return call.carryOut([&]() -> Hresult {
+    Camera* camera = stage().cameraOf(handle);
+    if (camera == nullptr) {
+      stage().countCallOnClosed();
+      return handle == nullptr ? E_POINTER : E_INVALIDARG;
+    }
+    return camera->isReachable() ? body(*camera) : E_GEN_FAILURE;
+  });
+}
+
+// Sets one of the device's settings.
+Hresult put(Camera& camera, int id, double value) {
+  Control& control = *camera.device.find(id);
+  if (!(value >= control.minimum && value <= control.maximum)) {
+    return E_INVALIDARG;
+  }
+  if (control.value == value) {
+    return S_FALSE;
+  }
+  control.value = value;
+  stage().changed(camera);
+  return S_OK;
+}
+
+// Sets an option that changes the frames' geometry or samples.
+Hresult putGeometry(Camera& camera, int option, double value) {
+  const Hresult result = put(camera, option, value);
+  if (result == S_OK) {
+    stage().restartFrame(camera);
+  }
+  return result;
+}
+
+Hresult putBlackLevel(Camera& camera, int value) {
+  Control* control = camera.device.find(TOUPCAM_OPTION_BLACKLEVEL);
+  if (control == nullptr) {
+    return E_NOTIMPL;
+  }
+  control->maximum = 31 << (sampleBits(camera) - 8);
+  return put(camera, TOUPCAM_OPTION_BLACKLEVEL, value);
+}
+
+Hresult putOption(Camera& camera, unsigned option, int value) {
+  switch (option) {
+    case TOUPCAM_OPTION_RAW:
+      return camera.device.stream.isRunning() ? E_UNEXPECTED
+                                              : put(camera, TOUPCAM_OPTION_RAW, value);
+    case TOUPCAM_OPTION_BLACKLEVEL:
+      return putBlackLevel(camera, value);
+    case TOUPCAM_OPTION_BINNING:
+      return hasBin(camera.model, value) ? putGeometry(camera, TOUPCAM_OPTION_BINNING, value)
+                                         : E_INVALIDARG;
+    case TOUPCAM_OPTION_BITDEPTH:
+    case TOUPCAM_OPTION_UPSIDE_DOWN:
+    case TOUPCAM_OPTION_BYTEORDER:
+      return putGeometry(camera, static_cast<int>(option), value);
+    default:
+      return E_NOTIMPL;
+  }
+}
+
+}  // namespace
+
+constinit const sim::Maker sim::maker{
+    "toupcam", believableCameras, {4, WhenFull::Pause}, frameSettings};
+
+extern "C" {
+
+unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
+  Call call("Toupcam_EnumV2", Buffer{devices});
+  return call.carryOut([&]() -> unsigned {
+    stage().enumerate();
+    const auto count = static_cast<unsigned>(stage().enumerated());
+    for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
+      const SimCamera& camera = stage().enumerated(i)->model;
+      devices[i] = {};
+      describe(call, camera, devices[i]);
+      if (Call::forcedOutput("model") == i) {
+        devices[i].model = nullptr;
+      }
+      call.wrote(Quoted{textOf(camera.name)});
+    }
+    return count;
+  });
+}
+
+HToupcam Toupcam_Open(const ToupcamChar* id) {
+  const Text wanted = id == nullptr ? Text() : textIn(id);
+  const std::string wantedName = narrowText(wanted);
+  Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
+  return call.carryOut([&]() -> HToupcam {
+    stage().enumerate();
+    for (std::size_t i = 0; i < stage().enumerated(); ++i) {
+      Camera& camera = *stage().enumerated(static_cast<std::int64_t>(i));
+      if (id != nullptr && idOf(camera.model) != wanted) {
+        continue;
+      }
+      if (camera.model.isBusy != 0 || camera.device.isOpen) {
+        return nullptr;
+      }
+      stage().open(camera, controlsOf(camera.model));
+      showWholeSensor(camera);
+      return stage().makeHandle(camera);
+    }
+    return nullptr;
+  });
+}
+
+void Toupcam_Close(HToupcam handle) {
+  Call call("Toupcam_Close", Handle{handle});
+  call.carryOut([&] {
+    if (Camera* camera = stage().cameraOf(handle)) {
+      stage().close(*camera);
+      stage().endHandle(handle);
+    }
+  });
+}
+
+Hresult Toupcam_get_MaxBitDepth(HToupcam handle) {
+  Call call("Toupcam_get_MaxBitDepth", Handle{handle});
+  return onOpenCamera(call, handle,
+                      [](Camera& camera) -> Hresult { return camera.model.bitDepth; });
+}
+
+Hresult Toupcam_get_RawFormat(HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) {
+  Call call("Toupcam_get_RawFormat", Handle{handle});
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    call.out("fourCc", fourCc, static_cast<unsigned>(deliveredMosaic(camera)));
+    call.out("bitsPerPixel", bitsPerPixel, static_cast<unsigned>(sampleBits(camera)));
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_get_ExpTimeRange(HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) {
+  Call call("Toupcam_get_ExpTimeRange", Handle{handle});
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    const Control& exposure = *camera.device.find(settingExposure);
+    call.out("nMin", nMin, wholeNumber<unsigned>(exposure.minimum));
+    call.out("nMax", nMax, wholeNumber<unsigned>(exposure.maximum));
+    call.out("nDef", nDef, wholeNumber<unsigned>(exposure.initial));
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_get_ExpoAGainRange(HToupcam handle, unsigned short* nMin, unsigned short* nMax,
+                                   unsigned short* nDef) {
+  Call call("Toupcam_get_ExpoAGainRange", Handle{handle});
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    const Control& gain = *camera.device.find(settingGain);
+    call.out("nMin", nMin, wholeNumber<unsigned short>(gain.minimum));
+    call.out("nMax", nMax, wholeNumber<unsigned short>(gain.maximum));
+    call.out("nDef", nDef, wholeNumber<unsigned short>(gain.initial));
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_put_Option(HToupcam handle, unsigned option, int value) {
+  Call call("Toupcam_put_Option", Handle{handle}, option, value);
+  return onOpenCamera(call, handle,
+                      [&](Camera& camera) -> Hresult { return putOption(camera, option, value); });
+}
+
+Hresult Toupcam_put_Roi(HToupcam handle, unsigned x, unsigned y, unsigned width, unsigned height) {
+  Call call("Toupcam_put_Roi", Handle{handle}, x, y, width, height);
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    const auto isGood = [](unsigned start, unsigned length, std::int32_t limit) {
+      constexpr unsigned smallest = 8;
+      return start % 2 == 0 && length % 2 == 0 && length >= smallest &&
+             std::int64_t{start} + length <= limit;
+    };
+    if (x == 0 && y == 0 && width == 0 && height == 0) {
+      showWholeSensor(camera);
+    } else if (isGood(x, width, camera.model.width) && isGood(y, height, camera.model.height)) {
+      camera.device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
+                              static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+    } else {
+      return E_INVALIDARG;
+    }
+    stage().restartFrame(camera);
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_get_FinalSize(HToupcam handle, int* width, int* height) {
+  Call call("Toupcam_get_FinalSize", Handle{handle});
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    const Region region = frameSettings(camera).region;
+    call.out("width", width, region.width);
+    call.out("height", height, region.height);
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_StartPullModeWithCallback(HToupcam handle, ToupcamEventCallback callback,
+                                          void* context) {
+  Call call("Toupcam_StartPullModeWithCallback", Handle{handle},
+            callback == nullptr ? "null" : "callback", context == nullptr ? "null" : "context");
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    if (callback != nullptr) {
+      return E_NOTIMPL;
+    }
+    if (camera.device.stream.isRunning()) {
+      return E_BUSY;
+    }
+    stage().startStream(camera, false);
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int rowPitch,
+                                      unsigned* width, unsigned* height) {
+  Call call("Toupcam_PullImageWithRowPitch", Handle{handle}, Buffer{data}, bits, rowPitch);
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    if (!camera.device.stream.isRunning()) {
+      return E_UNEXPECTED;
+    }
+    const FrameSettings* frame = stage().waitingFrame(camera);
+    if (frame == nullptr) {
+      return TOUPCAM_E_PENDING;
+    }
+    const bool isRaw = isOn(camera.device, TOUPCAM_OPTION_RAW);
+    const std::int64_t pixelBytes = bytesPerPixel(frame->layout);
+    const std::int64_t packed = frame->region.width * pixelBytes;
+    const std::int64_t padded = isRaw ? packed : (packed + 3) / 4 * 4;
+    const std::int64_t pitch = rowPitch == 0 ? padded : rowPitch == -1 ? packed : rowPitch;
+    if (pitch < packed || (!isRaw && bits != 0 && bits != 8 * pixelBytes)) {
+      return E_INVALIDARG;
+    }
+    call.out("width", width, static_cast<unsigned>(frame->region.width));
+    call.out("height", height, static_cast<unsigned>(frame->region.height));
+    if (data != nullptr) {
+      stage().takeFrame(camera, static_cast<std::uint8_t*>(data), pitch);
+    }
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_Stop(HToupcam handle) {
+  Call call("Toupcam_Stop", Handle{handle});
+  return onOpenCamera(call, handle, [](Camera& camera) -> Hresult {
+    stage().stopStream(camera);
+    return S_OK;
+  });
+}
+
+Hresult Toupcam_put_AutoExpoEnable(HToupcam handle, int mode) {
+  Call call("Toupcam_put_AutoExpoEnable", Handle{handle}, mode);
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    return put(camera, settingAutoExposure, mode);
+  });
+}
+
+Hresult Toupcam_put_ExpoTime(HToupcam handle, unsigned microseconds) {
+  Call call("Toupcam_put_ExpoTime", Handle{handle}, microseconds);
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    return put(camera, settingExposure, microseconds);
+  });
+}
+
+Hresult Toupcam_put_ExpoAGain(HToupcam handle, unsigned short percent) {
+  Call call("Toupcam_put_ExpoAGain", Handle{handle}, percent);
+  return onOpenCamera(call, handle,
+                      [&](Camera& camera) -> Hresult { return put(camera, settingGain, percent); });
+}
+
+Hresult Toupcam_get_Temperature(HToupcam handle, short* tenthsOfDegree) {
+  Call call("Toupcam_get_Temperature", Handle{handle});
+  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+    if (camera.model.hasTemperature == 0) {
+      return E_NOTIMPL;
+    }
+    const double degrees = camera.device.cooler.temperature(stage().clock.now());
+    call.out("tenthsOfDegree", tenthsOfDegree, static_cast<short>(std::lround(10 * degrees)));
+    return S_OK;
+  });
+}
+
+}  // extern "C"
+
+}  // namespace orvane

@@ -1,0 +1,213 @@
+// QHYCCD cameras. They are opened by the SDK's id string, `deviceKey`, and addressed by `handle`.
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "vendors/closing_afterwards.hpp"
+#include "vendors/sdk/qhyccd_sdk.hpp"
+#include "vendors/sdk_text.hpp"
+#include "vendors/vendor_rows.hpp"
+
+namespace orvane {
+
+namespace {
+
+constexpr std::uint32_t maxCameraCount = 128;
+constexpr std::uint8_t liveStreamMode = 1;
+
+// The SDK's resources are initialised once per process and never released.
+bool qhyResourceReady = false;
+
+// A text that the SDK writes without being told how long it may be. The byte behind the array keeps
+// one that fills it from being read on by the SDK.
+struct SdkText {
+  char text[256] = {};
+  char terminator = '\0';
+};
+
+// The SDK states limits as doubles: cut to whole numbers, and to what the target holds.
+template <class Integer>
+Integer truncated(double number) {
+  if (number != number) {
+    return 0;
+  }
+  // The limits as doubles; the upper one is the first number too large for 64 bits.
+  constexpr auto lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+  constexpr double beyond = -lowest;
+  if (number <= lowest) {
+    return std::numeric_limits<Integer>::min();
+  }
+  return number >= beyond ? std::numeric_limits<Integer>::max() : static_cast<Integer>(number);
+}
+
+std::uint32_t bitsOf(const ActiveCamera& camera) {
+  return camera.format == Raw16 ? 16 : 8;
+}
+
+// Reads what an open camera can do.
+void examine(void* handle, CameraInfo& camera) {
+  SetQHYCCDStreamMode.check(handle, liveStreamMode);  // before the init, which depends on it
+  InitQHYCCD.check(handle);
+
+  double chipWidthMm = 0.0;
+  double chipHeightMm = 0.0;
+  double pixelWidthUm = 0.0;
+  double pixelHeightUm = 0.0;
+  std::uint32_t imageWidth = 0;
+  std::uint32_t imageHeight = 0;
+  std::uint32_t bitsPerPixel = 0;
+  GetQHYCCDChipInfo.check(handle, &chipWidthMm, &chipHeightMm, &imageWidth, &imageHeight,
+                          &pixelWidthUm, &pixelHeightUm, &bitsPerPixel);
+  camera.maxWidth = static_cast<std::int32_t>(imageWidth);
+  camera.maxHeight = static_cast<std::int32_t>(imageHeight);
+  camera.bitDepth = static_cast<std::int32_t>(bitsPerPixel);
+  camera.pixelSizeUm = pixelWidthUm;
+
+  constexpr BayerCode codes[] = {BayerNone, BayerGbrg, BayerGrbg, BayerBggr, BayerRggb};
+  const std::uint32_t mosaic = IsQHYCCDControlAvailable(handle, CAM_COLOR);
+  camera.isColor = mosaic >= 1 && mosaic < std::size(codes);
+  camera.bayer = camera.isColor ? codes[mosaic] : BayerNone;
+  camera.isCooled = IsQHYCCDControlAvailable(handle, CONTROL_COOLER) == QHYCCD_SUCCESS;
+  if (IsQHYCCDControlAvailable(handle, CAM_16BITS) == QHYCCD_SUCCESS) {
+    camera.formats.push_back(Raw16);
+  }
+  for (const auto& [mode, bin] :
+       {std::pair{CAM_BIN2X2MODE, 2}, {CAM_BIN3X3MODE, 3}, {CAM_BIN4X4MODE, 4}}) {
+    if (IsQHYCCDControlAvailable(handle, mode) == QHYCCD_SUCCESS) {
+      camera.bins.push_back(bin);
+    }
+  }
+
+  double minimum = 0.0;
+  double maximum = 0.0;
+  double step = 0.0;
+  if (GetQHYCCDParamMinMaxStep(handle, CONTROL_EXPOSURE, &minimum, &maximum, &step) ==
+      QHYCCD_SUCCESS) {
+    camera.maxExposureUs = truncated<std::int64_t>(maximum);
+  }
+  if (GetQHYCCDParamMinMaxStep(handle, CONTROL_GAIN, &minimum, &maximum, &step) == QHYCCD_SUCCESS) {
+    camera.minGain = truncated<std::int32_t>(minimum);
+    camera.maxGain = truncated<std::int32_t>(maximum);
+  }
+}
+
+void scanQhyCameras() {
+  if (!qhyResourceReady) {
+    InitQHYCCDResource.check();
+    qhyResourceReady = true;
+  }
+  const std::uint32_t count = ScanQHYCCD();
+  if (count > maxCameraCount) {  // the SDK's error value among others
+    throw std::runtime_error("QHY scan failed");
+  }
+  for (std::uint32_t i = 0; i < count; ++i) {
+    SdkText id;
+    SdkText model;
+    GetQHYCCDId.check(i, id.text);
+    CameraInfo camera;
+    camera.vendor = Vendor::Qhy;
+    camera.deviceKey = boundedText(id.text);
+    camera.name =
+        GetQHYCCDModel(id.text, model.text) == QHYCCD_SUCCESS ? boundedText(model.text) : "QHYCCD";
+    void* const handle = OpenQHYCCD(id.text);
+    if (handle == nullptr) {
+      continue;
+    }
+    closingAfterwards([&] { CloseQHYCCD(handle); },
+                      [&] {
+                        examine(handle, camera);
+                        state.catalogue.push_back(camera);
+                      });
+  }
+}
+
+void open(ActiveCamera& camera) {
+  camera.handle = OpenQHYCCD(camera.info.deviceKey.data());
+  if (camera.handle == nullptr) {
+    throw std::runtime_error("OpenQHYCCD failed");
+  }
+}
+
+void configure(ActiveCamera& camera, std::int32_t bin) {
+  void* const handle = camera.handle;
+  const auto factor = static_cast<std::uint32_t>(bin);
+  SetQHYCCDStreamMode.checkAs("QHY stream mode", handle, liveStreamMode);
+  InitQHYCCD.check(handle);
+  SetQHYCCDBinMode.checkAs("QHY binning", handle, factor, factor);
+  SetQHYCCDBitsMode.checkAs("QHY bit depth", handle, bitsOf(camera));
+  SetQHYCCDResolution.checkAs("QHY ROI", handle, 0, 0, static_cast<std::uint32_t>(camera.width),
+                              static_cast<std::uint32_t>(camera.height));
+}
+
+std::int64_t frameMemory(const ActiveCamera& camera) {
+  return GetQHYCCDMemLength(camera.handle);
+}
+
+void start(const ActiveCamera& camera) {
+  BeginQHYCCDLive.check(camera.handle);
+}
+
+bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t /*timeoutMs*/) {
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::uint32_t bitsPerPixel = 0;
+  std::uint32_t channels = 0;
+  // No frame yet and a failure look the same here.
+  if (GetQHYCCDLiveFrame(camera.handle, &width, &height, &bitsPerPixel, &channels, buffer.data) !=
+      QHYCCD_SUCCESS) {
+    return false;
+  }
+  if (width != static_cast<std::uint32_t>(camera.width) ||
+      height != static_cast<std::uint32_t>(camera.height) || channels != 1 ||
+      bitsPerPixel != bitsOf(camera)) {
+    throw std::runtime_error("QHY frame geometry changed");
+  }
+  return true;
+}
+
+void apply(const ActiveCamera& camera, CameraSettings settings) {
+  void* const handle = camera.handle;
+  SetQHYCCDParam.checkAs("QHY exposure", handle, CONTROL_EXPOSURE, settings.exposureUs);
+  SetQHYCCDParam.checkAs("QHY gain", handle, CONTROL_GAIN, settings.gain);
+  if (IsQHYCCDControlAvailable(handle, CONTROL_OFFSET) == QHYCCD_SUCCESS) {
+    SetQHYCCDParam.checkAs("QHY offset", handle, CONTROL_OFFSET, settings.offset);
+  }
+}
+
+// An error number that the SDK returns in place of a temperature is passed on: it cannot be told
+// from one.
+double temperature(const ActiveCamera& camera) {
+  return GetQHYCCDParam(camera.handle, CONTROL_CURTEMP);
+}
+
+void stop(const ActiveCamera& camera) {
+  StopQHYCCDLive(camera.handle);
+}
+
+void close(const ActiveCamera& camera) {
+  CloseQHYCCD(camera.handle);
+}
+
+}  // namespace
+
+constinit const VendorFamily qhyFamily{
+    .vendor = Vendor::Qhy,
+    .baseName = "qhyccd",
+    .widthStep = 1,
+    .heightStep = 1,
+    .scan = scanQhyCameras,
+    .open = open,
+    .configure = configure,
+    .frameMemory = frameMemory,
+    .start = start,
+    .read = read,
+    .apply = apply,
+    .temperature = temperature,
+    .stop = stop,
+    .close = close,
+};
+
+}  // namespace orvane

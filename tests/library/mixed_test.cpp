@@ -1,0 +1,159 @@
+// Several SDKs at once: which are found, whose failures are told, and cameras of each in turn.
+#include "library/family_test.hpp"
+
+namespace orvane::testing {
+namespace {
+
+using MixedScan = LibraryTest;
+
+TEST_F(MixedScan, AllFourInTheirFixedOrder) {
+  std::vector<SimulatedSdk> sdks;
+  for (const char* name : {"toupcam", "qhyccd", "PlayerOneCamera", "ASICamera2"}) {
+    sdks.push_back(install(name));
+    SimCamera camera = smallCamera();
+    setText(camera.name, name);
+    if (std::string(name) == "toupcam") {
+      camera.mosaic = 0x42474752;
+    }
+    sdks.back().setCameras({camera});
+  }
+  EXPECT_EQ(oc.scan(), 4);
+  EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, qhyccd, toupcam");
+  EXPECT_EQ(error(), "");
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(infoValue(i, "name"), '"' + std::string(sdkNames[i]) + '"');
+    EXPECT_EQ(infoValue(i, "id"), std::to_string(i));
+  }
+  for (const SimulatedSdk& sdk : sdks) {
+    expectClean(sdk);
+  }
+}
+
+class EachAlone : public LibraryTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(EachAlone, IsFoundWithoutTheOthers) {
+  const SimulatedSdk sdk = install(GetParam());
+  EXPECT_GE(oc.scan(), 2);
+  EXPECT_EQ(libraries(), GetParam());
+  EXPECT_EQ(error(), "");
+  expectClean(sdk);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sdks, EachAlone, ::testing::ValuesIn(sdkNames),
+                         [](const auto& instance) { return std::string(instance.param); });
+
+TEST_F(MixedScan, NoneIsNoError) {
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(libraries(), "");
+  EXPECT_EQ(error(), "");
+  EXPECT_EQ(oc.open(0, 1, 1, 1, 0, 1, 0, 0), 0);
+  EXPECT_EQ(error(), "Camera not found; rescan");
+}
+
+TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
+  const SimulatedSdk toupcam = install("toupcam");
+  const SimulatedSdk qhy = install("qhyccd");
+  const SimulatedSdk playerOne = install("PlayerOneCamera");
+  const SimulatedSdk asi = install("ASICamera2");
+  asi.forceResult("ASIGetCameraProperty", 5);
+  qhy.forceResult("ScanQHYCCD", 0xFFFFFFFF);
+  playerOne.setCameras({smallCamera()});
+  toupcam.setCameras({});
+  EXPECT_EQ(oc.scan(), 1);
+  EXPECT_EQ(error(), "ASIGetCameraProperty: 5; QHY scan failed");
+  EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, qhyccd, toupcam");
+  EXPECT_EQ(infoValue(0, "name"), "\"small\"");
+}
+
+TEST_F(MixedScan, AllFourFailuresAreJoined) {
+  install("ASICamera2").forceResult("ASIGetCameraProperty", 1);
+  install("PlayerOneCamera").forceResult("POAGetCameraProperties", 2);
+  install("qhyccd").forceResult("InitQHYCCDResource", 3);
+  install("toupcam").forceResult("Toupcam_get_RawFormat", -4);
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(error(),
+            "ASIGetCameraProperty: 1; POAGetCameraProperties: 2; InitQHYCCDResource: 3; "
+            "Toupcam_get_RawFormat: -4");
+}
+
+TEST_F(MixedScan, SdkThatAppearsBetweenTwoScansTakesItsPlaceInTheOrder) {
+  install("toupcam").setCameras({});
+  const SimulatedSdk asi = install("ASICamera2");
+  asi.setCameras({smallCamera()});
+  EXPECT_EQ(oc.scan(), 1);
+  EXPECT_EQ(libraries(), "ASICamera2, toupcam");
+  install("PlayerOneCamera").setCameras({smallCamera()});
+  EXPECT_EQ(oc.scan(), 2);
+  EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, toupcam");
+}
+
+TEST_F(MixedScan, RescanAfterUnpluggingMovesTheIndices) {
+  const SimulatedSdk asi = install("ASICamera2");
+  const SimulatedSdk playerOne = install("PlayerOneCamera");
+  asi.setCameras({smallCamera()});
+  SimCamera other = smallCamera();
+  setText(other.name, "other");
+  playerOne.setCameras({other});
+  EXPECT_EQ(oc.scan(), 2);
+  asi.set_plugged(0, 0);
+  EXPECT_EQ(oc.scan(), 1);
+  EXPECT_EQ(infoValue(0, "name"), "\"other\"");
+  asi.set_plugged(0, 1);
+  EXPECT_EQ(oc.scan(), 2);
+  EXPECT_EQ(infoValue(0, "name"), "\"small\"");
+}
+
+TEST_F(MixedScan, LibrariesThatLackAFunctionNameItInOrder) {
+  install("ASICamera2", {"ASICloseCamera"});
+  install("PlayerOneCamera", {"POAGetCameraCount"});
+  install("qhyccd", {"GetQHYCCDChipInfo"});
+  install("toupcam", {"Toupcam_EnumV2"});
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(error(),
+            "ASICamera2: missing ASICloseCamera; PlayerOneCamera: missing POAGetCameraCount; "
+            "qhyccd: missing GetQHYCCDChipInfo; toupcam: missing Toupcam_EnumV2");
+}
+
+#ifdef _WIN32
+TEST_F(MixedScan, BadDirectoryDoesNotMatterOnceAllLibrariesAreLoaded) {
+  for (const char* baseName : sdkNames) {
+    directory.add(baseName);
+  }
+  const int count = oc.scan();
+  EXPECT_GE(count, 8);
+  oc.library_dir("\xff");
+  EXPECT_EQ(oc.scan(), count);
+}
+#endif
+
+TEST_F(MixedScan, CamerasOfAllFamiliesInTurnWithoutClosingInBetween) {
+  std::vector<SimulatedSdk> sdks;
+  for (const char* name : sdkNames) {
+    sdks.push_back(install(name));
+    SimCamera camera = smallCamera();
+    camera.mosaic = std::string(name) == "toupcam" ? 0x42474752 : 0;
+    camera.gainMax = 1000;
+    sdks.back().setCameras({camera});
+  }
+  ASSERT_EQ(oc.scan(), 4);
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 4; ++i) {
+      ASSERT_EQ(oc.open(i, 320, 202, 1, 0, 20000, 150, 5), 1) << sdkNames[i] << ": " << error();
+      for (int other = 0; other < 4; ++other) {
+        const SimInvariants now = sdks[static_cast<std::size_t>(other)].invariants();
+        EXPECT_EQ(now.streamsRunning, other == i ? 1 : 0) << sdkNames[other];
+        EXPECT_EQ(now.devicesOpen, other == i ? 1 : 0) << sdkNames[other];
+      }
+      sdks[static_cast<std::size_t>(i)].advance_clock(100000);
+      EXPECT_EQ(readFrame(), 320 * 202) << sdkNames[i] << ": " << error();
+      EXPECT_EQ(oc.apply(10000, 200, 6), 1) << sdkNames[i] << ": " << error();
+    }
+  }
+  oc.close();
+  for (const SimulatedSdk& sdk : sdks) {
+    expectClean(sdk);
+  }
+}
+
+}  // namespace
+}  // namespace orvane::testing
