@@ -1,8 +1,7 @@
 // ZWO ASI cameras. They are addressed by the SDK's camera id, `vendorIndex`.
-#include <iterator>
-
 #include "api/failure.hpp"
 #include "capture/byte_exchange.hpp"
+#include "vendors/bayer_pattern.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk_text.hpp"
 #include "vendors/vendor_rows.hpp"
@@ -10,12 +9,6 @@
 namespace orvane {
 
 namespace {
-
-std::int32_t bayerOf(const ASI_CAMERA_INFO& sdkInfo) {
-  constexpr BayerCode codes[] = {BayerRggb, BayerBggr, BayerGrbg, BayerGbrg};
-  const auto pattern = static_cast<unsigned>(sdkInfo.BayerPattern);
-  return sdkInfo.IsColorCam != 0 && pattern < std::size(codes) ? codes[pattern] : BayerNone;
-}
 
 // Ours to the SDK's and back: both exchange 1 and 2 and leave every other code alone.
 int exchangeFormatCode(int format) {
@@ -42,7 +35,7 @@ CameraInfo describe(const ASI_CAMERA_INFO& sdkInfo) {
   camera.isCooled = sdkInfo.IsCoolerCam != 0;
   camera.isUsb3Camera = sdkInfo.IsUSB3Camera != 0;
   camera.isUsb3Host = sdkInfo.IsUSB3Host != 0;
-  camera.bayer = bayerOf(sdkInfo);
+  camera.bayer = camera.isColor ? bayerOfPattern(sdkInfo.BayerPattern) : BayerNone;
   camera.bins = boundedList(sdkInfo.SupportedBins, 0);
   camera.formats = boundedList(sdkInfo.SupportedVideoFormat, ASI_IMG_END);
   for (std::int32_t& format : camera.formats) {

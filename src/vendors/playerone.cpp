@@ -1,7 +1,6 @@
 // Player One cameras. They are addressed by the SDK's camera id, `vendorIndex`.
-#include <iterator>
-
 #include "api/failure.hpp"
+#include "vendors/bayer_pattern.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 #include "vendors/sdk_text.hpp"
 #include "vendors/vendor_rows.hpp"
@@ -9,12 +8,6 @@
 namespace orvane {
 
 namespace {
-
-std::int32_t bayerOf(const POACameraProperties& properties) {
-  constexpr BayerCode codes[] = {BayerRggb, BayerBggr, BayerGrbg, BayerGbrg};
-  const auto pattern = static_cast<unsigned>(properties.bayerPattern);
-  return properties.isColorCamera != 0 && pattern < std::size(codes) ? codes[pattern] : BayerNone;
-}
 
 CameraInfo describe(const POACameraProperties& properties) {
   CameraInfo camera;
@@ -30,7 +23,7 @@ CameraInfo describe(const POACameraProperties& properties) {
   // The SDK knows the speed of the connection and nothing of camera and port apart.
   camera.isUsb3Camera = properties.isUSB3Speed != 0;
   camera.isUsb3Host = camera.isUsb3Camera;
-  camera.bayer = bayerOf(properties);
+  camera.bayer = camera.isColor ? bayerOfPattern(properties.bayerPattern) : BayerNone;
   camera.bins = boundedList(properties.bins, 0);
   camera.formats = boundedList(properties.imgFormats, POA_END);  // the SDK's numbers are ours
   return camera;

@@ -110,7 +110,7 @@ void scanToupTekCameras() {
       continue;
     }
     CameraInfo camera = describe(device);
-    const HToupcam handle = openDevice(device);
+    void* const handle = openDevice(device);
     if (handle == nullptr) {
       continue;
     }
@@ -132,7 +132,7 @@ void open(ActiveCamera& camera) {
 }
 
 void configure(ActiveCamera& camera, std::int32_t /*bin*/) {
-  const HToupcam handle = camera.handle;
+  void* const handle = camera.handle;
   Toupcam_put_Option.checkAs("ToupTek RAW", handle, TOUPCAM_OPTION_RAW, 1);
   Toupcam_put_Option.checkAs("ToupTek depth", handle, TOUPCAM_OPTION_BITDEPTH,
                              camera.format == Raw16 ? 1 : 0);
@@ -163,7 +163,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t /*timeout
 }
 
 void apply(const ActiveCamera& camera, CameraSettings settings) {
-  const HToupcam handle = camera.handle;
+  void* const handle = camera.handle;
   Toupcam_put_AutoExpoEnable.checkAs("ToupTek manual exposure", handle, 0);
   Toupcam_put_ExpoTime.checkAs("ToupTek exposure", handle,
                                static_cast<unsigned>(settings.exposureUs));

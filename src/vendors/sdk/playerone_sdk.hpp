@@ -74,7 +74,6 @@ struct POAConfigAttributes {
 };
 
 static_assert(sizeof(POAConfigValue) == 8 && alignof(POAConfigValue) == 8);
-static_assert(offsetof(POAConfigValue, intValue) == 0 && offsetof(POAConfigValue, floatValue) == 0);
 static_assert(sizeof(POACameraProperties) == 992 && alignof(POACameraProperties) == 8);
 static_assert(offsetof(POACameraProperties, cameraModelName) == 0);
 static_assert(offsetof(POACameraProperties, cameraID) == 272);
