@@ -1,42 +1,121 @@
-// Exchanging the first and third byte of pixels.
+// Exchanging the first and third byte of pixels, in every way that this processor has.
 #include "capture/byte_exchange.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <numeric>
 #include <vector>
 
-using orvane::exchangeRedAndBlue;
+#include "support/guarded_memory.hpp"
 
-TEST(ByteExchange, FirstAndThirdByteOfEveryPixelChangePlaces) {
+namespace orvane {
+namespace {
+
+// The rule, word for word.
+void exchangeByTheRule(std::uint8_t* pixels, std::size_t byteCount) {
+  for (std::size_t i = 0; i < byteCount; i += 3) {
+    std::swap(pixels[i], pixels[i + 2]);
+  }
+}
+
+// Bytes that tell their neighbours and their distant relatives apart.
+std::vector<std::uint8_t> testBytes(std::size_t size) {
+  std::vector<std::uint8_t> bytes(size);
+  for (std::size_t i = 0; i < size; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 251);
+  }
+  return bytes;
+}
+
+constexpr std::size_t wholeGroups(std::size_t byteCount) {
+  return (byteCount + 2) / 3 * 3;
+}
+
+class ByteExchangeWays : public ::testing::TestWithParam<ByteExchange> {
+ protected:
+  void SetUp() override {
+    if (!isSupported(GetParam())) {
+      GTEST_SKIP() << "not supported by this processor";
+    }
+  }
+
+  void check(std::size_t start, std::size_t length) {
+    constexpr std::size_t margin = 40;
+    std::vector<std::uint8_t> actual = testBytes(start + wholeGroups(length) + margin);
+    std::vector<std::uint8_t> expected = actual;
+    exchangeByTheRule(expected.data() + start, length);
+    exchangeRedAndBlue(GetParam(), actual.data() + start, length);
+    ASSERT_EQ(actual, expected) << "start " << start << ", length " << length;
+  }
+};
+
+TEST_P(ByteExchangeWays, EveryLengthFromManyStartsLeavesItsNeighboursAlone) {
+  for (std::size_t start = 0; start < 64; ++start) {
+    for (std::size_t length = 0; length <= 700; ++length) {
+      check(start, length);
+    }
+  }
+}
+
+TEST_P(ByteExchangeWays, LargeFramesAtAlignedAndOddAddresses) {
+  for (const std::size_t length : {640U * 480 * 3, 1936U * 1096 * 3, 100003U}) {
+    for (const std::size_t start : {0U, 1U, 31U}) {
+      check(start, length);
+    }
+  }
+}
+
+TEST_P(ByteExchangeWays, NothingBehindTheBufferIsTouched) {
+  GuardedMemory memory(4096);
+  for (std::size_t length = 0; length <= 700; ++length) {
+    const std::size_t size = wholeGroups(length);
+    std::uint8_t* const pixels = memory.end() - size;
+    const std::vector<std::uint8_t> original = testBytes(size);
+    std::memcpy(pixels, original.data(), size);
+    exchangeRedAndBlue(GetParam(), pixels, length);
+    std::vector<std::uint8_t> expected = original;
+    exchangeByTheRule(expected.data(), length);
+    ASSERT_EQ(std::vector<std::uint8_t>(pixels, pixels + size), expected) << length;
+  }
+}
+
+TEST_P(ByteExchangeWays, NothingBeforeTheBufferIsTouched) {
+  GuardedMemory memory(4096);
+  for (std::size_t length = 0; length <= 700; ++length) {
+    const std::size_t size = wholeGroups(length);
+    const std::vector<std::uint8_t> original = testBytes(size);
+    std::memcpy(memory.begin(), original.data(), size);
+    exchangeRedAndBlue(GetParam(), memory.begin(), length);
+    std::vector<std::uint8_t> expected = original;
+    exchangeByTheRule(expected.data(), length);
+    ASSERT_EQ(std::vector<std::uint8_t>(memory.begin(), memory.begin() + size), expected) << length;
+  }
+}
+
+std::string nameOf(const ::testing::TestParamInfo<ByteExchange>& instance) {
+  const char* const names[] = {"Scalar", "Ssse3", "Avx2"};
+  return names[static_cast<int>(instance.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ByteExchangeWays,
+                         ::testing::Values(ByteExchange::Scalar, ByteExchange::Ssse3,
+                                           ByteExchange::Avx2),
+                         nameOf);
+
+TEST(ByteExchangeChoice, IsSupportedAndUsed) {
+  EXPECT_TRUE(isSupported(fastestByteExchange()));
+  EXPECT_TRUE(isSupported(ByteExchange::Scalar));
   std::vector<std::uint8_t> pixels{1, 2, 3, 4, 5, 6};
   exchangeRedAndBlue(pixels.data(), pixels.size());
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4}));
 }
 
-TEST(ByteExchange, NothingIsTouchedForALengthOfZero) {
-  std::vector<std::uint8_t> pixels{1, 2, 3};
-  exchangeRedAndBlue(pixels.data(), 0);
-  EXPECT_EQ(pixels, (std::vector<std::uint8_t>{1, 2, 3}));
-}
-
-TEST(ByteExchange, AGroupThatStartsBelowTheLengthIsExchangedWhole) {
+TEST(ByteExchangeChoice, AGroupThatStartsBelowTheLengthIsExchangedWhole) {
   std::vector<std::uint8_t> pixels{1, 2, 3, 4, 5, 6, 7, 8, 9};
   exchangeRedAndBlue(pixels.data(), 4);
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4, 7, 8, 9}));
 }
 
-TEST(ByteExchange, EveryLengthAndStartLeavesItsNeighboursAlone) {
-  for (std::size_t start = 0; start < 40; ++start) {
-    for (std::size_t length = 0; length <= 300; length += 3) {
-      std::vector<std::uint8_t> actual(start + length + 40);
-      std::iota(actual.begin(), actual.end(), std::uint8_t{7});
-      std::vector<std::uint8_t> expected = actual;
-      for (std::size_t i = start; i < start + length; i += 3) {
-        std::swap(expected[i], expected[i + 2]);
-      }
-      exchangeRedAndBlue(actual.data() + start, length);
-      ASSERT_EQ(actual, expected) << "start " << start << ", length " << length;
-    }
-  }
-}
+}  // namespace
+}  // namespace orvane
