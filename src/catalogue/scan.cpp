@@ -28,7 +28,7 @@ int scanCameras() {
   state.lastError.clear();
   state.loadedLibraries.clear();
 
-  for (const VendorFamily* family : vendorTable()) {
+  for (const VendorFamily* family : vendorTable) {
     VendorLibrary& library = libraryOf(family->vendor);
     loadVendorLibrary(library, family->baseName, state.libraryDir);
     if (library.module == nullptr) {

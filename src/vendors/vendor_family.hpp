@@ -2,8 +2,9 @@
 // its own and no lifetime, so a row says everything about it.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "capture/active_camera.hpp"
 
@@ -61,9 +62,12 @@ struct VendorFamily {
 std::int64_t frameSizeOnly(const ActiveCamera& camera);
 
 /// All families, in the order in which they are scanned: the order of Vendor.
-std::span<const VendorFamily* const> vendorTable();
+extern const std::array<const VendorFamily*, vendorCount> vendorTable;
 
 /// The family of a camera. A code that is none of Vendor's counts as the last family.
-const VendorFamily& familyOf(Vendor vendor);
+inline const VendorFamily& familyOf(Vendor vendor) {
+  const auto position = static_cast<std::size_t>(vendor);
+  return *vendorTable[position < vendorCount ? position : vendorCount - 1];
+}
 
 }  // namespace orvane

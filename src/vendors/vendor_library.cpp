@@ -6,14 +6,6 @@
 
 namespace orvane {
 
-namespace {
-
-[[noreturn]] void throwMissingSymbol(const VendorLibrary& library, const char* symbolName) {
-  throw std::runtime_error(library.name + ": missing " + symbolName);
-}
-
-}  // namespace
-
 void loadVendorLibrary(VendorLibrary& library, std::string_view baseName,
                        std::string_view directory) {
   if (library.module != nullptr) {
@@ -23,13 +15,8 @@ void loadVendorLibrary(VendorLibrary& library, std::string_view baseName,
   library.module = platform::loadLibrary(platform::libraryPath(directory, baseName));
 }
 
-platform::FunctionAddress resolveSymbol(const VendorLibrary& library, const char* symbolName) {
-  const platform::FunctionAddress address =
-      library.module != nullptr ? platform::findFunction(library.module, symbolName) : nullptr;
-  if (address == nullptr) {
-    throwMissingSymbol(library, symbolName);
-  }
-  return address;
+void throwMissingSymbol(const VendorLibrary& library, const char* symbolName) {
+  throw std::runtime_error(library.name + ": missing " + symbolName);
 }
 
 void throwVendorResult(std::int64_t code, const char* label) {

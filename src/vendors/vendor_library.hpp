@@ -22,9 +22,21 @@ struct VendorLibrary {
 void loadVendorLibrary(VendorLibrary& library, std::string_view baseName,
                        std::string_view directory);
 
-/// The address of the function of this name, never null. Throws std::runtime_error
-/// "<library>: missing <function>" where the library is not loaded or lacks it.
-platform::FunctionAddress resolveSymbol(const VendorLibrary& library, const char* symbolName);
+/// Throws std::runtime_error "<library>: missing <function>". Apart from the look-up, which stays
+/// on the hot path.
+[[noreturn]] void throwMissingSymbol(const VendorLibrary& library, const char* symbolName);
+
+/// The address of the function of this name, never null: where the library is not loaded or lacks
+/// it, the exception above.
+inline platform::FunctionAddress resolveSymbol(const VendorLibrary& library,
+                                               const char* symbolName) {
+  const platform::FunctionAddress address =
+      library.module != nullptr ? platform::findFunction(library.module, symbolName) : nullptr;
+  if (address == nullptr) {
+    throwMissingSymbol(library, symbolName);
+  }
+  return address;
+}
 
 /// Throws std::runtime_error "<label>: <code>". Apart from the checks, which stay on the hot path.
 [[noreturn]] void throwVendorResult(std::int64_t code, const char* label);

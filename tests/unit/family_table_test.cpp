@@ -9,7 +9,7 @@ namespace {
 TEST(FamilyTable, RowsStandInTheOrderOfScanning) {
   const std::vector<std::string> expected{"ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"};
   std::vector<std::string> names;
-  for (const VendorFamily* family : vendorTable()) {
+  for (const VendorFamily* family : vendorTable) {
     EXPECT_EQ(static_cast<std::size_t>(family->vendor), names.size());
     names.emplace_back(family->baseName);
   }
@@ -26,7 +26,7 @@ TEST(FamilyTable, EveryCodeHasItsRowAndOthersTheLast) {
 }
 
 TEST(FamilyTable, OnlyZwoRegionsHaveSteps) {
-  for (const VendorFamily* family : vendorTable()) {
+  for (const VendorFamily* family : vendorTable) {
     const bool isZwo = family->vendor == Vendor::Asi;
     EXPECT_EQ(family->widthStep, isZwo ? 8 : 1);
     EXPECT_EQ(family->heightStep, isZwo ? 2 : 1);

@@ -1,0 +1,81 @@
+// ZWO's ASICamera2 with functions that return at once: one camera of 64 x 48 pixels.
+#include "simulated_sdk.hpp"
+#include "vendors/sdk/asi_sdk.hpp"
+
+namespace orvane {
+
+extern "C" {
+
+int ASIGetNumOfConnectedCameras() {
+  return 1;
+}
+
+int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int /*index*/) {
+  info->Name[0] = 'i';
+  info->MaxWidth = 64;
+  info->MaxHeight = 48;
+  info->SupportedBins[0] = 1;
+  info->SupportedVideoFormat[1] = ASI_IMG_END;
+  return 0;
+}
+
+int ASIOpenCamera(int /*cameraId*/) {
+  return 0;
+}
+int ASIInitCamera(int /*cameraId*/) {
+  return 0;
+}
+int ASICloseCamera(int /*cameraId*/) {
+  return 0;
+}
+
+int ASIGetNumOfControls(int /*cameraId*/, int* count) {
+  *count = 3;
+  return 0;
+}
+
+int ASIGetControlCaps(int /*cameraId*/, int controlIndex, ASI_CONTROL_CAPS* caps) {
+  caps->ControlType = controlIndex == 2 ? ASI_OFFSET : controlIndex;
+  caps->IsWritable = 1;
+  return 0;
+}
+
+int ASIGetControlValue(int /*cameraId*/, int /*controlType*/, long* value, int* isAuto) {
+  *value = 200;
+  *isAuto = 0;
+  return 0;
+}
+
+int ASISetControlValue(int /*cameraId*/, int /*controlType*/, long /*value*/, int /*isAuto*/) {
+  return 0;
+}
+
+int ASISetROIFormat(int /*cameraId*/, int /*width*/, int /*height*/, int /*bin*/,
+                    int /*imageType*/) {
+  return 0;
+}
+
+int ASIGetROIFormat(int /*cameraId*/, int* width, int* height, int* /*bin*/, int* /*imageType*/) {
+  *width = 64;
+  *height = 48;
+  return 0;
+}
+
+int ASISetStartPos(int /*cameraId*/, int /*x*/, int /*y*/) {
+  return 0;
+}
+int ASIStartVideoCapture(int /*cameraId*/) {
+  return 0;
+}
+int ASIStopVideoCapture(int /*cameraId*/) {
+  return 0;
+}
+
+int ASIGetVideoData(int /*cameraId*/, unsigned char* /*buffer*/, long /*bufferSize*/,
+                    int /*waitMs*/) {
+  return 0;
+}
+
+}  // extern "C"
+
+}  // namespace orvane
