@@ -230,13 +230,13 @@ void showWholeSensor(Camera& camera) {
   const SimCamera& model = camera.model;
   camera.device.bin = 1;
   camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
-  camera.device.region = {0, 0, std::max(model.width, 0) & ~7, std::max(model.height, 0) & ~1};
+  camera.device.region = {0, 0, binnedWidth(model, 1) & ~7, binnedHeight(model, 1) & ~1};
 }
 
 // Whether the camera can show a region of this size after binning.
 bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
-      width > model.width / bin || height > model.height / bin) {
+      width > binnedWidth(model, bin) || height > binnedHeight(model, bin)) {
     return false;
   }
   // The ASI120 models for USB 2 send blocks of 1024 pixels.
@@ -439,8 +439,8 @@ int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType)
     device.bin = bin;
     device.format = imageType;
     // An even start keeps the mosaic's first filter in the frame's first pixel.
-    device.region = {(model.width / bin - width) / 2 & ~1, (model.height / bin - height) / 2 & ~1,
-                     width, height};
+    device.region = {(binnedWidth(model, bin) - width) / 2 & ~1,
+                     (binnedHeight(model, bin) - height) / 2 & ~1, width, height};
     return ASI_SUCCESS;
   });
 }
@@ -462,8 +462,8 @@ int ASISetStartPos(int cameraId, int x, int y) {
   return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Region& region = device.region;
-    if (x < 0 || y < 0 || x > camera.model.width / device.bin - region.width ||
-        y > camera.model.height / device.bin - region.height) {
+    if (x < 0 || y < 0 || x > binnedWidth(camera.model, device.bin) - region.width ||
+        y > binnedHeight(camera.model, device.bin) - region.height) {
       return ASI_ERROR_OUTOF_BOUNDARY;
     }
     region.x = x;

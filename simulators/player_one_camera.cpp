@@ -259,8 +259,8 @@ int roundedHeight(int height) {
 
 void showWholeSensor(Camera& camera, int bin) {
   camera.device.bin = bin;
-  camera.device.region = {0, 0, std::max(camera.model.width / bin, 0) & ~3,
-                          std::max(camera.model.height / bin, 0) & ~1};
+  camera.device.region = {0, 0, binnedWidth(camera.model, bin) & ~3,
+                          binnedHeight(camera.model, bin) & ~1};
 }
 
 bool isExposing(const Camera& camera) {
@@ -457,8 +457,8 @@ int POASetImageStartPos(int cameraId, int x, int y) {
     if (x < 0 || y < 0) {
       return POA_ERROR_INVALID_ARGU;
     }
-    if ((x & ~3) > camera.model.width / device.bin - region.width ||
-        (y & ~1) > camera.model.height / device.bin - region.height) {
+    if ((x & ~3) > binnedWidth(camera.model, device.bin) - region.width ||
+        (y & ~1) > binnedHeight(camera.model, device.bin) - region.height) {
       return POA_ERROR_OUT_OF_LIMIT;
     }
     region.x = x & ~3;
@@ -478,8 +478,8 @@ int POASetImageSize(int cameraId, int width, int height) {
     if (width < 0 || height < 0) {
       return POA_ERROR_INVALID_ARGU;
     }
-    const int mostX = camera.model.width / device.bin - roundedWidth(width);
-    const int mostY = camera.model.height / device.bin - roundedHeight(height);
+    const int mostX = binnedWidth(camera.model, device.bin) - roundedWidth(width);
+    const int mostY = binnedHeight(camera.model, device.bin) - roundedHeight(height);
     if (mostX < 0 || mostY < 0) {
       return POA_ERROR_OUT_OF_LIMIT;
     }

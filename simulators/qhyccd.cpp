@@ -198,13 +198,12 @@ FrameSettings frameSettings(const Camera& camera) {
 // three colours.
 std::uint32_t memoryLength(const SimCamera& model) {
   const double bytes = model.isColor != 0 ? 3 : 2;
-  return wholeNumber<std::uint32_t>(bytes * std::max(model.width, 0) * std::max(model.height, 0));
+  return wholeNumber<std::uint32_t>(bytes * binnedWidth(model, 1) * binnedHeight(model, 1));
 }
 
 void showWholeSensor(Camera& camera, std::int32_t bin) {
   camera.device.bin = bin;
-  camera.device.region = {0, 0, std::max(camera.model.width / bin, 0),
-                          std::max(camera.model.height / bin, 0)};
+  camera.device.region = {0, 0, binnedWidth(camera.model, bin), binnedHeight(camera.model, bin)};
 }
 
 // Writes text and its NUL into a buffer of unknown length; the longest text there is fills the
@@ -491,12 +490,11 @@ std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y
   Call call("SetQHYCCDResolution", Handle{handle}, x, y, width, height);
   return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
     const auto isInside = [](std::uint32_t start, std::uint32_t length, std::int32_t limit) {
-      return length > 0 &&
-             std::uint64_t{start} + length <= static_cast<std::uint64_t>(std::max(limit, 0));
+      return length > 0 && std::int64_t{start} + length <= limit;
     };
     Device& device = camera.device;
-    if (!isInside(x, width, camera.model.width / device.bin) ||
-        !isInside(y, height, camera.model.height / device.bin)) {
+    if (!isInside(x, width, binnedWidth(camera.model, device.bin)) ||
+        !isInside(y, height, binnedHeight(camera.model, device.bin))) {
       return QHYCCD_ERROR;
     }
     device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),

@@ -3,14 +3,14 @@
  *
  * Each simulated SDK (ASICamera2, PlayerOneCamera, qhyccd, toupcam) is a library under its maker's
  * own file name. Besides the maker's functions it exports the functions below, by which a test or
- * the author of a host chooses its cameras, makes calls fail, unplugs a camera, stops the clock, and
- * reads what was called. Every simulated SDK has a state of its own: look these functions up in the
- * library that you mean (GetProcAddress, dlsym).
+ * the author of a host chooses its cameras, makes calls fail, unplugs a camera, stops the clock,
+ * and reads what was called. Every simulated SDK has a state of its own: look these functions up in
+ * the library that you mean (GetProcAddress, dlsym).
  *
  * An untouched simulator shows a few believable cameras, a running clock and no log.
  *
- * The same commands can be given to a program that does not call these functions, in the environment
- * variable ORVANE_SIMULATOR; see sim_command().
+ * The same commands can be given to a program that does not call these functions, in the
+ * environment variable ORVANE_SIMULATOR; see sim_command().
  *
  * Threads: one caller at a time, like the SDK's own functions here.
  */
@@ -38,20 +38,26 @@ extern "C" {
  * the maker's own codes, also when they make no sense; so a test can describe a camera that lies.
  */
 typedef struct SimCamera {
-    char name[256];      /* copied into the maker's field; one that fills the field gets no NUL */
-    char key[256];       /* QHYCCD and ToupTek: the id string; ignored by the others */
+    /* UTF-8, copied into the maker's field; one that fills the field gets no NUL. ToupTek on
+     * Windows: converted to UTF-16; the bytes ED A0 80 to ED BF BF give the lone surrogate that
+     * they would stand for. */
+    char name[256];
+    char key[256];       /* QHYCCD and ToupTek: the id string, likewise; ignored by the others */
     int32_t id;          /* ZWO and Player One: the camera id; ignored by the others */
     int32_t width;       /* sensor, pixels */
     int32_t height;
     double pixelSizeUm;
     int32_t bitDepth;    /* of the converter, 8 to 16 */
     int32_t isColor;
-    int32_t mosaic;      /* the maker's own mosaic code (ToupTek: the four-character code) */
+    int32_t mosaic;      /* the maker's own mosaic code (ToupTek: the four-character code of frames
+                          * as they come unless the upside-down option is changed); a colour camera
+                          * with a code that is none delivers RGGB */
     int32_t isCooled;
     int32_t isUsb3Camera;
     int32_t isUsb3Host;
     int32_t bins[16];    /* in the maker's order, as reported, 0 ends */
-    int32_t formats[8];  /* the maker's format codes, as reported, -1 ends; QHYCCD, ToupTek: unused */
+    int32_t formats[8];  /* the maker's format codes, as reported, -1 ends; QHYCCD and ToupTek:
+                          * unused */
     double gainMin, gainMax;
     double exposureMinUs, exposureMaxUs;
     double offsetMin, offsetMax;  /* no offset control when the maximum is below the minimum */
@@ -63,14 +69,17 @@ typedef struct SimCamera {
 typedef struct SimInvariants {
     int32_t devicesOpen;        /* now */
     int32_t streamsRunning;     /* now */
-    int32_t callsOnClosed;      /* calls on a device or handle that was not open, closing aside */
-    int32_t stopsWithoutStart;
+    int32_t callsOnClosed;      /* calls on an id or handle that was not open, closing aside */
+    int32_t stopsWithoutStart;  /* stops of an open device whose stream was not running */
     int32_t shortBuffers;       /* frame calls whose buffer was too small; nothing was written */
-    int32_t writesPastBuffer;   /* frame calls for which the simulator wrote past the stated length */
+    int32_t writesPastBuffer;   /* frame calls for which the simulator wrote past the stated length:
+                                 * QHYCCD, when a frame is larger than GetQHYCCDMemLength last said;
+                                 * 0 for the others, which never write past a length */
 } SimInvariants;
 
 /* Everything as it is when the library has just been loaded: default cameras, running clock, no
- * faults, no log, seed 1. Open devices are forgotten. */
+ * faults, no log, seed 1. Open devices are forgotten. Commands in the environment variable are not
+ * carried out again. */
 ORVANE_SIMULATOR_API void sim_reset(void);
 
 /* The cameras that the SDK reports from now on, in this order; at most 256. Open devices are
@@ -80,20 +89,24 @@ ORVANE_SIMULATOR_API int32_t sim_set_cameras(const SimCamera* cameras, int32_t c
 /* Reads camera `index` of the present list; returns 1, or 0 when there is none. */
 ORVANE_SIMULATOR_API int32_t sim_get_camera(int32_t index, SimCamera* camera);
 
-/* Plugs camera `index` out (0) or in again (1). An unplugged camera disappears from the enumeration,
- * and its open device answers as the maker's does. */
+/* Plugs camera `index` out (0) or in again (1). An unplugged camera disappears from the
+ * enumeration, and its open device answers as the maker's does; plugged in again, the camera must
+ * be closed and opened before it works. */
 ORVANE_SIMULATOR_API void sim_set_plugged(int32_t index, int32_t plugged);
 
 /* Forces the result of the calls of a maker's function: call number `nth` from now (1 is the next
  * one), and `times` calls from there on (-1: all). A forced call does nothing else: it writes no
- * output and changes no state. `result` is the returned number; for a function that returns a handle
- * 0 is a null handle. Several may be in force; the first that fits counts. */
+ * output and changes no state. `result` is the returned number; for a function that returns a
+ * handle 0 is a null handle. Several may be in force; the first that fits counts. */
 ORVANE_SIMULATOR_API void sim_force_result(const char* function, int32_t nth, int32_t times,
                                            int64_t result);
 
 /* Forces one output of a call that is otherwise carried out: `output` is the parameter's name, or
- * for structures the field's, or "result" for the returned number itself. Integers are cut to the
- * output's width. `nth` and `times` as above. */
+ * for structures the field's, or "result" for the returned number itself, as they stand in the
+ * declarations in src/vendors/sdk/. Integers are cut to the output's width. `nth` and `times` as
+ * above. Text and lists in structures are not forced; SimCamera sets them. Toupcam_EnumV2 has the
+ * outputs "flag", "xpixsz", "ypixsz", "width" and "height", for all entries alike, and "model",
+ * which makes the model pointer of entry number `value` null. */
 ORVANE_SIMULATOR_API void sim_force_output(const char* function, const char* output, int32_t nth,
                                            int32_t times, double value);
 
@@ -123,9 +136,15 @@ ORVANE_SIMULATOR_API void sim_log_enable(int32_t enabled);
  * stand after "-> " behind the inputs, for example
  *     ASIOpenCamera(0) = 0
  *     ASIGetROIFormat(0 -> 640, 480, 1, 0) = 0
- * A call that sim_force_result() answered has no outputs. Pointers to buffers are written as
- * "buffer" or "null", handles as "h1", "h2", ... in the order of their opening, structures as the
- * fields that matter. Valid until the next call into this library. */
+ * A call that sim_force_result() answered has no outputs, a function without a result no
+ * "= result". Text stands in quotation marks; pointers to buffers are written as "buffer" or
+ * "null", handles as "h1", "h2", ... in the order of their opening, or "h?" when they are none,
+ * structures as the fields that matter:
+ *     ASIGetCameraProperty(0 -> "ZWO ASI120MC-S" id 0) = 0
+ *     ASIGetControlCaps(0, 2 -> type 5 [0, 20] writable 1) = 0
+ *     POAGetConfigAttributesByConfigID(0, 1 -> [0, 600] writable 1) = 0
+ *     Toupcam_EnumV2(buffer -> "G3CMOS06300KPA", "GPCMOS01200KPF") = 2
+ * Valid until the next call into this library. */
 ORVANE_SIMULATOR_API const char* sim_log(void);
 
 /* Empties the log. */
@@ -135,16 +154,18 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
 /* Carries out commands given as text, separated by ";" or line ends:
- *     sdk NAME                    what follows concerns only the SDK of this base name ("sdk *": all)
+ *     sdk NAME                    what follows concerns only the SDK of this base name (*: all)
  *     clock stopped | running
  *     seed N
- *     log FILE                    switches the log on and appends every line to FILE at once
+ *     log FILE                    switches the log on and also appends every line to FILE at once
  *     force FUNCTION NTH TIMES RESULT
  *     output FUNCTION OUTPUT NTH TIMES VALUE
- *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION (NTH 0: now)
+ *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
+ *                                 (NTH 0: now)
  *     plug INDEX
  * Returns 1, or 0 when a command was not understood (it and those after it are not carried out).
- * The environment variable ORVANE_SIMULATOR is carried out in this way when the SDK is loaded. */
+ * The environment variable ORVANE_SIMULATOR is carried out in this way when the SDK is loaded; a
+ * command in it that is not understood is reported on the standard error output. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus

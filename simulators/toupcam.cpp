@@ -17,6 +17,7 @@
 #include "stage/call.hpp"
 #include "stage/camera_model.hpp"
 #include "stage/stage.hpp"
+#include "toupcam_text.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
 namespace orvane {
@@ -49,6 +50,7 @@ enum : unsigned long long {
   TOUPCAM_FLAG_FAN = 0x10000,
   TOUPCAM_FLAG_TEC_ONOFF = 0x20000,
   TOUPCAM_FLAG_BLACKLEVEL = 0x400000,
+  TOUPCAM_FLAG_DDR = 0x2000000,
 };
 
 using Hresult = std::int32_t;
@@ -175,78 +177,12 @@ constexpr std::array believableCameras{
               .isBusy = 0},
 };
 
-// Text of the maker's kind: UTF-16 on Windows, UTF-8 on Linux.
-using Text = std::basic_string<ToupcamChar>;
-
-#ifdef _WIN32
-// Also takes the three bytes that a lone surrogate would have, so that a test can have a name that
-// is no valid text. Other invalid bytes become replacement characters.
-Text nativeText(std::string_view utf8) {
-  constexpr std::uint32_t replacement = 0xFFFD;
-  Text text;
-  for (std::size_t i = 0; i < utf8.size();) {
-    const auto byteAt = [&](std::size_t at) -> std::uint32_t {
-      return at < utf8.size() ? static_cast<unsigned char>(utf8[at]) : 0;
-    };
-    const std::uint32_t lead = byteAt(i);
-    const std::size_t length = lead < 0x80   ? 1
-                               : lead < 0xC0 ? 0
-                               : lead < 0xE0 ? 2
-                               : lead < 0xF0 ? 3
-                                             : 4;
-    std::uint32_t code = length < 2 ? lead : lead & (0x7FU >> length);
-    bool isValid = length > 0;
-    for (std::size_t k = 1; k < length; ++k) {
-      isValid = isValid && (byteAt(i + k) & 0xC0U) == 0x80;
-      code = code << 6U | (byteAt(i + k) & 0x3FU);
-    }
-    code = isValid ? code : replacement;
-    i += isValid ? length : 1;
-    if (code < 0x10000) {
-      text += static_cast<ToupcamChar>(code);
-    } else {
-      text += static_cast<ToupcamChar>(0xD800 + ((code - 0x10000) >> 10U));
-      text += static_cast<ToupcamChar>(0xDC00 + ((code - 0x10000) & 0x3FFU));
-    }
-  }
-  return text;
-}
-#else
-Text nativeText(std::string_view utf8) {
-  return Text(utf8);
-}
-#endif
-
-// Copies text into a field of a device entry; text that fills the field gets no NUL.
-constexpr std::size_t fieldLength = 64;
-using TextField = ToupcamChar[fieldLength];
-
-void setText(TextField& field, const Text& text) {
-  const std::size_t length = std::min(text.size(), fieldLength);
-  std::fill(std::copy_n(text.begin(), length, field), field + fieldLength, ToupcamChar{});
-}
-
-// The text in a field that a user hands back.
-Text textIn(const ToupcamChar* field) {
-  return {field, std::find(field, field + fieldLength, ToupcamChar{})};
-}
-
-// For the log.
-std::string narrowText(const Text& text) {
-  std::string narrow;
-  for (const ToupcamChar unit : text) {
-    const bool isPlain = unit >= 0x20 && unit < 0x7F;
-    narrow += isPlain ? static_cast<char>(unit) : '?';
-  }
-  return narrow;
-}
-
-Text idOf(const SimCamera& model) {
-  return nativeText(textOf(model.key)).substr(0, fieldLength);
+ToupcamText idOf(const SimCamera& model) {
+  return nativeText(textOf(model.key)).substr(0, textFieldLength);
 }
 
 unsigned long long flagsOf(const SimCamera& model) {
-  unsigned long long flags = TOUPCAM_FLAG_CMOS | TOUPCAM_FLAG_ROI_HARDWARE | TOUPCAM_FLAG_ST4;
+  unsigned long long flags = TOUPCAM_FLAG_CMOS | TOUPCAM_FLAG_ROI_HARDWARE;
   const auto add = [&flags](bool isSo, unsigned long long more) { flags |= isSo ? more : 0; };
   const bool isCooled = model.isCooled != 0;
   const bool isUsb3 = model.isUsb3Camera != 0;
@@ -254,7 +190,8 @@ unsigned long long flagsOf(const SimCamera& model) {
   add(isUsb3, TOUPCAM_FLAG_USB30);
   add(isUsb3 && model.isUsb3Host == 0, TOUPCAM_FLAG_USB30_OVER_USB20);
   add(isCooled, TOUPCAM_FLAG_TEC);
-  add(isCooled, TOUPCAM_FLAG_TEC_ONOFF | TOUPCAM_FLAG_FAN);
+  add(isCooled, TOUPCAM_FLAG_TEC_ONOFF | TOUPCAM_FLAG_FAN | TOUPCAM_FLAG_DDR);
+  add(!isCooled, TOUPCAM_FLAG_ST4);
   add(model.hasTemperature != 0, TOUPCAM_FLAG_GETTEMPERATURE);
   add(hasOffset(model), TOUPCAM_FLAG_BLACKLEVEL);
   add(model.bitDepth == 10, TOUPCAM_FLAG_RAW10);
@@ -265,11 +202,11 @@ unsigned long long flagsOf(const SimCamera& model) {
 }
 
 struct ModelEntry {
-  Text name;
+  ToupcamText name;
   ToupcamModelV2 model;
 };
 
-bool isSame(const ModelEntry& entry, const Text& name, const ToupcamModelV2& model) {
+bool isSame(const ModelEntry& entry, const ToupcamText& name, const ToupcamModelV2& model) {
   return entry.name == name && entry.model.flag == model.flag &&
          entry.model.xpixsz == model.xpixsz && entry.model.ypixsz == model.ypixsz &&
          entry.model.res[0].width == model.res[0].width &&
@@ -278,7 +215,7 @@ bool isSame(const ModelEntry& entry, const Text& name, const ToupcamModelV2& mod
 
 // The maker's model data. It stays valid while the library is loaded, even when the simulated
 // cameras are changed, so nothing is ever taken out.
-const ToupcamModelV2* lastingModel(const Text& name, const ToupcamModelV2& model) {
+const ToupcamModelV2* lastingModel(const ToupcamText& name, const ToupcamModelV2& model) {
   static std::deque<ModelEntry> models;
   const auto known = std::find_if(models.begin(), models.end(), [&](const ModelEntry& entry) {
     return isSame(entry, name, model);
@@ -292,7 +229,7 @@ const ToupcamModelV2* lastingModel(const Text& name, const ToupcamModelV2& model
 }
 
 void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
-  const Text name = nativeText(textOf(camera.name));
+  const ToupcamText name = nativeText(textOf(camera.name));
   ToupcamModelV2 model{};
   call.set("flag", model.flag, flagsOf(camera));
   model.maxspeed = 2;
@@ -404,7 +341,7 @@ FrameSettings frameSettings(const Camera& camera) {
 }
 
 void showWholeSensor(Camera& camera) {
-  camera.device.region = {0, 0, std::max(camera.model.width, 0), std::max(camera.model.height, 0)};
+  camera.device.region = {0, 0, binnedWidth(camera.model, 1), binnedHeight(camera.model, 1)};
 }
 
 // Carries out a call that needs an open camera.
@@ -497,8 +434,8 @@ unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
 }
 
 HToupcam Toupcam_Open(const ToupcamChar* id) {
-  const Text wanted = id == nullptr ? Text() : textIn(id);
-  const std::string wantedName = narrowText(wanted);
+  const ToupcamText wanted = id == nullptr ? ToupcamText() : textIn(id);
+  const std::string wantedName = plainText(wanted);
   Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
   return call.carryOut([&]() -> HToupcam {
     stage().enumerate();

@@ -39,6 +39,14 @@ inline bool hasBin(const SimCamera& model, std::int32_t bin) {
   return bin > 0 && contains(model.bins, 0, bin);
 }
 
+// The sensor's size in pixels after binning; `bin` is above 0.
+inline std::int32_t binnedWidth(const SimCamera& model, std::int32_t bin) {
+  return std::max(model.width, 0) / bin;
+}
+inline std::int32_t binnedHeight(const SimCamera& model, std::int32_t bin) {
+  return std::max(model.height, 0) / bin;
+}
+
 inline bool hasOffset(const SimCamera& model) {
   return model.offsetMax >= model.offsetMin;
 }

@@ -146,7 +146,7 @@ Carry carryOf(std::string_view verb) {
 bool carryOutEnvironment() {
   // Runs while the library is being loaded, before anybody can be changing the environment.
   const char* commands = std::getenv("ORVANE_SIMULATOR");  // NOLINT(concurrency-mt-unsafe)
-  const bool isUnderstood = commands == nullptr || carryOut(commands);
+  const bool isUnderstood = commands == nullptr || carryOutCommands(commands);
   if (!isUnderstood) {
     static_cast<void>(std::fprintf(stderr, "%s: a command in ORVANE_SIMULATOR was not understood\n",
                                    maker.sdkName));
@@ -158,7 +158,7 @@ const bool environmentIsUnderstood = carryOutEnvironment();
 
 }  // namespace
 
-bool carryOut(std::string_view commands) {
+bool carryOutCommands(std::string_view commands) {
   bool isMeant = true;
   while (!commands.empty()) {
     std::string_view arguments = trimmed(cutOff(commands, ";\n"));

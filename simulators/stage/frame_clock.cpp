@@ -6,11 +6,12 @@
 namespace orvane::sim {
 namespace {
 
-// Far enough for every test, and near enough that adding a frame's time cannot overflow.
+// The clock goes no further. A frame that would be complete later never is.
 constexpr std::int64_t lastMoment = std::int64_t{1} << 61;
+constexpr std::int64_t never = lastMoment + 1;
 
-std::int64_t sum(std::int64_t moment, std::int64_t duration) {
-  return duration < lastMoment - moment ? moment + duration : lastMoment;
+std::int64_t later(std::int64_t moment, std::int64_t duration, std::int64_t limit) {
+  return duration < limit - moment ? moment + duration : limit;
 }
 
 }  // namespace
@@ -21,7 +22,7 @@ std::int64_t Clock::now() const {
   }
   const auto elapsed =
       std::chrono::duration_cast<std::chrono::microseconds>(Steady::now() - start_).count();
-  return sum(shift_, elapsed);
+  return later(shift_, elapsed, lastMoment);
 }
 
 void Clock::stop(bool stopped) {
@@ -38,12 +39,12 @@ void Clock::stop(bool stopped) {
 
 void Clock::advance(std::int64_t microseconds) {
   std::int64_t& moment = isStopped_ ? stoppedAt_ : shift_;
-  moment = sum(moment, std::max<std::int64_t>(microseconds, 0));
+  moment = later(moment, std::max<std::int64_t>(microseconds, 0), lastMoment);
 }
 
 void Clock::waitUntil(std::int64_t moment) {
   if (isStopped_) {
-    stoppedAt_ = std::max(stoppedAt_, moment);
+    stoppedAt_ = std::clamp(moment, stoppedAt_, lastMoment);
     return;
   }
   for (std::int64_t left = moment - now(); left > 0; left = moment - now()) {
@@ -78,7 +79,7 @@ void FrameStream::restartFrame(std::int64_t now, const FrameSettings& settings) 
     queued_ = 0;
     settings_ = settings;
     exposing_.settings = settings;
-    completion_ = sum(now, framePeriodUs(settings));
+    completion_ = later(now, framePeriodUs(settings), never);
     isExposing_ = true;
   }
 }
@@ -98,7 +99,7 @@ void FrameStream::take(std::int64_t now) {
   --queued_;
   if (!isExposing_ && !isSingleFrame_) {
     exposing_.settings = settings_;
-    completion_ = sum(now, framePeriodUs(settings_));
+    completion_ = later(now, framePeriodUs(settings_), never);
     isExposing_ = true;
   }
 }
@@ -122,7 +123,7 @@ void FrameStream::completeFrame() {
   queue_.at(queued_++) = exposing_;
   ++exposing_.number;
   exposing_.settings = settings_;
-  completion_ = sum(completion_, framePeriodUs(settings_));
+  completion_ = later(completion_, framePeriodUs(settings_), never);
   isExposing_ = !isSingleFrame_ && !(rule_.whenFull == WhenFull::Pause && queued_ == rule_.length);
 }
 

@@ -17,6 +17,7 @@ static_assert(std::endian::native == std::endian::little, "samples are stored lo
 // With the usual exposure and the middle of the gain range, the planet's brightest part fills half
 // of the sensor's range.
 constexpr double usualExposureUs = 20'000;
+constexpr double longestExposureUs = 1e15;
 constexpr double planetPart = 0.5;
 constexpr double electronsAtFullScale = 6000;
 constexpr float readNoise = 3;  // electrons
@@ -96,12 +97,12 @@ void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t sampl
   for (std::int32_t span = region.x / hotPixelSpan;
        span <= (region.x + region.width) / hotPixelSpan; ++span) {
     const std::uint64_t bits = mix(rowKey + static_cast<std::uint64_t>(span));
-    const auto place = static_cast<std::int32_t>(bits % hotPixelSpan);
-    const std::int32_t x = span * hotPixelSpan + place - region.x;
+    const auto place = static_cast<std::int64_t>(bits % hotPixelSpan);
+    const std::int64_t x = std::int64_t{span} * hotPixelSpan + place - region.x;
     if (bits / hotPixelSpan % spansPerHotPixel == 0 && x >= 0 && x < region.width) {
       const float hot = 0.1F + 0.6F * static_cast<float>(unitInterval(mix(bits)));
       for (std::int32_t sample = 0; sample < samples; ++sample) {
-        light[std::ptrdiff_t{x} * samples + sample] += hot;
+        light[x * samples + sample] += hot;
       }
     }
   }
@@ -130,8 +131,8 @@ Conversion conversionOf(const FrameSettings& settings) {
   const std::int32_t width = bytesPerPixel(settings.layout) == 2 ? 16 : 8;
   const bool isRight = width == 16 && settings.alignment == Alignment::Right;
   Conversion conversion{};
-  conversion.electrons =
-      static_cast<float>(planetPart * electronsAtFullScale * settings.exposureUs / usualExposureUs);
+  const double exposure = std::min(settings.exposureUs, longestExposureUs) / usualExposureUs;
+  conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure);
   conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
   conversion.counts = static_cast<float>(counts);
   conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
@@ -187,7 +188,6 @@ Mosaic mosaicOfBayerNumber(std::int32_t number) {
 std::int32_t bytesPerPixel(Layout layout) {
   switch (layout) {
     case Layout::Raw16:
-    case Layout::Luma16:
       return 2;
     case Layout::Bgr24:
     case Layout::Rgb24:
@@ -204,11 +204,10 @@ std::int64_t frameBytes(const FrameSettings& settings) {
 
 std::int64_t framePeriodUs(const FrameSettings& settings) {
   constexpr double shortest = 1000;
-  constexpr double longest = 1e15;
   const double bytesPerUs = settings.isUsb3 ? usb3BytesPerUs : usb2BytesPerUs;
   const double transfer = static_cast<double>(frameBytes(settings)) / bytesPerUs;
   return static_cast<std::int64_t>(
-      std::min(std::max({shortest, transfer, settings.exposureUs}), longest));
+      std::min(std::max({shortest, transfer, settings.exposureUs}), longestExposureUs));
 }
 
 void Renderer::forget() {
@@ -269,8 +268,7 @@ void Renderer::lightRow(std::int32_t row, float* light) {
         light[3 * x + color] = from[x] * lens[x];
       }
     }
-  } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8 ||
-             key_.layout == Layout::Luma16) {
+  } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8) {
     for (std::size_t x = 0; x < width; ++x) {
       light[x] =
           (redPart * plane(0)[x] + greenPart * plane(1)[x] + bluePart * plane(2)[x]) * lens[x];

@@ -16,12 +16,11 @@ enum class Mosaic { None, Rggb, Bggr, Grbg, Gbrg };
 Mosaic mosaicOfBayerNumber(std::int32_t number);
 
 enum class Layout {
-  Raw8,    // one byte a pixel, the mosaic as it is
-  Raw16,   // two bytes a pixel, low byte first, the mosaic as it is
-  Luma8,   // one byte a pixel, the brightness of all colours
-  Luma16,  // the same in two bytes
-  Bgr24,   // three bytes a pixel: blue, green, red
-  Rgb24,   // three bytes a pixel: red, green, blue
+  Raw8,   // one byte a pixel, the mosaic as it is
+  Raw16,  // two bytes a pixel, low byte first, the mosaic as it is
+  Luma8,  // one byte a pixel, the brightness of all colours
+  Bgr24,  // three bytes a pixel: blue, green, red
+  Rgb24,  // three bytes a pixel: red, green, blue
 };
 
 // Where a sample of fewer than 16 bits stands in its two bytes.

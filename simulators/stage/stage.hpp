@@ -98,7 +98,6 @@ class Stage {
 
   // The cameras that there are. Setting them forgets open devices and what was enumerated.
   void setCameras(std::span<const SimCamera> models);
-  std::size_t cameraCount() const { return cameras_.size(); }
   Camera* camera(std::int64_t index);  // null when there is none
   void setPlugged(std::int64_t index, bool plugged);
   void setSeed(std::uint64_t seed) { seed_ = seed; }
@@ -174,6 +173,6 @@ class Stage {
 Stage& stage();
 
 // sim_command().
-bool carryOut(std::string_view commands);
+bool carryOutCommands(std::string_view commands);
 
 }  // namespace orvane::sim

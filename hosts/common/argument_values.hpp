@@ -1,0 +1,24 @@
+// Reads the numbers and durations that a user types.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orvane::host {
+
+/// A whole number from `smallest` to `largest`. Throws UsageError with a sentence that names the
+/// option.
+int parseWholeNumber(const std::string& option, const std::string& text, int smallest, int largest);
+
+/// A number of seconds above 0, such as "90" or "1.5", in microseconds. Throws UsageError.
+std::int64_t parseSeconds(const std::string& option, const std::string& text);
+
+/// A duration with its unit, such as "500us", "20ms" or "1.5s", in whole microseconds, 1 or more; a
+/// space may stand before the unit. A number alone is refused, since programs differ in the unit
+/// that they mean by it. Throws UsageError.
+std::int64_t parseDuration(const std::string& option, const std::string& text);
+
+/// Such a duration as text, in the unit that suits it.
+std::string durationText(std::int64_t microseconds);
+
+}  // namespace orvane::host

@@ -1,0 +1,17 @@
+// A picture of a frame for a person to look at.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "common/frame_layout.hpp"
+#include "common/image.hpp"
+
+namespace orvane::host {
+
+/// The frame in colour if it has any, brightened so that something can be seen, and with no side
+/// longer than `longestSide`. `frame` holds frameBytes(layout) bytes.
+ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                      int longestSide = 2400);
+
+}  // namespace orvane::host

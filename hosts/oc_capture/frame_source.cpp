@@ -1,0 +1,61 @@
+// Asks a camera for frames with the patience that its exposure calls for.
+#include "oc_capture/frame_source.hpp"
+
+#include <algorithm>
+#include <string>
+#include <thread>
+
+#include "common/failures.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+constexpr int patience = 5;  // waits
+
+// An SDK that waits by itself gets no more than this at a time, so that Ctrl-C and the progress
+// line need not wait for a long exposure.
+constexpr std::chrono::milliseconds longestCall{1000};
+
+}  // namespace
+
+FrameSource::FrameSource(CameraSession& camera, std::int64_t exposureUs)
+    : camera_(camera),
+      wait_(2 * exposureUs / 1000 + 500),
+      // Short enough to lose no time to speak of, and no shorter, to leave the processor alone.
+      pause_(std::clamp<std::int64_t>(exposureUs / 20000, 1, 5)),
+      nextBuffer_(camera.bufferSize()),
+      lastBuffer_(camera.bufferSize()) {}
+
+std::span<const std::uint8_t> FrameSource::poll() {
+  const Milliseconds timeout = std::min(remainingWait(), longestCall);
+  const auto frame = camera_.read(nextBuffer_, static_cast<int>(timeout.count()));
+  if (frame.empty()) {
+    std::this_thread::sleep_for(pause_);  // not every SDK waits by itself
+    return {};
+  }
+  nextBuffer_.swap(lastBuffer_);
+  lastFrame_ = frame;
+  waitEnd_.reset();
+  silentWaitsInRow_ = 0;
+  return frame;
+}
+
+// Of the wait for the next frame, which starts here when the one before has come or none has.
+FrameSource::Milliseconds FrameSource::remainingWait() {
+  const Clock::time_point now = Clock::now();
+  if (waitEnd_ && now >= *waitEnd_) {
+    ++silentWaits_;
+    if (++silentWaitsInRow_ == patience) {
+      throw CameraError("The camera has sent no frame for " + std::to_string(patience) +
+                        " waits of " + std::to_string(wait_.count()) + " ms.");
+    }
+    waitEnd_.reset();
+  }
+  if (!waitEnd_) {
+    waitEnd_ = now + wait_;
+  }
+  return std::chrono::ceil<Milliseconds>(*waitEnd_ - now);
+}
+
+}  // namespace orvane::host

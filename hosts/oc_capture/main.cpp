@@ -1,0 +1,56 @@
+// oc_capture: lists cameras and records from them, with nothing but the library's public header.
+// Here: the program's start, and how its failures become messages and exit statuses.
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <variant>
+
+#include "common/failures.hpp"
+#include "common/system.hpp"
+#include "oc_capture/command_line.hpp"
+#include "oc_capture/list_command.hpp"
+#include "oc_capture/record_command.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int failed = 1;
+constexpr int wrongArguments = 2;
+
+int carryOut(const Command& command) {
+  if (const auto* list = std::get_if<ListCommand>(&command)) {
+    return listCameras(*list);
+  }
+  if (const auto* recording = std::get_if<RecordCommand>(&command)) {
+    record(*recording);
+  } else {
+    std::cout << std::get<HelpText>(command).text << std::flush;
+  }
+  return done;
+}
+
+int report(const std::exception& error, int status) {
+  std::cerr << "oc_capture: " << error.what() << "\n";
+  return status;
+}
+
+int run(int argc, char** argv) {
+  try {
+    useUtf8Console();
+    return carryOut(parseCommandLine(commandLineArguments(argc, argv)));
+  } catch (const UsageError& error) {
+    return report(error, wrongArguments);
+  } catch (const std::exception& error) {
+    return report(error, failed);
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host
+
+int main(int argc, char** argv) {
+  return orvane::host::run(argc, argv);
+}

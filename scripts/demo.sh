@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the Windows library, its host program and the simulated SDKs, and
+# runs them through Wine: lists the cameras and records from one camera of each maker into
+# demo-output/.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_headers[@]}" \
+  "${test_tools[@]}"
+
+echo "== build"
+configured=$(cmake --preset windows-x64 2>&1) || { echo "$configured"; exit 1; }
+cmake --build --preset windows-x64 --target oc_capture \
+  simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
+
+capture() {
+  cmake/run_with_wine.sh build/windows-x64/bin/oc_capture.exe "$@"
+}
+sdk=build/windows-x64/simulated-sdks
+out=demo-output
+rm -rf "$out"
+mkdir -p "$out"
+
+echo
+echo "== cameras"
+capture list --sdk "$sdk"
+
+# One camera of each maker; every format of the first.
+recordings=(
+  "ASI120MC-S|raw8|zwo-raw8"
+  "ASI120MC-S|raw16|zwo-raw16"
+  "ASI120MC-S|rgb24|zwo-rgb24"
+  "ASI120MC-S|mono8|zwo-mono8"
+  "Mars-C|raw16|player-one-raw16"
+  "QHY5III462C|raw16|qhyccd-raw16"
+  "G3CMOS06300KPA|raw16|touptek-raw16"
+)
+echo
+echo "== recordings"
+table=$(printf '%-16s %-6s %6s %12s %9s %12s  %s' camera format frames size fps bytes file)
+for recording in "${recordings[@]}"; do
+  IFS='|' read -r camera format name <<<"$recording"
+  said=$(capture record --sdk "$sdk" --camera "$camera" --format "$format" --frames 10 \
+    --out "$out/$name.ser")
+  echo "$said"
+  read -r frames width height fps <<<"$(sed -nE \
+    's/.*Recorded ([0-9]+) frames? of ([0-9]+) x ([0-9]+) .*\(([0-9.]+) fps\).*/\1 \2 \3 \4/p' \
+    <<<"$said")"
+  table+=$(printf '\n%-16s %-6s %6s %12s %9s %12s  %s' "$camera" "$format" "$frames" \
+    "$width x $height" "$fps" "$(stat -c %s "$out/$name.ser")" "$out/$name.ser")
+done
+
+echo
+echo "$table"
+echo
+echo "Beside each recording lies a .png of its last frame, brightened: $PWD/$out"

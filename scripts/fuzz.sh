@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the fuzzers with clang and runs both, the library against SDKs that
+# lie for most of the time and the description of a camera for the rest.
+#   fuzz.sh [SECONDS]        60 without an argument
+# What is new goes to build/linux-x64-fuzz/corpus/; an input that breaks a rule is kept beside it as
+# findings/, and the exit status is then 1.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" clang libclang-rt-14-dev nlohmann-json3-dev
+
+seconds=${1:-60}
+build=build/linux-x64-fuzz
+echo "== build"
+configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+  -D CMAKE_C_COMPILER=clang -D CMAKE_CXX_COMPILER=clang++ -D ORVANE_BUILD_FUZZERS=ON \
+  -D ORVANE_BUILD_TESTS=OFF -D ORVANE_BUILD_SIMULATORS=OFF -D ORVANE_BUILD_HOSTS=OFF \
+  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+cmake --build "$build" --target fuzz_lying_sdks fuzz_camera_json
+
+# run NAME SECONDS LARGEST-INPUT
+run() {
+  local name=$1 log="$build/$1.log"
+  mkdir -p "$build/corpus/$name" "$build/findings/$name"
+  echo "== $name: $2 s"
+  "$build/fuzzers/fuzz_$name" -max_total_time="$2" -max_len="$3" -len_control=0 -timeout=30 \
+    -print_final_stats=1 -artifact_prefix="$build/findings/$name/" \
+    "$build/corpus/$name" "fuzz/corpus/$name" >"$log" 2>&1 || failed=1
+  grep -E '^stat::number_of_executed_units|^stat::average_exec|^broken|^SUMMARY' "$log" || true
+  grep -E '^#[0-9]+.*cov:' "$log" | tail -n 1
+  echo "findings: $(find "$build/findings/$name" -type f | wc -l)"
+}
+failed=0
+json=$((seconds / 5 + 1))
+run lying_sdks $((seconds - json > 0 ? seconds - json : 1)) 2048
+run camera_json "$json" 700
+if [ "$failed" -ne 0 ]; then
+  echo "== findings in $build/findings; the whole story stands in $build/*.log"
+  exit 1
+fi
+echo "== no findings"

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the tests for Linux with line numbers and runs the unit and library
+# tests under Valgrind's memcheck, where any error or definite leak is a failure.
+#   valgrind.sh [TEST...]    only these of the test programs
+# There are no suppressions.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
+  "${test_tools[@]}" valgrind
+
+programs=("$@")
+if [ ${#programs[@]} -eq 0 ]; then
+  programs=(unit_tests library_tests loading_tests fuzz_replay_tests)
+fi
+build=build/linux-x64-valgrind
+echo "== build"
+configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+  -D CMAKE_CXX_FLAGS_RELEASE="-O1 -g" -D ORVANE_BUILD_HOSTS=OFF \
+  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+cmake --build "$build" --target orvane_desktop_camera "${programs[@]}"
+
+# A library test changes its process for good, so every case runs in one of its own.
+one_case() {
+  local log="$2/$(basename "$1").$3.log"
+  local name
+  name=$(sed -n "$3p" "$2/$(basename "$1").cases")
+  if ! valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite \
+    --errors-for-leak-kinds=definite --num-callers=30 \
+    "$1" --gtest_filter="$name" >"$log" 2>&1; then
+    echo "FAILED: $name ($log)"
+  fi
+}
+export -f one_case
+logs="$build/valgrind"
+rm -rf "$logs"
+mkdir -p "$logs"
+failures=0
+for program in "${programs[@]}"; do
+  file="$PWD/$build/tests/$program"
+  "$file" --gtest_list_tests | awk '
+    /^[^ ]/ { suite = $1; next }
+    /^ / { print suite $1 }' >"$logs/$program.cases"
+  count=$(wc -l <"$logs/$program.cases")
+  seq "$count" | xargs -P "$(nproc)" -I{} bash -c 'one_case "$@"' _ "$file" "$PWD/$logs" {} \
+    >"$logs/$program.failed"
+  failed=$(wc -l <"$logs/$program.failed")
+  cat "$logs/$program.failed"
+  echo "== $program: $count cases under memcheck, $failed with findings"
+  failures=$((failures + failed))
+done
+exit $((failures > 0))

@@ -1,0 +1,83 @@
+// Which camera a user means.
+#include "common/camera_choice.hpp"
+
+#include <gtest/gtest.h>
+
+#include "common/failures.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+std::vector<CameraDescription> camerasNamed(const std::vector<std::string>& names) {
+  std::vector<CameraDescription> cameras;
+  for (const std::string& name : names) {
+    CameraDescription camera;
+    camera.id = static_cast<int>(cameras.size());
+    camera.name = name;
+    cameras.push_back(camera);
+  }
+  return cameras;
+}
+
+const std::vector<CameraDescription>& someCameras() {
+  static const auto cameras =
+      camerasNamed({"ZWO ASI120MC", "ZWO ASI290MM", "ZWO ASI290MM Mini", "Neptune-C II"});
+  return cameras;
+}
+
+int chosen(const std::string& wish) {
+  return chooseCamera(someCameras(), wish).id;
+}
+
+std::string refusal(const std::vector<CameraDescription>& cameras, const std::string& wish) {
+  try {
+    return "chosen: " + std::to_string(chooseCamera(cameras, wish).id);
+  } catch (const UsageError& error) {
+    return error.what();
+  }
+}
+
+TEST(CameraChoice, ByIndex) {
+  EXPECT_EQ(chosen("0"), 0);
+  EXPECT_EQ(chosen("3"), 3);
+}
+
+TEST(CameraChoice, ByPartOfTheNameInAnyCase) {
+  EXPECT_EQ(chosen("neptune"), 3);
+  EXPECT_EQ(chosen("120"), 0);
+  EXPECT_EQ(chosen("MINI"), 2);
+}
+
+TEST(CameraChoice, PrefersAWholeName) {
+  EXPECT_EQ(chosen("zwo asi290mm"), 1);
+}
+
+TEST(CameraChoice, TakesANumberThatIsNoIndexAsPartOfAName) {
+  EXPECT_EQ(refusal(someCameras(), "290"),
+            "More than one camera fits \"290\": 1 (ZWO ASI290MM), 2 (ZWO ASI290MM Mini); give the "
+            "index or more of the name.");
+  EXPECT_EQ(refusal(camerasNamed({"Model 9"}), "9"), "chosen: 0");
+}
+
+TEST(CameraChoice, TakesTheIndexOfADescriptionThatWasReadThoughOthersWereNot) {
+  auto cameras = someCameras();
+  cameras.erase(cameras.begin());
+  EXPECT_EQ(refusal(cameras, "1"), "chosen: 1");
+}
+
+TEST(CameraChoice, RefusesWhatFitsNothing) {
+  EXPECT_EQ(refusal(camerasNamed({"A", "B"}), "2"),
+            "No camera fits \"2\"; there are 0 (A), 1 (B).");
+  EXPECT_EQ(refusal(someCameras(), ""), "The camera's name must not be empty.");
+}
+
+TEST(CameraChoice, RefusesANameThatTwoCamerasHave) {
+  EXPECT_EQ(refusal(camerasNamed({"Twin", "Twin", "Twin II"}), "twin"),
+            "More than one camera fits \"twin\": 0 (Twin), 1 (Twin); give the index or more of the "
+            "name.");
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,127 @@
+// Colour from mosaics, against values worked out by hand.
+#include "common/debayer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace orvane::host {
+
+namespace {
+
+using Rgb = std::array<int, 3>;
+
+Rgb pixelAt(const Image& image, int x, int y) {
+  const std::size_t at = static_cast<std::size_t>(y * image.width + x) * 3;
+  return {image.samples[at], image.samples[at + 1], image.samples[at + 2]};
+}
+
+// Where a mosaic has its colours, written as its name reads: "RGGB" is red, green / green, blue.
+class EveryMosaic : public ::testing::TestWithParam<Mosaic> {
+ protected:
+  static char colourAt(int x, int y) {
+    return mosaicName(GetParam())[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
+  }
+};
+
+TEST_P(EveryMosaic, AnEvenlyColouredSceneComesBackExactly) {
+  Image mosaic{6, 4, 1, {}};
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 6; ++x) {
+      const char colour = colourAt(x, y);
+      mosaic.samples.push_back(colour == 'R' ? 60000 : colour == 'G' ? 3001 : 17);
+    }
+  }
+  const Image image = debayer(mosaic, GetParam());
+  ASSERT_EQ(image.width, 6);
+  ASSERT_EQ(image.height, 4);
+  ASSERT_EQ(image.channels, 3);
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 6; ++x) {
+      EXPECT_EQ(pixelAt(image, x, y), (Rgb{60000, 3001, 17})) << x << ", " << y;
+    }
+  }
+}
+
+TEST_P(EveryMosaic, EveryPixelKeepsTheColourThatItsSensorSaw) {
+  Image mosaic{5, 3, 1, {}};
+  for (int index = 0; index < 15; ++index) {
+    mosaic.samples.push_back(static_cast<std::uint16_t>(1000 * index));
+  }
+  const Image image = debayer(mosaic, GetParam());
+  for (int y = 0; y < 3; ++y) {
+    for (int x = 0; x < 5; ++x) {
+      const char colour = colourAt(x, y);
+      const std::size_t channel = colour == 'R' ? 0 : colour == 'G' ? 1 : 2;
+      EXPECT_EQ(pixelAt(image, x, y).at(channel), 1000 * (y * 5 + x)) << x << ", " << y;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Debayer, EveryMosaic,
+                         ::testing::Values(Mosaic::Rggb, Mosaic::Grbg, Mosaic::Gbrg, Mosaic::Bggr),
+                         [](const auto& test) { return mosaicName(test.param); });
+
+// The numbers by hand, for one mosaic of 16-bit samples:
+//      1000   200  3000   400
+//        50    70    90   110
+//      5000   600  7000   800
+//       130   150   170   190
+Image handMade() {
+  return {
+      4, 4, 1, {1000, 200, 3000, 400, 50, 70, 90, 110, 5000, 600, 7000, 800, 130, 150, 170, 190}};
+}
+
+TEST(Debayer, MeansOfTheNeighboursWithRedAtTheCorner) {
+  const Image image = debayer(handMade(), Mosaic::Rggb);
+  // Blue pixel: green from its four sides, red from its four corners.
+  EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{4000, (200 + 50 + 90 + 600 + 2) / 4, 70}));
+  // Red pixel.
+  EXPECT_EQ(pixelAt(image, 2, 2), (Rgb{7000, (90 + 600 + 800 + 170 + 2) / 4, 130}));
+  // Green pixel in a row of blue: red from above and below, blue from the sides.
+  EXPECT_EQ(pixelAt(image, 2, 1), (Rgb{5000, 90, 90}));
+  // Green pixel in a row of red.
+  EXPECT_EQ(pixelAt(image, 1, 2), (Rgb{6000, 600, 110}));
+}
+
+TEST(Debayer, MeansOfTheNeighboursWithGreenAtTheCorner) {
+  const Image grbg = debayer(handMade(), Mosaic::Grbg);
+  EXPECT_EQ(pixelAt(grbg, 1, 1), (Rgb{(200 + 600) / 2, 70, (50 + 90) / 2}));
+  EXPECT_EQ(pixelAt(grbg, 1, 2),
+            (Rgb{600, (70 + 5000 + 7000 + 150 + 2) / 4, (50 + 90 + 130 + 170 + 2) / 4}));
+  const Image gbrg = debayer(handMade(), Mosaic::Gbrg);
+  EXPECT_EQ(pixelAt(gbrg, 1, 1), (Rgb{(50 + 90) / 2, 70, (200 + 600) / 2}));
+  EXPECT_EQ(pixelAt(gbrg, 1, 2),
+            (Rgb{(50 + 90 + 130 + 170 + 2) / 4, (70 + 5000 + 7000 + 150 + 2) / 4, 600}));
+}
+
+TEST(Debayer, MeansOfTheNeighboursWithBlueAtTheCorner) {
+  const Image image = debayer(handMade(), Mosaic::Bggr);
+  EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{70, (200 + 50 + 90 + 600 + 2) / 4, 4000}));
+  EXPECT_EQ(pixelAt(image, 2, 2), (Rgb{130, (90 + 600 + 800 + 170 + 2) / 4, 7000}));
+}
+
+TEST(Debayer, TheBorderIsContinuedAsInAMirror) {
+  const Image image = debayer(handMade(), Mosaic::Rggb);
+  // Above row 0 stands row 1 again, left of column 0 column 1, and so on.
+  EXPECT_EQ(pixelAt(image, 0, 0), (Rgb{1000, (2 * 200 + 2 * 50 + 2) / 4, 70}));
+  EXPECT_EQ(pixelAt(image, 3, 3), (Rgb{7000, (2 * 170 + 2 * 800 + 2) / 4, 190}));
+  EXPECT_EQ(pixelAt(image, 3, 0), (Rgb{3000, 400, 110}));
+}
+
+TEST(Debayer, MeansAreRounded) {
+  // Blue pixel in the middle: corners 1, 2, 2, 2 and sides 1, 1, 1, 3.
+  const Image image = debayer({3, 3, 1, {1, 1, 2, 1, 9, 1, 2, 3, 2}}, Mosaic::Rggb);
+  EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{2, 2, 9}));
+}
+
+TEST(Debayer, ImagesTooSmallForAMosaicStayGrey) {
+  EXPECT_EQ(pixelAt(debayer({1, 1, 1, {7}}, Mosaic::Rggb), 0, 0), (Rgb{7, 7, 7}));
+  const Image column = debayer({1, 2, 1, {10, 20}}, Mosaic::Bggr);
+  EXPECT_EQ(pixelAt(column, 0, 0)[2], 10);
+  EXPECT_EQ(pixelAt(column, 0, 1)[1], 20);
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,46 @@
+// What the tests of oc_capture share: the frames that it should have recorded.
+#include "oc_capture_test.hpp"
+
+#include <stdexcept>
+#include <utility>
+
+namespace orvane::testing {
+
+namespace {
+
+constexpr int rgb24 = 2;
+
+}  // namespace
+
+ReferenceCamera::ReferenceCamera(const SdkDirectory& sdks, const std::string& baseName, int width,
+                                 int height, int bin, int format, std::int64_t exposureUs, int gain,
+                                 int offset)
+    : sdk_(sdks.file(baseName)), swapsRedAndBlue_(baseName == "ASICamera2" && format == rgb24) {
+  sdk_.set_seed(5);
+  oc_.library_dir(sdks.utf8().c_str());
+  oc_.scan();
+  if (oc_.open(0, width, height, bin, format, exposureUs, gain, offset) != 1) {
+    throw std::runtime_error(oc_.error());
+  }
+  const std::size_t pixels =
+      static_cast<std::size_t>(oc_.width()) * static_cast<std::size_t>(oc_.height());
+  frameSize_ = pixels * (format == 1 ? 2 : format == rgb24 ? 3 : 1);
+}
+
+ReferenceCamera::~ReferenceCamera() {
+  oc_.close();
+}
+
+Bytes ReferenceCamera::frame(int number) const {
+  Bytes frame(frameSize_);
+  if (sdk_.render_frame(number, frame.data(), static_cast<std::int32_t>(frame.size())) !=
+      static_cast<std::int32_t>(frame.size())) {
+    throw std::runtime_error("the simulator renders a frame of another size");
+  }
+  for (std::size_t pixel = 0; swapsRedAndBlue_ && pixel < frame.size(); pixel += 3) {
+    std::swap(frame[pixel], frame[pixel + 2]);
+  }
+  return frame;
+}
+
+}  // namespace orvane::testing

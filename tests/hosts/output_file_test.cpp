@@ -1,0 +1,69 @@
+// Files that are written at any position.
+#include "common/output_file.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "scratch_directory.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using orvane::testing::contentOf;
+using orvane::testing::ScratchDirectory;
+using Bytes = std::vector<std::uint8_t>;
+
+TEST(OutputFile, IsWrittenAtAnyPosition) {
+  const ScratchDirectory scratch;
+  const auto path = scratch.file("file");
+  OutputFile file(path);
+  file.writeAt(2, Bytes{'c', 'd', 'e'});
+  file.writeAt(0, Bytes{'a', 'b'});
+  file.writeAt(3, Bytes{'D'});
+  file.writeAt(5, Bytes{});
+  EXPECT_EQ(contentOf(path), "abcDe");  // nothing is held back
+  file.truncate(4);
+  file.close();
+  EXPECT_EQ(contentOf(path), "abcD");
+}
+
+TEST(OutputFile, EmptiesAFileThatExists) {
+  const ScratchDirectory scratch;
+  const auto path = scratch.file("file");
+  OutputFile(path).writeAt(0, Bytes{1, 2, 3});
+  OutputFile(path).close();
+  EXPECT_EQ(contentOf(path), "");
+}
+
+TEST(OutputFile, GrowsBeyondFourGibibytes) {
+  constexpr std::int64_t position = (std::int64_t{1} << 32) + 10;
+  const ScratchDirectory scratch;
+  const auto path = scratch.file("large");
+  OutputFile file(path);
+  file.writeAt(0, Bytes{'a'});
+  file.writeAt(position, Bytes{'b'});  // the hole takes no space
+  EXPECT_EQ(std::filesystem::file_size(path), static_cast<std::uintmax_t>(position + 1));
+  file.truncate(position - 1);
+  EXPECT_EQ(std::filesystem::file_size(path), static_cast<std::uintmax_t>(position - 1));
+  file.truncate(1);
+  file.close();
+  EXPECT_EQ(contentOf(path), "a");
+}
+
+TEST(OutputFile, SaysWhichFileItCannotCreateAndWhy) {
+  const ScratchDirectory scratch;
+  try {
+    const OutputFile file(scratch.file("missing/caf\u00e9"));
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    const std::string text = error.what();
+    EXPECT_EQ(text.rfind("Cannot create \"", 0), 0U) << text;
+    EXPECT_NE(text.find("caf\u00e9\": No such file or directory"), std::string::npos) << text;
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host

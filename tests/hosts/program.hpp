@@ -1,0 +1,54 @@
+// Runs a program as a user does: arguments in, exit status and what it wrote out.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::testing {
+
+/// How a program is started.
+struct ProgramStart {
+  std::filesystem::path file;
+  std::vector<std::string> arguments;     ///< UTF-8
+  std::string simulator;                  ///< the simulated SDKs' commands: ORVANE_SIMULATOR
+  std::filesystem::path outputDirectory;  ///< what the program writes is collected in files here
+  std::int64_t largestFile = 0;           ///< Linux: the program may write no larger file; 0: any
+  bool mayBeInterrupted = false;          ///< interrupt() will be called
+};
+
+struct ProgramResult {
+  int status = -1;  ///< exit status; -1 when the program did not end by itself
+  std::string out;  ///< standard output, with plain line ends
+  std::string err;  ///< standard error
+};
+
+/// A program that has been started. wait() must be called.
+class Program {
+ public:
+  explicit Program(const ProgramStart& start);
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  bool isRunning();
+
+  /// Ctrl-C. The program must have been started with `mayBeInterrupted`.
+  void interrupt();
+
+  ProgramResult wait();
+
+ private:
+  struct Process;
+
+  std::filesystem::path outFile_;
+  std::filesystem::path errFile_;
+  std::unique_ptr<Process> process_;
+};
+
+/// Starts a program and waits for its end.
+ProgramResult runProgram(const ProgramStart& start);
+
+}  // namespace orvane::testing

@@ -1,0 +1,110 @@
+// Runs a program as a user does, on Linux.
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
+
+#include "program.hpp"
+#include "scratch_directory.hpp"
+
+namespace orvane::testing {
+
+namespace {
+
+constexpr int startFailed = 127;
+
+// In the new process, before it becomes the program.
+void redirect(int descriptor, const std::filesystem::path& file) {
+  const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  if (opened < 0 || dup2(opened, descriptor) < 0) {
+    _exit(startFailed);
+  }
+}
+
+// As execve() takes a list of texts.
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+[[noreturn]] void becomeProgram(const ProgramStart& start, const std::filesystem::path& outFile,
+                                const std::filesystem::path& errFile) {
+  redirect(STDOUT_FILENO, outFile);
+  redirect(STDERR_FILENO, errFile);
+  // A test run in the background may have been started with these ignored.
+  struct sigaction usual = {};
+  usual.sa_handler = SIG_DFL;
+  sigaction(SIGINT, &usual, nullptr);
+  sigaction(SIGXFSZ, &usual, nullptr);
+  if (start.largestFile > 0) {
+    const rlimit limit{static_cast<rlim_t>(start.largestFile),
+                       static_cast<rlim_t>(start.largestFile)};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  std::vector<std::string> arguments{start.file.string()};
+  arguments.insert(arguments.end(), start.arguments.begin(), start.arguments.end());
+  // The first of two values of a name counts.
+  std::vector<std::string> environment{"ORVANE_SIMULATOR=" + start.simulator};
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    environment.emplace_back(*variable);
+  }
+  execve(start.file.c_str(), pointersTo(arguments).data(), pointersTo(environment).data());
+  _exit(startFailed);
+}
+
+}  // namespace
+
+struct Program::Process {
+  pid_t id = -1;
+  bool hasEnded = false;
+  int waitStatus = 0;
+};
+
+Program::Program(const ProgramStart& start)
+    : outFile_(start.outputDirectory / "stdout"),
+      errFile_(start.outputDirectory / "stderr"),
+      process_(std::make_unique<Process>()) {
+  process_->id = fork();
+  if (process_->id < 0) {
+    throw std::runtime_error("no new process");
+  }
+  if (process_->id == 0) {
+    becomeProgram(start, outFile_, errFile_);
+  }
+}
+
+Program::~Program() = default;
+
+bool Program::isRunning() {
+  if (!process_->hasEnded) {
+    process_->hasEnded = waitpid(process_->id, &process_->waitStatus, WNOHANG) == process_->id;
+  }
+  return !process_->hasEnded;
+}
+
+void Program::interrupt() {
+  kill(process_->id, SIGINT);
+}
+
+ProgramResult Program::wait() {
+  if (!process_->hasEnded) {
+    waitpid(process_->id, &process_->waitStatus, 0);
+    process_->hasEnded = true;
+  }
+  const int status = process_->waitStatus;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outFile_), contentOf(errFile_)};
+}
+
+ProgramResult runProgram(const ProgramStart& start) {
+  return Program(start).wait();
+}
+
+}  // namespace orvane::testing

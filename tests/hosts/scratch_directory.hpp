@@ -1,0 +1,30 @@
+// A place for a test's files.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace orvane::testing {
+
+/// A directory of the running test's own, empty at first. It is left behind for a look after a
+/// failure, and emptied when the test runs again.
+class ScratchDirectory {
+ public:
+  ScratchDirectory();
+
+  /// The file of this name, given in UTF-8, in the directory.
+  std::filesystem::path file(const std::string& name) const;
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// A path's text in UTF-8.
+std::string utf8(const std::filesystem::path& path);
+
+/// A file's whole content.
+std::string contentOf(const std::filesystem::path& file);
+
+}  // namespace orvane::testing
