@@ -33,7 +33,7 @@ enum BayerCode : std::int32_t {
 
 /// One discovered camera; a value type. A discovery that cannot read a value leaves its default.
 struct CameraInfo {
-  Vendor vendor = Vendor::Asi;
+  Vendor vendor{};
   std::int32_t vendorIndex = 0;  ///< the SDK's camera id, for the SDKs that number their cameras
   std::int32_t maxWidth = 0;     ///< sensor size at bin 1, pixels
   std::int32_t maxHeight = 0;

@@ -22,8 +22,8 @@ using Module = void*;
 using FunctionAddress = void (*)();
 
 /// The full path of the library with the given base name: the directory joined with the name that
-/// the system gives to such a library ("ASICamera2" is ASICamera2.dll or libASICamera2.so). An
-/// empty directory gives the bare file name.
+/// the system gives to such a library ("sdk" is sdk.dll or libsdk.so). An empty directory gives the
+/// bare file name.
 ///
 /// Windows reads the directory as UTF-8 and throws std::system_error with the Windows error code
 /// where it is not valid. Elsewhere a path is bytes, and every path is valid.

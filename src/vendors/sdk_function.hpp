@@ -1,10 +1,10 @@
 // A maker's SDK function as a typed constant that can be called.
 //
-//     SDK_FUNCTION(Asi, ASIOpenCamera, int(int cameraId));      declares it, once
-//     ASIOpenCamera(id)                                         calls it: the raw result
-//     ASIInitCamera.check(id)                                   calls it and throws
-//                                                               "ASIInitCamera: <code>" on failure
-//     ASISetControlValue.checkAs("ASI gain", id, ...)           the same under another label
+//     SDK_FUNCTION(Family, OpenCamera, int(int cameraId));   declares it, once
+//     OpenCamera(id)                                         calls it: the raw result
+//     InitCamera.check(id)                                   calls it and throws
+//                                                            "InitCamera: <code>" on failure
+//     SetControl.checkAs("gain", id, ...)                    the same under another label
 //
 // Every call looks the name up afresh in the maker's library and keeps nothing; a function that the
 // library lacks throws "<library>: missing <function>".
