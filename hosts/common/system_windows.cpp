@@ -59,7 +59,7 @@ void useUtf8Console() {
   earlierCodePage = GetConsoleOutputCP();
   if (earlierCodePage != 0 && SetConsoleOutputCP(CP_UTF8) != 0) {
     // The console belongs to the shell too, which goes on with it.
-    std::atexit([] { SetConsoleOutputCP(earlierCodePage); });
+    static_cast<void>(std::atexit([] { SetConsoleOutputCP(earlierCodePage); }));
   }
 }
 
@@ -81,7 +81,7 @@ void useFineSleep() {
 
 std::tm localTime(std::time_t time) {
   std::tm calendar = {};
-  localtime_s(&calendar, &time);
+  static_cast<void>(localtime_s(&calendar, &time));
   return calendar;
 }
 
