@@ -123,8 +123,10 @@ const Floor qhyFloor{
         FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_OFFSET, 1);
       }
     },
-    [](const Library& sdk) { FLOOR_CALL(sdk, GetQHYCCDParam)
-                             (camera, CONTROL_CURTEMP); }};
+    [](const Library& sdk) {
+      FLOOR_CALL(sdk, GetQHYCCDParam)
+      (camera, CONTROL_CURTEMP);
+    }};
 
 const Floor toupTekFloor{
     [](const Library& sdk) {
@@ -212,12 +214,10 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
   bool isWithinGate = true;
   std::printf("  %-16s %-15s %12s %12s %8s\n", "SDK", "call", "library", "floor", "ratio");
   for (int i = 0; i < 4; ++i) {
-    const auto& [baseName, floor] = families[i];
-    const auto directory = std::string_view(sdkDirectory);
-    const Library sdk = [&] {
-      const platform::NativeString path = platform::libraryPath(directory, baseName);
-      return Library(std::string(path.begin(), path.end()));
-    }();
+    const char* const baseName = families[i].baseName;
+    const Floor* const floor = families[i].floor;
+    const platform::NativeString sdkFile = platform::libraryPath(sdkDirectory, baseName);
+    const Library sdk(std::string(sdkFile.begin(), sdkFile.end()));
     if (open(i, 64, 48, 1, 0, 1000, 1, 1) != 1 || read(frame, sizeof frame, 0) != sizeof frame) {
       throw std::runtime_error(std::string(baseName) + ": " + error());
     }
