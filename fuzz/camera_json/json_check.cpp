@@ -1,0 +1,151 @@
+// Holds the description of a camera against an independent JSON parser.
+#include "camera_json/json_check.hpp"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "catalogue/camera_json.hpp"
+#include "common/input.hpp"
+
+namespace orvane::fuzz {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string anyBytes(Input& input, std::size_t count) {
+  std::string bytes;
+  for (std::size_t i = 0; i < count && !input.empty(); ++i) {
+    bytes += static_cast<char>(input.byte());
+  }
+  return bytes;
+}
+
+std::vector<std::int32_t> anyNumbers(Input& input) {
+  std::vector<std::int32_t> numbers(input.byte() % 9U);
+  for (std::int32_t& number : numbers) {
+    number = input.number();
+  }
+  return numbers;
+}
+
+CameraInfo anyCamera(Input& input) {
+  CameraInfo camera;
+  const std::uint8_t flags = input.byte();
+  camera.isColor = (flags & 1U) != 0;
+  camera.isCooled = (flags & 2U) != 0;
+  camera.isUsb3Camera = (flags & 4U) != 0;
+  camera.isUsb3Host = (flags & 8U) != 0;
+  camera.maxWidth = input.number();
+  camera.maxHeight = input.number();
+  camera.bitDepth = input.number();
+  camera.pixelSizeUm = input.real();
+  camera.bins = anyNumbers(input);
+  camera.formats = anyNumbers(input);
+  camera.maxExposureUs = static_cast<std::int64_t>(input.longWord());
+  camera.minGain = input.number();
+  camera.maxGain = input.number();
+  camera.bayer = input.number();
+  camera.name = anyBytes(input, 512);  // all that is left
+  return camera;
+}
+
+// What of a name may be seen in a description.
+std::string visible(const std::string& name) {
+  std::string kept;
+  for (const char byte : name) {
+    if (static_cast<unsigned char>(byte) >= 0x20) {
+      kept += byte;
+    }
+  }
+  return kept;
+}
+
+// The parser's own opinion, from the direction of writing.
+bool isUtf8(const std::string& text) {
+  try {
+    return !Json(text).dump().empty();
+  } catch (const Json::type_error&) {
+    return false;
+  }
+}
+
+// Reads a quoted text back byte by byte; nothing where it is no such text.
+std::string unquoted(const std::string& quoted) {
+  std::string text;
+  for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
+    if (quoted[i] == '\\') {
+      ++i;
+    } else if (quoted[i] == '"') {
+      return {};
+    }
+    text += quoted[i];
+  }
+  return text;
+}
+
+Json expected(std::int32_t index, const CameraInfo& camera, const std::string& name) {
+  bool has16Bits = false;
+  for (const std::int32_t format : camera.formats) {
+    has16Bits = has16Bits || format == 1;
+  }
+  return {{"id", index},
+          {"name", name},
+          {"maxWidth", camera.maxWidth},
+          {"maxHeight", camera.maxHeight},
+          {"bitDepth", camera.bitDepth},
+          {"pixelSizeUm", nullptr},
+          {"isColor", camera.isColor},
+          {"isCooled", camera.isCooled},
+          {"isUsb3Camera", camera.isUsb3Camera},
+          {"isUsb3Host", camera.isUsb3Host},
+          {"bins", camera.bins},
+          {"formats", camera.formats},
+          {"depths", has16Bits ? Json{8, 16} : Json::array({8})},
+          {"maxExposureUs", camera.maxExposureUs},
+          {"minGain", camera.minGain},
+          {"maxGain", camera.maxGain},
+          {"bayer", camera.bayer}};
+}
+
+bool isClose(double read, double written) {
+  return std::abs(read - written) <= std::abs(written) * 1e-5;
+}
+
+}  // namespace
+
+std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes) {
+  Input input(bytes);
+  const std::int32_t index = input.number();
+  const CameraInfo camera = anyCamera(input);
+  const std::string description = cameraJson(index, camera);
+  const std::string name = visible(camera.name);
+
+  std::vector<std::string> violations;
+  const auto require = [&](bool holds, const char* rule) {
+    if (!holds) {
+      violations.emplace_back(rule);
+    }
+  };
+  for (const char byte : description) {
+    require(static_cast<unsigned char>(byte) >= 0x20, "control character in a description");
+  }
+  const std::string quoted = jsonString(camera.name);
+  require(quoted.size() >= 2 && quoted.front() == '"' && quoted.back() == '"', "no quotes");
+  require(unquoted(quoted) == name, "name changed by quoting");
+  require(description.find(",\"name\":" + quoted + ",\"maxWidth\":") != std::string::npos,
+          "name is not in its place");
+
+  Json read = Json::parse(description, nullptr, false);
+  // A number that is none has no form in JSON.
+  const bool isJson = isUtf8(name) && std::isfinite(camera.pixelSizeUm);
+  require(read.is_discarded() != isJson, "readable against expectation");
+  if (isJson && !read.is_discarded()) {
+    require(isClose(read["pixelSizeUm"].get<double>(), camera.pixelSizeUm), "pixel size");
+    read["pixelSizeUm"] = nullptr;
+    require(read.dump() == expected(index, camera, name).dump(), "another camera was read back");
+  }
+  return violations;
+}
+
+}  // namespace orvane::fuzz

@@ -1,0 +1,186 @@
+// ToupTek's SDK, answering whatever the input says.
+#include <cstring>
+
+#include "lying_sdks/handles.hpp"
+#include "lying_sdks/liar.hpp"
+#include "vendors/sdk/toupcam_sdk.hpp"
+
+namespace orvane::fuzz {
+
+namespace {
+
+Device& used(HToupcam handle, const char* call) {
+  return liar().used(Vendor::ToupTek, keyOf(handle), call);
+}
+
+// A failure of this SDK is negative, and positive is success.
+std::int32_t result() {
+  const std::int32_t code = liar().result();
+  return code > 0 && code < 8 ? -code : code;
+}
+
+// Models as the SDK would hold them: constant data that outlives every call.
+const ToupcamModelV2* anyModel() {
+  static std::array<ToupcamModelV2, TOUPCAM_MAX> models{};
+  static std::size_t next = 0;
+  Liar& lie = liar();
+  ToupcamModelV2& model = models[next++ % models.size()];
+  model.name = nullptr;  // not the library's business
+  model.flag = lie.isSound() ? lie.input.byte() : lie.input.longWord();
+  model.xpixsz = static_cast<float>(lie.input.number());
+  model.res[0].width = static_cast<unsigned>(lie.length());
+  model.res[0].height = static_cast<unsigned>(lie.length());
+  return &model;
+}
+
+}  // namespace
+
+void addToupTek(Sdk& sdk) {
+  sdk.baseName = "toupcam";
+  sdk.stopFunction = "Toupcam_Stop";
+  sdk.closeFunction = "Toupcam_Close";
+
+  ORVANE_SCRIPT(
+      sdk, Toupcam_EnumV2, +[](ToupcamDeviceV2* devices) -> unsigned {
+        Liar& lie = liar();
+        const auto count =
+            lie.isSound() ? 1U + lie.input.byte() % 3U : static_cast<unsigned>(lie.input.number());
+        // Claims as many as it likes, and fills no more than there is room for.
+        for (unsigned i = 0; i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
+          lie.fill(devices[i].displayname);
+          lie.fill(devices[i].id);
+          devices[i].model = lie.isSound() ? anyModel() : nullptr;
+        }
+        return count;
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_Open, +[](const ToupcamChar* id) -> HToupcam {
+        std::size_t length = 0;
+        while (id[length] != ToupcamChar{}) {
+          ++length;
+        }
+        liar().require(length <= 64, "id without an end");
+        return openHandle(Vendor::ToupTek);
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_Close, +[](HToupcam handle) { liar().closed(Vendor::ToupTek, keyOf(handle)); });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_MaxBitDepth, +[](HToupcam handle) -> std::int32_t {
+        used(handle, "Toupcam_get_MaxBitDepth");
+        return liar().isSound() ? 12 : liar().input.number();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_RawFormat,
+      +[](HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) -> std::int32_t {
+        Liar& lie = liar();
+        used(handle, "Toupcam_get_RawFormat");
+        constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
+        *fourCc = lie.isSound() ? codes[lie.input.byte() % 4U] : lie.input.word();
+        *bitsPerPixel = static_cast<unsigned>(lie.input.number());
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_ExpTimeRange,
+      +[](HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) -> std::int32_t {
+        used(handle, "Toupcam_get_ExpTimeRange");
+        for (unsigned* out : {nMin, nMax, nDef}) {
+          *out = static_cast<unsigned>(liar().input.number());
+        }
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_ExpoAGainRange,
+      +[](HToupcam handle, unsigned short* nMin, unsigned short* nMax,
+          unsigned short* nDef) -> std::int32_t {
+        used(handle, "Toupcam_get_ExpoAGainRange");
+        for (unsigned short* out : {nMin, nMax, nDef}) {
+          *out = static_cast<unsigned short>(liar().input.number());
+        }
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_put_Option, +[](HToupcam handle, unsigned option, int value) -> std::int32_t {
+        Device& device = used(handle, "Toupcam_put_Option");
+        if (option == TOUPCAM_OPTION_BITDEPTH) {
+          device.bytesPerPixel = value != 0 ? 2 : 1;
+        }
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_put_Roi,
+      +[](HToupcam handle, unsigned x, unsigned y, unsigned width,
+          unsigned height) -> std::int32_t {
+        Device& device = used(handle, "Toupcam_put_Roi");
+        device.frameWidth = width;
+        device.frameHeight = height;
+        liar().require(x == 0 && y == 0, "region that is not at the corner");
+        liar().require(width >= 1 && height >= 1, "region of no pixels");
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_FinalSize, +[](HToupcam handle, int* width, int* height) -> std::int32_t {
+        Liar& lie = liar();
+        Device& device = used(handle, "Toupcam_get_FinalSize");
+        if (!lie.isSound()) {
+          device.frameWidth = lie.length();
+          device.frameHeight = lie.length();
+        }
+        *width = static_cast<int>(device.frameWidth);
+        *height = static_cast<int>(device.frameHeight);
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_StartPullModeWithCallback,
+      +[](HToupcam handle, ToupcamEventCallback callback, void* context) -> std::int32_t {
+        Device& device = used(handle, "Toupcam_StartPullModeWithCallback");
+        liar().require(callback == nullptr && context == nullptr, "callback registered");
+        const std::int32_t code = result();
+        device.isStreaming = code >= 0;
+        return code;
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_PullImageWithRowPitch,
+      +[](HToupcam handle, void* data, int bits, int rowPitch, unsigned* width,
+          unsigned* height) -> std::int32_t {
+        Liar& lie = liar();
+        const Device& device = used(handle, "Toupcam_PullImageWithRowPitch");
+        lie.require(device.isStreaming, "frame asked for without a stream");
+        lie.require(bits == device.bytesPerPixel * 8 && rowPitch == -1, "rows that do not fit");
+        const bool isSound = lie.isSound();
+        *width = static_cast<unsigned>(isSound ? device.frameWidth : lie.length());
+        *height = static_cast<unsigned>(isSound ? device.frameHeight : lie.length());
+        const std::int64_t bytes = device.frameWidth * device.frameHeight * device.bytesPerPixel;
+        std::memset(data, 0x5A, static_cast<std::size_t>(bytes));
+        return lie.isSound() ? result() : TOUPCAM_E_PENDING;
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_Stop, +[](HToupcam handle) -> std::int32_t {
+        liar().stopped(Vendor::ToupTek, keyOf(handle));
+        return liar().input.number();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_put_AutoExpoEnable, +[](HToupcam handle, int mode) -> std::int32_t {
+        used(handle, "Toupcam_put_AutoExpoEnable");
+        liar().require(mode == 0, "automatic exposure switched on");
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_put_ExpoTime, +[](HToupcam handle, unsigned microseconds) -> std::int32_t {
+        used(handle, "Toupcam_put_ExpoTime");
+        liar().require(microseconds >= 1 && microseconds <= 2147483647U, "exposure out of range");
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_put_ExpoAGain, +[](HToupcam handle, unsigned short /*percent*/) -> std::int32_t {
+        used(handle, "Toupcam_put_ExpoAGain");
+        return result();
+      });
+  ORVANE_SCRIPT(
+      sdk, Toupcam_get_Temperature, +[](HToupcam handle, short* tenths) -> std::int32_t {
+        used(handle, "Toupcam_get_Temperature");
+        *tenths = static_cast<short>(liar().input.number());
+        return result();
+      });
+}
+
+}  // namespace orvane::fuzz

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds with GCC's counters, runs the tests on this system and measures which
+# lines and branches of src/ they reach. Prints a table and every line that was not reached; a report to
+# click through goes to build/coverage/report/.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
+  "${test_tools[@]}" gcovr
+
+build=build/coverage
+echo "== build"
+# Without optimisation and inlining, so that a line's count is the line's own.
+configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Debug \
+  -D CMAKE_CXX_FLAGS_DEBUG="--coverage -O0 -g -fno-inline" -D ORVANE_BUILD_HOSTS=OFF \
+  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+cmake --build "$build"
+find "$build" -name '*.gcda' -delete
+
+echo "== test"
+# One at a time: the counters of a library are shared by all processes that load it.
+(cd "$build" && ctest --output-on-failure -E ThirteenExports >"test.log" 2>&1) ||
+  { tail -n 40 "$build/test.log"; exit 1; }
+
+echo "== coverage of src/"
+mkdir -p "$build/report"
+# Throw-branches are the compiler's: an exception may leave every call.
+root=$(pwd -P)
+gcovr --root "$root" --filter "$(cd src && pwd -P)/" --exclude-throw-branches \
+  --exclude-unreachable-branches --gcov-ignore-parse-errors --html-details "$build/report/index.html" \
+  --txt "$build/report/lines.txt" "$build" >/dev/null
+gcovr --root "$root" --filter "$(cd src && pwd -P)/" --exclude-throw-branches \
+  --exclude-unreachable-branches --gcov-ignore-parse-errors --branches \
+  --txt "$build/report/branches.txt" "$build" >/dev/null
+echo "-- lines"
+cat "$build/report/lines.txt"
+echo "-- branches"
+cat "$build/report/branches.txt"

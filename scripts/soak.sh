@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the endurance tests and runs them for long: sessions and reads with
+# each maker's simulated SDK, and random sessions. Fails when memory or handles grow, or when the last
+# tenth of a run takes more than twice as long as the first.
+#   soak.sh [PRESET...]      of linux-x64, windows-x64; without any, both
+# SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (1000000) choose other lengths.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
+  "${test_tools[@]}"
+
+export ORVANE_SOAK_CYCLES="${SOAK_CYCLES:-10000}"
+export ORVANE_SOAK_READS="${SOAK_READS:-1000000}"
+export ORVANE_RANDOM_STEPS="${SOAK_RANDOM_STEPS:-1000000}"
+export ORVANE_SOAK_RATIO=200
+presets=("$@")
+if [ ${#presets[@]} -eq 0 ]; then
+  presets=(linux-x64 windows-x64)
+fi
+
+logs=$(mktemp -d)
+trap 'rm -rf "$logs"' EXIT
+for preset in "${presets[@]}"; do
+  echo "== $preset: build"
+  configured=$(cmake --preset "$preset" 2>&1) || { echo "$configured"; exit 1; }
+  cmake --build --preset "$preset" --target session_tests
+  echo "== $preset: run"
+  # One after the other: timings are compared.
+  ctest --preset "$preset" --verbose --timeout 36000 -R '/(Endurance|RandomSessions)\.' \
+    >"$logs/$preset" 2>&1 || { cat "$logs/$preset"; exit 1; }
+done
+
+for preset in "${presets[@]}"; do
+  echo
+  echo "== $preset"
+  tr -d '\r' <"$logs/$preset" | sed -n 's/^[0-9]*: endurance|//p' | awk -F'|' '
+    BEGIN { printf "%-16s %-18s %12s %12s %6s %14s %12s %8s\n", "SDK", "run", "first us", "last us",
+            "ratio", "resident bytes", "heap bytes", "handles" }
+    { printf "%-16s %-18s %12.2f %12.2f %6.2f %+14d %+12d %+8d\n", $1, $2, $3, $4, $5, $6, $7, $8 }'
+  tr -d '\r' <"$logs/$preset" | sed -n 's/^[0-9]*: random|/random sessions: /p'
+done

@@ -1,0 +1,88 @@
+// SDKs under the right name in places that nobody named: they must not be loaded.
+#include "library/library_test.hpp"
+#include "loading/surroundings.hpp"
+
+namespace orvane::testing {
+namespace {
+
+class Decoy : public LibraryTest {
+ protected:
+  // An SDK of each maker in the current directory, on PATH, or both.
+  Decoy() {
+    for (const char* name : sdkNames) {
+      decoys.add(name);
+    }
+  }
+
+  void expectNothingFrom(const std::string& named) {
+    oc.library_dir(named.c_str());
+    EXPECT_EQ(oc.scan(), 0) << named;
+    EXPECT_EQ(libraries(), "") << named;
+    EXPECT_EQ(error(), "") << named;
+  }
+
+  SdkDirectory decoys{"decoys"};
+};
+
+TEST_F(Decoy, InTheCurrentDirectoryIsNotLoadedForAnEmptyDirectory) {
+  std::filesystem::current_path(decoys.path());
+  expectNothingFrom("");
+}
+
+TEST_F(Decoy, OnSearchPathsIsNotLoadedForAnEmptyDirectory) {
+  prependToSearchPaths(decoys.path());
+  expectNothingFrom("");
+}
+
+TEST_F(Decoy, IsNotLoadedInPlaceOfASdkThatTheNamedDirectoryLacks) {
+  std::filesystem::current_path(decoys.path());
+  prependToSearchPaths(decoys.path());
+  expectNothingFrom(directory.utf8());
+}
+
+TEST_F(Decoy, IsNotLoadedInPlaceOfADirectoryThatDoesNotExist) {
+  std::filesystem::current_path(decoys.path());
+  prependToSearchPaths(decoys.path());
+  expectNothingFrom(directory.utf8() + "/no/such/directory");
+}
+
+TEST_F(Decoy, IsNotPreferredToTheNamedDirectory) {
+  std::filesystem::current_path(decoys.path());
+  prependToSearchPaths(decoys.path());
+  const SimulatedSdk named = install("ASICamera2");
+  named.setCameras({});
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(libraries(), "ASICamera2");
+  EXPECT_NE(named.takeLog(), "") << "another file of the name was loaded";
+}
+
+#ifdef _WIN32
+// The system loads with these search rules from a full path only.
+TEST_F(Decoy, RelativeDirectoryFindsNothing) {
+  std::filesystem::current_path(decoys.path().parent_path());
+  expectNothingFrom("decoys");
+  expectNothingFrom(".\\decoys");
+  std::filesystem::current_path(decoys.path());
+  expectNothingFrom(".");
+}
+
+TEST_F(Decoy, BareDriveStandsForItsCurrentDirectoryAndFindsNothing) {
+  std::filesystem::current_path(decoys.path());
+  const std::string drive = utf8Of(std::filesystem::absolute(decoys.path()).root_name());
+  ASSERT_EQ(drive.size(), 2U) << drive;
+  expectNothingFrom(drive);
+  // The same letter with a path behind it is a directory like any other.
+  oc.library_dir(utf8Of(std::filesystem::absolute(decoys.path())).c_str());
+  EXPECT_GE(oc.scan(), 8);
+}
+#else
+TEST_F(Decoy, RelativeDirectoryIsRelativeToTheCurrentOne) {
+  std::filesystem::current_path(decoys.path().parent_path());
+  oc.library_dir("decoys");
+  EXPECT_GE(oc.scan(), 8);
+  EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, qhyccd, toupcam");
+}
+#endif
+
+}  // namespace
+}  // namespace orvane::testing

@@ -1,0 +1,102 @@
+// SDKs that need another library: it lies beside them, or it is missing, or it comes later.
+#include "library/library_test.hpp"
+#include "loading/surroundings.hpp"
+
+namespace orvane::testing {
+namespace {
+
+class SdkDependency : public LibraryTest {
+ protected:
+  void addSdk() const { directory.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK)); }
+
+  static void addDependencyTo(const SdkDirectory& place) {
+    place.addFile("sdk_dependency", contentOf(ORVANE_STAND_IN_DEPENDENCY));
+  }
+
+  // Both libraries are loaded, and the SDK reached the other one.
+  void expectWorking() {
+    EXPECT_EQ(oc.scan(), 0);
+    EXPECT_EQ(libraries(), "ASICamera2");
+    EXPECT_EQ(error(), "ASIGetCameraProperty: 4711");
+  }
+
+  void expectNothing() {
+    EXPECT_EQ(oc.scan(), 0);
+    EXPECT_EQ(libraries(), "");
+    EXPECT_EQ(error(), "");
+  }
+};
+
+TEST_F(SdkDependency, BesideTheSdkIsFound) {
+  addSdk();
+  addDependencyTo(directory);
+  expectWorking();
+}
+
+TEST_F(SdkDependency, BesideTheSdkIsFoundWhateverTheCurrentDirectory) {
+  addSdk();
+  addDependencyTo(directory);
+  const SdkDirectory elsewhere("elsewhere");
+  std::filesystem::current_path(elsewhere.path());
+  expectWorking();
+}
+
+TEST_F(SdkDependency, MissingLeavesTheSdkOutSilently) {
+  addSdk();
+  expectNothing();
+}
+
+TEST_F(SdkDependency, MissingLeavesTheOtherSdksAlone) {
+  addSdk();
+  directory.add("PlayerOneCamera");
+  EXPECT_GE(oc.scan(), 1);
+  EXPECT_EQ(libraries(), "PlayerOneCamera");
+  EXPECT_EQ(error(), "");
+}
+
+TEST_F(SdkDependency, ThatComesLaterIsFoundByTheSecondScan) {
+  addSdk();
+  expectNothing();
+  addDependencyTo(directory);
+  expectWorking();
+}
+
+TEST_F(SdkDependency, IsNotTakenFromTheCurrentDirectoryOrSearchPaths) {
+  addSdk();
+  const SdkDirectory decoy("decoy");
+  addDependencyTo(decoy);
+  std::filesystem::current_path(decoy.path());
+  prependToSearchPaths(decoy.path());
+  expectNothing();
+}
+
+TEST_F(SdkDependency, ThatIsNoLibraryLeavesTheSdkOutSilently) {
+  addSdk();
+  directory.addFile("sdk_dependency", "this is a text file\n");
+  expectNothing();
+}
+
+TEST_F(SdkDependency, ThatLacksTheFunctionLeavesTheSdkOutSilently) {
+  addSdk();
+  std::string image = contentOf(ORVANE_STAND_IN_DEPENDENCY);
+  const std::string function = "numberOfTheDependency";
+  for (std::size_t at = image.find(function); at != std::string::npos; at = image.find(function)) {
+    image[at + function.size() - 1] = '!';
+  }
+  directory.addFile("sdk_dependency", image);
+  expectNothing();
+}
+
+#ifdef _WIN32
+TEST_F(SdkDependency, SdkThatRefusesToBeLoadedIsAskedAgainByTheSecondScan) {
+  addSdk();
+  addDependencyTo(directory);
+  setEnvironment("ORVANE_STAND_IN_REFUSES", "1");
+  expectNothing();
+  setEnvironment("ORVANE_STAND_IN_REFUSES", "");
+  expectWorking();
+}
+#endif
+
+}  // namespace
+}  // namespace orvane::testing

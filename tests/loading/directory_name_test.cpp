@@ -1,0 +1,150 @@
+// Directories of all names that a system allows, and of some that are none.
+#include <system_error>
+
+#include "library/library_test.hpp"
+#include "loading/surroundings.hpp"
+
+namespace orvane::testing {
+namespace {
+
+class DirectoryName : public LibraryTest {
+ protected:
+  // Makes the directory below the test's own, with an SDK in it. Copying by path alone shows that
+  // the name stands on the disk as it was given.
+  std::filesystem::path makeWithSdk(const std::filesystem::path& name) const {
+    const std::filesystem::path made = directory.path() / name;
+    std::filesystem::create_directories(made);
+    directory.add("ASICamera2");
+    std::filesystem::rename(directory.file("ASICamera2"),
+                            made / directory.file("ASICamera2").filename());
+    return made;
+  }
+
+  void expectFoundIn(const std::string& named) {
+    oc.library_dir(named.c_str());
+    EXPECT_GE(oc.scan(), 3) << named;
+    EXPECT_EQ(libraries(), "ASICamera2") << named;
+    EXPECT_EQ(error(), "") << named;
+  }
+};
+
+struct Name {
+  const char* label;
+  const char8_t* text;
+};
+
+class DirectoryOfAnyName : public DirectoryName, public ::testing::WithParamInterface<Name> {};
+
+TEST_P(DirectoryOfAnyName, IsFound) {
+  expectFoundIn(utf8Of(makeWithSdk(std::filesystem::path(GetParam().text))));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, DirectoryOfAnyName,
+    ::testing::Values(Name{"BlanksInside", u8"Program Files (x86)"}, Name{"LeadingBlank", u8" sdk"},
+                      Name{"AccentsComposed", u8"t\u00e9l\u00e9scope \u00fc\u00f1\u00df"},
+                      Name{"AccentsCombining", u8"te\u0301le\u0301scope"},
+                      Name{"Cyrillic", u8"\u043a\u0430\u043c\u0435\u0440\u0430"},
+                      Name{"Greek", u8"\u03ba\u03ac\u03bc\u03b5\u03c1\u03b1"},
+                      Name{"RightToLeft", u8"\u05de\u05e6\u05dc\u05de\u05d4"},
+                      Name{"Chinese", u8"\u5929\u6587\u76f8\u673a"},
+                      Name{"ChineseBeyond16Bits", u8"\U00020bb7\u91ce"},
+                      Name{"EmojiJoined", u8"\U0001f468\u200d\U0001f680"},
+                      Name{"Punctuation", u8"a;b,c=d&e%PATH%'f'(g)!@#~"},
+                      Name{"DotInside", u8"sdk.v1.dll"}, Name{"Parent", u8"one/../two"}),
+    [](const auto& instance) { return std::string(instance.param.label); });
+
+TEST_F(DirectoryName, OfMoreThan200CharactersIsFound) {
+  // As long as the older limit of Windows for a whole path, 259 characters, allows.
+  const std::size_t used =
+      directory.path().native().size() + std::string("\\\\ASICamera2.dll").size();
+  ASSERT_LT(used, 200U) << "build in a directory with a shorter name";
+  const std::size_t rest = 259 - used;
+  const std::filesystem::path made = makeWithSdk(std::string(rest, 'x'));
+  EXPECT_GT(made.native().size(), 200U);
+  expectFoundIn(utf8Of(made));
+}
+
+#ifdef _WIN32
+TEST_F(DirectoryName, ExtendedFormOfMoreThan260CharactersIsFound) {
+  std::filesystem::path made = L"\\\\?\\" + std::filesystem::absolute(directory.path()).native();
+  for (const std::size_t length : {200, 100}) {
+    made /= std::string(length, 'y');
+    std::filesystem::create_directory(made);
+  }
+  directory.add("ASICamera2");
+  std::filesystem::rename(directory.file("ASICamera2"), made / "ASICamera2.dll");
+  expectFoundIn(utf8Of(made));
+}
+#endif
+
+TEST_F(DirectoryName, SeveralTrailingSeparatorsMakeNoDifference) {
+  directory.add("ASICamera2");
+#ifdef _WIN32
+  expectFoundIn(directory.utf8() + "\\\\");
+#else
+  expectFoundIn(directory.utf8() + "//");
+#endif
+}
+
+TEST_F(DirectoryName, IsCopiedAtTheCall) {
+  directory.add("ASICamera2");
+  std::string named = directory.utf8();
+  oc.library_dir(named.c_str());
+  named.assign(named.size(), 'x');
+  EXPECT_GE(oc.scan(), 3);
+  EXPECT_EQ(libraries(), "ASICamera2");
+}
+
+TEST_F(DirectoryName, OfAFileFindsNothing) {
+  directory.add("ASICamera2");
+  oc.library_dir(utf8Of(directory.file("ASICamera2")).c_str());
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(libraries(), "");
+  EXPECT_EQ(error(), "");
+}
+
+#ifdef _WIN32
+class DirectoryNotUtf8 : public DirectoryName, public ::testing::WithParamInterface<const char*> {
+ protected:
+  void expectSystemError(const std::string& named) {
+    oc.library_dir(named.c_str());
+    try {
+      oc.scan();
+      FAIL() << "no exception";
+    } catch (const std::system_error& failure) {
+      EXPECT_EQ(failure.code().value(), 1113);  // ERROR_NO_UNICODE_TRANSLATION
+    }
+  }
+};
+
+TEST_P(DirectoryNotUtf8, LeavesTheScanAsASystemError) {
+  directory.add("ASICamera2");
+  expectSystemError(directory.utf8() + GetParam());
+  EXPECT_EQ(libraries(), "");
+  EXPECT_EQ(error(), "");
+  EXPECT_EQ(info(0), "{}");
+  expectFoundIn(directory.utf8());
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, DirectoryNotUtf8,
+                         ::testing::Values("\\\x80",              // continuation without a start
+                                           "\\\xe5\xa4",          // an end in the middle
+                                           "\\\xc0\xaf",          // a slash, overlong
+                                           "\\\xed\xa0\x80",      // half a pair of surrogates
+                                           "\\\xf4\x90\x80\x80",  // beyond the last character
+                                           "\\caf\xe9"));         // another code page
+
+TEST_F(DirectoryNotUtf8, KeepsTheCamerasOfSdksThatWereLoadedBefore) {
+  directory.add("ASICamera2");
+  expectFoundIn(directory.utf8());
+  expectSystemError("\xff");
+  EXPECT_EQ(libraries(), "ASICamera2") << "the next SDK's load is what failed";
+  EXPECT_NE(info(0), "{}");
+  EXPECT_EQ(oc.open(0, 64, 48, 1, 0, 1000, 1, 1), 1) << error();
+  oc.close();
+}
+#endif
+
+}  // namespace
+}  // namespace orvane::testing

@@ -1,0 +1,63 @@
+// What surrounds a process and must not decide which SDK is loaded.
+#include "loading/surroundings.hpp"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#ifdef _WIN32
+#  include <windows.h>
+#else
+#  include <dlfcn.h>
+#endif
+
+namespace orvane::testing {
+
+void setEnvironment(const std::string& name, const std::filesystem::path& value) {
+#ifdef _WIN32
+  const std::wstring wideName(name.begin(), name.end());
+  SetEnvironmentVariableW(wideName.c_str(), value.empty() ? nullptr : value.c_str());
+#else
+  if (value.empty()) {
+    unsetenv(name.c_str());
+  } else {
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+#endif
+}
+
+void prependToSearchPaths(const std::filesystem::path& directory) {
+  for (const char* name : {"PATH", "LD_LIBRARY_PATH"}) {
+#ifdef _WIN32
+    const char separator = ';';
+#else
+    const char separator = ':';
+#endif
+    const char* const before = std::getenv(name);
+    setEnvironment(name, directory.string() + separator + (before != nullptr ? before : ""));
+  }
+}
+
+bool isLoaded(const std::filesystem::path& library) {
+#ifdef _WIN32
+  return GetModuleHandleW(library.c_str()) != nullptr;
+#else
+  void* const held = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  if (held != nullptr) {
+    dlclose(held);  // only what this look added
+  }
+  return held != nullptr;
+#endif
+}
+
+std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+}  // namespace orvane::testing

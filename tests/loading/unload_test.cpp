@@ -1,0 +1,83 @@
+// Unloading the library, with and without a camera streaming, and loading it again. The SDKs stay.
+#include "library/family_test.hpp"
+#include "loading/surroundings.hpp"
+
+namespace orvane::testing {
+namespace {
+
+class Unload : public LibraryTest, public ::testing::WithParamInterface<const char*> {
+ protected:
+  static SimCamera camera() {
+    SimCamera shown = smallCamera();
+    if (std::string(GetParam()) == "toupcam") {
+      shown.mosaic = 0x42474752;  // RGGB
+    }
+    return shown;
+  }
+
+  static void stream(LibraryUnderTest& library, const SdkDirectory& place) {
+    library.library_dir(place.utf8().c_str());
+    ASSERT_EQ(library.scan(), 1) << library.error();
+    ASSERT_EQ(library.open(0, 320, 202, 1, 0, 20000, 100, 5), 1) << library.error();
+    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(library.buffer_size()));
+    EXPECT_GE(library.read(buffer.data(), library.buffer_size(), 1000), 0) << library.error();
+  }
+};
+
+TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
+  const SimulatedSdk sdk = install(GetParam());
+  sdk.setCameras({camera()});
+  stream(oc, directory);
+  sdk.takeLog();
+  oc.library.unload();
+  EXPECT_EQ(sdk.takeLog(), "");
+  EXPECT_EQ(sdk.invariants().devicesOpen, 1);
+  EXPECT_EQ(sdk.invariants().streamsRunning, 1);
+
+  // The device is as lost as with a program that was ended: here it is plugged in again.
+  sdk.reset();
+  sdk.setCameras({camera()});
+  LibraryUnderTest again;
+  EXPECT_EQ(again.buffer_size(), 0);
+  EXPECT_STREQ(again.libraries(), "");
+  stream(again, directory);
+  again.close();
+  expectClean(sdk);
+}
+
+TEST_P(Unload, AfterACloseLeavesNothingOpenHoweverOftenItHappens) {
+  const SimulatedSdk sdk = install(GetParam());
+  sdk.setCameras({camera()});
+  oc.library.unload();
+  for (int i = 0; i < 10; ++i) {
+    LibraryUnderTest next;
+    stream(next, directory);
+    next.close();
+    next.library.unload();
+  }
+  expectClean(sdk);
+}
+
+TEST_P(Unload, KeepsTheSdkLoaded) {
+  directory.add(GetParam());
+  EXPECT_FALSE(isLoaded(directory.file(GetParam())));
+  EXPECT_GE(oc.scan(), 2);
+  oc.library.unload();
+  EXPECT_TRUE(isLoaded(directory.file(GetParam())));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sdks, Unload, ::testing::ValuesIn(sdkNames),
+                         [](const auto& instance) { return std::string(instance.param); });
+
+TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
+  for (int i = 0; i < 10; ++i) {
+    LibraryUnderTest library;
+    EXPECT_STREQ(library.error(), "");
+    EXPECT_STREQ(library.info(0), "{}");
+    library.library_dir("somewhere");
+    library.library.unload();
+  }
+}
+
+}  // namespace
+}  // namespace orvane::testing

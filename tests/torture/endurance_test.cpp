@@ -1,0 +1,123 @@
+// Endurance: many sessions and many reads, without growing and without slowing down. The usual
+// length is short; ORVANE_SOAK_CYCLES and ORVANE_SOAK_READS set another, and ORVANE_SOAK_RATIO, in
+// percent, the most that the last tenth may take of the first one's time.
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+
+#include "library/library_test.hpp"
+#include "torture/families.hpp"
+#include "torture/process_usage.hpp"
+#include "torture/run_length.hpp"
+
+namespace orvane::testing {
+namespace {
+
+struct Usage {
+  std::size_t resident = residentBytes();
+  std::size_t heap = heapBytes();
+  std::size_t handles = openHandles();
+};
+
+long grown(std::size_t before, std::size_t after) {
+  return static_cast<long>(after) - static_cast<long>(before);
+}
+
+class Endurance : public LibraryTest, public ::testing::WithParamInterface<TorturedFamily> {
+ protected:
+  Endurance() : family_(GetParam()), sdk_(install(family_.baseName)) {
+    camera_ = torturedCamera(family_.mosaic);
+    camera_.width = 8;
+    camera_.height = 32;
+    sdk_.setCameras({camera_});
+    sdk_.log_enable(0);
+    EXPECT_EQ(oc.scan(), 1) << error();
+  }
+
+  void open() {
+    ASSERT_EQ(oc.open(0, camera_.width, camera_.height, 1, family_.format, exposureUs, 100, 5), 1)
+        << error();
+  }
+
+  void read() {
+    sdk_.advance_clock(family_.waitsForFrames ? 0 : 10L * exposureUs);
+    const int bytes = oc.read(frame.data(), static_cast<int>(frame.size()), 540);
+    ASSERT_EQ(bytes, oc.width() * oc.height() * bytesPerPixel()) << error();
+  }
+
+  int bytesPerPixel() const { return family_.format == 2 ? 3 : 2; }
+
+  // Runs the body so many times and holds what the process uses against what it used after a first
+  // part, in which everything that is made once has been made.
+  template <class Body>
+  void endure(const char* what, long times, long handleBytes, Body body) {
+    ASSERT_GE(times, 20);
+    for (long i = 0; i < std::min<long>(times, 1000); ++i) {
+      ASSERT_NO_FATAL_FAILURE(body());
+    }
+    const Usage before;
+    using Clock = std::chrono::steady_clock;
+    std::vector<double> tenths;
+    for (int tenth = 0; tenth < 10; ++tenth) {
+      const Clock::time_point start = Clock::now();
+      for (long i = 0; i < times / 10; ++i) {
+        ASSERT_NO_FATAL_FAILURE(body());
+      }
+      tenths.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count() /
+                       static_cast<double>(times / 10));
+    }
+    const Usage after;
+    const double ratio = tenths.back() / tenths.front();
+    const long heap = grown(before.heap, after.heap);
+    std::cout << "endurance|" << family_.baseName << "|" << times << " " << what << "|"
+              << tenths.front() << "|" << tenths.back() << "|" << ratio << "|"
+              << grown(before.resident, after.resident) << "|" << heap << "|"
+              << grown(before.handles, after.handles) << "\n"
+              << std::flush;
+
+    EXPECT_EQ(after.handles, before.handles);
+    // A simulated SDK never forgets a handle, so that a closed one stays recognisable.
+    constexpr long slack = 64 * 1024;
+    EXPECT_LE(heap, slack * heapUnit + handleBytes * times);
+    EXPECT_LE(grown(before.resident, after.resident), 8L * 1024 * 1024);
+    if (const long most = chosen("ORVANE_SOAK_RATIO", 0); most > 0) {
+      EXPECT_LE(ratio * 100, static_cast<double>(most));
+    }
+  }
+
+#ifdef _WIN32
+  static constexpr long heapUnit = 32;  // the heap grows by larger pieces
+#else
+  static constexpr long heapUnit = 1;
+#endif
+  static constexpr int exposureUs = 1000;
+
+  TorturedFamily family_;
+  SimulatedSdk sdk_;
+  SimCamera camera_{};
+};
+
+TEST_P(Endurance, OpenReadCloseAgainAndAgain) {
+  const bool hasHandles = !family_.handleCalls.empty();
+  endure("sessions", chosen("ORVANE_SOAK_CYCLES", 200), hasHandles ? 24 : 0, [&] {
+    open();
+    frame.resize(static_cast<std::size_t>(oc.buffer_size()));
+    read();
+    oc.close();
+  });
+  expectClean(sdk_);
+}
+
+TEST_P(Endurance, ReadAgainAndAgain) {
+  open();
+  frame.resize(static_cast<std::size_t>(oc.buffer_size()));
+  endure("reads", chosen("ORVANE_SOAK_READS", 5000), 0, [&] { read(); });
+  oc.close();
+  expectClean(sdk_);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sdks, Endurance, ::testing::ValuesIn(torturedFamilies()),
+                         [](const auto& instance) { return std::string(instance.param.baseName); });
+
+}  // namespace
+}  // namespace orvane::testing

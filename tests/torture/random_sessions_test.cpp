@@ -1,0 +1,395 @@
+// Sessions that no host would think of: random calls with random arguments to the library with all
+// four SDKs beside it, while cameras are plugged out and in, calls of the SDKs fail, and
+// directories come and go. Every step is held against the contract. ORVANE_RANDOM_STEPS and
+// ORVANE_RANDOM_SEED choose another length and other sessions; a failure tells its seed.
+#include <cmath>
+#include <iostream>
+#include <map>
+#include <random>
+#include <set>
+
+#include "library/library_test.hpp"
+#include "torture/checked_library.hpp"
+#include "torture/families.hpp"
+#include "torture/run_length.hpp"
+
+namespace orvane::testing {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr long usualSteps = 5000;
+#elif defined(_WIN32)
+constexpr long usualSteps = 4000;  // through Wine
+#else
+constexpr long usualSteps = 25000;
+#endif
+
+constexpr std::size_t sdkCount = 4;
+constexpr int bareNames = -1;  // no directory
+
+// Whether a bare name finds a library that the process has loaded from somewhere. Windows need not
+// say so, so that nothing is scanned there without a directory.
+#ifdef _WIN32
+constexpr bool bareNamesAreFound = false;
+#else
+constexpr bool bareNamesAreFound = true;
+#endif
+
+// The functions of the four SDKs, for making their calls fail.
+const std::vector<std::vector<const char*>>& sdkFunctions() {
+  static const std::vector<std::vector<const char*>> functions{
+      {"ASIGetNumOfConnectedCameras", "ASIGetCameraProperty", "ASIOpenCamera", "ASIInitCamera",
+       "ASICloseCamera", "ASIGetNumOfControls", "ASIGetControlCaps", "ASIGetControlValue",
+       "ASISetControlValue", "ASISetROIFormat", "ASIGetROIFormat", "ASISetStartPos",
+       "ASIStartVideoCapture", "ASIStopVideoCapture", "ASIGetVideoData"},
+      {"POAGetCameraCount", "POAGetCameraProperties", "POAOpenCamera", "POAInitCamera",
+       "POACloseCamera", "POAGetConfigAttributesByConfigID", "POASetConfig", "POAGetConfig",
+       "POASetImageStartPos", "POASetImageSize", "POAGetImageSize", "POASetImageBin",
+       "POASetImageFormat", "POAStartExposure", "POAStopExposure", "POAImageReady",
+       "POAGetImageData"},
+      {"InitQHYCCDResource",
+       "ScanQHYCCD",
+       "GetQHYCCDId",
+       "GetQHYCCDModel",
+       "OpenQHYCCD",
+       "CloseQHYCCD",
+       "SetQHYCCDStreamMode",
+       "InitQHYCCD",
+       "GetQHYCCDChipInfo",
+       "IsQHYCCDControlAvailable",
+       "GetQHYCCDParamMinMaxStep",
+       "SetQHYCCDParam",
+       "GetQHYCCDParam",
+       "SetQHYCCDBinMode",
+       "SetQHYCCDBitsMode",
+       "SetQHYCCDResolution",
+       "GetQHYCCDMemLength",
+       "BeginQHYCCDLive",
+       "StopQHYCCDLive",
+       "GetQHYCCDLiveFrame"},
+      {"Toupcam_EnumV2", "Toupcam_Open", "Toupcam_Close", "Toupcam_get_MaxBitDepth",
+       "Toupcam_get_RawFormat", "Toupcam_get_ExpTimeRange", "Toupcam_get_ExpoAGainRange",
+       "Toupcam_put_Option", "Toupcam_put_Roi", "Toupcam_get_FinalSize",
+       "Toupcam_StartPullModeWithCallback", "Toupcam_PullImageWithRowPitch", "Toupcam_Stop",
+       "Toupcam_put_AutoExpoEnable", "Toupcam_put_ExpoTime", "Toupcam_put_ExpoAGain",
+       "Toupcam_get_Temperature"}};
+  return functions;
+}
+
+class RandomSessions : public ::testing::TestWithParam<int> {
+ protected:
+  RandomSessions() : families_(torturedFamilies()) {
+    // Each SDK has one place only; a host that names the other directory does not find it.
+    for (std::size_t family = 0; family < sdkCount; ++family) {
+      const SdkDirectory& directory = family % 2 == 0 ? even_ : odd_;
+      directory.add(sdkNameOf[family]);
+      sdks_.emplace_back(directory.file(sdkNameOf[family]));
+      world_[family] = camerasOf(family);
+      sdks_[family].setCameras(world_[family]);
+    }
+    directories_ = {even_.utf8(), odd_.utf8(), even_.utf8() + "/nowhere"};
+  }
+
+  // Three cameras: one that can do everything, a plain one, and one of odd sizes.
+  std::vector<SimCamera> camerasOf(std::size_t family) const {
+    const auto named = [&](SimCamera camera, const char* kind, int id) {
+      setText(camera.name, std::string(kind) + " of " + sdkNameOf[family]);
+      setText(camera.key, std::string(sdkNameOf[family]) + "-" + kind);
+      camera.id = id;
+      return camera;
+    };
+    const SimCamera rich = torturedCamera(families_[family].mosaic);
+    SimCamera plain = rich;
+    plain.width = 48;
+    plain.height = 32;
+    plain.isColor = 0;
+    plain.bitDepth = 8;
+    plain.bins[1] = 0;
+    plain.formats[1] = -1;
+    plain.offsetMax = -1;
+    plain.hasTemperature = 0;
+    SimCamera odd = rich;
+    odd.width = 37;
+    odd.height = 23;
+    odd.isCooled = 1;
+    odd.pixelSizeUm = 2.900001;
+    return {named(rich, "rich", 12), named(plain, "plain", 3), named(odd, "odd", 40)};
+  }
+
+  // Loads the library as a new process would.
+  void load() {
+    if (loaded_) {
+      loaded_->library.unload();
+    }
+    loaded_.emplace();
+    const LibraryUnderTest& oc = *loaded_;
+    const Exports exports{oc.library_dir, oc.scan,   oc.libraries,   oc.info, oc.open,
+                          oc.width,       oc.height, oc.buffer_size, oc.read, oc.apply,
+                          oc.temperature, oc.close,  oc.error};
+    Surroundings surroundings;
+    surroundings.takeEvents = [this] { return takeEvents(); };
+    library_.emplace(exports, Contract(world_), surroundings);
+    directory_ = bareNames;
+    if (!bareNamesAreFound) {
+      changeDirectory();
+    }
+  }
+
+  // The SDKs' logs, in the order in which the calls were made: an open closes the camera that is
+  // open first, whosever it is; all else goes in the SDKs' order.
+  std::vector<Event> takeEvents() {
+    std::vector<std::size_t> order{0, 1, 2, 3};
+    const Contract& contract = library_->contract();
+    if (contract.isOpen()) {
+      std::swap(order[0], order[contract.family()]);
+    }
+    std::vector<Event> events;
+    for (const std::size_t family : order) {
+      if (isScanning_ && !contract.isOpen() && !contract.isLoaded(family)) {
+        Event load;
+        load.kind = Event::Kind::Load;
+        load.name = sdkNameOf[family];
+        load.isLoaded = directory_ == bareNames || directory_ == static_cast<int>(family % 2);
+        events.push_back(load);
+      }
+      for (const SdkCall& call : parseLog(sdks_[family].takeLog())) {
+        Event event;
+        event.call = call;
+        events.push_back(event);
+      }
+    }
+    return events;
+  }
+
+  // A number from `least` to `most`.
+  long pick(long least, long most) {
+    const auto range = static_cast<std::uint64_t>(most - least + 1);
+    return least + static_cast<long>(random_() % range);
+  }
+  bool oneIn(long many) { return pick(1, many) == 1; }
+  template <class Type>
+  const Type& pickOf(const std::vector<Type>& list) {
+    return list[static_cast<std::size_t>(pick(0, static_cast<long>(list.size()) - 1))];
+  }
+
+  std::int64_t exposure() {
+    static const std::vector<std::int64_t> odd{
+        0, -1, 1, 2147483647, 2147483648, -2147483648, 9223372036854775807, 31, 32, 1000000000};
+    return oneIn(25) ? pickOf(odd) : pick(100, 50000);
+  }
+  int gain() {
+    static const std::vector<int> odd{-1, 0, 65535, 65536, 2147483647, -2147483647 - 1, 1001};
+    return oneIn(30) ? pickOf(odd) : static_cast<int>(pick(100, 1000));
+  }
+  int offset() {
+    static const std::vector<int> odd{-1, 21, 2147483647, -2147483647 - 1};
+    return oneIn(30) ? pickOf(odd) : static_cast<int>(pick(0, 20));
+  }
+
+  // Mostly even, because one of the SDKs takes no odd sizes.
+  int evenly(long size) { return static_cast<int>(oneIn(5) ? size : size / 2 * 2); }
+
+  void open() {
+    const Contract& contract = library_->contract();
+    const auto count = static_cast<long>(contract.cameraCount());
+    OpenArguments arguments;
+    const bool isKnown = count > 0 && !oneIn(20);
+    arguments.index = static_cast<int>(isKnown ? pick(0, count - 1) : pick(-2, count + 1));
+    if (arguments.index >= 0 && arguments.index < count) {
+      const auto index = static_cast<std::size_t>(arguments.index);
+      const std::vector<int>& bins = contract.bins(index);
+      const std::vector<int>& formats = contract.formats(index);
+      arguments.bin = oneIn(25) ? static_cast<int>(pick(-1, 6)) : pickOf(bins);
+      arguments.format = oneIn(25) ? static_cast<int>(pick(-1, 6)) : pickOf(formats);
+      const int width = contract.maxWidth(index);
+      const int height = contract.maxHeight(index);
+      arguments.width = oneIn(3) ? evenly(pick(-1, width + 2)) : width;
+      arguments.height = oneIn(3) ? evenly(pick(-1, height + 2)) : height;
+    }
+    arguments.exposureUs = exposure();
+    arguments.gain = gain();
+    arguments.offset = offset();
+    const auto opened = library_->open(arguments);
+    ++counts_[opened == 1 ? "opened" : "not opened"];
+    if (opened != 1) {
+      expectNothingOpen();
+    }
+  }
+
+  void read() {
+    for (const SimulatedSdk& sdk : sdks_) {
+      sdk.advance_clock(pick(0, 100000));
+    }
+    constexpr std::uint8_t untouched = 0xA5;
+    const int size = library_->contract().bufferSize();
+    const long kind = pick(1, 50);
+    const int length = kind == 1   ? size - 1
+                       : kind == 2 ? static_cast<int>(pick(-1, size))
+                       : kind <= 5 ? size + static_cast<int>(pick(1, 1000))
+                                   : size;
+    buffer_.assign(static_cast<std::size_t>(std::max(length, size)) + 64, untouched);
+    std::uint8_t* const buffer = kind == 6 ? nullptr : buffer_.data();
+    const auto bytes = library_->read(buffer, length, static_cast<int>(pick(-1, 600)));
+    ++counts_[*bytes > 0 ? "frames" : *bytes == 0 ? "no frame yet" : "reads failed"];
+    const auto end = buffer_.begin() + std::max(length, 0);
+    if (std::any_of(end, buffer_.end(), [](std::uint8_t byte) { return byte != untouched; })) {
+      throw Breach{"written past the buffer"};
+    }
+  }
+
+  // Lets a call fail some calls from now, for once or for some time.
+  void force() {
+    const auto family = static_cast<std::size_t>(pick(0, sdkCount - 1));
+    const std::string function = pickOf(sdkFunctions()[family]);
+    const bool isHandle = function == "OpenQHYCCD" || function == "Toupcam_Open";
+    const std::int64_t code = isHandle ? 0 : pickOf(families_[family].codes);
+    sdks_[family].forceResult(function.c_str(), code, static_cast<int>(pick(1, 6)),
+                              static_cast<int>(pick(1, 3)));
+    mayHaveLeftOpen_ = mayHaveLeftOpen_ || function == families_[family].closeCall;
+    ++counts_["faults"];
+  }
+
+  // Takes all faults back; a camera that a forced failure has kept open is plugged in anew.
+  void repair() {
+    for (std::size_t family = 0; family < sdkCount; ++family) {
+      sdks_[family].clear_faults();
+      if (mayHaveLeftOpen_ && !library_->contract().isOpen()) {
+        sdks_[family].setCameras(world_[family]);
+      }
+    }
+    mayHaveLeftOpen_ = mayHaveLeftOpen_ && library_->contract().isOpen();
+  }
+
+  void plug() {
+    const auto family = static_cast<std::size_t>(pick(0, sdkCount - 1));
+    const int camera = static_cast<int>(pick(0, 2));
+    sdks_[family].set_plugged(camera, oneIn(3) ? 0 : 1);
+  }
+
+  void changeDirectory() {
+    nameDirectory(static_cast<int>(pick(bareNames, 2)));
+    if (directory_ == bareNames && !bareNamesAreFound) {
+      nameDirectory(static_cast<int>(pick(0, 2)));
+    }
+  }
+
+  void nameDirectory(int choice) {
+    library_->libraryDir(
+        choice == bareNames ? nullptr : directories_[static_cast<std::size_t>(choice)].c_str());
+    directory_ = choice;
+  }
+
+  void step() {
+    const Contract& contract = library_->contract();
+    // A closed library has little to say: it is opened soon, or something around it changes.
+    const bool opens = !contract.isOpen() && contract.cameraCount() > 0 && oneIn(2);
+    const long kind = opens ? 700 : contract.isOpen() || oneIn(3) ? pick(1, 1000) : pick(751, 1000);
+    if (kind <= 520) {
+      read();
+    } else if (kind <= 620) {
+      const auto applied = library_->apply(exposure(), gain(), offset());
+      ++counts_[applied == 1 ? "applied" : "not applied"];
+    } else if (kind <= 690) {
+      const auto celsius = library_->temperature();
+      ++counts_[std::isnan(*celsius) ? "no temperature" : "temperatures"];
+    } else if (kind <= 720) {
+      open();
+    } else if (kind <= 750) {
+      library_->close();
+      expectNothingOpen();
+    } else if (kind <= 800) {
+      isScanning_ = true;
+      const auto cameras = library_->scan();
+      isScanning_ = false;
+      ++counts_[*cameras > 0 ? "scans" : *cameras == 0 ? "scans without cameras" : "scans refused"];
+    } else if (kind <= 860) {
+      library_->info(static_cast<int>(pick(-1, static_cast<long>(contract.cameraCount()))));
+    } else if (kind <= 885) {
+      force();
+    } else if (kind <= 925) {
+      repair();
+    } else if (kind <= 950) {
+      plug();
+    } else if (kind <= 985) {
+      changeDirectory();
+    } else if (!contract.isOpen()) {
+      load();
+      ++counts_["processes"];
+    }
+    messages_.insert(library_->contract().error());
+  }
+
+  void expectNothingOpen() {
+    for (const SimulatedSdk& sdk : sdks_) {
+      const SimInvariants now = sdk.invariants();
+      if ((now.devicesOpen > 0 && !mayHaveLeftOpen_) || now.streamsRunning > now.devicesOpen ||
+          (now.streamsRunning > 0 && !mayHaveLeftOpen_)) {
+        throw Breach{"left open: devices " + std::to_string(now.devicesOpen) + ", streams " +
+                     std::to_string(now.streamsRunning)};
+      }
+    }
+  }
+
+  void expectNothingWentWrong() {
+    for (const SimulatedSdk& sdk : sdks_) {
+      const SimInvariants now = sdk.invariants();
+      EXPECT_EQ(now.callsOnClosed, 0);
+      EXPECT_EQ(now.stopsWithoutStart, 0);
+      EXPECT_EQ(now.shortBuffers, 0);
+      EXPECT_EQ(now.writesPastBuffer, 0);
+    }
+  }
+
+  std::vector<TorturedFamily> families_;
+  SdkDirectory even_{"even"};
+  SdkDirectory odd_{"odd"};
+  std::vector<std::string> directories_;
+  World world_;
+  std::vector<SimulatedSdk> sdks_;
+  std::optional<LibraryUnderTest> loaded_;
+  std::optional<CheckedLibrary> library_;
+  int directory_ = bareNames;  // or 0 for the even SDKs', 1 for the others', 2 for nowhere
+  bool isScanning_ = false;
+  bool mayHaveLeftOpen_ = false;
+  std::vector<std::uint8_t> buffer_;
+  std::mt19937_64 random_;
+  std::map<std::string, long> counts_;
+  std::set<std::string> messages_;
+};
+
+TEST_P(RandomSessions, KeepTheContract) {
+  const long seed = chosen("ORVANE_RANDOM_SEED", 0) * 1000 + GetParam();
+  const long steps = chosen("ORVANE_RANDOM_STEPS", usualSteps);
+  random_.seed(static_cast<std::uint64_t>(seed));
+  load();
+  for (long i = 0; i < steps; ++i) {
+    try {
+      step();
+    } catch (const Breach& breach) {
+      FAIL() << "step " << i << " with seed " << seed << " (ORVANE_RANDOM_SEED=" << seed / 1000
+             << "): " << breach.text;
+    }
+  }
+  library_->close();
+  expectNothingWentWrong();
+
+  std::cout << "random|seed " << seed << "|steps " << steps;
+  for (const auto& [what, count] : counts_) {
+    std::cout << "|" << what << " " << count;
+  }
+  std::cout << "|messages " << messages_.size() << "\n" << std::flush;
+  RecordProperty("steps", static_cast<int>(steps));
+  // Enough of everything, so that the steps were no idle ones.
+  for (const char* what : {"opened", "not opened", "scans", "scans refused", "applied",
+                           "not applied", "temperatures", "faults"}) {
+    EXPECT_GE(counts_[what], steps / 200) << what;
+  }
+  EXPECT_GE(counts_["frames"], steps / 10);
+  EXPECT_GE(counts_["processes"], steps / 2000);
+  EXPECT_GE(messages_.size(), 25U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessions, ::testing::Range(1, 5));
+
+}  // namespace
+}  // namespace orvane::testing

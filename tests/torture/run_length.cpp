@@ -1,0 +1,23 @@
+// How long a test runs, where its user may choose.
+#include "torture/run_length.hpp"
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace orvane::testing {
+
+long chosen(const char* variable, long otherwise) {
+  const char* const text = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): one thread
+  if (text == nullptr || *text == '\0') {
+    return otherwise;
+  }
+  char* end = nullptr;
+  const long number = std::strtol(text, &end, 10);
+  if (*end != '\0') {
+    throw std::runtime_error(std::string(variable) + " is no number: " + text);
+  }
+  return number;
+}
+
+}  // namespace orvane::testing

@@ -1,0 +1,515 @@
+// Everything that can fail, failing in turn: in a full session with one camera, each call into the
+// SDK once with each of the maker's codes, each function once missing, each look-up once in vain,
+// each allocation once out of memory, the camera once unplugged before each call. Every run must
+// keep the contract, leave nothing open, lose no memory, and be followed by a session in which all
+// is well.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "api/state.hpp"
+#include "support/sdk_directory.hpp"
+#include "torture/checked_library.hpp"
+#include "torture/failing_allocation.hpp"
+#include "torture/families.hpp"
+#include "torture/sdk_gate.hpp"
+
+namespace orvane::testing {
+namespace {
+
+constexpr Exports linked{::oc_library_dir, ::oc_scan,   ::oc_libraries,   ::oc_info, ::oc_open,
+                         ::oc_width,       ::oc_height, ::oc_buffer_size, ::oc_read, ::oc_apply,
+                         ::oc_temperature, ::oc_close,  ::oc_error};
+
+#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__)
+constexpr bool isThorough = false;  // every run takes longer here
+#else
+constexpr bool isThorough = true;
+#endif
+
+constexpr int readsInSession = 5;
+constexpr int exposureUs = 20000;
+constexpr int framePeriodUs = 1000000;  // beyond any camera's
+
+// One thing that goes wrong in a session.
+struct Fault {
+  enum class Kind {
+    None,
+    Result,       // a call does nothing but return a code
+    EveryResult,  // and so do all that follow
+    Remark,       // a call succeeds with a code that says more than that
+    Missing,      // a function, all the time
+    MissingOnce,  // one look-up
+    Allocation,
+    Unplugged,
+  };
+
+  Kind kind = Kind::None;
+  std::string function;     // whose call or look-up
+  int nth = 0;              // which of its calls; which of all look-ups or allocations
+  std::int64_t result = 0;  // of the call
+};
+
+std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
+  constexpr const char* kinds[] = {"nothing",          "failed call",  "failed calls", "remark",
+                                   "missing function", "vain look-up", "allocation",   "unplugged"};
+  return stream << kinds[static_cast<std::size_t>(fault.kind)] << " " << fault.function
+                << ", number " << fault.nth << ", code " << fault.result;
+}
+
+// A call of the undisturbed session.
+struct RecordedCall {
+  std::string function;
+  int nth;  // among the calls of this function
+};
+
+// What a session came to; empty where std::bad_alloc left a function.
+struct Outcome {
+  std::optional<int> scanned;
+  std::optional<int> opened;
+  int frames = 0;
+  std::optional<int> applied;
+  std::optional<double> celsius;
+  std::optional<int> rescanned;
+};
+
+// Assigning a new state would let its strings keep their memory.
+void forgetEverything() {
+  std::destroy_at(&state);
+  std::construct_at(&state);
+}
+
+class TortureTest : public ::testing::Test {
+ protected:
+  explicit TortureTest(TorturedFamily family)
+      : family_(std::move(family)),
+        camera_(torturedCamera(family_.mosaic)),
+        sdk_(installed()),
+        isQhy_(std::string(family_.baseName) == "qhyccd") {
+    SdkGate& gate = sdkGate();
+    gate.directory = directory_.utf8();
+    gate.baseName = family_.baseName;
+    gate.sdk = &sdk_;
+    for (std::size_t i = 0; i < world_.size(); ++i) {
+      if (gate.baseName == sdkNameOf[i]) {
+        world_[i] = {camera_};
+      }
+    }
+    whenAllocationFails([] { sdkGate().eventsBeforeFailure = sdkGate().passed.size(); });
+  }
+
+  // Records the calls of a session in which nothing goes wrong.
+  void recordSession() {
+    startAnew();
+    try {
+      CheckedLibrary library = checkedLibrary();
+      countAllocations(0);
+      expectAllWell(session(library, 0));
+      isQhyReady_ = true;
+    } catch (const Breach& breach) {
+      leaveLibrary();
+      FAIL() << breach.text;
+    }
+    // Only now the SDK is in the state in which all further sessions find it.
+    startAnew();
+    CheckedLibrary library = checkedLibrary();
+    countAllocations(0);
+    session(library, 0);
+    allocations_ = allocationCount();
+    std::map<std::string, int> calls;
+    for (const char* function : sdkGate().lookups) {
+      recorded_.push_back({function, ++calls[function]});
+    }
+    functions_ = static_cast<int>(calls.size());
+    EXPECT_GE(static_cast<int>(recorded_.size()), family_.leastCalls);
+    EXPECT_GE(functions_, family_.leastFunctions);
+    EXPECT_GE(allocations_, 15);
+  }
+
+  // One run: the disturbed session, then one in which everything works again. Returns whether all
+  // was as it must be.
+  bool run(const Fault& fault) {
+    startAnew();
+    inject(fault);
+    try {
+      CheckedLibrary library = checkedLibrary();
+      const int leftOpen = mostLeftOpen(fault);
+      const Outcome outcome = session(library, leftOpen);
+      ++runs_;
+      failedScans_ += outcome.scanned != 1 ? 1 : 0;
+      failedOpens_ += outcome.opened != 1 ? 1 : 0;
+
+      repair(leftOpen);
+      expectAllWell(session(library, 0));
+      expectNothingOpen(0);
+    } catch (const Breach& breach) {
+      leaveLibrary();
+      ADD_FAILURE() << breach.text;
+    }
+    forgetEverything();
+    EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
+    if (HasFailure()) {
+      std::cout << "after: " << fault << "\n" << std::flush;
+    }
+    return !HasFailure();
+  }
+
+  // Prints and records what a test case came to. Returns the number of runs.
+  int report(const char* kind) {
+    RecordProperty("runs", runs_);
+    RecordProperty("runs_without_camera", failedScans_);
+    RecordProperty("runs_without_stream", failedOpens_);
+    std::cout << "torture|" << family_.baseName << "|" << kind << "|runs " << runs_ << "|calls "
+              << recorded_.size() << "|functions " << functions_ << "|scans failed " << failedScans_
+              << "|opens failed " << failedOpens_ << "|messages " << messages_.size() << "\n"
+              << std::flush;
+    return runs_;
+  }
+
+  // Everything as in a new process, but for the initialisation of QHYCCD's SDK: the library does
+  // that in its first scan and never again, so that a SDK that was reset has to be told.
+  void startAnew() {
+    forgetEverything();
+    countAllocations(0);
+    sdk_.reset();
+    sdk_.stop_clock(1);
+    sdk_.setCameras({camera_});
+    if (isQhyReady_ && isQhy_) {
+      sdk_.library.function<std::uint32_t()>("InitQHYCCDResource")();
+    }
+    sdk_.log_enable(1);
+    sdkGate().reset();
+  }
+
+  CheckedLibrary checkedLibrary() {
+    Surroundings surroundings;
+    surroundings.takeEvents = [] { return sdkGate().takeEvents(); };
+    surroundings.enter = [this] {
+      hadFailed_ = hasAllocationFailed();
+      enterLibrary();
+    };
+    surroundings.leave = [this]() -> std::optional<std::size_t> {
+      leaveLibrary();
+      return !hadFailed_ && hasAllocationFailed() ? std::optional(sdkGate().eventsBeforeFailure)
+                                                  : std::nullopt;
+    };
+    return {linked, Contract(world_, isQhyReady_), surroundings};
+  }
+
+  void inject(const Fault& fault) {
+    const char* const function = fault.function.c_str();
+    switch (fault.kind) {
+      case Fault::Kind::None:
+        break;
+      case Fault::Kind::Result:
+        sdk_.forceResult(function, fault.result, fault.nth, 1);
+        break;
+      case Fault::Kind::EveryResult:
+        sdk_.forceResult(function, fault.result, fault.nth);
+        break;
+      case Fault::Kind::Remark:
+        sdk_.forceOutput(function, "result", static_cast<double>(fault.result), fault.nth, 1);
+        break;
+      case Fault::Kind::Missing:
+        sdkGate().hidden = fault.function;
+        break;
+      case Fault::Kind::MissingOnce:
+        sdkGate().hiddenLookup = static_cast<std::size_t>(fault.nth);
+        break;
+      case Fault::Kind::Allocation:
+        countAllocations(fault.nth);
+        break;
+      case Fault::Kind::Unplugged:
+        EXPECT_EQ(
+            sdk_.command(("unplug 0 " + fault.function + " " + std::to_string(fault.nth)).c_str()),
+            1);
+    }
+  }
+
+  void repair(int leftOpen) {
+    countAllocations(0);
+    sdk_.clear_faults();
+    sdkGate().hidden.clear();
+    sdkGate().hiddenLookup = 0;
+    sdk_.set_plugged(0, 1);
+    if (leftOpen > 0) {
+      sdk_.setCameras({camera_});  // as if the camera had been plugged out and in again
+    }
+  }
+
+  // A device that the SDK refuses to close stays open in it, through no fault of the library's.
+  int mostLeftOpen(const Fault& fault) const {
+    const bool preventsCall = fault.kind == Fault::Kind::Result ||
+                              fault.kind == Fault::Kind::Missing ||
+                              fault.kind == Fault::Kind::MissingOnce;
+    return preventsCall && fault.function == family_.closeCall ? 1 : 0;
+  }
+
+  // A full session. At most so many devices may be open in the SDK when nothing is to be.
+  Outcome session(CheckedLibrary& library, int leftOpen) {
+    Outcome outcome;
+    const auto note = [&] { messages_.insert(library.contract().error()); };
+    library.libraryDir(sdkGate().directory.c_str());
+    outcome.scanned = library.scan();
+    note();
+    expectNothingOpen(leftOpen);
+    for (int index = -1; index <= static_cast<int>(library.contract().cameraCount()); ++index) {
+      library.info(index);
+    }
+    OpenArguments arguments;
+    arguments.width = camera_.width;
+    arguments.height = camera_.height;
+    arguments.format = family_.format;
+    arguments.exposureUs = exposureUs;
+    arguments.gain = 100;
+    arguments.offset = 5;
+    outcome.opened = library.open(arguments);
+    note();
+    if (outcome.opened != 1) {
+      expectNothingOpen(leftOpen);
+    }
+    for (int i = 0; i < readsInSession; ++i) {
+      outcome.frames += readFrame(library) > 0 ? 1 : 0;
+      note();
+    }
+    outcome.applied = library.apply(exposureUs / 2, 200, 6);
+    note();
+    outcome.celsius = library.temperature();
+    library.close();
+    expectNothingOpen(leftOpen);
+    expectClosed(library);
+    outcome.rescanned = library.scan();
+    note();
+    expectNothingOpen(leftOpen);
+    return outcome;
+  }
+
+  // Into a buffer of exactly the size that is demanded; the bytes behind it must stay as they are.
+  int readFrame(CheckedLibrary& library) {
+    if (!family_.waitsForFrames) {
+      sdk_.advance_clock(framePeriodUs);
+    }
+    constexpr std::uint8_t untouched = 0xA5;
+    const auto size = static_cast<std::ptrdiff_t>(std::max(library.contract().bufferSize(), 1));
+    buffer_.assign(static_cast<std::size_t>(size) + 64, untouched);
+    const std::optional<int> bytes = library.read(buffer_.data(), static_cast<int>(size), 540);
+    EXPECT_TRUE(std::all_of(buffer_.begin() + size, buffer_.end(), [](std::uint8_t byte) {
+      return byte == untouched;
+    })) << "written past the buffer";
+    return bytes.value_or(-1);
+  }
+
+  void expectNothingOpen(int leftOpen) {
+    const SimInvariants now = sdk_.invariants();
+    EXPECT_LE(now.devicesOpen, leftOpen);
+    EXPECT_EQ(now.streamsRunning, 0);
+    EXPECT_EQ(now.callsOnClosed, 0);
+    EXPECT_EQ(now.stopsWithoutStart, 0);
+    EXPECT_EQ(now.shortBuffers, 0);
+    EXPECT_EQ(now.writesPastBuffer, 0);
+  }
+
+  static void expectClosed(CheckedLibrary& library) {
+    EXPECT_EQ(::oc_buffer_size(), 0);
+    std::uint8_t byte = 0;
+    // Where memory runs out for the very message, the contract has seen to the other one.
+    const auto expectRefused = [](const auto& call, int failure, const char* message) {
+      const bool hadFailed = hasAllocationFailed();
+      EXPECT_EQ(call(), failure);
+      EXPECT_STREQ(::oc_error(), hadFailed == hasAllocationFailed() ? message : "std::bad_alloc");
+    };
+    expectRefused([&] { return library.read(&byte, 1, 0); }, -1,
+                  "Camera closed or buffer too small");
+    expectRefused([&] { return library.apply(1, 0, 0); }, 0, "Camera closed");
+    EXPECT_TRUE(std::isnan(library.temperature().value_or(0)));
+  }
+
+  static void expectAllWell(const Outcome& outcome) {
+    EXPECT_EQ(outcome.scanned, 1);
+    EXPECT_EQ(outcome.opened, 1);
+    EXPECT_EQ(outcome.frames, readsInSession);
+    EXPECT_EQ(outcome.applied, 1);
+    EXPECT_TRUE(std::isfinite(outcome.celsius.value_or(HUGE_VAL)));
+    EXPECT_EQ(outcome.rescanned, 1);
+  }
+
+  SimulatedSdk installed() const {
+    directory_.add(family_.baseName);
+    return SimulatedSdk(directory_.file(family_.baseName));
+  }
+
+  TorturedFamily family_;
+  SimCamera camera_;
+  SdkDirectory directory_;
+  SimulatedSdk sdk_;
+  bool isQhy_;
+  World world_;
+  std::vector<std::uint8_t> buffer_;
+  std::vector<RecordedCall> recorded_;
+  int functions_ = 0;
+  long allocations_ = 0;
+  bool isQhyReady_ = false;
+  bool hadFailed_ = false;
+
+  int runs_ = 0;
+  int failedScans_ = 0;
+  int failedOpens_ = 0;
+  std::set<std::string> messages_;
+};
+
+class Torture : public TortureTest, public ::testing::WithParamInterface<TorturedFamily> {
+ protected:
+  Torture() : TortureTest(GetParam()) {}
+
+  void SetUp() override { recordSession(); }
+
+  // The codes by which a call of the function can fail.
+  std::vector<std::int64_t> codesOf(const std::string& function) const {
+    const auto& handleCalls = family_.handleCalls;
+    if (std::find(handleCalls.begin(), handleCalls.end(), function) != handleCalls.end()) {
+      return {0};
+    }
+    std::vector<std::int64_t> codes;
+    for (std::size_t i = 0; i < family_.codes.size(); i += isThorough ? 1 : family_.codeStep) {
+      codes.push_back(family_.codes[i]);
+    }
+    return codes;
+  }
+};
+
+TEST_P(Torture, EveryCallFailsWithEveryCode) {
+  int expected = 0;
+  for (const auto& [function, nth] : recorded_) {
+    for (const std::int64_t code : codesOf(function)) {
+      ++expected;
+      ASSERT_TRUE(run({Fault::Kind::Result, function, nth, code}));
+    }
+  }
+  EXPECT_EQ(report("failed calls"), expected);
+  EXPECT_GE(expected, family_.leastCalls * (isThorough ? 13 : 1));
+  // Most calls matter: the camera is not found, not opened, or both.
+  EXPECT_GE(failedScans_ + failedOpens_, expected / 10);
+  EXPECT_GE(messages_.size(), static_cast<std::size_t>(functions_));
+}
+
+TEST_P(Torture, EveryCallSucceedsWithARemark) {
+  if (std::string(family_.baseName) != "toupcam") {
+    GTEST_SKIP() << "has one code for success";
+  }
+  for (const auto& [function, nth] : recorded_) {
+    if (function != "Toupcam_Open" && function != "Toupcam_Close") {
+      ASSERT_TRUE(run({Fault::Kind::Remark, function, nth, 1}));
+    }
+  }
+  EXPECT_GE(report("remarks"), 25);
+  // The depth is the one result that is a value: 1 bit leaves the camera without its format.
+  EXPECT_EQ(failedOpens_, 1);
+  EXPECT_EQ(failedScans_, 0);
+}
+
+TEST_P(Torture, EveryFunctionIsMissing) {
+  std::set<std::string> names;
+  for (const RecordedCall& call : recorded_) {
+    names.insert(call.function);
+  }
+  for (const std::string& function : names) {
+    ASSERT_TRUE(run({Fault::Kind::Missing, function, 0, 0}));
+  }
+  EXPECT_EQ(report("missing functions"), functions_);
+  EXPECT_GE(failedOpens_, functions_ / 2);
+}
+
+TEST_P(Torture, EveryLookupFindsNothing) {
+  for (std::size_t k = 0; k < recorded_.size(); ++k) {
+    ASSERT_TRUE(run({Fault::Kind::MissingOnce, recorded_[k].function, static_cast<int>(k + 1), 0}));
+  }
+  EXPECT_EQ(report("vain look-ups"), static_cast<int>(recorded_.size()));
+  EXPECT_GE(failedScans_ + failedOpens_, 10);
+}
+
+TEST_P(Torture, EveryAllocationFails) {
+  for (int k = 1; k <= allocations_; ++k) {
+    ASSERT_TRUE(run({Fault::Kind::Allocation, "", k, 0}));
+  }
+  EXPECT_EQ(report("failed allocations"), allocations_);
+  EXPECT_GE(failedScans_, 3);
+  EXPECT_EQ(messages_.count("std::bad_alloc"), 1U);
+}
+
+TEST_P(Torture, CameraIsUnpluggedBeforeEveryCall) {
+  for (const auto& [function, nth] : recorded_) {
+    ASSERT_TRUE(run({Fault::Kind::Unplugged, function, nth, 0}));
+  }
+  EXPECT_EQ(report("unplugged"), static_cast<int>(recorded_.size()));
+  EXPECT_GE(failedScans_ + failedOpens_, 10);
+}
+
+// QHYCCD's SDK is initialised once per process; until that has succeeded, each scan tries again.
+class TortureOfTheFirstScan : public TortureTest {
+ protected:
+  TortureOfTheFirstScan() : TortureTest(torturedFamilies()[2]) {}
+
+  // One run in which the initialisation does not succeed.
+  void runWithout(const Fault& fault, const std::string& message) {
+    startAnew();
+    inject(fault);
+    try {
+      CheckedLibrary library = checkedLibrary();
+      library.libraryDir(sdkGate().directory.c_str());
+      for (int scan = 0; scan < 2; ++scan) {
+        EXPECT_EQ(library.scan(), 0);
+        EXPECT_STREQ(::oc_error(), message.c_str());
+        EXPECT_EQ(library.open({}), 0);
+        EXPECT_STREQ(::oc_error(), "Camera not found; rescan");
+      }
+      expectNothingOpen(0);
+      expectClosed(library);
+    } catch (const Breach& breach) {
+      leaveLibrary();
+      ADD_FAILURE() << breach.text;
+    }
+    forgetEverything();
+    EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
+    ++runs_;
+  }
+};
+
+TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
+  const std::string function = "InitQHYCCDResource";
+  for (const std::int64_t code : family_.codes) {
+    runWithout({Fault::Kind::EveryResult, function, 1, code},
+               function + ": " + std::to_string(code));
+    if (HasFailure()) {
+      break;
+    }
+  }
+  runWithout({Fault::Kind::Missing, function, 0, 0}, "qhyccd: missing " + function);
+  EXPECT_EQ(report("first scans"), static_cast<int>(family_.codes.size()) + 1);
+
+  // And then, with the camera plugged out right before it, it succeeds.
+  startAnew();
+  inject({Fault::Kind::Unplugged, function, 1, 0});
+  try {
+    CheckedLibrary library = checkedLibrary();
+    library.libraryDir(sdkGate().directory.c_str());
+    EXPECT_EQ(library.scan(), 0);
+    EXPECT_STREQ(::oc_error(), "");
+    sdk_.set_plugged(0, 1);
+    expectAllWell(session(library, 0));
+  } catch (const Breach& breach) {
+    leaveLibrary();
+    ADD_FAILURE() << breach.text;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sdks, Torture, ::testing::ValuesIn(torturedFamilies()),
+                         [](const auto& instance) { return std::string(instance.param.baseName); });
+
+}  // namespace
+}  // namespace orvane::testing
