@@ -24,6 +24,8 @@ endif()
 
 if(ORVANE_SANITIZE)
   target_compile_options(orvane_warnings INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # GCC takes the sanitizers' own code for uses of what is not initialised.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(orvane_warnings INTERFACE -fsanitize=address,undefined)
 endif()

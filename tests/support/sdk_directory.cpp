@@ -53,7 +53,8 @@ void removeFunction(std::string& image, const std::string& function) {
 
 SdkDirectory::SdkDirectory(const std::string& name) {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-  path_ = std::filesystem::path(ORVANE_SCRATCH_DIR) /
+  // Full, with its drive: Windows searches beside a library only when it is named by a full path.
+  path_ = std::filesystem::absolute(ORVANE_SCRATCH_DIR) /
           (std::string(test->test_suite_name()) + "." + test->name()) / name;
   path_.make_preferred();
   std::filesystem::remove_all(path_);

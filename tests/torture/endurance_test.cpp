@@ -58,13 +58,14 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<Tortu
     const Usage before;
     using Clock = std::chrono::steady_clock;
     std::vector<double> tenths;
+    const long perTenth = times / 10;
     for (int tenth = 0; tenth < 10; ++tenth) {
       const Clock::time_point start = Clock::now();
-      for (long i = 0; i < times / 10; ++i) {
+      for (long i = 0; i < perTenth; ++i) {
         ASSERT_NO_FATAL_FAILURE(body());
       }
       tenths.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count() /
-                       static_cast<double>(times / 10));
+                       static_cast<double>(perTenth));
     }
     const Usage after;
     const double ratio = tenths.back() / tenths.front();
@@ -77,7 +78,7 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<Tortu
 
     EXPECT_EQ(after.handles, before.handles);
     // A simulated SDK never forgets a handle, so that a closed one stays recognisable.
-    constexpr long slack = 64 * 1024;
+    constexpr long slack = 64L * 1024;
     EXPECT_LE(heap, slack * heapUnit + handleBytes * times);
     EXPECT_LE(grown(before.resident, after.resident), 8L * 1024 * 1024);
     if (const long most = chosen("ORVANE_SOAK_RATIO", 0); most > 0) {

@@ -2,6 +2,7 @@
 // four SDKs beside it, while cameras are plugged out and in, calls of the SDKs fail, and
 // directories come and go. Every step is held against the contract. ORVANE_RANDOM_STEPS and
 // ORVANE_RANDOM_SEED choose another length and other sessions; a failure tells its seed.
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <map>
@@ -249,6 +250,18 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     ++counts_["faults"];
   }
 
+  // Lets the next scan fail for several SDKs, each in the middle of its cameras.
+  void failDiscoveries() {
+    constexpr const char* functions[] = {"ASIGetCameraProperty", "POAGetCameraProperties",
+                                         "GetQHYCCDId", "Toupcam_get_RawFormat"};
+    for (std::size_t family = 0; family < sdkCount; ++family) {
+      if (oneIn(2)) {
+        sdks_[family].forceResult(functions[family], pickOf(families_[family].codes),
+                                  static_cast<int>(pick(1, 3)), 1);
+      }
+    }
+  }
+
   // Takes all faults back; a camera that a forced failure has kept open is plugged in anew.
   void repair() {
     for (std::size_t family = 0; family < sdkCount; ++family) {
@@ -298,6 +311,9 @@ class RandomSessions : public ::testing::TestWithParam<int> {
       library_->close();
       expectNothingOpen();
     } else if (kind <= 800) {
+      if (oneIn(3)) {
+        failDiscoveries();
+      }
       isScanning_ = true;
       const auto cameras = library_->scan();
       isScanning_ = false;
@@ -387,6 +403,9 @@ TEST_P(RandomSessions, KeepTheContract) {
   EXPECT_GE(counts_["frames"], steps / 10);
   EXPECT_GE(counts_["processes"], steps / 2000);
   EXPECT_GE(messages_.size(), 25U);
+  EXPECT_TRUE(std::any_of(messages_.begin(), messages_.end(), [](const std::string& message) {
+    return message.find("; ") != std::string::npos;
+  }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessions, ::testing::Range(1, 5));

@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <numeric>
+#include <algorithm>
 #include <vector>
 
 #include "support/guarded_memory.hpp"
@@ -72,7 +71,7 @@ TEST_P(ByteExchangeWays, NothingBehindTheBufferIsTouched) {
     const std::size_t size = wholeGroups(length);
     std::uint8_t* const pixels = memory.end() - size;
     const std::vector<std::uint8_t> original = testBytes(size);
-    std::memcpy(pixels, original.data(), size);
+    std::copy(original.begin(), original.end(), pixels);
     exchangeRedAndBlue(GetParam(), pixels, length);
     std::vector<std::uint8_t> expected = original;
     exchangeByTheRule(expected.data(), length);
@@ -85,7 +84,7 @@ TEST_P(ByteExchangeWays, NothingBeforeTheBufferIsTouched) {
   for (std::size_t length = 0; length <= 700; ++length) {
     const std::size_t size = wholeGroups(length);
     const std::vector<std::uint8_t> original = testBytes(size);
-    std::memcpy(memory.begin(), original.data(), size);
+    std::copy(original.begin(), original.end(), memory.begin());
     exchangeRedAndBlue(GetParam(), memory.begin(), length);
     std::vector<std::uint8_t> expected = original;
     exchangeByTheRule(expected.data(), length);
