@@ -8,7 +8,7 @@ set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${test_tools[@]}"
+  "${host_headers[@]}" "${test_tools[@]}"
 
 export ORVANE_SOAK_CYCLES="${SOAK_CYCLES:-10000}"
 export ORVANE_SOAK_READS="${SOAK_READS:-1000000}"

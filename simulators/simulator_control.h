@@ -38,43 +38,43 @@ extern "C" {
  * the maker's own codes, also when they make no sense; so a test can describe a camera that lies.
  */
 typedef struct SimCamera {
-    /* UTF-8, copied into the maker's field; one that fills the field gets no NUL. ToupTek on
-     * Windows: converted to UTF-16; the bytes ED A0 80 to ED BF BF give the lone surrogate that
-     * they would stand for. */
-    char name[256];
-    char key[256];       /* QHYCCD and ToupTek: the id string, likewise; ignored by the others */
-    int32_t id;          /* ZWO and Player One: the camera id; ignored by the others */
-    int32_t width;       /* sensor, pixels */
-    int32_t height;
-    double pixelSizeUm;
-    int32_t bitDepth;    /* of the converter, 8 to 16 */
-    int32_t isColor;
-    int32_t mosaic;      /* the maker's own mosaic code (ToupTek: the four-character code of frames
-                          * as they come unless the upside-down option is changed); a colour camera
-                          * with a code that is none delivers RGGB */
-    int32_t isCooled;
-    int32_t isUsb3Camera;
-    int32_t isUsb3Host;
-    int32_t bins[16];    /* in the maker's order, as reported, 0 ends */
-    int32_t formats[8];  /* the maker's format codes, as reported, -1 ends; QHYCCD and ToupTek:
-                          * unused */
-    double gainMin, gainMax;
-    double exposureMinUs, exposureMaxUs;
-    double offsetMin, offsetMax;  /* no offset control when the maximum is below the minimum */
-    int32_t hasTemperature;
-    int32_t isBusy;      /* opened by another program: cannot be opened here */
+  /* UTF-8, copied into the maker's field; one that fills the field gets no NUL. ToupTek on
+   * Windows: converted to UTF-16; the bytes ED A0 80 to ED BF BF give the lone surrogate that
+   * they would stand for. */
+  char name[256];
+  char key[256]; /* QHYCCD and ToupTek: the id string, likewise; ignored by the others */
+  int32_t id;    /* ZWO and Player One: the camera id; ignored by the others */
+  int32_t width; /* sensor, pixels */
+  int32_t height;
+  double pixelSizeUm;
+  int32_t bitDepth; /* of the converter, 8 to 16 */
+  int32_t isColor;
+  int32_t mosaic; /* the maker's own mosaic code (ToupTek: the four-character code of frames
+                   * as they come unless the upside-down option is changed); a colour camera
+                   * with a code that is none delivers RGGB */
+  int32_t isCooled;
+  int32_t isUsb3Camera;
+  int32_t isUsb3Host;
+  int32_t bins[16];   /* in the maker's order, as reported, 0 ends */
+  int32_t formats[8]; /* the maker's format codes, as reported, -1 ends; QHYCCD and ToupTek:
+                       * unused */
+  double gainMin, gainMax;
+  double exposureMinUs, exposureMaxUs;
+  double offsetMin, offsetMax; /* no offset control when the maximum is below the minimum */
+  int32_t hasTemperature;
+  int32_t isBusy; /* opened by another program: cannot be opened here */
 } SimCamera;
 
 /* What must never happen, counted since the last sim_reset(), and what is open now. */
 typedef struct SimInvariants {
-    int32_t devicesOpen;        /* now */
-    int32_t streamsRunning;     /* now */
-    int32_t callsOnClosed;      /* calls on an id or handle that was not open, closing aside */
-    int32_t stopsWithoutStart;  /* stops of an open device whose stream was not running */
-    int32_t shortBuffers;       /* frame calls whose buffer was too small; nothing was written */
-    int32_t writesPastBuffer;   /* frame calls for which the simulator wrote past the stated length:
-                                 * QHYCCD, when a frame is larger than GetQHYCCDMemLength last said;
-                                 * 0 for the others, which never write past a length */
+  int32_t devicesOpen;       /* now */
+  int32_t streamsRunning;    /* now */
+  int32_t callsOnClosed;     /* calls on an id or handle that was not open, closing aside */
+  int32_t stopsWithoutStart; /* stops of an open device whose stream was not running */
+  int32_t shortBuffers;      /* frame calls whose buffer was too small; nothing was written */
+  int32_t writesPastBuffer;  /* frame calls for which the simulator wrote past the stated length:
+                              * QHYCCD, when a frame is larger than GetQHYCCDMemLength last said;
+                              * 0 for the others, which never write past a length */
 } SimInvariants;
 
 /* Everything as it is when the library has just been loaded: default cameras, running clock, no
