@@ -73,7 +73,8 @@ struct POAConfigAttributes {
   char reserved[64];
 };
 
-static_assert(sizeof(POAConfigValue) == 8 && alignof(POAConfigValue) == 8);
+static_assert(sizeof(POAConfigValue) == 8);
+static_assert(alignof(POAConfigValue) == 8);
 static_assert(sizeof(POACameraProperties) == 992 && alignof(POACameraProperties) == 8);
 static_assert(offsetof(POACameraProperties, cameraModelName) == 0);
 static_assert(offsetof(POACameraProperties, cameraID) == 272);
