@@ -62,7 +62,7 @@ struct Library {
 
 // One SDK call of the floor: looked up, then called.
 #define FLOOR_CALL(sdk, name) \
-  reinterpret_cast<name##Signature*>(platform::findFunction((sdk).module, #name))
+  (reinterpret_cast<name##Signature*>(platform::findFunction((sdk).module, #name)))
 
 struct Floor {
   std::function<void(const Library&)> read, apply, temperature;

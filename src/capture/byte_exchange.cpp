@@ -34,7 +34,7 @@ void exchangeScalar(std::uint8_t* pixels, std::size_t pixelCount) {
 ORVANE_TARGET("ssse3")
 void exchangeSsse3(std::uint8_t* pixels, std::size_t pixelCount) {
   constexpr std::ptrdiff_t window = 15;
-  constexpr std::size_t pixelsInBlock = 8 * 5;
+  constexpr std::size_t pixelsInBlock = 40;  // eight windows
   const __m128i order = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15);
   const auto load = [](const std::uint8_t* from) ORVANE_TARGET("ssse3") {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
