@@ -155,7 +155,7 @@ TEST_F(Boundary, WidthAndHeightOutliveTheCloseAndBufferSizeDoesNot) {
 
 TEST_F(Boundary, UnloadingTheLibraryClosesNoCameraAndANewLoadStartsFresh) {
   openSmall();
-  oc.library.unload();
+  oc.module.unload();
   EXPECT_EQ(sdk.takeLog(), "");
   EXPECT_EQ(sdk.invariants().streamsRunning, 1);
   LibraryUnderTest again;

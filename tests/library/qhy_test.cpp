@@ -222,7 +222,7 @@ TEST_F(QhyDiscovery, FailureWhileOpenClosesTheCameraAndEndsTheScan) {
     sdk.setCameras({small, second});
     if (std::string(function) != "SetQHYCCDStreamMode") {
       // The library initialises the SDK once only; a reset has undone it.
-      sdk.library.function<std::uint32_t()>("InitQHYCCDResource")();
+      sdk.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk.takeLog();
     sdk.forceResult(function, qhyError);

@@ -67,11 +67,16 @@ TEST_F(DirectoryName, OfMoreThan200CharactersIsFound) {
 
 #ifdef _WIN32
 TEST_F(DirectoryName, ExtendedFormOfMoreThan260CharactersIsFound) {
-  std::filesystem::path made = L"\\\\?\\" + std::filesystem::absolute(directory.path()).native();
-  for (const std::size_t length : {200, 100}) {
-    made /= std::string(length, 'y');
-    std::filesystem::create_directory(made);
+  // Beside the fixture's directory: what lies this deep cannot be removed by its ordinary path.
+  const std::filesystem::path outer =
+      L"\\\\?\\" + std::filesystem::absolute(directory.path().parent_path()).native() + L"\\" +
+      std::wstring(200, L'y');
+  const std::filesystem::path made = outer / std::wstring(100, L'y');
+  for (const auto& left : {made / "ASICamera2.dll", made, outer}) {
+    std::filesystem::remove(left);  // by an earlier run
   }
+  std::filesystem::create_directory(outer);
+  std::filesystem::create_directory(made);
   directory.add("ASICamera2");
   std::filesystem::rename(directory.file("ASICamera2"), made / "ASICamera2.dll");
   expectFoundIn(utf8Of(made));

@@ -29,7 +29,7 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
   sdk.setCameras({camera()});
   stream(oc, directory);
   sdk.takeLog();
-  oc.library.unload();
+  oc.module.unload();
   EXPECT_EQ(sdk.takeLog(), "");
   EXPECT_EQ(sdk.invariants().devicesOpen, 1);
   EXPECT_EQ(sdk.invariants().streamsRunning, 1);
@@ -48,12 +48,12 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
 TEST_P(Unload, AfterACloseLeavesNothingOpenHoweverOftenItHappens) {
   const SimulatedSdk sdk = install(GetParam());
   sdk.setCameras({camera()});
-  oc.library.unload();
+  oc.module.unload();
   for (int i = 0; i < 10; ++i) {
     LibraryUnderTest next;
     stream(next, directory);
     next.close();
-    next.library.unload();
+    next.module.unload();
   }
   expectClean(sdk);
 }
@@ -62,7 +62,7 @@ TEST_P(Unload, KeepsTheSdkLoaded) {
   directory.add(GetParam());
   EXPECT_FALSE(isLoaded(directory.file(GetParam())));
   EXPECT_GE(oc.scan(), 2);
-  oc.library.unload();
+  oc.module.unload();
   EXPECT_TRUE(isLoaded(directory.file(GetParam())));
 }
 
@@ -75,7 +75,7 @@ TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
     EXPECT_STREQ(library.error(), "");
     EXPECT_STREQ(library.info(0), "{}");
     library.library_dir("somewhere");
-    library.library.unload();
+    library.module.unload();
   }
 }
 

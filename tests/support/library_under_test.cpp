@@ -4,19 +4,19 @@
 namespace orvane::testing {
 
 LibraryUnderTest::LibraryUnderTest()
-    : library(ORVANE_LIBRARY_FILE),
-      library_dir(library.function<decltype(::oc_library_dir)>("oc_library_dir")),
-      scan(library.function<decltype(::oc_scan)>("oc_scan")),
-      libraries(library.function<decltype(::oc_libraries)>("oc_libraries")),
-      info(library.function<decltype(::oc_info)>("oc_info")),
-      open(library.function<decltype(::oc_open)>("oc_open")),
-      width(library.function<decltype(::oc_width)>("oc_width")),
-      height(library.function<decltype(::oc_height)>("oc_height")),
-      buffer_size(library.function<decltype(::oc_buffer_size)>("oc_buffer_size")),
-      read(library.function<decltype(::oc_read)>("oc_read")),
-      apply(library.function<decltype(::oc_apply)>("oc_apply")),
-      temperature(library.function<decltype(::oc_temperature)>("oc_temperature")),
-      close(library.function<decltype(::oc_close)>("oc_close")),
-      error(library.function<decltype(::oc_error)>("oc_error")) {}
+    : module(ORVANE_LIBRARY_FILE),
+      library_dir(module.function<decltype(::oc_library_dir)>("oc_library_dir")),
+      scan(module.function<decltype(::oc_scan)>("oc_scan")),
+      libraries(module.function<decltype(::oc_libraries)>("oc_libraries")),
+      info(module.function<decltype(::oc_info)>("oc_info")),
+      open(module.function<decltype(::oc_open)>("oc_open")),
+      width(module.function<decltype(::oc_width)>("oc_width")),
+      height(module.function<decltype(::oc_height)>("oc_height")),
+      buffer_size(module.function<decltype(::oc_buffer_size)>("oc_buffer_size")),
+      read(module.function<decltype(::oc_read)>("oc_read")),
+      apply(module.function<decltype(::oc_apply)>("oc_apply")),
+      temperature(module.function<decltype(::oc_temperature)>("oc_temperature")),
+      close(module.function<decltype(::oc_close)>("oc_close")),
+      error(module.function<decltype(::oc_error)>("oc_error")) {}
 
 }  // namespace orvane::testing

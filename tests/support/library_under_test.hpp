@@ -12,7 +12,7 @@ namespace orvane::testing {
 struct LibraryUnderTest {
   LibraryUnderTest();
 
-  SharedLibrary library;
+  SharedLibrary module;
   decltype(::oc_library_dir)* library_dir;
   decltype(::oc_scan)* scan;
   decltype(::oc_libraries)* libraries;

@@ -4,23 +4,23 @@
 namespace orvane::testing {
 
 SimulatedSdk::SimulatedSdk(const std::filesystem::path& file)
-    : library(file),
-      reset(library.function<decltype(::sim_reset)>("sim_reset")),
-      set_cameras(library.function<decltype(::sim_set_cameras)>("sim_set_cameras")),
-      get_camera(library.function<decltype(::sim_get_camera)>("sim_get_camera")),
-      set_plugged(library.function<decltype(::sim_set_plugged)>("sim_set_plugged")),
-      force_result(library.function<decltype(::sim_force_result)>("sim_force_result")),
-      force_output(library.function<decltype(::sim_force_output)>("sim_force_output")),
-      clear_faults(library.function<decltype(::sim_clear_faults)>("sim_clear_faults")),
-      set_seed(library.function<decltype(::sim_set_seed)>("sim_set_seed")),
-      stop_clock(library.function<decltype(::sim_stop_clock)>("sim_stop_clock")),
-      advance_clock(library.function<decltype(::sim_advance_clock)>("sim_advance_clock")),
-      render_frame(library.function<decltype(::sim_render_frame)>("sim_render_frame")),
-      log_enable(library.function<decltype(::sim_log_enable)>("sim_log_enable")),
-      log(library.function<decltype(::sim_log)>("sim_log")),
-      log_clear(library.function<decltype(::sim_log_clear)>("sim_log_clear")),
-      read_invariants(library.function<decltype(::sim_invariants)>("sim_invariants")),
-      command(library.function<decltype(::sim_command)>("sim_command")) {
+    : module(file),
+      reset(module.function<decltype(::sim_reset)>("sim_reset")),
+      set_cameras(module.function<decltype(::sim_set_cameras)>("sim_set_cameras")),
+      get_camera(module.function<decltype(::sim_get_camera)>("sim_get_camera")),
+      set_plugged(module.function<decltype(::sim_set_plugged)>("sim_set_plugged")),
+      force_result(module.function<decltype(::sim_force_result)>("sim_force_result")),
+      force_output(module.function<decltype(::sim_force_output)>("sim_force_output")),
+      clear_faults(module.function<decltype(::sim_clear_faults)>("sim_clear_faults")),
+      set_seed(module.function<decltype(::sim_set_seed)>("sim_set_seed")),
+      stop_clock(module.function<decltype(::sim_stop_clock)>("sim_stop_clock")),
+      advance_clock(module.function<decltype(::sim_advance_clock)>("sim_advance_clock")),
+      render_frame(module.function<decltype(::sim_render_frame)>("sim_render_frame")),
+      log_enable(module.function<decltype(::sim_log_enable)>("sim_log_enable")),
+      log(module.function<decltype(::sim_log)>("sim_log")),
+      log_clear(module.function<decltype(::sim_log_clear)>("sim_log_clear")),
+      read_invariants(module.function<decltype(::sim_invariants)>("sim_invariants")),
+      command(module.function<decltype(::sim_command)>("sim_command")) {
   reset();
   stop_clock(1);
   log_enable(1);

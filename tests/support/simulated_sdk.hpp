@@ -39,7 +39,7 @@ class SimulatedSdk {
     force_output(function, output, nth, times, value);
   }
 
-  SharedLibrary library;
+  SharedLibrary module;
   decltype(::sim_reset)* reset;
   decltype(::sim_set_cameras)* set_cameras;
   decltype(::sim_get_camera)* get_camera;

@@ -120,7 +120,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
   // Loads the library as a new process would.
   void load() {
     if (loaded_) {
-      loaded_->library.unload();
+      loaded_->module.unload();
     }
     loaded_.emplace();
     const LibraryUnderTest& oc = *loaded_;

@@ -23,7 +23,7 @@ std::vector<Event> SdkGate::takeEvents() {
     Event event;
     if (one.isLoad) {
       event.kind = Event::Kind::Load;
-      event.name = one.library;
+      event.name = one.baseName;
       event.isLoaded = one.isFound;
     } else if (!one.isFound) {
       event.kind = Event::Kind::Missing;
@@ -82,8 +82,8 @@ Module loadLibrary(const NativeString& path) noexcept {
   const std::size_t split = bytes.rfind('/');
   testing::SdkGate::Passed load;
   load.isLoad = true;
-  load.library = bytes.substr(split + 1);
-  load.isFound = load.library == gate.baseName && bytes.substr(0, split) == gate.directory;
+  load.baseName = bytes.substr(split + 1);
+  load.isFound = load.baseName == gate.baseName && bytes.substr(0, split) == gate.directory;
   gate.passed.push_back(load);
   return load.isFound ? const_cast<testing::SimulatedSdk*>(gate.sdk) : nullptr;
 }
@@ -98,7 +98,7 @@ FunctionAddress findFunction(Module library, const char* name) noexcept {
   if (gate.hidden != name && gate.hiddenLookup != gate.lookups.size()) {
     try {
       const auto* const sdk = static_cast<const testing::SimulatedSdk*>(library);
-      address = sdk->library.function<void()>(name);
+      address = sdk->module.function<void()>(name);
       lookup.isFound = true;
     } catch (const std::exception&) {
       lookup.isFound = false;

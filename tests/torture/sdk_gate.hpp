@@ -37,7 +37,7 @@ struct SdkGate {
   struct Passed {
     bool isLoad = false;
     const char* name = "";  ///< of a function
-    std::string library;    ///< of a load
+    std::string baseName;   ///< of a load
     bool isFound = false;
   };
   std::vector<Passed> passed;

@@ -181,7 +181,7 @@ class TortureTest : public ::testing::Test {
     sdk_.stop_clock(1);
     sdk_.setCameras({camera_});
     if (isQhyReady_ && isQhy_) {
-      sdk_.library.function<std::uint32_t()>("InitQHYCCDResource")();
+      sdk_.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk_.log_enable(1);
     sdkGate().reset();
