@@ -6,26 +6,16 @@
 //
 // Both contenders run in one process in random order, many short rounds each; what counts is the
 // ratio of their medians. Ends with status 1 when oc_read costs more than GATE times its floor.
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <memory>
-#include <random>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "interleaved.hpp"
+#include "library_by_name.hpp"
 #include "orvane_desktop_camera.h"
-#include "platform/platform.hpp"
-// The makers' functions as types; each is looked up by name here, too.
-#define SDK_FUNCTION(maker, name, ...) using name##Signature = __VA_ARGS__
-#define SDK_HRESULT_FUNCTION(maker, name, ...) SDK_FUNCTION(maker, name, __VA_ARGS__)
-#include "vendors/sdk/asi_sdk.hpp"
-#include "vendors/sdk/playerone_sdk.hpp"
-#include "vendors/sdk/qhyccd_sdk.hpp"
-#include "vendors/sdk/toupcam_sdk.hpp"
+#include "sdk_signatures.hpp"
 
 namespace orvane {
 namespace {
@@ -36,42 +26,16 @@ constexpr int callsInRound = 2000;
 std::uint8_t frame[64 * 48];
 int camera[1];  // stands for any handle: the instant SDKs look at none
 
-platform::NativeString nativeText(const std::string& text) {
-  return {text.begin(), text.end()};
-}
-
-// The thirteen functions as a host finds them that knows the library by name.
-struct Library {
-  explicit Library(const std::string& file) : module(platform::loadLibrary(nativeText(file))) {
-    if (module == nullptr) {
-      throw std::runtime_error("cannot load " + file);
-    }
-  }
-
-  template <class Function>
-  Function* find(const char* name) const {
-    const platform::FunctionAddress address = platform::findFunction(module, name);
-    if (address == nullptr) {
-      throw std::runtime_error(std::string("no function ") + name);
-    }
-    return reinterpret_cast<Function*>(address);
-  }
-
-  platform::Module module;
-};
-
-// One SDK call of the floor: looked up, then called.
-#define FLOOR_CALL(sdk, name) \
-  (reinterpret_cast<name##Signature*>(platform::findFunction((sdk).module, #name)))
+using benchmarks::LibraryByName;
 
 struct Floor {
-  std::function<void(const Library&)> read, apply, temperature;
+  std::function<void(const LibraryByName&)> read, apply, temperature;
 };
 
-const Floor asiFloor{[](const Library& sdk) {
+const Floor asiFloor{[](const LibraryByName& sdk) {
                        FLOOR_CALL(sdk, ASIGetVideoData)(0, frame, sizeof frame, 0);
                      },
-                     [](const Library& sdk) {
+                     [](const LibraryByName& sdk) {
                        FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_EXPOSURE, 1000, 0);
                        FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_GAIN, 1, 0);
                        int count = 0;
@@ -84,63 +48,63 @@ const Floor asiFloor{[](const Library& sdk) {
                          }
                        }
                      },
-                     [](const Library& sdk) {
+                     [](const LibraryByName& sdk) {
                        long value = 0;
                        int isAuto = 0;
                        FLOOR_CALL(sdk, ASIGetControlValue)(0, ASI_TEMPERATURE, &value, &isAuto);
                      }};
 
-const Floor playerOneFloor{[](const Library& sdk) {
+const Floor playerOneFloor{[](const LibraryByName& sdk) {
                              int isReady = 0;
                              FLOOR_CALL(sdk, POAImageReady)(0, &isReady);
                              FLOOR_CALL(sdk, POAGetImageData)(0, frame, sizeof frame, 0);
                            },
-                           [](const Library& sdk) {
+                           [](const LibraryByName& sdk) {
                              POAConfigValue value{.floatValue = 0.0};
                              for (const int id : {POA_EXPOSURE, POA_GAIN, POA_OFFSET}) {
                                value.intValue = 1;
                                FLOOR_CALL(sdk, POASetConfig)(0, id, value, 0);
                              }
                            },
-                           [](const Library& sdk) {
+                           [](const LibraryByName& sdk) {
                              POAConfigValue value{.floatValue = 0.0};
                              int isAuto = 0;
                              FLOOR_CALL(sdk, POAGetConfig)(0, POA_TEMPERATURE, &value, &isAuto);
                            }};
 
 const Floor qhyFloor{
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       std::uint32_t width = 0;
       std::uint32_t height = 0;
       std::uint32_t bits = 0;
       std::uint32_t channels = 0;
       FLOOR_CALL(sdk, GetQHYCCDLiveFrame)(camera, &width, &height, &bits, &channels, frame);
     },
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_EXPOSURE, 1000);
       FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_GAIN, 1);
       if (FLOOR_CALL(sdk, IsQHYCCDControlAvailable)(camera, CONTROL_OFFSET) == QHYCCD_SUCCESS) {
         FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_OFFSET, 1);
       }
     },
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       FLOOR_CALL(sdk, GetQHYCCDParam)
       (camera, CONTROL_CURTEMP);
     }};
 
 const Floor toupTekFloor{
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       unsigned width = 0;
       unsigned height = 0;
       FLOOR_CALL(sdk, Toupcam_PullImageWithRowPitch)(camera, frame, 8, -1, &width, &height);
     },
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       FLOOR_CALL(sdk, Toupcam_put_AutoExpoEnable)(camera, 0);
       FLOOR_CALL(sdk, Toupcam_put_ExpoTime)(camera, 1000);
       FLOOR_CALL(sdk, Toupcam_put_ExpoAGain)(camera, 1);
       FLOOR_CALL(sdk, Toupcam_put_Option)(camera, TOUPCAM_OPTION_BLACKLEVEL, 1);
     },
-    [](const Library& sdk) {
+    [](const LibraryByName& sdk) {
       short tenths = 0;
       FLOOR_CALL(sdk, Toupcam_get_Temperature)(camera, &tenths);
     }};
@@ -155,39 +119,14 @@ const Family families[] = {{"ASICamera2", &asiFloor},
                            {"qhyccd", &qhyFloor},
                            {"toupcam", &toupTekFloor}};
 
-double nanosecondsOf(const std::function<void()>& round) {
-  const auto start = std::chrono::steady_clock::now();
-  round();
-  const std::chrono::duration<double, std::nano> spent = std::chrono::steady_clock::now() - start;
-  return spent.count() / callsInRound;
-}
-
-double median(std::vector<double>& times) {
-  const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-  std::nth_element(times.begin(), middle, times.end());
-  return *middle;
-}
-
 // Runs both contenders and prints their row. Returns ours over the floor's.
 double compare(const char* family, const char* call, const std::function<void()>& ours,
                const std::function<void()>& floor) {
-  static std::minstd_rand random(1);
-  std::vector<double> oursTimes;
-  std::vector<double> floorTimes;
-  for (int i = 0; i < rounds; ++i) {
-    if ((random() & 64U) != 0) {
-      oursTimes.push_back(nanosecondsOf(ours));
-      floorTimes.push_back(nanosecondsOf(floor));
-    } else {
-      floorTimes.push_back(nanosecondsOf(floor));
-      oursTimes.push_back(nanosecondsOf(ours));
-    }
-  }
-  const double oursMedian = median(oursTimes);
-  const double floorMedian = median(floorTimes);
-  std::printf("  %-16s %-15s %9.1f ns %9.1f ns %8.3f\n", family, call, oursMedian, floorMedian,
-              oursMedian / floorMedian);
-  return oursMedian / floorMedian;
+  const benchmarks::Medians medians = benchmarks::timeSideBySide(rounds, ours, floor);
+  const double ratio = medians.ours / medians.floor;
+  std::printf("  %-16s %-15s %9.1f ns %9.1f ns %8.3f\n", family, call, medians.ours / callsInRound,
+              medians.floor / callsInRound, ratio);
+  return ratio;
 }
 
 template <class Body>
@@ -200,7 +139,7 @@ std::function<void()> repeated(Body body) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gate) {
-  const Library library(libraryFile);
+  const LibraryByName library(benchmarks::nativeText(libraryFile));
   const auto open = library.find<decltype(::oc_open)>("oc_open");
   const auto read = library.find<decltype(::oc_read)>("oc_read");
   const auto apply = library.find<decltype(::oc_apply)>("oc_apply");
@@ -216,8 +155,7 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
   for (int i = 0; i < 4; ++i) {
     const char* const baseName = families[i].baseName;
     const Floor* const floor = families[i].floor;
-    const platform::NativeString sdkFile = platform::libraryPath(sdkDirectory, baseName);
-    const Library sdk(std::string(sdkFile.begin(), sdkFile.end()));
+    const LibraryByName sdk(platform::libraryPath(sdkDirectory, baseName));
     if (open(i, 64, 48, 1, 0, 1000, 1, 1) != 1 || read(frame, sizeof frame, 0) != sizeof frame) {
       throw std::runtime_error(std::string(baseName) + ": " + error());
     }

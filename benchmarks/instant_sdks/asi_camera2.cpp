@@ -1,21 +1,37 @@
-// ZWO's ASICamera2 with functions that return at once: one camera of 64 x 48 pixels.
+// ZWO's ASICamera2 with functions that return at once: cameras of 64 x 48 pixels, or of any size
+// with frames that are prepared beforehand.
+#include "instant_cameras.hpp"
+#include "prepared_frames.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
 namespace orvane {
 
+namespace {
+
+benchmarks::PreparedFrames frames;
+int format = ASI_IMG_RAW8;
+
+std::size_t bytesPerPixel() {
+  return format == ASI_IMG_RGB24 ? 3 : format == ASI_IMG_RAW16 ? 2 : 1;
+}
+
+}  // namespace
+
 extern "C" {
 
 int ASIGetNumOfConnectedCameras() {
-  return 1;
+  return benchmarks::instantCameraCount();
 }
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int /*index*/) {
   info->Name[0] = 'i';
-  info->MaxWidth = 64;
-  info->MaxHeight = 48;
+  info->MaxWidth = frames.width();
+  info->MaxHeight = frames.height();
   info->SupportedBins[0] = 1;
-  info->SupportedVideoFormat[1] = ASI_IMG_END;
+  info->SupportedVideoFormat[1] = ASI_IMG_RGB24;
+  info->SupportedVideoFormat[2] = ASI_IMG_RAW16;
+  info->SupportedVideoFormat[3] = ASI_IMG_END;
   return 0;
 }
 
@@ -50,14 +66,14 @@ int ASISetControlValue(int /*cameraId*/, int /*controlType*/, long /*value*/, in
   return 0;
 }
 
-int ASISetROIFormat(int /*cameraId*/, int /*width*/, int /*height*/, int /*bin*/,
-                    int /*imageType*/) {
+int ASISetROIFormat(int /*cameraId*/, int /*width*/, int /*height*/, int /*bin*/, int imageType) {
+  format = imageType;
   return 0;
 }
 
 int ASIGetROIFormat(int /*cameraId*/, int* width, int* height, int* /*bin*/, int* /*imageType*/) {
-  *width = 64;
-  *height = 48;
+  *width = frames.width();
+  *height = frames.height();
   return 0;
 }
 
@@ -71,8 +87,10 @@ int ASIStopVideoCapture(int /*cameraId*/) {
   return 0;
 }
 
-int ASIGetVideoData(int /*cameraId*/, unsigned char* /*buffer*/, long /*bufferSize*/,
-                    int /*waitMs*/) {
+int ASIGetVideoData(int /*cameraId*/, unsigned char* buffer, long /*bufferSize*/, int /*waitMs*/) {
+  if (frames.arePrepared()) {
+    frames.deliver(buffer, frames.pixels() * bytesPerPixel());
+  }
   return 0;
 }
 

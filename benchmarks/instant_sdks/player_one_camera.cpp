@@ -1,4 +1,5 @@
-// Player One's PlayerOneCamera with functions that return at once: one camera of 64 x 48 pixels.
+// Player One's PlayerOneCamera with functions that return at once: cameras of 64 x 48 pixels.
+#include "instant_cameras.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
@@ -7,7 +8,7 @@ namespace orvane {
 extern "C" {
 
 int POAGetCameraCount() {
-  return 1;
+  return benchmarks::instantCameraCount();
 }
 
 int POAGetCameraProperties(int /*index*/, POACameraProperties* properties) {

@@ -1,4 +1,5 @@
-// QHYCCD's qhyccd with functions that return at once: one camera of 64 x 48 pixels.
+// QHYCCD's qhyccd with functions that return at once: cameras of 64 x 48 pixels.
+#include "instant_cameras.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 
@@ -16,7 +17,7 @@ std::uint32_t InitQHYCCDResource() {
   return 0;
 }
 std::uint32_t ScanQHYCCD() {
-  return 1;
+  return static_cast<std::uint32_t>(benchmarks::instantCameraCount());
 }
 
 std::uint32_t GetQHYCCDId(std::uint32_t /*index*/, char* id) {

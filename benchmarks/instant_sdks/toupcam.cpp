@@ -1,4 +1,5 @@
-// ToupTek's toupcam with functions that return at once: one camera of 64 x 48 pixels.
+// ToupTek's toupcam with functions that return at once: cameras of 64 x 48 pixels.
+#include "instant_cameras.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
@@ -24,9 +25,12 @@ const ToupcamModelV2 model{.name = nullptr,
 extern "C" {
 
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
-  devices[0].id[0] = 'i';
-  devices[0].model = &model;
-  return 1;
+  const auto count = static_cast<unsigned>(benchmarks::instantCameraCount());
+  for (unsigned i = 0; i < count; ++i) {
+    devices[i].id[0] = 'i';
+    devices[i].model = &model;
+  }
+  return count;
 }
 
 HToupcam Toupcam_Open(const ToupcamChar* /*id*/) {

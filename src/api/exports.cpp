@@ -2,7 +2,6 @@
 #include "orvane_desktop_camera.h"
 
 #include <limits>
-#include <stdexcept>
 
 #include "api/failure.hpp"
 #include "api/state.hpp"
@@ -13,6 +12,7 @@
 using orvane::orFailure;
 using orvane::quietly;
 using orvane::state;
+using orvane::throwFailure;
 
 void oc_library_dir(const char* dir) {
   state.libraryDir = dir != nullptr ? dir : "";
@@ -65,7 +65,7 @@ int oc_read(uint8_t* buffer, int bufferLength, int timeoutMs) {
 int oc_apply(int64_t exposureUs, int gain, int offset) {
   return orFailure(0, [&] {
     if (!state.active.streaming) {
-      throw std::runtime_error("Camera closed");
+      throwFailure("Camera closed");
     }
     orvane::applyCameraSettings(exposureUs, gain, offset);
     return 1;

@@ -1,4 +1,5 @@
-// From an exception to a return value: how failures inside the library end at its boundary.
+// Failures: how they begin inside the library, as exceptions, and end at its boundary, as return
+// values.
 #pragma once
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 #include "api/state.hpp"
 
 namespace orvane {
+
+/// Throws std::runtime_error with the message.
+[[noreturn]] void throwFailure(const char* message);
 
 /// Keeps the message for oc_error(), cut to the memory at hand where there is no more.
 inline void keepMessage(std::string_view message) noexcept {

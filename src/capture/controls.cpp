@@ -1,7 +1,7 @@
 // Exposure, gain and offset of the open camera, and its temperature.
 #include <limits>
-#include <stdexcept>
 
+#include "api/failure.hpp"
 #include "api/state.hpp"
 #include "capture/capture.hpp"
 #include "vendors/vendor_family.hpp"
@@ -11,7 +11,7 @@ namespace orvane {
 void applyCameraSettings(std::int64_t exposureUs, std::int32_t gain, std::int32_t offset) {
   // What every SDK can take: an SDK's own limit is for the SDK to enforce.
   if (exposureUs < 1 || exposureUs > std::numeric_limits<std::int32_t>::max()) {
-    throw std::runtime_error("Exposure out of range");
+    throwFailure("Exposure out of range");
   }
   const ActiveCamera& camera = state.active;
   familyOf(camera.info.vendor)

@@ -1,8 +1,8 @@
 // The open sequence: what is asked for, what the sensor allows, and the order of the steps.
 #include <algorithm>
-#include <stdexcept>
 #include <vector>
 
+#include "api/failure.hpp"
 #include "api/state.hpp"
 #include "capture/capture.hpp"
 #include "vendors/vendor_family.hpp"
@@ -32,7 +32,7 @@ void openCamera(const CaptureRequest& request) {
 
   ActiveCamera& camera = state.active;
   if (request.index < 0 || request.index >= static_cast<std::int32_t>(state.catalogue.size())) {
-    throw std::runtime_error("Camera not found; rescan");
+    throwFailure("Camera not found; rescan");
   }
   camera.info = state.catalogue[static_cast<std::size_t>(request.index)];
   const CameraInfo& info = camera.info;
@@ -40,12 +40,12 @@ void openCamera(const CaptureRequest& request) {
   // An SDK that lists a bin of 0 must not make us divide by it.
   if (request.bin == 0 || !contains(info.bins, request.bin) ||
       !contains(info.formats, request.format)) {
-    throw std::runtime_error("Unsupported bin or format");
+    throwFailure("Unsupported bin or format");
   }
   // The request is held against the unbinned sensor, so that the full sensor is always a valid one.
   if (request.width <= 0 || request.height <= 0 || request.width > info.maxWidth ||
       request.height > info.maxHeight) {
-    throw std::runtime_error("Invalid capture dimensions");
+    throwFailure("Invalid capture dimensions");
   }
 
   const VendorFamily& family = familyOf(info.vendor);
@@ -54,7 +54,7 @@ void openCamera(const CaptureRequest& request) {
   const std::int32_t height =
       binnedLength(info.maxHeight, request.bin, request.height, family.heightStep);
   if (width < 1 || height < 1) {
-    throw std::runtime_error("ROI is too small for binning");
+    throwFailure("ROI is too small for binning");
   }
   camera.width = width;
   camera.height = height;
@@ -67,7 +67,7 @@ void openCamera(const CaptureRequest& request) {
   const std::int64_t size =
       std::max(frameBytes(camera.width, camera.height, camera.format), family.frameMemory(camera));
   if (size < 1 || size > maxBufferSize) {
-    throw std::runtime_error("Invalid frame buffer size");
+    throwFailure("Invalid frame buffer size");
   }
   camera.bufferSize = static_cast<std::int32_t>(size);
 

@@ -1,6 +1,5 @@
 // Reading a frame: the hot path, without a copy and without an allocation.
-#include <stdexcept>
-
+#include "api/failure.hpp"
 #include "api/state.hpp"
 #include "capture/capture.hpp"
 #include "vendors/vendor_family.hpp"
@@ -10,7 +9,7 @@ namespace orvane {
 std::int32_t readFrame(std::uint8_t* buffer, std::int32_t bufferLength, std::int32_t timeoutMs) {
   const ActiveCamera& camera = state.active;
   if (!camera.streaming || buffer == nullptr || bufferLength < camera.bufferSize) {
-    throw std::runtime_error("Camera closed or buffer too small");
+    throwFailure("Camera closed or buffer too small");
   }
   const bool hasFrame =
       familyOf(camera.info.vendor).read(camera, FrameBuffer{buffer, bufferLength}, timeoutMs);

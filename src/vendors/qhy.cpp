@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "api/failure.hpp"
 #include "vendors/closing_afterwards.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 #include "vendors/sdk_text.hpp"
@@ -101,7 +101,7 @@ void scanQhyCameras() {
   }
   const std::uint32_t count = ScanQHYCCD();
   if (count > maxCameraCount) {  // the SDK's error value among others
-    throw std::runtime_error("QHY scan failed");
+    throwFailure("QHY scan failed");
   }
   for (std::uint32_t i = 0; i < count; ++i) {
     SdkText id;
@@ -127,7 +127,7 @@ void scanQhyCameras() {
 void open(ActiveCamera& camera) {
   camera.handle = OpenQHYCCD(camera.info.deviceKey.data());
   if (camera.handle == nullptr) {
-    throw std::runtime_error("OpenQHYCCD failed");
+    throwFailure("OpenQHYCCD failed");
   }
 }
 
@@ -163,7 +163,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t /*timeout
   if (width != static_cast<std::uint32_t>(camera.width) ||
       height != static_cast<std::uint32_t>(camera.height) || channels != 1 ||
       bitsPerPixel != bitsOf(camera)) {
-    throw std::runtime_error("QHY frame geometry changed");
+    throwFailure("QHY frame geometry changed");
   }
   return true;
 }

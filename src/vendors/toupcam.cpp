@@ -4,9 +4,9 @@
 #include <array>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
 #include <string_view>
 
+#include "api/failure.hpp"
 #include "vendors/closing_afterwards.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 #include "vendors/sdk_text.hpp"
@@ -82,7 +82,7 @@ void examine(HToupcam handle, CameraInfo& camera) {
   if (camera.isColor) {
     camera.bayer = bayerOf(fourCc);
     if (camera.bayer == BayerNone) {
-      throw std::runtime_error("Unsupported ToupTek raw mosaic");
+      throwFailure("Unsupported ToupTek raw mosaic");
     }
   }
 
@@ -127,7 +127,7 @@ void open(ActiveCamera& camera) {
   std::memcpy(&device, camera.info.toupDevice.data(), sizeof device);
   camera.handle = openDevice(device);
   if (camera.handle == nullptr) {
-    throw std::runtime_error("Toupcam_Open failed");
+    throwFailure("Toupcam_Open failed");
   }
 }
 
@@ -157,7 +157,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t /*timeout
   checkToupResult(result, "ToupTek pull frame");
   if (width != static_cast<unsigned>(camera.width) ||
       height != static_cast<unsigned>(camera.height)) {
-    throw std::runtime_error("ToupTek frame geometry changed");
+    throwFailure("ToupTek frame geometry changed");
   }
   return true;
 }
@@ -168,7 +168,7 @@ void apply(const ActiveCamera& camera, CameraSettings settings) {
   Toupcam_put_ExpoTime.checkAs("ToupTek exposure", handle,
                                static_cast<unsigned>(settings.exposureUs));
   if (settings.gain < 0 || settings.gain > std::numeric_limits<unsigned short>::max()) {
-    throw std::runtime_error("ToupTek gain out of range");
+    throwFailure("ToupTek gain out of range");
   }
   Toupcam_put_ExpoAGain.checkAs("ToupTek gain", handle, static_cast<unsigned short>(settings.gain));
   Toupcam_put_Option.checkAs("ToupTek black level", handle, TOUPCAM_OPTION_BLACKLEVEL,

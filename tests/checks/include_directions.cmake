@@ -10,7 +10,7 @@ set(floors
   "vendors/vendor_library.cpp|vendors/vendor_rows.hpp|api/state.hpp"
   "api/failure.hpp|vendors/sdk_function.hpp|vendors/vendor_table.cpp"
   "vendors/sdk/asi_sdk.hpp|vendors/sdk/playerone_sdk.hpp|vendors/sdk/qhyccd_sdk.hpp|vendors/sdk/toupcam_sdk.hpp"
-  "vendors/asi.cpp|vendors/playerone.cpp|vendors/qhy.cpp|vendors/toupcam.cpp|catalogue/scan.cpp|capture/open.cpp|capture/read.cpp|capture/close.cpp|capture/controls.cpp"
+  "vendors/asi.cpp|vendors/playerone.cpp|vendors/qhy.cpp|vendors/toupcam.cpp|api/failure.cpp|catalogue/scan.cpp|capture/open.cpp|capture/read.cpp|capture/close.cpp|capture/controls.cpp"
   "api/exports.cpp")
 
 set(level 0)

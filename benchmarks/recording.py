@@ -1,0 +1,96 @@
+"""How fast oc_capture records, against a plain loop of copy and write of the same sizes.
+
+usage: recording.py OC_CAPTURE INSTANT_SDK_DIRECTORY COPY_AND_WRITE MEMORY_DIRECTORY DISK_DIRECTORY
+
+The camera's frames are prepared beforehand, so that delivering one is a copy. Both contenders run in
+turn, in random order; what counts is the ratio of their medians. The exit status is 1 when recording
+into memory is slower than GATE times the loop.
+"""
+
+import os
+import pathlib
+import random
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+
+GATE = 0.80
+ROUNDS = 9
+WIDTH, HEIGHT = 1936, 1096
+BYTES_PER_PIXEL = {"raw16": 2, "rgb24": 3}
+
+
+def run(command, environment=None):
+    """Returns what the command printed, and its peak memory in MB."""
+    with tempfile.TemporaryFile() as output:
+        process = subprocess.Popen(command, stdout=output, stderr=subprocess.STDOUT, env=environment)
+        _, status, usage = os.wait4(process.pid, 0)
+        output.seek(0)
+        text = output.read().decode()
+    if status != 0:
+        sys.exit(f"{' '.join(command)}: {text}")
+    return text, usage.ru_maxrss / 1024
+
+
+def record(program, sdk, file, pixel_format, frames):
+    """Returns MB/s, dropped frames and peak memory in MB."""
+    environment = dict(os.environ, ORVANE_INSTANT_SIZE=f"{WIDTH}x{HEIGHT}")
+    text, memory = run([program, "record", "--sdk", sdk, "--camera", "0", "--format", pixel_format,
+                        "--exposure", "1ms", "--frames", str(frames), "--overwrite", "--out",
+                        str(file)], environment)
+    rate = re.search(r"\(([0-9.]+) fps\)", text)
+    if rate is None:
+        sys.exit(f"no rate in: {text}")
+    dropped = re.search(r"([0-9]+) (?:frames? )?dropped", text)
+    megabytes = WIDTH * HEIGHT * BYTES_PER_PIXEL[pixel_format] / 1e6
+    return float(rate.group(1)) * megabytes, int(dropped.group(1)) if dropped else 0, memory
+
+
+def measure(program, sdk, loop, directory, pixel_format, frames):
+    """Prints a row and returns the ratio."""
+    file = pathlib.Path(directory) / f"recording-{os.getpid()}.ser"
+    frame_bytes = WIDTH * HEIGHT * BYTES_PER_PIXEL[pixel_format]
+    speeds = {"recording": [], "loop": []}
+    dropped, memory = 0, 0.0
+    try:
+        for _ in range(ROUNDS):
+            for contender in random.sample(list(speeds), 2):
+                file.unlink(missing_ok=True)  # writing anew, not over what is there
+                if contender == "loop":
+                    text, _ = run([loop, str(file), str(frame_bytes), str(frames)])
+                    speeds["loop"].append(float(text))
+                else:
+                    speed, lost, peak = record(program, sdk, file, pixel_format, frames)
+                    speeds["recording"].append(speed)
+                    dropped += lost
+                    memory = max(memory, peak)
+    finally:
+        file.unlink(missing_ok=True)
+        file.with_suffix(".png").unlink(missing_ok=True)
+    medians = {name: statistics.median(values) for name, values in speeds.items()}
+    ratio = medians["recording"] / medians["loop"]
+    print(f"  {directory:<24} {pixel_format:<6} {frames:>6} {medians['recording']:>10.0f} MB/s"
+          f" {medians['loop']:>10.0f} MB/s {ratio:>6.2f} {dropped:>8} {memory:>8.1f} MB", flush=True)
+    return ratio
+
+
+def main():
+    program, sdk, loop, memory_directory, disk_directory = sys.argv[1:]
+    random.seed(1)
+    print(f"  {'directory':<24} {'format':<6} {'frames':>6} {'oc_capture':>15} {'loop':>15}"
+          f" {'ratio':>6} {'dropped':>8} {'peak memory':>11}")
+    ratios = []
+    for pixel_format in BYTES_PER_PIXEL:
+        for frames in (100, 300):
+            ratios.append(measure(program, sdk, loop, memory_directory, pixel_format, frames))
+    for pixel_format in BYTES_PER_PIXEL:
+        measure(program, sdk, loop, disk_directory, pixel_format, 100)
+    is_held = min(ratios) >= GATE
+    print(f"  recording into memory at least {GATE:.2f} of the loop: {'yes' if is_held else 'NO'}")
+    sys.exit(0 if is_held else 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,191 @@
+// What oc_scan costs for each camera beside the SDK's own functions, and a call of oc_info.
+//
+//     scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]
+//
+// The instant SDKs show 128 cameras each (ORVANE_INSTANT_CAMERAS=128). The floor makes the same SDK
+// calls, each function found beforehand; the rest is the library's: look-ups, descriptions, memory.
+// Ends with status 1 when a camera costs more than GATE_NS.
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "interleaved.hpp"
+#include "library_by_name.hpp"
+#include "orvane_desktop_camera.h"
+#include "sdk_signatures.hpp"
+
+namespace orvane {
+namespace {
+
+using benchmarks::LibraryByName;
+
+constexpr int rounds = 301;
+constexpr int camerasPerSdk = 128;
+constexpr int cameraCount = 4 * camerasPerSdk;
+
+// SDK functions, found once.
+#define SDK_CALL(name) name##Signature* const name = sdk.find<name##Signature>(#name)
+
+void scanAsi(const LibraryByName& sdk) {
+  static SDK_CALL(ASIGetNumOfConnectedCameras);
+  static SDK_CALL(ASIGetCameraProperty);
+  static SDK_CALL(ASIOpenCamera);
+  static SDK_CALL(ASIInitCamera);
+  static SDK_CALL(ASIGetNumOfControls);
+  static SDK_CALL(ASIGetControlCaps);
+  static SDK_CALL(ASICloseCamera);
+  const int cameras = ASIGetNumOfConnectedCameras();
+  for (int i = 0; i < cameras; ++i) {
+    ASI_CAMERA_INFO info{};
+    ASIGetCameraProperty(&info, i);
+    ASIOpenCamera(info.CameraID);
+    ASIInitCamera(info.CameraID);
+    int controls = 0;
+    ASIGetNumOfControls(info.CameraID, &controls);
+    for (int control = 0; control < controls; ++control) {
+      ASI_CONTROL_CAPS caps{};
+      ASIGetControlCaps(info.CameraID, control, &caps);
+    }
+    ASICloseCamera(info.CameraID);
+  }
+}
+
+void scanPlayerOne(const LibraryByName& sdk) {
+  static SDK_CALL(POAGetCameraCount);
+  static SDK_CALL(POAGetCameraProperties);
+  static SDK_CALL(POAOpenCamera);
+  static SDK_CALL(POAInitCamera);
+  static SDK_CALL(POAGetConfigAttributesByConfigID);
+  static SDK_CALL(POACloseCamera);
+  const int cameras = POAGetCameraCount();
+  for (int i = 0; i < cameras; ++i) {
+    POACameraProperties properties{};
+    POAGetCameraProperties(i, &properties);
+    POAOpenCamera(properties.cameraID);
+    POAInitCamera(properties.cameraID);
+    for (const int id : {POA_GAIN, POA_EXPOSURE}) {
+      POAConfigAttributes attributes{};
+      POAGetConfigAttributesByConfigID(properties.cameraID, id, &attributes);
+    }
+    POACloseCamera(properties.cameraID);
+  }
+}
+
+void scanQhy(const LibraryByName& sdk) {
+  static SDK_CALL(ScanQHYCCD);
+  static SDK_CALL(GetQHYCCDId);
+  static SDK_CALL(GetQHYCCDModel);
+  static SDK_CALL(OpenQHYCCD);
+  static SDK_CALL(SetQHYCCDStreamMode);
+  static SDK_CALL(InitQHYCCD);
+  static SDK_CALL(GetQHYCCDChipInfo);
+  static SDK_CALL(IsQHYCCDControlAvailable);
+  static SDK_CALL(GetQHYCCDParamMinMaxStep);
+  static SDK_CALL(CloseQHYCCD);
+  const std::uint32_t cameras = ScanQHYCCD();
+  for (std::uint32_t i = 0; i < cameras; ++i) {
+    char id[257] = {};
+    char model[257] = {};
+    GetQHYCCDId(i, id);
+    GetQHYCCDModel(id, model);
+    void* const handle = OpenQHYCCD(id);
+    SetQHYCCDStreamMode(handle, 1);
+    InitQHYCCD(handle);
+    double chip[4] = {};
+    std::uint32_t image[3] = {};
+    GetQHYCCDChipInfo(handle, &chip[0], &chip[1], &image[0], &image[1], &chip[2], &chip[3],
+                      &image[2]);
+    for (const int control :
+         {CAM_COLOR, CONTROL_COOLER, CAM_16BITS, CAM_BIN2X2MODE, CAM_BIN3X3MODE, CAM_BIN4X4MODE}) {
+      IsQHYCCDControlAvailable(handle, control);
+    }
+    for (const int control : {CONTROL_EXPOSURE, CONTROL_GAIN}) {
+      GetQHYCCDParamMinMaxStep(handle, control, &chip[0], &chip[1], &chip[2]);
+    }
+    CloseQHYCCD(handle);
+  }
+}
+
+void scanToupTek(const LibraryByName& sdk) {
+  static SDK_CALL(Toupcam_EnumV2);
+  static SDK_CALL(Toupcam_Open);
+  static SDK_CALL(Toupcam_get_MaxBitDepth);
+  static SDK_CALL(Toupcam_get_RawFormat);
+  static SDK_CALL(Toupcam_get_ExpTimeRange);
+  static SDK_CALL(Toupcam_get_ExpoAGainRange);
+  static SDK_CALL(Toupcam_Close);
+  std::array<ToupcamDeviceV2, TOUPCAM_MAX> devices{};
+  const unsigned cameras = Toupcam_EnumV2(devices.data());
+  for (unsigned i = 0; i < cameras; ++i) {
+    HToupcam const handle = Toupcam_Open(devices[i].id);
+    Toupcam_get_MaxBitDepth(handle);
+    unsigned numbers[3] = {};
+    Toupcam_get_RawFormat(handle, &numbers[0], &numbers[1]);
+    Toupcam_get_ExpTimeRange(handle, &numbers[0], &numbers[1], &numbers[2]);
+    unsigned short gains[3] = {};
+    Toupcam_get_ExpoAGainRange(handle, &gains[0], &gains[1], &gains[2]);
+    Toupcam_Close(handle);
+  }
+}
+
+bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gateNs) {
+  const LibraryByName library(benchmarks::nativeText(libraryFile));
+  const auto scan = library.find<decltype(::oc_scan)>("oc_scan");
+  const auto info = library.find<decltype(::oc_info)>("oc_info");
+  library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
+  const auto sdk = [&](const char* baseName) {
+    return LibraryByName(platform::libraryPath(sdkDirectory, baseName));
+  };
+  const LibraryByName asi = sdk("ASICamera2");
+  const LibraryByName playerOne = sdk("PlayerOneCamera");
+  const LibraryByName qhy = sdk("qhyccd");
+  const LibraryByName toupTek = sdk("toupcam");
+  if (scan() != cameraCount) {
+    throw std::runtime_error("the scan did not find 512 cameras: " +
+                             std::string(library.find<decltype(::oc_error)>("oc_error")()));
+  }
+
+  const benchmarks::Medians medians = benchmarks::timeSideBySide(
+      rounds, [scan] { scan(); },
+      [&] {
+        scanAsi(asi);
+        scanPlayerOne(playerOne);
+        scanQhy(qhy);
+        scanToupTek(toupTek);
+      });
+  const double own = (medians.ours - medians.floor) / cameraCount;
+  std::printf("  oc_scan, 512 cameras: %.1f us, of it in the SDKs %.1f us: own %.0f ns a camera\n",
+              medians.ours / 1e3, medians.floor / 1e3, own);
+
+  const benchmarks::Medians infos = benchmarks::timeSideBySide(
+      rounds,
+      [info] {
+        for (int i = 0; i < cameraCount; ++i) {
+          info(i);
+        }
+      },
+      [] {});
+  std::printf("  oc_info: %.0f ns a call\n", infos.ours / cameraCount);
+  const bool isWithinGate = own <= gateNs;
+  std::printf("  own cost of a camera at most %.0f ns: %s\n", gateNs, isWithinGate ? "yes" : "NO");
+  return isWithinGate;
+}
+
+}  // namespace
+}  // namespace orvane
+
+int main(int count, char** arguments) {
+  if (count < 3) {
+    std::fprintf(stderr, "scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]\n");
+    return 2;
+  }
+  try {
+    const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
+    return orvane::run(arguments[1], arguments[2], gateNs) ? 0 : 1;
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "scan_cost: %s\n", failure.what());
+    return 2;
+  }
+}

@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the benchmarks and runs them all: the cost of a call, of a scan, of
+# recording, of loading, and the exchange of red and blue against other libraries. Prints ratios taken
+# inside one run, with the processor's name. Ends with status 1 when a gate is missed.
+#   bench.sh [RUNS]      that often, one after the other; 1 without an argument
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
+  "${host_headers[@]}" libbenchmark-dev libyuv-dev libopencv-imgproc-dev python3
+
+runs=${1:-1}
+linux=build/linux-x64-bench
+windows=build/windows-x64-bench
+configure() {
+  local configured
+  configured=$(cmake -S . -G Ninja -D CMAKE_BUILD_TYPE=Release -D ORVANE_BUILD_TESTS=OFF "$@" 2>&1) ||
+    { echo "$configured"; exit 1; }
+}
+echo "== build"
+configure -B "$linux" -D ORVANE_BUILD_COMPARISONS=ON
+cmake --build "$linux"
+configure -B "$windows" -D CMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/mingw-w64-x86_64.cmake"
+cmake --build "$windows"
+
+library=$PWD/$linux/bin/liborvane_desktop_camera.so
+dll=$windows/bin/orvane_desktop_camera.dll
+wine=cmake/run_with_wine.sh
+missed=0
+
+# Runs a part; a missed gate is remembered.
+part() {
+  echo
+  echo "-- $1"
+  shift
+  "$@" || missed=1
+}
+
+for ((run = 1; run <= runs; ++run)); do
+  echo
+  echo "== run $run of $runs: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1)," \
+    "$(nproc) processors, load $(cut -d ' ' -f 1 /proc/loadavg)"
+  part "calls, Linux" "$linux/benchmarks/call_overhead" "$library" "$linux/instant-sdks"
+  part "calls, Windows through Wine" "$wine" "$windows/benchmarks/call_overhead.exe" \
+    "$dll" "$windows/instant-sdks"
+  part "scan and description, Linux" env ORVANE_INSTANT_CAMERAS=128 \
+    "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
+  part "exchange of red and blue" "$linux/benchmarks/byte_exchange"
+  part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
+    "$linux/benchmarks/copy_and_write" /dev/shm "$linux"
+  part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \
+    "$windows/benchmarks/empty_library.dll"
+  size=$(stat -c %s "$dll")
+  echo "  size of the stripped DLL: $size bytes; at most 1000000: $(((size <= 1000000)) && echo yes || echo NO)"
+  ((size <= 1000000)) || missed=1
+done
+
+echo
+if [ "$missed" -ne 0 ]; then
+  echo "== a gate was missed"
+  exit 1
+fi
+echo "== all gates held"
