@@ -254,6 +254,7 @@ bool run(int count, char** arguments) {
                                  "--benchmark_repetitions=21", "--benchmark_min_time=0.01"};
   words.insert(words.end(), arguments + 1, arguments + count);
   std::vector<char*> wordPointers;
+  wordPointers.reserve(words.size());
   for (std::string& word : words) {
     wordPointers.push_back(word.data());
   }

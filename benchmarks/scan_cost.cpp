@@ -119,7 +119,7 @@ void scanToupTek(const LibraryByName& sdk) {
   std::array<ToupcamDeviceV2, TOUPCAM_MAX> devices{};
   const unsigned cameras = Toupcam_EnumV2(devices.data());
   for (unsigned i = 0; i < cameras; ++i) {
-    HToupcam const handle = Toupcam_Open(devices[i].id);
+    void* const handle = Toupcam_Open(devices[i].id);
     Toupcam_get_MaxBitDepth(handle);
     unsigned numbers[3] = {};
     Toupcam_get_RawFormat(handle, &numbers[0], &numbers[1]);

@@ -9,7 +9,8 @@ namespace orvane::benchmarks {
 /// benchmark times the functions that call this.
 inline int instantCameraCount() {
   static const int count = [] {
-    const char* const text = std::getenv("ORVANE_INSTANT_CAMERAS");
+    const char* const text =
+        std::getenv("ORVANE_INSTANT_CAMERAS");  // NOLINT(concurrency-mt-unsafe)
     const int wanted = text == nullptr ? 1 : std::atoi(text);
     return wanted < 1 ? 1 : wanted > 128 ? 128 : wanted;
   }();

@@ -17,7 +17,7 @@ namespace orvane::benchmarks {
 class PreparedFrames {
  public:
   PreparedFrames() {
-    const char* const size = std::getenv("ORVANE_INSTANT_SIZE");
+    const char* const size = std::getenv("ORVANE_INSTANT_SIZE");  // NOLINT(concurrency-mt-unsafe)
     if (size == nullptr || std::sscanf(size, "%dx%d", &width_, &height_) != 2) {
       return;
     }

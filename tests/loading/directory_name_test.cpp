@@ -12,7 +12,7 @@ class DirectoryName : public LibraryTest {
   // Makes the directory below the test's own, with an SDK in it. Copying by path alone shows that
   // the name stands on the disk as it was given.
   std::filesystem::path makeWithSdk(const std::filesystem::path& name) const {
-    const std::filesystem::path made = directory.path() / name;
+    std::filesystem::path made = directory.path() / name;
     std::filesystem::create_directories(made);
     directory.add("ASICamera2");
     std::filesystem::rename(directory.file("ASICamera2"),

@@ -13,6 +13,7 @@
 
 namespace orvane::testing {
 
+// NOLINTBEGIN(concurrency-mt-unsafe): tests have one thread when they call these
 void setEnvironment(const std::string& name, const std::filesystem::path& value) {
 #ifdef _WIN32
   const std::wstring wideName(name.begin(), name.end());
@@ -37,6 +38,7 @@ void prependToSearchPaths(const std::filesystem::path& directory) {
     setEnvironment(name, directory.string() + separator + (before != nullptr ? before : ""));
   }
 }
+// NOLINTEND(concurrency-mt-unsafe)
 
 bool isLoaded(const std::filesystem::path& library) {
 #ifdef _WIN32

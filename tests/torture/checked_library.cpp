@@ -21,6 +21,10 @@ std::string shown(const std::string& text) {
   return text;
 }
 
+std::string mismatch(const char* verb, const std::string& found, const std::string& demanded) {
+  return std::string(verb) + " " + found + ", demanded " + demanded;
+}
+
 constexpr const char* badAllocation = "std::bad_alloc leaves";
 
 }  // namespace
@@ -87,9 +91,9 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
       }
       did.expectEnd();
       if (found != demanded) {
-        difference = "returned " + found + ", demanded " + demanded;
+        difference = mismatch("returned", found, demanded);
       } else if (remembered() != toBeRemembered()) {
-        difference = "remembers " + remembered() + ", demanded " + toBeRemembered();
+        difference = mismatch("remembers", remembered(), toBeRemembered());
       }
     } catch (const Breach& breach) {
       difference = breach.text;
