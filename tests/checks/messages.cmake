@@ -35,7 +35,7 @@ foreach(source IN LISTS sources)
   read_plain(${SOURCE_DIR}/${source} text)
   string(REGEX REPLACE "//[^\n]*" "" text "${text}")
 
-  collect("throw std::runtime_error\\([ \n]*\"([^\"]*)\"\\)@" "\\1")
+  collect("throwFailure\\([ \n]*\"([^\"]*)\"\\)@" "\\1")
   collect("lastError = \"([^\"]*)\"@" "\\1")
   collect("checkAs\\([ \n]*\"([^\"]*)\"" "\\1: <code>")
   collect("check(Vendor|Toup)Result\\([^\"@]*\"([^\"]*)\"\\)" "\\2: <code>")
@@ -47,6 +47,10 @@ foreach(source IN LISTS sources)
       "<library>: missing <function>")
     string(REPLACE "throw std::runtime_error(label + (\": \" + std::to_string(code)))@" "" text
       "${text}")
+  endif()
+  # Where every throwFailure() throws.
+  if(source STREQUAL "api/failure.cpp")
+    string(REPLACE "throw std::runtime_error(message)@" "" text "${text}")
   endif()
   # What leaves oc_scan() as an exception, a rethrow, and the keeping of a caught message.
   if(source STREQUAL "platform/platform_windows.cpp")
@@ -61,6 +65,9 @@ foreach(source IN LISTS sources)
   endif()
   if(text MATCHES "lastError \\+?= [^@]*@")
     message(SEND_ERROR "${source}: an error text that cannot be read: ${CMAKE_MATCH_0}")
+  endif()
+  if(NOT source MATCHES "^api/failure\\." AND text MATCHES "throwFailure\\([^@]*@")
+    message(SEND_ERROR "${source}: a failure whose message cannot be read: ${CMAKE_MATCH_0}")
   endif()
   # Labels are literals, but where the checks themselves are defined.
   if(NOT source MATCHES "^vendors/(sdk_function|vendor_library)\\.hpp$" AND
