@@ -139,7 +139,7 @@ std::function<void()> repeated(Body body) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gate) {
-  const LibraryByName library(benchmarks::nativeText(libraryFile));
+  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
   const auto open = library.find<decltype(::oc_open)>("oc_open");
   const auto read = library.find<decltype(::oc_read)>("oc_read");
   const auto apply = library.find<decltype(::oc_apply)>("oc_apply");
@@ -181,7 +181,8 @@ int main(int count, char** arguments) {
   }
   try {
     const double gate = count > 3 ? std::strtod(arguments[3], nullptr) : 1.10;
-    const bool isWithinGate = orvane::run(arguments[1], arguments[2], gate);
+    const bool isWithinGate =
+        orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(), gate);
     std::printf("  oc_read at most %.2f of the floor: %s\n", gate, isWithinGate ? "yes" : "NO");
     return isWithinGate ? 0 : 1;
   } catch (const std::exception& failure) {

@@ -1,6 +1,7 @@
 // A shared library whose functions are found by name, as the library itself finds its SDKs'.
 #pragma once
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -8,8 +9,9 @@
 
 namespace orvane::benchmarks {
 
-inline platform::NativeString nativeText(const std::string& text) {
-  return {text.begin(), text.end()};
+/// With drive and all: Windows searches a library's directory only when its path is full.
+inline std::filesystem::path fullPath(const std::string& path) {
+  return std::filesystem::absolute(path).make_preferred();
 }
 
 /// Stays loaded.

@@ -131,7 +131,7 @@ void scanToupTek(const LibraryByName& sdk) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gateNs) {
-  const LibraryByName library(benchmarks::nativeText(libraryFile));
+  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
   const auto scan = library.find<decltype(::oc_scan)>("oc_scan");
   const auto info = library.find<decltype(::oc_info)>("oc_info");
   library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
@@ -183,7 +183,9 @@ int main(int count, char** arguments) {
   }
   try {
     const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
-    return orvane::run(arguments[1], arguments[2], gateNs) ? 0 : 1;
+    return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(), gateNs)
+               ? 0
+               : 1;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "scan_cost: %s\n", failure.what());
     return 2;
