@@ -148,8 +148,8 @@ std::string summary(const DoctorFindings& findings) {
   if (present == 0) {
     return "There is no SDK in this directory.\n";
   }
-  return std::to_string(present) + " of " + std::to_string(findings.sdks.size()) +
-         " SDKs are there, " + std::to_string(healthy) + " healthy.\n";
+  return "Found " + std::to_string(present) + " of " + std::to_string(findings.sdks.size()) +
+         " SDKs, " + std::to_string(healthy) + " healthy.\n";
 }
 
 template <class Value>

@@ -87,7 +87,7 @@ class OcCaptureDoctor : public OcCaptureTest {
                   "  Functions     not known\n"
                   "  Needs         not known\n"
                   "\n" +
-                  othersNotThere() + notAsked + "1 of 4 SDKs are there, 0 healthy.\n");
+                  othersNotThere() + notAsked + "Found 1 of 4 SDKs, 0 healthy.\n");
   }
 
   // The simulated SDK as if it were made for another processor.
@@ -128,7 +128,7 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
             healthy("ZWO ASI", "ASICamera2", "15") +
                 healthy("Player One", "PlayerOneCamera", "17") + healthy("QHYCCD", "qhyccd", "20") +
                 healthy("ToupTek", "toupcam", "17") + notAsked +
-                "4 of 4 SDKs are there, 4 healthy.\n");
+                "Found 4 of 4 SDKs, 4 healthy.\n");
 }
 
 TEST_F(OcCaptureDoctor, EmptyDirectoryIsNoFailure) {
@@ -146,7 +146,7 @@ TEST_F(OcCaptureDoctor, OneSdkThatIsMissingIsNoFailure) {
   const ProgramResult result = doctor();
   EXPECT_EQ(result.status, 0);
   EXPECT_NE(result.out.find(notThere("QHYCCD", "qhyccd")), std::string::npos) << result.out;
-  EXPECT_NE(result.out.find("\n3 of 4 SDKs are there, 3 healthy.\n"), std::string::npos)
+  EXPECT_NE(result.out.find("\nFound 3 of 4 SDKs, 3 healthy.\n"), std::string::npos)
       << result.out;
 }
 
@@ -230,7 +230,7 @@ TEST_F(OcCaptureDoctor, SdkThatLacksFunctions) {
                             "                missing: GetQHYCCDLiveFrame\n"),
             std::string::npos)
       << result.out;
-  EXPECT_NE(result.out.find("\n1 of 4 SDKs are there, 0 healthy.\n"), std::string::npos);
+  EXPECT_NE(result.out.find("\nFound 1 of 4 SDKs, 0 healthy.\n"), std::string::npos);
 
   const ordered_json json = doctorJson(1);
   EXPECT_EQ(json["sdks"][2]["missingFunctions"],
@@ -306,7 +306,7 @@ TEST_F(OcCaptureDoctor, OpensNoCameraUnlessAsked) {
                              "  oc_libraries  \"ASICamera2\"\n"
                              "  oc_error      \"\"\n"
                              "\n"
-                             "1 of 4 SDKs are there, 1 healthy.\n"),
+                             "Found 1 of 4 SDKs, 1 healthy.\n"),
             std::string::npos)
       << scanned.out;
 }
