@@ -57,6 +57,10 @@ void sim_set_seed(uint64_t seed) {
   stage().setSeed(seed);
 }
 
+int32_t sim_play_recording(const char* serPath) {
+  return stage().playRecording(serPath) ? 1 : 0;
+}
+
 void sim_stop_clock(int32_t stopped) {
   stage().clock.stop(stopped != 0);
 }

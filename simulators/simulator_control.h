@@ -113,9 +113,27 @@ ORVANE_SIMULATOR_API void sim_force_output(const char* function, const char* out
 /* Forgets all forced results and outputs. */
 ORVANE_SIMULATOR_API void sim_clear_faults(void);
 
-/* Seeds the scene and the sensor noise. A frame's content follows from the seed, the camera, the
- * settings and the frame's number since the stream's start, and from nothing else. */
+/* Seeds the scene and the sensor noise. A frame's content follows from the seed, or the recording
+ * that is played, the camera, the settings and the frame's number since the stream's start, and
+ * from nothing else. */
 ORVANE_SIMULATOR_API void sim_set_seed(uint64_t seed);
+
+/* Lets the cameras see a recording, a SER file of this name in UTF-8, in place of the synthetic
+ * scene; null brings that back. Frame number n of a stream shows frame n of the recording, which
+ * begins anew behind its last one. Returns 1, or 0 when the file cannot be opened or is no
+ * recording of mosaic, mono or three-colour frames: the reason is then told on the standard error
+ * output, and everything stays as it was.
+ *
+ * The recording goes through the camera's region, binning and formats, and colour and mono, mosaics
+ * and bit depths are converted into each other. With an exposure of 20 ms, the middle of the gain
+ * range and offset 0, raw frames of a camera whose mosaic and bit depth are the recording's hold
+ * its samples byte by byte; other settings scale them as they would light. No noise is added: the
+ * recording has its own. One that is smaller than the sensor lies at its top left corner, and the
+ * rest is dark; of a larger one the sensor sees the middle.
+ *
+ * A header is believed as far as the file bears it out: a recording that was broken off plays the
+ * frames that are there. */
+ORVANE_SIMULATOR_API int32_t sim_play_recording(const char* serPath);
 
 /* Stops the clock (1) or lets it run (0). While it is stopped, a waiting call moves it forward by
  * what it would have waited and returns at once; nothing else moves it but sim_advance_clock(). */
@@ -157,15 +175,17 @@ ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
  *     sdk NAME                    what follows concerns only the SDK of this base name (*: all)
  *     clock stopped | running
  *     seed N
+ *     scene FILE                  sim_play_recording()
  *     log FILE                    switches the log on and also appends every line to FILE at once
  *     force FUNCTION NTH TIMES RESULT
  *     output FUNCTION OUTPUT NTH TIMES VALUE
  *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
  *                                 (NTH 0: now)
  *     plug INDEX
- * Returns 1, or 0 when a command was not understood (it and those after it are not carried out).
- * The environment variable ORVANE_SIMULATOR is carried out in this way when the SDK is loaded; a
- * command in it that is not understood is reported on the standard error output. */
+ * Files are named in UTF-8, and without ";". Returns 1, or 0 when a command was not understood or
+ * its file cannot be used (it and those after it are not carried out). The environment variable
+ * ORVANE_SIMULATOR is carried out in this way when the SDK is loaded; a command in it that is not
+ * carried out is reported on the standard error output. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus

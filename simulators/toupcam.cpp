@@ -325,6 +325,7 @@ FrameSettings frameSettings(const Camera& camera) {
   settings.layout = layoutOf(camera);
   settings.alignment = Alignment::Right;
   settings.isUpsideDown = isOn(device, TOUPCAM_OPTION_UPSIDE_DOWN);
+  settings.isTurned = settings.isUpsideDown != isWindows;
   settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING, 1));
   if (settings.bin > 1) {
     // The region is set in unbinned pixels. Binned ones come in even numbers, like the mosaic.

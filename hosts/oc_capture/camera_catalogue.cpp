@@ -1,12 +1,12 @@
 // The cameras that a scan found, described.
 #include "oc_capture/camera_catalogue.hpp"
 
-#include <filesystem>
-#include <system_error>
+#include <algorithm>
 
 #include "common/failures.hpp"
 #include "common/text.hpp"
 #include "oc_capture/camera_session.hpp"
+#include "oc_capture/sdk_directory.hpp"
 
 namespace orvane::host {
 
@@ -25,14 +25,7 @@ std::vector<std::string> split(const std::string& text, const std::string& separ
 }  // namespace
 
 CameraCatalogue readCatalogue(const std::string& sdkDirectory) {
-  const std::filesystem::path directory = pathFromUtf8(sdkDirectory);
-  std::error_code ignored;
-  if (!std::filesystem::is_directory(directory, ignored)) {
-    throw UsageError("There is no directory " + inQuotes(sdkDirectory) + ".");
-  }
-  // Windows loads libraries by full path only, written with its own separators.
-  const ScanResult scan =
-      scanCameras(utf8FromPath(std::filesystem::absolute(directory).make_preferred()));
+  const ScanResult scan = scanCameras(utf8FromPath(fullSdkDirectory(sdkDirectory)));
 
   CameraCatalogue catalogue{
       split(scan.libraries, ", "), validUtf8(scan.error), {}, nlohmann::ordered_json::array()};

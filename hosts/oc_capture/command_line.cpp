@@ -116,7 +116,7 @@ void readTexts(const RecordTexts& texts, RecordCommand& record) {
 UsageError usageError(const CLI::ParseError& error, const CLI::App& app) {
   const std::string text = error.what();
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {
-    return UsageError("Say what to do: list or record.");
+    return UsageError("Say what to do: list, record or doctor.");
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
     const std::string option = text.substr(0, text.find(':'));
@@ -146,6 +146,9 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   addRecordOptions(*recordApp, record, texts);
   recordApp->footer(std::string(recordText) + "\n" + statusText);
 
+  DoctorCommand doctor;
+  const CLI::App* const doctorApp = addDoctorCommand(app, doctor);
+
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     app.parse(std::move(arguments));
@@ -156,6 +159,9 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   }
   if (listApp->parsed()) {
     return list;
+  }
+  if (doctorApp->parsed()) {
+    return doctor;
   }
   readTexts(texts, record);
   return record;

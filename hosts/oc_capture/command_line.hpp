@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/frame_layout.hpp"
+#include "oc_capture/doctor_command.hpp"
 
 namespace orvane::host {
 
@@ -41,7 +42,7 @@ struct HelpText {
   std::string text;
 };
 
-using Command = std::variant<ListCommand, RecordCommand, HelpText>;
+using Command = std::variant<ListCommand, RecordCommand, DoctorCommand, HelpText>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
 Command parseCommandLine(std::vector<std::string> arguments);

@@ -8,6 +8,7 @@
 #include "common/failures.hpp"
 #include "common/system.hpp"
 #include "oc_capture/command_line.hpp"
+#include "oc_capture/doctor_command.hpp"
 #include "oc_capture/list_command.hpp"
 #include "oc_capture/record_command.hpp"
 
@@ -22,6 +23,9 @@ constexpr int wrongArguments = 2;
 int carryOut(const Command& command) {
   if (const auto* list = std::get_if<ListCommand>(&command)) {
     return listCameras(*list);
+  }
+  if (const auto* doctor = std::get_if<DoctorCommand>(&command)) {
+    return examineSdks(*doctor);
   }
   if (const auto* recording = std::get_if<RecordCommand>(&command)) {
     record(*recording);

@@ -1,5 +1,7 @@
 #include "stage/call_log.hpp"
 
+#include <utility>
+
 namespace orvane::sim {
 
 void CallLog::enable(bool enabled) {
@@ -10,11 +12,11 @@ void CallLog::enable(bool enabled) {
 }
 
 bool CallLog::enableFile(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "ab");
+  File file = openFile(path, "ab");
   if (file == nullptr) {
     return false;
   }
-  file_.reset(file);
+  file_ = std::move(file);
   isEnabled_ = true;
   return true;
 }

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "stage/system.hpp"
 
 namespace orvane::sim {
 
@@ -31,14 +31,10 @@ class CallLog {
   void endLine();
 
  private:
-  struct Closer {
-    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-  };
-
   bool isEnabled_ = false;
   std::string text_;
   std::size_t lineStart_ = 0;
-  std::unique_ptr<std::FILE, Closer> file_;
+  File file_;
 };
 
 }  // namespace orvane::sim

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
 #include "stage/stage.hpp"
+#include "stage/system.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -81,6 +81,10 @@ bool carryLog(std::string_view arguments, bool isMeant) {
   return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
 }
 
+bool carryScene(std::string_view arguments, bool isMeant) {
+  return !arguments.empty() && (!isMeant || stage().playRecording(std::string(arguments).c_str()));
+}
+
 bool carryForce(std::string_view arguments, bool isMeant) {
   std::string_view function;
   CallRange range;
@@ -136,25 +140,23 @@ bool carryPlug(std::string_view arguments, bool isMeant) {
 
 Carry carryOf(std::string_view verb) {
   constexpr std::pair<std::string_view, Carry> verbs[] = {
-      {"clock", carryClock},   {"seed", carrySeed},     {"log", carryLog},  {"force", carryForce},
-      {"output", carryOutput}, {"unplug", carryUnplug}, {"plug", carryPlug}};
+      {"clock", carryClock}, {"seed", carrySeed},     {"scene", carryScene},   {"log", carryLog},
+      {"force", carryForce}, {"output", carryOutput}, {"unplug", carryUnplug}, {"plug", carryPlug}};
   const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
                                          [&](const auto& known) { return known.first == verb; });
   return found == std::end(verbs) ? nullptr : found->second;
 }
 
 bool carryOutEnvironment() {
-  // Runs while the library is being loaded, before anybody can be changing the environment.
-  const char* commands = std::getenv("ORVANE_SIMULATOR");  // NOLINT(concurrency-mt-unsafe)
-  const bool isUnderstood = commands == nullptr || carryOutCommands(commands);
-  if (!isUnderstood) {
-    static_cast<void>(std::fprintf(stderr, "%s: a command in ORVANE_SIMULATOR was not understood\n",
-                                   maker.sdkName));
+  const bool isCarriedOut = carryOutCommands(environmentVariable("ORVANE_SIMULATOR"));
+  if (!isCarriedOut) {
+    static_cast<void>(std::fprintf(
+        stderr, "%s: a command in ORVANE_SIMULATOR was not carried out\n", maker.sdkName));
   }
-  return isUnderstood;
+  return isCarriedOut;
 }
 
-const bool environmentIsUnderstood = carryOutEnvironment();
+const bool environmentIsCarriedOut = carryOutEnvironment();
 
 }  // namespace
 

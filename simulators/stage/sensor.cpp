@@ -2,22 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
-#include <cstring>
 #include <new>
 
 #include "stage/random.hpp"
+#include "stage/samples.hpp"
 
 namespace orvane::sim {
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
-
 // With the usual exposure and the middle of the gain range, the planet's brightest part fills half
 // of the sensor's range.
-constexpr double usualExposureUs = 20'000;
-constexpr double longestExposureUs = 1e15;
 constexpr double planetPart = 0.5;
 constexpr double electronsAtFullScale = 6000;
 constexpr float readNoise = 3;  // electrons
@@ -31,8 +26,6 @@ constexpr double usb2BytesPerUs = 40;
 
 // More samples than any camera has: their light is worked out row by row instead of being kept.
 constexpr std::size_t mostKeptSamples = 100'000'000;
-
-constexpr std::int32_t blockLength = 1020;  // a multiple of the numbers drawn from one hash
 
 // Normally distributed numbers, equally likely each.
 constexpr std::size_t normalCount = 4096;
@@ -69,19 +62,6 @@ void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
   }
 }
 
-bool isColorLayout(Layout layout) {
-  return layout == Layout::Bgr24 || layout == Layout::Rgb24;
-}
-
-std::int32_t samplesPerPixel(Layout layout) {
-  return isColorLayout(layout) ? 3 : 1;
-}
-
-// The colours' parts in what a sensor without filters sees.
-constexpr float redPart = 0.299F;
-constexpr float greenPart = 0.587F;
-constexpr float bluePart = 0.114F;
-
 // The part of the light that the optics let through to each pixel of a row.
 void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
   const double corner = (aspect * aspect + 1) / 4;
@@ -108,13 +88,6 @@ void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t sampl
   }
 }
 
-// The plane (0 red, 1 green, 2 blue) that a pixel's filter lets through.
-std::size_t filterPlane(Mosaic mosaic, std::int32_t x, std::int32_t y) {
-  constexpr std::size_t planes[][2][2] = {
-      {{1, 1}, {1, 1}}, {{0, 1}, {1, 2}}, {{2, 1}, {1, 0}}, {{1, 0}, {2, 1}}, {{1, 2}, {0, 1}}};
-  return planes[static_cast<std::size_t>(mosaic)][y & 1][x & 1];
-}
-
 // How a sample becomes a count.
 struct Conversion {
   float electrons;   // of light 1
@@ -128,8 +101,6 @@ struct Conversion {
 Conversion conversionOf(const FrameSettings& settings) {
   const std::int32_t largest = (1 << settings.bitDepth) - 1;
   const double counts = settings.gain * largest / electronsAtFullScale;
-  const std::int32_t width = bytesPerPixel(settings.layout) == 2 ? 16 : 8;
-  const bool isRight = width == 16 && settings.alignment == Alignment::Right;
   Conversion conversion{};
   const double exposure = std::min(settings.exposureUs, longestExposureUs) / usualExposureUs;
   conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure);
@@ -137,7 +108,7 @@ Conversion conversionOf(const FrameSettings& settings) {
   conversion.counts = static_cast<float>(counts);
   conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
   conversion.largest = static_cast<float>(largest);
-  conversion.shift = isRight ? 0 : width - settings.bitDepth;
+  conversion.shift = sampleShift(settings);
   return conversion;
 }
 
@@ -152,22 +123,6 @@ void expose(const Conversion& conversion, const float* light, const float* noise
     const float positive = value > 0.0F ? value : 0.0F;
     counts[i] = static_cast<std::int32_t>(positive < c.largest ? positive : c.largest);
   }
-}
-
-void store8(const std::int32_t* counts, std::int32_t count, std::int32_t shiftRight,
-            std::uint8_t* bytes) {
-  for (std::int32_t i = 0; i < count; ++i) {
-    bytes[i] = static_cast<std::uint8_t>(counts[i] >> shiftRight);
-  }
-}
-
-void store16(const std::int32_t* counts, std::int32_t count, std::int32_t shiftLeft,
-             std::uint8_t* bytes) {
-  std::array<std::uint16_t, blockLength> samples;
-  for (std::int32_t i = 0; i < count; ++i) {
-    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shiftLeft);
-  }
-  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
 }
 
 }  // namespace
@@ -293,7 +248,6 @@ void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::in
   prepare(seed, settings);
   const Conversion conversion = conversionOf(settings);
   const std::int32_t rowSamples = settings.region.width * samplesPerPixel(settings.layout);
-  const std::int32_t bytesPerSample = bytesPerPixel(settings.layout) == 2 ? 2 : 1;
   const std::uint64_t frameKey =
       mix(mix(seed) + mix(settings.camera) + static_cast<std::uint64_t>(frameNumber));
   std::array<float, blockLength> noise;
@@ -311,12 +265,8 @@ void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::in
       const std::int32_t count = std::min(rowSamples - start, blockLength);
       makeNoise(rowKey + static_cast<std::uint64_t>(start), count, noise.data());
       expose(conversion, light + start, noise.data(), count, counts.data());
-      std::uint8_t* const block = bytes + std::ptrdiff_t{start} * bytesPerSample;
-      if (bytesPerSample == 2) {
-        store16(counts.data(), count, conversion.shift, block);
-      } else {
-        store8(counts.data(), count, -conversion.shift, block);
-      }
+      storeSamples(counts.data(), count, settings.layout, conversion.shift,
+                   bytes + std::ptrdiff_t{start} * bytesPerSample(settings.layout));
     }
   }
 }

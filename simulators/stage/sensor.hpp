@@ -48,6 +48,7 @@ struct FrameSettings {
   std::int32_t bitDepth = 8;  // of the samples, 8 to 16; two bytes hold it as `alignment` says
   Alignment alignment = Alignment::Left;
   bool isUpsideDown = false;  // the last row comes first; the mosaic is the one delivered
+  bool isTurned = false;      // the rows come in the other order than the SDK's usual one
   bool isUsb3 = true;         // sets the speed of reading the sensor
   double exposureUs = 0;
   double gain = 1;      // brightness against the middle of the camera's gain range

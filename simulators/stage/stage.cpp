@@ -1,9 +1,12 @@
 #include "stage/stage.hpp"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 #include <utility>
 
 #include "stage/camera_model.hpp"
+#include "stage/playback.hpp"
 
 namespace orvane::sim {
 
@@ -42,6 +45,7 @@ void Stage::reset() {
   log.enable(false);
   log.clear();
   seed_ = 1;
+  recording_.close();
   counts_ = {};
   isSdkInitialised = false;
   setCameras(maker.cameras);
@@ -194,8 +198,31 @@ void Stage::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitc
   const Frame* frame = camera.device.stream.waiting(now);
   const FrameSettings& settings = frame->settings;
   const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
-  renderer_.render(seed_, settings, frame->number, buffer, rowPitch == 0 ? packed : rowPitch);
+  render(settings, frame->number, buffer, rowPitch == 0 ? packed : rowPitch);
   camera.device.stream.take(now);
+}
+
+void Stage::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
+                   std::int64_t rowPitch) {
+  if (recording_.isOpen()) {
+    renderRecording(recording_, settings, frameNumber, buffer, rowPitch);
+  } else {
+    renderer_.render(seed_, settings, frameNumber, buffer, rowPitch);
+  }
+}
+
+bool Stage::playRecording(const char* path) {
+  renderer_.forget();
+  if (path == nullptr) {
+    recording_.close();
+    return true;
+  }
+  const std::string problem = recording_.open(path);
+  if (!problem.empty()) {
+    static_cast<void>(std::fprintf(stderr, "%s: \"%s\" cannot be played: %s\n", maker.sdkName, path,
+                                   problem.c_str()));
+  }
+  return problem.empty();
 }
 
 std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
@@ -213,7 +240,7 @@ std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
   }
   const std::int64_t rowPitch =
       std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
-  renderer_.render(seed_, settings, frame, buffer, rowPitch);
+  render(settings, frame, buffer, rowPitch);
   return static_cast<std::int32_t>(length);
 }
 

@@ -13,6 +13,7 @@
 #include "stage/cooler.hpp"
 #include "stage/faults.hpp"
 #include "stage/frame_clock.hpp"
+#include "stage/recording.hpp"
 #include "stage/sensor.hpp"
 
 namespace orvane::sim {
@@ -102,6 +103,9 @@ class Stage {
   void setPlugged(std::int64_t index, bool plugged);
   void setSeed(std::uint64_t seed) { seed_ = seed; }
 
+  // sim_play_recording(); null for the synthetic scene.
+  bool playRecording(const char* path);
+
   // The cameras that the SDK has told its user of, by position; refreshed when the user asks for
   // their number. One that is unplugged later stays in the list.
   void enumerate();
@@ -155,6 +159,8 @@ class Stage {
     bool isOpen = false;
   };
 
+  void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
+              std::int64_t rowPitch);
   Handle* find(const void* handle);
   void forgetDevices();
 
@@ -166,6 +172,7 @@ class Stage {
   std::deque<Handle> handles_;
   std::size_t forgottenHandles_ = 0;
   Renderer renderer_;
+  Recording recording_;  // played where it is open
   SimInvariants counts_{};
 };
 

@@ -36,9 +36,10 @@ TEST_P(WrongCommandLine, GetsOneSentence) {
 INSTANTIATE_TEST_SUITE_P(
     Arguments, WrongCommandLine,
     ::testing::Values(
-        WrongArguments{"Nothing", {}, "Say what to do: list or record."},
-        WrongArguments{"UnknownCommand", {"play"}, "Say what to do: list or record."},
+        WrongArguments{"Nothing", {}, "Say what to do: list, record or doctor."},
+        WrongArguments{"UnknownCommand", {"play"}, "Say what to do: list, record or doctor."},
         WrongArguments{"ListWithoutSdk", {"list"}, "--sdk is required."},
+        WrongArguments{"DoctorWithoutSdk", {"doctor"}, "--sdk is required."},
         WrongArguments{"ListWithMore",
                        {"list", "--sdk", ".", "more"},
                        "The following argument was not expected: more."},
@@ -143,7 +144,7 @@ class OcCaptureArguments : public OcCaptureTest {};
 
 TEST_F(OcCaptureArguments, HelpIsNoError) {
   for (const auto& arguments : std::vector<std::vector<std::string>>{
-           {"--help"}, {"-h"}, {"list", "--help"}, {"record", "--help"}}) {
+           {"--help"}, {"-h"}, {"list", "--help"}, {"record", "--help"}, {"doctor", "--help"}}) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.out.find("Usage: oc_capture"), std::string::npos) << result.out;

@@ -13,6 +13,7 @@ SimulatedSdk::SimulatedSdk(const std::filesystem::path& file)
       force_output(module.function<decltype(::sim_force_output)>("sim_force_output")),
       clear_faults(module.function<decltype(::sim_clear_faults)>("sim_clear_faults")),
       set_seed(module.function<decltype(::sim_set_seed)>("sim_set_seed")),
+      play_recording(module.function<decltype(::sim_play_recording)>("sim_play_recording")),
       stop_clock(module.function<decltype(::sim_stop_clock)>("sim_stop_clock")),
       advance_clock(module.function<decltype(::sim_advance_clock)>("sim_advance_clock")),
       render_frame(module.function<decltype(::sim_render_frame)>("sim_render_frame")),

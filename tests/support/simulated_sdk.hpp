@@ -48,6 +48,7 @@ class SimulatedSdk {
   decltype(::sim_force_output)* force_output;
   decltype(::sim_clear_faults)* clear_faults;
   decltype(::sim_set_seed)* set_seed;
+  decltype(::sim_play_recording)* play_recording;
   decltype(::sim_stop_clock)* stop_clock;
   decltype(::sim_advance_clock)* advance_clock;
   decltype(::sim_render_frame)* render_frame;

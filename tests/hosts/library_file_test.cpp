@@ -1,0 +1,212 @@
+// What is read from the files of libraries, good and bad: images made here, real libraries, and
+// both with bytes cut off or changed.
+#include "sdk_examination/library_file.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "scratch_directory.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using testing::contentOf;
+using Image = std::vector<std::uint8_t>;
+
+LibraryFile readText(const std::string& text) {
+  return readLibraryFile({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
+
+// A Windows library with one section, built piece by piece.
+class WindowsImage {
+ public:
+  WindowsImage() {
+    put16(0, 0x5a4d);  // MZ
+    put32(0x3c, header);
+    put32(header, 0x4550);       // PE
+    put16(header + 4, 0x8664);   // x64
+    put16(header + 6, 1);        // sections
+    put16(header + 20, 240);     // size of the optional header
+    put16(header + 22, 0x2022);  // a library
+    put16(optional, 0x20b);
+    put32(optional + 108, 16);  // tables
+    put32(section + 8, 0x1000);
+    put32(section + 12, address);
+    put32(section + 16, 0x400);
+    put32(section + 20, start);
+    image.resize(start + 0x400);
+  }
+
+  void addImport(const std::string& name) {
+    put32(optional + 120, address);
+    put32(start + imports * 20 + 12, address + 0x100 + imports * 0x20);
+    putText(start + 0x100 + imports * 0x20, name);
+    ++imports;
+  }
+
+  void addVersion() {
+    put32(optional + 128, address + 0x200);
+    const std::uint32_t table = start + 0x200;
+    put16(table + 14, 1);
+    put32(table + 16, 16);
+    put32(table + 20, 0x80000018U);
+    put16(table + 0x18 + 12, 1);  // a name
+    put32(table + 0x18 + 20, 0x80000030U);
+    put16(table + 0x30 + 14, 1);  // a language
+    put32(table + 0x30 + 20, 0x48);
+    put32(table + 0x48, address + 0x300);
+    put32(start + 0x300 + 40, 0xfeef04bdU);
+    put32(start + 0x300 + 48, 0x00010029);
+    put32(start + 0x300 + 52, 0x00070bb8);
+  }
+
+  void put16(std::size_t at, std::uint32_t value) { put(at, value, 2); }
+  void put32(std::size_t at, std::uint32_t value) { put(at, value, 4); }
+
+  static constexpr std::uint32_t header = 0x80;
+  static constexpr std::uint32_t optional = header + 24;
+  static constexpr std::uint32_t section = optional + 240;
+  static constexpr std::uint32_t start = 0x200;
+  static constexpr std::uint32_t address = 0x5000;
+  std::uint32_t imports = 0;
+  Image image;
+
+ private:
+  void put(std::size_t at, std::uint32_t value, std::size_t size) {
+    image.resize(std::max(image.size(), at + size));
+    for (std::size_t index = 0; index < size; ++index) {
+      image[at + index] = static_cast<std::uint8_t>(value >> (8 * index));
+    }
+  }
+
+  void putText(std::size_t at, const std::string& text) {
+    std::copy(text.begin(), text.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
+  }
+};
+
+TEST(LibraryFile, WindowsLibraryTellsItsImportsAndVersion) {
+  WindowsImage made;
+  made.addImport("KERNEL32.dll");
+  made.addImport("MSVCP140.dll");
+  made.addVersion();
+  const LibraryFile file = readLibraryFile(made.image);
+  EXPECT_EQ(file.format, LibraryFormat::Windows);
+  EXPECT_TRUE(file.isForThisMachine);
+  EXPECT_TRUE(file.isLibrary);
+  EXPECT_FALSE(file.isDamaged);
+  EXPECT_EQ(file.bits, 64);
+  EXPECT_EQ(file.processor, "x64");
+  EXPECT_EQ(file.imports, (std::vector<std::string>{"KERNEL32.dll", "MSVCP140.dll"}));
+  EXPECT_EQ(file.version.value_or("none"), "1.41.7.3000");
+}
+
+TEST(LibraryFile, WindowsLibraryMayHaveNeitherImportsNorVersion) {
+  const LibraryFile file = readLibraryFile(WindowsImage().image);
+  EXPECT_FALSE(file.isDamaged);
+  EXPECT_TRUE(file.imports.empty());
+  EXPECT_FALSE(file.version.has_value());
+}
+
+TEST(LibraryFile, VersionThatCannotBeReadIsNoDamage) {
+  WindowsImage made;
+  made.addVersion();
+  made.put32(WindowsImage::start + 0x300 + 40, 4711);  // the signature
+  EXPECT_FALSE(readLibraryFile(made.image).version.has_value());
+  made.addVersion();
+  made.put32(WindowsImage::start + 0x200 + 20, 0x8fffffffU);  // beyond the end
+  const LibraryFile file = readLibraryFile(made.image);
+  EXPECT_FALSE(file.version.has_value());
+  EXPECT_FALSE(file.isDamaged);
+}
+
+TEST(LibraryFile, ImportsWithoutAnEndAreDamage) {
+  WindowsImage made;
+  made.addImport("KERNEL32.dll");
+  made.put32(WindowsImage::start + 0x100, 0x41414141U);
+  for (std::size_t at = WindowsImage::start + 0x20; at < made.image.size(); ++at) {
+    made.image[at] = 0x41;
+  }
+  EXPECT_TRUE(readLibraryFile(made.image).isDamaged);
+}
+
+TEST(LibraryFile, WindowsProgramIsNoLibrary) {
+  WindowsImage made;
+  made.put16(WindowsImage::header + 22, 0x0022);
+  const LibraryFile file = readLibraryFile(made.image);
+  EXPECT_FALSE(file.isLibrary);
+#ifdef _WIN32
+  EXPECT_EQ(problemOf(file), "This is a program, not a library.");
+#else
+  EXPECT_EQ(problemOf(file), "This is a library for Windows, not for Linux.");
+#endif
+}
+
+TEST(LibraryFile, OtherProcessorsAreNamed) {
+  WindowsImage made;
+  made.put16(WindowsImage::header + 4, 0x014c);
+  made.put16(WindowsImage::optional, 0x10b);
+  EXPECT_EQ(readLibraryFile(made.image).bits, 32);
+  EXPECT_EQ(readLibraryFile(made.image).processor, "x86");
+  EXPECT_FALSE(readLibraryFile(made.image).isForThisMachine);
+  made.put16(WindowsImage::header + 4, 0x0200);
+  EXPECT_EQ(readLibraryFile(made.image).processor, "processor 512");
+}
+
+TEST(LibraryFile, OtherFilesAreNoLibraries) {
+  EXPECT_EQ(problemOf(readText("")), "The file is empty.");
+  for (const std::string& text : {std::string("x"), std::string("this is a text file\n"),
+                                  std::string(5000, '\0'), "MZ" + std::string(500, '\0')}) {
+    const LibraryFile file = readText(text);
+    EXPECT_EQ(file.format, LibraryFormat::None);
+    EXPECT_EQ(problemOf(file), "This is no library, neither for Windows nor for Linux.");
+  }
+}
+
+TEST(LibraryFile, RealLibraryIsReadAsAWhole) {
+  const LibraryFile file = readText(contentOf(ORVANE_LIBRARY_FILE));
+  EXPECT_EQ(problemOf(file), "");
+  EXPECT_TRUE(file.isForThisSystem);
+  EXPECT_TRUE(file.isForThisMachine);
+  EXPECT_GE(file.imports.size(), 2U);
+#ifdef _WIN32
+  EXPECT_EQ(file.version.value_or("none"), ORVANE_LIBRARY_VERSION ".0");
+#else
+  EXPECT_EQ(file.soname.value_or("none"), "liborvane_desktop_camera.so");
+#endif
+}
+
+// Only headers and code are loaded: a library may lack its end, where there is neither.
+TEST(LibraryFile, CutOffAnywhereIsNoProblemForTheReader) {
+  const std::string library = contentOf(ORVANE_LIBRARY_FILE);
+  constexpr std::size_t headersAndMore = 4096;
+  for (std::size_t size = 0; size < library.size(); size += size < headersAndMore ? 1 : 4099) {
+    const LibraryFile file = readText(library.substr(0, size));
+    EXPECT_TRUE(size >= headersAndMore || !problemOf(file).empty()) << size;
+  }
+}
+
+TEST(LibraryFile, ChangedBytesAreNoProblemForTheReader) {
+  WindowsImage made;
+  made.addImport("KERNEL32.dll");
+  made.addVersion();
+  const std::string library = contentOf(ORVANE_LIBRARY_FILE);
+  const Image real(library.begin(), library.end());
+  std::mt19937 random(20);
+  for (const Image& image : {made.image, real}) {
+    for (int round = 0; round < 3000; ++round) {
+      Image changed = image;
+      for (int change = 0; change < 4; ++change) {
+        changed[random() % std::min<std::size_t>(changed.size(), 2048)] =
+            static_cast<std::uint8_t>(random());
+      }
+      const LibraryFile file = readLibraryFile(changed);
+      EXPECT_LE(file.imports.size(), 4096U);
+    }
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,377 @@
+// "oc_capture doctor", run as a program on SDK directories in good and in bad states.
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "oc_capture_test.hpp"
+
+namespace orvane::testing {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+#ifdef _WIN32
+constexpr const char* nameLabel = "File version  ";
+constexpr const char* dependencyFile = "sdk_dependency.dll";
+constexpr bool hasErrorCodes = true;
+const std::string thisSystem = "Windows";
+const std::string otherSystem = "Linux";
+#else
+constexpr const char* nameLabel = "Soname        ";
+constexpr const char* dependencyFile = "libsdk_dependency.so";
+constexpr bool hasErrorCodes = false;
+const std::string thisSystem = "Linux";
+const std::string otherSystem = "Windows";
+#endif
+
+const std::string notAsked =
+    "The library itself\n"
+    "                not asked: it loads the SDKs in a scan only, and a scan opens every\n"
+    "                camera for a moment; oc_libraries and oc_error know nothing before.\n"
+    "                Add --scan when no other program is using a camera.\n"
+    "\n";
+
+class OcCaptureDoctor : public OcCaptureTest {
+ protected:
+  ProgramResult doctor(const std::vector<std::string>& more = {},
+                       const std::string& simulator = "") const {
+    std::vector<std::string> arguments{"doctor", "--sdk", sdks.utf8()};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run(arguments, simulator);
+  }
+
+  ordered_json doctorJson(int status, const std::vector<std::string>& more = {"--json"}) const {
+    const ProgramResult result = doctor(more);
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.err, "");
+    return ordered_json::parse(result.out);
+  }
+
+  std::string pathOf(const std::string& baseName) const { return utf8(sdks.file(baseName)); }
+
+  // What is said of an SDK that is not there.
+  std::string notThere(const std::string& maker, const std::string& baseName) const {
+    return maker + ": not there\n  File          " + pathOf(baseName) + "\n\n";
+  }
+
+  std::string othersNotThere() const {
+    return notThere("Player One", "PlayerOneCamera") + notThere("QHYCCD", "qhyccd") +
+           notThere("ToupTek", "toupcam");
+  }
+
+  // A file in ZWO's place of which only the problem is known; the system's own words are its own.
+  void expectUseless(const std::string& problem) const {
+    const ProgramResult result = doctor();
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "");
+    const std::regex loadLine(R"(  Loads         no: (.+)\n)");
+    std::smatch words;
+    ASSERT_TRUE(std::regex_search(result.out, words, loadLine)) << result.out;
+    EXPECT_EQ(std::regex_match(words[1].str(), std::regex(R"(.+ \(\d+\))")), hasErrorCodes)
+        << words[1];
+    EXPECT_EQ(result.out,
+              "ZWO ASI: NOT HEALTHY\n"
+              "  File          " +
+                  pathOf("ASICamera2") +
+                  "\n"
+                  "  Kind          " +
+                  problem +
+                  "\n"
+                  "  " +
+                  nameLabel +
+                  "none\n"
+                  "  Loads         no: " +
+                  words[1].str() +
+                  "\n"
+                  "  Functions     not known\n"
+                  "  Needs         not known\n"
+                  "\n" +
+                  othersNotThere() + notAsked + "Found 1 of 4 SDKs, 0 healthy.\n");
+  }
+
+  // The simulated SDK as if it were made for another processor.
+  std::string sdkForMachine(unsigned windowsNumber, unsigned linuxNumber) const {
+    sdks.add("ASICamera2");
+    std::string image = contentOf(sdks.file("ASICamera2"));
+    const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(image.at(at)); };
+    const bool isWindows = image.starts_with("MZ");
+    const std::size_t at = isWindows ? byteAt(0x3c) + 256U * byteAt(0x3d) + 4 : 18;
+    const unsigned number = isWindows ? windowsNumber : linuxNumber;
+    image.at(at) = static_cast<char>(number & 0xFFU);
+    image.at(at + 1) = static_cast<char>(number >> 8U);
+    return image;
+  }
+
+  void addDependency(const std::string& content) const {
+    std::ofstream(sdks.path() / dependencyFile, std::ios::binary) << content;
+  }
+};
+
+TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
+  for (const char* name : sdkNames) {
+    sdks.add(name);
+  }
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  const auto healthy = [&](const std::string& maker, const std::string& baseName,
+                           const std::string& functions) {
+    const std::string name = hasErrorCodes ? "none" : "lib" + baseName + ".so";
+    return maker + ": healthy\n  File          " + pathOf(baseName) +
+           "\n  Kind          64-bit library for x64\n  " + nameLabel + name +
+           "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
+           " there\n  Needs         N of N libraries found\n\n";
+  };
+  const std::regex counts(R"((\d+) of \1 libraries found)");
+  EXPECT_EQ(std::regex_replace(result.out, counts, "N of N libraries found"),
+            healthy("ZWO ASI", "ASICamera2", "15") +
+                healthy("Player One", "PlayerOneCamera", "17") + healthy("QHYCCD", "qhyccd", "20") +
+                healthy("ToupTek", "toupcam", "17") + notAsked +
+                "Found 4 of 4 SDKs, 4 healthy.\n");
+}
+
+TEST_F(OcCaptureDoctor, EmptyDirectoryIsNoFailure) {
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out, notThere("ZWO ASI", "ASICamera2") + othersNotThere() + notAsked +
+                            "There is no SDK in this directory.\n");
+}
+
+TEST_F(OcCaptureDoctor, OneSdkThatIsMissingIsNoFailure) {
+  for (const char* name : {"ASICamera2", "PlayerOneCamera", "toupcam"}) {
+    sdks.add(name);
+  }
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_NE(result.out.find(notThere("QHYCCD", "qhyccd")), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("\nFound 3 of 4 SDKs, 3 healthy.\n"), std::string::npos)
+      << result.out;
+}
+
+TEST_F(OcCaptureDoctor, DirectoryThatDoesNotExist) {
+  const std::string missing = utf8(scratch.file("caf\u00e9"));
+  const ProgramResult result = run({"doctor", "--sdk", missing}, "");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "oc_capture: There is no directory \"" + missing + "\".\n");
+}
+
+TEST_F(OcCaptureDoctor, TextFileInTheSdksPlace) {
+  sdks.addFile("ASICamera2", "this is a text file\n");
+  expectUseless("This is no library, neither for Windows nor for Linux.");
+}
+
+TEST_F(OcCaptureDoctor, EmptyFile) {
+  sdks.addFile("ASICamera2", "");
+  expectUseless("The file is empty.");
+}
+
+TEST_F(OcCaptureDoctor, DirectoryInTheSdksPlace) {
+  std::filesystem::create_directory(sdks.file("ASICamera2"));
+  expectUseless("This is a directory.");
+}
+
+TEST_F(OcCaptureDoctor, LibraryForThirtyTwoBits) {
+  sdks.addFile("ASICamera2", sdkForMachine(0x014c, 3));
+  expectUseless(
+      "This is a 32-bit library for x86, which a 64-bit program cannot use on this computer.");
+}
+
+TEST_F(OcCaptureDoctor, LibraryForAnotherProcessor) {
+  sdks.addFile("ASICamera2", sdkForMachine(0xaa64, 183));
+  expectUseless(
+      "This is a 64-bit library for ARM64, which a 64-bit program cannot use on this computer.");
+}
+
+TEST_F(OcCaptureDoctor, LibraryForTheOtherSystem) {
+  sdks.addFile("ASICamera2", (hasErrorCodes ? "\x7f"
+                                              "ELF\x02\x01\x01"
+                                            : "MZ") +
+                                 std::string(500, '\0'));
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 1);
+  // Five hundred zeros behind the mark are not enough of a Windows header.
+  EXPECT_NE(
+      result.out.find(hasErrorCodes ? "This is a library for Linux, not for Windows."
+                                    : "This is no library, neither for Windows nor for Linux."),
+      std::string::npos)
+      << result.out;
+}
+
+TEST_F(OcCaptureDoctor, FileThatIsCutOff) {
+  sdks.add("ASICamera2");
+  const std::string image = contentOf(sdks.file("ASICamera2"));
+  for (const std::size_t size : {50U, 300U, 9000U}) {
+    sdks.addFile("ASICamera2", image.substr(0, size));
+    const ProgramResult result = doctor({"--scan"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.out.find("  Kind          The file is cut off or damaged.\n"),
+              std::string::npos)
+        << size << ": " << result.out;
+    // The loader of Linux does not survive such a file, so it must not meet it here.
+    EXPECT_NE(
+        result.out.find(hasErrorCodes ? "  Loads         no: " : "  Loads         not tried: "),
+        std::string::npos)
+        << size << ": " << result.out;
+    EXPECT_EQ(result.out.find("it is not safe to load") == std::string::npos, hasErrorCodes);
+  }
+}
+
+TEST_F(OcCaptureDoctor, SdkThatLacksFunctions) {
+  sdks.add("qhyccd", {"GetQHYCCDLiveFrame", "SetQHYCCDParam"});
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.out.find("QHYCCD: NOT HEALTHY\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("  Loads         yes\n"
+                            "  Functions     18 of 20 there\n"
+                            "                missing: SetQHYCCDParam\n"
+                            "                missing: GetQHYCCDLiveFrame\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_NE(result.out.find("\nFound 1 of 4 SDKs, 0 healthy.\n"), std::string::npos);
+
+  const ordered_json json = doctorJson(1);
+  EXPECT_EQ(json["sdks"][2]["missingFunctions"],
+            (ordered_json{"SetQHYCCDParam", "GetQHYCCDLiveFrame"}));
+}
+
+TEST_F(OcCaptureDoctor, SdkWhoseDependencyIsMissing) {
+  sdks.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK));
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(std::regex_search(
+      result.out, std::regex(R"(\n  Loads         no: .+\n  Functions     not known\n)"
+                             R"(  Needs         \d+ of \d+ libraries found\n)")))
+      << result.out;
+  EXPECT_NE(result.out.find(std::string("                missing: ") + dependencyFile +
+                            ", needed by " + utf8(sdks.file("ASICamera2").filename()) + "\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_EQ(doctorJson(1)["sdks"][0]["loadErrorCode"],
+            hasErrorCodes ? ordered_json(126) : ordered_json(nullptr));
+}
+
+TEST_F(OcCaptureDoctor, SdkWhoseDependencyIsNoLibrary) {
+  sdks.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK));
+  addDependency("this is a text file\n");
+  const ProgramResult result = doctor();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.out.find(std::string("                unusable: ") + dependencyFile +
+                            ", needed by " + utf8(sdks.file("ASICamera2").filename()) + ": " +
+                            utf8(sdks.path() / dependencyFile) +
+                            ": This is no library, neither for Windows nor for Linux.\n"),
+            std::string::npos)
+      << result.out;
+}
+
+TEST_F(OcCaptureDoctor, DependencyBesideTheSdkIsFoundThere) {
+  sdks.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK));
+  addDependency(contentOf(ORVANE_STAND_IN_DEPENDENCY));
+  const ordered_json sdk = doctorJson(1)["sdks"][0];
+  EXPECT_EQ(sdk["loads"], true);
+  EXPECT_EQ(sdk["missingFunctions"].size(), 13U) << "the stand-in has two of 15";
+  bool isListed = false;
+  for (const ordered_json& import : sdk["imports"]) {
+    EXPECT_EQ(import["missing"], false) << import;
+    EXPECT_TRUE(import["problem"].is_null()) << import;
+    if (import["name"] == dependencyFile) {
+      isListed = true;
+      EXPECT_EQ(import["file"], utf8(sdks.path() / dependencyFile));
+    }
+  }
+  EXPECT_TRUE(isListed) << sdk["imports"];
+}
+
+#ifdef _WIN32
+TEST_F(OcCaptureDoctor, TellsTheFileVersion) {
+  sdks.addFile("toupcam", contentOf(ORVANE_LIBRARY_FILE));
+  EXPECT_EQ(doctorJson(1)["sdks"][3]["fileVersion"], ORVANE_LIBRARY_VERSION ".0");
+  EXPECT_NE(doctor().out.find("  File version  " ORVANE_LIBRARY_VERSION ".0\n"), std::string::npos);
+}
+#endif
+
+TEST_F(OcCaptureDoctor, OpensNoCameraUnlessAsked) {
+  sdks.add("ASICamera2");
+  const auto log = scratch.file("calls");
+  EXPECT_EQ(doctor({}, "log " + utf8(log)).status, 0);
+  EXPECT_EQ(contentOf(log), "");
+
+  const ProgramResult scanned = doctor({"--scan"}, "log " + utf8(log));
+  EXPECT_EQ(scanned.status, 0);
+  EXPECT_NE(contentOf(log).find("ASIOpenCamera"), std::string::npos);
+  EXPECT_NE(scanned.out.find("The library itself\n"
+                             "  oc_scan       4 cameras\n"
+                             "  oc_libraries  \"ASICamera2\"\n"
+                             "  oc_error      \"\"\n"
+                             "\n"
+                             "Found 1 of 4 SDKs, 1 healthy.\n"),
+            std::string::npos)
+      << scanned.out;
+}
+
+TEST_F(OcCaptureDoctor, ScanThatFailsIsAFailure) {
+  sdks.add("ASICamera2");
+  const ProgramResult result = doctor({"--scan"}, "force ASIGetCameraProperty 3 1 5");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.out.find("  oc_error      \"ASIGetCameraProperty: 5\"\n"), std::string::npos)
+      << result.out;
+}
+
+TEST_F(OcCaptureDoctor, LibraryLoadsWhatCanBeLoadedHere) {
+  sdks.addFile("ASICamera2", "this is a text file\n");
+  sdks.add("PlayerOneCamera");
+  sdks.add("toupcam");
+  const ordered_json json = doctorJson(1, {"--json", "--scan"});
+  EXPECT_EQ(json["library"]["scanned"], true);
+  EXPECT_EQ(json["library"]["libraries"], "PlayerOneCamera, toupcam");
+  EXPECT_EQ(json["library"]["error"], "");
+}
+
+TEST_F(OcCaptureDoctor, JsonHasTheseKeysInThisOrder) {
+  sdks.add("ASICamera2");
+  const ordered_json json = doctorJson(0);
+  const auto keysOf = [](const ordered_json& object) {
+    std::string keys;
+    for (const auto& item : object.items()) {
+      keys += item.key() + " ";
+    }
+    return keys;
+  };
+  EXPECT_EQ(keysOf(json), "directory healthy sdks library ");
+  EXPECT_EQ(json["directory"], sdks.utf8());
+  EXPECT_EQ(json["healthy"], true);
+  ASSERT_EQ(json["sdks"].size(), 4U);
+  const std::string sdkKeys =
+      "maker name file present healthy problem bits processor fileVersion soname loads loadError "
+      "loadErrorCode functions missingFunctions imports ";
+  EXPECT_EQ(keysOf(json["sdks"][0]), sdkKeys);
+  EXPECT_EQ(json["sdks"][0]["bits"], 64);
+  EXPECT_EQ(json["sdks"][0]["missingFunctions"], ordered_json::array());
+  EXPECT_EQ(keysOf(json["sdks"][0]["imports"][0]), "name neededBy missing file problem ");
+  EXPECT_EQ(json["library"].dump(),
+            R"({"scanned":false,"cameras":null,"libraries":null,"error":null})");
+  // Nothing is known of what is not there.
+  ordered_json absent = json["sdks"][1];
+  EXPECT_EQ(keysOf(absent), sdkKeys);
+  EXPECT_EQ(absent["present"], false);
+  EXPECT_TRUE(absent["loads"].is_null());
+  EXPECT_TRUE(absent["missingFunctions"].is_null());
+}
+
+TEST_F(OcCaptureDoctor, FindsSdksInADirectoryOfAnyName) {
+  sdks.add("ASICamera2");
+  const auto directory = scratch.file("caf\u00e9 \U0001F52D");
+  std::filesystem::copy(sdks.path(), directory);
+  const ProgramResult result = run({"doctor", "--sdk", utf8(directory)}, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out.find("ZWO ASI: healthy\n  File          " +
+                            utf8(directory / sdks.file("ASICamera2").filename()) + "\n"),
+            0U)
+      << result.out;
+}
+
+}  // namespace
+
+}  // namespace orvane::testing
