@@ -19,15 +19,17 @@ constexpr int done = 0;
 constexpr int failed = 1;
 constexpr int wrongArguments = 2;
 
-int carryOut(const Command& command) {
-  if (const auto* list = std::get_if<ListCommand>(&command)) {
-    return listCameras(*list);
-  }
-  if (const auto* recording = std::get_if<RecordCommand>(&command)) {
-    record(*recording);
-  } else {
-    std::cout << std::get<HelpText>(command).text << std::flush;
-  }
+int carryOut(const HelpText& help) {
+  std::cout << help.text << std::flush;
+  return done;
+}
+
+int carryOut(const ListCommand& command) {
+  return listCameras(command);
+}
+
+int carryOut(const RecordCommand& command) {
+  record(command);
   return done;
 }
 
@@ -39,7 +41,8 @@ int report(const std::exception& error, int status) {
 int run(int argc, char** argv) {
   try {
     useUtf8Console();
-    return carryOut(parseCommandLine(commandLineArguments(argc, argv)));
+    return std::visit([](const auto& command) { return carryOut(command); },
+                      parseCommandLine(commandLineArguments(argc, argv)));
   } catch (const UsageError& error) {
     return report(error, wrongArguments);
   } catch (const std::exception& error) {

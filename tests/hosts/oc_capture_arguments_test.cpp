@@ -37,7 +37,7 @@ INSTANTIATE_TEST_SUITE_P(
     Arguments, WrongCommandLine,
     ::testing::Values(
         WrongArguments{"Nothing", {}, "Say what to do: list or record."},
-        WrongArguments{"UnknownCommand", {"play"}, "Say what to do: list or record."},
+        WrongArguments{"UnknownCommand", {"dance"}, "Say what to do: list or record."},
         WrongArguments{"ListWithoutSdk", {"list"}, "--sdk is required."},
         WrongArguments{"ListWithMore",
                        {"list", "--sdk", ".", "more"},
