@@ -43,6 +43,7 @@ Command parseCommandLine(std::vector<std::string> arguments) {
 
   const ListOptions list(app);
   const RecordOptions record(app);
+  const SnapOptions snap(app);
 
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
@@ -54,6 +55,9 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   }
   if (list.isGiven()) {
     return list.command();
+  }
+  if (snap.isGiven()) {
+    return snap.command();
   }
   return record.command();
 }

@@ -7,6 +7,7 @@
 
 #include "oc_capture/list_options.hpp"
 #include "oc_capture/record_options.hpp"
+#include "oc_capture/snap_options.hpp"
 
 namespace orvane::host {
 
@@ -15,9 +16,10 @@ struct HelpText {
   std::string text;
 };
 
-using Command = std::variant<HelpText,     //
-                             ListCommand,  //
-                             RecordCommand>;
+using Command = std::variant<HelpText,       //
+                             ListCommand,    //
+                             RecordCommand,  //
+                             SnapCommand>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
 Command parseCommandLine(std::vector<std::string> arguments);

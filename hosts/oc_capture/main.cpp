@@ -10,6 +10,7 @@
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/list_command.hpp"
 #include "oc_capture/record_command.hpp"
+#include "oc_capture/snap_command.hpp"
 
 namespace orvane::host {
 
@@ -30,6 +31,11 @@ int carryOut(const ListCommand& command) {
 
 int carryOut(const RecordCommand& command) {
   record(command);
+  return done;
+}
+
+int carryOut(const SnapCommand& command) {
+  snap(command);
   return done;
 }
 
