@@ -1,12 +1,12 @@
 // Writes FITS files with one image.
 #include "common/fits_writer.hpp"
 
+#include <algorithm>
 #include <cmath>
-#include <iomanip>
-#include <sstream>
 
 #include "common/output_file.hpp"
 #include "common/text.hpp"
+#include "common/utc_text.hpp"
 
 namespace orvane::host {
 
@@ -78,19 +78,6 @@ bool isWide(const FrameLayout& layout) {
   return layout.format == PixelFormat::Raw16;
 }
 
-std::string dateText(std::chrono::system_clock::time_point time) {
-  const auto day = std::chrono::floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(std::chrono::floor<std::chrono::microseconds>(time - day));
-  std::ostringstream text;
-  text << std::setfill('0') << std::setw(4) << static_cast<int>(date.year()) << "-" << std::setw(2)
-       << static_cast<unsigned>(date.month()) << "-" << std::setw(2)
-       << static_cast<unsigned>(date.day()) << "T" << std::setw(2) << clock.hours().count() << ":"
-       << std::setw(2) << clock.minutes().count() << ":" << std::setw(2) << clock.seconds().count()
-       << "." << std::setw(6) << clock.subseconds().count();
-  return text.str();
-}
-
 void addShape(Header& header, const FrameLayout& layout) {
   header.addPlain("SIMPLE", "T", "this is a FITS file");
   header.add("BITPIX", isWide(layout) ? 16 : 8, "bits of a sample");
@@ -116,7 +103,7 @@ std::string headerText(const FitsDescription& description) {
     header.add("XBAYROFF", 0, "");
     header.add("YBAYROFF", 0, "");
   }
-  header.add("DATE-OBS", dateText(description.start), "UTC, start of exposure");
+  header.add("DATE-OBS", utcText(description.start), "UTC, start of exposure");
   header.add("EXPTIME", description.exposureSeconds, "seconds");
   header.add("GAIN", description.gain, "in the maker's units");
   header.add("OFFSET", description.offset, "in the maker's units");

@@ -26,13 +26,24 @@ Mosaic withRowsExchanged(Mosaic mosaic) {
   return Mosaic::None;
 }
 
-void flip(std::span<std::uint8_t> frame, std::size_t rows) {
-  const auto rowBytes = static_cast<std::ptrdiff_t>(frame.size() / rows);
-  auto top = frame.begin();
-  auto bottom = frame.end() - rowBytes;
-  for (; top < bottom; top += rowBytes, bottom -= rowBytes) {
-    std::swap_ranges(top, top + rowBytes, bottom);
+template <class Sample>
+void correct(std::span<Sample> samples, int rows, const FrameCorrection& correction) {
+  if (correction.flips) {
+    const auto width = static_cast<std::ptrdiff_t>(samples.size() / static_cast<std::size_t>(rows));
+    auto top = samples.begin();
+    auto bottom = samples.end() - width;
+    for (; top < bottom; top += width, bottom -= width) {
+      std::swap_ranges(top, top + width, bottom);
+    }
   }
+  for (std::size_t at = 0; correction.swapsRedAndBlue && at + 2 < samples.size(); at += 3) {
+    std::swap(samples[at], samples[at + 2]);
+  }
+}
+
+Mosaic correctedMosaic(Mosaic mosaic, int height, const FrameCorrection& correction) {
+  const Mosaic asItComes = correction.mosaic.value_or(mosaic);
+  return correction.flips && height % 2 == 0 ? withRowsExchanged(asItComes) : asItComes;
 }
 
 }  // namespace
@@ -41,27 +52,29 @@ FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& co
   if (correction.swapsRedAndBlue && layout.format != PixelFormat::Rgb24) {
     throw UsageError("--swap-rb needs frames in rgb24.");
   }
+  const bool isRaw = layout.format == PixelFormat::Raw8 || layout.format == PixelFormat::Raw16;
+  if (correction.mosaic && !isRaw) {
+    throw UsageError("--bayer needs frames in raw8 or raw16.");
+  }
   FrameLayout corrected = layout;
-  if (correction.mosaic) {
-    if (layout.format != PixelFormat::Raw8 && layout.format != PixelFormat::Raw16) {
-      throw UsageError("--bayer needs frames in raw8 or raw16.");
-    }
-    corrected.mosaic = *correction.mosaic;
-  }
-  if (correction.flips && layout.height % 2 == 0) {
-    corrected.mosaic = withRowsExchanged(corrected.mosaic);
-  }
+  corrected.mosaic = correctedMosaic(layout.mosaic, layout.height, correction);
   return corrected;
 }
 
 void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
                   const FrameCorrection& correction) {
-  if (correction.flips) {
-    flip(frame, static_cast<std::size_t>(layout.height));
+  correct(frame, layout.height, correction);
+}
+
+Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction) {
+  if (correction.swapsRedAndBlue && image.channels != 3) {
+    throw UsageError("--swap-rb needs frames in RGB.");
   }
-  for (std::size_t pixel = 0; correction.swapsRedAndBlue && pixel + 2 < frame.size(); pixel += 3) {
-    std::swap(frame[pixel], frame[pixel + 2]);
+  if (correction.mosaic && image.channels != 1) {
+    throw UsageError("--bayer needs frames of raw samples.");
   }
+  correct(std::span(image.samples), image.height, correction);
+  return correctedMosaic(mosaic, image.height, correction);
 }
 
 }  // namespace orvane::host

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "common/frame_layout.hpp"
+#include "common/image.hpp"
 
 namespace orvane::host {
 
@@ -24,5 +25,8 @@ FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& co
 /// Corrects a frame of frameBytes(layout) bytes in place.
 void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
                   const FrameCorrection& correction);
+
+/// The same for the image of a frame; and the mosaic that it has then.
+Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction);
 
 }  // namespace orvane::host

@@ -33,6 +33,17 @@ std::int64_t readExposureText(const std::string& text) {
   return microseconds;
 }
 
+std::optional<Mosaic> readMosaicText(const std::optional<std::string>& text) {
+  if (!text) {
+    return std::nullopt;
+  }
+  const auto mosaic = mosaicFromName(*text);
+  if (!mosaic) {
+    throw UsageError("--bayer needs RGGB, GRBG, GBRG, BGGR or none, not " + inQuotes(*text) + ".");
+  }
+  return mosaic;
+}
+
 }  // namespace
 
 std::optional<int> readOptionalNumber(const char* option, const std::optional<std::string>& text,
@@ -43,15 +54,8 @@ std::optional<int> readOptionalNumber(const char* option, const std::optional<st
   return parseWholeNumber(option, *text, smallest, largest);
 }
 
-std::optional<Mosaic> readMosaicText(const std::optional<std::string>& text) {
-  if (!text) {
-    return std::nullopt;
-  }
-  const auto mosaic = mosaicFromName(*text);
-  if (!mosaic) {
-    throw UsageError("--bayer needs RGGB, GRBG, GBRG, BGGR or none, not " + inQuotes(*text) + ".");
-  }
-  return mosaic;
+FrameCorrection readCorrectionTexts(const CorrectionTexts& texts) {
+  return {texts.flips, texts.swapsRedAndBlue, readMosaicText(texts.mosaic)};
 }
 
 CameraChoice readCameraTexts(const CameraTexts& texts) {
@@ -66,7 +70,7 @@ CameraChoice readCameraTexts(const CameraTexts& texts) {
   choice.gain = readOptionalNumber("--gain", texts.gain, smallestInt, largestInt);
   choice.offset = parseWholeNumber("--offset", texts.offset, smallestInt, largestInt);
   choice.discard = parseWholeNumber("--discard", texts.discard, 0, largestInt);
-  choice.correction = {texts.isFlipped, texts.swapsRedAndBlue, readMosaicText(texts.mosaic)};
+  choice.correction = readCorrectionTexts(texts.correction);
   return choice;
 }
 

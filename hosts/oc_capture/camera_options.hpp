@@ -25,20 +25,26 @@ struct CameraChoice {
   FrameCorrection correction;
 };
 
-/// The same as typed.
+/// A correction of frames as typed.
+struct CorrectionTexts {
+  bool flips = false;
+  bool swapsRedAndBlue = false;
+  std::optional<std::string> mosaic;
+};
+
+/// The choice as typed.
 struct CameraTexts {
   std::string sdkDirectory, camera;
-  std::optional<std::string> width, height, format, gain, mosaic;
+  std::optional<std::string> width, height, format, gain;
   std::string bin = "1", exposure = "20ms", offset = "10", discard = "0";
-  bool isFlipped = false;
-  bool swapsRedAndBlue = false;
+  CorrectionTexts correction;
 };
 
 /// Throws UsageError with a sentence about the first text that is wrong.
 CameraChoice readCameraTexts(const CameraTexts& texts);
 
-/// A mosaic as typed for `--bayer`; none where nothing was. Throws UsageError.
-std::optional<Mosaic> readMosaicText(const std::optional<std::string>& text);
+/// Throws UsageError when there is no such mosaic.
+FrameCorrection readCorrectionTexts(const CorrectionTexts& texts);
 
 /// An optional whole number of an option. Throws UsageError.
 std::optional<int> readOptionalNumber(const char* option, const std::optional<std::string>& text,

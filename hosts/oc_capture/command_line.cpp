@@ -44,12 +44,13 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   const ListOptions list(app);
   const RecordOptions record(app);
   const SnapOptions snap(app);
+  const PlayOptions play(app);
 
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
-    return HelpText{app.help()};
+    return HelpText{app.help() + "\n"};
   } catch (const CLI::ParseError& error) {
     throw usageError(error, app);
   }
@@ -58,6 +59,9 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   }
   if (snap.isGiven()) {
     return snap.command();
+  }
+  if (play.isGiven()) {
+    return play.command();
   }
   return record.command();
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "oc_capture/list_options.hpp"
+#include "oc_capture/play_options.hpp"
 #include "oc_capture/record_options.hpp"
 #include "oc_capture/snap_options.hpp"
 
@@ -19,7 +20,8 @@ struct HelpText {
 using Command = std::variant<HelpText,       //
                              ListCommand,    //
                              RecordCommand,  //
-                             SnapCommand>;
+                             SnapCommand,    //
+                             PlayCommand>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
 Command parseCommandLine(std::vector<std::string> arguments);

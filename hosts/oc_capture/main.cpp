@@ -9,6 +9,7 @@
 #include "common/system.hpp"
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/list_command.hpp"
+#include "oc_capture/play_command.hpp"
 #include "oc_capture/record_command.hpp"
 #include "oc_capture/snap_command.hpp"
 
@@ -36,6 +37,11 @@ int carryOut(const RecordCommand& command) {
 
 int carryOut(const SnapCommand& command) {
   snap(command);
+  return done;
+}
+
+int carryOut(const PlayCommand& command) {
+  play(command);
   return done;
 }
 

@@ -40,7 +40,6 @@ RecordOptions::RecordOptions(CLI::App& app)
                  "500 --out moon.ser --json",
                  explanation) {
   addCamera(camera_).required();
-  addCorrection(camera_);
   add("--out", file_, "FILE.ser", "The recording").required();
   parser().add_flag("--overwrite", record_.mayOverwrite, "Replace FILE.ser if it exists");
   add("--frames", frames_, "N", "Number of frames to record");

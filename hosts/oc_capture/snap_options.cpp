@@ -24,7 +24,6 @@ SnapOptions::SnapOptions(CLI::App& app)
                  "dark.fits",
                  explanation) {
   addCamera(camera_).required();
-  addCorrection(camera_);
   add("--out", file_, "FILE", "The file: .png, .fits or .fit").required();
   parser().add_flag("--overwrite", snap_.mayOverwrite, "Replace the file if it exists");
   add("--observer", snap_.observer, "NAME", "Written into a FITS file");

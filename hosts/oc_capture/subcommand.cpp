@@ -62,11 +62,12 @@ CLI::Option& Subcommand::addCamera(CameraTexts& texts) {
   add("--offset", texts.offset, "N", "Black level in the maker's units; 10 if not given");
   add("--discard", texts.discard, "N",
       "Frames to throw away before the first that counts; 0 if not given");
+  addCorrection(texts.correction);
   return camera;
 }
 
-void Subcommand::addCorrection(CameraTexts& texts) {
-  parser_.add_flag("--flip", texts.isFlipped, "Turn frames upside down");
+void Subcommand::addCorrection(CorrectionTexts& texts) {
+  parser_.add_flag("--flip", texts.flips, "Turn frames upside down");
   parser_.add_flag("--swap-rb", texts.swapsRedAndBlue, "Exchange red and blue of rgb24 frames");
   add("--bayer", texts.mosaic, "PATTERN",
       "The mosaic of raw frames as they come, in place of what the SDK says: RGGB, GRBG, GBRG, "

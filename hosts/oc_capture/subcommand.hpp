@@ -45,11 +45,11 @@ class Subcommand {
   /// "--sdk", which is required.
   void addSdk(std::string& directory);
 
-  /// Which camera, and how it is to be opened.
+  /// Which camera, how it is to be opened, and how its frames are to be put right.
   CLI::Option& addCamera(CameraTexts& texts);
 
   /// "--flip", "--swap-rb" and "--bayer".
-  void addCorrection(CameraTexts& texts);
+  void addCorrection(CorrectionTexts& texts);
 
   /// "--quiet" and "--json".
   void addReporting(Reporting& reporting);
