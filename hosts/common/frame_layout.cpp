@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include "common/text.hpp"
+
 namespace orvane::host {
 
 namespace {
@@ -63,6 +65,18 @@ Mosaic mosaicFromCode(int code) {
     }
   }
   return Mosaic::None;
+}
+
+std::optional<Mosaic> mosaicFromName(std::string_view name) {
+  const auto isName = [&](std::string_view known) {
+    return known.size() == name.size() && containsIgnoringCase(known, name);
+  };
+  for (const NamedMosaic& entry : mosaics) {
+    if (isName(entry.name)) {
+      return entry.mosaic;
+    }
+  }
+  return isName("none") ? std::optional(Mosaic::None) : std::nullopt;
 }
 
 const char* mosaicName(Mosaic mosaic) {

@@ -33,6 +33,9 @@ std::optional<PixelFormat> formatFromCode(int code);
 /// The mosaic with this code of the library's; none for a code that is not known.
 Mosaic mosaicFromCode(int code);
 
+/// The mosaic of this name, in letters of any case: "RGGB" and so on, or "none".
+std::optional<Mosaic> mosaicFromName(std::string_view name);
+
 /// "RGGB" and so on; "" for none.
 const char* mosaicName(Mosaic mosaic);
 

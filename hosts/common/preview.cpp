@@ -10,9 +10,12 @@ namespace orvane::host {
 
 ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int longestSide) {
-  Image image = imageFromFrame(frame, layout);
-  if (layout.mosaic != Mosaic::None) {
-    image = debayer(image, layout.mosaic);
+  return previewOf(imageFromFrame(frame, layout), layout.mosaic, longestSide);
+}
+
+ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide) {
+  if (mosaic != Mosaic::None) {
+    image = debayer(image, mosaic);
   }
   return stretched(shrink(std::move(image), longestSide));
 }

@@ -14,4 +14,7 @@ namespace orvane::host {
 ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int longestSide = 2400);
 
+/// The same of an image that was taken through a mosaic, or none.
+ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide);
+
 }  // namespace orvane::host

@@ -13,13 +13,17 @@ namespace {
 using Clock = std::chrono::system_clock;
 using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
 
+// The start of this year, in ticks.
+constexpr Ticks startOf(int year) {
+  using std::chrono::sys_days;
+  return sys_days(std::chrono::year(year) / 1 / 1) - sys_days(std::chrono::year(1) / 1 / 1);
+}
+
 }  // namespace
 
 std::int64_t serTicks(Clock::time_point time) {
-  using std::chrono::sys_days;
-  const auto toEpoch =
-      sys_days(std::chrono::year(1970) / 1 / 1) - sys_days(std::chrono::year(1) / 1 / 1);
-  return (std::chrono::duration_cast<Ticks>(time.time_since_epoch()) + Ticks(toEpoch)).count();
+  const Ticks toEpoch = startOf(1970);
+  return (std::chrono::duration_cast<Ticks>(time.time_since_epoch()) + toEpoch).count();
 }
 
 std::int64_t serLocalTicks(Clock::time_point time) {
@@ -30,6 +34,15 @@ std::int64_t serLocalTicks(Clock::time_point time) {
   const auto shown = day + std::chrono::hours(local.tm_hour) + std::chrono::minutes(local.tm_min) +
                      std::chrono::seconds(local.tm_sec);
   return serTicks(std::chrono::time_point_cast<Clock::duration>(shown) + (time - second));
+}
+
+std::optional<Clock::time_point> timeOfSerTicks(std::int64_t ticks) {
+  // A clock that counts nanoseconds holds little more.
+  if (ticks < startOf(1700).count() || ticks >= startOf(2200).count()) {
+    return std::nullopt;
+  }
+  return Clock::time_point(
+      std::chrono::duration_cast<Clock::duration>(Ticks(ticks) - startOf(1970)));
 }
 
 }  // namespace orvane::host

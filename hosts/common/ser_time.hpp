@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace orvane::host {
 
@@ -11,5 +12,8 @@ std::int64_t serTicks(std::chrono::system_clock::time_point time);
 
 /// The same point in time as a clock on this computer's wall shows it.
 std::int64_t serLocalTicks(std::chrono::system_clock::time_point time);
+
+/// The point in time of such a count; none when it lies before 1700 or after 2200.
+std::optional<std::chrono::system_clock::time_point> timeOfSerTicks(std::int64_t ticks);
 
 }  // namespace orvane::host

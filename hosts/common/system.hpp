@@ -30,12 +30,18 @@ bool stopRequested();
 /// From here on, sleeping for a millisecond takes about that long.
 void useFineSleep();
 
+/// The most memory that this process has had in use, in bytes; 0 when the system does not tell.
+std::int64_t peakMemory();
+
 /// Calendar time where this computer stands.
 std::tm localTime(std::time_t time);
 
 /// Opens a file for reading and writing, emptied if it exists; null with errno set where that
 /// fails.
 std::FILE* openEmptyFile(const std::filesystem::path& path);
+
+/// Opens a file for reading; null with errno set where that fails.
+std::FILE* openExistingFile(const std::filesystem::path& path);
 
 /// Moves to a position that may lie beyond 4 GiB; false with errno set where that fails.
 bool seekFile(std::FILE* file, std::int64_t position);

@@ -1,5 +1,6 @@
 // The operating system's part on Linux.
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,6 +57,11 @@ bool stopRequested() {
 
 void useFineSleep() {}
 
+std::int64_t peakMemory() {
+  struct rusage usage = {};
+  return getrusage(RUSAGE_SELF, &usage) == 0 ? std::int64_t{usage.ru_maxrss} * 1024 : 0;
+}
+
 std::tm localTime(std::time_t time) {
   std::tm calendar = {};
   localtime_r(&time, &calendar);
@@ -64,6 +70,10 @@ std::tm localTime(std::time_t time) {
 
 std::FILE* openEmptyFile(const std::filesystem::path& path) {
   return std::fopen(path.c_str(), "w+be");
+}
+
+std::FILE* openExistingFile(const std::filesystem::path& path) {
+  return std::fopen(path.c_str(), "rbe");
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

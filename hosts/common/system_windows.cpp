@@ -2,6 +2,7 @@
 #include <io.h>
 #include <windows.h>
 // After windows.h, which they need.
+#include <psapi.h>
 #include <shellapi.h>
 #include <timeapi.h>
 
@@ -79,6 +80,13 @@ void useFineSleep() {
   timeBeginPeriod(1);  // until the process ends
 }
 
+std::int64_t peakMemory() {
+  PROCESS_MEMORY_COUNTERS counters = {};
+  return GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) != 0
+             ? static_cast<std::int64_t>(counters.PeakWorkingSetSize)
+             : 0;
+}
+
 std::tm localTime(std::time_t time) {
   std::tm calendar = {};
   static_cast<void>(localtime_s(&calendar, &time));
@@ -87,6 +95,10 @@ std::tm localTime(std::time_t time) {
 
 std::FILE* openEmptyFile(const std::filesystem::path& path) {
   return _wfopen(path.c_str(), L"w+b");
+}
+
+std::FILE* openExistingFile(const std::filesystem::path& path) {
+  return _wfopen(path.c_str(), L"rb");
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

@@ -67,6 +67,15 @@ std::string inQuotes(std::string_view text) {
   return marked.append(text).append("\"");
 }
 
+std::string alternatives(const std::vector<std::string>& items) {
+  std::string text;
+  for (std::size_t index = 0; index < items.size(); ++index) {
+    text += index == 0 ? "" : index + 1 < items.size() ? ", " : " or ";
+    text += items[index];
+  }
+  return text;
+}
+
 std::filesystem::path pathFromUtf8(std::string_view text) {
   return std::u8string(text.begin(), text.end());
 }

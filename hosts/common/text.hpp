@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvane::host {
 
@@ -39,6 +40,9 @@ std::string joined(const Items& items, std::string_view separator, TextOf textOf
   }
   return list;
 }
+
+/// "a", "a or b", "a, b or c".
+std::string alternatives(const std::vector<std::string>& items);
 
 /// A path from its text in UTF-8. Throws std::system_error or a like exception for text that is
 /// not.

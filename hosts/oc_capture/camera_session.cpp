@@ -41,7 +41,7 @@ CameraSession::~CameraSession() {
   oc_close();
 }
 
-std::span<const std::uint8_t> CameraSession::read(std::span<std::uint8_t> buffer, int timeoutMs) {
+std::span<std::uint8_t> CameraSession::read(std::span<std::uint8_t> buffer, int timeoutMs) {
   const int size = oc_read(buffer.data(), static_cast<int>(buffer.size()), timeoutMs);
   if (size < 0) {
     throw CameraError(oc_error());
@@ -49,8 +49,9 @@ std::span<const std::uint8_t> CameraSession::read(std::span<std::uint8_t> buffer
   return buffer.first(static_cast<std::size_t>(size));
 }
 
-double CameraSession::temperature() const {
-  return oc_temperature();
+std::optional<double> CameraSession::temperature() const {
+  const double celsius = oc_temperature();
+  return celsius > -150 && celsius < 150 ? std::optional(celsius) : std::nullopt;
 }
 
 }  // namespace orvane::host

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -50,10 +51,11 @@ class CameraSession {
 
   /// Asks for the next frame. Returns its bytes, at the buffer's start, or none when no frame was
   /// ready. Throws CameraError with the library's text.
-  std::span<const std::uint8_t> read(std::span<std::uint8_t> buffer, int timeoutMs);
+  std::span<std::uint8_t> read(std::span<std::uint8_t> buffer, int timeoutMs);
 
-  /// The sensor's temperature in degrees Celsius, or NaN.
-  double temperature() const;
+  /// The sensor's temperature in degrees Celsius; none when the SDK has none, or answers a number
+  /// that can only be one of its errors.
+  std::optional<double> temperature() const;
 
  private:
   FrameLayout layout_;

@@ -1,4 +1,4 @@
-// A recording's settings, held against what the chosen camera can do.
+// A camera's settings, held against what the chosen camera can do.
 #include "oc_capture/capture_settings.hpp"
 
 #include <algorithm>
@@ -55,21 +55,24 @@ int gainOf(const CameraDescription& camera, std::optional<int> wanted) {
 
 }  // namespace
 
-CameraSettings settingsFor(const RecordCommand& command, const CameraDescription& camera) {
+CameraSettings settingsFor(const CameraChoice& choice, const CameraDescription& camera) {
   CameraSettings settings;
-  settings.width = sideOf(camera, "--width", command.width, camera.maxWidth);
-  settings.height = sideOf(camera, "--height", command.height, camera.maxHeight);
-  settings.bin = command.bin;
+  settings.width = sideOf(camera, "--width", choice.width, camera.maxWidth);
+  settings.height = sideOf(camera, "--height", choice.height, camera.maxHeight);
+  settings.bin = choice.bin;
   requireListed(camera, "bin", settings.bin, camera.bins,
                 [](int bin) { return std::to_string(bin); });
-  settings.format = formatOf(camera, command.format);
-  settings.exposureUs = command.exposureUs;
+  settings.format = formatOf(camera, choice.format);
+  settings.exposureUs = choice.exposureUs;
   if (camera.hasLongestExposure() && settings.exposureUs > camera.maxExposureUs) {
     throw UsageError("--exposure can be " + durationText(camera.maxExposureUs) + " at most with " +
                      camera.name + ".");
   }
-  settings.gain = gainOf(camera, command.gain);
-  settings.offset = command.offset;
+  settings.gain = gainOf(camera, choice.gain);
+  settings.offset = choice.offset;
+  // Refused now and not with the camera open.
+  correctedLayout({settings.width, settings.height, settings.format, Mosaic::None},
+                  choice.correction);
   return settings;
 }
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "common/failures.hpp"
+#include "common/system.hpp"
 
 namespace orvane::host {
 
@@ -24,21 +25,25 @@ FrameSource::FrameSource(CameraSession& camera, std::int64_t exposureUs)
       wait_(2 * exposureUs / 1000 + 500),
       // Short enough to lose no time to speak of, and no shorter, to leave the processor alone.
       pause_(std::clamp<std::int64_t>(exposureUs / 20000, 1, 5)),
-      nextBuffer_(camera.bufferSize()),
-      lastBuffer_(camera.bufferSize()) {}
+      buffer_(camera.bufferSize()) {}
 
-std::span<const std::uint8_t> FrameSource::poll() {
+std::span<std::uint8_t> FrameSource::poll() {
   const Milliseconds timeout = std::min(remainingWait(), longestCall);
-  const auto frame = camera_.read(nextBuffer_, static_cast<int>(timeout.count()));
+  const auto frame = camera_.read(buffer_, static_cast<int>(timeout.count()));
   if (frame.empty()) {
+    ++notReadyAnswers_;
     std::this_thread::sleep_for(pause_);  // not every SDK waits by itself
     return {};
   }
-  nextBuffer_.swap(lastBuffer_);
-  lastFrame_ = frame;
   waitEnd_.reset();
   silentWaitsInRow_ = 0;
   return frame;
+}
+
+void FrameSource::discard(int frames) {
+  for (int discarded = 0; discarded < frames && !stopRequested();) {
+    discarded += poll().empty() ? 0 : 1;
+  }
 }
 
 // Of the wait for the next frame, which starts here when the one before has come or none has.

@@ -39,7 +39,7 @@ int listCameras(const ListCommand& command) {
   const CameraCatalogue catalogue = readCatalogue(command.sdkDirectory);
   if (command.asJson) {
     printJson(catalogue);
-  } else {
+  } else if (!command.isQuiet) {
     printText(catalogue);
   }
   std::cout.flush();

@@ -1,7 +1,7 @@
 // "oc_capture list": what cameras there are, and what each can do.
 #pragma once
 
-#include "oc_capture/command_line.hpp"
+#include "oc_capture/list_options.hpp"
 
 namespace orvane::host {
 

@@ -10,7 +10,9 @@
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/doctor_command.hpp"
 #include "oc_capture/list_command.hpp"
+#include "oc_capture/play_command.hpp"
 #include "oc_capture/record_command.hpp"
+#include "oc_capture/snap_command.hpp"
 
 namespace orvane::host {
 
@@ -20,19 +22,32 @@ constexpr int done = 0;
 constexpr int failed = 1;
 constexpr int wrongArguments = 2;
 
-int carryOut(const Command& command) {
-  if (const auto* list = std::get_if<ListCommand>(&command)) {
-    return listCameras(*list);
-  }
-  if (const auto* doctor = std::get_if<DoctorCommand>(&command)) {
-    return examineSdks(*doctor);
-  }
-  if (const auto* recording = std::get_if<RecordCommand>(&command)) {
-    record(*recording);
-  } else {
-    std::cout << std::get<HelpText>(command).text << std::flush;
-  }
+int carryOut(const HelpText& help) {
+  std::cout << help.text << std::flush;
   return done;
+}
+
+int carryOut(const ListCommand& command) {
+  return listCameras(command);
+}
+
+int carryOut(const RecordCommand& command) {
+  record(command);
+  return done;
+}
+
+int carryOut(const SnapCommand& command) {
+  snap(command);
+  return done;
+}
+
+int carryOut(const PlayCommand& command) {
+  play(command);
+  return done;
+}
+
+int carryOut(const DoctorCommand& command) {
+  return examineSdks(command);
 }
 
 int report(const std::exception& error, int status) {
@@ -43,7 +58,8 @@ int report(const std::exception& error, int status) {
 int run(int argc, char** argv) {
   try {
     useUtf8Console();
-    return carryOut(parseCommandLine(commandLineArguments(argc, argv)));
+    return std::visit([](const auto& command) { return carryOut(command); },
+                      parseCommandLine(commandLineArguments(argc, argv)));
   } catch (const UsageError& error) {
     return report(error, wrongArguments);
   } catch (const std::exception& error) {

@@ -1,7 +1,7 @@
 // "oc_capture record": a camera's frames, written into a SER file.
 #pragma once
 
-#include "oc_capture/command_line.hpp"
+#include "oc_capture/record_options.hpp"
 
 namespace orvane::host {
 

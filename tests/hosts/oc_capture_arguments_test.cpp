@@ -36,8 +36,8 @@ TEST_P(WrongCommandLine, GetsOneSentence) {
 INSTANTIATE_TEST_SUITE_P(
     Arguments, WrongCommandLine,
     ::testing::Values(
-        WrongArguments{"Nothing", {}, "Say what to do: list, record or doctor."},
-        WrongArguments{"UnknownCommand", {"play"}, "Say what to do: list, record or doctor."},
+        WrongArguments{"Nothing", {}, "Say what to do: list, record, snap, play or doctor."},
+        WrongArguments{"UnknownCommand", {"dance"}, "Say what to do: list, record, snap, play or doctor."},
         WrongArguments{"ListWithoutSdk", {"list"}, "--sdk is required."},
         WrongArguments{"DoctorWithoutSdk", {"doctor"}, "--sdk is required."},
         WrongArguments{"ListWithMore",

@@ -1,0 +1,87 @@
+// A recording at a glance: some of its frames side by side.
+#include "oc_capture/contact_sheet.hpp"
+
+#include <algorithm>
+#include <vector>
+
+#include "common/canvas.hpp"
+#include "common/preview.hpp"
+#include "common/text.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+constexpr Colour background{24, 26, 30};
+constexpr Colour titleColour{240, 240, 240};
+constexpr Colour captionColour{170, 176, 186};
+
+constexpr int mostFrames = 12;
+constexpr int columns = 4;
+constexpr int longestSide = 400;
+constexpr int margin = 24;
+constexpr int captionHeight = 36;
+constexpr int titleHeight = 104;
+
+// Evenly from the first to the last.
+std::vector<std::int32_t> chosenFrames(std::int32_t frames) {
+  const std::int32_t count = std::min(frames, mostFrames);
+  std::vector<std::int32_t> chosen;
+  for (std::int32_t number = 0; number < count; ++number) {
+    const std::int64_t last = frames - 1;
+    chosen.push_back(count == 1 ? 0 : static_cast<std::int32_t>(last * number / (count - 1)));
+  }
+  return chosen;
+}
+
+std::string caption(const SerFacts& facts, std::int32_t frame) {
+  std::string text = "frame " + std::to_string(frame);
+  if (!facts.timeStamps.empty()) {
+    const auto stamp = static_cast<double>(facts.timeStamps[static_cast<std::size_t>(frame)]);
+    const double seconds = (stamp - static_cast<double>(facts.timeStamps.front())) / 1e7;
+    text += "   " + decimal(seconds, 3) + " s";
+  }
+  return text;
+}
+
+ScreenImage thumbnail(const SerReader& recording, std::int32_t frame,
+                      const FrameCorrection& correction) {
+  Image image = recording.readImage(frame);
+  const Mosaic mosaic = correctImage(image, recording.facts().mosaic, correction);
+  return previewOf(std::move(image), mosaic, longestSide);
+}
+
+}  // namespace
+
+ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
+                         const std::string& title, const std::string& subtitle) {
+  std::vector<ScreenImage> pictures;
+  const std::vector<std::int32_t> frames = chosenFrames(recording.facts().frames);
+  int width = 1;
+  int height = 1;
+  for (const std::int32_t frame : frames) {
+    pictures.push_back(thumbnail(recording, frame, correction));
+    width = std::max(width, pictures.back().width);
+    height = std::max(height, pictures.back().height);
+  }
+  // Captions have room below frames however narrow.
+  const int cellWidth = std::max(width, 200) + margin;
+  const int cellHeight = height + captionHeight + margin;
+  const int count = static_cast<int>(frames.size());
+  const int rows = (count + columns - 1) / columns;
+  Canvas canvas(margin + std::max(cellWidth * std::min(count, columns), 900),
+                titleHeight + std::max(1, rows) * cellHeight, background);
+  canvas.text(margin, margin, title, titleColour, 3);
+  canvas.text(margin, margin + 40, subtitle, captionColour);
+  for (int index = 0; index < count; ++index) {
+    const auto at = static_cast<std::size_t>(index);
+    const int x = margin + index % columns * cellWidth;
+    const int y = titleHeight + index / columns * cellHeight;
+    canvas.picture(x, y, pictures[at]);
+    canvas.text(x, y + pictures[at].height + 8, caption(recording.facts(), frames[at]),
+                captionColour);
+  }
+  return canvas.image();
+}
+
+}  // namespace orvane::host

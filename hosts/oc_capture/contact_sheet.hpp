@@ -1,0 +1,18 @@
+// A recording at a glance: some of its frames side by side.
+#pragma once
+
+#include <string>
+
+#include "common/frame_correction.hpp"
+#include "common/image.hpp"
+#include "common/ser_reader.hpp"
+
+namespace orvane::host {
+
+/// Up to twelve frames from the first to the last, each brightened for itself, with its number
+/// (from 0 on) and its time since the first. Throws UsageError where the frames cannot be corrected
+/// so, std::runtime_error where they cannot be read.
+ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
+                         const std::string& title, const std::string& subtitle);
+
+}  // namespace orvane::host

@@ -1,0 +1,167 @@
+// "oc_capture play": what a recording holds.
+#include "oc_capture/play_command.hpp"
+
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "common/failures.hpp"
+#include "common/frame_timing.hpp"
+#include "common/png_writer.hpp"
+#include "common/ser_reader.hpp"
+#include "common/ser_time.hpp"
+#include "common/text.hpp"
+#include "common/utc_text.hpp"
+#include "oc_capture/contact_sheet.hpp"
+#include "oc_capture/output_path.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string colours(const SerFacts& facts) {
+  switch (facts.channels) {
+    case SerChannels::Rgb:
+      return "RGB";
+    case SerChannels::Bgr:
+      return "BGR";
+    case SerChannels::One:
+      break;
+  }
+  if (facts.mosaic != Mosaic::None) {
+    return std::string("mosaic ") + mosaicName(facts.mosaic);
+  }
+  return facts.colorId == 0 ? "mono" : "colour code " + std::to_string(facts.colorId);
+}
+
+std::string shape(const SerFacts& facts) {
+  return std::to_string(facts.frames) + " frames of " + std::to_string(facts.width) + " x " +
+         std::to_string(facts.height) + ", " + colours(facts) + ", " + std::to_string(facts.depth) +
+         " bits";
+}
+
+std::string startText(const SerFacts& facts) {
+  const auto start = timeOfSerTicks(facts.startUtc);
+  return start ? utcText(*start) : "";
+}
+
+std::string rateText(const FrameTiming& timing) {
+  return decimal(timing.seconds, 3) + " s, " + decimal(timing.framesPerSecond, 1) +
+         " frames/s, usually " + decimal(timing.medianInterval * 1e3, 1) +
+         " ms from frame to frame";
+}
+
+std::string gapText(const FrameTiming& timing) {
+  if (timing.gaps == 0) {
+    return "none";
+  }
+  return std::to_string(timing.gaps) + ", in which about " + std::to_string(timing.missedFrames) +
+         " frames are missing; the longest, " + decimal(timing.longestGap * 1e3, 1) +
+         " ms, after frame " + std::to_string(timing.longestGapAfter);
+}
+
+void printLine(const char* label, const std::string& text) {
+  if (!text.empty()) {
+    std::cout << label << text << "\n";
+  }
+}
+
+void reportText(const PlayCommand& command, const SerFacts& facts,
+                const std::optional<FrameTiming>& timing) {
+  std::cout << inQuotes(utf8FromPath(command.file)) << ": " << shape(facts) << "\n";
+  printLine("Camera:    ", facts.instrument);
+  printLine("Telescope: ", facts.telescope);
+  printLine("Observer:  ", facts.observer);
+  const std::string start = startText(facts);
+  printLine("Start:     ", start.empty() ? "" : start + " UTC");
+  if (timing) {
+    printLine("Length:    ", rateText(*timing));
+    printLine("Gaps:      ", gapText(*timing));
+    printLine("Clock:     ", timing->stepsBack == 0
+                                 ? ""
+                                 : std::to_string(timing->stepsBack) +
+                                       " frames have an earlier time than the one before");
+  } else {
+    printLine("Length:    ", facts.timeStamps.empty() ? "unknown, there are no time stamps"
+                                                      : "unknown, the time stamps make no sense");
+  }
+  if (facts.unusedBytes > 0) {
+    printLine("Unused:    ",
+              std::to_string(facts.unusedBytes) + " bytes behind the frames and time stamps");
+  }
+  if (command.sheet) {
+    printLine("Sheet:     ", inQuotes(utf8FromPath(*command.sheet)));
+  }
+  std::cout << std::flush;
+}
+
+Json timingJson(const FrameTiming& timing) {
+  Json document;
+  document["seconds"] = timing.seconds;
+  document["framesPerSecond"] = timing.framesPerSecond;
+  document["medianIntervalSeconds"] = timing.medianInterval;
+  document["gaps"] = timing.gaps;
+  document["missedFrames"] = timing.missedFrames;
+  document["longestGapSeconds"] = timing.longestGap;
+  document["longestGapAfterFrame"] = timing.gaps == 0 ? Json() : Json(timing.longestGapAfter);
+  document["stepsBack"] = timing.stepsBack;
+  return document;
+}
+
+void reportJson(const PlayCommand& command, const SerFacts& facts,
+                const std::optional<FrameTiming>& timing) {
+  const std::string start = startText(facts);
+  Json document;
+  document["file"] = utf8FromPath(command.file);
+  document["frames"] = facts.frames;
+  document["width"] = facts.width;
+  document["height"] = facts.height;
+  document["colours"] = colours(facts);
+  document["depth"] = facts.depth;
+  document["instrument"] = facts.instrument;
+  document["telescope"] = facts.telescope;
+  document["observer"] = facts.observer;
+  document["startUtc"] = start.empty() ? Json() : Json(start);
+  document["hasTimeStamps"] = !facts.timeStamps.empty();
+  document["timing"] = timing ? timingJson(*timing) : Json();
+  document["unusedBytes"] = facts.unusedBytes;
+  document["sheet"] = command.sheet ? Json(utf8FromPath(*command.sheet)) : Json();
+  std::cout << document.dump(2) << "\n" << std::flush;
+}
+
+void requireFile(const std::filesystem::path& file) {
+  std::error_code ignored;
+  if (!std::filesystem::exists(file, ignored)) {
+    throw UsageError("There is no file " + inQuotes(utf8FromPath(file)) + ".");
+  }
+}
+
+}  // namespace
+
+void play(const PlayCommand& command) {
+  requireFile(command.file);
+  if (command.sheet) {
+    requireUsable(*command.sheet, command.mayOverwrite);
+  }
+  const SerReader recording(command.file);
+  const SerFacts& facts = recording.facts();
+  const auto timing = frameTiming(facts.timeStamps);
+  if (command.sheet) {
+    const std::string rate =
+        timing ? ", " + decimal(timing->framesPerSecond, 1) + " frames/s" : std::string();
+    writePng(*command.sheet,
+             contactSheet(recording, command.correction, utf8FromPath(command.file.filename()),
+                          shape(facts) + rate));
+  }
+  if (command.reporting.asJson) {
+    reportJson(command, facts, timing);
+  } else if (!command.reporting.isQuiet) {
+    reportText(command, facts, timing);
+  }
+}
+
+}  // namespace orvane::host

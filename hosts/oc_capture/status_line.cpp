@@ -1,0 +1,45 @@
+// A line on standard error that tells how something long is going.
+#include "oc_capture/status_line.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+#include "common/system.hpp"
+
+namespace orvane::host {
+
+StatusLine::StatusLine(bool isQuiet) : isQuiet_(isQuiet), onTerminal_(isTerminal(stderr)) {}
+
+StatusLine::~StatusLine() {
+  if (onTerminal_ && width_ > 0) {
+    std::cerr << "\n";
+  }
+}
+
+bool StatusLine::isDue() const {
+  constexpr std::chrono::milliseconds onTerminal{500};
+  constexpr std::chrono::milliseconds elsewhere{5000};
+  return !isQuiet_ && Clock::now() - shownAt_ >= (onTerminal_ ? onTerminal : elsewhere);
+}
+
+double StatusLine::secondsSinceShown() const {
+  return std::chrono::duration<double>(Clock::now() - shownAt_).count();
+}
+
+void StatusLine::show(std::string text) {
+  shownAt_ = Clock::now();
+  if (isQuiet_) {
+    return;
+  }
+  if (onTerminal_) {
+    const std::size_t width = text.size();
+    text.resize(std::max(width, width_), ' ');  // covers the text that it is written over
+    width_ = width;
+    std::cerr << "\r" << text << std::flush;
+  } else {
+    std::cerr << text << "\n";
+  }
+}
+
+}  // namespace orvane::host

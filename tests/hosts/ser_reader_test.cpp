@@ -1,0 +1,186 @@
+// Reading SER files, honest and lying ones.
+#include "common/ser_reader.hpp"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <limits>
+
+#include "common/ser_writer.hpp"
+#include "scratch_directory.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using orvane::testing::contentOf;
+using orvane::testing::ScratchDirectory;
+using orvane::testing::utf8;
+using Bytes = std::vector<std::uint8_t>;
+
+std::string nuls(std::size_t count) {
+  return std::string(count, '\0');
+}
+
+std::string number(std::int32_t value) {
+  std::string text;
+  for (int byte = 0; byte < 4; ++byte) {
+    text += static_cast<char>(static_cast<std::uint32_t>(value) >> (8 * byte) & 0xFFU);
+  }
+  return text;
+}
+
+// A header by its numbers, in their order.
+struct Header {
+  std::int32_t colorId = 0;
+  std::int32_t endian = 0;
+  std::int32_t width = 2;
+  std::int32_t height = 1;
+  std::int32_t depth = 8;
+  std::int32_t frames = 1;
+
+  std::string text() const {
+    return "LUCAM-RECORDER" + nuls(4) + number(colorId) + number(endian) + number(width) +
+           number(height) + number(depth) + number(frames) + nuls(40 + 40 + 40 + 16);
+  }
+};
+
+class SerReaderTest : public ::testing::Test {
+ protected:
+  SerReader open(const std::string& content) const {
+    std::ofstream(path, std::ios::binary) << content;
+    return SerReader(path);
+  }
+
+  // What is said about this content, after the file's name.
+  std::string complaintAbout(const std::string& content) const {
+    try {
+      open(content);
+    } catch (const std::runtime_error& error) {
+      const std::string start = "\"" + utf8(path) + "\" ";
+      const std::string text = error.what();
+      return text.rfind(start, 0) == 0 ? text.substr(start.size()) : text;
+    }
+    return "nothing";
+  }
+
+  const ScratchDirectory scratch;
+  const std::filesystem::path path = scratch.file("caf\u00e9.ser");
+};
+
+TEST_F(SerReaderTest, ReadsWhatTheWriterWrites) {
+  SerDescription description;
+  description.layout = {2, 2, PixelFormat::Raw16, Mosaic::Gbrg};
+  description.observer = "Anna";
+  description.instrument = "Camera 1";
+  description.telescope = std::string(40, 't');
+  description.startLocal = 5;
+  description.startUtc = 6;
+  SerWriter writer(path, description);
+  const Bytes first{1, 2, 3, 4, 5, 6, 7, 8};
+  const Bytes second{11, 12, 13, 14, 15, 16, 17, 18};
+  writer.addFrame(first, 100);
+  writer.addFrame(second, 200);
+  writer.close();
+
+  const SerReader reader(path);
+  EXPECT_EQ(reader.facts().width, 2);
+  EXPECT_EQ(reader.facts().height, 2);
+  EXPECT_EQ(reader.facts().depth, 16);
+  EXPECT_EQ(reader.facts().mosaic, Mosaic::Gbrg);
+  EXPECT_EQ(reader.facts().frames, 2);
+  EXPECT_EQ(reader.facts().observer, "Anna");
+  EXPECT_EQ(reader.facts().instrument, "Camera 1");
+  EXPECT_EQ(reader.facts().telescope, std::string(40, 't'));
+  EXPECT_EQ(reader.facts().startLocal, 5);
+  EXPECT_EQ(reader.facts().startUtc, 6);
+  EXPECT_EQ(reader.facts().timeStamps, (std::vector<std::int64_t>{100, 200}));
+  EXPECT_EQ(reader.facts().unusedBytes, 0);
+  Bytes frame(reader.frameBytes());
+  reader.readFrame(1, frame);
+  EXPECT_EQ(frame, second);
+  reader.readFrame(0, frame);
+  EXPECT_EQ(frame, first);
+  EXPECT_EQ(reader.readImage(0).samples, (std::vector<std::uint16_t>{0x201, 0x403, 0x605, 0x807}));
+  EXPECT_THROW(reader.readFrame(2, frame), std::runtime_error);
+  EXPECT_THROW(reader.readFrame(-1, frame), std::runtime_error);
+}
+
+TEST_F(SerReaderTest, SpreadsSamplesOfAnyDepth) {
+  EXPECT_EQ(open(Header{}.text() + "\x80\xff").readImage(0).samples,
+            (std::vector<std::uint16_t>{0x8080, 0xffff}));
+  EXPECT_EQ(open(Header{0, 0, 2, 1, 12, 1}.text() + std::string("\xff\x0f\x00\x00", 4))
+                .readImage(0)
+                .samples,
+            (std::vector<std::uint16_t>{0xffff, 0}));
+  // The other order of bytes, and a sample that is larger than its depth allows.
+  EXPECT_EQ(open(Header{0, 1, 2, 1, 12, 1}.text() + std::string("\x0f\xff\x10\x00", 4))
+                .readImage(0)
+                .samples,
+            (std::vector<std::uint16_t>{0xffff, 0xffff}));
+  EXPECT_EQ(open(Header{0, 0, 2, 1, 1, 1}.text() + std::string("\x01\x00", 2)).readImage(0).samples,
+            (std::vector<std::uint16_t>{0xffff, 0}));
+}
+
+TEST_F(SerReaderTest, PutsColoursInTheirOrder) {
+  const Image rgb = open(Header{100, 0, 1, 1, 8, 1}.text() + "\x01\x02\x03").readImage(0);
+  EXPECT_EQ(rgb.channels, 3);
+  EXPECT_EQ(rgb.samples, (std::vector<std::uint16_t>{0x101, 0x202, 0x303}));
+  const Image bgr =
+      open(Header{101, 0, 1, 1, 16, 1}.text() + "\x01\x01\x02\x02\x03\x03").readImage(0);
+  EXPECT_EQ(bgr.samples, (std::vector<std::uint16_t>{0x303, 0x202, 0x101}));
+}
+
+TEST_F(SerReaderTest, AFileWithoutTimeStamps) {
+  const SerReader reader = open(Header{}.text() + "ab" + "1234567");
+  EXPECT_TRUE(reader.facts().timeStamps.empty());
+  EXPECT_EQ(reader.facts().unusedBytes, 7);
+  EXPECT_EQ(open(Header{}.text() + "ab" + nuls(8) + "more").facts().unusedBytes, 4);
+}
+
+TEST_F(SerReaderTest, AFileWithoutFrames) {
+  const SerReader reader = open(Header{0, 0, 2, 1, 8, 0}.text());
+  EXPECT_EQ(reader.facts().frames, 0);
+  EXPECT_EQ(reader.facts().unusedBytes, 0);
+}
+
+TEST_F(SerReaderTest, SaysWhatIsWrong) {
+  constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+  const std::string whole = Header{}.text() + "ab";
+  EXPECT_EQ(complaintAbout(whole), "nothing");
+  EXPECT_EQ(complaintAbout(""), "is no SER file.");
+  EXPECT_EQ(complaintAbout(whole.substr(0, 177)), "is no SER file.");
+  EXPECT_EQ(complaintAbout("GUCAM" + whole.substr(5)), "is no SER file.");
+  EXPECT_EQ(complaintAbout(whole.substr(0, 179)),
+            "is cut short: its header promises 1 frames, and it holds 0.");
+  EXPECT_EQ(complaintAbout(Header{0, 0, 2, 1, 8, largest}.text() + "abcd"),
+            "is cut short: its header promises 2147483647 frames, and it holds 2.");
+  EXPECT_EQ(complaintAbout(Header{0, 0, 2, 1, 8, -1}.text()),
+            "has a header that cannot be right: -1 frames.");
+  EXPECT_EQ(complaintAbout(Header{0, 0, 0, 1, 8, 1}.text()),
+            "has a header that cannot be right: frames of 0 x 1 pixels.");
+  EXPECT_EQ(complaintAbout(Header{0, 0, 1, -5, 8, 1}.text()),
+            "has a header that cannot be right: frames of 1 x -5 pixels.");
+  EXPECT_EQ(complaintAbout(Header{100, 0, largest, largest, 16, 1}.text()),
+            "has a header that cannot be right: frames of 2147483647 x 2147483647 pixels.");
+  EXPECT_EQ(complaintAbout(Header{100, 0, 20000, 20000, 8, 1}.text()),
+            "has a header that cannot be right: frames of 20000 x 20000 pixels.");
+  for (const std::int32_t depth : {0, 17, -8}) {
+    EXPECT_EQ(complaintAbout(Header{0, 0, 2, 1, depth, 1}.text()),
+              "has a header that cannot be right: samples of " + std::to_string(depth) + " bits.");
+  }
+}
+
+TEST_F(SerReaderTest, AFileThatIsNotThere) {
+  try {
+    const SerReader reader(scratch.file("missing.ser"));
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(std::string(error.what()), "Cannot read \"" + utf8(scratch.file("missing.ser")) +
+                                             "\": No such file or directory");
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host
