@@ -49,6 +49,12 @@ std::span<const std::uint8_t> CameraSession::read(std::span<std::uint8_t> buffer
   return buffer.first(static_cast<std::size_t>(size));
 }
 
+void CameraSession::apply(std::int64_t exposureUs, int gain, int offset) {
+  if (oc_apply(exposureUs, gain, offset) != 1) {
+    throw CameraError(oc_error());
+  }
+}
+
 double CameraSession::temperature() const {
   return oc_temperature();
 }

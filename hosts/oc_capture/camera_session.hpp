@@ -52,6 +52,10 @@ class CameraSession {
   /// ready. Throws CameraError with the library's text.
   std::span<const std::uint8_t> read(std::span<std::uint8_t> buffer, int timeoutMs);
 
+  /// Sets exposure, gain and offset while the camera streams. Throws CameraError with the library's
+  /// text; what was set before the failure stays in force.
+  void apply(std::int64_t exposureUs, int gain, int offset);
+
   /// The sensor's temperature in degrees Celsius, or NaN.
   double temperature() const;
 
