@@ -14,7 +14,7 @@ namespace {
 constexpr int starReach = 24;       // pixels: what is wider is no star
 constexpr int sharpnessReach = 96;  // pixels around the brightest object
 constexpr int cellSide = 12;        // of the reduced image: one candidate in each cell
-constexpr std::size_t mostCandidates = 24;
+constexpr std::size_t mostCandidates = 40;
 
 struct Point {
   int x = 0;
@@ -22,7 +22,7 @@ struct Point {
 };
 
 struct Candidate {
-  Point place;  // in the frame
+  Point place;
   int brightness = 0;
 };
 
@@ -68,30 +68,67 @@ class Brightness {
   const FrameLayout& layout_;
 };
 
-// The brightest places of the reduced image, at most one of each cell, the brightest first.
-std::vector<Candidate> brightestPlaces(const Image& reduced, int factor) {
+int brightnessAt(const Image& reduced, int x, int y) {
+  const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(reduced.width) +
+                            static_cast<std::size_t>(x);
+  if (reduced.channels == 1) {
+    return 3 * reduced.samples[pixel];
+  }
+  return reduced.samples[3 * pixel] + reduced.samples[3 * pixel + 1] +
+         reduced.samples[3 * pixel + 2];
+}
+
+// The brightest pixel of each cell of the reduced image; places are still in the reduced image.
+std::vector<Candidate> brightestOfCells(const Image& reduced) {
   const int columns = (reduced.width + cellSide - 1) / cellSide;
   const int rows = (reduced.height + cellSide - 1) / cellSide;
   std::vector<Candidate> cells(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
-  const std::uint16_t* sample = reduced.samples.data();
   for (int y = 0; y < reduced.height; ++y) {
     Candidate* const row =
         cells.data() + static_cast<std::size_t>(y / cellSide) * static_cast<std::size_t>(columns);
-    for (int x = 0; x < reduced.width; ++x, sample += reduced.channels) {
-      const int brightness =
-          reduced.channels == 3 ? sample[0] + sample[1] + sample[2] : 3 * sample[0];
+    for (int x = 0; x < reduced.width; ++x) {
+      const int brightness = brightnessAt(reduced, x, y);
       Candidate& cell = row[x / cellSide];
       if (brightness > cell.brightness) {
-        cell = {{x * factor + factor / 2, y * factor + factor / 2}, brightness};
+        cell = {{x, y}, brightness};
       }
     }
   }
-  const std::size_t kept = std::min(cells.size(), mostCandidates);
-  std::partial_sort(
-      cells.begin(), cells.begin() + static_cast<std::ptrdiff_t>(kept), cells.end(),
-      [](const Candidate& a, const Candidate& b) { return a.brightness > b.brightness; });
-  cells.resize(kept);
   return cells;
+}
+
+// False on a planet or the Moon: it is about as bright all the way to where no star reaches.
+bool mayBeStar(const Image& reduced, const Candidate& candidate, int factor, int sky) {
+  const int reach = starReach / factor + 1;
+  for (const int right : {-reach, 0, reach}) {
+    for (const int down : {-reach, 0, reach}) {
+      const int x = std::clamp(candidate.place.x + right, 0, reduced.width - 1);
+      const int y = std::clamp(candidate.place.y + down, 0, reduced.height - 1);
+      const bool isCandidate = right == 0 && down == 0;
+      if (!isCandidate && brightnessAt(reduced, x, y) - sky > (candidate.brightness - sky) / 2) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+int medianBrightness(std::vector<Candidate> cells) {
+  const auto middle = cells.begin() + static_cast<std::ptrdiff_t>(cells.size() / 2);
+  std::nth_element(cells.begin(), middle, cells.end(), [](const Candidate& a, const Candidate& b) {
+    return a.brightness < b.brightness;
+  });
+  return middle->brightness;
+}
+
+void brightestFirst(std::vector<Candidate>& candidates) {
+  std::sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
+    return a.brightness > b.brightness;
+  });
+}
+
+Point inFrame(const Candidate& candidate, int factor) {
+  return {candidate.place.x * factor + factor / 2, candidate.place.y * factor + factor / 2};
 }
 
 // The brightest pixel in the surroundings.
@@ -254,15 +291,21 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
                    const Image& reduced, int factor) {
   Focus focus;
   const Brightness brightness(frame, layout);
-  const std::vector<Candidate> candidates = brightestPlaces(reduced, factor);
+  std::vector<Candidate> candidates = brightestOfCells(reduced);
   if (candidates.empty()) {
     return focus;
   }
-  focus.sharpness = sharpnessAround(brightness, candidates.front().place);
+  const int sky = medianBrightness(candidates);
+  brightestFirst(candidates);
+  focus.sharpness = sharpnessAround(brightness, inFrame(candidates.front(), factor));
+  std::size_t tried = 0;
   for (const Candidate& candidate : candidates) {
-    focus.star = starAt(brightness, candidate.place, factor);
-    if (focus.star) {
+    if (focus.star || tried == mostCandidates) {
       break;
+    }
+    if (mayBeStar(reduced, candidate, factor, sky)) {
+      ++tried;
+      focus.star = starAt(brightness, inFrame(candidate, factor), factor);
     }
   }
   return focus;

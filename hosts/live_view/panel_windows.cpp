@@ -110,7 +110,11 @@ class PanelDrawing {
     std::vector<POINT> points;
     points.reserve(channel.bins.size());
     const int room = plot.height - at(6);
-    for (std::size_t bin = 0; bin < channel.bins.size(); ++bin) {
+    const auto isUsed = [](std::uint32_t count) { return count > 0; };
+    const auto first = std::find_if(channel.bins.begin(), channel.bins.end(), isUsed);
+    const auto last = std::find_if(channel.bins.rbegin(), channel.bins.rend(), isUsed);
+    const auto end = static_cast<std::size_t>(channel.bins.rend() - last);
+    for (auto bin = static_cast<std::size_t>(first - channel.bins.begin()); bin < end; ++bin) {
       const double part = std::log1p(static_cast<double>(channel.bins.at(bin))) / highest;
       points.push_back(
           {plot.left + static_cast<LONG>(bin) * (plot.width - 1) /
