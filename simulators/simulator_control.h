@@ -181,7 +181,8 @@ ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
  *     output FUNCTION OUTPUT NTH TIMES VALUE
  *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
  *                                 (NTH 0: now)
- *     plug INDEX
+ *     plug INDEX                  plugs it in again, now
+ *     plug INDEX FUNCTION NTH     or just before that call
  * Files are named in UTF-8, and without ";". Returns 1, or 0 when a command was not understood or
  * its file cannot be used (it and those after it are not carried out). The environment variable
  * ORVANE_SIMULATOR is carried out in this way when the SDK is loaded; a command in it that is not

@@ -92,20 +92,24 @@ std::vector<Stretch> autoStretch(const Image& image) {
   return stretches;
 }
 
+std::vector<std::uint8_t> screenCurve(const Stretch& stretch) {
+  std::vector<std::uint8_t> curve(levels);
+  for (std::size_t value = 0; value < levels; ++value) {
+    const double relative =
+        (static_cast<double>(value) - stretch.black) / (stretch.white - stretch.black);
+    curve[value] =
+        static_cast<std::uint8_t>(std::lround(255 * midtonesTransfer(stretch.midtones, relative)));
+  }
+  return curve;
+}
+
 ScreenImage stretched(const Image& image) {
   ScreenImage screen{image.width, image.height, image.channels, {}};
   screen.samples.resize(image.samples.size());
   const auto channels = static_cast<std::size_t>(image.channels);
   const std::vector<Stretch> stretches = autoStretch(image);
   for (std::size_t channel = 0; channel < channels; ++channel) {
-    const Stretch& stretch = stretches[channel];
-    std::vector<std::uint8_t> curve(levels);
-    for (std::size_t value = 0; value < levels; ++value) {
-      const double relative =
-          (static_cast<double>(value) - stretch.black) / (stretch.white - stretch.black);
-      curve[value] = static_cast<std::uint8_t>(
-          std::lround(255 * midtonesTransfer(stretch.midtones, relative)));
-    }
+    const std::vector<std::uint8_t> curve = screenCurve(stretches[channel]);
     for (std::size_t at = channel; at < image.samples.size(); at += channels) {
       screen.samples[at] = curve[image.samples[at]];
     }

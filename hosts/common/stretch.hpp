@@ -26,6 +26,9 @@ struct Stretch {
 /// it, and what stands out of it keeps its colour. No channel is darkened beyond its black point.
 std::vector<Stretch> autoStretch(const Image& image);
 
+/// What each of the 65536 sample values becomes on a screen.
+std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
+
 /// The image for a screen.
 ScreenImage stretched(const Image& image);
 

@@ -49,6 +49,12 @@ std::span<std::uint8_t> CameraSession::read(std::span<std::uint8_t> buffer, int 
   return buffer.first(static_cast<std::size_t>(size));
 }
 
+void CameraSession::apply(std::int64_t exposureUs, int gain, int offset) {
+  if (oc_apply(exposureUs, gain, offset) != 1) {
+    throw CameraError(oc_error());
+  }
+}
+
 std::optional<double> CameraSession::temperature() const {
   const double celsius = oc_temperature();
   return celsius > -150 && celsius < 150 ? std::optional(celsius) : std::nullopt;

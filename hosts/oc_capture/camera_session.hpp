@@ -53,6 +53,10 @@ class CameraSession {
   /// ready. Throws CameraError with the library's text.
   std::span<std::uint8_t> read(std::span<std::uint8_t> buffer, int timeoutMs);
 
+  /// Sets exposure, gain and offset while the camera streams. Throws CameraError with the library's
+  /// text; what was set before the failure stays in force.
+  void apply(std::int64_t exposureUs, int gain, int offset);
+
   /// The sensor's temperature in degrees Celsius; none when the SDK has none, or answers a number
   /// that can only be one of its errors.
   std::optional<double> temperature() const;

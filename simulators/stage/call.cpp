@@ -23,8 +23,8 @@ void appendNumber(Number number) {
 bool Call::begin(const char* function) {
   Stage& here = stage();
   here.faults.count(function);
-  while (const std::optional<std::int32_t> camera = here.faults.nextToUnplug()) {
-    here.setPlugged(*camera, false);
+  while (const std::optional<PlugChange> change = here.faults.nextPlugChange()) {
+    here.setPlugged(change->camera, change->isPlugged);
   }
   if (here.log.isEnabled()) {
     append(function);

@@ -112,7 +112,8 @@ bool carryOutput(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-bool carryUnplug(std::string_view arguments, bool isMeant) {
+// "INDEX FUNCTION NTH", where NTH 0 means now.
+bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
   std::int32_t camera = 0;
   std::string_view function;
   std::int32_t nth = 0;
@@ -120,17 +121,21 @@ bool carryUnplug(std::string_view arguments, bool isMeant) {
     return false;
   }
   if (isMeant && nth == 0) {
-    stage().setPlugged(camera, false);
+    stage().setPlugged(camera, isPlugged);
   } else if (isMeant) {
-    stage().faults.unplug(function, nth, camera);
+    stage().faults.plug(function, nth, {camera, isPlugged});
   }
   return true;
+}
+
+bool carryUnplug(std::string_view arguments, bool isMeant) {
+  return changePlug(arguments, isMeant, false);
 }
 
 bool carryPlug(std::string_view arguments, bool isMeant) {
   std::int32_t camera = 0;
   if (!read(arguments, camera)) {
-    return false;
+    return changePlug(arguments, isMeant, true);
   }
   if (isMeant) {
     stage().setPlugged(camera, true);

@@ -25,17 +25,17 @@ void Faults::forceOutput(std::string_view function, std::string_view output, Cal
   add(std::move(fault));
 }
 
-void Faults::unplug(std::string_view function, std::int32_t nth, std::int32_t camera) {
+void Faults::plug(std::string_view function, std::int32_t nth, PlugChange change) {
   Fault fault;
-  fault.kind = Kind::Unplug;
+  fault.kind = Kind::Plug;
   fault.function = function;
   fault.range.nth = nth;
-  fault.result = camera;
+  fault.change = change;
   add(std::move(fault));
 }
 
 void Faults::clearForced() {
-  std::erase_if(faults_, [](const Fault& fault) { return fault.kind != Kind::Unplug; });
+  std::erase_if(faults_, [](const Fault& fault) { return fault.kind != Kind::Plug; });
 }
 
 void Faults::count(std::string_view function) {
@@ -68,11 +68,11 @@ std::optional<double> Faults::output(std::string_view name) const {
   return std::nullopt;
 }
 
-std::optional<std::int32_t> Faults::nextToUnplug() {
+std::optional<PlugChange> Faults::nextPlugChange() {
   for (Fault& fault : faults_) {
-    if (fault.isInForce && fault.kind == Kind::Unplug) {
+    if (fault.isInForce && fault.kind == Kind::Plug) {
       fault.isInForce = false;
-      return static_cast<std::int32_t>(fault.result);
+      return fault.change;
     }
   }
   return std::nullopt;

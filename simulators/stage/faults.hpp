@@ -1,5 +1,5 @@
-// What a test has asked to go wrong: forced results, forced outputs and unplugged cameras, each at
-// a chosen call of a maker's function.
+// What a test has asked to go wrong: forced results, forced outputs, and cameras that are unplugged
+// and plugged in, each at a chosen call of a maker's function.
 #pragma once
 
 #include <cstddef>
@@ -17,14 +17,20 @@ struct CallRange {
   std::int32_t times = 1;  // calls from there on; below 0: all
 };
 
+// A camera whose cable is pulled out or put in.
+struct PlugChange {
+  std::int32_t camera = 0;
+  bool isPlugged = false;  // afterwards
+};
+
 class Faults {
  public:
   void forceResult(std::string_view function, CallRange range, std::int64_t result);
   void forceOutput(std::string_view function, std::string_view output, CallRange range,
                    double value);
-  void unplug(std::string_view function, std::int32_t nth, std::int32_t camera);
+  void plug(std::string_view function, std::int32_t nth, PlugChange change);
 
-  // Forgets the forced results and outputs; unplugging is kept.
+  // Forgets the forced results and outputs; plugging is kept.
   void clearForced();
   void clear() { faults_.clear(); }
 
@@ -37,18 +43,19 @@ class Faults {
   // The forced value of an output of the counted call.
   std::optional<double> output(std::string_view name) const;
 
-  // Hands out, one at a time, the cameras to be unplugged before the counted call.
-  std::optional<std::int32_t> nextToUnplug();
+  // Hands out, one at a time, what is to be done with cables before the counted call.
+  std::optional<PlugChange> nextPlugChange();
 
  private:
-  enum class Kind { Result, Output, Unplug };
+  enum class Kind { Result, Output, Plug };
 
   struct Fault {
     Kind kind = Kind::Result;
     std::string function;
     std::string output;
     CallRange range;
-    std::int64_t result = 0;  // or the camera to unplug
+    std::int64_t result = 0;
+    PlugChange change;
     double value = 0;
     std::int64_t calls = 0;  // counted so far
     bool isInForce = false;

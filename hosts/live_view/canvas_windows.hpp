@@ -1,0 +1,72 @@
+// A picture in memory that the window is drawn into and that the screen is filled from.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "live_view/reduced_frame.hpp"
+#include "live_view/screen_pixels.hpp"
+
+namespace orvane::host {
+
+enum class TextSize { Small, Normal, Title, Figure };
+enum class TextAlign { Left, Centre, Right };
+
+/// Colours are 0x00RRGGBB.
+class Canvas {
+ public:
+  Canvas() = default;
+  ~Canvas();
+  Canvas(const Canvas&) = delete;
+  Canvas& operator=(const Canvas&) = delete;
+
+  /// Makes the canvas as large as the window and its fonts as large as the screen asks for. What
+  /// was drawn is lost.
+  void resize(int width, int height, int dpi);
+
+  int dpi() const { return dpi_; }
+  bool isEmpty() const { return bits_ == nullptr; }
+
+  /// Copies a part to the screen.
+  void show(HDC screen, const RECT& part) const;
+
+  /// The pixels themselves, for a part of the canvas.
+  ScreenTarget pixelsOf(const PixelRect& part);
+
+  void fill(const PixelRect& rect, std::uint32_t color);
+  void outline(const PixelRect& rect, std::uint32_t color);
+
+  /// Dims what has been drawn, as if seen through dark glass.
+  void dim(const PixelRect& rect);
+
+  void dot(const PixelRect& rect, std::uint32_t color);
+  void circle(int x, int y, int radius, std::uint32_t color);
+  void polyline(const std::vector<POINT>& points, std::uint32_t color);
+
+  /// One line in the middle of the rectangle's height; what is too long ends in an ellipsis.
+  void text(const PixelRect& rect, const std::string& utf8, TextSize size, std::uint32_t color,
+            TextAlign align = TextAlign::Left);
+
+  /// How wide the text is, in pixels.
+  int textWidth(const std::string& utf8, TextSize size);
+
+ private:
+  void release();
+  void makeFonts();
+  HFONT font(TextSize size) const { return fonts_.at(static_cast<std::size_t>(size)); }
+
+  HDC memory_ = nullptr;
+  HBITMAP bitmap_ = nullptr;
+  HGDIOBJ firstBitmap_ = nullptr;
+  std::uint32_t* bits_ = nullptr;
+  std::array<HFONT, 4> fonts_{};
+  int width_ = 0;
+  int height_ = 0;
+  int dpi_ = 0;
+};
+
+}  // namespace orvane::host

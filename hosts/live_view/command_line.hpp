@@ -1,0 +1,22 @@
+// What the live view was started with.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "live_view/live_session.hpp"
+
+namespace orvane::host {
+
+/// A text that was asked for in place of a window.
+struct LiveHelpText {
+  std::string text;
+};
+
+using LiveCommand = std::variant<LiveOptions, LiveHelpText>;
+
+/// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
+LiveCommand parseLiveCommandLine(std::vector<std::string> arguments);
+
+}  // namespace orvane::host

@@ -1,0 +1,75 @@
+// Which key does what, and how that is written on the screen.
+#include "live_view/key_commands.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace orvane::host {
+
+namespace {
+
+struct Binding {
+  int key;
+  ViewCommand command;
+  ViewCommand withShift;
+};
+
+constexpr std::array bindings = {
+    Binding{keys::up, ViewCommand::LongerExposure, ViewCommand::MuchLongerExposure},
+    Binding{keys::down, ViewCommand::ShorterExposure, ViewCommand::MuchShorterExposure},
+    Binding{keys::pageUp, ViewCommand::MuchLongerExposure, ViewCommand::MuchLongerExposure},
+    Binding{keys::pageDown, ViewCommand::MuchShorterExposure, ViewCommand::MuchShorterExposure},
+    Binding{keys::right, ViewCommand::MoreGain, ViewCommand::MuchMoreGain},
+    Binding{keys::left, ViewCommand::LessGain, ViewCommand::MuchLessGain},
+    Binding{keys::plus, ViewCommand::MoreOffset, ViewCommand::MoreOffset},
+    Binding{keys::numberPadPlus, ViewCommand::MoreOffset, ViewCommand::MoreOffset},
+    Binding{keys::minus, ViewCommand::LessOffset, ViewCommand::LessOffset},
+    Binding{keys::numberPadMinus, ViewCommand::LessOffset, ViewCommand::LessOffset},
+    Binding{'C', ViewCommand::ShowCameras, ViewCommand::NextCamera},
+    Binding{'F', ViewCommand::NextFormat, ViewCommand::NextFormat},
+    Binding{'B', ViewCommand::NextBin, ViewCommand::NextBin},
+    Binding{'R', ViewCommand::ToggleRecording, ViewCommand::ToggleRecording},
+    Binding{keys::f5, ViewCommand::Rescan, ViewCommand::Rescan},
+    Binding{'S', ViewCommand::ToggleStretch, ViewCommand::ToggleStretch},
+    Binding{'Z', ViewCommand::ToggleZoom, ViewCommand::ToggleZoom},
+    Binding{'N', ViewCommand::ToggleNightMode, ViewCommand::ToggleNightMode},
+    Binding{'X', ViewCommand::ToggleCrosshair, ViewCommand::ToggleCrosshair},
+    Binding{'H', ViewCommand::ToggleHelp, ViewCommand::ToggleHelp},
+    Binding{keys::f1, ViewCommand::ToggleHelp, ViewCommand::ToggleHelp},
+    Binding{keys::escape, ViewCommand::Dismiss, ViewCommand::Dismiss},
+    Binding{keys::enter, ViewCommand::Confirm, ViewCommand::Confirm},
+};
+
+constexpr std::array lines = {
+    HelpLine{"Up  Down", "exposure longer, shorter; with Shift ten times"},
+    HelpLine{"Right  Left", "gain more, less; with Shift in large steps"},
+    HelpLine{"+  \u2212", "offset (black level) more, less"},
+    HelpLine{"R", "start and stop recording to a SER file"},
+    HelpLine{"C", "choose a camera; with Shift the next one"},
+    HelpLine{"F", "next pixel format"},
+    HelpLine{"B", "next binning factor"},
+    HelpLine{"F5", "look for cameras again"},
+    HelpLine{"S", "brighten the picture, or show it as it is"},
+    HelpLine{"Z", "whole frame, or pixel by pixel (drag to move)"},
+    HelpLine{"X", "crosshair"},
+    HelpLine{"N", "night mode: everything red"},
+    HelpLine{"F1  H", "show and hide these keys"},
+    HelpLine{"Esc", "close what lies over the picture"},
+};
+
+}  // namespace
+
+ViewCommand commandOfKey(const KeyPress& press) {
+  const auto* const found = std::find_if(bindings.begin(), bindings.end(),
+                                         [&](const Binding& row) { return row.key == press.key; });
+  if (found == bindings.end()) {
+    return ViewCommand::None;
+  }
+  return press.withShift ? found->withShift : found->command;
+}
+
+std::span<const HelpLine> helpLines() {
+  return lines;
+}
+
+}  // namespace orvane::host

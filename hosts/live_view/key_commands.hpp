@@ -1,0 +1,73 @@
+// Which key does what, and how that is written on the screen.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace orvane::host {
+
+/// Everything that a key or a button asks for.
+enum class ViewCommand {
+  None,
+  LongerExposure,
+  ShorterExposure,
+  MuchLongerExposure,
+  MuchShorterExposure,
+  MoreGain,
+  LessGain,
+  MuchMoreGain,
+  MuchLessGain,
+  MoreOffset,
+  LessOffset,
+  ShowCameras,
+  NextCamera,
+  NextFormat,
+  NextBin,
+  ToggleRecording,
+  Rescan,
+  ToggleStretch,
+  ToggleZoom,
+  ToggleNightMode,
+  ToggleCrosshair,
+  ToggleHelp,
+  Dismiss,
+  Confirm,
+};
+
+/// A key that was pressed. Letters and digits are their capital letters' characters; the others
+/// have numbers of their own, those of Windows.
+struct KeyPress {
+  int key = 0;
+  bool withShift = false;
+};
+
+namespace keys {
+constexpr int enter = 0x0D;
+constexpr int escape = 0x1B;
+constexpr int pageUp = 0x21;
+constexpr int pageDown = 0x22;
+constexpr int left = 0x25;
+constexpr int up = 0x26;
+constexpr int right = 0x27;
+constexpr int down = 0x28;
+constexpr int numberPadPlus = 0x6B;
+constexpr int numberPadMinus = 0x6D;
+constexpr int f1 = 0x70;
+constexpr int f5 = 0x74;
+constexpr int plus = 0xBB;
+constexpr int minus = 0xBD;
+}  // namespace keys
+
+/// What the key asks for, or None.
+ViewCommand commandOfKey(const KeyPress& press);
+
+/// One line of the help.
+struct HelpLine {
+  std::string_view keys;
+  std::string_view meaning;
+};
+
+/// What the keys do, in the order to be shown.
+std::span<const HelpLine> helpLines();
+
+}  // namespace orvane::host

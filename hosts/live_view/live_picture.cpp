@@ -1,0 +1,147 @@
+// The picture in the window, and what is measured in it.
+#include "live_view/live_picture.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/stretch.hpp"
+#include "live_view/window_layout.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+// Often enough to turn a focuser by it.
+constexpr std::chrono::milliseconds betweenMeasurements{200};
+
+// The reduced image for measuring is as large as a usual window.
+constexpr int measuredWidth = 960;
+constexpr int measuredHeight = 640;
+
+// How much of a new stretch is taken over at once, so that noise does not make the picture flicker.
+constexpr double newPart = 0.4;
+
+double between(double before, double after) {
+  return before + newPart * (after - before);
+}
+
+ScreenTarget partOf(const ScreenTarget& area, const PixelRect& rect) {
+  return {area.pixels + rect.top * area.pitch + rect.left, area.pitch, rect.width, rect.height};
+}
+
+}  // namespace
+
+void LivePicture::setFrame(LiveFrame& frame) {
+  const bool isOtherStream = frame.opening != frame_.opening;
+  std::swap(frame_, frame);
+  if (isOtherStream) {
+    measurements_ = {};
+    stretches_.clear();
+    nextMeasurement_ = {};
+    range_.emplace(frame_.layout.format, frame_.bitDepth);
+    centreX_ = -1;
+    centreY_ = -1;
+  }
+}
+
+void LivePicture::clear() {
+  frame_.size = 0;
+  frame_.opening = 0;
+}
+
+bool LivePicture::measure(Clock::time_point now) {
+  if (!hasFrame() || now < nextMeasurement_) {
+    return false;
+  }
+  const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
+  reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
+  range_->add(frame_.bytes());
+  measurements_.histogram = histogramOf(frame_.bytes(), frame_.layout, range_->fullScale());
+  measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor);
+  measureTrend();
+  measureStretch();
+  const Clock::duration taken = Clock::now() - now;
+  nextMeasurement_ = now + std::max<Clock::duration>(betweenMeasurements, 8 * taken);
+  return true;
+}
+
+void LivePicture::measureTrend() {
+  if (!measurements_.focus.star) {
+    return;
+  }
+  const double diameter = measurements_.focus.star->halfFluxDiameter;
+  measurements_.diameters.push_back(diameter);
+  if (measurements_.diameters.size() > trendLength) {
+    measurements_.diameters.pop_front();
+  }
+  measurements_.leastDiameter = std::min(diameter, measurements_.leastDiameter.value_or(diameter));
+}
+
+void LivePicture::measureStretch() {
+  if (reduced_.samples.empty()) {
+    return;
+  }
+  std::vector<Stretch> fresh = autoStretch(reduced_);
+  if (fresh.size() == stretches_.size()) {
+    for (std::size_t channel = 0; channel < fresh.size(); ++channel) {
+      const Stretch& before = stretches_[channel];
+      Stretch& after = fresh[channel];
+      after = {between(before.black, after.black), between(before.white, after.white),
+               between(before.midtones, after.midtones)};
+    }
+  }
+  stretches_ = std::move(fresh);
+  if (isStretched_) {
+    curves_ = ScreenCurves(stretches_);
+  }
+}
+
+void LivePicture::setStretched(bool isStretched) {
+  isStretched_ = isStretched;
+  curves_ = isStretched && !stretches_.empty() ? ScreenCurves(stretches_) : ScreenCurves();
+}
+
+void LivePicture::move(int right, int down) {
+  centreX_ -= right;
+  centreY_ -= down;
+}
+
+PictureView LivePicture::draw(const ScreenTarget& area, std::uint32_t background) {
+  for (int y = 0; y < area.height; ++y) {
+    std::fill_n(area.pixels + y * area.pitch, area.width, background);
+  }
+  if (!hasFrame() || area.width <= 0 || area.height <= 0) {
+    return {};
+  }
+  return isPixelByPixel_ ? drawPart(area) : drawWhole(area);
+}
+
+PictureView LivePicture::drawWhole(const ScreenTarget& area) {
+  const PixelRect place =
+      fittedPicture({0, 0, area.width, area.height}, frame_.layout.width, frame_.layout.height);
+  const int factor = reductionFactor(frame_.layout, place.width, place.height);
+  reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
+  curves_.apply(reduced_, tint_, pixels_);
+  drawScaled(pixels_, partOf(area, place));
+  return {place, static_cast<double>(place.width) / frame_.layout.width, 0, 0};
+}
+
+PictureView LivePicture::drawPart(const ScreenTarget& area) {
+  const FrameLayout& layout = frame_.layout;
+  if (centreX_ < 0 || centreY_ < 0) {
+    centreX_ = layout.width / 2;
+    centreY_ = layout.height / 2;
+  }
+  const PixelRect wanted{centreX_ - area.width / 2, centreY_ - area.height / 2, area.width,
+                         area.height};
+  const PixelRect shown = cutFrame(frame_.bytes(), layout, wanted, part_);
+  centreX_ = shown.width < layout.width ? shown.left + area.width / 2 : layout.width / 2;
+  centreY_ = shown.height < layout.height ? shown.top + area.height / 2 : layout.height / 2;
+  curves_.apply(part_, tint_, pixels_);
+  const PixelRect place{(area.width - shown.width) / 2, (area.height - shown.height) / 2,
+                        shown.width, shown.height};
+  drawScaled(pixels_, partOf(area, place));
+  return {place, 1, static_cast<double>(shown.left), static_cast<double>(shown.top)};
+}
+
+}  // namespace orvane::host

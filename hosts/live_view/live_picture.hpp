@@ -1,0 +1,93 @@
+// The picture in the window, and what is measured in it.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <vector>
+
+#include "live_view/focus.hpp"
+#include "live_view/frame_exchange.hpp"
+#include "live_view/histogram.hpp"
+#include "live_view/reduced_frame.hpp"
+#include "live_view/screen_pixels.hpp"
+
+namespace orvane::host {
+
+/// Which part of the frame is on the screen, and where.
+struct PictureView {
+  PixelRect onScreen;    ///< within the area that was drawn
+  double scale = 1;      ///< screen pixels for one frame pixel
+  double frameLeft = 0;  ///< of the frame, at the left edge of `onScreen`
+  double frameTop = 0;
+
+  /// From the frame to the area.
+  double screenX(double frameX) const { return onScreen.left + (frameX - frameLeft) * scale; }
+  double screenY(double frameY) const { return onScreen.top + (frameY - frameTop) * scale; }
+};
+
+/// What the frames of late are like.
+struct Measurements {
+  Histogram histogram;
+  Focus focus;
+  std::deque<double> diameters;         ///< half-flux diameters, the latest last
+  std::optional<double> leastDiameter;  ///< since the camera was opened
+};
+
+class LivePicture {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// The most diameters that are kept.
+  static constexpr std::size_t trendLength = 120;
+
+  /// The frame to be shown from now on; its memory may be exchanged.
+  void setFrame(LiveFrame& frame);
+
+  /// Forgets the frame: nothing is shown.
+  void clear();
+
+  bool hasFrame() const { return frame_.size > 0; }
+
+  /// Measures the frame, if it is time for that. Returns whether there is something new. A time
+  /// that measuring takes is followed by eight times as much without.
+  bool measure(Clock::time_point now);
+
+  const Measurements& measurements() const { return measurements_; }
+
+  /// Draws the picture, and `background` where there is none.
+  PictureView draw(const ScreenTarget& area, std::uint32_t background);
+
+  bool isStretched() const { return isStretched_; }
+  void setStretched(bool isStretched);
+  bool isPixelByPixel() const { return isPixelByPixel_; }
+  void setPixelByPixel(bool isPixelByPixel) { isPixelByPixel_ = isPixelByPixel; }
+  void setTint(ScreenTint tint) { tint_ = tint; }
+
+  /// Moves what is shown pixel by pixel.
+  void move(int right, int down);
+
+ private:
+  void measureStretch();
+  void measureTrend();
+  PictureView drawWhole(const ScreenTarget& area);
+  PictureView drawPart(const ScreenTarget& area);
+
+  LiveFrame frame_;
+  Image reduced_;
+  Image part_;
+  ScreenPixels pixels_;
+  ScreenCurves curves_;
+  std::vector<Stretch> stretches_;
+  Measurements measurements_;
+  std::optional<SampleRange> range_;
+  Clock::time_point nextMeasurement_;
+  bool isStretched_ = true;
+  bool isPixelByPixel_ = false;
+  ScreenTint tint_ = ScreenTint::Natural;
+  int centreX_ = -1;  // of the part that is shown pixel by pixel; negative: the frame's centre
+  int centreY_ = -1;
+};
+
+}  // namespace orvane::host

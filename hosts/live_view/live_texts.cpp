@@ -1,0 +1,131 @@
+// What the live view says on the screen.
+#include "live_view/live_texts.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "common/text.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+// Three digits that count.
+std::string threeDigits(double number) {
+  return decimal(number, number < 9.995 ? 2 : number < 99.95 ? 1 : 0);
+}
+
+std::string twoDigits(std::int64_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string sizeText(std::int64_t bytes) {
+  const auto number = static_cast<double>(bytes);
+  return number < 1e9 ? decimal(number / 1e6, 1) + " MB" : decimal(number / 1e9, 2) + " GB";
+}
+
+std::string sizeText(int width, int height) {
+  return std::to_string(width) + " \u00d7 " + std::to_string(height);
+}
+
+}  // namespace
+
+std::string exposureText(std::int64_t exposureUs) {
+  const auto number = static_cast<double>(exposureUs);
+  if (exposureUs < 1000) {
+    return decimal(number) + " \u00b5s";
+  }
+  return exposureUs < 1000000 ? decimal(number / 1e3) + " ms" : decimal(number / 1e6) + " s";
+}
+
+std::string formatText(const LiveState& state) {
+  if (state.phase != LivePhase::Streaming) {
+    return "";
+  }
+  const std::string mosaic = mosaicName(state.layout.mosaic);
+  return sizeText(state.layout.width, state.layout.height) + "   " +
+         (mosaic.empty() ? "" : mosaic + "   ") + formatName(state.layout.format) + "   bin " +
+         std::to_string(state.settings.bin);
+}
+
+std::string temperatureText(double celsius) {
+  return celsius > -150 && celsius < 150 ? decimal(celsius, 1) + " \u00b0C" : unknownText;
+}
+
+std::string rateText(double framesPerSecond) {
+  if (framesPerSecond <= 0) {
+    return unknownText;
+  }
+  return framesPerSecond >= 1 ? decimal(framesPerSecond, 1) + " / s"
+                              : "1 in " + decimal(1 / framesPerSecond, 1) + " s";
+}
+
+std::string histogramText(const Histogram& histogram) {
+  int smallest = histogram.channel[0].smallest;
+  int largest = histogram.channel[0].largest;
+  double mean = histogram.channel[0].mean;
+  if (histogram.channels == 3) {
+    for (const std::size_t channel : {std::size_t{1}, std::size_t{2}}) {
+      smallest = std::min(smallest, histogram.channel.at(channel).smallest);
+      largest = std::max(largest, histogram.channel.at(channel).largest);
+    }
+    mean = (mean + histogram.channel[1].mean + histogram.channel[2].mean) / 3;
+  }
+  return "min " + std::to_string(smallest) + "   mean " + decimal(mean, mean < 100 ? 1 : 0) +
+         "   max " + std::to_string(largest);
+}
+
+std::string saturationText(double part) {
+  const double percent = 100 * part;
+  return decimal(percent, percent > 0 && percent < 9.95 ? 2 : 0) + " % saturated";
+}
+
+std::string focusText(const Focus& focus) {
+  if (focus.star) {
+    return threeDigits(focus.star->halfFluxDiameter) + " px";
+  }
+  return focus.sharpness > 0 ? threeDigits(focus.sharpness) : unknownText;
+}
+
+std::string focusCaption(const Focus& focus) {
+  return focus.star ? "half-flux diameter, less is better" : "edge sharpness, more is better";
+}
+
+std::string recordingText(const RecordingProgress& recording) {
+  const auto seconds = static_cast<std::int64_t>(recording.seconds);
+  return twoDigits(seconds / 60) + ":" + twoDigits(seconds % 60) + "   " +
+         std::to_string(recording.frames) + " frames   " + sizeText(recording.bytes);
+}
+
+std::string emptyPictureText(const LiveState& state) {
+  switch (state.phase) {
+    case LivePhase::Searching:
+      return "Looking for cameras\u2026";
+    case LivePhase::Idle:
+      return state.cameras.empty() ? "No camera" : "Press C to choose a camera";
+    case LivePhase::Lost:
+      return "No picture";
+    case LivePhase::Streaming:
+      break;
+  }
+  return state.frames == 0 ? "Waiting for the first frame\u2026" : "";
+}
+
+Notice statusLine(const LiveState& state) {
+  const double usualWait = 2 * static_cast<double>(state.settings.exposureUs) / 1e6 + 0.5;
+  if (state.phase == LivePhase::Streaming && state.notice.kind == NoticeKind::Information &&
+      state.silentSeconds > usualWait + 1) {
+    return {NoticeKind::Warning, "No frame for " + decimal(state.silentSeconds, 0) +
+                                     " s. If none comes, check the cable and press F5."};
+  }
+  return state.notice;
+}
+
+std::string cameraDetails(const CameraDescription& camera) {
+  const std::string mosaic = mosaicName(camera.mosaic);
+  return sizeText(camera.maxWidth, camera.maxHeight) + "   " + std::to_string(camera.bitDepth) +
+         " bit   " + (camera.isColor ? mosaic.empty() ? "colour" : mosaic : "mono") +
+         (camera.isCooled ? "   cooled" : "");
+}
+
+}  // namespace orvane::host

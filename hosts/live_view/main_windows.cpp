@@ -1,0 +1,55 @@
+// live_view: shows a camera's picture live. Here: the program's start, and its failures' messages.
+#include <windows.h>
+
+#include <exception>
+#include <string>
+#include <variant>
+
+#include "common/failures.hpp"
+#include "common/system.hpp"
+#include "common/text.hpp"
+#include "live_view/command_line.hpp"
+#include "live_view/live_window_windows.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int failed = 1;
+constexpr int wrongArguments = 2;
+
+// A program with a window has no console to write to.
+void tell(const std::string& utf8, UINT icon) {
+  MessageBoxW(nullptr, pathFromUtf8(utf8).c_str(), L"Live view", MB_OK | icon);
+}
+
+int report(const std::exception& error, int status) {
+  tell(error.what(), MB_ICONERROR);
+  return status;
+}
+
+int run() {
+  try {
+    LiveCommand command = parseLiveCommandLine(commandLineArguments(0, nullptr));
+    if (const auto* help = std::get_if<LiveHelpText>(&command)) {
+      tell(help->text, MB_ICONINFORMATION);
+    } else {
+      LiveWindow window(std::get<LiveOptions>(command));
+      window.run();
+    }
+    return done;
+  } catch (const UsageError& error) {
+    return report(error, wrongArguments);
+  } catch (const std::exception& error) {
+    return report(error, failed);
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  return orvane::host::run();
+}

@@ -1,0 +1,339 @@
+// Draws what stands beside and over the picture.
+#include "live_view/panel_windows.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "common/text.hpp"
+#include "live_view/key_commands.hpp"
+#include "live_view/live_texts.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+// One drawing of the panel.
+class PanelDrawing {
+ public:
+  PanelDrawing(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+               const PanelContent& content)
+      : canvas_(canvas), layout_(layout), palette_(palette), content_(content) {}
+
+  void draw() {
+    canvas_.fill(layout_.panel, palette_.panel);
+    canvas_.fill({layout_.panel.left, layout_.panel.top, at(1), layout_.panel.height},
+                 palette_.line);
+    drawCamera();
+    drawSliders();
+    drawHistogram();
+    drawFocus();
+    drawFacts();
+    drawRecordButton();
+  }
+
+ private:
+  int at(int length) const { return scaled(length, canvas_.dpi()); }
+
+  void captioned(const PixelRect& rect, const std::string& caption, const std::string& value) {
+    canvas_.text(rect, caption, TextSize::Normal, palette_.quietText);
+    canvas_.text(rect, value, TextSize::Normal, palette_.text, TextAlign::Right);
+  }
+
+  void drawCamera() {
+    const CameraDescription* const camera = content_.state.camera();
+    canvas_.text(layout_.cameraName, camera != nullptr ? camera->name : "No camera",
+                 TextSize::Title, camera != nullptr ? palette_.text : palette_.quietText);
+    canvas_.text(layout_.cameraFormat, formatText(content_.state), TextSize::Small,
+                 palette_.quietText);
+  }
+
+  void drawSliders() {
+    const bool isLive = content_.state.phase == LivePhase::Streaming;
+    const ControlsRequest& now = content_.controls;
+    drawSlider(layout_.exposure, SliderKind::Exposure, "Exposure",
+               isLive ? exposureText(now.exposureUs) : unknownText);
+    drawSlider(layout_.gain, SliderKind::Gain, "Gain",
+               isLive ? std::to_string(now.gain) : unknownText);
+    drawSlider(layout_.offset, SliderKind::Offset, "Offset",
+               isLive ? std::to_string(now.offset) : unknownText);
+  }
+
+  void drawSlider(const SliderPlace& place, SliderKind kind, const std::string& caption,
+                  const std::string& value) {
+    captioned(place.caption, caption, value);
+    const int height = at(4);
+    const int top = place.track.top + (place.track.height - height) / 2;
+    const PixelRect track{place.track.left, top, place.track.width, height};
+    canvas_.fill(track, palette_.raised);
+    if (content_.state.phase != LivePhase::Streaming) {
+      return;
+    }
+    const double part = placeOf(kind, content_.controls, *content_.state.camera());
+    const int knobWidth = at(8);
+    const int way = static_cast<int>(std::lround(part * (track.width - knobWidth)));
+    canvas_.fill({track.left, track.top, way, height}, palette_.accent);
+    const int knobHeight = at(16);
+    canvas_.fill({track.left + way, place.track.top + (place.track.height - knobHeight) / 2,
+                  knobWidth, knobHeight},
+                 palette_.accent);
+  }
+
+  void drawHistogram() {
+    const Histogram& histogram = content_.measurements.histogram;
+    const PixelRect& plot = layout_.histogram;
+    captioned(layout_.histogramCaption, "Histogram",
+              isMeasured() ? saturationText(histogram.saturated) : "");
+    canvas_.fill(plot, palette_.raised);
+    if (!isMeasured()) {
+      return;
+    }
+    if (histogram.channels == 1) {
+      drawCurve(histogram.channel[0], palette_.greyCurve);
+    } else {
+      drawCurve(histogram.channel[0], palette_.redCurve);
+      drawCurve(histogram.channel[2], palette_.blueCurve);
+      drawCurve(histogram.channel[1], palette_.greenCurve);
+    }
+    canvas_.text(layout_.histogramNumbers, histogramText(histogram), TextSize::Small,
+                 palette_.quietText);
+  }
+
+  // Heights are logarithms, so that a few bright pixels can be seen beside a dark sky.
+  void drawCurve(const ChannelHistogram& channel, std::uint32_t color) {
+    const PixelRect& plot = layout_.histogram;
+    const std::uint32_t most = *std::max_element(channel.bins.begin(), channel.bins.end());
+    const double highest = std::log1p(static_cast<double>(most));
+    if (highest <= 0) {
+      return;
+    }
+    std::vector<POINT> points;
+    points.reserve(channel.bins.size());
+    const int room = plot.height - at(6);
+    const auto isUsed = [](std::uint32_t count) { return count > 0; };
+    const auto first = std::find_if(channel.bins.begin(), channel.bins.end(), isUsed);
+    const auto last = std::find_if(channel.bins.rbegin(), channel.bins.rend(), isUsed);
+    const auto end = static_cast<std::size_t>(channel.bins.rend() - last);
+    for (auto bin = static_cast<std::size_t>(first - channel.bins.begin()); bin < end; ++bin) {
+      const double part = std::log1p(static_cast<double>(channel.bins.at(bin))) / highest;
+      points.push_back(
+          {plot.left + static_cast<LONG>(bin) * (plot.width - 1) /
+                           static_cast<LONG>(channel.bins.size() - 1),
+           plot.top + plot.height - at(2) - static_cast<LONG>(std::lround(part * room))});
+    }
+    canvas_.polyline(points, color);
+  }
+
+  void drawFocus() {
+    const Focus& focus = content_.measurements.focus;
+    captioned(layout_.focusCaption, "Focus", "");
+    if (!isMeasured()) {
+      canvas_.fill(layout_.focusTrend, palette_.raised);
+      return;
+    }
+    canvas_.text(layout_.focusCaption, focusCaption(focus), TextSize::Small, palette_.quietText,
+                 TextAlign::Right);
+    canvas_.text(layout_.focusFigure, focusText(focus), TextSize::Figure, palette_.text);
+    if (content_.measurements.leastDiameter) {
+      canvas_.text(layout_.focusFigure,
+                   "best " + decimal(*content_.measurements.leastDiameter, 2) + " px",
+                   TextSize::Normal, palette_.quietText, TextAlign::Right);
+    }
+    drawTrend();
+  }
+
+  void drawTrend() {
+    const PixelRect& plot = layout_.focusTrend;
+    canvas_.fill(plot, palette_.raised);
+    const std::deque<double>& diameters = content_.measurements.diameters;
+    if (diameters.size() < 2) {
+      return;
+    }
+    const double most = *std::max_element(diameters.begin(), diameters.end());
+    // From 0, so that the noise of a good focus does not fill the plot.
+    const double scale = (plot.height - at(6)) / (most * 1.1);
+    const int step = plot.width - 1;
+    std::vector<POINT> points;
+    const std::size_t missing = LivePicture::trendLength - diameters.size();
+    for (std::size_t index = 0; index < diameters.size(); ++index) {
+      const auto number = static_cast<LONG>(index + missing);
+      points.push_back({plot.left + number * step / static_cast<LONG>(LivePicture::trendLength - 1),
+                        plot.top + plot.height - at(3) -
+                            static_cast<LONG>(std::lround(diameters[index] * scale))});
+    }
+    canvas_.polyline(points, palette_.accent);
+  }
+
+  void drawFacts() {
+    const LiveState& state = content_.state;
+    const std::pair<const char*, std::string> facts[] = {
+        {"Frame rate", rateText(state.framesPerSecond)},
+        {"Temperature", temperatureText(state.temperature)},
+        {"Frames", state.phase == LivePhase::Streaming ? std::to_string(state.frames)
+                                                       : std::string(unknownText)},
+        {"Picture", std::string(content_.isStretched ? "brightened" : "as it is") +
+                        (content_.isPixelByPixel ? ", 1:1" : ", whole")},
+    };
+    const int height = at(21);
+    PixelRect line{layout_.facts.left, layout_.facts.top, layout_.facts.width, height};
+    for (const auto& [caption, value] : facts) {
+      if (line.top + height > layout_.facts.top + layout_.facts.height) {
+        break;
+      }
+      captioned(line, caption, value);
+      line.top += height;
+    }
+  }
+
+  void drawRecordButton() {
+    const PixelRect& button = layout_.record;
+    const auto& recording = content_.state.recording;
+    const bool canRecord = content_.state.phase == LivePhase::Streaming;
+    canvas_.fill(button, palette_.raised);
+    canvas_.outline(button, recording ? palette_.recording : palette_.line);
+    const int side = at(12);
+    const PixelRect sign{button.left + at(14), button.top + (button.height - side) / 2, side, side};
+    const PixelRect label{sign.left + side + at(12), button.top,
+                          button.width - at(14) - side - at(24), button.height};
+    if (recording) {
+      canvas_.fill(sign, palette_.recording);
+      canvas_.text(label, recordingText(*recording), TextSize::Normal, palette_.text);
+    } else {
+      canvas_.dot(sign, canRecord ? palette_.recording : palette_.line);
+      canvas_.text(label, "Record", TextSize::Normal,
+                   canRecord ? palette_.text : palette_.quietText);
+    }
+    canvas_.text(label, "R", TextSize::Small, palette_.quietText, TextAlign::Right);
+  }
+
+  bool isMeasured() const {
+    return content_.state.phase == LivePhase::Streaming &&
+           content_.measurements.histogram.channel[0].largest > 0;
+  }
+
+  Canvas& canvas_;
+  const WindowLayout& layout_;
+  const Palette& palette_;
+  const PanelContent& content_;
+};
+
+std::uint32_t colorOf(NoticeKind kind, const Palette& palette) {
+  switch (kind) {
+    case NoticeKind::Warning:
+      return palette.warning;
+    case NoticeKind::Error:
+      return palette.error;
+    case NoticeKind::Information:
+      break;
+  }
+  return palette.text;
+}
+
+void drawBox(Canvas& canvas, const ListPlace& list, const Palette& palette,
+             const std::string& title) {
+  canvas.fill(list.box, palette.panel);
+  canvas.outline(list.box, palette.line);
+  canvas.text(list.title, title, TextSize::Title, palette.text);
+}
+
+}  // namespace
+
+void drawPanel(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+               const PanelContent& content) {
+  PanelDrawing(canvas, layout, palette, content).draw();
+}
+
+void drawStatusLine(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                    const LiveState& state) {
+  const int margin = scaled(16, canvas.dpi());
+  const PixelRect& line = layout.status;
+  canvas.fill(line, palette.panel);
+  canvas.fill({line.left, line.top, line.width, scaled(1, canvas.dpi())}, palette.line);
+  const std::string keys = "F1  keys";
+  const int keysWidth = canvas.textWidth(keys, TextSize::Small);
+  const Notice notice = statusLine(state);
+  canvas.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
+              notice.text, TextSize::Normal, colorOf(notice.kind, palette));
+  canvas.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
+              palette.quietText, TextAlign::Right);
+}
+
+void drawEmptyPicture(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                      const LiveState& state) {
+  canvas.text(layout.picture, emptyPictureText(state), TextSize::Title, palette.quietText,
+              TextAlign::Centre);
+}
+
+void drawStarMark(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                  const PictureView& view, const Star& star) {
+  const int x = layout.picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
+  const int y = layout.picture.top + static_cast<int>(std::lround(view.screenY(star.y)));
+  const int radius = std::max(scaled(11, canvas.dpi()),
+                              static_cast<int>(std::lround(star.halfFluxDiameter * view.scale)));
+  const PixelRect& shown = layout.picture;
+  const PixelRect inside{shown.left + radius, shown.top + radius, shown.width - 2 * radius,
+                         shown.height - 2 * radius};
+  if (inside.contains(x, y)) {
+    canvas.circle(x, y, radius, palette.accent);
+  }
+}
+
+void drawCrosshair(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                   const PictureView& view) {
+  const int left = layout.picture.left + view.onScreen.left;
+  const int top = layout.picture.top + view.onScreen.top;
+  const int middleX = left + view.onScreen.width / 2;
+  const int middleY = top + view.onScreen.height / 2;
+  const int line = scaled(1, canvas.dpi());
+  canvas.fill({left, middleY, view.onScreen.width, line}, palette.accent);
+  canvas.fill({middleX, top, line, view.onScreen.height}, palette.accent);
+  canvas.circle(middleX, middleY, scaled(24, canvas.dpi()), palette.accent);
+}
+
+void drawHelp(Canvas& canvas, const WindowLayout& layout, const Palette& palette) {
+  const auto lines = helpLines();
+  const int dpi = canvas.dpi();
+  const ListPlace list = placeList(layout.picture, 520, static_cast<int>(lines.size()), dpi);
+  canvas.dim(layout.picture);
+  drawBox(canvas, list, palette, "Keys");
+  const int keysWidth = scaled(112, dpi);
+  for (int number = 0; number < list.rows; ++number) {
+    const HelpLine& line = lines[static_cast<std::size_t>(number)];
+    const PixelRect row = list.row(number);
+    canvas.text({row.left, row.top, keysWidth, row.height}, std::string(line.keys),
+                TextSize::Normal, palette.accent);
+    canvas.text({row.left + keysWidth, row.top, row.width - keysWidth, row.height},
+                std::string(line.meaning), TextSize::Normal, palette.text);
+  }
+}
+
+ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi) {
+  return placeList(layout.picture, 540, static_cast<int>(cameras), dpi);
+}
+
+void drawCameraList(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                    const LiveState& state, std::size_t selected) {
+  const int dpi = canvas.dpi();
+  const ListPlace list = cameraListPlace(layout, state.cameras.size(), dpi);
+  canvas.dim(layout.picture);
+  drawBox(canvas, list, palette, state.cameras.empty() ? "No cameras" : "Choose a camera");
+  const int inset = scaled(8, dpi);
+  for (int number = 0; number < list.rows; ++number) {
+    const auto position = static_cast<std::size_t>(number);
+    const CameraDescription& camera = state.cameras[position];
+    const PixelRect row = list.row(number);
+    const bool isSelected = position == selected;
+    if (isSelected) {
+      canvas.fill(row, palette.raised);
+      canvas.fill({row.left, row.top, scaled(3, dpi), row.height}, palette.accent);
+    }
+    const PixelRect inner{row.left + inset, row.top, row.width - 2 * inset, row.height};
+    canvas.text(inner, std::to_string(position + 1), TextSize::Small, palette.quietText);
+    canvas.text({inner.left + scaled(24, dpi), inner.top, inner.width / 2, inner.height},
+                camera.name, TextSize::Normal,
+                state.chosen == position ? palette.accent : palette.text);
+    canvas.text(inner, cameraDetails(camera), TextSize::Small, palette.quietText, TextAlign::Right);
+  }
+}
+
+}  // namespace orvane::host

@@ -1,0 +1,49 @@
+// Draws what stands beside and over the picture.
+#pragma once
+
+#include <cstddef>
+
+#include "live_view/canvas_windows.hpp"
+#include "live_view/live_controls.hpp"
+#include "live_view/live_picture.hpp"
+#include "live_view/live_session.hpp"
+#include "live_view/palette.hpp"
+#include "live_view/window_layout.hpp"
+
+namespace orvane::host {
+
+/// Everything that the panel and the status line show.
+struct PanelContent {
+  const LiveState& state;
+  const ControlsRequest& controls;
+  const Measurements& measurements;
+  bool isStretched = true;
+  bool isPixelByPixel = false;
+};
+
+void drawPanel(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+               const PanelContent& content);
+
+void drawStatusLine(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                    const LiveState& state);
+
+/// The text that stands in place of a picture.
+void drawEmptyPicture(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                      const LiveState& state);
+
+/// A ring around the star that is measured.
+void drawStarMark(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                  const PictureView& view, const Star& star);
+
+void drawCrosshair(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                   const PictureView& view);
+
+void drawHelp(Canvas& canvas, const WindowLayout& layout, const Palette& palette);
+
+/// Where the list of cameras lies.
+ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi);
+
+void drawCameraList(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+                    const LiveState& state, std::size_t selected);
+
+}  // namespace orvane::host

@@ -1,0 +1,183 @@
+// Small images of large frames, made in one step: what a window shows needs no more.
+#include "live_view/reduced_frame.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/debayer.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+// Sums of this many samples in each direction still fit their type.
+constexpr int largestFactor = 256;
+
+// Samples of 8 bits, spread over the range of 16.
+struct ByteSamples {
+  const std::uint8_t* bytes;
+
+  static constexpr float scale = 257;
+  std::uint32_t operator()(std::size_t index) const { return bytes[index]; }
+};
+
+struct WordSamples {
+  const std::uint8_t* bytes;
+
+  static constexpr float scale = 1;
+  std::uint32_t operator()(std::size_t index) const {
+    return bytes[2 * index] | std::uint32_t{bytes[2 * index + 1]} << 8;
+  }
+};
+
+// One square of a frame: where its first pixel is, and how long the frame's rows are.
+struct Square {
+  std::size_t first;
+  std::size_t rowLength;  // samples
+  int side;
+};
+
+std::uint16_t rounded(float value) {
+  return static_cast<std::uint16_t>(value + 0.5F);
+}
+
+template <class Samples>
+struct MosaicSquares {
+  Samples samples;
+  std::size_t redColumn;
+  std::size_t redRow;
+
+  void operator()(const Square& square, std::uint16_t* pixel) const {
+    std::uint32_t red = 0;
+    std::uint32_t green = 0;
+    std::uint32_t blue = 0;
+    const auto side = static_cast<std::size_t>(square.side);
+    for (std::size_t y = 0; y < side; y += 2) {
+      const std::size_t row = square.first + y * square.rowLength;
+      const std::size_t withRed = row + redRow * square.rowLength;
+      const std::size_t withBlue = row + (1 - redRow) * square.rowLength;
+      for (std::size_t x = 0; x < side; x += 2) {
+        red += samples(withRed + x + redColumn);
+        green += samples(withRed + x + 1 - redColumn) + samples(withBlue + x + redColumn);
+        blue += samples(withBlue + x + 1 - redColumn);
+      }
+    }
+    const float part = Samples::scale * 4 / static_cast<float>(square.side * square.side);
+    pixel[0] = rounded(static_cast<float>(red) * part);
+    pixel[1] = rounded(static_cast<float>(green) * part / 2);
+    pixel[2] = rounded(static_cast<float>(blue) * part);
+  }
+};
+
+template <class Samples, std::size_t channels>
+struct PlainSquares {
+  Samples samples;
+
+  void operator()(const Square& square, std::uint16_t* pixel) const {
+    const auto side = static_cast<std::size_t>(square.side);
+    const float part = Samples::scale / static_cast<float>(square.side * square.side);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+      std::uint32_t sum = 0;
+      for (std::size_t y = 0; y < side; ++y) {
+        const std::size_t row = square.first + y * square.rowLength + channel;
+        for (std::size_t x = 0; x < side; ++x) {
+          sum += samples(row + x * channels);
+        }
+      }
+      pixel[channel] = rounded(static_cast<float>(sum) * part);
+    }
+  }
+};
+
+template <class Squares>
+void reduceSquares(const Squares& squares, const FrameLayout& layout, int factor,
+                   std::size_t samplesPerPixel, Image& reduced) {
+  const auto rowLength = static_cast<std::size_t>(layout.width) * samplesPerPixel;
+  const auto step = static_cast<std::size_t>(factor) * samplesPerPixel;
+  std::uint16_t* pixel = reduced.samples.data();
+  for (int y = 0; y < reduced.height; ++y) {
+    std::size_t first = static_cast<std::size_t>(y * factor) * rowLength;
+    for (int x = 0; x < reduced.width; ++x, first += step, pixel += reduced.channels) {
+      squares(Square{first, rowLength, factor}, pixel);
+    }
+  }
+}
+
+template <class Samples>
+void reduceRaw(Samples samples, const FrameLayout& layout, int factor, Image& reduced) {
+  if (layout.mosaic == Mosaic::None) {
+    reduceSquares(PlainSquares<Samples, 1>{samples}, layout, factor, 1, reduced);
+    return;
+  }
+  const bool redInOddColumns = layout.mosaic == Mosaic::Grbg || layout.mosaic == Mosaic::Bggr;
+  const bool redInOddRows = layout.mosaic == Mosaic::Gbrg || layout.mosaic == Mosaic::Bggr;
+  reduceSquares(MosaicSquares<Samples>{samples, redInOddColumns ? 1U : 0U, redInOddRows ? 1U : 0U},
+                layout, factor, 1, reduced);
+}
+
+// A length that starts inside the frame and does not leave it.
+std::pair<int, int> heldInside(int start, int length, int size, bool isMosaic) {
+  const int held = std::min(length, size);
+  const int inside = std::clamp(start, 0, size - held);
+  return {isMosaic ? inside / 2 * 2 : inside, held};
+}
+
+}  // namespace
+
+int reductionFactor(const FrameLayout& layout, int width, int height) {
+  const int across = layout.width / std::max(width, 1);
+  const int down = layout.height / std::max(height, 1);
+  // The image keeps its shape, so the direction that is reduced more decides how much is shown.
+  const int factor = std::clamp(std::max(across, down), 1, largestFactor);
+  if (layout.mosaic == Mosaic::None) {
+    return factor;
+  }
+  return std::max(2, factor / 2 * 2);
+}
+
+void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout, int factor,
+                 Image& reduced) {
+  const bool isColor = layout.format == PixelFormat::Rgb24 || layout.mosaic != Mosaic::None;
+  reduced.width = layout.width / factor;
+  reduced.height = layout.height / factor;
+  reduced.channels = isColor ? 3 : 1;
+  reduced.samples.resize(static_cast<std::size_t>(reduced.width) *
+                         static_cast<std::size_t>(reduced.height) *
+                         static_cast<std::size_t>(reduced.channels));
+  if (layout.format == PixelFormat::Rgb24) {
+    reduceSquares(PlainSquares<ByteSamples, 3>{{frame.data()}}, layout, factor, 3, reduced);
+  } else if (layout.format == PixelFormat::Raw16) {
+    reduceRaw(WordSamples{frame.data()}, layout, factor, reduced);
+  } else {
+    reduceRaw(ByteSamples{frame.data()}, layout, factor, reduced);
+  }
+}
+
+PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                   const PixelRect& wanted, Image& part) {
+  const bool isMosaic = layout.mosaic != Mosaic::None;
+  const auto [left, width] = heldInside(wanted.left, wanted.width, layout.width, isMosaic);
+  const auto [top, height] = heldInside(wanted.top, wanted.height, layout.height, isMosaic);
+  FrameLayout cut = layout;
+  cut.width = width;
+  cut.height = height;
+  const std::size_t pixelBytes = frameBytes({1, 1, layout.format, Mosaic::None});
+  const std::size_t rowBytes = static_cast<std::size_t>(width) * pixelBytes;
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(frameBytes(cut));
+  for (int y = top; y < top + height; ++y) {
+    const std::size_t first =
+        (static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) +
+         static_cast<std::size_t>(left)) *
+        pixelBytes;
+    const auto row = frame.subspan(first, rowBytes);
+    bytes.insert(bytes.end(), row.begin(), row.end());
+  }
+  part = imageFromFrame(bytes, cut);
+  if (isMosaic) {
+    part = debayer(part, layout.mosaic);
+  }
+  return {left, top, width, height};
+}
+
+}  // namespace orvane::host

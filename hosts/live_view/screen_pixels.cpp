@@ -1,0 +1,120 @@
+// Pixels as a screen takes them, from an image: brightened, in colour or red, and to size.
+#include "live_view/screen_pixels.hpp"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace orvane::host {
+
+namespace {
+
+// The eye's brightness of a colour, times 256.
+constexpr std::uint32_t redPart = 77;
+constexpr std::uint32_t greenPart = 150;
+constexpr std::uint32_t bluePart = 29;
+
+std::uint32_t natural(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+  return red << 16 | green << 8 | blue;
+}
+
+std::uint32_t allRed(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+  return (red * redPart + green * greenPart + blue * bluePart) >> 8 << 16;
+}
+
+// Between two pixels, `part` of 256 on the way to the second; two channels are mixed at once.
+std::uint32_t mixed(std::uint32_t from, std::uint32_t to, std::uint32_t part) {
+  constexpr std::uint32_t outer = 0x00FF00FF;
+  constexpr std::uint32_t middle = 0x0000FF00;
+  const std::uint32_t rest = 256 - part;
+  return (((from & outer) * rest + (to & outer) * part) >> 8 & outer) |
+         (((from & middle) * rest + (to & middle) * part) >> 8 & middle);
+}
+
+// Where a target's row or column lies between two of the source's.
+struct Place {
+  std::size_t before;
+  std::size_t after;
+  std::uint32_t part;  // of 256 on the way
+};
+
+std::vector<Place> places(int source, int target) {
+  std::vector<Place> result;
+  result.reserve(static_cast<std::size_t>(target));
+  for (int at = 0; at < target; ++at) {
+    // In 256ths; the middles of the outermost pixels are as far as the source goes.
+    const std::int64_t middle =
+        (2 * std::int64_t{at} + 1) * source * 128 / std::max(target, 1) - 128;
+    const std::int64_t held = std::clamp<std::int64_t>(middle, 0, (std::int64_t{source} - 1) * 256);
+    const auto before = static_cast<std::size_t>(held / 256);
+    result.push_back({before, std::min(before + 1, static_cast<std::size_t>(source) - 1),
+                      static_cast<std::uint32_t>(held % 256)});
+  }
+  return result;
+}
+
+}  // namespace
+
+ScreenCurves::ScreenCurves() : ScreenCurves({Stretch{}, Stretch{}, Stretch{}}) {}
+
+ScreenCurves::ScreenCurves(const std::vector<Stretch>& stretches) {
+  curves_.reserve(stretches.size());
+  for (const Stretch& stretch : stretches) {
+    curves_.push_back(screenCurve(stretch));
+  }
+}
+
+void ScreenCurves::apply(const Image& image, ScreenTint tint, ScreenPixels& screen) const {
+  screen.width = image.width;
+  screen.height = image.height;
+  screen.pixels.resize(image.samples.size() / static_cast<std::size_t>(image.channels));
+  const bool isColor = image.channels == 3;
+  const std::uint8_t* const first = curves_.front().data();
+  const std::uint8_t* const second = curves_.size() == 3 && isColor ? curves_[1].data() : first;
+  const std::uint8_t* const third = curves_.size() == 3 && isColor ? curves_[2].data() : first;
+  const auto fill = [&](auto pack) {
+    const std::uint16_t* sample = image.samples.data();
+    for (std::uint32_t& pixel : screen.pixels) {
+      const std::uint16_t* const others = isColor ? sample + 1 : sample;
+      pixel = pack(first[sample[0]], second[others[0]], third[isColor ? others[1] : others[0]]);
+      sample += image.channels;
+    }
+  };
+  if (tint == ScreenTint::Red) {
+    fill(allRed);
+  } else {
+    fill(natural);
+  }
+}
+
+void drawScaled(const ScreenPixels& screen, const ScreenTarget& target) {
+  if (screen.pixels.empty() || target.width <= 0 || target.height <= 0) {
+    return;
+  }
+  const auto width = static_cast<std::size_t>(screen.width);
+  const auto row = [&](std::size_t at) { return screen.pixels.data() + at * width; };
+  const std::vector<Place> columns = places(screen.width, target.width);
+  const std::vector<Place> rows = places(screen.height, target.height);
+  std::vector<std::uint32_t> between(width);
+  std::uint32_t* out = target.pixels;
+  for (const Place& place : rows) {
+    const std::uint32_t* source = row(place.before);
+    if (place.part != 0) {
+      const std::uint32_t* const below = row(place.after);
+      for (std::size_t x = 0; x < width; ++x) {
+        between[x] = mixed(source[x], below[x], place.part);
+      }
+      source = between.data();
+    }
+    if (screen.width == target.width) {
+      std::copy_n(source, width, out);
+    } else {
+      for (std::size_t x = 0; x < columns.size(); ++x) {
+        const Place& column = columns[x];
+        out[x] = mixed(source[column.before], source[column.after], column.part);
+      }
+    }
+    out += target.pitch;
+  }
+}
+
+}  // namespace orvane::host

@@ -1,0 +1,140 @@
+// Where everything in the window is. All numbers are pixels of the screen.
+#include "live_view/window_layout.hpp"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace orvane::host {
+
+namespace {
+
+// For 96 dots per inch.
+constexpr int panelWidth = 312;
+constexpr int statusHeight = 32;
+constexpr int margin = 16;
+constexpr int sectionGap = 14;
+constexpr int lineHeight = 20;
+constexpr int nameHeight = 28;
+constexpr int trackHeight = 26;
+constexpr int histogramHeight = 96;
+constexpr int figureHeight = 38;
+constexpr int trendHeight = 44;
+constexpr int recordHeight = 40;
+
+// Gives out rectangles from the top of a column downwards.
+class Column {
+ public:
+  Column(const PixelRect& inside, int dpi) : at_(inside), dpi_(dpi) {}
+
+  PixelRect next(int height) {
+    const PixelRect rect{at_.left, at_.top, at_.width, scaled(height, dpi_)};
+    skip(height);
+    return rect;
+  }
+
+  void skip(int height) { at_.top += scaled(height, dpi_); }
+
+  int top() const { return at_.top; }
+
+ private:
+  PixelRect at_;
+  int dpi_;
+};
+
+SliderPlace nextSlider(Column& column) {
+  const PixelRect caption = column.next(lineHeight);
+  const PixelRect track = column.next(trackHeight);
+  column.skip(4);
+  return {caption, track};
+}
+
+}  // namespace
+
+int scaled(int length, int dpi) {
+  return (length * dpi + 48) / 96;
+}
+
+WindowLayout layOut(int width, int height, int dpi) {
+  const auto at = [&](int length) { return scaled(length, dpi); };
+  WindowLayout layout;
+  const int statusTop = std::max(0, height - at(statusHeight));
+  const int panelLeft = std::max(0, width - at(panelWidth));
+  layout.status = {0, statusTop, width, height - statusTop};
+  layout.panel = {panelLeft, 0, width - panelLeft, statusTop};
+  layout.picture = {0, 0, panelLeft, statusTop};
+
+  const int innerWidth = at(panelWidth - 2 * margin);
+  Column column({panelLeft + at(margin), at(margin), innerWidth, 0}, dpi);
+  layout.cameraName = column.next(nameHeight);
+  layout.cameraFormat = column.next(lineHeight);
+  column.skip(sectionGap);
+  layout.exposure = nextSlider(column);
+  layout.gain = nextSlider(column);
+  layout.offset = nextSlider(column);
+  column.skip(sectionGap - 4);
+  layout.histogramCaption = column.next(lineHeight);
+  column.skip(2);
+  layout.histogram = column.next(histogramHeight);
+  column.skip(2);
+  layout.histogramNumbers = column.next(lineHeight);
+  column.skip(sectionGap);
+  layout.focusCaption = column.next(lineHeight);
+  layout.focusFigure = column.next(figureHeight);
+  layout.focusTrend = column.next(trendHeight);
+  column.skip(sectionGap);
+
+  const int recordTop = statusTop - at(margin) - at(recordHeight);
+  layout.record = {panelLeft + at(margin), recordTop, innerWidth, at(recordHeight)};
+  layout.facts = {panelLeft + at(margin), column.top(), innerWidth,
+                  std::max(0, recordTop - at(8) - column.top())};
+  return layout;
+}
+
+int ListPlace::rowAt(int x, int y) const {
+  const PixelRect all{firstRow.left, firstRow.top, firstRow.width, rows * firstRow.height};
+  return all.contains(x, y) ? (y - firstRow.top) / firstRow.height : -1;
+}
+
+ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi) {
+  const auto at = [&](int length) { return scaled(length, dpi); };
+  constexpr int rowHeight = 26;
+  constexpr int titleHeight = 40;
+  const int room = picture.height - at(titleHeight + 3 * margin);
+  ListPlace list;
+  list.rows = std::clamp(room / at(rowHeight), 0, rows);
+  list.box.width = std::min(at(width), std::max(0, picture.width - at(margin)));
+  list.box.height = at(titleHeight + margin) + list.rows * at(rowHeight);
+  list.box.left = picture.left + (picture.width - list.box.width) / 2;
+  list.box.top = picture.top + std::max(0, (picture.height - list.box.height) / 2);
+  const int innerLeft = list.box.left + at(margin);
+  const int innerWidth = list.box.width - 2 * at(margin);
+  list.title = {innerLeft, list.box.top + at(4), innerWidth, at(titleHeight)};
+  list.firstRow = {innerLeft, list.box.top + at(titleHeight + 4), innerWidth, at(rowHeight)};
+  return list;
+}
+
+PixelRect fittedPicture(const PixelRect& area, int frameWidth, int frameHeight) {
+  if (frameWidth <= 0 || frameHeight <= 0) {
+    return {area.left, area.top, 0, 0};
+  }
+  const std::int64_t widthAtFullHeight = std::int64_t{area.height} * frameWidth / frameHeight;
+  PixelRect picture = area;
+  if (widthAtFullHeight <= area.width) {
+    picture.width = std::max(1, static_cast<int>(widthAtFullHeight));
+  } else {
+    picture.height =
+        std::max(1, static_cast<int>(std::int64_t{area.width} * frameHeight / frameWidth));
+  }
+  picture.left += (area.width - picture.width) / 2;
+  picture.top += (area.height - picture.height) / 2;
+  return picture;
+}
+
+double placeOnTrack(const PixelRect& track, int x) {
+  if (track.width <= 1) {
+    return 0;
+  }
+  return std::clamp(static_cast<double>(x - track.left) / (track.width - 1), 0.0, 1.0);
+}
+
+}  // namespace orvane::host

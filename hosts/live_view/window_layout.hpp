@@ -1,0 +1,66 @@
+// Where everything in the window is. All numbers are pixels of the screen.
+#pragma once
+
+#include "live_view/reduced_frame.hpp"
+
+namespace orvane::host {
+
+/// A caption with a value and a slider below.
+struct SliderPlace {
+  PixelRect caption;
+  PixelRect track;  ///< where the mouse takes hold; the line is drawn in its middle
+};
+
+struct WindowLayout {
+  PixelRect picture;
+  PixelRect panel;
+  PixelRect status;
+
+  PixelRect cameraName;
+  PixelRect cameraFormat;
+  SliderPlace exposure;
+  SliderPlace gain;
+  SliderPlace offset;
+  PixelRect histogramCaption;
+  PixelRect histogram;
+  PixelRect histogramNumbers;
+  PixelRect focusCaption;
+  PixelRect focusFigure;
+  PixelRect focusTrend;
+  PixelRect facts;  ///< the lines with frame rate, temperature and so on
+  PixelRect record;
+};
+
+/// `dpi` is 96 where a screen has no magnification.
+WindowLayout layOut(int width, int height, int dpi);
+
+/// A length given for 96 dots per inch, on this screen.
+int scaled(int length, int dpi);
+
+/// A list that lies over the picture.
+struct ListPlace {
+  PixelRect box;
+  PixelRect title;
+  PixelRect firstRow;  ///< the others follow below without a gap
+  int rows = 0;
+
+  PixelRect row(int number) const {
+    return {firstRow.left, firstRow.top + number * firstRow.height, firstRow.width,
+            firstRow.height};
+  }
+
+  /// The row at this point; -1 for none.
+  int rowAt(int x, int y) const;
+};
+
+/// A list of `rows` rows of this width (for 96 dots per inch), in the middle of the picture; of
+/// fewer rows where there is not enough room.
+ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi);
+
+/// Where the frame's picture is shown whole, as large as it can be with its shape kept.
+PixelRect fittedPicture(const PixelRect& area, int frameWidth, int frameHeight);
+
+/// How far from the slider's left end the mouse is, 0 to 1.
+double placeOnTrack(const PixelRect& track, int x);
+
+}  // namespace orvane::host

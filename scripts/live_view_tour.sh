@@ -1,0 +1,142 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds live_view and the simulated SDKs, runs live_view through Wine on a
+# screen in memory, presses its keys and takes pictures of it. Fails when the program ends by itself
+# or a recording is not a valid SER file.
+#   live_view_tour.sh [DIRECTORY]      where the pictures go; live-view-tour/ if not given
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_headers[@]}" \
+  "${test_tools[@]}" "${screen_tools[@]}"
+
+out=${1:-live-view-tour}
+mkdir -p "$out/recordings"
+out=$(cd "$out" && pwd)
+rm -f "$out"/*.png "$out"/recordings/*.ser
+
+echo "== build"
+configured=$(cmake --preset windows-x64 2>&1) || { echo "$configured"; exit 1; }
+cmake --build --preset windows-x64 --target live_view \
+  simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
+sdk=build/windows-x64/simulated-sdks
+
+# A screen of its own, whose number the server chooses.
+number=$(mktemp)
+Xvfb -displayfd 3 -screen 0 2600x1700x24 -dpi 96 3>"$number" 2>/dev/null &
+screen=$!
+program=
+finish() {
+  [ -z "$program" ] || kill "$program" 2>/dev/null || true
+  kill "$screen" 2>/dev/null || true
+  rm -f "$number"
+}
+trap finish EXIT
+until [ -s "$number" ]; do
+  kill -0 "$screen"  # ends the script when the server did not start
+  sleep 0.1
+done
+DISPLAY=:$(cat "$number")
+export DISPLAY
+unset ORVANE_SIMULATOR
+
+# start ARGUMENT...: starts the program and waits until its window is there.
+start() {
+  cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" \
+    --recordings "$out/recordings" "$@" &
+  program=$!
+  window=
+  for ((attempt = 0; attempt < 600; ++attempt)); do
+    window=$(xdotool search --onlyvisible --name '^Live view$' 2>/dev/null | head -n 1) || true
+    [ -z "$window" ] || break
+    kill -0 "$program"
+    sleep 0.1
+  done
+  xdotool windowfocus "$window"
+  sleep 4
+}
+
+press() {
+  for key in "$@"; do
+    xdotool key --clearmodifiers "$key"
+    sleep 0.3
+  done
+  sleep 1.5
+}
+
+shot() {
+  kill -0 "$program"
+  import -window "$window" "$out/$1.png"
+  echo "   $1.png: $2"
+}
+
+# stop: closes the window as its user would.
+stop() {
+  xdotool key alt+F4 || true
+  for ((attempt = 0; attempt < 100; ++attempt)); do
+    kill -0 "$program" 2>/dev/null || break
+    sleep 0.1
+  done
+  kill "$program" 2>/dev/null || true
+  wait "$program" || true
+  program=
+}
+
+echo "== pictures in $out"
+start
+shot 01-choice "no camera was named: the list"
+press Down Down Return
+shot 02-other-camera "the third camera of the list"
+stop
+
+start --camera Mars-C
+press f
+shot 03-colour "a colour camera, 16 bits"
+press Up Up Up Up Up
+shot 04-longer-exposure "the exposure was made five steps longer"
+press Right Right Right Right plus plus
+shot 05-more-gain "more gain and offset"
+press r
+sleep 2
+shot 06-recording "a recording runs"
+press r
+shot 07-recorded "the recording has ended"
+press z x
+shot 08-pixel-by-pixel "pixel by pixel, with the crosshair"
+press z x h
+shot 09-keys "the keys"
+press Escape n
+shot 10-night "night mode"
+stop
+
+start --camera ASI290MM
+shot 11-mono "a mono camera"
+press f b
+shot 12-mono-16-bits-bin-2 "the same with 16 bits and bin 2"
+stop
+
+export ORVANE_SIMULATOR="sdk ASICamera2; unplug 0 ASIGetVideoData 160; \
+plug 0 ASIGetNumOfConnectedCameras 3"
+start --camera ASI120MC
+press r
+sleep 6
+shot 13-unplugged "the camera was unplugged while it was recording"
+press F5
+shot 14-not-there "a rescan does not find it"
+press F5
+sleep 2
+shot 15-back "it was plugged in, and a rescan found it"
+stop
+unset ORVANE_SIMULATOR
+
+start --camera 99
+shot 16-wrong-camera "no camera fits what was asked for"
+stop
+
+echo "== recordings"
+recordings=("$out"/recordings/*.ser)
+[ ${#recordings[@]} -eq 2 ] || { echo "there should be 2"; exit 1; }
+for recording in "${recordings[@]}"; do
+  frames=$(ffprobe -v error -count_frames -select_streams v:0 \
+    -show_entries stream=codec_name,width,height,pix_fmt,nb_read_frames -of csv=p=0 "$recording")
+  echo "   ${recording##*/}: $frames"
+done
