@@ -31,6 +31,7 @@ TEST(WindowsPath, WhatOnlyLooksLikeADriveGetsASeparator) {
   EXPECT_EQ(joinWindowsPath(L"1:", L"a.dll"), L"1:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"@:", L"a.dll"), L"@:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"[:", L"a.dll"), L"[:\\a.dll");
+  EXPECT_EQ(joinWindowsPath(L"{:", L"a.dll"), L"{:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"C:x", L"a.dll"), L"C:x\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"C", L"a.dll"), L"C\\a.dll");
   EXPECT_EQ(joinWindowsPath(L":", L"a.dll"), L":\\a.dll");
