@@ -1,6 +1,7 @@
 // The table of messages in the documents, held against the library: each message is brought about
 // from each of the exports that its row names, and must read as it stands there. A row that nothing
 // brings about fails, and so does a message without a row.
+#include <cmath>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -272,6 +273,22 @@ TEST_P(MessagesOf, AreThoseOfTheTable) {
     oc.close();
     sdk().clear_faults();
   });
+}
+
+TEST_F(Messages, OfTheTemperatureAreNeverSeen) {
+  const SimulatedSdk asi = installWithCamera("ASICamera2", 0);
+  const SimulatedSdk playerOne = installWithCamera("PlayerOneCamera", 0);
+  const SimulatedSdk toupTek = installWithCamera("toupcam", 0x42474752);
+  asi.forceResult("ASIGetControlValue", 3);
+  playerOne.forceResult("POAGetConfig", 3);
+  toupTek.forceResult("Toupcam_get_Temperature", -2147467263);
+  const int count = oc.scan();
+  EXPECT_EQ(messageRows("Never seen").size(), static_cast<std::size_t>(count));
+  for (int camera = 0; camera < count; ++camera) {
+    ASSERT_EQ(oc.open(camera, 320, 202, 1, 0, 20000, 100, 5), 1) << error();
+    EXPECT_TRUE(std::isnan(oc.temperature())) << camera;
+    EXPECT_EQ(error(), "") << camera;
+  }
 }
 
 const std::vector<const char*> inScan{"oc_scan"};

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Installs what is missing, then makes pages of the public headers in build/docs/html. A function,
+# parameter or result without a description is an error.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${document_tools[@]}"
+mkdir -p build/docs
+doxygen docs/Doxyfile
+echo "== build/docs/html/index.html"
