@@ -7,11 +7,13 @@
  *
  *     oc_library_dir(dir)                       where the makers' SDKs are
  *     oc_scan()                                 build the catalogue of cameras
- *     oc_libraries(), oc_error(), oc_info(i)    what was found, what failed, what each camera can
- * do oc_open(i, ...)                           open one camera; it streams from here on oc_width(),
- * oc_height(), oc_buffer_size() how large a frame is, how large a buffer must be oc_read(...) poll
- * for the next frame, again and again oc_apply(...), oc_temperature()           at any time between
- * two reads oc_close()                                stop and release the camera
+ *     oc_libraries(), oc_error(), oc_info(i)    what was found, what failed, what each camera has
+ *     oc_open(i, ...)                           open one camera; it streams from here on
+ *     oc_width(), oc_height()                   how large a frame is
+ *     oc_buffer_size()                          how large a buffer must be
+ *     oc_read(...)                              poll for the next frame, again and again
+ *     oc_apply(...), oc_temperature()           at any time between two reads
+ *     oc_close()                                stop and release the camera
  *
  * At most one camera is open at a time.
  *
@@ -116,8 +118,9 @@ ORVANE_DESKTOP_CAMERA_API const char* oc_libraries(void);
  *     "maxExposureUs"  longest exposure that the maker states, microseconds (oc_open() and
  *                      oc_apply() take up to 2147483647)
  *     "minGain", "maxGain"     in the maker's units
- *     "bayer"          colour mosaic at the top left corner: 0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11
- * BGGR or "{}" when there is no such camera.
+ *     "bayer"          colour mosaic at the top left corner:
+ *                      0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR
+ * or "{}" when there is no such camera.
  *
  * The description is valid until the next oc_info() with a valid index. Does not touch the error
  * text.
@@ -131,15 +134,19 @@ ORVANE_DESKTOP_CAMERA_API const char* oc_info(int index);
  * index        of the catalogue, as for oc_info()
  * width, height  1 up to "maxWidth" and "maxHeight". They are compared with the binned sensor and
  *              cut down to it: the full sensor size at bin 2 gives a frame of half that size; a
- * size smaller than the binned sensor is the frame's size as it stands. The region lies at the
- * sensor's top left corner. Makers round it (ZWO ASI to 8 x 2 pixels): ask oc_width() and
- * oc_height() for the result. bin          one of "bins" format       one of "formats" exposureUs
- * 1 to 2147483647 microseconds, for every maker gain, offset in the maker's units, passed on as
- * they are
+ *              size smaller than the binned sensor is the frame's size as it stands. The region
+ *              lies at the sensor's top left corner. Makers round it (ZWO ASI to 8 x 2 pixels):
+ *              ask oc_width() and oc_height() for the result.
+ * bin          one of "bins"
+ * format       one of "formats"
+ * exposureUs   1 to 2147483647 microseconds, for every maker
+ * gain, offset  in the maker's units, passed on as they are
  *
  * Returns 1, or 0 after a failure: no camera is open then, oc_buffer_size() is 0, and the error
- * text is one of "Camera not found; rescan"         no such index "Unsupported bin or format" not
- * listed by the camera "Invalid capture dimensions"       not positive, or larger than the sensor
+ * text is one of
+ *     "Camera not found; rescan"         no such index
+ *     "Unsupported bin or format"        not listed by the camera
+ *     "Invalid capture dimensions"       not positive, or larger than the sensor
  *     "ROI is too small for binning"     nothing left after binning and rounding
  *     "Invalid frame buffer size"        a frame of no bytes, or of more than 1 GiB
  *     "Exposure out of range"
@@ -178,7 +185,8 @@ ORVANE_DESKTOP_CAMERA_API int oc_buffer_size(void);
  * Returns the number of frame bytes: rows from the top without padding, 1 byte a pixel, 2 for 16
  * bit (little endian) and 3 for RGB (red, green, blue for ZWO ASI; as the SDK delivers them for
  * others). Returns 0 when no frame was ready: no error, try again; the buffer's content is
- * undefined. Returns -1 after a failure, with the error text "Camera closed or buffer too small"
+ * undefined. Returns -1 after a failure, with the error text
+ *     "Camera closed or buffer too small"
  *     "<call>: <code>", "<library>: missing <function>"   as in oc_open()
  *     "QHY frame geometry changed", "ToupTek frame geometry changed"
  * The camera stays open and streaming after a failure; read again or close it.
