@@ -48,7 +48,7 @@ cmp "$archive" "$scratch/pack2/$(basename "$archive")" || fail "two packages of 
 echo "-- $(basename "$archive"): $(stat -c %s "$archive") bytes"
 
 echo "== unpack"
-away="$scratch/Prüfstand, à part"
+away="$scratch/Prüfstand à part"
 mkdir "$away"
 case $archive in
   *.zip) unzip -q "$archive" -d "$away" ;;
