@@ -6,7 +6,7 @@ set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" "${test_tools[@]}"
+  "${host_headers[@]}" "${test_tools[@]}" "${binding_tools[@]}" "${package_tools[@]}"
 
 presets=("$@")
 if [ ${#presets[@]} -eq 0 ]; then

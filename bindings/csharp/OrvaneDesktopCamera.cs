@@ -1,0 +1,431 @@
+// The cameras of four makers (ZWO ASI, Player One, QHYCCD, ToupTek) for C#: this one file, compiled
+// with AllowUnsafeBlocks, and orvane_desktop_camera.dll beside the program.
+//
+//     ScanResult found = CameraLibrary.Scan(@"C:\Program Files\MyCapture\sdk");
+//     var settings = new CameraSettings { ExposureUs = 20000, Gain = 100 };
+//     using (Camera camera = CameraLibrary.Open(found.Cameras[0], settings))
+//     {
+//         byte[] buffer = new byte[camera.BufferSize];
+//         ReadOnlySpan<byte> frame = camera.Read(buffer);   // the buffer's filled part
+//     }
+//
+// It needs Span: .NET Core 2.1 or newer, Mono 6, or .NET Framework with the System.Memory package.
+//
+// The library has one state in a process and at most one open camera. Its calls wait for each
+// other, so any thread may make them. A program disposes of its camera before it ends: ending closes none.
+//
+// Units: exposure in microseconds, temperature in degrees Celsius, gain and offset in the maker's
+// own.
+using System;
+using System.Collections.Generic;
+using System.Diagnostics;
+using System.Globalization;
+using System.Runtime.InteropServices;
+using System.Text;
+using System.Text.RegularExpressions;
+using System.Threading;
+
+namespace Orvane.DesktopCamera
+{
+    /// <summary>A call failed; the message is the library's own text.</summary>
+    public class CameraException : Exception
+    {
+        public CameraException(string message) : base(message) { }
+    }
+
+    /// <summary>No frame came in time. The camera goes on streaming.</summary>
+    public sealed class FrameTimeoutException : CameraException
+    {
+        public FrameTimeoutException(string message) : base(message) { }
+    }
+
+    /// <summary>What a pixel of a frame is.</summary>
+    public enum PixelFormat
+    {
+        /// <summary>8 bits, of a colour camera behind its mosaic.</summary>
+        Raw8 = 0,
+        /// <summary>16 bits, little endian, likewise.</summary>
+        Raw16 = 1,
+        /// <summary>Red, green, blue for ZWO ASI; as the SDK delivers them for others.</summary>
+        Rgb24 = 2,
+        /// <summary>8 bits of brightness.</summary>
+        Mono8 = 3
+    }
+
+    /// <summary>One camera of the last scan. Index is void after the next one.</summary>
+    public sealed class CameraInfo
+    {
+        public int Index { get; private set; }
+        public string Name { get; private set; }
+        /// <summary>Of the sensor at bin 1, pixels.</summary>
+        public int MaxWidth { get; private set; }
+        public int MaxHeight { get; private set; }
+        public int BitDepth { get; private set; }
+        /// <summary>Micrometres; NaN or infinite where the SDK says so.</summary>
+        public double PixelSizeUm { get; private set; }
+        public bool IsColor { get; private set; }
+        public bool IsCooled { get; private set; }
+        public bool IsUsb3Camera { get; private set; }
+        public bool IsUsb3Host { get; private set; }
+        public IReadOnlyList<int> Bins { get; private set; }
+        /// <summary>See PixelFormat.</summary>
+        public IReadOnlyList<int> Formats { get; private set; }
+        public IReadOnlyList<int> Depths { get; private set; }
+        public long MaxExposureUs { get; private set; }
+        public int MinGain { get; private set; }
+        public int MaxGain { get; private set; }
+        /// <summary>0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR.</summary>
+        public int Bayer { get; private set; }
+
+        /// <summary>Reads the library's description of a camera: one flat JSON object.</summary>
+        public static CameraInfo FromJson(string json)
+        {
+            var fields = new Dictionary<string, string>();
+            foreach (Match match in Field.Matches(json))
+            {
+                fields[match.Groups[1].Value] = match.Groups[2].Value;
+            }
+            try
+            {
+                return new CameraInfo
+                {
+                    Index = Number(fields["id"]),
+                    Name = Text(fields["name"]),
+                    MaxWidth = Number(fields["maxWidth"]),
+                    MaxHeight = Number(fields["maxHeight"]),
+                    BitDepth = Number(fields["bitDepth"]),
+                    PixelSizeUm = Real(fields["pixelSizeUm"]),
+                    IsColor = fields["isColor"] == "true",
+                    IsCooled = fields["isCooled"] == "true",
+                    IsUsb3Camera = fields["isUsb3Camera"] == "true",
+                    IsUsb3Host = fields["isUsb3Host"] == "true",
+                    Bins = Numbers(fields["bins"]),
+                    Formats = Numbers(fields["formats"]),
+                    Depths = Numbers(fields["depths"]),
+                    MaxExposureUs =
+                        long.Parse(fields["maxExposureUs"], CultureInfo.InvariantCulture),
+                    MinGain = Number(fields["minGain"]),
+                    MaxGain = Number(fields["maxGain"]),
+                    Bayer = Number(fields["bayer"])
+                };
+            }
+            catch (KeyNotFoundException)
+            {
+                throw new FormatException("Not the description of a camera: " + json);
+            }
+        }
+
+        // "key": then a text, a list, or a word or number. A text is taken whole, so nothing in a
+        // name counts as a key.
+        private static readonly Regex Field =
+            new Regex("\"([A-Za-z0-9]+)\":(\"(?:[^\"\\\\]|\\\\.)*\"|\\[[^\\]]*\\]|[^,}]*)");
+
+        private static int Number(string text)
+        {
+            return int.Parse(text, CultureInfo.InvariantCulture);
+        }
+
+        private static double Real(string text)
+        {
+            switch (text)
+            {
+                case "nan":
+                case "-nan":
+                    return double.NaN;
+                case "inf":
+                    return double.PositiveInfinity;
+                case "-inf":
+                    return double.NegativeInfinity;
+                default:
+                    return double.Parse(text, CultureInfo.InvariantCulture);
+            }
+        }
+
+        private static int[] Numbers(string list)
+        {
+            string inside = list.Substring(1, list.Length - 2);
+            return inside.Length == 0 ? new int[0] : Array.ConvertAll(inside.Split(','), Number);
+        }
+
+        // Control characters are left out of names, so these are all that a name can hold.
+        private static string Text(string quoted)
+        {
+            return Regex.Replace(quoted.Substring(1, quoted.Length - 2), "\\\\(.)", "$1");
+        }
+    }
+
+    /// <summary>What a scan found.</summary>
+    public sealed class ScanResult
+    {
+        public IReadOnlyList<CameraInfo> Cameras { get; internal set; }
+        /// <summary>The base names of the SDKs that were found.</summary>
+        public IReadOnlyList<string> Libraries { get; internal set; }
+        /// <summary>What could not be read, or "".</summary>
+        public string Error { get; internal set; }
+    }
+
+    /// <summary>How a camera is to be opened.</summary>
+    public sealed class CameraSettings
+    {
+        /// <summary>Without a width or a height the whole sensor.</summary>
+        public int? Width { get; set; }
+        public int? Height { get; set; }
+        public int Bin { get; set; } = 1;
+        public PixelFormat Format { get; set; } = PixelFormat.Raw8;
+        public long ExposureUs { get; set; } = 20000;
+        /// <summary>Without one the lowest.</summary>
+        public int? Gain { get; set; }
+        public int Offset { get; set; }
+    }
+
+    /// <summary>The library: looks for cameras and opens one.</summary>
+    public static class CameraLibrary
+    {
+        internal static readonly object OneCall = new object();
+        internal static Camera OpenCamera;
+
+        /// <summary>Looks for cameras with the makers' SDKs in this directory. Throws
+        /// CameraException while a camera is open. A maker whose cameras could not all be read
+        /// is told in ScanResult.Error.</summary>
+        public static ScanResult Scan(string sdkDirectory)
+        {
+            byte[] directory = Native.Utf8(System.IO.Path.GetFullPath(sdkDirectory));
+            lock (OneCall)
+            {
+                Native.oc_library_dir(directory);
+                int count = Native.oc_scan();
+                if (count < 0)
+                {
+                    throw Error();
+                }
+                string libraries = Native.Text(Native.oc_libraries());
+                var result = new ScanResult
+                {
+                    Error = Native.Text(Native.oc_error()),
+                    Libraries = libraries.Length == 0
+                        ? new string[0]
+                        : libraries.Split(new[] { ", " }, StringSplitOptions.None)
+                };
+                var cameras = new List<CameraInfo>();
+                for (int index = 0; index < count; ++index)
+                {
+                    cameras.Add(CameraInfo.FromJson(Native.Text(Native.oc_info(index))));
+                }
+                result.Cameras = cameras;
+                return result;
+            }
+        }
+
+        /// <summary>Opens a camera, which streams from here on; one that is open is closed first.
+        /// Throws CameraException with the library's text.</summary>
+        public static Camera Open(CameraInfo camera, CameraSettings settings)
+        {
+            lock (OneCall)
+            {
+                OpenCamera?.Dispose();
+                int opened = Native.oc_open(
+                    camera.Index,
+                    settings.Width ?? camera.MaxWidth,
+                    settings.Height ?? camera.MaxHeight,
+                    settings.Bin, (int)settings.Format, settings.ExposureUs,
+                    settings.Gain ?? camera.MinGain, settings.Offset);
+                if (opened == 0)
+                {
+                    throw Error();
+                }
+                OpenCamera = new Camera(camera, settings.Format, settings.ExposureUs);
+                return OpenCamera;
+            }
+        }
+
+        internal static CameraException Error()
+        {
+            return new CameraException(Native.Text(Native.oc_error()));
+        }
+    }
+
+    /// <summary>An open camera that streams; from CameraLibrary.Open, until Dispose.</summary>
+    public sealed class Camera : IDisposable
+    {
+        private long exposureUs;
+
+        internal Camera(CameraInfo info, PixelFormat format, long exposureUs)
+        {
+            this.exposureUs = exposureUs;
+            Info = info;
+            Format = format;
+            Width = Native.oc_width();
+            Height = Native.oc_height();
+            BufferSize = Native.oc_buffer_size();
+        }
+
+        public CameraInfo Info { get; }
+        public PixelFormat Format { get; }
+        /// <summary>Of a frame, in pixels, as the camera rounded it.</summary>
+        public int Width { get; }
+        public int Height { get; }
+        /// <summary>Bytes that a buffer must have at least.</summary>
+        public int BufferSize { get; }
+        public bool IsClosed { get; private set; }
+
+        /// <summary>Asks once for the next frame; returns the filled part of the buffer, or an
+        /// empty span where none is ready. Nothing is copied. Only ZWO ASI and Player One cameras wait.
+        /// </summary>
+        public unsafe ReadOnlySpan<byte> Poll(Span<byte> buffer, int timeoutMs)
+        {
+            lock (CameraLibrary.OneCall)
+            {
+                DemandOpen();
+                fixed (byte* start = &MemoryMarshal.GetReference(buffer))
+                {
+                    int count = Native.oc_read(start, buffer.Length, timeoutMs);
+                    if (count < 0)
+                    {
+                        throw CameraLibrary.Error();
+                    }
+                    return buffer.Slice(0, count);
+                }
+            }
+        }
+
+        /// <summary>Waits for a frame, twice the exposure and half a second at most.</summary>
+        public ReadOnlySpan<byte> Read(Span<byte> buffer)
+        {
+            return Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
+        }
+
+        /// <summary>Waits for the next frame and returns the filled part of the buffer: rows from
+        /// the top without padding. Throws FrameTimeoutException where none comes.</summary>
+        public ReadOnlySpan<byte> Read(Span<byte> buffer, int timeoutMs)
+        {
+            var waited = Stopwatch.StartNew();
+            while (true)
+            {
+                long left = Math.Max(0, timeoutMs - waited.ElapsedMilliseconds);
+                ReadOnlySpan<byte> frame = Poll(buffer, (int)left);
+                if (frame.Length > 0)
+                {
+                    return frame;
+                }
+                if (waited.ElapsedMilliseconds >= timeoutMs)
+                {
+                    throw new FrameTimeoutException("No frame within " + timeoutMs + " ms");
+                }
+                // Two makers' SDKs never wait.
+                Thread.Sleep(1);
+            }
+        }
+
+        /// <summary>Sets exposure, gain and offset, in this order; the stream goes on. What was set
+        /// before a failure stays in force.</summary>
+        public void Apply(long exposureUs, int gain, int offset)
+        {
+            lock (CameraLibrary.OneCall)
+            {
+                DemandOpen();
+                // The maker may have taken the exposure even when a later setting fails.
+                if (exposureUs >= 1 && exposureUs <= int.MaxValue)
+                {
+                    this.exposureUs = exposureUs;
+                }
+                if (Native.oc_apply(exposureUs, gain, offset) == 0)
+                {
+                    throw CameraLibrary.Error();
+                }
+            }
+        }
+
+        /// <summary>Of the sensor, in degrees Celsius; NaN where the SDK gives none or the camera
+        /// is closed.</summary>
+        public double Temperature
+        {
+            get
+            {
+                lock (CameraLibrary.OneCall)
+                {
+                    return IsClosed ? double.NaN : Native.oc_temperature();
+                }
+            }
+        }
+
+        /// <summary>Stops the stream and releases the camera. Doing so twice is no error.</summary>
+        public void Dispose()
+        {
+            lock (CameraLibrary.OneCall)
+            {
+                if (!IsClosed)
+                {
+                    IsClosed = true;
+                    CameraLibrary.OpenCamera = null;
+                    Native.oc_close();
+                }
+            }
+        }
+
+        private void DemandOpen()
+        {
+            if (IsClosed)
+            {
+                throw new CameraException("Camera closed");
+            }
+        }
+    }
+
+    /// <summary>The thirteen functions, and text in UTF-8, which the runtime marshals differently
+    /// on each system.</summary>
+    internal static unsafe class Native
+    {
+        private const string Library = "orvane_desktop_camera";
+        private const CallingConvention Cdecl = CallingConvention.Cdecl;
+
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern void oc_library_dir(byte[] dir);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_scan();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern IntPtr oc_libraries();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern IntPtr oc_info(int index);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_open(int index, int width, int height, int bin, int format,
+                                           long exposureUs, int gain, int offset);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_width();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_height();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_buffer_size();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_read(byte* buffer, int bufferLength, int timeoutMs);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern int oc_apply(long exposureUs, int gain, int offset);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern double oc_temperature();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern void oc_close();
+        [DllImport(Library, CallingConvention = Cdecl)]
+        internal static extern IntPtr oc_error();
+
+        /// <summary>A NUL-terminated copy. Refuses what has no form in UTF-8.</summary>
+        internal static byte[] Utf8(string text)
+        {
+            if (text.IndexOf('\0') >= 0)
+            {
+                throw new ArgumentException("A path holds no NUL character");
+            }
+            return new UTF8Encoding(false, true).GetBytes(text + "\0");
+        }
+
+        /// <summary>A copy of a text of the library's. A name need not be valid UTF-8.</summary>
+        internal static string Text(IntPtr text)
+        {
+            byte* start = (byte*)text;
+            int length = 0;
+            while (start[length] != 0)
+            {
+                ++length;
+            }
+            return Encoding.UTF8.GetString(start, length);
+        }
+    }
+}

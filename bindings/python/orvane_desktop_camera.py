@@ -1,0 +1,409 @@
+"""The cameras of four makers (ZWO ASI, Player One, QHYCCD, ToupTek) as NumPy arrays.
+
+    from orvane_desktop_camera import Library
+
+    library = Library()
+    cameras = library.scan(r"C:\\Program Files\\MyCapture\\sdk")
+    with library.open(cameras[0], exposure_us=20000, gain=100) as camera:
+        frame = camera.read()           # an array: rows, columns, and three colours for RGB
+
+The library has one state in a process and at most one open camera. Its calls wait for each other,
+so any thread may make them; while one waits for a frame, other Python threads run.
+
+Units: exposure in microseconds, temperature in degrees Celsius, gain and offset in the maker's own.
+"""
+
+from __future__ import annotations
+
+import ctypes
+import enum
+import json
+import math
+import os
+import re
+import sys
+import threading
+import time
+import weakref
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Iterator, Optional, Union
+
+import numpy as np
+
+__all__ = ["Camera", "CameraError", "CameraInfo", "FrameTimeout", "Library", "PixelFormat"]
+
+
+class CameraError(Exception):
+    """A call failed; the text is the library's own."""
+
+
+class FrameTimeout(CameraError):
+    """No frame came in time. The camera goes on streaming: read again, or close it."""
+
+
+class PixelFormat(enum.IntEnum):
+    """What a pixel of a frame is."""
+
+    RAW8 = 0  #: 8 bits, of a colour camera behind its mosaic
+    RAW16 = 1  #: 16 bits, likewise
+    RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI; as the SDK delivers them for others
+    MONO8 = 3  #: 8 bits of brightness
+
+    @property
+    def dtype(self) -> np.dtype:
+        return np.dtype("<u2") if self is PixelFormat.RAW16 else np.dtype(np.uint8)
+
+
+@dataclass(frozen=True)
+class CameraInfo:
+    """One camera of the last scan. `index` is void after the next one."""
+
+    index: int
+    name: str
+    max_width: int  #: of the sensor at bin 1, pixels
+    max_height: int
+    bit_depth: int
+    pixel_size_um: float  #: micrometres; may be NaN or infinite where the SDK says so
+    is_color: bool
+    is_cooled: bool
+    is_usb3_camera: bool
+    is_usb3_host: bool
+    bins: tuple[int, ...]
+    formats: tuple[int, ...]  #: see PixelFormat
+    depths: tuple[int, ...]
+    max_exposure_us: int
+    min_gain: int
+    max_gain: int
+    bayer: int  #: 0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR
+
+    @staticmethod
+    def from_json(text: str) -> "CameraInfo":
+        """Reads the library's description of a camera."""
+        # An SDK may state a pixel size that JSON has no form for. Inside a name every quotation
+        # mark has a backslash before it, so this finds the key only.
+        text = re.sub(r'(?<!\\)"pixelSizeUm":-?nan', '"pixelSizeUm":NaN', text)
+        text = re.sub(r'(?<!\\)"pixelSizeUm":(-?)inf', r'"pixelSizeUm":\1Infinity', text)
+        fields = json.loads(text)
+        return CameraInfo(
+            index=fields["id"],
+            name=fields["name"],
+            max_width=fields["maxWidth"],
+            max_height=fields["maxHeight"],
+            bit_depth=fields["bitDepth"],
+            pixel_size_um=float(fields["pixelSizeUm"]),
+            is_color=fields["isColor"],
+            is_cooled=fields["isCooled"],
+            is_usb3_camera=fields["isUsb3Camera"],
+            is_usb3_host=fields["isUsb3Host"],
+            bins=tuple(fields["bins"]),
+            formats=tuple(fields["formats"]),
+            depths=tuple(fields["depths"]),
+            max_exposure_us=fields["maxExposureUs"],
+            min_gain=fields["minGain"],
+            max_gain=fields["maxGain"],
+            bayer=fields["bayer"],
+        )
+
+
+# What the one state of the library in this process asks of us: one call at a time, and one camera.
+_one_call = threading.RLock()
+_open_camera: Optional["weakref.ref[Camera]"] = None  # weak, so that a forgotten camera is closed
+
+
+class Library:
+    """The loaded library.
+
+    file  the library; without it, it is looked for in ORVANE_DESKTOP_CAMERA_LIBRARY, in the package
+          that this module lies in, and beside this module
+    """
+
+    def __init__(self, file: Union[str, os.PathLike, None] = None):
+        self.file = Path(file) if file is not None else _find_library()
+        try:
+            self._c = ctypes.CDLL(str(self.file.absolute()))
+            _declare(self._c)
+        except (OSError, AttributeError) as error:
+            raise CameraError(f"Cannot load {self.file}: {error}") from error
+
+    def scan(self, sdk_directory: Union[str, os.PathLike]) -> list[CameraInfo]:
+        """Looks for cameras with the makers' SDKs in this directory.
+
+        Raises CameraError while a camera is open. A maker whose cameras could not all be read is no
+        exception: see `scan_error`.
+        """
+        directory = _utf8(os.fspath(Path(sdk_directory).absolute()))
+        with _one_call:
+            self._c.oc_library_dir(directory)
+            count = self._c.oc_scan()
+            if count < 0:
+                raise self._error()
+            self._scan_error = _text(self._c.oc_error())
+            return [CameraInfo.from_json(_text(self._c.oc_info(i))) for i in range(count)]
+
+    _scan_error = ""
+
+    @property
+    def scan_error(self) -> str:
+        """What the last scan could not read, or ""."""
+        return self._scan_error
+
+    @property
+    def libraries(self) -> list[str]:
+        """The base names of the SDKs that the last scan found."""
+        with _one_call:
+            names = _text(self._c.oc_libraries())
+        return names.split(", ") if names else []
+
+    def open(
+        self,
+        camera: Union[CameraInfo, int],
+        *,
+        width: Optional[int] = None,
+        height: Optional[int] = None,
+        bin: int = 1,
+        format: int = PixelFormat.RAW8,
+        exposure_us: int = 20000,
+        gain: Optional[int] = None,
+        offset: int = 0,
+    ) -> "Camera":
+        """Opens a camera, which streams from here on; one that is open is closed first.
+
+        `format` is a PixelFormat. Without a width or a height the whole sensor, without a gain the
+        lowest. Raises CameraError with the library's text, and OverflowError for a number that the
+        library's types cannot hold.
+        """
+        global _open_camera
+        index = camera.index if isinstance(camera, CameraInfo) else _int32(camera)
+        with _one_call:
+            if isinstance(camera, CameraInfo):
+                info = camera
+            else:
+                description = _text(self._c.oc_info(index))
+                if description == "{}":
+                    raise CameraError("Camera not found; rescan")
+                info = CameraInfo.from_json(description)
+            numbers = (
+                index,
+                _int32(info.max_width if width is None else width),
+                _int32(info.max_height if height is None else height),
+                _int32(bin),
+                _int32(format),
+                _int64(exposure_us),
+                _int32(info.min_gain if gain is None else gain),
+                _int32(offset),
+            )
+            before = _open_camera() if _open_camera is not None else None
+            if before is not None:
+                before.close()
+            if not self._c.oc_open(*numbers):
+                raise self._error()
+            try:
+                opened = Camera(self, info, PixelFormat(format), exposure_us)
+            except BaseException:
+                self._c.oc_close()
+                raise
+            _open_camera = weakref.ref(opened)
+            return opened
+
+    def _error(self) -> CameraError:
+        return CameraError(_text(self._c.oc_error()))
+
+
+class Camera:
+    """An open camera that streams. Library.open() makes it; `with` closes it."""
+
+    def __init__(self, library: Library, info: CameraInfo, format: PixelFormat, exposure_us: int):
+        self._library = library
+        self._c = library._c
+        self._closed = False
+        self._exposure_us = exposure_us
+        self.info = info
+        self.format = format
+        self.width = self._c.oc_width()  #: of a frame, as the camera rounded it
+        self.height = self._c.oc_height()
+        self.buffer_size = self._c.oc_buffer_size()  #: bytes that a buffer must have at least
+
+    def __enter__(self) -> "Camera":
+        return self
+
+    def __exit__(self, *_exception) -> None:
+        self.close()
+
+    def __del__(self) -> None:
+        self.close()
+
+    @property
+    def closed(self) -> bool:
+        return self._closed
+
+    def new_buffer(self) -> np.ndarray:
+        """A buffer for poll() and read()."""
+        return np.empty(self.buffer_size, np.uint8)
+
+    def poll(
+        self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
+    ) -> Optional[np.ndarray]:
+        """Asks once for the next frame; returns None where none is ready.
+
+        buffer      bytes that the frame is written into: one-dimensional, contiguous, writable,
+                    buffer_size long or longer. The result is a view of it, not a copy, and so is
+                    overwritten when the buffer is used again. Without it a new one each time.
+        timeout_ms  how long the SDK may wait; only ZWO ASI and Player One cameras do. Without it
+                    twice the exposure and half a second.
+        """
+        if buffer is None:
+            buffer = self.new_buffer()
+        _check_buffer(buffer)
+        timeout = _int32(self._timeout_ms() if timeout_ms is None else timeout_ms)
+        with _one_call:
+            self._demand_open()
+            count = self._c.oc_read(buffer.ctypes.data, min(buffer.size, _INT32_MAX), timeout)
+            if count < 0:
+                raise self._library._error()
+        if count == 0:
+            return None
+        shape = (self.height, self.width)
+        if self.format is PixelFormat.RGB24:
+            shape += (3,)
+        return buffer[:count].view(self.format.dtype).reshape(shape)
+
+    def read(
+        self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
+    ) -> np.ndarray:
+        """Waits for the next frame; raises FrameTimeout where none comes. Arguments as poll()."""
+        timeout = self._timeout_ms() if timeout_ms is None else timeout_ms
+        if buffer is None:
+            buffer = self.new_buffer()
+        end = time.monotonic() + timeout / 1000
+        while True:
+            left = max(0, math.ceil((end - time.monotonic()) * 1000))
+            frame = self.poll(buffer, left)
+            if frame is not None:
+                return frame
+            if time.monotonic() >= end:
+                raise FrameTimeout(f"No frame within {timeout} ms")
+            # Two makers' SDKs never wait.
+            time.sleep(0.001)
+
+    def frames(
+        self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
+    ) -> Iterator[np.ndarray]:
+        """One frame after the other, as read() returns them, until the camera is closed."""
+        while not self._closed:
+            yield self.read(buffer, timeout_ms)
+
+    def apply(self, *, exposure_us: int, gain: int, offset: int) -> None:
+        """Sets exposure, gain and offset, in this order; the stream goes on.
+
+        Raises CameraError; what was set before the failure stays in force.
+        """
+        numbers = (_int64(exposure_us), _int32(gain), _int32(offset))
+        with _one_call:
+            self._demand_open()
+            # The maker may have taken the exposure even when a later setting fails.
+            if 1 <= exposure_us <= _INT32_MAX:
+                self._exposure_us = exposure_us
+            if not self._c.oc_apply(*numbers):
+                raise self._library._error()
+
+    @property
+    def temperature(self) -> float:
+        """Of the sensor, degrees Celsius; NaN where the SDK gives none or the camera is closed."""
+        with _one_call:
+            return math.nan if self._closed else self._c.oc_temperature()
+
+    def close(self) -> None:
+        """Stops the stream and releases the camera. Closing twice is no error."""
+        global _open_camera
+        if getattr(self, "_closed", True):
+            return
+        with _one_call:
+            if not self._closed:
+                self._closed = True
+                _open_camera = None
+                self._c.oc_close()
+
+    def _timeout_ms(self) -> int:
+        return min(2 * self._exposure_us // 1000 + 500, _INT32_MAX)
+
+    def _demand_open(self) -> None:
+        if self._closed:
+            raise CameraError("Camera closed")
+
+
+_INT32_MAX = 2**31 - 1
+
+
+def _int32(value: int) -> int:
+    return _integer(value, 31)
+
+
+def _int64(value: int) -> int:
+    return _integer(value, 63)
+
+
+def _integer(value: int, bits: int) -> int:
+    # ctypes would cut a larger number down silently.
+    number = value.__index__()
+    if not -(2**bits) <= number < 2**bits:
+        raise OverflowError(f"{number} does not fit in {bits + 1} bits")
+    return number
+
+
+def _utf8(text: str) -> bytes:
+    if "\0" in text:
+        raise ValueError("A path holds no NUL character")
+    return text.encode("utf-8")
+
+
+def _text(raw: bytes) -> str:
+    # A camera's name need not be valid UTF-8.
+    return raw.decode("utf-8", errors="replace")
+
+
+def _check_buffer(buffer: np.ndarray) -> None:
+    if buffer.dtype != np.uint8 or buffer.ndim != 1:
+        raise ValueError("The buffer must be a one-dimensional array of bytes (uint8)")
+    if not buffer.flags.c_contiguous or not buffer.flags.writeable:
+        raise ValueError("The buffer must be contiguous and writable")
+
+
+def _find_library() -> Path:
+    here = Path(__file__).resolve().parent
+    if sys.platform == "win32":
+        name, places = "orvane_desktop_camera.dll", [here.parent.parent / "bin", here]
+    else:
+        name, places = "liborvane_desktop_camera.so", [here.parent.parent / "lib", here]
+    named = os.environ.get("ORVANE_DESKTOP_CAMERA_LIBRARY")
+    if named:
+        return Path(named)
+    for place in places:
+        if (place / name).is_file():
+            return place / name
+    raise CameraError(
+        f"{name} was not found. Give its path to Library(), or in ORVANE_DESKTOP_CAMERA_LIBRARY."
+    )
+
+
+def _declare(c: ctypes.CDLL) -> None:
+    integer, text = ctypes.c_int, ctypes.c_char_p
+    signatures = {
+        "oc_library_dir": (None, [text]),
+        "oc_scan": (integer, []),
+        "oc_libraries": (text, []),
+        "oc_info": (text, [integer]),
+        "oc_open": (integer, [integer] * 5 + [ctypes.c_int64, integer, integer]),
+        "oc_width": (integer, []),
+        "oc_height": (integer, []),
+        "oc_buffer_size": (integer, []),
+        "oc_read": (integer, [ctypes.c_void_p, integer, integer]),
+        "oc_apply": (integer, [ctypes.c_int64, integer, integer]),
+        "oc_temperature": (ctypes.c_double, []),
+        "oc_close": (None, []),
+        "oc_error": (text, []),
+    }
+    for name, (result, arguments) in signatures.items():
+        function = getattr(c, name)
+        function.restype = result
+        function.argtypes = arguments

@@ -1,0 +1,184 @@
+/*
+ * orvane_desktop_camera_loader: the library's thirteen functions for a program that loads the
+ * library at run time and does not link it. C11 and C++, Windows and Linux, nothing to build.
+ *
+ *     OrvaneDesktopCamera camera;
+ *     char message[256];
+ *     if (!orvane_desktop_camera_load(&camera, "C:\\Program Files\\MyCapture\\"
+ *                                     "orvane_desktop_camera.dll", message, sizeof message)) {
+ *       puts(message);  (run without cameras)
+ *     } else {
+ *       int count = camera.scan();
+ *       ...
+ *       orvane_desktop_camera_unload(&camera);
+ *     }
+ *
+ * Each member does what the function of the same name in orvane_desktop_camera.h does: scan is
+ * oc_scan() and so on. The library has one state in a process, however often it is loaded.
+ *
+ * On Windows this header includes <windows.h>. On Linux, link with -ldl where the C library is
+ * older than glibc 2.34.
+ */
+#ifndef ORVANE_DESKTOP_CAMERA_LOADER_H
+#define ORVANE_DESKTOP_CAMERA_LOADER_H
+
+#include <stddef.h>
+#include <string.h>
+
+#include "orvane_desktop_camera.h"
+
+#if defined(_WIN32)
+#  if !defined(WIN32_LEAN_AND_MEAN)
+#    define WIN32_LEAN_AND_MEAN
+#  endif
+#  if !defined(NOMINMAX)
+#    define NOMINMAX
+#  endif
+#  include <windows.h>
+#else
+#  include <dlfcn.h>
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The loaded library. All members are null before a load, after one that failed and after the
+ * unload. */
+typedef struct OrvaneDesktopCamera {
+  void (*library_dir)(const char* dir);
+  int (*scan)(void);
+  const char* (*libraries)(void);
+  const char* (*info)(int index);
+  int (*open)(int index, int width, int height, int bin, int format, int64_t exposureUs, int gain,
+              int offset);
+  int (*width)(void);
+  int (*height)(void);
+  int (*buffer_size)(void);
+  int (*read)(uint8_t* buffer, int bufferLength, int timeoutMs);
+  int (*apply)(int64_t exposureUs, int gain, int offset);
+  double (*temperature)(void);
+  void (*close)(void);
+  const char* (*error)(void);
+  void* module; /* the operating system's handle of the library */
+} OrvaneDesktopCamera;
+
+/* For the two functions below only: opens a library and returns its handle, or null. */
+static inline void* orvane_desktop_camera_open_module(const char* file) {
+#if defined(_WIN32)
+  wchar_t path[4096];
+  if (MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, file, -1, path,
+                          (int)(sizeof path / sizeof path[0])) == 0) {
+    return NULL;
+  }
+  /* Neither the current directory nor PATH is searched. */
+  return (void*)LoadLibraryExW(path, NULL,
+                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+#else
+  return dlopen(file, RTLD_NOW | RTLD_LOCAL);
+#endif
+}
+
+/* For orvane_desktop_camera_load() only: writes the address of one function into `slot`, a pointer
+ * to a function pointer. Returns 1, or 0 where the library has no such function. */
+static inline int orvane_desktop_camera_find(void* module, const char* name, void* slot) {
+#if defined(_WIN32)
+  FARPROC address = GetProcAddress((HMODULE)module, name);
+#else
+  void* address = dlsym(module, name);
+#endif
+  if (address == NULL) {
+    return 0;
+  }
+  /* Standard C converts no object pointer into a function pointer. */
+  memcpy(slot, &address, sizeof address);
+  return 1;
+}
+
+/* For orvane_desktop_camera_load() only: appends a text, cut down to fit, to the message of
+ * `length` bytes. */
+static inline void orvane_desktop_camera_append(char* message, size_t length, const char* text) {
+  size_t used;
+  if (message == NULL || length == 0) {
+    return;
+  }
+  for (used = strlen(message); used + 1 < length && *text != '\0'; ++used, ++text) {
+    message[used] = *text;
+  }
+  message[used] = '\0';
+}
+
+/*
+ * Gives back the library and makes every member null; does nothing with one that is not loaded.
+ * Call close() before: unloading closes no camera. Texts that the library returned are gone.
+ */
+static inline void orvane_desktop_camera_unload(OrvaneDesktopCamera* camera) {
+  void* module = camera->module;
+  memset(camera, 0, sizeof *camera);
+  if (module == NULL) {
+    return;
+  }
+#if defined(_WIN32)
+  FreeLibrary((HMODULE)module);
+#else
+  dlclose(module);
+#endif
+}
+
+/*
+ * Loads the library and looks up its functions.
+ *
+ * camera         filled in; what it holds before does not matter
+ * file           UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll". On Windows a path
+ * that is not a full one fails, and so does one of 4096 characters or more. message        receives
+ * one sentence after a failure and "" otherwise, cut down to fit; may be null messageLength  its
+ * size in bytes
+ *
+ * Returns 1, or 0 after a failure: nothing stays loaded then, and every member is null.
+ */
+static inline int orvane_desktop_camera_load(OrvaneDesktopCamera* camera, const char* file,
+                                             char* message, size_t messageLength) {
+  const struct {
+    const char* name;
+    void* slot;
+  } functions[] = {{"oc_library_dir", (void*)&camera->library_dir},
+                   {"oc_scan", (void*)&camera->scan},
+                   {"oc_libraries", (void*)&camera->libraries},
+                   {"oc_info", (void*)&camera->info},
+                   {"oc_open", (void*)&camera->open},
+                   {"oc_width", (void*)&camera->width},
+                   {"oc_height", (void*)&camera->height},
+                   {"oc_buffer_size", (void*)&camera->buffer_size},
+                   {"oc_read", (void*)&camera->read},
+                   {"oc_apply", (void*)&camera->apply},
+                   {"oc_temperature", (void*)&camera->temperature},
+                   {"oc_close", (void*)&camera->close},
+                   {"oc_error", (void*)&camera->error}};
+  size_t i;
+  if (message != NULL && messageLength > 0) {
+    message[0] = '\0';
+  }
+  memset(camera, 0, sizeof *camera);
+  camera->module = orvane_desktop_camera_open_module(file);
+  if (camera->module == NULL) {
+    orvane_desktop_camera_append(message, messageLength, "Cannot load ");
+    orvane_desktop_camera_append(message, messageLength, file);
+    return 0;
+  }
+  for (i = 0; i < sizeof functions / sizeof functions[0]; ++i) {
+    if (!orvane_desktop_camera_find(camera->module, functions[i].name, functions[i].slot)) {
+      orvane_desktop_camera_append(message, messageLength, file);
+      orvane_desktop_camera_append(message, messageLength, " has no function ");
+      orvane_desktop_camera_append(message, messageLength, functions[i].name);
+      orvane_desktop_camera_unload(camera);
+      return 0;
+    }
+  }
+  return 1;
+}
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,12 @@
+# Writes SHA256SUMS into the directory that is about to be packed: one line a file, sorted by name, in
+# the form that `sha256sum -c` reads.
+
+set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
+file(GLOB_RECURSE names LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
+list(SORT names)
+set(lines "")
+foreach(name IN LISTS names)
+  file(SHA256 "${root}/${name}" sum)
+  string(APPEND lines "${sum}  ${name}\n")
+endforeach()
+file(WRITE "${root}/SHA256SUMS" "${lines}")

@@ -1,0 +1,46 @@
+/* Doubles the exposure of the first camera while it streams, and tells how bright frames become.
+ *   change_settings SDK-DIRECTORY */
+#include "sample.h"
+
+static double meanOf(const uint8_t* pixels, int count) {
+  double sum = 0;
+  int i;
+  for (i = 0; i < count; ++i) {
+    sum += pixels[i];
+  }
+  return sum / count;
+}
+
+int main(int argc, char** argv) {
+  int64_t exposureUs;
+  uint8_t* frame;
+  int bytes = 0;
+  if (argc != 2) {
+    fprintf(stderr, "usage: change_settings SDK-DIRECTORY\n");
+    return 2;
+  }
+  if (!openFirstCamera(argv[1], 5000, 100)) {
+    return 1;
+  }
+  frame = malloc((size_t)oc_buffer_size());
+  for (exposureUs = 5000; frame != NULL && exposureUs <= 80000; exposureUs *= 2) {
+    int stale;
+    /* Exposure, gain and offset at once. The stream goes on. */
+    if (!oc_apply(exposureUs, 100, 10)) {
+      fprintf(stderr, "Cannot change the settings: %s\n", oc_error());
+      bytes = 0;
+      break;
+    }
+    /* A frame or two may have been exposed with the settings before. */
+    for (stale = 0; stale < 3; ++stale) {
+      bytes = waitForFrame(frame, oc_buffer_size(), (int)(2 * exposureUs / 1000) + 500);
+    }
+    if (bytes == 0) {
+      break;
+    }
+    printf("%6.1f ms: mean %.1f\n", (double)exposureUs / 1000, meanOf(frame, bytes));
+  }
+  oc_close();
+  free(frame);
+  return bytes == 0;
+}

@@ -1,0 +1,61 @@
+/* What the samples share: a pause, opening the first camera, and a frame. */
+#ifndef SAMPLE_H
+#define SAMPLE_H
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "orvane_desktop_camera.h"
+#include "utf8_argument.h"
+
+#if defined(_WIN32)
+#  include <windows.h>
+#endif
+
+/* Two makers' SDKs never wait for a frame: a program that polls them pauses after a 0. */
+static inline void pauseOneMillisecond(void) {
+#if defined(_WIN32)
+  Sleep(1);
+#else
+  const struct timespec millisecond = {0, 1000000};
+  nanosleep(&millisecond, NULL);
+#endif
+}
+
+/* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8
+ * bit. Returns 1, or 0 after printing why not. */
+static inline int openFirstCamera(const char* sdkDirectory, int64_t exposureUs, int gain) {
+  char directory[3072];
+  oc_library_dir(utf8Argument(sdkDirectory, directory, sizeof directory));
+  if (oc_scan() < 1) {
+    fprintf(stderr, "No camera found. %s\n", oc_error());
+    return 0;
+  }
+  if (!oc_open(0, 640, 480, 1, 0, exposureUs, gain, 10)) {
+    fprintf(stderr, "Cannot open the camera: %s\n", oc_error());
+    return 0;
+  }
+  return 1;
+}
+
+/* Waits for a frame, timeoutMs and two seconds at most. Returns its bytes, or 0 after printing what
+ * went wrong. */
+static inline int waitForFrame(uint8_t* buffer, int length, int timeoutMs) {
+  const time_t end = time(NULL) + 2 + timeoutMs / 1000;
+  while (time(NULL) <= end) {
+    const int bytes = oc_read(buffer, length, timeoutMs);
+    if (bytes > 0) {
+      return bytes;
+    }
+    if (bytes < 0) {
+      fprintf(stderr, "Reading failed: %s\n", oc_error());
+      return 0;
+    }
+    pauseOneMillisecond();
+  }
+  fprintf(stderr, "No frame came in time.\n");
+  return 0;
+}
+
+#endif

@@ -1,0 +1,26 @@
+/* A program's argument in UTF-8. */
+#ifndef UTF8_ARGUMENT_H
+#define UTF8_ARGUMENT_H
+
+#if defined(_WIN32)
+#  include <windows.h>
+#endif
+
+/* A program's argument in UTF-8, as the library takes every text. Windows hands main() its
+ * arguments in the system's own code page. `buffer` holds the result where it differs. */
+static inline const char* utf8Argument(const char* argument, char* buffer, int length) {
+#if defined(_WIN32)
+  wchar_t wide[1024];
+  if (MultiByteToWideChar(CP_ACP, 0, argument, -1, wide, 1024) == 0 ||
+      WideCharToMultiByte(CP_UTF8, 0, wide, -1, buffer, length, NULL, NULL) == 0) {
+    return "";
+  }
+  return buffer;
+#else
+  (void)buffer;
+  (void)length;
+  return argument;
+#endif
+}
+
+#endif

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Clones the last commit into two directories of different names and lengths, makes the packages in both
+# and compares them, and every file in them, byte for byte.
+#   check_reproducible.sh [PRESET...]      of windows-x64, linux-x64; without any, windows-x64
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+presets=("$@")
+if [ ${#presets[@]} -eq 0 ]; then
+  presets=(windows-x64)
+fi
+if [ -n "$(git status --porcelain)" ]; then
+  echo "note: what is not committed is not part of the check"
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+clones=("$work/one" "$work/a second directory, elsewhere")
+# The second differs in what must not matter.
+zones=(UTC Asia/Tokyo)
+masks=(022 002)
+for number in 0 1; do
+  git clone -q . "${clones[number]}"
+  echo "== build $((number + 1)) of $(git rev-parse --short HEAD) in ${clones[number]}"
+  # A compiler's cache would make the second build a copy of the first.
+  (umask "${masks[number]}" && cd "${clones[number]}" &&
+    TZ=${zones[number]} CCACHE_DISABLE=1 scripts/package.sh "${presets[@]}" >"$work/log" 2>&1) ||
+    { cat "$work/log"; exit 1; }
+done
+
+different=0
+for preset in "${presets[@]}"; do
+  for file in "${clones[0]}/build/$preset-package/packages"/* \
+    "${clones[0]}/build/$preset-package/bin"/* "${clones[0]}/build/$preset-package/simulated-sdks"/*; do
+    name=${file#"${clones[0]}/"}
+    if cmp -s "$file" "${clones[1]}/$name"; then
+      echo "same       $(sha256sum <"$file" | cut -c1-16)  $name"
+    else
+      echo "DIFFERENT  $name"
+      different=1
+    fi
+  done
+done
+exit $different

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the library, the programs and the simulated SDKs for Windows and for
+# Linux, and makes a package of each: build/<preset>/packages/. The files carry the time of the last
+# commit, so the same commit always gives the same archives.
+#   package.sh [PRESET...]      of windows-x64, linux-x64; without any, both
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/tools.sh
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
+  "${host_headers[@]}" "${package_tools[@]}" git
+
+export SOURCE_DATE_EPOCH="${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}"
+presets=("$@")
+if [ ${#presets[@]} -eq 0 ]; then
+  presets=(windows-x64 linux-x64)
+fi
+archives=()
+for preset in "${presets[@]}"; do
+  echo "== $preset: build"
+  build=build/$preset-package
+  configured=$(cmake --preset "$preset" -B "$build" -D ORVANE_BUILD_TESTS=OFF \
+    -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+  cmake --build "$build"
+  echo "== $preset: pack"
+  rm -rf "$build/packages"
+  packed=$(cpack --config "$build/CPackConfig.cmake" -B "$PWD/$build/packages" 2>&1) ||
+    { echo "$packed"; exit 1; }
+  rm -rf "$build/packages/_CPack_Packages"
+  archives+=("$build"/packages/*)
+done
+echo "== packages"
+sha256sum "${archives[@]}"

@@ -1,0 +1,278 @@
+// The C# binding with the simulated SDKs.
+//   CSharpTest SDK-DIRECTORY
+using System;
+using System.Collections.Generic;
+using System.Linq;
+using System.Runtime.InteropServices;
+using System.Text;
+using Orvane.DesktopCamera;
+
+static class CSharpTest
+{
+    [DllImport("ASICamera2")] static extern void sim_reset();
+    [DllImport("ASICamera2")] static extern int sim_command(byte[] commands);
+    [DllImport("ASICamera2")] static extern void sim_invariants(int[] invariants);
+    [DllImport("ASICamera2")] static extern int sim_render_frame(int frame, byte[] buffer, int length);
+    [DllImport("ASICamera2")] static extern int sim_get_camera(int index, byte[] camera);
+    [DllImport("ASICamera2")] static extern int sim_set_cameras(byte[] camera, int count);
+
+    static string sdks;
+    static IReadOnlyList<CameraInfo> cameras;
+
+    static void Check(bool holds, string what)
+    {
+        if (!holds)
+        {
+            throw new InvalidOperationException(what);
+        }
+    }
+
+    static void CheckEqual<T>(T expected, T got)
+    {
+        Check(Equals(expected, got), "expected " + expected + ", got " + got);
+    }
+
+    static void CheckThrows<E>(string message, Action action) where E : Exception
+    {
+        try
+        {
+            action();
+        }
+        catch (E caught)
+        {
+            CheckEqual(message, caught.Message);
+            return;
+        }
+        throw new InvalidOperationException("nothing thrown instead of " + message);
+    }
+
+    static void Command(string text)
+    {
+        CheckEqual(1, sim_command(Encoding.UTF8.GetBytes(text + "\0")));
+    }
+
+    static Camera Open(int index = 0, PixelFormat format = PixelFormat.Raw8, long exposureUs = 1000)
+    {
+        return CameraLibrary.Open(cameras[index], Settings(format, exposureUs));
+    }
+
+    static CameraSettings Settings(PixelFormat format = PixelFormat.Raw8, long exposureUs = 1000)
+    {
+        return new CameraSettings { Width = 64, Height = 48, Format = format, ExposureUs = exposureUs };
+    }
+
+    static void CheckAllClosed()
+    {
+        var invariants = new int[6];
+        sim_invariants(invariants);
+        CheckEqual("0 0 0 0 0 0", string.Join(" ", invariants));
+    }
+
+    static void CamerasOfEveryMaker()
+    {
+        ScanResult found = CameraLibrary.Scan(sdks);
+        CheckEqual("ASICamera2, PlayerOneCamera, qhyccd, toupcam", string.Join(", ", found.Libraries));
+        CheckEqual(15, found.Cameras.Count);
+        CheckEqual("", found.Error);
+        CameraInfo first = found.Cameras[0];
+        CheckEqual("0 ZWO ASI120MC-S 1280 960 12 3.75", string.Format(
+            System.Globalization.CultureInfo.InvariantCulture, "{0} {1} {2} {3} {4} {5}", first.Index,
+            first.Name, first.MaxWidth, first.MaxHeight, first.BitDepth, first.PixelSizeUm));
+        CheckEqual("1,2 0,2,1,3 8,16", string.Join(" ", new[] { first.Bins, first.Formats, first.Depths }
+            .Select(numbers => string.Join(",", numbers))));
+        Check(first.IsColor && !first.IsCooled && first.IsUsb3Camera, "flags");
+        CheckEqual(9, first.Bayer);
+        Check(first.MaxExposureUs > 1000000 && first.MaxGain > first.MinGain, "limits");
+    }
+
+    static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
+    {
+        var camera = new byte[2048];
+        CheckEqual(1, sim_get_camera(0, camera));
+        byte[] name = Encoding.UTF8.GetBytes("é\"pixelSizeUm\":nan,\\\0");
+        Array.Copy(name, camera, name.Length);
+        CheckEqual(1, sim_set_cameras(camera, 1));
+        CameraInfo found = CameraLibrary.Scan(sdks).Cameras[0];
+        CheckEqual("é\"pixelSizeUm\":nan,\\", found.Name);
+        CheckEqual(3.75, found.PixelSizeUm);
+        Command("output ASIGetCameraProperty PixelSize 1 1 nan");
+        Check(double.IsNaN(CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm), "NaN");
+        Command("output ASIGetCameraProperty PixelSize 1 1 -inf");
+        CheckEqual(double.NegativeInfinity, CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm);
+        CheckThrows<FormatException>("Not the description of a camera: {}", () => CameraInfo.FromJson("{}"));
+    }
+
+    static void WhatCannotBeReadIsTold()
+    {
+        Command("force ASIGetCameraProperty 2 1 4");
+        ScanResult found = CameraLibrary.Scan(sdks);
+        CheckEqual(12, found.Cameras.Count);
+        Check(found.Error.StartsWith("ASI"), found.Error);
+    }
+
+    static void NoScanWhileACameraIsOpenAndNoPathThatCannotBe()
+    {
+        using (Open())
+        {
+            CheckThrows<CameraException>("Stop the preview before rescanning", () => CameraLibrary.Scan(sdks));
+        }
+        CheckThrows<EncoderFallbackException>(
+            Throws<EncoderFallbackException>(() => new UTF8Encoding(false, true).GetBytes("/\ud800\0")),
+            () => CameraLibrary.Scan("/\ud800"));
+    }
+
+    static string Throws<E>(Action action) where E : Exception
+    {
+        try
+        {
+            action();
+        }
+        catch (E caught)
+        {
+            return caught.Message;
+        }
+        return "";
+    }
+
+    static void FailedOpensLeaveNothingOpen()
+    {
+        CheckThrows<CameraException>("Exposure out of range", () => Open(exposureUs: 0));
+        CheckThrows<CameraException>("Unsupported bin or format", () => Open(format: (PixelFormat)7));
+        Camera before = Open();
+        Command("force ASIStartVideoCapture 1 1 16");
+        CheckThrows<CameraException>("ASIStartVideoCapture: 16", () => Open());
+        Check(before.IsClosed, "the camera before is closed");
+    }
+
+    static void AnotherCameraClosesTheFirst()
+    {
+        Camera first = Open();
+        using (Camera second = Open(4))
+        {
+            var buffer = new byte[second.BufferSize];
+            Check(first.IsClosed, "closed");
+            CheckThrows<CameraException>("Camera closed", () => first.Read(buffer));
+            first.Dispose();
+            CheckEqual(64 * 48, second.Read(buffer).Length);
+        }
+    }
+
+    static void ClosedWhenTheBlockFails()
+    {
+        CheckThrows<InvalidOperationException>("in the block", () =>
+        {
+            using (Open())
+            {
+                throw new InvalidOperationException("in the block");
+            }
+        });
+    }
+
+    static void FramesAreTheBuffersFilledPart()
+    {
+        Command("clock stopped");
+        var buffer = new byte[64 * 48 * 2 + 5];
+        var expected = new byte[64 * 48 * 2];
+        using (Camera camera = Open(format: PixelFormat.Raw16))
+        {
+            for (int number = 0; number < 3; ++number)
+            {
+                ReadOnlySpan<byte> frame = camera.Read(buffer);
+                CheckEqual(expected.Length, sim_render_frame(number, expected, expected.Length));
+                Check(frame.SequenceEqual(expected), "frame " + number);
+                Check(frame.Overlaps(buffer), "a part of the buffer");
+            }
+        }
+    }
+
+    static void EveryMaker()
+    {
+        foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "ATR" })
+        {
+            using (Camera camera = Open(cameras.First(one => one.Name.StartsWith(prefix)).Index))
+            {
+                CheckEqual(camera.Width * camera.Height, camera.Read(new byte[camera.BufferSize]).Length);
+            }
+        }
+    }
+
+    static void TimeOuts()
+    {
+        using (Camera camera = Open())
+        {
+            var buffer = new byte[camera.BufferSize];
+            Command("force ASIGetVideoData 1 -1 11");
+            CheckEqual(0, camera.Poll(buffer, 5).Length);
+            CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
+        }
+        using (Camera camera = Open(cameras.First(one => one.Name.StartsWith("QHY")).Index, exposureUs: 60000000))
+        {
+            var buffer = new byte[camera.BufferSize];
+            CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
+        }
+    }
+
+    static void FailedReadsLeaveTheCameraOpen()
+    {
+        using (Camera camera = Open())
+        {
+            var buffer = new byte[camera.BufferSize];
+            Command("force ASIGetVideoData 1 1 4");
+            CheckThrows<CameraException>("ASIGetVideoData: 4", () => camera.Read(buffer));
+            CheckThrows<CameraException>("Camera closed or buffer too small",
+                                         () => camera.Read(new byte[buffer.Length - 1]));
+            CheckThrows<CameraException>("Camera closed or buffer too small",
+                                         () => camera.Read(Span<byte>.Empty));
+            CheckEqual(64 * 48, camera.Read(buffer).Length);
+            Command("unplug 0 ASIGetVideoData 0");
+            Check(Throws<CameraException>(() => camera.Read(buffer)).StartsWith("ASIGetVideoData: "), "unplugged");
+        }
+    }
+
+    static void SettingsAndTemperature()
+    {
+        Camera camera = Open();
+        camera.Apply(2000, 7, 3);
+        CheckThrows<CameraException>("Exposure out of range", () => camera.Apply(0, 0, 0));
+        Command("force ASISetControlValue 2 1 8");
+        CheckThrows<CameraException>("ASI gain: 8", () => camera.Apply(1000, 0, 0));
+        Check(camera.Temperature > -50 && camera.Temperature < 50, "temperature");
+        camera.Dispose();
+        camera.Dispose();
+        Check(double.IsNaN(camera.Temperature), "no temperature");
+        CheckThrows<CameraException>("Camera closed", () => camera.Apply(1000, 0, 0));
+    }
+
+    static int Main(string[] arguments)
+    {
+        sdks = arguments[0];
+        CameraLibrary.Scan(sdks);
+        var tests = new Action[]
+        {
+            CamerasOfEveryMaker, NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers,
+            WhatCannotBeReadIsTold, NoScanWhileACameraIsOpenAndNoPathThatCannotBe,
+            FailedOpensLeaveNothingOpen, AnotherCameraClosesTheFirst, ClosedWhenTheBlockFails,
+            FramesAreTheBuffersFilledPart, EveryMaker, TimeOuts, FailedReadsLeaveTheCameraOpen,
+            SettingsAndTemperature
+        };
+        int failed = 0;
+        foreach (Action test in tests)
+        {
+            try
+            {
+                sim_reset();
+                cameras = CameraLibrary.Scan(sdks).Cameras;
+                test();
+                CheckAllClosed();
+            }
+            catch (Exception failure)
+            {
+                ++failed;
+                Console.WriteLine("FAILED: " + test.Method.Name + ": " + failure);
+                CameraLibrary.OpenCamera?.Dispose();
+            }
+        }
+        Console.WriteLine(tests.Length + " tests, " + (failed == 0 ? "all passed" : failed + " failed"));
+        return failed == 0 ? 0 : 1;
+    }
+}

@@ -1,0 +1,19 @@
+/* The header for programs that load the library at run time compiles as C11, on its own and twice.
+ */
+#include "orvane_desktop_camera_loader.h"
+
+/* The guard holds. */
+#include "orvane_desktop_camera_loader.h"
+
+int loadAndScan(const char* file);
+
+int loadAndScan(const char* file) {
+  OrvaneDesktopCamera camera;
+  int count;
+  if (!orvane_desktop_camera_load(&camera, file, NULL, 0)) {
+    return -1;
+  }
+  count = camera.scan();
+  orvane_desktop_camera_unload(&camera);
+  return count;
+}

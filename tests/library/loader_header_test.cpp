@@ -1,0 +1,116 @@
+// The header for programs that load the library at run time.
+#include "orvane_desktop_camera_loader.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+
+#include "support/sdk_directory.hpp"
+
+namespace orvane::testing {
+namespace {
+
+std::string utf8(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+void expectNothingLoaded(const OrvaneDesktopCamera& camera) {
+  EXPECT_EQ(camera.module, nullptr);
+  EXPECT_EQ(camera.library_dir, nullptr);
+  EXPECT_EQ(camera.scan, nullptr);
+  EXPECT_EQ(camera.error, nullptr);
+}
+
+class LoaderHeader : public ::testing::Test {
+ protected:
+  bool load(const std::filesystem::path& file) {
+    return orvane_desktop_camera_load(&camera_, utf8(file).c_str(), message_, sizeof message_) == 1;
+  }
+
+  OrvaneDesktopCamera camera_;
+  char message_[4096] = "before";
+};
+
+TEST_F(LoaderHeader, LoadsFromAPathWithBlanksAndAccentsAndEveryMemberWorks) {
+  const SdkDirectory sdks;
+  sdks.add("ASICamera2");
+  const std::filesystem::path directory = sdks.path() / std::filesystem::path(u8"Äußere Schicht é");
+  std::filesystem::create_directories(directory);
+  const std::filesystem::path file =
+      directory / std::filesystem::path(ORVANE_LIBRARY_FILE).filename();
+  std::filesystem::copy_file(ORVANE_LIBRARY_FILE, file,
+                             std::filesystem::copy_options::overwrite_existing);
+  ASSERT_TRUE(load(file)) << message_;
+  EXPECT_STREQ(message_, "");
+
+  camera_.library_dir(sdks.utf8().c_str());
+  ASSERT_GT(camera_.scan(), 0);
+  EXPECT_STREQ(camera_.libraries(), "ASICamera2");
+  EXPECT_STREQ(camera_.error(), "");
+  EXPECT_STREQ(camera_.info(-1), "{}");
+  ASSERT_EQ(camera_.open(0, 64, 32, 1, 0, 1000, 0, 0), 1) << camera_.error();
+  EXPECT_EQ(camera_.width(), 64);
+  EXPECT_EQ(camera_.height(), 32);
+  ASSERT_EQ(camera_.buffer_size(), 64 * 32);
+  uint8_t frame[static_cast<std::size_t>(64) * 32];
+  int bytes = 0;
+  for (int attempt = 0; attempt < 20 && bytes == 0; ++attempt) {
+    bytes = camera_.read(frame, sizeof frame, 500);
+  }
+  EXPECT_EQ(bytes, 64 * 32);
+  EXPECT_EQ(camera_.apply(2000, 0, 0), 1);
+  const double celsius = camera_.temperature();
+  EXPECT_GT(celsius, -100.0);
+  EXPECT_LT(celsius, 100.0);
+  camera_.close();
+  EXPECT_EQ(camera_.buffer_size(), 0);
+  orvane_desktop_camera_unload(&camera_);
+  expectNothingLoaded(camera_);
+}
+
+TEST_F(LoaderHeader, AFileThatIsNotThereIsNamed) {
+  const std::filesystem::path file = SdkDirectory().path() / "nowhere.dll";
+  EXPECT_FALSE(load(file));
+  EXPECT_EQ(message_, "Cannot load " + utf8(file));
+  expectNothingLoaded(camera_);
+}
+
+TEST_F(LoaderHeader, TheFirstFunctionThatALibraryLacksIsNamed) {
+  const SdkDirectory sdks;
+  sdks.add("toupcam");
+  const std::filesystem::path file = sdks.file("toupcam");
+  EXPECT_FALSE(load(file));
+  EXPECT_EQ(message_, utf8(file) + " has no function oc_library_dir");
+  expectNothingLoaded(camera_);
+}
+
+TEST_F(LoaderHeader, AMessageIsCutDownToFitAndMayBeLeftOut) {
+  EXPECT_EQ(orvane_desktop_camera_load(&camera_, "/nowhere", message_, 12), 0);
+  EXPECT_STREQ(message_, "Cannot load");
+  EXPECT_EQ(orvane_desktop_camera_load(&camera_, "/nowhere", nullptr, 0), 0);
+  EXPECT_EQ(orvane_desktop_camera_load(&camera_, "/nowhere", message_, 0), 0);
+  EXPECT_STREQ(message_, "Cannot load");
+  expectNothingLoaded(camera_);
+}
+
+TEST_F(LoaderHeader, UnloadingTwiceIsNoError) {
+  ASSERT_TRUE(load(ORVANE_LIBRARY_FILE)) << message_;
+  orvane_desktop_camera_unload(&camera_);
+  orvane_desktop_camera_unload(&camera_);
+  expectNothingLoaded(camera_);
+}
+
+#ifdef _WIN32
+TEST_F(LoaderHeader, OnWindowsAPathThatIsNotFullOrNotUtf8IsRefused) {
+  EXPECT_FALSE(load("orvane_desktop_camera.dll"));
+  EXPECT_STREQ(message_, "Cannot load orvane_desktop_camera.dll");
+  EXPECT_EQ(orvane_desktop_camera_load(&camera_, "C:\\\xff.dll", message_, sizeof message_), 0);
+  expectNothingLoaded(camera_);
+}
+#endif
+
+}  // namespace
+}  // namespace orvane::testing
