@@ -9,6 +9,7 @@
 #include "common/failures.hpp"
 #include "common/ser_writer.hpp"
 #include "common/text.hpp"
+#include "oc_capture/simulated_scene.hpp"
 
 namespace orvane::host {
 
@@ -41,6 +42,7 @@ void addSdkOption(CLI::App& command, std::string& directory) {
   command.add_option("--sdk", directory, "Directory with the makers' SDK libraries")
       ->required()
       ->type_name("DIR");
+  addSceneOption(command);
 }
 
 void addRecordOptions(CLI::App& command, RecordCommand& record, RecordTexts& texts) {
