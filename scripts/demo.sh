@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the Windows library, its host program and the simulated SDKs, and
-# runs them through Wine: lists the cameras and records from one camera of each maker into
-# demo-output/.
+# runs them through Wine: lists the cameras, records from one camera of each maker into demo-output/,
+# and records once more from a camera that looks at one of these recordings.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -49,6 +49,19 @@ for recording in "${recordings[@]}"; do
   table+=$(printf '\n%-16s %-6s %6s %12s %9s %12s  %s' "$camera" "$format" "$frames" \
     "$width x $height" "$fps" "$(stat -c %s "$out/$name.ser")" "$out/$name.ser")
 done
+
+echo
+echo "== a camera that looks at a recording"
+# In the middle of its gain range, with 20 ms and no offset, a camera shows a recording as it is.
+ORVANE_SIMULATOR="clock stopped" capture record --sdk "$sdk" --camera ASI120MC-S --format raw16 \
+  --gain 50 --offset 0 --frames 10 --scene "$out/zwo-raw16.ser" --out "$out/zwo-played.ser"
+# All samples stand behind a header of 178 bytes.
+if cmp --ignore-initial=178 --bytes=$((10 * 1280 * 960 * 2)) "$out"/zwo-{raw16,played}.ser; then
+  echo "$out/zwo-played.ser has the samples of $out/zwo-raw16.ser."
+else
+  echo "$out/zwo-played.ser should have the samples of $out/zwo-raw16.ser." >&2
+  exit 1
+fi
 
 echo
 echo "$table"

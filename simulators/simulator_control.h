@@ -127,9 +127,10 @@ ORVANE_SIMULATOR_API void sim_set_seed(uint64_t seed);
  * The recording goes through the camera's region, binning and formats, and colour and mono, mosaics
  * and bit depths are converted into each other. With an exposure of 20 ms, the middle of the gain
  * range and offset 0, raw frames of a camera whose mosaic and bit depth are the recording's hold
- * its samples byte by byte; other settings scale them as they would light. No noise is added: the
- * recording has its own. One that is smaller than the sensor lies at its top left corner, and the
- * rest is dark; of a larger one the sensor sees the middle.
+ * its samples byte by byte (cameras with their samples at the top of 16 bits: also those of a
+ * recording that states 16 bits); other settings scale them as they would light. No noise is added:
+ * the recording has its own. One that is smaller than the sensor lies at its top left corner, and
+ * the rest is dark; of a larger one the sensor sees the middle.
  *
  * A header is believed as far as the file bears it out: a recording that was broken off plays the
  * frames that are there. */

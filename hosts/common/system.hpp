@@ -49,4 +49,10 @@ bool seekFile(std::FILE* file, std::int64_t position);
 /// Cuts the file off; false with errno set where that fails.
 bool truncateFile(std::FILE* file, std::int64_t size);
 
+/// An environment variable in UTF-8; empty where there is none.
+std::string environmentVariable(const char* name);
+
+/// Sets an environment variable of this process, for libraries that are loaded later on.
+void setEnvironmentVariable(const char* name, const std::string& value);
+
 }  // namespace orvane::host

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 #include "common/system.hpp"
 
@@ -83,6 +84,16 @@ bool seekFile(std::FILE* file, std::int64_t position) {
 
 bool truncateFile(std::FILE* file, std::int64_t size) {
   return ftruncate(fileno(file), size) == 0;
+}
+
+std::string environmentVariable(const char* name) {
+  // Only the main thread uses the environment, before it loads any SDK.
+  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  return value == nullptr ? "" : value;
+}
+
+void setEnvironmentVariable(const char* name, const std::string& value) {
+  setenv(name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): as above
 }
 
 }  // namespace orvane::host

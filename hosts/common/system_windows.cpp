@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "common/system.hpp"
+#include "common/text.hpp"
 
 namespace orvane::host {
 
@@ -40,6 +41,10 @@ std::string utf8FromWide(const wchar_t* text) {
   WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), length, nullptr, nullptr);
   utf8.pop_back();  // the terminator
   return utf8;
+}
+
+std::wstring wideFromUtf8(const std::string& text) {
+  return pathFromUtf8(text).wstring();
 }
 
 }  // namespace
@@ -111,6 +116,17 @@ bool truncateFile(std::FILE* file, std::int64_t size) {
     errno = error;
   }
   return error == 0;
+}
+
+std::string environmentVariable(const char* name) {
+  const std::wstring wideName = wideFromUtf8(name);
+  std::wstring value(GetEnvironmentVariableW(wideName.c_str(), nullptr, 0), L'\0');
+  GetEnvironmentVariableW(wideName.c_str(), value.data(), static_cast<DWORD>(value.size()));
+  return value.empty() ? "" : utf8FromWide(value.c_str());
+}
+
+void setEnvironmentVariable(const char* name, const std::string& value) {
+  SetEnvironmentVariableW(wideFromUtf8(name).c_str(), wideFromUtf8(value).c_str());
 }
 
 }  // namespace orvane::host

@@ -3,6 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "oc_capture/simulated_scene.hpp"
+
 namespace orvane::host {
 
 namespace {
@@ -45,6 +47,7 @@ CLI::Option& Subcommand::add(const char* name, std::optional<std::string>& text,
 
 void Subcommand::addSdk(std::string& directory) {
   add("--sdk", directory, "DIR", "Directory with the makers' SDK libraries").required();
+  addSceneOption(parser_);
 }
 
 CLI::Option& Subcommand::addCamera(CameraTexts& texts) {

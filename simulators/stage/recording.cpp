@@ -151,6 +151,25 @@ float Recording::light(std::size_t plane, std::int32_t x, std::int32_t y) const 
 
 // The average of the pixels around that have the filter.
 float Recording::ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
+  const bool isInside = x > 0 && y > 0 && x + 1 < format_.width && y + 1 < format_.height;
+  return isInside ? ofAllNeighbours(plane, x, y) : ofNeighboursAtTheEdge(plane, x, y);
+}
+
+// They lie left and right, above and below, or in the corners.
+float Recording::ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
+  const bool isBeside = filterPlane(format_.mosaic, x + 1, y) == plane;
+  const bool isAbove = filterPlane(format_.mosaic, x, y + 1) == plane;
+  if (!isBeside && !isAbove) {
+    return (sample(x - 1, y - 1, 0) + sample(x + 1, y - 1, 0) + sample(x - 1, y + 1, 0) +
+            sample(x + 1, y + 1, 0)) /
+           4;
+  }
+  const float beside = sample(x - 1, y, 0) + sample(x + 1, y, 0);
+  const float above = sample(x, y - 1, 0) + sample(x, y + 1, 0);
+  return isBeside && isAbove ? (beside + above) / 4 : (isBeside ? beside : above) / 2;
+}
+
+float Recording::ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::int32_t y) const {
   float sum = 0;
   float count = 0;
   for (std::int32_t row = std::max(y - 1, 0); row <= std::min(y + 1, format_.height - 1); ++row) {

@@ -60,6 +60,8 @@ class Recording {
   static std::string readFormat(const Header& header, std::int64_t fileSize, Format& format);
   float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
   float ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
+  float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
+  float ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::int32_t y) const;
   void read(std::int64_t frame);
 
   File file_;

@@ -264,6 +264,18 @@ TEST_F(PlaybackTest, MosaicGivesThreeColorFrames) {
   EXPECT_EQ(sampleAt(5, 5), evenBrightness);
 }
 
+// Between the pixels of one filter the light is drawn straight.
+TEST_F(PlaybackTest, MosaicIsFilledInFromTheNeighbours) {
+  start(asi);
+  ASSERT_EQ(play(drawnRecording(8, 100, 100, [](int x, int y) { return x + y; })), 1);
+  ASSERT_EQ(open(2), 1) << error();
+  for (const auto& [x, y] : {std::pair{10, 20}, {11, 20}, {10, 21}, {11, 21}, {1, 1}, {98, 98}}) {
+    for (const int channel : {0, 1, 2}) {
+      EXPECT_EQ(sampleAt(x, y, channel, 3), x + y) << x << " " << y << " " << channel;
+    }
+  }
+}
+
 TEST_F(PlaybackTest, MosaicIsTurnedIntoTheCamerasOwn) {
   start({"ASICamera2", 1, 100, 16, 4});  // BGGR
   ASSERT_EQ(play(drawnRecording(8, 320, 202, evenMosaic)), 1);
