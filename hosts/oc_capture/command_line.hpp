@@ -5,10 +5,12 @@
 #include <variant>
 #include <vector>
 
+#include "oc_capture/bench_options.hpp"
 #include "oc_capture/list_options.hpp"
 #include "oc_capture/play_options.hpp"
 #include "oc_capture/record_options.hpp"
 #include "oc_capture/snap_options.hpp"
+#include "oc_capture/watch_options.hpp"
 
 namespace orvane::host {
 
@@ -21,7 +23,9 @@ using Command = std::variant<HelpText,       //
                              ListCommand,    //
                              RecordCommand,  //
                              SnapCommand,    //
-                             PlayCommand>;
+                             PlayCommand,    //
+                             BenchCommand,   //
+                             WatchCommand>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
 Command parseCommandLine(std::vector<std::string> arguments);

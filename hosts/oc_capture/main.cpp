@@ -7,11 +7,13 @@
 
 #include "common/failures.hpp"
 #include "common/system.hpp"
+#include "oc_capture/bench_command.hpp"
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/list_command.hpp"
 #include "oc_capture/play_command.hpp"
 #include "oc_capture/record_command.hpp"
 #include "oc_capture/snap_command.hpp"
+#include "oc_capture/watch_command.hpp"
 
 namespace orvane::host {
 
@@ -42,6 +44,15 @@ int carryOut(const SnapCommand& command) {
 
 int carryOut(const PlayCommand& command) {
   play(command);
+  return done;
+}
+
+int carryOut(const BenchCommand& command) {
+  return bench(command);
+}
+
+int carryOut(const WatchCommand& command) {
+  watch(command);
   return done;
 }
 
