@@ -90,8 +90,8 @@ class Bench {
     CameraSession session(camera_.description, camera_.settings);
     result_.layout = session.layout();
     FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(command_.camera.discard);
-    source.discard(1);
+    source.discard(command_.camera.discard, line_);
+    source.discard(1, line_);
     const std::int64_t notReadyBefore = source.notReadyAnswers();
     const Clock::time_point start = Clock::now();
     const Clock::time_point end = start + std::chrono::microseconds(command_.durationUs);

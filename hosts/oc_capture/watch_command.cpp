@@ -95,7 +95,7 @@ class Watch {
     CameraSession session(camera_.description, camera_.settings);
     summary_.layout = correctedLayout(session.layout(), command_.camera.correction);
     FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(command_.camera.discard);
+    source.discard(command_.camera.discard, line_);
     const Clock::time_point start = Clock::now();
     const auto elapsed = [&] { return Clock::now() - start; };
     while (!stopRequested() && !isComplete(elapsed())) {
