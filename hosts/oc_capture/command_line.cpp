@@ -36,7 +36,7 @@ UsageError usageError(const CLI::ParseError& error, const CLI::App& app) {
 }  // namespace
 
 Command parseCommandLine(std::vector<std::string> arguments) {
-  CLI::App app("Lists astronomy cameras and records from them.", "oc_capture");
+  CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer("\"oc_capture COMMAND --help\" tells about one of them, with examples.");
@@ -44,6 +44,8 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   const ListOptions list(app);
   const RecordOptions record(app);
   const SnapOptions snap(app);
+  const BenchOptions bench(app);
+  const WatchOptions watch(app);
   const PlayOptions play(app);
   const DoctorOptions doctor(app);
 
@@ -66,6 +68,12 @@ Command parseCommandLine(std::vector<std::string> arguments) {
   }
   if (doctor.isGiven()) {
     return doctor.command();
+  }
+  if (bench.isGiven()) {
+    return bench.command();
+  }
+  if (watch.isGiven()) {
+    return watch.command();
   }
   return record.command();
 }

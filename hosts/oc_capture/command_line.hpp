@@ -5,11 +5,13 @@
 #include <variant>
 #include <vector>
 
+#include "oc_capture/bench_options.hpp"
 #include "oc_capture/doctor_options.hpp"
 #include "oc_capture/list_options.hpp"
 #include "oc_capture/play_options.hpp"
 #include "oc_capture/record_options.hpp"
 #include "oc_capture/snap_options.hpp"
+#include "oc_capture/watch_options.hpp"
 
 namespace orvane::host {
 
@@ -23,6 +25,8 @@ using Command = std::variant<HelpText,       //
                              RecordCommand,  //
                              SnapCommand,    //
                              PlayCommand,    //
+                             BenchCommand,   //
+                             WatchCommand,   //
                              DoctorCommand>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.

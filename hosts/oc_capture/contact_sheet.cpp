@@ -54,7 +54,7 @@ ScreenImage thumbnail(const SerReader& recording, std::int32_t frame,
 }  // namespace
 
 ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
-                         const std::string& title, const std::string& subtitle) {
+                         const std::string& title, const std::string& subtitle, StatusLine& line) {
   std::vector<ScreenImage> pictures;
   const std::vector<std::int32_t> frames = chosenFrames(recording.facts().frames);
   int width = 1;
@@ -63,6 +63,10 @@ ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& corr
     pictures.push_back(thumbnail(recording, frame, correction));
     width = std::max(width, pictures.back().width);
     height = std::max(height, pictures.back().height);
+    if (line.isDue()) {
+      line.show("Contact sheet: " + std::to_string(pictures.size()) + " of " +
+                std::to_string(frames.size()) + " frames");
+    }
   }
   // Captions have room below frames however narrow.
   const int cellWidth = std::max(width, 200) + margin;

@@ -6,6 +6,7 @@
 #include "common/frame_correction.hpp"
 #include "common/image.hpp"
 #include "common/ser_reader.hpp"
+#include "oc_capture/status_line.hpp"
 
 namespace orvane::host {
 
@@ -13,6 +14,6 @@ namespace orvane::host {
 /// (from 0 on) and its time since the first. Throws UsageError where the frames cannot be corrected
 /// so, std::runtime_error where they cannot be read.
 ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
-                         const std::string& title, const std::string& subtitle);
+                         const std::string& title, const std::string& subtitle, StatusLine& line);
 
 }  // namespace orvane::host

@@ -40,9 +40,13 @@ std::span<std::uint8_t> FrameSource::poll() {
   return frame;
 }
 
-void FrameSource::discard(int frames) {
+void FrameSource::discard(int frames, StatusLine& line) {
   for (int discarded = 0; discarded < frames && !stopRequested();) {
     discarded += poll().empty() ? 0 : 1;
+    if (line.isDue()) {
+      line.show("Waiting: " + std::to_string(discarded) + " of " + std::to_string(frames) +
+                " frames are thrown away");
+    }
   }
 }
 

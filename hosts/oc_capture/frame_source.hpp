@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "oc_capture/camera_session.hpp"
+#include "oc_capture/status_line.hpp"
 
 namespace orvane::host {
 
@@ -24,8 +25,9 @@ class FrameSource {
   /// or when the camera fails, a CameraError is thrown.
   std::span<std::uint8_t> poll();
 
-  /// Throws away this number of frames, or fewer when the user wants to stop. Throws as poll().
-  void discard(int frames);
+  /// Throws away this number of frames, or fewer when the user wants to stop, and shows how far
+  /// that is. Throws as poll().
+  void discard(int frames, StatusLine& line);
 
   /// The buffer that frames are read into. It may be exchanged for another of its size.
   std::vector<std::uint8_t>& buffer() { return buffer_; }

@@ -7,12 +7,14 @@
 
 #include "common/failures.hpp"
 #include "common/system.hpp"
+#include "oc_capture/bench_command.hpp"
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/doctor_command.hpp"
 #include "oc_capture/list_command.hpp"
 #include "oc_capture/play_command.hpp"
 #include "oc_capture/record_command.hpp"
 #include "oc_capture/snap_command.hpp"
+#include "oc_capture/watch_command.hpp"
 
 namespace orvane::host {
 
@@ -48,6 +50,15 @@ int carryOut(const PlayCommand& command) {
 
 int carryOut(const DoctorCommand& command) {
   return examineSdks(command);
+}
+
+int carryOut(const BenchCommand& command) {
+  return bench(command);
+}
+
+int carryOut(const WatchCommand& command) {
+  watch(command);
+  return done;
 }
 
 int report(const std::exception& error, int status) {

@@ -16,6 +16,7 @@
 #include "common/utc_text.hpp"
 #include "oc_capture/contact_sheet.hpp"
 #include "oc_capture/output_path.hpp"
+#include "oc_capture/status_line.hpp"
 
 namespace orvane::host {
 
@@ -153,9 +154,10 @@ void play(const PlayCommand& command) {
   if (command.sheet) {
     const std::string rate =
         timing ? ", " + decimal(timing->framesPerSecond, 1) + " frames/s" : std::string();
+    StatusLine line(command.reporting.isQuiet);
     writePng(*command.sheet,
              contactSheet(recording, command.correction, utf8FromPath(command.file.filename()),
-                          shape(facts) + rate));
+                          shape(facts) + rate, line));
   }
   if (command.reporting.asJson) {
     reportJson(command, facts, timing);

@@ -31,6 +31,9 @@ class Progress {
 
   void show(const RecordingState& state);
 
+  /// For what is shown before.
+  StatusLine& line() { return line_; }
+
  private:
   StatusLine line_;
   RecordingState shown_;

@@ -63,7 +63,7 @@ class RecordingSession {
 
   // Whatever happens once the file is there is told in the result.
   Recording run() {
-    source_.discard(command_.camera.discard);
+    source_.discard(command_.camera.discard, progress_.line());
     SerRecorder recorder(command_.file, serDescription(command_, camera_.description, layout_),
                          {session_->layout(), command_.camera.correction, session_->bufferSize(),
                           command_.waitingBytes});

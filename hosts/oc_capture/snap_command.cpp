@@ -111,6 +111,11 @@ void snap(const SnapCommand& command) {
   if (command.isFits) {
     writeFits(command.file, snapshot.frame, fitsDescription(command, camera, snapshot));
   } else {
+    StatusLine line(command.reporting.isQuiet);
+    constexpr std::size_t large = 8'000'000;  // bytes, whose compression takes a moment
+    if (snapshot.frame.size() > large) {
+      line.show("Making the picture");
+    }
     constexpr int anySize = 1 << 20;
     writePng(command.file, previewOf(snapshot.frame, snapshot.layout, anySize));
   }

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace orvane::host {
 
@@ -54,6 +56,66 @@ TEST_P(EveryMosaic, EveryPixelKeepsTheColourThatItsSensorSaw) {
       const char colour = colourAt(x, y);
       const std::size_t channel = colour == 'R' ? 0 : colour == 'G' ? 1 : 2;
       EXPECT_EQ(pixelAt(image, x, y).at(channel), 1000 * (y * 5 + x)) << x << ", " << y;
+    }
+  }
+}
+
+// A colour that a pixel lacks is the mean of what surrounds it in that colour, of all eight
+// neighbours; beyond the border stands what a mirror on the border's pixels shows.
+class NeighbourMeans {
+ public:
+  NeighbourMeans(const Image& mosaic, const char* colours) : mosaic_(mosaic), colours_(colours) {}
+
+  int at(int x, int y, char wanted) const {
+    if (colour(x, y) == wanted) {
+      return sample(x, y);
+    }
+    int sum = 0;
+    int count = 0;
+    for (int dy = -1; dy <= 1; ++dy) {
+      for (int dx = -1; dx <= 1; ++dx) {
+        const int column = mirrored(x + dx, mosaic_.width);
+        const int row = mirrored(y + dy, mosaic_.height);
+        if (colour(column, row) == wanted) {
+          sum += sample(column, row);
+          ++count;
+        }
+      }
+    }
+    return (2 * sum + count) / (2 * count);
+  }
+
+ private:
+  static int mirrored(int at, int size) { return at < 0 ? 1 : at == size ? size - 2 : at; }
+  char colour(int x, int y) const { return colours_[2 * (y % 2) + x % 2]; }
+  int sample(int x, int y) const {
+    return mosaic_.samples[static_cast<std::size_t>(y * mosaic_.width + x)];
+  }
+
+  const Image& mosaic_;
+  const char* colours_;
+};
+
+TEST_P(EveryMosaic, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
+  for (const PixelFormat format : {PixelFormat::Raw8, PixelFormat::Raw16}) {
+    for (const auto& [width, height] : {std::pair(7, 5), std::pair(6, 4), std::pair(2, 2)}) {
+      const FrameLayout layout{width, height, format, GetParam()};
+      std::vector<std::uint8_t> frame(frameBytes(layout));
+      std::uint32_t noise = 12345;
+      for (std::uint8_t& byte : frame) {
+        noise = noise * 1664525U + 1013904223U;
+        byte = static_cast<std::uint8_t>(noise >> 24U);
+      }
+      const Image mosaic = imageFromFrame(frame, layout);
+      const Image image = debayer(mosaic, GetParam());
+      const NeighbourMeans expected(mosaic, mosaicName(GetParam()));
+      for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+          EXPECT_EQ(pixelAt(image, x, y),
+                    (Rgb{expected.at(x, y, 'R'), expected.at(x, y, 'G'), expected.at(x, y, 'B')}))
+              << formatName(format) << " " << width << " x " << height << ": " << x << ", " << y;
+        }
+      }
     }
   }
 }

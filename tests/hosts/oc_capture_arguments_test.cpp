@@ -36,8 +36,11 @@ TEST_P(WrongCommandLine, GetsOneSentence) {
 INSTANTIATE_TEST_SUITE_P(
     Arguments, WrongCommandLine,
     ::testing::Values(
-        WrongArguments{"Nothing", {}, "Say what to do: list, record, snap, play or doctor."},
-        WrongArguments{"UnknownCommand", {"dance"}, "Say what to do: list, record, snap, play or doctor."},
+        WrongArguments{
+            "Nothing", {}, "Say what to do: list, record, snap, bench, watch, play or doctor."},
+        WrongArguments{"UnknownCommand",
+                       {"dance"},
+                       "Say what to do: list, record, snap, bench, watch, play or doctor."},
         WrongArguments{"ListWithoutSdk", {"list"}, "--sdk is required."},
         WrongArguments{"DoctorWithoutSdk", {"doctor"}, "--sdk is required."},
         WrongArguments{"ListWithMore",
@@ -52,6 +55,43 @@ INSTANTIATE_TEST_SUITE_P(
         WrongArguments{"RecordWithoutCamera",
                        {"record", "--sdk", ".", "--out", "a.ser"},
                        "--camera is required."},
+        WrongArguments{
+            "SnapWithoutOut", {"snap", "--sdk", ".", "--camera", "0"}, "--out is required."},
+        WrongArguments{"SnapEnding",
+                       {"snap", "--sdk", ".", "--camera", "0", "--out", "a.jpg"},
+                       "--out needs a file name that ends in .png, .fits or .fit, not "
+                       "\"a.jpg\"."},
+        WrongArguments{"SnapDirectory",
+                       {"snap", "--sdk", ".", "--camera", "0", "--out", "missing/a.png"},
+                       "There is no directory \"missing\"."},
+        WrongArguments{"BenchWithoutSdk", {"bench"}, "--sdk is required."},
+        WrongArguments{"BenchSeconds",
+                       {"bench", "--sdk", ".", "--seconds", "0"},
+                       "--seconds needs a number of seconds above 0, such as 30 or 1.5, not "
+                       "\"0\"."},
+        WrongArguments{"BenchEnding",
+                       {"bench", "--sdk", ".", "--out", "a.svg"},
+                       "--out needs a file name that ends in .png, not \"a.svg\"."},
+        WrongArguments{
+            "BenchSdk", {"bench", "--sdk", "missing"}, "There is no directory \"missing\"."},
+        WrongArguments{"WatchWithoutCamera", {"watch", "--sdk", "."}, "--camera is required."},
+        WrongArguments{"WatchFrames",
+                       {"watch", "--sdk", ".", "--camera", "0", "--frames", "-1"},
+                       "--frames needs a whole number from 1 to 2147483647, not \"-1\"."},
+        WrongArguments{"WatchFramesAndSeconds",
+                       {"watch", "--sdk", ".", "--camera", "0", "--frames", "1", "--seconds", "1"},
+                       "--frames and --seconds cannot be given together."},
+        WrongArguments{"WatchEnding",
+                       {"watch", "--sdk", ".", "--camera", "0", "--out", "plot"},
+                       "--out needs a file name that ends in .png, not \"plot\"."},
+        WrongArguments{"PlayWithoutFile", {"play"}, "FILE.ser is required."},
+        WrongArguments{"PlayMissing", {"play", "missing.ser"}, "There is no file \"missing.ser\"."},
+        WrongArguments{"PlayBayer",
+                       {"play", "missing.ser", "--bayer", "RGB"},
+                       "--bayer needs RGGB, GRBG, GBRG, BGGR or none, not \"RGB\"."},
+        WrongArguments{"PlayEnding",
+                       {"play", "missing.ser", "--out", "sheet.jpg"},
+                       "--out needs a file name that ends in .png, not \"sheet.jpg\"."},
         WrongArguments{"TwoCommands",
                        {"list", "--sdk", ".", "record"},
                        "The following argument was not expected: record."}),
@@ -110,6 +150,16 @@ INSTANTIATE_TEST_SUITE_P(
         WrongArguments{"FramesAndSeconds",
                        {"--frames", "5", "--seconds", "5"},
                        "--frames and --seconds cannot be given together."},
+        WrongArguments{"Discard",
+                       {"--discard", "-1"},
+                       "--discard needs a whole number from 0 to 2147483647, not \"-1\"."},
+        WrongArguments{"Bayer",
+                       {"--bayer", "RGBG"},
+                       "--bayer needs RGGB, GRBG, GBRG, BGGR or none, not \"RGBG\"."},
+        WrongArguments{"Memory",
+                       {"--memory", "0"},
+                       "--memory needs a whole number from 1 to 1048576, not \"0\"."},
+        WrongArguments{"Ending", {"--quiet", "--flip=maybe"}, "Could not convert: --flip = maybe."},
         WrongArguments{"CameraTwice", {"--camera", "1"}, "--camera needs one value."}),
     caseName);
 
@@ -135,6 +185,10 @@ INSTANTIATE_TEST_SUITE_P(
             "GainBelow", {"--gain", "-1"}, "--gain can be 0 to 100 with ZWO ASI120MC-S."},
         WrongArguments{
             "GainAbove", {"--gain", "101"}, "--gain can be 0 to 100 with ZWO ASI120MC-S."},
+        WrongArguments{"SwapOfRaw", {"--swap-rb"}, "--swap-rb needs frames in rgb24."},
+        WrongArguments{"BayerOfColours",
+                       {"--format", "rgb24", "--bayer", "RGGB"},
+                       "--bayer needs frames in raw8 or raw16."},
         WrongArguments{"Exposure",
                        {"--exposure", "1001s"},
                        "--exposure can be 1000s at most with ZWO ASI120MC-S."}),
@@ -143,8 +197,12 @@ INSTANTIATE_TEST_SUITE_P(
 class OcCaptureArguments : public OcCaptureTest {};
 
 TEST_F(OcCaptureArguments, HelpIsNoError) {
-  for (const auto& arguments : std::vector<std::vector<std::string>>{
-           {"--help"}, {"-h"}, {"list", "--help"}, {"record", "--help"}, {"doctor", "--help"}}) {
+  for (const auto& arguments : std::vector<std::vector<std::string>>{{"--help"},
+                                                                     {"-h"},
+                                                                     {"list", "--help"},
+                                                                     {"record", "--help"},
+                                                                     {"play", "-h"},
+                                                                     {"doctor", "--help"}}) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.out.find("Usage: oc_capture"), std::string::npos) << result.out;

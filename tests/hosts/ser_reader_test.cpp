@@ -6,6 +6,7 @@
 #include <fstream>
 #include <limits>
 
+#include "common/output_file.hpp"
 #include "common/ser_writer.hpp"
 #include "scratch_directory.hpp"
 
@@ -136,6 +137,24 @@ TEST_F(SerReaderTest, AFileWithoutTimeStamps) {
   EXPECT_TRUE(reader.facts().timeStamps.empty());
   EXPECT_EQ(reader.facts().unusedBytes, 7);
   EXPECT_EQ(open(Header{}.text() + "ab" + nuls(8) + "more").facts().unusedBytes, 4);
+}
+
+TEST_F(SerReaderTest, ReadsBeyondFourGibibytes) {
+  constexpr std::int32_t frames = 5000;
+  constexpr std::int32_t side = 1000;
+  const std::string header = Header{0, 0, side, side, 8, frames}.text();
+  {
+    OutputFile file(path);
+    file.writeAt(0, Bytes(header.begin(), header.end()));
+    // The frames before are a hole, which takes no space.
+    file.writeAt(178 + std::int64_t{frames - 1} * side * side, Bytes(side * side, 77));
+  }
+  const SerReader reader(path);
+  Bytes frame(reader.frameBytes());
+  reader.readFrame(frames - 1, frame);
+  EXPECT_EQ(frame, Bytes(side * side, 77));
+  reader.readFrame(0, frame);
+  EXPECT_EQ(frame, Bytes(side * side, 0));
 }
 
 TEST_F(SerReaderTest, AFileWithoutFrames) {

@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include <cstdlib>
+
+#include "common/utc_text.hpp"
 
 namespace orvane::host {
 
@@ -31,6 +35,21 @@ TEST(SerTicks, AreShiftedByTheTimeZoneInLocalTime) {
     EXPECT_EQ(shift % minute, 0);
     constexpr std::int64_t hour = 60 * minute;
     EXPECT_LE(std::abs(shift), 14 * hour);
+  }
+}
+
+TEST(SerTicks, BecomeTheTimeAgain) {
+  // 29 February 2024, 23:06:40 UTC, and 100 ns more.
+  constexpr std::int64_t ticks = 638448448000000001;
+  const auto time = timeOfSerTicks(ticks);
+  ASSERT_TRUE(time);
+  EXPECT_EQ(serTicks(*time), ticks);
+  EXPECT_EQ(utcText(*time), "2024-02-29T23:06:40.000000");
+}
+
+TEST(SerTicks, OfNoTimeAreNone) {
+  for (const std::int64_t ticks : {std::int64_t{0}, std::int64_t{-5}, INT64_MIN, INT64_MAX}) {
+    EXPECT_FALSE(timeOfSerTicks(ticks)) << ticks;
   }
 }
 

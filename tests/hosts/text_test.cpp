@@ -73,6 +73,13 @@ TEST(Paths, KeepTheirTextInUtf8) {
   }
 }
 
+TEST(Alternatives, ReadAsASentence) {
+  EXPECT_EQ(alternatives({}), "");
+  EXPECT_EQ(alternatives({"a"}), "a");
+  EXPECT_EQ(alternatives({"a", "b"}), "a or b");
+  EXPECT_EQ(alternatives({"a", "b", "c"}), "a, b or c");
+}
+
 }  // namespace
 
 }  // namespace orvane::host

@@ -1,0 +1,26 @@
+// How fast one camera delivers frames of one format.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "common/frame_layout.hpp"
+
+namespace orvane::host {
+
+struct Measurement {
+  std::string camera;
+  FrameLayout layout;
+  std::int64_t frames = 0;
+  double seconds = 0;
+  std::int64_t notReadyAnswers = 0;
+  double framesPerSecond = 0;
+  double megabytesPerSecond = 0;
+  double waitP50 = 0;  ///< milliseconds from one frame to the next, as the three below
+  double waitP90 = 0;
+  double waitP99 = 0;
+  double waitLongest = 0;
+  std::string error;  ///< what went wrong; the numbers hold up to then
+};
+
+}  // namespace orvane::host

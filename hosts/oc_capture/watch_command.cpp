@@ -1,0 +1,203 @@
+// "oc_capture watch": a camera's temperature and the brightness of its frames.
+#include "oc_capture/watch_command.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "common/failures.hpp"
+#include "common/png_writer.hpp"
+#include "common/system.hpp"
+#include "common/text.hpp"
+#include "oc_capture/camera_session.hpp"
+#include "oc_capture/chosen_camera.hpp"
+#include "oc_capture/frame_source.hpp"
+#include "oc_capture/output_path.hpp"
+#include "oc_capture/status_line.hpp"
+#include "oc_capture/watch_history.hpp"
+#include "oc_capture/watch_plot.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// All frames of a watch together.
+struct Summary {
+  FrameLayout layout;
+  std::int64_t frames = 0;
+  double seconds = 0;
+  double sumOfMeans = 0;
+  int smallest = 0;
+  int largest = 0;
+  std::int64_t mostSaturated = 0;
+  std::optional<double> lowestTemperature;
+  std::optional<double> highestTemperature;
+  std::string error;
+
+  void add(const WatchPoint& point) {
+    smallest =
+        frames == 0 ? point.statistics.smallest : std::min(smallest, point.statistics.smallest);
+    largest = std::max(largest, point.statistics.largest);
+    mostSaturated = std::max(mostSaturated, point.statistics.saturated);
+    sumOfMeans += point.statistics.mean;
+    seconds = point.seconds;
+    ++frames;
+    if (point.temperature) {
+      lowestTemperature =
+          std::min(lowestTemperature.value_or(*point.temperature), *point.temperature);
+      highestTemperature =
+          std::max(highestTemperature.value_or(*point.temperature), *point.temperature);
+    }
+  }
+
+  double mean() const { return frames > 0 ? sumOfMeans / static_cast<double>(frames) : 0; }
+};
+
+std::string lineOf(const WatchPoint& point, std::int64_t frames) {
+  const FrameStatistics& statistics = point.statistics;
+  std::string line = decimal(point.seconds, 1) + " s, " + std::to_string(frames) + " frames, ";
+  line += point.temperature ? decimal(*point.temperature, 1) + " \u00b0C, " : "no temperature, ";
+  line += "mean " + decimal(statistics.mean, 1) + ", min " + std::to_string(statistics.smallest) +
+          ", max " + std::to_string(statistics.largest) + ", saturated " +
+          std::to_string(statistics.saturated);
+  return line;
+}
+
+// One camera that is being watched.
+class Watch {
+ public:
+  Watch(const WatchCommand& command, const ChosenCamera& camera)
+      : command_(command), camera_(camera), line_(command.reporting.isQuiet) {}
+
+  // A failure of the camera is told in the summary.
+  void run() {
+    try {
+      look();
+    } catch (const CameraError& error) {
+      summary_.error = error.what();
+    }
+    if (summary_.frames > 0) {
+      line_.show(lineOf(last_, summary_.frames));
+    }
+  }
+
+  const Summary& summary() const { return summary_; }
+  const WatchHistory& history() const { return history_; }
+
+ private:
+  void look() {
+    CameraSession session(camera_.description, camera_.settings);
+    summary_.layout = correctedLayout(session.layout(), command_.camera.correction);
+    FrameSource source(session, camera_.settings.exposureUs);
+    source.discard(command_.camera.discard, line_);
+    const Clock::time_point start = Clock::now();
+    const auto elapsed = [&] { return Clock::now() - start; };
+    while (!stopRequested() && !isComplete(elapsed())) {
+      const auto frame = source.poll();
+      if (!frame.empty()) {
+        correctFrame(frame, session.layout(), command_.camera.correction);
+        last_ = {std::chrono::duration<double>(elapsed()).count(), session.temperature(),
+                 frameStatistics(frame, session.layout(), camera_.description.bitDepth)};
+        summary_.add(last_);
+        history_.add(last_);
+      }
+      if (line_.isDue()) {
+        line_.show(summary_.frames > 0 ? lineOf(last_, summary_.frames)
+                                       : "Waiting for the first frame");
+      }
+    }
+  }
+
+  bool isComplete(Clock::duration elapsed) const {
+    return (command_.frames && summary_.frames >= *command_.frames) ||
+           (command_.durationUs && elapsed >= std::chrono::microseconds(*command_.durationUs));
+  }
+
+  const WatchCommand& command_;
+  const ChosenCamera& camera_;
+  StatusLine line_;
+  WatchPoint last_;
+  WatchHistory history_;
+  Summary summary_;
+};
+
+void reportJson(const WatchCommand& command, const ChosenCamera& camera, const Summary& summary,
+                bool hasPlot) {
+  using Json = nlohmann::ordered_json;
+  const auto orNull = [](const std::optional<double>& value) {
+    return value ? Json(*value) : Json();
+  };
+  Json document;
+  document["camera"] = camera.description.name;
+  document["width"] = summary.layout.width;
+  document["height"] = summary.layout.height;
+  document["format"] = formatName(camera.settings.format);
+  document["frames"] = summary.frames;
+  document["seconds"] = summary.seconds;
+  document["mean"] = summary.mean();
+  document["min"] = summary.smallest;
+  document["max"] = summary.largest;
+  document["mostSaturatedPixels"] = summary.mostSaturated;
+  document["lowestTemperature"] = orNull(summary.lowestTemperature);
+  document["highestTemperature"] = orNull(summary.highestTemperature);
+  document["plot"] = hasPlot ? Json(utf8FromPath(*command.plot)) : Json();
+  document["error"] = summary.error;
+  std::cout << document.dump(2) << "\n" << std::flush;
+}
+
+void reportText(const WatchCommand& command, const Summary& summary, bool hasPlot) {
+  std::cout << "Watched " << summary.frames << " frames in " << decimal(summary.seconds, 1)
+            << " s: mean " << decimal(summary.mean(), 1) << ", min " << summary.smallest << ", max "
+            << summary.largest << ", saturated pixels at most " << summary.mostSaturated;
+  if (summary.lowestTemperature) {
+    std::cout << ", " << decimal(*summary.lowestTemperature, 1) << " to "
+              << decimal(*summary.highestTemperature, 1) << " \u00b0C";
+  }
+  if (hasPlot) {
+    std::cout << "; plot " << inQuotes(utf8FromPath(*command.plot));
+  }
+  std::cout << ".\n" << std::flush;
+}
+
+}  // namespace
+
+void watch(const WatchCommand& command) {
+  if (command.plot) {
+    requireUsable(*command.plot, command.mayOverwrite);
+  }
+  catchStopRequests();
+  useFineSleep();
+  const ChosenCamera camera = findCamera(command.camera);
+  Summary summary;
+  WatchHistory history;
+  {
+    Watch watch(command, camera);
+    watch.run();
+    summary = watch.summary();
+    history = watch.history();
+  }
+  if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {
+    summary.error = "No frame came before the watch's end.";
+  }
+  const bool hasPlot = command.plot && !history.points().empty();
+  if (hasPlot) {
+    writePng(*command.plot, watchPlot(history, camera.description.name + ", " +
+                                                   formatName(camera.settings.format)));
+  }
+  if (command.reporting.asJson) {
+    reportJson(command, camera, summary, hasPlot);
+  } else if (!command.reporting.isQuiet && summary.error.empty()) {
+    reportText(command, summary, hasPlot);
+  }
+  if (!summary.error.empty()) {
+    throw CameraError(summary.error);
+  }
+}
+
+}  // namespace orvane::host

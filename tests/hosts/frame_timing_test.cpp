@@ -1,0 +1,78 @@
+// What the time stamps of a recording tell about it.
+#include "common/frame_timing.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+#include "common/distribution.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+// Time stamps from milliseconds.
+std::vector<std::int64_t> ticks(const std::vector<std::int64_t>& milliseconds) {
+  std::vector<std::int64_t> stamps;
+  for (const std::int64_t moment : milliseconds) {
+    stamps.push_back(638448448000000000 + moment * 10000);
+  }
+  return stamps;
+}
+
+TEST(FrameTiming, OfASteadyRecording) {
+  const auto timing = frameTiming(ticks({0, 10, 21, 30, 40}));
+  ASSERT_TRUE(timing);
+  EXPECT_DOUBLE_EQ(timing->seconds, 0.04);
+  EXPECT_DOUBLE_EQ(timing->framesPerSecond, 100);
+  EXPECT_DOUBLE_EQ(timing->medianInterval, 0.01);
+  EXPECT_EQ(timing->gaps, 0);
+  EXPECT_EQ(timing->missedFrames, 0);
+  EXPECT_EQ(timing->stepsBack, 0);
+}
+
+TEST(FrameTiming, FindsGaps) {
+  // Intervals of 10, 10, 31, 10, 15, 16, 10.
+  const auto timing = frameTiming(ticks({0, 10, 20, 51, 61, 76, 92, 102}));
+  ASSERT_TRUE(timing);
+  EXPECT_EQ(timing->gaps, 2);
+  EXPECT_EQ(timing->missedFrames, 3);
+  EXPECT_DOUBLE_EQ(timing->longestGap, 0.031);
+  EXPECT_EQ(timing->longestGapAfter, 2);
+}
+
+TEST(FrameTiming, CountsStepsBack) {
+  const auto timing = frameTiming(ticks({0, 10, 5, 15, 12, 40}));
+  ASSERT_TRUE(timing);
+  EXPECT_EQ(timing->stepsBack, 2);
+}
+
+TEST(FrameTiming, HasNoGapsWhereTheClockStandsStill) {
+  const auto timing = frameTiming(ticks({0, 0, 0, 0, 100}));
+  ASSERT_TRUE(timing);
+  EXPECT_EQ(timing->gaps, 0);
+}
+
+TEST(FrameTiming, OfStampsThatMakeNoSense) {
+  EXPECT_FALSE(frameTiming({}));
+  EXPECT_FALSE(frameTiming(ticks({5})));
+  EXPECT_FALSE(frameTiming(ticks({5, 5})));
+  EXPECT_FALSE(frameTiming(ticks({5, 4})));
+  EXPECT_FALSE(frameTiming({0, 10}));
+  EXPECT_FALSE(frameTiming({INT64_MIN, INT64_MAX}));
+  EXPECT_FALSE(frameTiming({1, INT64_MAX}));
+  EXPECT_FALSE(frameTiming({1, -1, 2}));
+}
+
+TEST(Quantile, IsTheValueThatAPartDoesNotExceed) {
+  EXPECT_DOUBLE_EQ(quantile({}, 0.5), 0);
+  EXPECT_DOUBLE_EQ(quantile({7}, 0.01), 7);
+  EXPECT_DOUBLE_EQ(quantile({1, 2, 3, 4}, 0), 1);
+  EXPECT_DOUBLE_EQ(quantile({1, 2, 3, 4}, 0.5), 2);
+  EXPECT_DOUBLE_EQ(quantile({1, 2, 3, 4}, 0.51), 3);
+  EXPECT_DOUBLE_EQ(quantile({1, 2, 3, 4}, 1), 4);
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,171 @@
+// "oc_capture bench" and "oc_capture watch", run as a program.
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "oc_capture_test.hpp"
+
+namespace orvane::testing {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+class OcCaptureMeasure : public OcCaptureTest {
+ protected:
+  OcCaptureMeasure() { sdks.add("ASICamera2"); }
+
+  ProgramResult start(const std::string& command, const std::vector<std::string>& more,
+                      const std::string& simulator = "seed 5") const {
+    std::vector<std::string> arguments{command,    "--sdk", sdks.utf8(),  "--width", "64",
+                                       "--height", "48",    "--exposure", "2ms"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run(arguments, simulator);
+  }
+
+  std::string chart() const { return utf8(scratch.file("caf\u00e9.png")); }
+
+  bool hasChart() const {
+    const auto path = scratch.file("caf\u00e9.png");
+    return std::filesystem::exists(path) && contentOf(path).substr(0, 8) == "\x89PNG\r\n\x1a\n";
+  }
+};
+
+TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
+  const ProgramResult result =
+      start("bench", {"--seconds", "0.1", "--json", "--quiet", "--out", chart()});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  const auto document = ordered_json::parse(result.out);
+  EXPECT_EQ(document["exposureUs"], 2000);
+  EXPECT_EQ(document["chart"], chart());
+  std::string measured;
+  for (const auto& entry : document["measurements"]) {
+    measured += entry["camera"].get<std::string>().substr(7, 4) + " " +
+                entry["format"].get<std::string>() + ", ";
+    EXPECT_GT(entry["frames"], 0);
+    EXPECT_GT(entry["framesPerSecond"], 0);
+    const auto& waits = entry["waitMilliseconds"];
+    EXPECT_LE(waits["p50"], waits["p90"]);
+    EXPECT_LE(waits["p90"], waits["p99"]);
+    EXPECT_LE(waits["p99"], waits["max"]);
+    EXPECT_NEAR(entry["framesPerSecond"].get<double>() * entry["seconds"].get<double>(),
+                entry["frames"].get<double>(), 0.01);
+    EXPECT_EQ(entry["error"], "");
+  }
+  EXPECT_EQ(measured,
+            "120M raw8, 120M rgb24, 120M raw16, 120M mono8, 294M raw8, 294M rgb24, 294M raw16, "
+            "294M mono8, 2600 raw8, 2600 raw16, 290M raw8, 290M raw16, ");
+  EXPECT_TRUE(hasChart());
+}
+
+TEST_F(OcCaptureMeasure, BenchShowsATable) {
+  const ProgramResult result = start(
+      "bench", {"--seconds", "0.1", "--camera", "asi120", "--format", "raw16", "--discard", "1"});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(std::regex_match(
+      result.out,
+      std::regex("Camera          Format  Size     Frames/s +MB/s +Not ready +Wait p50 ms +p90 "
+                 "+p99 +Longest\n"
+                 "ZWO ASI120MC-S  raw16   64 x 48( +[0-9.]+){7}\n")))
+      << result.out;
+}
+
+TEST_F(OcCaptureMeasure, BenchGoesOnAfterACameraThatFails) {
+  const ProgramResult result =
+      start("bench", {"--seconds", "0.05", "--format", "raw8", "--json", "--out", chart()},
+            "seed 5; force ASIStartVideoCapture 2 1 16");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "oc_capture: ZWO ASI294MC Pro, raw8: ASIStartVideoCapture: 16\n");
+  const auto document = ordered_json::parse(result.out);
+  ASSERT_EQ(document["measurements"].size(), 4U);
+  EXPECT_EQ(document["measurements"][1]["error"], "ASIStartVideoCapture: 16");
+  EXPECT_EQ(document["measurements"][1]["frames"], 0);
+  EXPECT_GT(document["measurements"][2]["frames"], 0);
+  EXPECT_TRUE(hasChart());
+}
+
+TEST_F(OcCaptureMeasure, BenchHoldsSettingsAgainstEveryCameraFirst) {
+  const ProgramResult result = start("bench", {"--bin", "3"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.err, "oc_capture: ZWO ASI120MC-S has no bin 3; it offers 1, 2.\n");
+}
+
+TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
+  const ProgramResult result = start("watch",
+                                     {"--camera", "0", "--format", "raw16", "--gain", "100",
+                                      "--frames", "7", "--json", "--out", chart()},
+                                     "clock stopped; seed 5");
+  ASSERT_EQ(result.status, 0) << result.err;
+  const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 1, 2000, 100, 10);
+  double sum = 0;
+  int smallest = 65535;
+  int largest = 0;
+  int mostSaturated = 0;
+  for (int number = 0; number < 7; ++number) {
+    const Bytes frame = reference.frame(number);
+    int saturated = 0;
+    for (std::size_t at = 0; at < frame.size(); at += 2) {
+      const int sample = frame[at] | frame[at + 1] << 8;
+      sum += sample;
+      smallest = std::min(smallest, sample);
+      largest = std::max(largest, sample);
+      saturated += sample >= 0xfff0 ? 1 : 0;  // 12 bits, shifted to the top
+    }
+    mostSaturated = std::max(mostSaturated, saturated);
+  }
+  const auto document = ordered_json::parse(result.out);
+  EXPECT_EQ(document["camera"], "ZWO ASI120MC-S");
+  EXPECT_EQ(document["frames"], 7);
+  EXPECT_NEAR(document["mean"].get<double>(), sum / (7 * 64 * 48), 1e-6);
+  EXPECT_EQ(document["min"], smallest);
+  EXPECT_EQ(document["max"], largest);
+  EXPECT_EQ(document["mostSaturatedPixels"], mostSaturated);
+  EXPECT_TRUE(document["lowestTemperature"].is_number());
+  EXPECT_EQ(document["plot"], chart());
+  EXPECT_EQ(document["error"], "");
+  EXPECT_TRUE(hasChart());
+  EXPECT_TRUE(std::regex_match(
+      result.err, std::regex("[0-9.]+ s, 7 frames, [-0-9.]+ \u00b0C, mean [0-9.]+, min [0-9]+, max "
+                             "[0-9]+, saturated [0-9]+\n")))
+      << result.err;
+}
+
+TEST_F(OcCaptureMeasure, WatchEndsAfterItsTime) {
+  const ProgramResult result =
+      start("watch", {"--camera", "0", "--seconds", "0.2", "--out", chart()});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(std::regex_match(
+      result.out,
+      std::regex(
+          "Watched [0-9]+ frames in 0\\.[0-9] s: mean [0-9.]+, min [0-9]+, max [0-9]+, "
+          "saturated pixels at most [0-9]+, [-0-9.]+ to [-0-9.]+ \u00b0C; plot \".*\"\\.\n")))
+      << result.out;
+  EXPECT_TRUE(hasChart());
+}
+
+TEST_F(OcCaptureMeasure, WatchOfACameraThatFailsShowsWhatCameBefore) {
+  const ProgramResult result =
+      start("watch", {"--camera", "0", "--seconds", "100", "--json", "--quiet", "--out", chart()},
+            "clock stopped; seed 5; force ASIGetVideoData 4 -1 5");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "oc_capture: ASIGetVideoData: 5\n");
+  const auto document = ordered_json::parse(result.out);
+  EXPECT_EQ(document["frames"], 3);
+  EXPECT_EQ(document["error"], "ASIGetVideoData: 5");
+  EXPECT_TRUE(hasChart());
+}
+
+TEST_F(OcCaptureMeasure, WatchWithoutATemperature) {
+  const ProgramResult result =
+      start("watch", {"--camera", "0", "--frames", "2", "--json", "--quiet", "--out", chart()},
+            "clock stopped; force ASIGetControlValue 1 -1 3");
+  ASSERT_EQ(result.status, 0) << result.err;
+  const auto document = ordered_json::parse(result.out);
+  EXPECT_TRUE(document["lowestTemperature"].is_null());
+  EXPECT_TRUE(document["highestTemperature"].is_null());
+  EXPECT_TRUE(hasChart());
+}
+
+}  // namespace
+
+}  // namespace orvane::testing
