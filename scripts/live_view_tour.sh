@@ -169,22 +169,22 @@ thread_times() {
 }
 
 echo "== processor time"
-start --camera ASI290MM
-press Up Up
-echo "   mono 1936 x 1096, 8 bits, 31 frames a second: $(usage 15)"
-press f
-echo "   the same, 16 bits: $(usage 15)"
-stop
 start --camera Mars-C
 press Up Up
 echo "   colour 1944 x 1096, 8 bits, 31 frames a second: $(usage 15)"
+shot 18-measured "while the processor time was measured"
+press f
+echo "   the same, 16 bits: $(usage 15)"
 press z
 echo "   the same, pixel by pixel: $(usage 15)"
+press z r
+echo "   the same, recording: $(usage 15)"
+press r
 stop
 
 echo "== recordings"
 recordings=("$out"/recordings/*.ser)
-[ ${#recordings[@]} -eq 2 ] || { echo "there should be 2"; exit 1; }
+[ ${#recordings[@]} -eq 3 ] || { echo "there should be 3"; exit 1; }
 for recording in "${recordings[@]}"; do
   frames=$(ffprobe -v error -count_frames -select_streams v:0 \
     -show_entries stream=codec_name,width,height,pix_fmt,nb_read_frames -of csv=p=0 "$recording")

@@ -182,7 +182,8 @@ void LiveSession::carry(const ToggleRecordingRequest&) {
     say(NoticeKind::Warning, "There is no camera to record from.");
   } else {
     recording_.emplace(options_.recordings, *state_.camera(), state_.layout);
-    say(NoticeKind::Information, "Recording to " + inQuotes(recording_->progress().file) + ".");
+    say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
+                                     inQuotes(utf8FromPath(options_.recordings)) + ".");
   }
 }
 
