@@ -54,6 +54,7 @@ bool LivePicture::measure(Clock::time_point now) {
   if (!hasFrame() || now < nextMeasurement_) {
     return false;
   }
+  const Clock::time_point begin = Clock::now();
   const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
   reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
   range_->add(frame_.bytes());
@@ -61,7 +62,7 @@ bool LivePicture::measure(Clock::time_point now) {
   measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor, followed_);
   measureTrend();
   measureStretch();
-  const Clock::duration taken = Clock::now() - now;
+  const Clock::duration taken = Clock::now() - begin;
   nextMeasurement_ = now + std::max<Clock::duration>(betweenMeasurements, 8 * taken);
   return true;
 }
