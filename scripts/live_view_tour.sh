@@ -12,7 +12,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_heade
 out=${1:-live-view-tour}
 mkdir -p "$out/recordings"
 out=$(cd "$out" && pwd)
-rm -f "$out"/*.png "$out"/recordings/*.ser
+rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.ser
 
 echo "== build"
 configured=$(cmake --preset windows-x64 2>&1) || { echo "$configured"; exit 1; }
@@ -42,7 +42,7 @@ unset ORVANE_SIMULATOR
 # start ARGUMENT...: starts the program and waits until its window is there.
 start() {
   cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" \
-    --recordings "$out/recordings" "$@" &
+    --recordings "$out/recordings" "$@" 2>>"$out/live_view.log" &
   program=$!
   window=
   for ((attempt = 0; attempt < 600; ++attempt)); do
@@ -114,7 +114,7 @@ press f b
 shot 12-mono-16-bits-bin-2 "the same with 16 bits and bin 2"
 stop
 
-export ORVANE_SIMULATOR="sdk ASICamera2; unplug 0 ASIGetVideoData 160; \
+export ORVANE_SIMULATOR="sdk ASICamera2; unplug 0 ASIGetVideoData 380; \
 plug 0 ASIGetNumOfConnectedCameras 3"
 start --camera ASI120MC
 press r
@@ -132,9 +132,59 @@ start --camera 99
 shot 16-wrong-camera "no camera fits what was asked for"
 stop
 
+# The same on a screen with magnification; the setting is the project's own Wine's.
+magnify() {
+  cmake/run_with_wine.sh reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$1" /f \
+    >/dev/null
+  sleep 4  # until what runs with the old setting has ended
+}
+magnify 192
+start --camera QHY5III462C
+press f
+shot 17-magnified "at 192 dots per inch"
+stop
+magnify 96
+
+# usage SECONDS: the processor time of the window's thread, of the thread that calls the library (in
+# which the simulated SDK makes its frames), and of the whole process, in percent of one core.
+usage() {
+  local before after
+  before=$(thread_times)
+  sleep "$1"
+  after=$(thread_times)
+  join <(echo "$before") <(echo "$after") | awk -v seconds="$1" -v main="$program" '{
+      part = 100 * ($3 - $2) / '"$(getconf CLK_TCK)"' / seconds
+      all += part
+      if ($1 == main) window = part
+      else if (part > most) most = part
+    }
+    END { printf "window %.1f %%, library and SDK %.1f %%, process %.1f %%\n", window, most, all }'
+}
+
+thread_times() {
+  for task in /proc/"$program"/task/*; do
+    # What stands behind the name, which may have blanks in it.
+    sed -E 's/.*\) //' "$task/stat" | awk -v id="${task##*/}" '{ print id, $12 + $13 }'
+  done | sort
+}
+
+echo "== processor time"
+start --camera Mars-C
+press Up Up
+echo "   colour 1944 x 1096, 8 bits, 31 frames a second: $(usage 15)"
+shot 18-measured "while the processor time was measured"
+press f
+echo "   the same, 16 bits: $(usage 15)"
+press z
+echo "   the same, pixel by pixel: $(usage 15)"
+press z r
+echo "   the same, recording: $(usage 15)"
+press r
+stop
+
 echo "== recordings"
 recordings=("$out"/recordings/*.ser)
-[ ${#recordings[@]} -eq 2 ] || { echo "there should be 2"; exit 1; }
+[ ${#recordings[@]} -eq 3 ] || { echo "there should be 3"; exit 1; }
 for recording in "${recordings[@]}"; do
   frames=$(ffprobe -v error -count_frames -select_streams v:0 \
     -show_entries stream=codec_name,width,height,pix_fmt,nb_read_frames -of csv=p=0 "$recording")

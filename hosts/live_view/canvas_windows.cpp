@@ -35,14 +35,6 @@ std::wstring wideOf(const std::string& utf8) {
   return wide;
 }
 
-// A brush and a pen of one colour each, without making objects.
-void useColors(HDC memory, std::uint32_t brush, std::uint32_t pen) {
-  SelectObject(memory, GetStockObject(DC_BRUSH));
-  SetDCBrushColor(memory, colorRef(brush));
-  SelectObject(memory, GetStockObject(DC_PEN));
-  SetDCPenColor(memory, colorRef(pen));
-}
-
 }  // namespace
 
 Canvas::~Canvas() {
@@ -89,12 +81,17 @@ void Canvas::resize(int width, int height, int dpi) {
 void Canvas::release() {
   if (memory_ != nullptr) {
     SelectObject(memory_, firstBitmap_);
+    SelectObject(memory_, GetStockObject(BLACK_PEN));
     DeleteDC(memory_);
     memory_ = nullptr;
   }
   if (bitmap_ != nullptr) {
     DeleteObject(bitmap_);
     bitmap_ = nullptr;
+  }
+  if (pen_ != nullptr) {
+    DeleteObject(pen_);
+    pen_ = nullptr;
   }
   bits_ = nullptr;
 }
@@ -144,19 +141,34 @@ void Canvas::dim(const PixelRect& rect) {
 }
 
 void Canvas::dot(const PixelRect& rect, std::uint32_t color) {
-  useColors(memory_, color, color);
+  useLine(color);
+  SelectObject(memory_, GetStockObject(DC_BRUSH));
+  SetDCBrushColor(memory_, colorRef(color));
   Ellipse(memory_, rect.left, rect.top, rect.left + rect.width, rect.top + rect.height);
 }
 
 void Canvas::circle(int x, int y, int radius, std::uint32_t color) {
-  useColors(memory_, color, color);
+  useLine(color);
   SelectObject(memory_, GetStockObject(NULL_BRUSH));
   Ellipse(memory_, x - radius, y - radius, x + radius + 1, y + radius + 1);
 }
 
 void Canvas::polyline(const std::vector<POINT>& points, std::uint32_t color) {
-  useColors(memory_, color, color);
+  useLine(color);
   Polyline(memory_, points.data(), static_cast<int>(points.size()));
+}
+
+// Lines as thick as the screen asks for.
+void Canvas::useLine(std::uint32_t color) {
+  if (pen_ == nullptr || color != penColor_) {
+    HPEN pen = CreatePen(PS_SOLID, std::max(1, dpi_ / 96), colorRef(color));
+    SelectObject(memory_, pen);
+    if (pen_ != nullptr) {
+      DeleteObject(pen_);
+    }
+    pen_ = pen;
+    penColor_ = color;
+  }
 }
 
 void Canvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,

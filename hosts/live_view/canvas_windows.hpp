@@ -57,6 +57,7 @@ class Canvas {
  private:
   void release();
   void makeFonts();
+  void useLine(std::uint32_t color);
   HFONT font(TextSize size) const { return fonts_.at(static_cast<std::size_t>(size)); }
 
   HDC memory_ = nullptr;
@@ -64,6 +65,8 @@ class Canvas {
   HGDIOBJ firstBitmap_ = nullptr;
   std::uint32_t* bits_ = nullptr;
   std::array<HFONT, 4> fonts_{};
+  HPEN pen_ = nullptr;  // of the colour that was used last
+  std::uint32_t penColor_ = 0;
   int width_ = 0;
   int height_ = 0;
   int dpi_ = 0;

@@ -36,7 +36,7 @@ LiveCommand parseLiveCommandLine(std::vector<std::string> arguments) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + ".");
   }
-  options.recordings = pathFromUtf8(recordings);
+  options.recordings = pathFromUtf8(recordings).make_preferred();
   return options;
 }
 

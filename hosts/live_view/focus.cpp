@@ -12,6 +12,7 @@ namespace orvane::host {
 namespace {
 
 constexpr int starReach = 24;       // pixels: what is wider is no star
+constexpr double firstRadius = 5;   // pixels: wide enough for a sharp star
 constexpr int sharpnessReach = 96;  // pixels around the brightest object
 constexpr int cellSide = 12;        // of the reduced image: one candidate in each cell
 constexpr std::size_t mostCandidates = 40;
@@ -122,9 +123,8 @@ int medianBrightness(std::vector<Candidate> cells) {
 }
 
 void brightestFirst(std::vector<Candidate>& candidates) {
-  std::sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
-    return a.brightness > b.brightness;
-  });
+  std::sort(candidates.begin(), candidates.end(),
+            [](const Candidate& a, const Candidate& b) { return a.brightness > b.brightness; });
 }
 
 Point inFrame(const Candidate& candidate, int factor) {
@@ -238,23 +238,23 @@ std::optional<Light> lightWithin(const Brightness& brightness, const Light& star
   return result;
 }
 
-std::optional<Star> starAt(const Brightness& brightness, Point place, int factor) {
-  const Point peak = brightestNear(brightness, place, factor);
+std::optional<Star> starAt(const Brightness& brightness, Point place, int reach) {
+  const Point peak = brightestNear(brightness, place, reach);
   const Sky sky = skyAround(brightness, peak, starReach);
   if (brightness.at(peak.x, peak.y) < sky.level + 8 * sky.noise ||
       isHotPixel(brightness, peak, sky.level)) {
     return std::nullopt;
   }
   Light light{static_cast<double>(peak.x), static_cast<double>(peak.y), 0};
-  double radius = starReach;
-  for (int round = 0; round < 4; ++round) {
+  double radius = firstRadius;
+  for (int round = 0; round < 6; ++round) {
     const auto next = lightWithin(brightness, light, radius, sky.level);
     if (!next) {
       return std::nullopt;
     }
     light = *next;
-    // Close around the star: what lies farther away is noise and other stars.
-    radius = std::clamp(2 * light.halfFluxDiameter, 4.0, static_cast<double>(starReach));
+    // Wide enough for the star's light and no wider: farther away are noise and other stars.
+    radius = std::clamp(2 * light.halfFluxDiameter, firstRadius, static_cast<double>(starReach));
   }
   if (light.halfFluxDiameter > starReach * 0.9) {
     return std::nullopt;
@@ -288,7 +288,7 @@ double sharpnessAround(const Brightness& brightness, Point centre) {
 }  // namespace
 
 Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
-                   const Image& reduced, int factor) {
+                   const Image& reduced, int factor, const std::optional<Star>& before) {
   Focus focus;
   const Brightness brightness(frame, layout);
   std::vector<Candidate> candidates = brightestOfCells(reduced);
@@ -298,6 +298,10 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
   const int sky = medianBrightness(candidates);
   brightestFirst(candidates);
   focus.sharpness = sharpnessAround(brightness, inFrame(candidates.front(), factor));
+  if (before) {
+    focus.star = starAt(brightness, {static_cast<int>(before->x), static_cast<int>(before->y)},
+                        starSearchReach);
+  }
   std::size_t tried = 0;
   for (const Candidate& candidate : candidates) {
     if (focus.star || tried == mostCandidates) {

@@ -22,9 +22,15 @@ struct Focus {
   double sharpness = 0;      ///< of the brightest object's surroundings; more is sharper, 0 none
 };
 
-/// Measures a frame. `reduced` is the frame made smaller by `factor`, as reduceFrame() does it; it
-/// tells where to look. `frame` holds frameBytes(layout) bytes.
+/// Where a star is looked for in the surroundings of a place: pixels in each direction.
+constexpr int starSearchReach = 12;
+
+/// Measures a frame. A star near the place of `before` is preferred to the brightest, so that the
+/// figures of one frame and the next are of the same star. `reduced` is the frame made smaller by
+/// `factor`, as reduceFrame() does it; it tells where to look. `frame` holds frameBytes(layout)
+/// bytes.
 Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
-                   const Image& reduced, int factor);
+                   const Image& reduced, int factor,
+                   const std::optional<Star>& before = std::nullopt);
 
 }  // namespace orvane::host

@@ -53,6 +53,7 @@ constexpr std::array lines = {
     HelpLine{"Z", "whole frame, or pixel by pixel (drag to move)"},
     HelpLine{"X", "crosshair"},
     HelpLine{"N", "night mode: everything red"},
+    HelpLine{"Click", "measure the focus of the star that is clicked"},
     HelpLine{"F1  H", "show and hide these keys"},
     HelpLine{"Esc", "close what lies over the picture"},
 };

@@ -36,6 +36,7 @@ void LivePicture::setFrame(LiveFrame& frame) {
   std::swap(frame_, frame);
   if (isOtherStream) {
     measurements_ = {};
+    followed_.reset();
     stretches_.clear();
     nextMeasurement_ = {};
     range_.emplace(frame_.layout.format, frame_.bitDepth);
@@ -53,22 +54,31 @@ bool LivePicture::measure(Clock::time_point now) {
   if (!hasFrame() || now < nextMeasurement_) {
     return false;
   }
+  const Clock::time_point begin = Clock::now();
   const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
   reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
   range_->add(frame_.bytes());
   measurements_.histogram = histogramOf(frame_.bytes(), frame_.layout, range_->fullScale());
-  measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor);
+  measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor, followed_);
   measureTrend();
   measureStretch();
-  const Clock::duration taken = Clock::now() - now;
+  const Clock::duration taken = Clock::now() - begin;
   nextMeasurement_ = now + std::max<Clock::duration>(betweenMeasurements, 8 * taken);
   return true;
+}
+
+void LivePicture::followStarAt(double frameX, double frameY) {
+  followed_ = Star{frameX, frameY, 0};
+  measurements_.diameters.clear();
+  measurements_.leastDiameter.reset();
+  nextMeasurement_ = {};
 }
 
 void LivePicture::measureTrend() {
   if (!measurements_.focus.star) {
     return;
   }
+  followed_ = measurements_.focus.star;
   const double diameter = measurements_.focus.star->halfFluxDiameter;
   measurements_.diameters.push_back(diameter);
   if (measurements_.diameters.size() > trendLength) {
@@ -102,8 +112,10 @@ void LivePicture::setStretched(bool isStretched) {
 }
 
 void LivePicture::move(int right, int down) {
-  centreX_ -= right;
-  centreY_ -= down;
+  if (isPixelByPixel_) {
+    centreX_ = std::max(0, centreX_ - right);
+    centreY_ = std::max(0, centreY_ - down);
+  }
 }
 
 PictureView LivePicture::draw(const ScreenTarget& area, std::uint32_t background) {

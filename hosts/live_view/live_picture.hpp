@@ -25,6 +25,10 @@ struct PictureView {
   /// From the frame to the area.
   double screenX(double frameX) const { return onScreen.left + (frameX - frameLeft) * scale; }
   double screenY(double frameY) const { return onScreen.top + (frameY - frameTop) * scale; }
+
+  /// From the area to the frame.
+  double frameX(double screenX) const { return frameLeft + (screenX - onScreen.left) / scale; }
+  double frameY(double screenY) const { return frameTop + (screenY - onScreen.top) / scale; }
 };
 
 /// What the frames of late are like.
@@ -54,6 +58,9 @@ class LivePicture {
   /// that measuring takes is followed by eight times as much without.
   bool measure(Clock::time_point now);
 
+  /// Measures the star near this place of the frame from now on.
+  void followStarAt(double frameX, double frameY);
+
   const Measurements& measurements() const { return measurements_; }
 
   /// Draws the picture, and `background` where there is none.
@@ -81,6 +88,7 @@ class LivePicture {
   ScreenCurves curves_;
   std::vector<Stretch> stretches_;
   Measurements measurements_;
+  std::optional<Star> followed_;
   std::optional<SampleRange> range_;
   Clock::time_point nextMeasurement_;
   bool isStretched_ = true;

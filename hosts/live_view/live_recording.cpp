@@ -69,7 +69,7 @@ void LiveRecording::keepValid() {
 
 RecordingProgress LiveRecording::progress() const {
   const std::int64_t frames = writer_.frameCount();
-  return {utf8FromPath(path_), frames, frames * static_cast<std::int64_t>(frameBytes_),
+  return {utf8FromPath(path_.filename()), frames, frames * static_cast<std::int64_t>(frameBytes_),
           std::chrono::duration<double>(Clock::now() - start_).count()};
 }
 

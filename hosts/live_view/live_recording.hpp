@@ -23,7 +23,7 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
 
 /// How far a recording is.
 struct RecordingProgress {
-  std::string file;  ///< its path, UTF-8
+  std::string file;  ///< its name, UTF-8
   std::int64_t frames = 0;
   std::int64_t bytes = 0;
   double seconds = 0;

@@ -119,16 +119,16 @@ void LiveSession::carry(const RescanRequest&) {
   }
   close();
   scan();
-  if (lastOpened_.empty()) {
+  if (state_.cameraName.empty()) {
     openFirst();
     return;
   }
-  const auto found =
-      std::find_if(state_.cameras.begin(), state_.cameras.end(),
-                   [&](const CameraDescription& camera) { return camera.name == lastOpened_; });
+  const auto found = std::find_if(
+      state_.cameras.begin(), state_.cameras.end(),
+      [&](const CameraDescription& camera) { return camera.name == state_.cameraName; });
   if (found == state_.cameras.end()) {
     state_.phase = LivePhase::Lost;
-    say(NoticeKind::Warning, lastOpened_ + " is not there; plug it in and press F5. Found: " +
+    say(NoticeKind::Warning, state_.cameraName + " is not there; plug it in and press F5. Found: " +
                                  numberOf(state_.cameras.size(), "camera") + ".");
     return;
   }
@@ -182,7 +182,8 @@ void LiveSession::carry(const ToggleRecordingRequest&) {
     say(NoticeKind::Warning, "There is no camera to record from.");
   } else {
     recording_.emplace(options_.recordings, *state_.camera(), state_.layout);
-    say(NoticeKind::Information, "Recording to " + inQuotes(recording_->progress().file) + ".");
+    say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
+                                     inQuotes(utf8FromPath(options_.recordings)) + ".");
   }
 }
 
@@ -242,6 +243,7 @@ void LiveSession::open(std::size_t position, const CameraSettings& settings) {
   state_.frames = 0;
   ++state_.opening;
   const CameraDescription& camera = state_.cameras[position];
+  state_.cameraName = camera.name;
   try {
     camera_.emplace(camera, settings);
   } catch (const CameraError& error) {
@@ -251,7 +253,6 @@ void LiveSession::open(std::size_t position, const CameraSettings& settings) {
   }
   state_.phase = LivePhase::Streaming;
   state_.layout = camera_->layout();
-  lastOpened_ = camera.name;
   rate_.clear();
   failuresInRow_ = 0;
   lastFrame_ = Clock::now();

@@ -62,6 +62,7 @@ struct LiveState {
   LivePhase phase = LivePhase::Searching;
   std::vector<CameraDescription> cameras;
   std::optional<std::size_t> chosen;  ///< position of the camera that is, or was last, open
+  std::string cameraName;             ///< its name, which stays when a scan does not find it again
   CameraSettings settings;            ///< in force
   FrameLayout layout;
   std::uint64_t opening = 0;  ///< counts how often a camera was opened
@@ -130,7 +131,6 @@ class LiveSession {
   LiveState state_;
   std::optional<CameraSession> camera_;
   std::optional<LiveRecording> recording_;
-  std::string lastOpened_;  // the name by which a camera is found again
   LiveFrame frame_;
   RateMeter rate_;
   Clock::time_point lastFrame_;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -143,7 +144,7 @@ LRESULT LiveWindow::handle(UINT message, WPARAM word, LPARAM number) {
       mouseMoved(GET_X_LPARAM(number), GET_Y_LPARAM(number));
       return 0;
     case WM_LBUTTONUP:
-      mouseReleased();
+      mouseReleased(GET_X_LPARAM(number), GET_Y_LPARAM(number));
       return 0;
     case WM_CAPTURECHANGED:
       drag_ = Drag::None;
@@ -205,13 +206,13 @@ void LiveWindow::paint() {
 }
 
 void LiveWindow::drawPicture() {
-  const PictureView view = picture_.draw(canvas_.pixelsOf(layout_.picture), palette().picture);
+  view_ = picture_.draw(canvas_.pixelsOf(layout_.picture), palette().picture);
   if (picture_.hasFrame()) {
     if (hasCrosshair_) {
-      drawCrosshair(canvas_, layout_, palette(), view);
+      drawCrosshair(canvas_, layout_, palette(), view_);
     }
     if (picture_.measurements().focus.star) {
-      drawStarMark(canvas_, layout_, palette(), view, *picture_.measurements().focus.star);
+      drawStarMark(canvas_, layout_, palette(), view_, *picture_.measurements().focus.star);
     }
   } else if (overlay_ == Overlay::None) {
     drawEmptyPicture(canvas_, layout_, palette(), *state_);
@@ -370,10 +371,11 @@ void LiveWindow::mousePressed(int x, int y) {
     }
   } else if (overlay_ == Overlay::Help) {
     showOverlay(Overlay::None);
-  } else if (layout_.picture.contains(x, y) && picture_.isPixelByPixel()) {
+  } else if (layout_.picture.contains(x, y)) {
     SetCapture(window_);
     drag_ = Drag::Picture;
     dragFrom_ = {x, y};
+    hasDragged_ = false;
   }
 }
 
@@ -389,16 +391,23 @@ void LiveWindow::mouseMoved(int x, int y) {
       moveSlider(SliderKind::Offset, layout_.offset.track, x);
       break;
     case Drag::Picture:
-      picture_.move(x - dragFrom_.x, y - dragFrom_.y);
-      dragFrom_ = {x, y};
-      redrawPicture();
+      if (hasDragged_ || std::abs(x - dragFrom_.x) + std::abs(y - dragFrom_.y) > scaled(4, dpi_)) {
+        hasDragged_ = true;
+        picture_.move(x - dragFrom_.x, y - dragFrom_.y);
+        dragFrom_ = {x, y};
+        redrawPicture();
+      }
       break;
     case Drag::None:
       break;
   }
 }
 
-void LiveWindow::mouseReleased() {
+void LiveWindow::mouseReleased(int x, int y) {
+  if (drag_ == Drag::Picture && !hasDragged_ && picture_.hasFrame()) {
+    picture_.followStarAt(view_.frameX(x - layout_.picture.left),
+                          view_.frameY(y - layout_.picture.top));
+  }
   if (drag_ != Drag::None) {
     ReleaseCapture();
   }

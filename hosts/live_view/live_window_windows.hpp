@@ -47,7 +47,7 @@ class LiveWindow {
   void carryOut(ViewCommand command);
   void mousePressed(int x, int y);
   void mouseMoved(int x, int y);
-  void mouseReleased();
+  void mouseReleased(int x, int y);
   void wheelTurned(int x, int y, int clicks);
   void moveSlider(SliderKind slider, const PixelRect& track, int x);
 
@@ -75,6 +75,8 @@ class LiveWindow {
   bool hasOfferedList_ = false;
   Drag drag_ = Drag::None;
   POINT dragFrom_ = {};
+  bool hasDragged_ = false;
+  PictureView view_;
   bool isNight_ = false;
   bool hasCrosshair_ = false;
   bool mustDrawPicture_ = true;

@@ -47,7 +47,7 @@ inline constexpr Palette nightPalette{
     .raised = 0x200000,
     .line = 0x380000,
     .text = 0xB00000,
-    .quietText = 0x6E0000,
+    .quietText = 0x880000,
     .accent = 0xC80000,
     .recording = 0xF00000,
     .warning = 0xD80000,

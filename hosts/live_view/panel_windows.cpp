@@ -41,9 +41,10 @@ class PanelDrawing {
   }
 
   void drawCamera() {
-    const CameraDescription* const camera = content_.state.camera();
-    canvas_.text(layout_.cameraName, camera != nullptr ? camera->name : "No camera",
-                 TextSize::Title, camera != nullptr ? palette_.text : palette_.quietText);
+    const bool isLive = content_.state.phase == LivePhase::Streaming;
+    const std::string& name = content_.state.cameraName;
+    canvas_.text(layout_.cameraName, name.empty() ? "No camera" : name, TextSize::Title,
+                 isLive ? palette_.text : palette_.quietText);
     canvas_.text(layout_.cameraFormat, formatText(content_.state), TextSize::Small,
                  palette_.quietText);
   }

@@ -1,0 +1,71 @@
+// Which key does what.
+#include "live_view/key_commands.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace orvane::host {
+
+namespace {
+
+TEST(CommandOfKey, KeysOfTheHelpDoWhatItSays) {
+  const std::pair<int, ViewCommand> plain[] = {
+      {keys::up, ViewCommand::LongerExposure}, {keys::down, ViewCommand::ShorterExposure},
+      {keys::right, ViewCommand::MoreGain},    {keys::left, ViewCommand::LessGain},
+      {keys::plus, ViewCommand::MoreOffset},   {keys::numberPadPlus, ViewCommand::MoreOffset},
+      {keys::minus, ViewCommand::LessOffset},  {keys::numberPadMinus, ViewCommand::LessOffset},
+      {'R', ViewCommand::ToggleRecording},     {'C', ViewCommand::ShowCameras},
+      {'F', ViewCommand::NextFormat},          {'B', ViewCommand::NextBin},
+      {keys::f5, ViewCommand::Rescan},         {'S', ViewCommand::ToggleStretch},
+      {'Z', ViewCommand::ToggleZoom},          {'X', ViewCommand::ToggleCrosshair},
+      {'N', ViewCommand::ToggleNightMode},     {'H', ViewCommand::ToggleHelp},
+      {keys::f1, ViewCommand::ToggleHelp},     {keys::escape, ViewCommand::Dismiss},
+      {keys::enter, ViewCommand::Confirm},
+  };
+  for (const auto& [key, command] : plain) {
+    EXPECT_EQ(commandOfKey({key, false}), command) << key;
+  }
+}
+
+TEST(CommandOfKey, ShiftMakesLargerSteps) {
+  EXPECT_EQ(commandOfKey({keys::up, true}), ViewCommand::MuchLongerExposure);
+  EXPECT_EQ(commandOfKey({keys::down, true}), ViewCommand::MuchShorterExposure);
+  EXPECT_EQ(commandOfKey({keys::right, true}), ViewCommand::MuchMoreGain);
+  EXPECT_EQ(commandOfKey({keys::left, true}), ViewCommand::MuchLessGain);
+  EXPECT_EQ(commandOfKey({'C', true}), ViewCommand::NextCamera);
+  EXPECT_EQ(commandOfKey({keys::plus, true}), ViewCommand::MoreOffset);  // where + needs it
+}
+
+TEST(CommandOfKey, OtherKeysDoNothing) {
+  EXPECT_EQ(commandOfKey({'Q', false}), ViewCommand::None);
+  EXPECT_EQ(commandOfKey({0x10, true}), ViewCommand::None);  // Shift itself
+}
+
+TEST(HelpLines, SayEachKeyOnce) {
+  std::set<std::string> seen;
+  for (const HelpLine& line : helpLines()) {
+    EXPECT_TRUE(seen.insert(std::string(line.keys)).second) << line.keys;
+    EXPECT_FALSE(line.meaning.empty());
+  }
+}
+
+// A letter that the help names does something, and one that does something is named.
+TEST(HelpLines, NameEveryLetterThatDoesSomething) {
+  std::set<char> named;
+  for (const HelpLine& line : helpLines()) {
+    if (line.keys.size() == 1) {
+      named.insert(line.keys.front());
+    }
+  }
+  named.insert('H');  // beside F1
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    EXPECT_EQ(commandOfKey({letter, false}) != ViewCommand::None, named.count(letter) == 1)
+        << letter;
+  }
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,87 @@
+// Recordings that are started by a key: their names and their files.
+#include "live_view/live_recording.hpp"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "scratch_directory.hpp"
+#include "ser_file.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+using orvane::testing::ScratchDirectory;
+using orvane::testing::SerFile;
+
+std::tm evening() {
+  std::tm time = {};
+  time.tm_year = 126;
+  time.tm_mon = 10;
+  time.tm_mday = 1;
+  time.tm_hour = 20;
+  time.tm_min = 5;
+  time.tm_sec = 9;
+  return time;
+}
+
+TEST(RecordingName, IsTheTimeAndTheCamera) {
+  EXPECT_EQ(recordingName(evening(), "ZWO ASI294MC Pro"),
+            "2026-11-01_20-05-09_ZWO ASI294MC Pro.ser");
+}
+
+TEST(RecordingName, HasNoCharacterThatAFileSystemRefuses) {
+  EXPECT_EQ(recordingName(evening(), "a<b>c:d\"e/f\\g|h?i*j\nk"),
+            "2026-11-01_20-05-09_a-b-c-d-e-f-g-h-i-j-k.ser");
+}
+
+TEST(RecordingName, OfALongCameraNameIsCutBetweenCharacters) {
+  const std::string name = recordingName(evening(), std::string(59, 'x') + "\u00e9\u00e9");
+  EXPECT_EQ(name, "2026-11-01_20-05-09_" + std::string(59, 'x') + ".ser");
+}
+
+TEST(UnusedPath, IsNumberedWhereThereIsAFile) {
+  const ScratchDirectory scratch;
+  EXPECT_EQ(unusedPath(scratch.path(), "a.ser"), scratch.path() / "a.ser");
+  std::ofstream(scratch.file("a.ser")) << "1";
+  EXPECT_EQ(unusedPath(scratch.path(), "a.ser"), scratch.path() / "a_2.ser");
+  std::ofstream(scratch.file("a_2.ser")) << "2";
+  EXPECT_EQ(unusedPath(scratch.path(), "a.ser"), scratch.path() / "a_3.ser");
+}
+
+TEST(LiveRecording, IsAValidFile) {
+  const ScratchDirectory scratch;
+  CameraDescription camera;
+  camera.name = "Camera: one";
+  const FrameLayout layout{4, 2, PixelFormat::Raw8, Mosaic::Gbrg};
+  const std::vector<std::uint8_t> frame = {1, 2, 3, 4, 5, 6, 7, 8};
+  LiveRecording recording(scratch.path(), camera, layout);
+  recording.addFrame(frame);
+  recording.addFrame(frame);
+  recording.keepValid();
+  const RecordingProgress progress = recording.progress();
+  recording.close();
+  EXPECT_EQ(progress.frames, 2);
+  EXPECT_EQ(progress.bytes, 16);
+  EXPECT_GE(progress.seconds, 0);
+  EXPECT_EQ(progress.file.substr(progress.file.size() - 15), "Camera- one.ser");
+
+  const SerFile file(scratch.file(progress.file));
+  EXPECT_EQ(file.frameCount, 2);
+  EXPECT_EQ(file.colorId, 10);
+  EXPECT_EQ(file.instrument, "Camera: one");
+  EXPECT_EQ(file.frames.at(1), frame);
+  EXPECT_EQ(file.timeStamps.size(), 2U);
+  EXPECT_EQ(file.unreadBytes, 0);
+}
+
+TEST(LiveRecording, NeedsItsDirectory) {
+  const ScratchDirectory scratch;
+  EXPECT_THROW(LiveRecording(scratch.file("missing"), {}, {4, 2, PixelFormat::Raw8, Mosaic::None}),
+               std::runtime_error);
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,128 @@
+// What the live view says on the screen.
+#include "live_view/live_texts.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace orvane::host {
+
+namespace {
+
+TEST(LiveTexts, Exposure) {
+  EXPECT_EQ(exposureText(1), "1 \u00b5s");
+  EXPECT_EQ(exposureText(999), "999 \u00b5s");
+  EXPECT_EQ(exposureText(1250), "1.25 ms");
+  EXPECT_EQ(exposureText(64000), "64 ms");
+  EXPECT_EQ(exposureText(2500000), "2.5 s");
+}
+
+TEST(LiveTexts, Format) {
+  LiveState state;
+  EXPECT_EQ(formatText(state), "");
+  state.phase = LivePhase::Streaming;
+  state.layout = {1280, 960, PixelFormat::Raw16, Mosaic::Grbg};
+  state.settings.bin = 2;
+  EXPECT_EQ(formatText(state), "1280 \u00d7 960   GRBG   raw16   bin 2");
+  state.layout.mosaic = Mosaic::None;
+  EXPECT_EQ(formatText(state), "1280 \u00d7 960   raw16   bin 2");
+}
+
+TEST(LiveTexts, Temperature) {
+  EXPECT_EQ(temperatureText(-10), "-10.0 \u00b0C");
+  EXPECT_EQ(temperatureText(18.25), "18.2 \u00b0C");
+  EXPECT_EQ(temperatureText(std::numeric_limits<double>::quiet_NaN()), unknownText);
+  EXPECT_EQ(temperatureText(4294967295.0), unknownText);
+}
+
+TEST(LiveTexts, Rate) {
+  EXPECT_EQ(rateText(0), unknownText);
+  EXPECT_EQ(rateText(50.04), "50.0 / s");
+  EXPECT_EQ(rateText(1), "1.0 / s");
+  EXPECT_EQ(rateText(0.1), "1 in 10.0 s");
+}
+
+TEST(LiveTexts, Histogram) {
+  Histogram grey;
+  grey.channel[0].smallest = 3;
+  grey.channel[0].largest = 240;
+  grey.channel[0].mean = 20.26;
+  grey.channel[1].largest = 9999;  // of no meaning
+  EXPECT_EQ(histogramText(grey), "min 3   mean 20.3   max 240");
+  Histogram colour = grey;
+  colour.channels = 3;
+  colour.channel[1] = {{}, 1, 200, 100};
+  colour.channel[2] = {{}, 2, 250, 400};
+  EXPECT_EQ(histogramText(colour), "min 1   mean 173   max 250");
+}
+
+TEST(LiveTexts, Saturation) {
+  EXPECT_EQ(saturationText(0), "0 % saturated");
+  EXPECT_EQ(saturationText(0.00123), "0.12 % saturated");
+  EXPECT_EQ(saturationText(0.5), "50 % saturated");
+}
+
+TEST(LiveTexts, FocusIsTheStarsOrTheEdges) {
+  Focus focus;
+  EXPECT_EQ(focusText(focus), unknownText);
+  focus.sharpness = 12.34;
+  EXPECT_EQ(focusText(focus), "12.3");
+  EXPECT_EQ(focusCaption(focus), "edge sharpness, more is better");
+  focus.star = Star{1, 2, 3.456};
+  EXPECT_EQ(focusText(focus), "3.46 px");
+  EXPECT_EQ(focusCaption(focus), "half-flux diameter, less is better");
+}
+
+TEST(LiveTexts, Recording) {
+  EXPECT_EQ(recordingText({"a.ser", 12, 34500000, 42.9}), "00:42   12 frames   34.5 MB");
+  EXPECT_EQ(recordingText({"a.ser", 90000, 123456789012, 3723}),
+            "62:03   90000 frames   123.46 GB");
+}
+
+TEST(LiveTexts, EmptyPicture) {
+  LiveState state;
+  EXPECT_EQ(emptyPictureText(state), "Looking for cameras\u2026");
+  state.phase = LivePhase::Idle;
+  EXPECT_EQ(emptyPictureText(state), "No camera");
+  state.cameras.resize(2);
+  EXPECT_EQ(emptyPictureText(state), "Press C to choose a camera");
+  state.phase = LivePhase::Lost;
+  EXPECT_EQ(emptyPictureText(state), "No picture");
+  state.phase = LivePhase::Streaming;
+  EXPECT_EQ(emptyPictureText(state), "Waiting for the first frame\u2026");
+  state.frames = 1;
+  EXPECT_EQ(emptyPictureText(state), "");
+}
+
+TEST(LiveTexts, StatusLineTellsOfFramesThatDoNotCome) {
+  LiveState state;
+  state.phase = LivePhase::Streaming;
+  state.settings.exposureUs = 1000000;
+  state.notice = {NoticeKind::Information, "Fine."};
+  state.silentSeconds = 3.4;
+  EXPECT_EQ(statusLine(state).text, "Fine.");
+  state.silentSeconds = 12.2;
+  EXPECT_EQ(statusLine(state).kind, NoticeKind::Warning);
+  EXPECT_EQ(statusLine(state).text,
+            "No frame for 12 s. If none comes, check the cable and press F5.");
+  state.notice = {NoticeKind::Error, "Worse."};
+  EXPECT_EQ(statusLine(state).text, "Worse.");
+}
+
+TEST(LiveTexts, CameraDetails) {
+  CameraDescription camera;
+  camera.maxWidth = 1920;
+  camera.maxHeight = 1080;
+  camera.bitDepth = 12;
+  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   mono");
+  camera.isColor = true;
+  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   colour");
+  camera.mosaic = Mosaic::Bggr;
+  camera.isCooled = true;
+  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   BGGR   cooled");
+}
+
+}  // namespace
+
+}  // namespace orvane::host

@@ -1,0 +1,91 @@
+// Pixels for the screen: brightness, colour and size.
+#include "live_view/screen_pixels.hpp"
+
+#include <gtest/gtest.h>
+
+namespace orvane::host {
+
+namespace {
+
+using Pixels = std::vector<std::uint32_t>;
+
+TEST(ScreenCurves, ShowSamplesAsTheyAre) {
+  ScreenPixels screen;
+  ScreenCurves().apply({2, 1, 3, {0, 65535, 0x8080, 257, 514, 0}}, ScreenTint::Natural, screen);
+  EXPECT_EQ(screen.width, 2);
+  EXPECT_EQ(screen.height, 1);
+  EXPECT_EQ(screen.pixels, (Pixels{0x00FF80, 0x010200}));
+}
+
+TEST(ScreenCurves, GreySamplesAreGreyPixels) {
+  ScreenPixels screen;
+  ScreenCurves().apply({2, 1, 1, {0x4040, 65535}}, ScreenTint::Natural, screen);
+  EXPECT_EQ(screen.pixels, (Pixels{0x404040, 0xFFFFFF}));
+}
+
+TEST(ScreenCurves, EachChannelHasItsOwn) {
+  const ScreenCurves curves({{0, 1000, 0.5}, {0, 65535, 0.5}, {1000, 2000, 0.5}});
+  ScreenPixels screen;
+  curves.apply({1, 1, 3, {1000, 0, 1000}}, ScreenTint::Natural, screen);
+  EXPECT_EQ(screen.pixels, (Pixels{0xFF0000}));
+}
+
+TEST(ScreenCurves, OfOneChannelServeAllThree) {
+  const ScreenCurves curves(std::vector<Stretch>{{0, 1000, 0.5}});
+  ScreenPixels screen;
+  curves.apply({1, 1, 3, {1000, 0, 500}}, ScreenTint::Natural, screen);
+  EXPECT_EQ(screen.pixels, (Pixels{0xFF0080}));
+}
+
+TEST(ScreenCurves, RedTintLeavesNoOtherColour) {
+  ScreenPixels screen;
+  ScreenCurves().apply({3, 1, 3, {65535, 65535, 65535, 0, 65535, 0, 0, 0, 65535}}, ScreenTint::Red,
+                       screen);
+  EXPECT_EQ(screen.pixels, (Pixels{0xFF0000, 0x950000, 0x1C0000}));
+}
+
+ScreenPixels drawn(const ScreenPixels& screen, int width, int height) {
+  ScreenPixels target{width, height, Pixels(static_cast<std::size_t>(width * height), 0x123456)};
+  drawScaled(screen, {target.pixels.data(), width, width, height});
+  return target;
+}
+
+TEST(DrawScaled, OfTheSameSizeIsACopy) {
+  const ScreenPixels screen{3, 2, {1, 2, 3, 4, 5, 6}};
+  EXPECT_EQ(drawn(screen, 3, 2).pixels, screen.pixels);
+}
+
+TEST(DrawScaled, LeavesWhatLiesBesideTheTarget) {
+  Pixels picture(12, 7);
+  const ScreenPixels screen{2, 2, {1, 2, 3, 4}};
+  drawScaled(screen, {picture.data() + 5, 4, 2, 2});
+  EXPECT_EQ(picture, (Pixels{7, 7, 7, 7, 7, 1, 2, 7, 7, 3, 4, 7}));
+}
+
+TEST(DrawScaled, MixesChannelsByThemselves) {
+  const ScreenPixels screen{2, 1, {0x00FF00, 0xFF00FF}};
+  // A quarter and three quarters of the way between the two pixels' middles.
+  EXPECT_EQ(drawn(screen, 4, 1).pixels, (Pixels{0x00FF00, 0x3FBF3F, 0xBF3FBF, 0xFF00FF}));
+}
+
+TEST(DrawScaled, EvenSurfacesStayEven) {
+  const ScreenPixels screen{5, 4, Pixels(20, 0xABCDEF)};
+  for (const auto& [width, height] : {std::pair{3, 2}, std::pair{11, 9}, std::pair{1, 1}}) {
+    EXPECT_EQ(drawn(screen, width, height).pixels,
+              Pixels(static_cast<std::size_t>(width * height), 0xABCDEF));
+  }
+}
+
+TEST(DrawScaled, HalvesBetweenTwoPixels) {
+  const ScreenPixels screen{4, 2, {0x10, 0x20, 0x30, 0x40, 0x30, 0x40, 0x50, 0x60}};
+  EXPECT_EQ(drawn(screen, 2, 1).pixels, (Pixels{0x28, 0x48}));
+}
+
+TEST(DrawScaled, DrawsNothingWhereThereIsNothing) {
+  drawScaled({}, {nullptr, 0, 10, 10});
+  drawScaled({1, 1, {5}}, {nullptr, 0, 0, 10});
+}
+
+}  // namespace
+
+}  // namespace orvane::host
