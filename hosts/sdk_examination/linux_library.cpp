@@ -9,7 +9,7 @@ namespace orvane::host {
 namespace {
 
 constexpr Processor processors[] = {
-    {62, "x64", 64}, {3, "x86", 32}, {183, "ARM64", 64}, {40, "ARM", 32}};
+    {"x64", 62, 64}, {"x86", 3, 32}, {"ARM64", 183, 64}, {"ARM", 40, 32}};
 
 constexpr std::uint64_t programHeaderSize = 56;
 constexpr std::uint64_t dynamicEntrySize = 16;

@@ -11,8 +11,8 @@ namespace orvane::host {
 
 /// A processor, and its number in a format of libraries.
 struct Processor {
-  std::uint16_t machine;
   const char* name;
+  std::uint16_t machine;
   int bits;
 };
 
@@ -23,8 +23,7 @@ inline constexpr const char* thisProcessor = "ARM64";
 inline constexpr const char* thisProcessor = "x64";
 #endif
 
-/// Fills in for which processor a file is. One that is not known has 64 bits only if `otherBits`
-/// says so.
+/// Fills in for which processor a file is. One that is not known has `otherBits` bits.
 inline void describeProcessor(std::span<const Processor> known, std::uint16_t machine,
                               int otherBits, LibraryFile& file) {
   file.processor = "processor " + std::to_string(machine);

@@ -25,7 +25,7 @@ struct Section {
 };
 
 constexpr Processor processors[] = {
-    {0x8664, "x64", 64}, {0x014c, "x86", 32}, {0xaa64, "ARM64", 64}, {0x01c4, "ARM", 32}};
+    {"x64", 0x8664, 64}, {"x86", 0x014c, 32}, {"ARM64", 0xaa64, 64}, {"ARM", 0x01c4, 32}};
 
 // A file of which the headers have been found.
 class WindowsLibrary {

@@ -83,7 +83,7 @@ std::string Recording::open(const std::string& path) {
     return "it is no SER recording";
   }
   Format format;
-  const std::string problem = readFormat(header, size, format);
+  std::string problem = readFormat(header, size, format);
   if (!problem.empty()) {
     return problem;
   }
