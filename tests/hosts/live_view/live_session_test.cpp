@@ -276,6 +276,20 @@ TEST_F(LiveSessionTest, CablesArePulledAndPutInAtChosenCalls) {
   EXPECT_EQ(session.state().phase, LivePhase::Streaming);
 }
 
+TEST_F(LiveSessionTest, OfTwoOfAKindTheOneOfBeforeIsOpenedAgain) {
+  SimCamera twin = colourCamera();
+  twin.id = 8;
+  sdk.setCameras({colourCamera(), twin});
+  LiveSession session(options("1"));
+  session.start();
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().chosen, 1U);
+  sdk.set_plugged(0, 0);
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().chosen, 0U);
+  EXPECT_TRUE(session.isStreaming());
+}
+
 TEST_F(LiveSessionTest, WhenItsCameraIsGoneAnotherCanBeChosen) {
   LiveSession session(options());
   session.start();
