@@ -58,6 +58,7 @@ bool LivePicture::measure(Clock::time_point now) {
   const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
   reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
   range_->add(frame_.bytes());
+  measurements_.areThere = true;
   measurements_.histogram = histogramOf(frame_.bytes(), frame_.layout, range_->fullScale());
   measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor, followed_);
   measureTrend();

@@ -33,6 +33,7 @@ struct PictureView {
 
 /// What the frames of late are like.
 struct Measurements {
+  bool areThere = false;  ///< a frame has been measured
   Histogram histogram;
   Focus focus;
   std::deque<double> diameters;         ///< half-flux diameters, the latest last

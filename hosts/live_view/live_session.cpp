@@ -87,7 +87,7 @@ bool LiveSession::poll() {
       return true;
     }
     std::this_thread::sleep_for(pauseWithoutFrame);
-  } catch (const CameraError& error) {
+  } catch (const std::exception& error) {
     readFailed(error.what());
   }
   return false;
@@ -123,16 +123,29 @@ void LiveSession::carry(const RescanRequest&) {
     openFirst();
     return;
   }
-  const auto found = std::find_if(
-      state_.cameras.begin(), state_.cameras.end(),
-      [&](const CameraDescription& camera) { return camera.name == state_.cameraName; });
-  if (found == state_.cameras.end()) {
+  const std::optional<std::size_t> position = positionOfBefore();
+  if (!position) {
     state_.phase = LivePhase::Lost;
     say(NoticeKind::Warning, state_.cameraName + " is not there; plug it in and press F5. Found: " +
                                  numberOf(state_.cameras.size(), "camera") + ".");
     return;
   }
-  open(static_cast<std::size_t>(found - state_.cameras.begin()), state_.settings);
+  open(*position, state_.settings);
+}
+
+// Where the camera that was open is now. Of several of a kind, it is where it was before.
+std::optional<std::size_t> LiveSession::positionOfBefore() const {
+  const auto isIt = [this](const CameraDescription& camera) {
+    return camera.name == state_.cameraName;
+  };
+  if (lastPosition_ < state_.cameras.size() && isIt(state_.cameras[lastPosition_])) {
+    return lastPosition_;
+  }
+  const auto found = std::find_if(state_.cameras.begin(), state_.cameras.end(), isIt);
+  if (found == state_.cameras.end()) {
+    return std::nullopt;
+  }
+  return static_cast<std::size_t>(found - state_.cameras.begin());
 }
 
 void LiveSession::carry(const ChooseRequest& request) {
@@ -244,6 +257,7 @@ void LiveSession::open(std::size_t position, const CameraSettings& settings) {
   ++state_.opening;
   const CameraDescription& camera = state_.cameras[position];
   state_.cameraName = camera.name;
+  lastPosition_ = position;
   try {
     camera_.emplace(camera, settings);
   } catch (const CameraError& error) {

@@ -119,6 +119,7 @@ class LiveSession {
   bool mayReopen();
   void scan();
   void openFirst();
+  std::optional<std::size_t> positionOfBefore() const;
   void open(std::size_t position, const CameraSettings& settings);
   void reopen(const CameraSettings& settings);
   void close();
@@ -131,6 +132,7 @@ class LiveSession {
   LiveState state_;
   std::optional<CameraSession> camera_;
   std::optional<LiveRecording> recording_;
+  std::size_t lastPosition_ = 0;  // of the camera that was opened last
   LiveFrame frame_;
   RateMeter rate_;
   Clock::time_point lastFrame_;

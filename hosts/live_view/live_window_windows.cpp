@@ -155,6 +155,11 @@ LRESULT LiveWindow::handle(UINT message, WPARAM word, LPARAM number) {
       wheelTurned(point.x, point.y, GET_WHEEL_DELTA_WPARAM(word) > 0 ? 1 : -1);
       return 0;
     }
+    case WM_ENDSESSION:
+      if (word != FALSE) {
+        camera_.reset();  // the process may end as soon as this returns
+      }
+      return 0;
     case WM_CLOSE:
       ShowWindow(window_, SW_HIDE);  // the camera may need a moment
       camera_.reset();
@@ -263,6 +268,9 @@ void LiveWindow::stateCame(const LiveState& state) {
 }
 
 void LiveWindow::keyPressed(const KeyPress& press) {
+  if (!camera_) {
+    return;
+  }
   if (overlay_ == Overlay::Cameras && keyInCameraList(press)) {
     return;
   }
@@ -346,6 +354,9 @@ void LiveWindow::carryOut(ViewCommand command) {
 }
 
 void LiveWindow::mousePressed(int x, int y) {
+  if (!camera_) {
+    return;
+  }
   const std::array<std::pair<Drag, const SliderPlace*>, 3> sliders = {
       {{Drag::Exposure, &layout_.exposure},
        {Drag::Gain, &layout_.gain},

@@ -208,8 +208,7 @@ class PanelDrawing {
   }
 
   bool isMeasured() const {
-    return content_.state.phase == LivePhase::Streaming &&
-           content_.measurements.histogram.channel[0].largest > 0;
+    return content_.state.phase == LivePhase::Streaming && content_.measurements.areThere;
   }
 
   Canvas& canvas_;

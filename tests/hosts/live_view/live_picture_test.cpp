@@ -146,7 +146,9 @@ TEST(LivePicture, MeasuresFromTimeToTime) {
   LivePicture picture;
   LiveFrame frame = frameWithStar(100, 50, 1);
   picture.setFrame(frame);
+  EXPECT_FALSE(picture.measurements().areThere);
   EXPECT_TRUE(picture.measure(start));
+  EXPECT_TRUE(picture.measurements().areThere);
   EXPECT_FALSE(picture.measure(start + std::chrono::milliseconds(100)));
   EXPECT_TRUE(picture.measure(start + std::chrono::hours(1)));
   EXPECT_EQ(picture.measurements().diameters.size(), 2U);

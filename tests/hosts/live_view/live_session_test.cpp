@@ -260,6 +260,36 @@ TEST_F(LiveSessionTest, ACameraThatComesBackHasItsSettings) {
   EXPECT_GT(framesOf(session, 5), 0);
 }
 
+// As the environment of a program can ask for it, which has no hands to pull a cable.
+TEST_F(LiveSessionTest, CablesArePulledAndPutInAtChosenCalls) {
+  ASSERT_EQ(sdk.command("unplug 0 ASIGetVideoData 4; plug 0 ASIGetNumOfConnectedCameras 3"), 1);
+  EXPECT_EQ(sdk.command("plug 0 ASIGetVideoData"), 0);
+  EXPECT_EQ(sdk.command("plug 0 ASIGetVideoData 1 1"), 0);
+  LiveSession session(options());
+  session.start();
+  framesOf(session, 50);
+  EXPECT_EQ(session.state().phase, LivePhase::Lost);
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().cameras.size(), 1U);
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().cameras.size(), 2U);
+  EXPECT_EQ(session.state().phase, LivePhase::Streaming);
+}
+
+TEST_F(LiveSessionTest, OfTwoOfAKindTheOneOfBeforeIsOpenedAgain) {
+  SimCamera twin = colourCamera();
+  twin.id = 8;
+  sdk.setCameras({colourCamera(), twin});
+  LiveSession session(options("1"));
+  session.start();
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().chosen, 1U);
+  sdk.set_plugged(0, 0);
+  session.carryOut(RescanRequest{});
+  EXPECT_EQ(session.state().chosen, 0U);
+  EXPECT_TRUE(session.isStreaming());
+}
+
 TEST_F(LiveSessionTest, WhenItsCameraIsGoneAnotherCanBeChosen) {
   LiveSession session(options());
   session.start();
