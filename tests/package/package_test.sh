@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Makes the package of a build, unpacks it into a directory with blanks and accents in its name, and
 # builds and runs programs against it that know nothing of the source tree.
-#   package_test.sh BUILD SCRATCH CMAKE COMPILER [TOOLCHAIN-FILE EMULATOR]
-# With an emulator the package is the one for Windows.
+#   package_test.sh BUILD SCRATCH CMAKE COMPILER TOOLCHAIN-FILE EMULATOR PYTHON
+# With an emulator the package is the one for Windows. The last three may be empty.
 set -euo pipefail
-build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=${5:-} emulator=${6:-}
+build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=$5 emulator=$6 python=$7
 export LC_ALL=C.UTF-8
 # What a user of the library may have set must not help.
 unset CMAKE_PREFIX_PATH PKG_CONFIG_PATH LD_LIBRARY_PATH
@@ -139,5 +139,10 @@ if [ -n "$emulator" ]; then
   "${compiler%%-gcc*}-dlltool" -d "$package/lib/orvane_desktop_camera.def" -l "$away/made.lib"
   "$compiler" "$away/list.c" -I"$package/include" "$away/made.lib" -o "$package/bin/list.exe"
   expect_start "list" "SDKs: $names" "$package/bin/list.exe" "$sdks"
+fi
+if [ -z "$emulator" ] && [ -n "$python" ]; then
+  echo "== the Python module finds its package's library"
+  expect_start "list_cameras" "SDKs: $names" \
+    "$python" -B "$package/bindings/python/samples/list_cameras.py" "$sdks"
 fi
 echo "== the package serves"
