@@ -39,6 +39,8 @@
 #  include <dlfcn.h>
 #endif
 
+/* NOLINTBEGIN(modernize-use-nullptr): C programs read this file too */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -180,5 +182,7 @@ static inline int orvane_desktop_camera_load(OrvaneDesktopCamera* camera, const 
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-use-nullptr) */
 
 #endif

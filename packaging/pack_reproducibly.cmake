@@ -28,7 +28,7 @@ foreach(archive IN LISTS CPACK_PACKAGE_FILES)
   else()
     execute_process(
       COMMAND tar --create --sort=name --format=ustar --owner=0 --group=0 --numeric-owner
-        --mtime=@$ENV{SOURCE_DATE_EPOCH} "${root}"
+        --mode=u=rwX,go=rX --mtime=@$ENV{SOURCE_DATE_EPOCH} "${root}"
       COMMAND gzip -n -9
       OUTPUT_FILE "${archive}"
       WORKING_DIRECTORY "${directory}"

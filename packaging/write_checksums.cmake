@@ -10,3 +10,6 @@ foreach(name IN LISTS names)
   string(APPEND lines "${sum}  ${name}\n")
 endforeach()
 file(WRITE "${root}/SHA256SUMS" "${lines}")
+# Whatever the user's umask.
+file(CHMOD "${root}/SHA256SUMS"
+  PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)

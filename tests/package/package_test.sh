@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Makes the package of a build, unpacks it into a directory with blanks and accents in its name, and
 # builds and runs programs against it that know nothing of the source tree.
-#   package_test.sh BUILD SCRATCH CMAKE COMPILER [TOOLCHAIN-FILE EMULATOR]
-# With an emulator the package is the one for Windows.
+#   package_test.sh BUILD SCRATCH CMAKE COMPILER TOOLCHAIN-FILE EMULATOR PYTHON
+# With an emulator the package is the one for Windows. The last three may be empty.
 set -euo pipefail
-build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=${5:-} emulator=${6:-}
+build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=$5 emulator=$6 python=$7
 export LC_ALL=C.UTF-8
 # What a user of the library may have set must not help.
 unset CMAKE_PREFIX_PATH PKG_CONFIG_PATH LD_LIBRARY_PATH
@@ -14,9 +14,13 @@ fail() {
   exit 1
 }
 
-# Runs a program of the package's system; arguments that are paths are given by windows_path.
+# Runs a program of the package's system and writes what it wrote; arguments that are paths are given
+# by windows_path. Through a file: Wine's own processes would hold a pipe open.
 run() {
-  if [ -n "$emulator" ]; then "$emulator" "$@" | tr -d '\r'; else "$@"; fi
+  local status=0
+  ${emulator:+"$emulator"} "$@" >"$scratch/output" 2>&1 || status=$?
+  tr -d '\r' <"$scratch/output"
+  return "$status"
 }
 windows_path() {
   if [ -n "$emulator" ]; then printf 'Z:%s' "${1//\//\\}"; else printf '%s' "$1"; fi
@@ -26,7 +30,7 @@ windows_path() {
 expect_start() {
   local what=$1 text=$2 output
   shift 2
-  output=$(run "$@" 2>&1) || fail "$what: status $?: $output"
+  output=$(run "$@") || fail "$what: status $?: $output"
   [ "${output:0:${#text}}" = "$text" ] || fail "$what: wrote: $output"
   echo "-- $what: ${output%%$'\n'*}"
 }
@@ -37,14 +41,15 @@ scratch=$(cd "$scratch" && pwd -P)
 
 echo "== pack, twice"
 suffix=$([ -n "$emulator" ] && echo windows-x64.zip || echo linux-x64.tar.gz)
-for number in 1 2; do
-  SOURCE_DATE_EPOCH=1700000000 TZ=$([ "$number" = 1 ] && echo UTC || echo Asia/Tokyo) \
+masks=(022 077) zones=(UTC Asia/Tokyo)
+for number in 0 1; do
+  (umask "${masks[number]}" && SOURCE_DATE_EPOCH=1700000000 TZ=${zones[number]} \
     "$(dirname "$cmake")/cpack" --config "$build/CPackConfig.cmake" -B "$scratch/pack$number" \
-    >"$scratch/pack$number.log" 2>&1 || fail "$(cat "$scratch/pack$number.log")"
+    >"$scratch/pack$number.log" 2>&1) || fail "$(cat "$scratch/pack$number.log")"
 done
-archive=$(echo "$scratch"/pack1/orvane-desktop-camera-*-"$suffix")
+archive=$(echo "$scratch"/pack0/orvane-desktop-camera-*-"$suffix")
 [ -f "$archive" ] || fail "no archive $archive"
-cmp "$archive" "$scratch/pack2/$(basename "$archive")" || fail "two packages of one build differ"
+cmp "$archive" "$scratch/pack1/$(basename "$archive")" || fail "two packages of one build differ"
 echo "-- $(basename "$archive"): $(stat -c %s "$archive") bytes"
 
 echo "== unpack"
@@ -139,5 +144,10 @@ if [ -n "$emulator" ]; then
   "${compiler%%-gcc*}-dlltool" -d "$package/lib/orvane_desktop_camera.def" -l "$away/made.lib"
   "$compiler" "$away/list.c" -I"$package/include" "$away/made.lib" -o "$package/bin/list.exe"
   expect_start "list" "SDKs: $names" "$package/bin/list.exe" "$sdks"
+fi
+if [ -z "$emulator" ] && [ -n "$python" ]; then
+  echo "== the Python module finds its package's library"
+  expect_start "list_cameras" "SDKs: $names" \
+    "$python" -B "$package/bindings/python/samples/list_cameras.py" "$sdks"
 fi
 echo "== the package serves"
