@@ -3,7 +3,7 @@
 # each maker's simulated SDK, and random sessions. Fails when memory or handles grow, or when the last
 # tenth of a run takes more than twice as long as the first.
 #   soak.sh [PRESET...]      of linux-x64, windows-x64; without any, both
-# SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (1000000) choose other lengths.
+# SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (250000) choose other lengths.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -12,7 +12,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_too
 
 export ORVANE_SOAK_CYCLES="${SOAK_CYCLES:-10000}"
 export ORVANE_SOAK_READS="${SOAK_READS:-1000000}"
-export ORVANE_RANDOM_STEPS="${SOAK_RANDOM_STEPS:-1000000}"
+export ORVANE_RANDOM_STEPS="${SOAK_RANDOM_STEPS:-250000}"
 export ORVANE_SOAK_RATIO=200
 presets=("$@")
 if [ ${#presets[@]} -eq 0 ]; then
