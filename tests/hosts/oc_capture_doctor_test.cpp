@@ -127,8 +127,7 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
   EXPECT_EQ(std::regex_replace(result.out, counts, "N of N libraries found"),
             healthy("ZWO ASI", "ASICamera2", "15") +
                 healthy("Player One", "PlayerOneCamera", "17") + healthy("QHYCCD", "qhyccd", "20") +
-                healthy("ToupTek", "toupcam", "17") + notAsked +
-                "Found 4 of 4 SDKs, 4 healthy.\n");
+                healthy("ToupTek", "toupcam", "17") + notAsked + "Found 4 of 4 SDKs, 4 healthy.\n");
 }
 
 TEST_F(OcCaptureDoctor, EmptyDirectoryIsNoFailure) {
@@ -146,8 +145,7 @@ TEST_F(OcCaptureDoctor, OneSdkThatIsMissingIsNoFailure) {
   const ProgramResult result = doctor();
   EXPECT_EQ(result.status, 0);
   EXPECT_NE(result.out.find(notThere("QHYCCD", "qhyccd")), std::string::npos) << result.out;
-  EXPECT_NE(result.out.find("\nFound 3 of 4 SDKs, 3 healthy.\n"), std::string::npos)
-      << result.out;
+  EXPECT_NE(result.out.find("\nFound 3 of 4 SDKs, 3 healthy.\n"), std::string::npos) << result.out;
 }
 
 TEST_F(OcCaptureDoctor, DirectoryThatDoesNotExist) {
