@@ -82,7 +82,7 @@ class NeighbourMeans {
         }
       }
     }
-    return (2 * sum + count) / (2 * count);
+    return count == 0 ? -1 : (2 * sum + count) / (2 * count);
   }
 
  private:
