@@ -14,7 +14,7 @@ fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-clones=("$work/one" "$work/a second directory, elsewhere")
+clones=("$work/one" "$work/a second directory elsewhere")
 # The second differs in what must not matter.
 zones=(UTC Asia/Tokyo)
 masks=(022 002)
