@@ -26,13 +26,25 @@ class OcCaptureOptions : public OcCaptureTest {
     return options;
   }
 
+  // "--scene" with a recording.
+  std::vector<std::string> sceneArguments() const {
+    const std::string file = utf8(scratch.file("scene.ser"));
+    EXPECT_EQ(run({"record", "--sdk", sdks.utf8(), "--camera", "0", "--frames", "1", "--out", file})
+                  .status,
+              0);
+    return {"--scene", file};
+  }
+
   // Runs the command with each of these sets of arguments; together they must hold each option.
   void expectAllTaken(const std::string& command,
                       const std::vector<std::vector<std::string>>& argumentSets) const {
     std::set<std::string> left = optionsInHelp(command);
     EXPECT_GE(left.size(), 3U);
+    const std::vector<std::string> scene =
+        left.count("--scene") > 0 ? sceneArguments() : std::vector<std::string>();
     for (std::vector<std::string> arguments : argumentSets) {
       arguments.insert(arguments.begin(), command);
+      arguments.insert(arguments.end(), scene.begin(), scene.end());
       const ProgramResult result = run(arguments);
       EXPECT_EQ(result.status, 0) << result.err;
       for (const std::string& argument : arguments) {
@@ -111,8 +123,12 @@ TEST_F(OcCaptureOptions, PlayTakesAll) {
                           joined(out, {"--swap-rb", utf8(colours)})});
 }
 
+TEST_F(OcCaptureOptions, DoctorTakesAll) {
+  expectAllTaken("doctor", {{"--sdk", sdks.utf8(), "--json", "--scan"}});
+}
+
 TEST_F(OcCaptureOptions, HelpHasAnExampleForEachCommand) {
-  for (const char* command : {"list", "record", "snap", "bench", "watch", "play"}) {
+  for (const char* command : {"list", "record", "snap", "bench", "watch", "play", "doctor"}) {
     const std::string help = run({command, "--help"}).out;
     EXPECT_NE(help.find("Examples:\n  oc_capture " + std::string(command) + " "), std::string::npos)
         << help;
