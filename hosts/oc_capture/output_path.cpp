@@ -16,7 +16,7 @@ bool hasEnding(const std::filesystem::path& path, const std::string& ending) {
 
 std::filesystem::path readOutputPath(const std::string& text,
                                      const std::vector<std::string>& endings) {
-  const std::filesystem::path path = pathFromUtf8(text);
+  std::filesystem::path path = pathFromUtf8(text);
   if (std::none_of(endings.begin(), endings.end(),
                    [&](const std::string& ending) { return hasEnding(path, ending); })) {
     throw UsageError("--out needs a file name that ends in " + alternatives(endings) + ", not " +

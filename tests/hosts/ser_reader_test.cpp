@@ -14,7 +14,6 @@ namespace orvane::host {
 
 namespace {
 
-using orvane::testing::contentOf;
 using orvane::testing::ScratchDirectory;
 using orvane::testing::utf8;
 using Bytes = std::vector<std::uint8_t>;
