@@ -16,9 +16,9 @@ constexpr std::array<double, 10> decade = {1, 1.25, 1.6, 2, 2.5, 3.2, 4, 5, 6.4,
 const std::vector<std::int64_t>& stepTable() {
   static const std::vector<std::int64_t> table = [] {
     std::vector<std::int64_t> steps;
-    for (double unit = 1; unit <= static_cast<double>(longestExposureUs); unit *= 10) {
+    for (std::int64_t unit = 1; unit <= longestExposureUs; unit *= 10) {
       for (const double factor : decade) {
-        const std::int64_t step = std::llround(unit * factor);
+        const std::int64_t step = std::llround(static_cast<double>(unit) * factor);
         // A few microseconds leave no room for ten steps.
         if (step <= longestExposureUs && (steps.empty() || step > steps.back())) {
           steps.push_back(step);

@@ -348,7 +348,7 @@ void LiveSession::endRecording(const std::string& because) {
   }
 }
 
-void LiveSession::say(NoticeKind kind, std::string text) {
+void LiveSession::say(NoticeKind kind, const std::string& text) {
   state_.notice = {kind, validUtf8(text)};
 }
 

@@ -126,7 +126,7 @@ class LiveSession {
   void frameCame(std::size_t size);
   void readFailed(const std::string& text);
   void endRecording(const std::string& because);
-  void say(NoticeKind kind, std::string text);
+  void say(NoticeKind kind, const std::string& text);
 
   LiveOptions options_;
   LiveState state_;

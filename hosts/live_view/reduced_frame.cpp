@@ -37,8 +37,9 @@ struct Square {
   int side;
 };
 
+// Much faster than the standard library's, which heeds the rounding mode.
 std::uint16_t rounded(float value) {
-  return static_cast<std::uint16_t>(value + 0.5F);
+  return static_cast<std::uint16_t>((static_cast<std::uint32_t>(2 * value) + 1) / 2);
 }
 
 template <class Samples>

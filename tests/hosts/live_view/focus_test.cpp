@@ -137,7 +137,9 @@ TEST(Focus, NoiseAloneHasNoStar) {
 }
 
 TEST(Focus, StarsAtTheBorderDoNotLeadOutOfTheFrame) {
-  for (const auto& [x0, y0] : {std::pair{0.0, 0.0}, std::pair{400.0, 300.0}}) {
+  for (const auto& corner : {std::pair{0.0, 0.0}, std::pair{400.0, 300.0}}) {
+    const double x0 = corner.first;
+    const double y0 = corner.second;
     const auto frame =
         frame16(mono, [&](int x, int y) { return 500 + starLight(x, y, x0, y0, 2, 30000); });
     const Focus focus = focusOf(frame, mono, 1);

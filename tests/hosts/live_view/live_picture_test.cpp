@@ -34,10 +34,14 @@ struct Area {
   Area(int areaWidth, int areaHeight)
       : width(areaWidth),
         height(areaHeight),
-        pixels(static_cast<std::size_t>(areaWidth * areaHeight), 0xFFFFFFFF) {}
+        pixels(static_cast<std::size_t>(areaWidth) * static_cast<std::size_t>(areaHeight),
+               0xFFFFFFFF) {}
 
   ScreenTarget target() { return {pixels.data(), width, width, height}; }
-  std::uint32_t at(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
+  std::uint32_t at(int x, int y) const {
+    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                     static_cast<std::size_t>(x));
+  }
 
   int width;
   int height;
