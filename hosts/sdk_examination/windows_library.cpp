@@ -115,7 +115,7 @@ std::optional<std::string> versionIn(const ByteReader& bytes, std::uint64_t offs
     return std::nullopt;
   }
   std::string version;
-  for (const std::uint64_t at : {10, 8, 14, 12}) {
+  for (const std::uint64_t at : {10U, 8U, 14U, 12U}) {
     version += (version.empty() ? "" : ".") +
                std::to_string(bytes.number<std::uint16_t>(offset + titleEnd + at));
   }
