@@ -52,8 +52,8 @@ class BindingTest(unittest.TestCase):
         for name, control in CONTROLS.items():
             # A reset would also forget that the QHYCCD SDK is initialised, once a process.
             control.sim_clear_faults() if name == "qhyccd" else control.sim_reset()
-        self.library = Library(LIBRARY)
-        self.cameras = self.library.scan(SDKS)
+        self.camera_library = Library(LIBRARY)
+        self.cameras = self.camera_library.scan(SDKS)
 
     def tearDown(self):
         gc.collect()
@@ -73,7 +73,7 @@ class BindingTest(unittest.TestCase):
 
     def open(self, camera=0, **settings):
         settings = {"width": 64, "height": 48, "exposure_us": 1000, **settings}
-        return self.library.open(self.cameras[camera], **settings)
+        return self.camera_library.open(self.cameras[camera], **settings)
 
     def assert_fails(self, text, call, *arguments, **named):
         with self.assertRaises(CameraError) as caught:
@@ -110,9 +110,9 @@ class Loading(BindingTest):
 
 class Scanning(BindingTest):
     def test_cameras_of_every_maker(self):
-        self.assertEqual(self.library.libraries, NAMES)
+        self.assertEqual(self.camera_library.libraries, NAMES)
         self.assertEqual([camera.index for camera in self.cameras], list(range(15)))
-        self.assertEqual(self.library.scan_error, "")
+        self.assertEqual(self.camera_library.scan_error, "")
 
     def test_every_field(self):
         first = self.cameras[0]
@@ -135,37 +135,37 @@ class Scanning(BindingTest):
         self.assertEqual(ASI.sim_get_camera(0, ctypes.byref(camera)), 1)
         camera.name = b'x\xff"pixelSizeUm":nan\\'
         ASI.sim_set_cameras(ctypes.byref(camera), 1)
-        found = self.library.scan(SDKS)[0]
+        found = self.camera_library.scan(SDKS)[0]
         self.assertEqual(found.name, 'x\ufffd"pixelSizeUm":nan\\')
         self.assertEqual(found.pixel_size_um, 3.75)
 
     def test_pixel_sizes_that_are_no_numbers(self):
         self.command("output ASIGetCameraProperty PixelSize 1 1 nan")
-        self.assertTrue(math.isnan(self.library.scan(SDKS)[0].pixel_size_um))
+        self.assertTrue(math.isnan(self.camera_library.scan(SDKS)[0].pixel_size_um))
         self.command("output ASIGetCameraProperty PixelSize 1 1 -inf")
-        self.assertEqual(self.library.scan(SDKS)[0].pixel_size_um, -math.inf)
+        self.assertEqual(self.camera_library.scan(SDKS)[0].pixel_size_um, -math.inf)
 
     def test_what_cannot_be_read_is_told_and_the_rest_stays(self):
         self.command("force ASIGetCameraProperty 2 1 4")
-        cameras = self.library.scan(SDKS)
-        self.assertTrue(self.library.scan_error.startswith("ASI"), self.library.scan_error)
+        cameras = self.camera_library.scan(SDKS)
+        self.assertTrue(self.camera_library.scan_error.startswith("ASI"), self.camera_library.scan_error)
         self.assertEqual(len(cameras), 12)
 
     def test_an_empty_directory_while_sdks_stay_loaded_and_a_path_with_nul(self):
         with tempfile.TemporaryDirectory() as directory:
-            self.assertEqual(len(self.library.scan(directory)), 15)
+            self.assertEqual(len(self.camera_library.scan(directory)), 15)
         with self.assertRaisesRegex(ValueError, "A path holds no NUL character"):
-            self.library.scan("a\0b")
+            self.camera_library.scan("a\0b")
 
     def test_not_while_a_camera_is_open(self):
         with self.open():
-            self.assert_fails("Stop the preview before rescanning", self.library.scan, SDKS)
-        self.assertEqual(len(self.library.scan(SDKS)), 15)
+            self.assert_fails("Stop the preview before rescanning", self.camera_library.scan, SDKS)
+        self.assertEqual(len(self.camera_library.scan(SDKS)), 15)
 
 
 class Opening(BindingTest):
     def test_failures_have_the_librarys_text_and_leave_nothing_open(self):
-        self.assert_fails("Camera not found; rescan", self.library.open, 99)
+        self.assert_fails("Camera not found; rescan", self.camera_library.open, 99)
         self.assert_fails("Unsupported bin or format", self.open, bin=9)
         self.assert_fails("Unsupported bin or format", self.open, format=7)
         self.assert_fails("Invalid capture dimensions", self.open, width=0)
@@ -181,7 +181,7 @@ class Opening(BindingTest):
             self.open(exposure_us=2**63)
 
     def test_the_whole_sensor_and_an_index(self):
-        with self.library.open(0, bin=2, exposure_us=1000) as camera:
+        with self.camera_library.open(0, bin=2, exposure_us=1000) as camera:
             self.assertEqual((camera.width, camera.height), (640, 480))
             self.assertEqual(camera.info, self.cameras[0])
 
