@@ -2,22 +2,23 @@
 
 usage: recording.py OC_CAPTURE INSTANT_SDK_DIRECTORY COPY_AND_WRITE MEMORY_DIRECTORY DISK_DIRECTORY
 
-The camera's frames are prepared beforehand, so that delivering one is a copy. Both contenders run in
-turn, in random order; what counts is the ratio of their medians. The exit status is 1 when recording
-into memory is slower than GATE times the loop.
+The camera's frames are prepared beforehand, so that delivering one is a copy; it delivers faster than any
+file takes them, and what finds no room in the recorder's memory is dropped. What counts is the time from
+the first poll until the last frame is in the file. Both contenders run in turn, in random order, and the
+medians are compared. The exit status is 1 when recording into memory is slower than GATE times the loop.
 """
 
+import json
 import os
 import pathlib
 import random
-import re
 import statistics
 import subprocess
 import sys
 import tempfile
 
 GATE = 0.80
-ROUNDS = 9
+ROUNDS = 5
 WIDTH, HEIGHT = 1936, 1096
 BYTES_PER_PIXEL = {"raw16": 2, "rgb24": 3}
 
@@ -38,14 +39,13 @@ def record(program, sdk, file, pixel_format, frames):
     """Returns MB/s, dropped frames and peak memory in MB."""
     environment = dict(os.environ, ORVANE_INSTANT_SIZE=f"{WIDTH}x{HEIGHT}")
     text, memory = run([program, "record", "--sdk", sdk, "--camera", "0", "--format", pixel_format,
-                        "--exposure", "1ms", "--frames", str(frames), "--overwrite", "--out",
-                        str(file)], environment)
-    rate = re.search(r"\(([0-9.]+) fps\)", text)
-    if rate is None:
-        sys.exit(f"no rate in: {text}")
-    dropped = re.search(r"([0-9]+) (?:frames? )?dropped", text)
-    megabytes = WIDTH * HEIGHT * BYTES_PER_PIXEL[pixel_format] / 1e6
-    return float(rate.group(1)) * megabytes, int(dropped.group(1)) if dropped else 0, memory
+                        "--exposure", "1ms", "--frames", str(frames), "--overwrite", "--quiet",
+                        "--json", "--out", str(file)], environment)
+    report = json.loads(text)
+    if report["frames"] != frames or report["error"]:
+        sys.exit(f"not all frames were recorded: {text}")
+    size = WIDTH * HEIGHT * BYTES_PER_PIXEL[pixel_format] * frames
+    return size / report["secondsUntilWritten"] / 1e6, report["droppedFrames"], memory
 
 
 def measure(program, sdk, loop, directory, pixel_format, frames):
@@ -83,10 +83,10 @@ def main():
           f" {'ratio':>6} {'dropped':>8} {'peak memory':>11}")
     ratios = []
     for pixel_format in BYTES_PER_PIXEL:
-        for frames in (100, 300):
+        for frames in (300, 900):
             ratios.append(measure(program, sdk, loop, memory_directory, pixel_format, frames))
     for pixel_format in BYTES_PER_PIXEL:
-        measure(program, sdk, loop, disk_directory, pixel_format, 100)
+        measure(program, sdk, loop, disk_directory, pixel_format, 300)
     is_held = min(ratios) >= GATE
     print(f"  recording into memory at least {GATE:.2f} of the loop: {'yes' if is_held else 'NO'}")
     sys.exit(0 if is_held else 1)

@@ -38,7 +38,8 @@ struct Recording {
   std::int64_t silentWaits = 0;
   std::size_t mostFramesWaiting = 0;
   std::size_t framesThatMayWait = 0;
-  double seconds = 0;
+  double seconds = 0;              // from the first poll to the last
+  double secondsUntilWritten = 0;  // from the first poll until the file is closed
   std::vector<std::uint8_t> lastFrame;
   std::exception_ptr failure;
 };
@@ -76,9 +77,13 @@ class RecordingSession {
     } catch (const std::exception&) {
       recording.failure = std::current_exception();
     }
-    recording.seconds = std::chrono::duration<double>(SteadyClock::now() - start).count();
+    const auto secondsSoFar = [start] {
+      return std::chrono::duration<double>(SteadyClock::now() - start).count();
+    };
+    recording.seconds = secondsSoFar();
     session_.reset();
     finish(recorder, recording);
+    recording.secondsUntilWritten = secondsSoFar();
     return recording;
   }
 
@@ -170,6 +175,7 @@ void reportJson(const RecordCommand& command, const ChosenCamera& camera,
   document["droppedFrames"] = recording.droppedFrames;
   document["silentWaits"] = recording.silentWaits;
   document["seconds"] = recording.seconds;
+  document["secondsUntilWritten"] = recording.secondsUntilWritten;
   document["framesPerSecond"] = recording.frames / seconds;
   document["megabytesPerSecond"] = bytes / seconds / 1e6;
   document["mostFramesWaiting"] = recording.mostFramesWaiting;

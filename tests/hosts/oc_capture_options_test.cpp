@@ -201,6 +201,7 @@ TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
   EXPECT_EQ(document["droppedFrames"], 0);
   EXPECT_EQ(document["silentWaits"], 0);
   EXPECT_GT(document["seconds"], 0);
+  EXPECT_GE(document["secondsUntilWritten"], document["seconds"]);
   EXPECT_EQ(document["framesThatMayWait"], 2000000 / (64 * 48));
   EXPECT_LE(document["mostFramesWaiting"], 4);
   EXPECT_GT(document["peakMemoryBytes"], 0);
