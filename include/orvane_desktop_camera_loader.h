@@ -1,5 +1,6 @@
-/*
- * orvane_desktop_camera_loader: the library's thirteen functions for a program that loads the
+/**
+ * @file
+ * The library's thirteen functions for a program that loads the
  * library at run time and does not link it. C11 and C++, Windows and Linux, nothing to build.
  *
  *     OrvaneDesktopCamera camera;
@@ -45,27 +46,46 @@
 extern "C" {
 #endif
 
-/* The loaded library. All members are null before a load, after one that failed and after the
+/** The loaded library. All members are null before a load, after one that failed and after the
  * unload. */
 typedef struct OrvaneDesktopCamera {
+  /** oc_library_dir(). */
   void (*library_dir)(const char* dir);
+  /** oc_scan(). */
   int (*scan)(void);
+  /** oc_libraries(). */
   const char* (*libraries)(void);
+  /** oc_info(). */
   const char* (*info)(int index);
+  /** oc_open(). */
   int (*open)(int index, int width, int height, int bin, int format, int64_t exposureUs, int gain,
               int offset);
+  /** oc_width(). */
   int (*width)(void);
+  /** oc_height(). */
   int (*height)(void);
+  /** oc_buffer_size(). */
   int (*buffer_size)(void);
+  /** oc_read(). */
   int (*read)(uint8_t* buffer, int bufferLength, int timeoutMs);
+  /** oc_apply(). */
   int (*apply)(int64_t exposureUs, int gain, int offset);
+  /** oc_temperature(). */
   double (*temperature)(void);
+  /** oc_close(). */
   void (*close)(void);
+  /** oc_error(). */
   const char* (*error)(void);
-  void* module; /* the operating system's handle of the library */
+  /** The operating system's handle of the library. */
+  void* module;
 } OrvaneDesktopCamera;
 
-/* For the two functions below only: opens a library and returns its handle, or null. */
+/**
+ * For the two functions below only: opens a library.
+ *
+ * @param file UTF-8, a full path
+ * @return its handle, or null
+ */
 static inline void* orvane_desktop_camera_open_module(const char* file) {
 #if defined(_WIN32)
   wchar_t path[4096];
@@ -81,8 +101,14 @@ static inline void* orvane_desktop_camera_open_module(const char* file) {
 #endif
 }
 
-/* For orvane_desktop_camera_load() only: writes the address of one function into `slot`, a pointer
- * to a function pointer. Returns 1, or 0 where the library has no such function. */
+/**
+ * For orvane_desktop_camera_load() only: looks one function up.
+ *
+ * @param module the library's handle
+ * @param name of the function
+ * @param slot a pointer to a function pointer, which receives the address
+ * @return 1, or 0 where the library has no such function
+ */
 static inline int orvane_desktop_camera_find(void* module, const char* name, void* slot) {
 #if defined(_WIN32)
   FARPROC address = GetProcAddress((HMODULE)module, name);
@@ -97,8 +123,13 @@ static inline int orvane_desktop_camera_find(void* module, const char* name, voi
   return 1;
 }
 
-/* For orvane_desktop_camera_load() only: appends a text, cut down to fit, to the message of
- * `length` bytes. */
+/**
+ * For orvane_desktop_camera_load() only: appends a text, cut down to fit, to the message.
+ *
+ * @param message may be null
+ * @param length its size in bytes
+ * @param text what is appended
+ */
 static inline void orvane_desktop_camera_append(char* message, size_t length, const char* text) {
   size_t used;
   if (message == NULL || length == 0) {
@@ -110,9 +141,11 @@ static inline void orvane_desktop_camera_append(char* message, size_t length, co
   message[used] = '\0';
 }
 
-/*
+/**
  * Gives back the library and makes every member null; does nothing with one that is not loaded.
  * Call close() before: unloading closes no camera. Texts that the library returned are gone.
+ *
+ * @param camera what orvane_desktop_camera_load() filled in
  */
 static inline void orvane_desktop_camera_unload(OrvaneDesktopCamera* camera) {
   void* module = camera->module;
@@ -127,16 +160,16 @@ static inline void orvane_desktop_camera_unload(OrvaneDesktopCamera* camera) {
 #endif
 }
 
-/*
+/**
  * Loads the library and looks up its functions.
  *
- * camera         filled in; what it holds before does not matter
- * file           UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll". On Windows a path
- * that is not a full one fails, and so does one of 4096 characters or more. message        receives
- * one sentence after a failure and "" otherwise, cut down to fit; may be null messageLength  its
- * size in bytes
- *
- * Returns 1, or 0 after a failure: nothing stays loaded then, and every member is null.
+ * @param camera filled in; what it holds before does not matter
+ * @param file UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll". On Windows a path that
+ *     is not a full one fails, and so does one of 4096 characters or more.
+ * @param message receives one sentence after a failure and "" otherwise, cut down to fit; may be
+ *     null
+ * @param messageLength its size in bytes
+ * @return 1, or 0 after a failure: nothing stays loaded then, and every member is null
  */
 static inline int orvane_desktop_camera_load(OrvaneDesktopCamera* camera, const char* file,
                                              char* message, size_t messageLength) {
