@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "common/failures.hpp"
@@ -94,7 +95,12 @@ class RecordingSession {
       if (!frame.empty()) {
         BufferedFrame next{std::move(source_.buffer()), frame.size(),
                            serTicks(std::chrono::system_clock::now())};
-        frames_ += recorder.take(next) ? 1 : 0;
+        if (recorder.take(next)) {
+          ++frames_;
+        } else {
+          // The disk is behind. Copying more frames at once would only take memory's speed from it.
+          std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         source_.buffer() = std::move(next.buffer);
       }
       if (progress_.isDue()) {
