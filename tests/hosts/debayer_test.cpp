@@ -88,9 +88,7 @@ class NeighbourMeans {
  private:
   static int mirrored(int at, int size) { return at < 0 ? 1 : at == size ? size - 2 : at; }
   char colour(int x, int y) const { return colours_[2 * (y % 2) + x % 2]; }
-  int sample(int x, int y) const {
-    return mosaic_.samples[static_cast<std::size_t>(y * mosaic_.width + x)];
-  }
+  int sample(int x, int y) const { return mosaic_.samples.begin()[y * mosaic_.width + x]; }
 
   const Image& mosaic_;
   const char* colours_;

@@ -13,9 +13,9 @@ namespace {
 
 // Time stamps from milliseconds.
 std::vector<std::int64_t> ticks(const std::vector<std::int64_t>& milliseconds) {
-  std::vector<std::int64_t> stamps;
-  for (const std::int64_t moment : milliseconds) {
-    stamps.push_back(638448448000000000 + moment * 10000);
+  std::vector<std::int64_t> stamps = milliseconds;
+  for (std::int64_t& stamp : stamps) {
+    stamp = 638448448000000000 + stamp * 10000;
   }
   return stamps;
 }
