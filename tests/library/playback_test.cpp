@@ -149,7 +149,7 @@ class PlaybackTest : public LibraryTest {
   // The samples of the first frame of an 8-bit format.
   int sampleAt(int x, int y, int channel = 0, int channels = 1) const {
     const Bytes bytes = rendered(0);
-    return bytes.at(static_cast<std::size_t>((y * oc.width() + x) * channels + channel));
+    return bytes.begin()[(y * oc.width() + x) * channels + channel];
   }
 
   SimCamera camera{};
