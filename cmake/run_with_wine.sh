@@ -12,20 +12,20 @@ export WINEARCH=win64
 # Debian's wine may lie outside root's PATH under this name only.
 wine=$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)
 
-# Several programs may start at once: one makes the prefix and starts the server, the others wait.
+# Several programs may start at once: one starts the server and makes the prefix, the others wait.
 mkdir -p "$WINEPREFIX"
 (
   flock 9
-  if [ ! -f "$WINEPREFIX/.ready" ]; then
-    "$wine" wineboot --init >/dev/null 2>&1 </dev/null 9>&-
-    touch "$WINEPREFIX/.ready"
-  fi
   # A server that stays for some seconds; says no when one is there already. Debian's Wine starts one
   # that ends with its last program: the next may then meet it on its way out, and fail. The first
   # program starts services, which hold its output open for as long as the server is there: so that
   # is one of no interest.
-  if wineserver -p20 >/dev/null 2>&1 </dev/null 9>&-; then
+  if wineserver -p20 >/dev/null 2>&1 </dev/null 9>&- && [ -f "$WINEPREFIX/.ready" ]; then
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null 9>&- || true
+  fi
+  if [ ! -f "$WINEPREFIX/.ready" ]; then
+    "$wine" wineboot --init >/dev/null 2>&1 </dev/null 9>&-
+    touch "$WINEPREFIX/.ready"
   fi
 ) 9>"$WINEPREFIX/.lock"
 exec "$wine" "$@"

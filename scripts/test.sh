@@ -19,7 +19,12 @@ for preset in "${presets[@]}"; do
     { cat "/tmp/orvane-configure-$preset.log"; exit 1; }
   cmake --build --preset "$preset"
   echo "== $preset: test"
-  ctest --preset "$preset" --progress -j "$(nproc)"
+  ctest --preset "$preset" --progress -j "$(nproc)" || {
+    status=$?
+    echo "== $preset: what failed, once more by itself, so that it is seen here what it said"
+    ctest --preset "$preset" --rerun-failed --extra-verbose || true
+    exit "$status"
+  }
   summary+=("$preset: $(ctest --preset "$preset" -N | tail -n 1)")
 done
 echo "== all passed"
