@@ -40,8 +40,10 @@ for ((run = 1; run <= runs; ++run)); do
   echo
   echo "== run $run of $runs: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1)," \
     "$(nproc) processors, load $(cut -d ' ' -f 1 /proc/loadavg)"
-  part "calls, Linux" "$linux/benchmarks/call_overhead" "$library" "$linux/instant-sdks"
-  part "calls, Windows through Wine" "$wine" "$windows/benchmarks/call_overhead.exe" \
+  part "calls, Linux" python3 benchmarks/call_overhead.py \
+    "$linux/benchmarks/call_overhead" "$library" "$linux/instant-sdks"
+  part "calls, Windows through Wine" python3 benchmarks/call_overhead.py "$wine" \
+    "$windows/benchmarks/call_overhead.exe" \
     "$dll" "$windows/instant-sdks"
   part "scan and description, Linux" env ORVANE_INSTANT_CAMERAS=128 \
     "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
