@@ -159,11 +159,11 @@ MUTANTS = [
     ("vendors/qhy.cpp", "if (IsQHYCCDControlAvailable(handle, CONTROL_OFFSET) == QHYCCD_SUCCESS) {", "if (true) {", "offset that is not there is set"),
     ("vendors/qhy.cpp", '  SetQHYCCDStreamMode.checkAs("QHY stream mode", handle, liveStreamMode);\n  InitQHYCCD.check(handle);', '  InitQHYCCD.check(handle);\n  SetQHYCCDStreamMode.checkAs("QHY stream mode", handle, liveStreamMode);', "stream mode behind the init"),
     ("vendors/qhy.cpp", 'boundedText(model.text) : "QHYCCD"', 'boundedText(model.text) : ""', "no name"),
-    ("vendors/qhy.cpp", '    throw std::runtime_error("OpenQHYCCD failed");\n', "", "null handle is used"),
+    ("vendors/qhy.cpp", '    throwFailure("OpenQHYCCD failed");\n', "", "null handle is used"),
     # vendors/toupcam.cpp
     ("vendors/toupcam.cpp", "if (device.model == nullptr) {\n      continue;", "if (device.model == nullptr) {\n      break;", "one camera without a model hides the rest"),
     ("vendors/toupcam.cpp", "camera.bitDepth > 8", "camera.bitDepth >= 8", "16 bits of an 8-bit camera"),
-    ("vendors/toupcam.cpp", '      throw std::runtime_error("Unsupported ToupTek raw mosaic");\n', "", "unknown mosaic is accepted"),
+    ("vendors/toupcam.cpp", '      throwFailure("Unsupported ToupTek raw mosaic");\n', "", "unknown mosaic is accepted"),
     ("vendors/toupcam.cpp", "std::min<unsigned>(Toupcam_EnumV2(devices.data()), TOUPCAM_MAX)", "Toupcam_EnumV2(devices.data())", "devices read beyond their array"),
     ("vendors/toupcam.cpp", "if (result == TOUPCAM_E_PENDING) {", "if (result < 0) {", "every failure is no frame yet"),
     ("vendors/toupcam.cpp", "if (width != static_cast<unsigned>(camera.width) ||", "if (", "width of a frame unchecked"),
