@@ -44,7 +44,14 @@ bool FrameQueue::pop(BufferedFrame& frame) {
   }
   frame = std::move(waiting_.front());
   waiting_.pop_front();
+  lock.unlock();
+  hasRoom_.notify_one();
   return true;
+}
+
+bool FrameQueue::waitForRoom(std::chrono::milliseconds time) {
+  std::unique_lock lock(mutex_);
+  return hasRoom_.wait_for(lock, time, [this] { return waiting_.size() < capacity_; });
 }
 
 void FrameQueue::close() {

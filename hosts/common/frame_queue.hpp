@@ -1,6 +1,7 @@
 // Frames on their way from the thread that asks a camera to the thread that writes them.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -32,6 +33,9 @@ class FrameQueue {
   /// before. Returns false, and leaves `frame` as it is, when no more will come.
   bool pop(BufferedFrame& frame);
 
+  /// Waits until a frame can be put in, but no longer than `time`. Returns true when one can.
+  bool waitForRoom(std::chrono::milliseconds time);
+
   /// No more frames will be put in; those that wait can still be taken out.
   void close();
 
@@ -45,7 +49,8 @@ class FrameQueue {
   const std::size_t bufferBytes_;
   const std::size_t capacity_;
   mutable std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable changed_;  ///< a frame was put in, or the queue closed
+  std::condition_variable hasRoom_;
   std::deque<BufferedFrame> waiting_;
   std::vector<std::vector<std::uint8_t>> freeBuffers_;
   std::size_t mostWaiting_ = 0;

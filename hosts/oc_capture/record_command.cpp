@@ -1,6 +1,7 @@
 // "oc_capture record": a camera's frames, written into a SER file.
 #include "oc_capture/record_command.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <filesystem>
@@ -8,7 +9,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "common/failures.hpp"
@@ -61,6 +61,7 @@ class RecordingSession {
         session_(std::in_place, camera.description, camera.settings),
         layout_(correctedLayout(session_->layout(), command.camera.correction)),
         source_(*session_, camera.settings.exposureUs),
+        restWhenFull_(std::clamp<std::int64_t>(camera.settings.exposureUs / 1000, 1, 50)),
         progress_(command.reporting.isQuiet) {}
 
   // Whatever happens once the file is there is told in the result.
@@ -98,8 +99,7 @@ class RecordingSession {
         if (recorder.take(next)) {
           ++frames_;
         } else {
-          // The disk is behind. Copying more frames at once would only take memory's speed from it.
-          std::this_thread::sleep_for(std::chrono::milliseconds(1));
+          recorder.waitForRoom(restWhenFull_);
         }
         source_.buffer() = std::move(next.buffer);
       }
@@ -149,6 +149,10 @@ class RecordingSession {
   std::optional<CameraSession> session_;
   FrameLayout layout_;  // of the corrected frames
   FrameSource source_;
+  // Where the disk is behind, frames are taken from the camera to be counted only. None comes
+  // sooner than an exposure takes, and copying without a rest would take memory's speed from the
+  // disk.
+  const std::chrono::milliseconds restWhenFull_;
   Progress progress_;
   std::int32_t frames_ = 0;  // that the recorder has taken
 };

@@ -41,6 +41,9 @@ class SerRecorder {
   /// is dropped, and counted. Does not wait for the disk. Returns true when it was taken.
   bool take(BufferedFrame& frame);
 
+  /// Waits until a frame would be taken, but no longer than `time`. Returns true when one would.
+  bool waitForRoom(std::chrono::milliseconds time) { return queue_.waitForRoom(time); }
+
   /// True when writing has failed; nothing is written from then on.
   bool hasFailed() const { return hasFailed_; }
 

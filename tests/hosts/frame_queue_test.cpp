@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <set>
 #include <thread>
 
@@ -54,6 +55,22 @@ TEST(FrameQueue, UsesItsBuffersAgain) {
     }
   }
   EXPECT_LE(buffers.size(), capacity + 2);
+}
+
+TEST(FrameQueue, WaitsForRoomAsLongAsThereIsNone) {
+  constexpr std::chrono::milliseconds noTime{0};
+  constexpr std::chrono::hours longer{1};
+  FrameQueue queue(4, 1);
+  EXPECT_TRUE(queue.waitForRoom(longer));
+  BufferedFrame in = frameNumber(0);
+  ASSERT_TRUE(queue.push(in));
+  EXPECT_FALSE(queue.waitForRoom(noTime));
+
+  BufferedFrame out;
+  std::thread reader([&] { queue.pop(out); });
+  EXPECT_TRUE(queue.waitForRoom(longer));
+  reader.join();
+  EXPECT_EQ(out.time, 0);
 }
 
 TEST(FrameQueue, HandsFramesFromThreadToThread) {
