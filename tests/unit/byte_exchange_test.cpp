@@ -103,11 +103,30 @@ INSTANTIATE_TEST_SUITE_P(Ways, ByteExchangeWays,
                          nameOf);
 
 TEST(ByteExchangeChoice, IsSupportedAndUsed) {
-  EXPECT_TRUE(isSupported(fastestByteExchange()));
+  for (const std::size_t byteCount : {std::size_t{6}, std::size_t{200} << 20}) {
+    EXPECT_TRUE(isSupported(fastestByteExchange(byteCount)));
+  }
   EXPECT_TRUE(isSupported(ByteExchange::Scalar));
   std::vector<std::uint8_t> pixels{1, 2, 3, 4, 5, 6};
   exchangeRedAndBlue(pixels.data(), pixels.size());
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4}));
+}
+
+TEST(ByteExchangeChoice, NarrowerRegistersForWhatNoCacheHolds) {
+  if (!isSupported(ByteExchange::Avx2)) {
+    GTEST_SKIP() << "this processor has no wider ones";
+  }
+  constexpr std::size_t most = std::size_t{16} << 20;
+  EXPECT_EQ(fastestByteExchange(most), ByteExchange::Avx2);
+  EXPECT_EQ(fastestByteExchange(most + 1), ByteExchange::Ssse3);
+  std::vector<std::uint8_t> pixels(most + 2, 1);  // whole pixels
+  for (std::size_t at = 0; at < pixels.size(); at += 3) {
+    pixels[at] = 3;
+  }
+  exchangeRedAndBlue(pixels.data(), pixels.size());
+  for (std::size_t at = 0; at < pixels.size(); ++at) {
+    ASSERT_EQ(pixels[at], at % 3 == 2 ? 3 : 1) << at;
+  }
 }
 
 TEST(ByteExchangeChoice, AGroupThatStartsBelowTheLengthIsExchangedWhole) {
