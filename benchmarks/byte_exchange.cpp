@@ -159,6 +159,13 @@ class Buffer {
   std::vector<std::uint8_t> bytes_;
 };
 
+// The same for all contenders: chosen by a first run's time, it would be one that a busy moment of
+// the machine has chosen, and one pass alone starts with another contender's bytes in the caches.
+benchmark::IterationCount passesInRow(FrameSize size) {
+  constexpr std::size_t bytes = 200'000'000;
+  return static_cast<benchmark::IterationCount>(std::max<std::size_t>(2, bytes / size.bytes()));
+}
+
 std::string runName(FrameSize size, Alignment alignment, const Contender& contender) {
   return size.name() + "/" + alignment.name + "/" + contender.name;
 }
@@ -259,7 +266,7 @@ bool run(int count, char** arguments) {
     throw std::runtime_error("this processor has no AVX2: the gates say nothing about it");
   }
   std::vector<std::string> words{arguments[0], "--benchmark_enable_random_interleaving=true",
-                                 "--benchmark_repetitions=21", "--benchmark_min_time=0.01"};
+                                 "--benchmark_repetitions=21"};
   words.insert(words.end(), arguments + 1, arguments + count);
   std::vector<char*> wordPointers;
   wordPointers.reserve(words.size());
@@ -281,6 +288,7 @@ bool run(int count, char** arguments) {
                 benchmark::ClobberMemory();
               }
             })
+            ->Iterations(passesInRow(size))
             ->UseRealTime();
       }
     }
