@@ -100,7 +100,8 @@ MUTANTS = [
     ("catalogue/scan.cpp", 'appendSeparated(state.lastError, "; ", failure.what());', 'appendSeparated(state.lastError, ", ", failure.what());', "wrong separator"),
     ("catalogue/scan.cpp", 'appendSeparated(state.lastError, "; ", failure.what());', "state.lastError = failure.what();", "only the last failure is told"),
     # platform/
-    ("platform/path_join.hpp", "isBareDrive || ", "", "separator behind a bare drive"),
+    ("platform/path_join.hpp", "directory.size() == 2", "directory.size() == 3",
+     "separator behind a bare drive"),
     ("platform/path_join.hpp", " || directory.back() == L'/'", "", "separator behind a slash"),
     ("platform/path_join.hpp", "!directory.empty() && directory.back() != '/'", "directory.empty() || directory.back() != '/'", "the empty directory is the root"),
     ("platform/platform_linux.cpp", "RTLD_NOW | RTLD_LOCAL", "RTLD_LAZY | RTLD_LOCAL", "an SDK that cannot work is loaded"),
