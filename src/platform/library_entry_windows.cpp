@@ -1,10 +1,21 @@
 // The library's entry point on Windows.
 #include <windows.h>
 
+#ifdef ORVANE_HAS_GCC_RUNTIME
+#  include "platform/gcc_runtime_windows.hpp"
+#endif
+
 // Thread notifications are of no use here: the library keeps nothing per thread.
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
+                               [[maybe_unused]] LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(module);
   }
+#ifdef ORVANE_HAS_GCC_RUNTIME
+  // Where the process ends, everything goes with it.
+  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+    orvane::platform::releaseGccRuntime(module);
+  }
+#endif
   return TRUE;
 }

@@ -7,7 +7,7 @@
 
 #include "library/library_test.hpp"
 #include "torture/families.hpp"
-#include "torture/process_usage.hpp"
+#include "support/process_usage.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {

@@ -1,5 +1,5 @@
 // What this process uses, on Linux.
-#include "torture/process_usage.hpp"
+#include "support/process_usage.hpp"
 
 #include <malloc.h>
 #include <unistd.h>
