@@ -5,16 +5,19 @@
 #  include "platform/gcc_runtime_windows.hpp"
 #endif
 
-// Thread notifications are of no use here: the library keeps nothing per thread.
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
                                [[maybe_unused]] LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
+    // Thread notifications are of no use here: the library keeps nothing per thread.
     DisableThreadLibraryCalls(module);
+#ifdef ORVANE_HAS_GCC_RUNTIME
+    orvane::platform::prepareGccRuntime();
+#endif
   }
 #ifdef ORVANE_HAS_GCC_RUNTIME
   // Where the process ends, everything goes with it.
   if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
-    orvane::platform::releaseGccRuntime(module);
+    orvane::platform::releaseGccRuntime();
   }
 #endif
   return TRUE;

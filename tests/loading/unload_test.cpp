@@ -80,8 +80,8 @@ TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
   }
 }
 
-// What a runtime keeps beyond an unload adds up: on Windows a slot of thread-local storage each
-// time is the end of a process at the 1088th.
+// What a runtime keeps beyond an unload adds up: on Windows, a slot of thread-local storage each
+// time ends the process at the 1085th.
 TEST(UnloadFresh, CostsTheHostNothingHoweverOftenAndEvenAfterAFailure) {
   const auto useOnce = [] {
     LibraryUnderTest library;
@@ -99,8 +99,8 @@ TEST(UnloadFresh, CostsTheHostNothingHoweverOftenAndEvenAfterAFailure) {
     useOnce();
   }
   EXPECT_EQ(openHandles(), handlesBefore);
-  // GCC's runtime for Windows keeps about 1 KB of its own.
-  EXPECT_LT(heapBytes(), bytesBefore + 2048 * times);
+  // The system's own loader may keep a little.
+  EXPECT_LT(heapBytes(), bytesBefore + 100 * times);
 }
 
 }  // namespace
