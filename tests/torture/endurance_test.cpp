@@ -6,8 +6,8 @@
 #include <iostream>
 
 #include "library/library_test.hpp"
-#include "torture/families.hpp"
 #include "support/process_usage.hpp"
+#include "torture/families.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {
