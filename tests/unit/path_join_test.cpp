@@ -34,6 +34,7 @@ TEST(WindowsPath, WhatOnlyLooksLikeADriveGetsASeparator) {
   EXPECT_EQ(joinWindowsPath(L"{:", L"a.dll"), L"{:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"C:x", L"a.dll"), L"C:x\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"C", L"a.dll"), L"C\\a.dll");
+  EXPECT_EQ(joinWindowsPath(L"Cx", L"a.dll"), L"Cx\\a.dll");
   EXPECT_EQ(joinWindowsPath(L":", L"a.dll"), L":\\a.dll");
 }
 
