@@ -1,6 +1,6 @@
 // What the library does for GCC's runtime, which is linked into it on Windows, so that nothing of
 // it is left when the library is unloaded. Left to itself, the runtime keeps 75 KB from every load,
-// and once an exception has been thrown also six handles and one of the process's 1088 slots of
+// and once an exception has been thrown also four handles and one of the process's 1088 slots of
 // thread-local storage: the 1085th time would end the host.
 #include "platform/gcc_runtime_windows.hpp"
 
