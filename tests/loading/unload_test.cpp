@@ -1,4 +1,7 @@
 // Unloading the library, with and without a camera streaming, and loading it again. The SDKs stay.
+#include <future>
+#include <thread>
+
 #include "library/family_test.hpp"
 #include "loading/surroundings.hpp"
 #include "support/process_usage.hpp"
@@ -101,6 +104,29 @@ TEST(UnloadFresh, CostsTheHostNothingHoweverOftenAndEvenAfterAFailure) {
   EXPECT_EQ(openHandles(), handlesBefore);
   // The system's own loader may keep a little.
   EXPECT_LT(heapBytes(), bytesBefore + 100 * times);
+}
+
+TEST(UnloadFresh, AfterFailuresInThreadsThatHaveEndedOrNot) {
+  for (int i = 0; i < 20; ++i) {
+    LibraryUnderTest library;
+    const auto fail = [&] {
+      EXPECT_EQ(library.open(-1, 320, 202, 1, 0, 20000, 100, 5), 0);
+      EXPECT_STREQ(library.error(), "Camera not found; rescan");
+    };
+    std::thread(fail).join();
+    std::promise<void> hasFailed;
+    std::promise<void> isUnloaded;
+    std::thread stays([&] {
+      fail();
+      hasFailed.set_value();
+      isUnloaded.get_future().wait();
+    });
+    hasFailed.get_future().wait();
+    fail();
+    library.module.unload();
+    isUnloaded.set_value();
+    stays.join();
+  }
 }
 
 }  // namespace
