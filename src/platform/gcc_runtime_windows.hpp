@@ -4,7 +4,8 @@
 
 namespace orvane::platform {
 
-/// Call it when the library has been loaded.
+/// Takes the slot in which the runtime's state of each thread is kept. Call it when the library has
+/// been loaded. Without a slot, all threads share one state.
 void prepareGccRuntime() noexcept;
 
 /// Gives back all memory that the runtime still holds. Call it at the end of an unload: no

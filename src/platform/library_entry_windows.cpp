@@ -8,7 +8,7 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
                                [[maybe_unused]] LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
-    // Thread notifications are of no use here: the library keeps nothing per thread.
+    // Thread notifications are of no use here: the library's own code keeps nothing per thread.
     DisableThreadLibraryCalls(module);
 #ifdef ORVANE_HAS_GCC_RUNTIME
     orvane::platform::prepareGccRuntime();
