@@ -4,6 +4,7 @@
 # WINEPREFIX names the prefix; without it, wine-prefix/ beside this checkout's builds is used.
 # ORVANE_WINE_TRIES starts a program that ends in failure without a word as often as that; what it
 # prints then comes at its end, and in one stream. The tests use it: theirs always say something.
+# Nothing is added to what a program prints; started-again.log in the prefix tells of such starts.
 set -eu
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export WINEPREFIX="${WINEPREFIX:-$here/../build/wine-prefix}"
@@ -26,7 +27,13 @@ mkdir -p "$WINEPREFIX"
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null 9>&- || true
   fi
   if [ ! -f "$WINEPREFIX/.ready" ]; then
-    "$wine" wineboot --init >/dev/null 2>&1 </dev/null 9>&-
+    for try in 1 2 3; do
+      if "$wine" wineboot --init >/dev/null 2>&1 </dev/null 9>&-; then break; fi
+      if [ "$try" -eq 3 ]; then
+        echo "run_with_wine.sh: $wine wineboot --init failed; the prefix is $WINEPREFIX" >&2
+        exit 1
+      fi
+    done
     touch "$WINEPREFIX/.ready"
   fi
 ) 9>"$WINEPREFIX/.lock"
@@ -46,5 +53,5 @@ for ((try = 1; ; ++try)); do
     cat "$output"
     exit "$status"
   fi
-  echo "run_with_wine.sh: no word from $1 (status $status, try $try); once more" >&2
+  echo "$(date -u +%FT%TZ) no word from $1 (status $status, try $try)" >>"$WINEPREFIX/started-again.log"
 done

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# How a Windows program is started through Wine, with a Wine of its own in place of the real one: the
+# program fails without a word as often as told, then speaks.
+#   run_with_wine_test.sh WRAPPER SCRATCH
+set -euo pipefail
+wrapper=$1 scratch=$2
+
+fail() {
+  echo "FAILED: $*" >&2
+  exit 1
+}
+
+rm -rf "$scratch"
+mkdir -p "$scratch/bin"
+scratch=$(cd "$scratch" && pwd -P)
+export WINEPREFIX="$scratch/prefix" PATH="$scratch/bin:$PATH"
+again="$WINEPREFIX/started-again.log"
+
+# The server is there already, so that the wrapper starts nothing by itself but the prefix's making.
+cat >"$scratch/bin/wineserver" <<'END'
+#!/bin/sh
+exit 2
+END
+# Of wineboot's starts and of programs' the first ones, as many as a file says, fail in silence.
+cat >"$scratch/bin/wine64" <<'END'
+#!/bin/sh
+here=$(dirname "$0")
+[ "$1" = wineboot ] && kind=boot || kind=program
+echo "$*" >>"$here/$kind.starts"
+[ "$(wc -l <"$here/$kind.starts")" -gt "$(cat "$here/$kind.silent")" ] || exit 7
+[ "$kind" = program ] || exit 0
+echo "to the output: $2"
+echo "to the errors: $3" >&2
+exit "$4"
+END
+chmod +x "$scratch/bin/wineserver" "$scratch/bin/wine64"
+
+# expect WHAT SILENT-BOOTS SILENT-PROGRAMS PROGRAM-STATUS | STATUS STARTS OUTPUT REMARKS
+expect() {
+  local what=$1 boots=$2 programs=$3 ends=$4 status=0 output
+  rm -rf "$WINEPREFIX" "$scratch/bin/"*.starts
+  echo "$boots" >"$scratch/bin/boot.silent"
+  echo "$programs" >"$scratch/bin/program.silent"
+  touch "$scratch/bin/program.starts"
+  output=$("$wrapper" program.exe "a b" "" "$ends" 2>&1) || status=$?
+  [ "$status" -eq "$6" ] || fail "$what: status $status, not $6: $output"
+  [ "$(wc -l <"$scratch/bin/program.starts")" -eq "$7" ] || fail "$what: $(cat "$scratch/bin/program.starts")"
+  [ "$output" = "$8" ] || fail "$what: printed: $output"
+  [ "$(cat "$again" 2>/dev/null | wc -l)" -eq "$9" ] || fail "$what: $again: $(cat "$again")"
+  echo "-- $what"
+}
+said=$'to the output: a b\nto the errors: '
+export ORVANE_WINE_TRIES=3
+expect "a program that speaks is started once" 0 0 0 : 0 1 "$said" 0
+expect "a program that speaks and fails is started once" 0 0 5 : 5 1 "$said" 0
+expect "what is silent once is started again, and nothing is added to what it prints" 0 1 0 : 0 2 "$said" 1
+expect "what is silent twice gets its third start" 0 2 5 : 5 3 "$said" 2
+expect "what stays silent fails with its status" 0 9 0 : 7 3 "" 2
+expect "a prefix that is not made at the first attempt is made at the next" 2 0 0 : 0 1 "$said" 0
+expect "a prefix that cannot be made is said" 9 0 0 : 1 0 \
+  "run_with_wine.sh: $scratch/bin/wine64 wineboot --init failed; the prefix is $WINEPREFIX" 0
+[ ! -e "$WINEPREFIX/.ready" ] || fail "a prefix that was not made counts as ready"
+unset ORVANE_WINE_TRIES
+expect "without tries a silent program is not started again" 0 1 0 : 7 1 "" 0
