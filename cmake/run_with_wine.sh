@@ -13,7 +13,15 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 export WINEARCH=win64
 
 # Debian's wine may lie outside root's PATH under this name only.
-wine=$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)
+wine=("$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)")
+
+# Newer kernels put a program's heap anywhere in the GiB behind it. For Debian's Wine, a program at
+# 0x7c000000, that is now and then where Windows has its shared user data, 0x7ffe0000: such a start
+# ends before the program's first instruction, and quietly so with WINEDEBUG=-all. A container may
+# forbid to choose the addresses; then there are the tries below.
+if setarch -R true 2>/dev/null; then
+  wine=(setarch -R "${wine[@]}")
+fi
 
 # Several programs may start at once: one starts the server and makes the prefix, the others wait.
 mkdir -p "$WINEPREFIX"
@@ -24,13 +32,13 @@ mkdir -p "$WINEPREFIX"
   # program starts services, which hold its output open for as long as the server is there: so that
   # is one of no interest.
   if wineserver -p20 >/dev/null 2>&1 </dev/null 9>&- && [ -f "$WINEPREFIX/.ready" ]; then
-    "$wine" cmd /c exit >/dev/null 2>&1 </dev/null 9>&- || true
+    "${wine[@]}" cmd /c exit >/dev/null 2>&1 </dev/null 9>&- || true
   fi
   if [ ! -f "$WINEPREFIX/.ready" ]; then
     for try in 1 2 3; do
-      if "$wine" wineboot --init >/dev/null 2>&1 </dev/null 9>&-; then break; fi
+      if "${wine[@]}" wineboot --init >/dev/null 2>&1 </dev/null 9>&-; then break; fi
       if [ "$try" -eq 3 ]; then
-        echo "run_with_wine.sh: $wine wineboot --init failed; the prefix is $WINEPREFIX" >&2
+        echo "run_with_wine.sh: ${wine[*]} wineboot --init failed; the prefix is $WINEPREFIX" >&2
         exit 1
       fi
     done
@@ -39,16 +47,15 @@ mkdir -p "$WINEPREFIX"
 ) 9>"$WINEPREFIX/.lock"
 
 if [ -z "${ORVANE_WINE_TRIES:-}" ]; then
-  exec "$wine" "$@"
+  exec "${wine[@]}" "$@"
 fi
 
-# Once in some thousand starts, this Wine ends a program before its first instruction: it fails and
-# has printed nothing. Such a program is started again; one that has said anything is not.
+# A program that failed and has printed nothing is started again; one that has said anything is not.
 output=$(mktemp)
 trap 'rm -f "$output"' EXIT
 for ((try = 1; ; ++try)); do
   status=0
-  "$wine" "$@" >"$output" 2>&1 || status=$?
+  "${wine[@]}" "$@" >"$output" 2>&1 || status=$?
   if [ "$status" -eq 0 ] || [ -s "$output" ] || [ "$try" -ge "$ORVANE_WINE_TRIES" ]; then
     cat "$output"
     exit "$status"
