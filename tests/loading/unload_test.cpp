@@ -1,6 +1,11 @@
 // Unloading the library, with and without a camera streaming, and loading it again. The SDKs stay.
+#ifdef _WIN32
+#  include <windows.h>
+#endif
+
 #include <future>
 #include <thread>
+#include <vector>
 
 #include "library/family_test.hpp"
 #include "loading/surroundings.hpp"
@@ -128,6 +133,34 @@ TEST(UnloadFresh, AfterFailuresInThreadsThatHaveEndedOrNot) {
     stays.join();
   }
 }
+
+#ifdef _WIN32
+// Where the exceptions under way are kept is then one place for all threads.
+TEST(UnloadFresh, InAProcessWithoutAFreeFiberLocalSlot) {
+  std::vector<DWORD> slots;
+  for (DWORD slot = 0; (slot = FlsAlloc(nullptr)) != FLS_OUT_OF_INDEXES;) {
+    slots.push_back(slot);
+  }
+  ASSERT_FALSE(slots.empty());
+  for (int i = 0; i < 5; ++i) {
+    LibraryUnderTest library;
+    const auto fail = [&] {
+      EXPECT_EQ(library.open(-1, 320, 202, 1, 0, 20000, 100, 5), 0);
+      EXPECT_STREQ(library.error(), "Camera not found; rescan");
+      EXPECT_EQ(library.read(nullptr, 0, 0), -1);
+      EXPECT_STREQ(library.error(), "Camera closed or buffer too small");
+    };
+    fail();
+    std::thread(fail).join();
+    fail();
+    EXPECT_EQ(FlsAlloc(nullptr), FLS_OUT_OF_INDEXES);
+    library.module.unload();
+  }
+  for (const DWORD slot : slots) {
+    EXPECT_TRUE(FlsFree(slot));
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace orvane::testing
