@@ -15,6 +15,12 @@ fi
 summary=()
 started_again="${WINEPREFIX:-build/wine-prefix}/started-again.log"
 rm -f "$started_again"
+# cmake/run_with_wine.sh says what this is about: not to be passed over in silence.
+show_started_again() {
+  [ -s "$started_again" ] || return 0
+  echo "== Wine was asked once more, since there was no word from a program:"
+  cat "$started_again"
+}
 for preset in "${presets[@]}"; do
   echo "== $preset: build"
   cmake --preset "$preset" >"/tmp/orvane-configure-$preset.log" 2>&1 ||
@@ -25,14 +31,11 @@ for preset in "${presets[@]}"; do
     status=$?
     echo "== $preset: what failed, once more by itself, so that it is seen here what it said"
     ctest --preset "$preset" --rerun-failed --extra-verbose || true
+    show_started_again
     exit "$status"
   }
   summary+=("$preset: $(ctest --preset "$preset" -N | tail -n 1)")
-  # cmake/run_with_wine.sh says what this is about: not to be passed over in silence.
-  if [ "$preset" = windows-x64 ] && [ -s "$started_again" ]; then
-    summary+=("windows-x64: Wine was asked once more, since there was no word from a program:")
-    summary+=("$(cat "$started_again")")
-  fi
 done
+show_started_again
 echo "== all passed"
 printf '%s\n' "${summary[@]}"
