@@ -2,7 +2,7 @@
 // it is left when the library is unloaded. Left to itself, the runtime keeps 75 KB from every load,
 // and once an exception has been thrown also four handles and one of the process's 1088 slots of
 // thread-local storage: the 1085th time would end the host.
-#include "platform/gcc_runtime_windows.hpp"
+#include "windows_dll/gcc_runtime.hpp"
 
 #include <windows.h>
 
@@ -71,7 +71,7 @@ void __freeres();
 
 }  // namespace __gnu_cxx
 
-namespace orvane::platform {
+namespace orvane {
 
 void prepareGccRuntime() noexcept {
   slot = FlsAlloc(freeState);
@@ -85,4 +85,4 @@ void releaseGccRuntime() noexcept {
   __gnu_cxx::__freeres();
 }
 
-}  // namespace orvane::platform
+}  // namespace orvane

@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #ifdef ORVANE_HAS_GCC_RUNTIME
-#  include "platform/gcc_runtime_windows.hpp"
+#  include "windows_dll/gcc_runtime.hpp"
 #endif
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
@@ -11,13 +11,13 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
     // Thread notifications are of no use here: the library's own code keeps nothing per thread.
     DisableThreadLibraryCalls(module);
 #ifdef ORVANE_HAS_GCC_RUNTIME
-    orvane::platform::prepareGccRuntime();
+    orvane::prepareGccRuntime();
 #endif
   }
 #ifdef ORVANE_HAS_GCC_RUNTIME
   // Where the process ends, everything goes with it.
   if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
-    orvane::platform::releaseGccRuntime();
+    orvane::releaseGccRuntime();
   }
 #endif
   return TRUE;

@@ -2,7 +2,7 @@
 // it is left when the library is unloaded.
 #pragma once
 
-namespace orvane::platform {
+namespace orvane {
 
 /// Takes the slot in which the runtime's state of each thread is kept. Call it when the library has
 /// been loaded. Without a slot, all threads share one state.
@@ -12,4 +12,4 @@ void prepareGccRuntime() noexcept;
 /// exception may be thrown afterwards.
 void releaseGccRuntime() noexcept;
 
-}  // namespace orvane::platform
+}  // namespace orvane
