@@ -8,6 +8,7 @@
 #include "capture/capture.hpp"
 #include "catalogue/camera_json.hpp"
 #include "catalogue/scan.hpp"
+#include "vendors/sdk_call.hpp"
 
 using orvane::orFailure;
 using orvane::quietly;
@@ -19,7 +20,7 @@ void oc_library_dir(const char* dir) {
 }
 
 int oc_scan(void) {
-  return orvane::scanCameras();
+  return orvane::passingSdkExceptions(orvane::scanCameras);
 }
 
 const char* oc_libraries(void) {

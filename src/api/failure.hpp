@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "api/state.hpp"
+#include "vendors/sdk_call.hpp"
 
 namespace orvane {
 
@@ -24,15 +25,17 @@ inline void keepMessage(std::string_view message) noexcept {
 }
 
 /// The body's result, or `failure` with the message kept when it throws an exception of the
-/// standard family. Any other exception passes.
+/// standard family. Any other exception passes, one of an SDK as the SDK threw it.
 template <class Result, class Body>
 Result orFailure(Result failure, Body body) {
-  try {
-    return body();
-  } catch (const std::exception& exception) {
-    keepMessage(exception.what());
-    return failure;
-  }
+  return passingSdkExceptions([&]() -> Result {
+    try {
+      return body();
+    } catch (const std::exception& exception) {
+      keepMessage(exception.what());
+      return failure;
+    }
+  });
 }
 
 /// Runs the body and forgets whatever it throws.

@@ -15,6 +15,7 @@
 #include <cstdint>
 
 #include "api/state.hpp"
+#include "vendors/sdk_call.hpp"
 
 namespace orvane {
 
@@ -36,7 +37,7 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
   Result operator()(Arguments... arguments) const {
     const auto function =
         reinterpret_cast<Result (*)(Arguments...)>(resolveSymbol(libraryOf(vendor), name_));
-    return function(arguments...);
+    return callSdk(function, arguments...);
   }
 
   /// Checks a result of an earlier call under the function's own name.
