@@ -71,6 +71,11 @@ void __freeres();
 
 }  // namespace __gnu_cxx
 
+// The C runtime calls this at its start, where it is not null. Its own definition would also bring
+// a table of thread-local storage into the library, which nothing here uses, and
+// DisableThreadLibraryCalls() fails for a library that has one.
+extern "C" const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback = nullptr;
+
 namespace orvane {
 
 void prepareGccRuntime() noexcept {

@@ -8,7 +8,8 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
                                [[maybe_unused]] LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
-    // Thread notifications are of no use here: the library's own code keeps nothing per thread.
+    // The library keeps nothing per thread, so it need not hear of threads. This succeeds because
+    // the library has no table of thread-local storage (gcc_runtime.cpp).
     DisableThreadLibraryCalls(module);
 #ifdef ORVANE_HAS_GCC_RUNTIME
     orvane::prepareGccRuntime();
