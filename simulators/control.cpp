@@ -44,6 +44,11 @@ void sim_force_result(const char* function, int32_t nth, int32_t times, int64_t 
   stage().faults.forceResult(function, {nth, times}, result);
 }
 
+void sim_throw(const char* function, int32_t nth, int32_t times, int32_t kind, const char* text) {
+  stage().faults.throwFrom(function, {nth, times},
+                           {static_cast<orvane::sim::ThrownKind>(kind), text});
+}
+
 void sim_force_output(const char* function, const char* output, int32_t nth, int32_t times,
                       double value) {
   stage().faults.forceOutput(function, output, {nth, times}, value);

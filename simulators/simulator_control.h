@@ -75,7 +75,17 @@ typedef struct SimInvariants {
   int32_t writesPastBuffer;  /* frame calls for which the simulator wrote past the stated length:
                               * QHYCCD, when a frame is larger than GetQHYCCDMemLength last said;
                               * 0 for the others, which never write past a length */
+  int32_t exceptionsAlive;   /* objects of sim_throw() that have not been destroyed; negative when
+                              * one was destroyed twice. Counted since the SDK was loaded */
 } SimInvariants;
+
+/* What sim_throw() throws. On Windows the exception is always one of Microsoft's compiler, with
+ * which the makers build their SDKs. */
+enum {
+  SIM_THROW_STANDARD = 0, /* an object that derives from std::runtime_error */
+  SIM_THROW_NUMBER = 1,   /* the int 7 */
+  SIM_THROW_OBJECT = 2    /* an object of a class that derives from nothing */
+};
 
 /* Everything as it is when the library has just been loaded: default cameras, running clock, no
  * faults, no log, seed 1. Open devices are forgotten. Commands in the environment variable are not
@@ -101,6 +111,12 @@ ORVANE_SIMULATOR_API void sim_set_plugged(int32_t index, int32_t plugged);
 ORVANE_SIMULATOR_API void sim_force_result(const char* function, int32_t nth, int32_t times,
                                            int64_t result);
 
+/* Lets calls of a maker's function throw in place of doing anything; `nth` and `times` as above.
+ * `text` is what a standard exception's what() returns; the pointer is handed on as it is, so it
+ * must stay valid, and a null or wild one is one that a lying SDK would give. */
+ORVANE_SIMULATOR_API void sim_throw(const char* function, int32_t nth, int32_t times, int32_t kind,
+                                    const char* text);
+
 /* Forces one output of a call that is otherwise carried out: `output` is the parameter's name, or
  * for structures the field's, or "result" for the returned number itself, as they stand in the
  * declarations in src/vendors/sdk/. Integers are cut to the output's width. `nth` and `times` as
@@ -110,7 +126,7 @@ ORVANE_SIMULATOR_API void sim_force_result(const char* function, int32_t nth, in
 ORVANE_SIMULATOR_API void sim_force_output(const char* function, const char* output, int32_t nth,
                                            int32_t times, double value);
 
-/* Forgets all forced results and outputs. */
+/* Forgets all forced results, outputs and exceptions. */
 ORVANE_SIMULATOR_API void sim_clear_faults(void);
 
 /* Seeds the scene and the sensor noise. A frame's content follows from the seed, or the recording
@@ -155,7 +171,8 @@ ORVANE_SIMULATOR_API void sim_log_enable(int32_t enabled);
  * stand after "-> " behind the inputs, for example
  *     ASIOpenCamera(0) = 0
  *     ASIGetROIFormat(0 -> 640, 480, 1, 0) = 0
- * A call that sim_force_result() answered has no outputs, a function without a result no
+ * A call that threw ends in ") threw". One that sim_force_result() answered has no outputs, a
+ * function without a result no
  * "= result". Text stands in quotation marks; pointers to buffers are written as "buffer" or
  * "null", handles as "h1", "h2", ... in the order of their opening, or "h?" when they are none,
  * structures as the fields that matter:
@@ -180,6 +197,7 @@ ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
  *     log FILE                    switches the log on and also appends every line to FILE at once
  *     force FUNCTION NTH TIMES RESULT
  *     output FUNCTION OUTPUT NTH TIMES VALUE
+ *     throw FUNCTION NTH TIMES standard | number | object [TEXT]
  *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
  *                                 (NTH 0: now)
  *     plug INDEX                  plugs it in again, now

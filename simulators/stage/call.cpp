@@ -33,6 +33,15 @@ bool Call::begin(const char* function) {
   return here.log.isEnabled();
 }
 
+void Call::throwIfAsked() const {
+  if (const std::optional<ThrownFault> thrown = stage().faults.thrown()) {
+    if (isLogged_) {
+      end(") threw");
+    }
+    throwSdkException(thrown->kind, thrown->text);
+  }
+}
+
 std::int64_t Call::wholeOf(double number) {
   return wholeNumber<std::int64_t>(number);
 }

@@ -1,5 +1,5 @@
 // One call of a maker's function: counts it for the faults, logs it, and answers it, as its body
-// says or as a test has forced it.
+// says or as a test has asked.
 #pragma once
 
 #include <cmath>
@@ -36,10 +36,11 @@ class Call {
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
 
-  // Runs the body, unless the result is forced, and returns the result.
+  // Runs the body, unless the call is to throw or its result is forced, and returns the result.
   template <class Body>
   std::invoke_result_t<Body> carryOut(const Body& body) {
     using Result = std::invoke_result_t<Body>;
+    throwIfAsked();
     const std::optional<std::int64_t> forced = stage().faults.result();
     if constexpr (std::is_void_v<Result>) {
       if (!forced) {
@@ -90,6 +91,7 @@ class Call {
 
  private:
   static bool begin(const char* function);
+  void throwIfAsked() const;
 
   // A number cut to the type's width.
   template <class Type, class Number>

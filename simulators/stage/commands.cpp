@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -112,6 +113,31 @@ bool carryOutput(std::string_view arguments, bool isMeant) {
   return true;
 }
 
+// "FUNCTION NTH TIMES KIND [TEXT]"; the text may have blanks in it.
+bool carryThrow(std::string_view arguments, bool isMeant) {
+  constexpr std::pair<std::string_view, ThrownKind> kinds[] = {{"standard", ThrownKind::Standard},
+                                                               {"number", ThrownKind::Number},
+                                                               {"object", ThrownKind::Object}};
+  for (const auto& [name, kind] : kinds) {
+    const std::size_t place = arguments.find(name);
+    if (place == std::string_view::npos) {
+      continue;
+    }
+    std::string_view function;
+    CallRange range;
+    if (!read(arguments.substr(0, place), function, range.nth, range.times)) {
+      return false;
+    }
+    if (isMeant) {
+      static std::deque<std::string> texts;  // for as long as an exception may be read
+      texts.emplace_back(trimmed(arguments.substr(place + name.size())));
+      stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
+    }
+    return true;
+  }
+  return false;
+}
+
 // "INDEX FUNCTION NTH", where NTH 0 means now.
 bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
   std::int32_t camera = 0;
@@ -145,8 +171,9 @@ bool carryPlug(std::string_view arguments, bool isMeant) {
 
 Carry carryOf(std::string_view verb) {
   constexpr std::pair<std::string_view, Carry> verbs[] = {
-      {"clock", carryClock}, {"seed", carrySeed},     {"scene", carryScene},   {"log", carryLog},
-      {"force", carryForce}, {"output", carryOutput}, {"unplug", carryUnplug}, {"plug", carryPlug}};
+      {"clock", carryClock}, {"seed", carrySeed},     {"scene", carryScene},
+      {"log", carryLog},     {"force", carryForce},   {"output", carryOutput},
+      {"throw", carryThrow}, {"unplug", carryUnplug}, {"plug", carryPlug}};
   const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
                                          [&](const auto& known) { return known.first == verb; });
   return found == std::end(verbs) ? nullptr : found->second;

@@ -25,6 +25,15 @@ void Faults::forceOutput(std::string_view function, std::string_view output, Cal
   add(std::move(fault));
 }
 
+void Faults::throwFrom(std::string_view function, CallRange range, ThrownFault thrown) {
+  Fault fault;
+  fault.kind = Kind::Throw;
+  fault.function = function;
+  fault.range = range;
+  fault.thrown = thrown;
+  add(std::move(fault));
+}
+
 void Faults::plug(std::string_view function, std::int32_t nth, PlugChange change) {
   Fault fault;
   fault.kind = Kind::Plug;
@@ -54,6 +63,15 @@ std::optional<std::int64_t> Faults::result() const {
   for (const Fault& fault : faults_) {
     if (fault.isInForce && fault.kind == Kind::Result) {
       return fault.result;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<ThrownFault> Faults::thrown() const {
+  for (const Fault& fault : faults_) {
+    if (fault.isInForce && fault.kind == Kind::Throw) {
+      return fault.thrown;
     }
   }
   return std::nullopt;

@@ -1,5 +1,5 @@
-// What a test has asked to go wrong: forced results, forced outputs, and cameras that are unplugged
-// and plugged in, each at a chosen call of a maker's function.
+// What a test has asked to go wrong: forced results, forced outputs, exceptions, and cameras that
+// are unplugged and plugged in, each at a chosen call of a maker's function.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "stage/sdk_exception.hpp"
 
 namespace orvane::sim {
 
@@ -23,14 +25,21 @@ struct PlugChange {
   bool isPlugged = false;  // afterwards
 };
 
+// What a call throws.
+struct ThrownFault {
+  ThrownKind kind = ThrownKind::Standard;
+  const char* text = nullptr;
+};
+
 class Faults {
  public:
   void forceResult(std::string_view function, CallRange range, std::int64_t result);
   void forceOutput(std::string_view function, std::string_view output, CallRange range,
                    double value);
+  void throwFrom(std::string_view function, CallRange range, ThrownFault thrown);
   void plug(std::string_view function, std::int32_t nth, PlugChange change);
 
-  // Forgets the forced results and outputs; plugging is kept.
+  // Forgets the forced results, outputs and exceptions; plugging is kept.
   void clearForced();
   void clear() { faults_.clear(); }
 
@@ -40,6 +49,9 @@ class Faults {
   // The forced result of the counted call.
   std::optional<std::int64_t> result() const;
 
+  // What the counted call throws.
+  std::optional<ThrownFault> thrown() const;
+
   // The forced value of an output of the counted call.
   std::optional<double> output(std::string_view name) const;
 
@@ -47,7 +59,7 @@ class Faults {
   std::optional<PlugChange> nextPlugChange();
 
  private:
-  enum class Kind { Result, Output, Plug };
+  enum class Kind { Result, Output, Throw, Plug };
 
   struct Fault {
     Kind kind = Kind::Result;
@@ -55,6 +67,7 @@ class Faults {
     std::string output;
     CallRange range;
     std::int64_t result = 0;
+    ThrownFault thrown;
     PlugChange change;
     double value = 0;
     std::int64_t calls = 0;  // counted so far

@@ -246,6 +246,7 @@ std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
 
 SimInvariants Stage::invariants() const {
   SimInvariants now = counts_;
+  now.exceptionsAlive = exceptionsAlive();
   for (const Camera& camera : cameras_) {
     now.devicesOpen += camera.device.isOpen ? 1 : 0;
     now.streamsRunning += camera.device.stream.isRunning() ? 1 : 0;

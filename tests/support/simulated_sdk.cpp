@@ -11,6 +11,7 @@ SimulatedSdk::SimulatedSdk(const std::filesystem::path& file)
       set_plugged(module.function<decltype(::sim_set_plugged)>("sim_set_plugged")),
       force_result(module.function<decltype(::sim_force_result)>("sim_force_result")),
       force_output(module.function<decltype(::sim_force_output)>("sim_force_output")),
+      throw_from(module.function<decltype(::sim_throw)>("sim_throw")),
       clear_faults(module.function<decltype(::sim_clear_faults)>("sim_clear_faults")),
       set_seed(module.function<decltype(::sim_set_seed)>("sim_set_seed")),
       play_recording(module.function<decltype(::sim_play_recording)>("sim_play_recording")),

@@ -33,6 +33,12 @@ class SimulatedSdk {
     force_result(function, nth, times, result);
   }
 
+  /// The call throws: one of SIM_THROW_STANDARD and its like.
+  void throwFrom(const char* function, int kind, const char* text, int nth = 1,
+                 int times = -1) const {
+    throw_from(function, nth, times, kind, text);
+  }
+
   /// The call is carried out but reports this value.
   void forceOutput(const char* function, const char* output, double value, int nth = 1,
                    int times = -1) const {
@@ -46,6 +52,7 @@ class SimulatedSdk {
   decltype(::sim_set_plugged)* set_plugged;
   decltype(::sim_force_result)* force_result;
   decltype(::sim_force_output)* force_output;
+  decltype(::sim_throw)* throw_from;
   decltype(::sim_clear_faults)* clear_faults;
   decltype(::sim_set_seed)* set_seed;
   decltype(::sim_play_recording)* play_recording;
