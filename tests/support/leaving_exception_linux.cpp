@@ -1,0 +1,16 @@
+#include "support/leaving_exception.hpp"
+
+namespace orvane::testing {
+
+LeavingException leavingException(const std::function<void()>& body) {
+  try {
+    body();
+    return {};
+  } catch (int number) {
+    return {"int " + std::to_string(number), 0, {}};
+  } catch (...) {
+    return {"object", 0, {}};
+  }
+}
+
+}  // namespace orvane::testing

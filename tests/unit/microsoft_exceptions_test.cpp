@@ -1,0 +1,316 @@
+// Calls into an SDK that Microsoft's compiler built: arguments and results, and exceptions of every
+// make, also such that no sound SDK throws.
+#include "windows_dll/microsoft_exceptions.hpp"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "stage/microsoft_exception.hpp"
+#include "support/leaving_exception.hpp"
+
+namespace orvane {
+namespace {
+
+using sim::MicrosoftStandardObject;
+using sim::MicrosoftThrow;
+using testing::leavingException;
+using testing::LeavingException;
+
+// The call as an export makes it.
+template <class Result, class... Arguments>
+Result callAsExport(Result (*function)(Arguments...), Arguments... arguments) {
+  return raisingAsItCame([&] { return callGuarded(function, arguments...); });
+}
+
+TEST(GuardedCall, HandsOnUpToEightArgumentsAndTheResult) {
+  const auto none = +[] { return 42; };
+  const auto real = +[](void*, int id, double value) { return id + value; };
+  const auto five = +[](int a, int b, int c, int d, int e) {
+    return (((a * 10 + b) * 10 + c) * 10 + d) * 10 + e;
+  };
+  const auto six = +[](std::int64_t a, double b, float c, short d, const char* e, double f) {
+    return static_cast<double>(a) + b + static_cast<double>(c) + d + e[0] + f;
+  };
+  const auto eight = +[](int a, double* b, double* c, unsigned* d, unsigned* e, double* f,
+                         double* g, unsigned* h) {
+    *b = a;
+    *c = a + 1;
+    *d = 2;
+    *e = 3;
+    *f = 4;
+    *g = 5;
+    *h = 6;
+  };
+  EXPECT_EQ(callGuarded(none), 42);
+  EXPECT_EQ(callGuarded(real, static_cast<void*>(nullptr), 3, 0.25), 3.25);
+  EXPECT_EQ(callGuarded(five, 1, 2, 3, 4, 5), 12345);
+  EXPECT_EQ(callGuarded(six, std::int64_t{1} << 33, 0.5, 0.25F, short{-2},
+                        static_cast<const char*>("\x03"), 0.125),
+            8589934592.0 + 0.5 + 0.25 - 2 + 3 + 0.125);
+  double reals[4] = {};
+  unsigned wholes[3] = {};
+  callGuarded(eight, 7, &reals[0], &reals[1], &wholes[0], &wholes[1], &reals[2], &reals[3],
+              &wholes[2]);
+  EXPECT_EQ(reals[0] + reals[1] + reals[2] + reals[3], 7 + 8 + 4 + 5);
+  EXPECT_EQ(wholes[0] + wholes[1] * 10 + wholes[2] * 100, 632U);
+}
+
+TEST(GuardedCall, PassesExceptionsOfTheSameCompiler) {
+  EXPECT_THROW(callAsExport(+[]() -> int { throw std::length_error("long"); }), std::length_error);
+  EXPECT_THROW(callAsExport(+[]() -> int { throw 7; }), int);
+}
+
+TEST(GuardedCall, PassesOtherStructuredExceptionsUntouched) {
+  const auto read = +[](volatile int* address) { return *address; };
+  const LeavingException violation =
+      leavingException([&] { callAsExport(read, reinterpret_cast<volatile int*>(24)); });
+  EXPECT_EQ(violation.code, static_cast<std::uint32_t>(EXCEPTION_ACCESS_VIOLATION));
+  EXPECT_EQ(violation.parameters, (std::vector<std::uintptr_t>{0, 24}));
+
+  const LeavingException own = leavingException([] {
+    callAsExport(+[] {
+      const ULONG_PTR parameters[] = {1, 2, 3};
+      RaiseException(0xE0000001, 0, 3, parameters);
+    });
+  });
+  EXPECT_EQ(own.code, 0xE0000001);
+  EXPECT_EQ(own.parameters, (std::vector<std::uintptr_t>{1, 2, 3}));
+}
+
+// The code alone does not make it one that can be read.
+TEST(GuardedCall, PassesAnExceptionWhoseDescriptionMakesNoSense) {
+  const auto raise = +[](const std::vector<ULONG_PTR>* parameters) {
+    RaiseException(MicrosoftThrow::code, EXCEPTION_NONCONTINUABLE,
+                   static_cast<DWORD>(parameters->size()), parameters->data());
+  };
+  const std::uintptr_t nowhere = 0x7000000000000000;
+  const std::vector<std::vector<ULONG_PTR>> senseless = {{},
+                                                         {0x19930520, 8, 16},
+                                                         {0x19930520, 0, 0, 0},
+                                                         {0x19930520, 8, 16, 0},
+                                                         {0x19930520, 8, nowhere, nowhere}};
+  for (const std::vector<ULONG_PTR>& parameters : senseless) {
+    const LeavingException left = leavingException([&] { callAsExport(raise, &parameters); });
+    EXPECT_EQ(left.code, MicrosoftThrow::code);
+    EXPECT_EQ(left.parameters, std::vector<std::uintptr_t>(parameters.begin(), parameters.end()));
+  }
+}
+
+// ---- the standard family
+
+const char* whatOf(const MicrosoftStandardObject* object) {
+  return object->text;
+}
+
+int destroyed = 0;
+
+void countDestroyed(void*) {
+  ++destroyed;
+}
+
+std::string messageOf(void (*function)()) {
+  try {
+    callGuarded(function);
+    return "returned";
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  } catch (const PassingException&) {
+    return "passed";
+  }
+}
+
+TEST(MicrosoftException, OfTheStandardFamilyIsFoundInAVirtualBase) {
+  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
+  // The object's table of virtual bases comes first, std::exception 24 bytes behind it.
+  struct WithVirtualBase {
+    const std::int32_t* bases;
+    std::uint64_t other[2];
+    MicrosoftStandardObject exception;
+  };
+  static const std::int32_t bases[] = {0, 24};
+  static MicrosoftThrow thrown({".?AVOwn@@", ".?AVexception@std@@"}, sizeof(WithVirtualBase),
+                               countDestroyed);
+  thrown.types[1].virtualTableOffset = 0;
+  thrown.types[1].virtualBaseOffset = 4;
+  destroyed = 0;
+  EXPECT_EQ(messageOf(+[] {
+              WithVirtualBase object{bases, {}, {table, "from a virtual base"}};
+              thrown.raise(&object);
+            }),
+            "from a virtual base");
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(MicrosoftException, EmptyTextIsAnEmptyText) {
+  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
+  static const MicrosoftThrow thrown({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
+  EXPECT_EQ(messageOf(+[] {
+              MicrosoftStandardObject object(table, "");
+              thrown.raise(&object);
+            }),
+            "");
+}
+
+TEST(MicrosoftException, TextThatEndsInMemoryThatCannotBeReadIsCutThere) {
+  auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 8192, MEM_RESERVE, PAGE_NOACCESS));
+  ASSERT_NE(VirtualAlloc(pages, 4096, MEM_COMMIT, PAGE_READWRITE), nullptr);
+  std::memset(pages, 'y', 4096);
+  static const char* text = nullptr;
+  text = pages + 4096 - 10;
+  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
+  static const MicrosoftThrow thrown({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
+  EXPECT_EQ(messageOf(+[] {
+              MicrosoftStandardObject object(table, text);
+              thrown.raise(&object);
+            }),
+            "yyyyyyyyyy");
+  VirtualFree(pages, 0, MEM_RELEASE);
+}
+
+TEST(MicrosoftException, WhoseWhatAndDestructorFailIsAFailureAllTheSame) {
+  static const void* const table[] = {
+      nullptr, reinterpret_cast<const void*>(+[](const MicrosoftStandardObject*) -> const char* {
+        RaiseException(static_cast<DWORD>(EXCEPTION_ILLEGAL_INSTRUCTION), 0, 0, nullptr);
+        return "";
+      })};
+  static const MicrosoftThrow thrown(
+      {".?AVexception@std@@"}, sizeof(MicrosoftStandardObject), +[](void*) {
+        ++destroyed;
+        RaiseException(MicrosoftThrow::code, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+      });
+  destroyed = 0;
+  EXPECT_EQ(messageOf(+[] {
+              MicrosoftStandardObject object(table, "unread");
+              thrown.raise(&object);
+            }),
+            "Unknown exception");
+  EXPECT_EQ(messageOf(+[] {
+              MicrosoftStandardObject object(nullptr, "no virtual table");
+              thrown.raise(&object);
+            }),
+            "Unknown exception");
+  EXPECT_EQ(destroyed, 2);
+}
+
+// ---- outside it
+
+template <std::size_t size>
+struct Large {
+  Large() : self(this) { std::memset(bytes, 'z', sizeof bytes); }
+  bool isWhole() const {
+    return self == this && std::string(bytes, size) == std::string(size, 'z');
+  }
+
+  const Large* self;
+  char bytes[size];
+};
+
+int wholeWhenDestroyed = 0;
+
+template <class Object>
+void destroyWhole(void* address) {
+  ++destroyed;
+  wholeWhenDestroyed += static_cast<Object*>(address)->isWhole() ? 1 : 0;
+}
+
+// What a clean-up that calls functions does to the stack below it.
+[[gnu::noinline]] void overwriteStack() {
+  volatile char bytes[16384];
+  for (volatile char& byte : bytes) {
+    byte = 'q';
+  }
+}
+
+struct OverwritingCleanUp {
+  ~OverwritingCleanUp() { overwriteStack(); }
+};
+
+using LargeObject = Large<3000>;
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winfinite-recursion"  // the throw is not seen as an end
+[[gnu::noinline]] void throwFarDown(int frames) {
+  static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
+                                     destroyWhole<LargeObject>);
+  volatile char room[1000];
+  room[0] = 1;
+  if (frames == 0) {
+    LargeObject object;
+    thrown.raise(&object);
+  }
+  throwFarDown(frames - 1);
+  room[1] = room[0];
+}
+#pragma GCC diagnostic pop
+
+TEST(MicrosoftException, LeavesWithItsObjectWholeAndInItsPlaceWhateverHappensOnTheWay) {
+  destroyed = 0;
+  for (const int frames : {0, 50}) {
+    const LeavingException left = leavingException([frames] {
+      raisingAsItCame([frames] {
+        const OverwritingCleanUp cleanUp;
+        callGuarded(throwFarDown, frames);
+      });
+    });
+    EXPECT_EQ(left.code, MicrosoftThrow::code);
+    EXPECT_EQ(left.what, "object");  // its first word says where it was
+    ASSERT_EQ(left.parameters.size(), 4U);
+    EXPECT_EQ(left.parameters[0], 0x19930520U);
+  }
+  EXPECT_EQ(destroyed, 0) << "that is for who handles it";
+}
+
+TEST(MicrosoftException, ThatIsSwallowedIsDestroyedOnceInItsPlace) {
+  destroyed = 0;
+  wholeWhenDestroyed = 0;
+  for (const int frames : {0, 50}) {
+    try {
+      const OverwritingCleanUp cleanUp;
+      callGuarded(throwFarDown, frames);
+      FAIL();
+    } catch (...) {
+      overwriteStack();
+    }
+  }
+  EXPECT_EQ(destroyed, 2);
+  EXPECT_EQ(wholeWhenDestroyed, 2);
+}
+
+TEST(MicrosoftException, OnTheHeapStaysThere) {
+  static LargeObject object;
+  static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
+                                     destroyWhole<LargeObject>);
+  const LeavingException left =
+      leavingException([] { callAsExport(+[] { thrown.raise(&object); }); });
+  EXPECT_EQ(left.what, "object");
+  EXPECT_EQ(left.parameters.at(1), reinterpret_cast<std::uintptr_t>(&object));
+}
+
+TEST(MicrosoftException, RaisedAnewByACleanUpReplacesTheFirst) {
+  static const MicrosoftThrow number({".H"}, sizeof(int));
+  destroyed = 0;
+  wholeWhenDestroyed = 0;
+  const LeavingException left = leavingException([] {
+    raisingAsItCame([] {
+      try {
+        callGuarded(throwFarDown, 3);
+      } catch (...) {
+        callGuarded(+[] {
+          int seven = 7;
+          number.raise(&seven);
+        });
+        throw;
+      }
+    });
+  });
+  EXPECT_EQ(left.what, "int 7");
+  EXPECT_EQ(destroyed, 1);
+  EXPECT_EQ(wholeWhenDestroyed, 1);
+}
+
+}  // namespace
+}  // namespace orvane
