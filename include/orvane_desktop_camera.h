@@ -30,8 +30,8 @@
  *
  * @par Strings
  * Every string that the library returns is NUL-terminated, belongs to the library and is never
- * null. Copy it if you need it for longer than its function's description promises. Every string
- * that goes in or comes out is UTF-8, as far as the makers' SDKs keep to it in camera names.
+ * null. Copy it if you need it for longer than its function's description promises. Strings are
+ * UTF-8, except that an SDK may put other bytes into a camera's name.
  *
  * @par Error text
  * A call that fails says so by its return value; oc_error() then tells why, in English. The text is
@@ -44,10 +44,21 @@
  * until the process ends.
  *
  * @par Exceptions
- * These functions may let a C++ exception pass, and are therefore not declared noexcept: oc_scan()
- * in the case that is described with it; oc_library_dir(), oc_scan() and oc_info() std::bad_alloc
- * when memory runs out; oc_scan(), oc_open(), oc_read() and oc_apply() an exception of an SDK's
- * that does not derive from std::exception.
+ * No function is declared noexcept. These C++ exceptions leave the library:
+ *
+ * - oc_scan(), on Windows: std::system_error when the directory is not valid UTF-8 (see oc_scan())
+ * - oc_library_dir(), oc_scan() and oc_info(): std::bad_alloc
+ * - oc_scan(), oc_open(), oc_read() and oc_apply(): an exception of an SDK that does not derive
+ *   from std::exception, unchanged. After one has left oc_open(), call oc_close(). oc_close() and
+ *   oc_temperature() swallow it, and so does oc_scan() while it reads the limits of a ZWO ASI or
+ *   Player One camera.
+ *
+ * An exception of an SDK that derives from std::exception is an ordinary failure, whose error text
+ * is its what(). The Windows DLL, which GCC builds, treats the exceptions of SDKs that were built
+ * with Microsoft's compiler alike; a program built with Microsoft's compiler can catch by type
+ * those that pass. It cannot catch std::system_error and std::bad_alloc by type, because they are
+ * GCC's: check the directory before the scan. Access violations and other structured exceptions
+ * are not touched.
  */
 #ifndef ORVANE_DESKTOP_CAMERA_H
 #define ORVANE_DESKTOP_CAMERA_H
@@ -75,14 +86,43 @@
 extern "C" {
 #endif
 
+/** Pixel formats: the codes in "formats" of oc_info() and the `format` of oc_open(). */
+enum {
+  /** Raw, 8 bits a pixel. A colour camera delivers its Bayer pattern. */
+  OC_FORMAT_RAW8 = 0,
+  /** Raw, 16 bits a pixel, low byte first. */
+  OC_FORMAT_RAW16 = 1,
+  /** Colour computed by the SDK, 3 bytes a pixel; for their order see oc_read(). */
+  OC_FORMAT_RGB24 = 2,
+  /** Brightness computed by the SDK, 8 bits a pixel. */
+  OC_FORMAT_MONO8 = 3
+};
+
+/**
+ * Bayer patterns: the codes in "bayer" of oc_info(). The name gives the first two pixels of the
+ * first row, then those of the second. The numbers are the colour ids of SER files.
+ */
+enum {
+  /** None: a mono camera. */
+  OC_BAYER_NONE = 0,
+  /** Red green, green blue. */
+  OC_BAYER_RGGB = 8,
+  /** Green red, blue green. */
+  OC_BAYER_GRBG = 9,
+  /** Green blue, red green. */
+  OC_BAYER_GBRG = 10,
+  /** Blue green, green red. */
+  OC_BAYER_BGGR = 11
+};
+
 /**
  * Names the directory that the makers' SDK libraries are loaded from.
  *
  * The directory is not looked at here. It matters for SDKs that the next oc_scan() loads for the
  * first time; an SDK that is loaded already stays as it is. Does not touch the error text.
  *
- * @param dir UTF-8 path, copied; a null pointer counts as "". With "" the SDKs are looked for by
- *     their bare file names, which on Windows finds nothing: name a full path.
+ * @param dir UTF-8 path, copied; a null pointer counts as "". On Windows it must be a full path:
+ *     others find nothing, "" included. Text that is not valid UTF-8 makes oc_scan() throw.
  */
 ORVANE_DESKTOP_CAMERA_API void oc_library_dir(const char* dir);
 
@@ -90,15 +130,25 @@ ORVANE_DESKTOP_CAMERA_API void oc_library_dir(const char* dir);
  * Builds the catalogue anew: loads the SDKs that are not loaded yet, and opens every camera that
  * they report for a moment to read its limits. Nothing stays open.
  *
- * Error text: emptied at the start (not by a refusal). A maker whose cameras could not all be read
- * adds its message, "; " between two of them, and its cameras read so far stay in the catalogue; so
- * look at oc_error() even after a positive result. An SDK that is missing or cannot be loaded is no
- * error and gives no message.
+ * Error text: emptied at the start (not by a refusal). The first failing call, other than those
+ * below, ends the scan of that maker: it adds one message, "; " between those of two makers, and
+ * the cameras read so far stay in the catalogue. So look at oc_error() even after a positive
+ * result.
+ *
+ * An empty error text does not mean that every camera was read. These give no message:
+ *
+ * - an SDK that is missing or cannot be loaded (see oc_libraries())
+ * - a camera that cannot be opened, for example because another program holds it: ZWO ASI and
+ *   Player One cameras are listed with "maxExposureUs", "minGain" and "maxGain" all 0, which means
+ *   unknown; QHYCCD and ToupTek cameras are left out
+ * - a limit that the SDK does not tell: it is 0
  *
  * Catalogue indices from an earlier scan are void after this call.
  *
- * Exceptions: on Windows a directory that is not valid UTF-8 leaves this function as a
- * std::system_error with the Windows error code.
+ * Exceptions: on Windows, a directory that is not valid UTF-8 leaves this function as a
+ * std::system_error with the Windows error code, as soon as an SDK is to be loaded. SDKs that were
+ * loaded before stay loaded. The catalogue, the error text and oc_libraries() then hold only what
+ * came from loaded SDKs that stand before that one in the makers' order; nothing in the first scan.
  *
  * @return The number of cameras in the catalogue, 0 or more, or -1 when a camera is open: the error
  *     text is then "Stop the preview before rescanning" and everything else stays as it was.
@@ -120,17 +170,18 @@ ORVANE_DESKTOP_CAMERA_API const char* oc_libraries(void);
  * - "id": the index
  * - "name": model or display name; control characters are left out
  * - "maxWidth", "maxHeight": sensor size at bin 1, pixels
- * - "bitDepth": of the sensor's converter
+ * - "bitDepth": of the sensor's converter, or only of the transfer: 8 for many QHYCCD cameras with
+ *   a deeper converter; 0 from old ZWO ASI SDKs
  * - "pixelSizeUm": pixel pitch, micrometres, up to 6 significant digits
  * - "isColor", "isCooled", "isUsb3Camera", "isUsb3Host": booleans
  * - "bins": binning factors for oc_open(), an array
- * - "formats": format codes for oc_open(), an array: 0 raw 8 bit, 1 raw 16 bit, 2 RGB 24 bit,
- *   3 mono 8 bit
+ * - "formats": format codes for oc_open(), an array in no fixed order: OC_FORMAT_RAW8 and so on
  * - "depths": [8] or [8,16]
  * - "maxExposureUs": longest exposure that the maker states, microseconds (oc_open() and oc_apply()
- *   take up to 2147483647)
- * - "minGain", "maxGain": in the maker's units
- * - "bayer": colour mosaic at the top left corner: 0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR
+ *   take up to 2147483647); 0 is unknown
+ * - "minGain", "maxGain": in the maker's units; may be negative (-25 for the ASI2600); all 0
+ *   together with "maxExposureUs" when unknown
+ * - "bayer": Bayer pattern at the top left corner, OC_BAYER_NONE and so on
  *
  * Does not touch the error text.
  *
@@ -144,10 +195,16 @@ ORVANE_DESKTOP_CAMERA_API const char* oc_info(int index);
  * Opens a camera, configures it and starts its stream. A camera that is open is closed first, even
  * when this call then fails.
  *
- * Width and height are compared with the binned sensor and cut down to it: the full sensor size at
- * bin 2 gives a frame of half that size; a size smaller than the binned sensor is the frame's size
- * as it stands. The region lies at the sensor's top left corner. Makers round it (ZWO ASI to 8 x 2
- * pixels): ask oc_width() and oc_height() for the result.
+ * Width and height may be as large as the sensor at bin 1, and are cut down to the binned sensor:
+ * the full sensor size at bin 2 gives a frame of half that size. A size smaller than the binned
+ * sensor is the frame's size as it stands. The region lies at the sensor's top left corner.
+ *
+ * A size that the camera cannot do is rounded or refused, depending on the maker. ZWO ASI: this
+ * library rounds down to multiples of 8 x 2 pixels. Player One: its SDK rounds to multiples of
+ * 4 x 2. QHYCCD: its SDK refuses ("QHY ROI: 4294967295"). ToupTek: its SDK refuses odd and very
+ * small sizes ("ToupTek ROI: -2147024809"). Ask oc_width() and oc_height() for the result.
+ *
+ * Some models cannot be opened with any arguments: docs/makers.md, "Models that cannot be opened".
  *
  * The error text is emptied at the start. After a failure it is one of these, or another that says
  * which of the maker's steps failed:
@@ -165,9 +222,9 @@ ORVANE_DESKTOP_CAMERA_API const char* oc_info(int index);
  * @param width 1 up to "maxWidth"
  * @param height 1 up to "maxHeight"
  * @param bin one of "bins"
- * @param format one of "formats"
+ * @param format one of "formats", OC_FORMAT_RAW8 and so on
  * @param exposureUs 1 to 2147483647 microseconds, for every maker
- * @param gain in the maker's units, passed on as it is
+ * @param gain in the maker's units, passed on as it is; may be negative
  * @param offset likewise
  * @return 1, or 0 after a failure: no camera is open then, and oc_buffer_size() is 0.
  */
@@ -200,8 +257,20 @@ ORVANE_DESKTOP_CAMERA_API int oc_buffer_size(void);
 /**
  * Asks for the next frame. The SDK writes straight into the buffer; nothing is copied or allocated.
  *
- * A frame is rows from the top without padding, 1 byte a pixel, 2 for 16 bit (little endian) and 3
- * for RGB (red, green, blue for ZWO ASI; as the SDK delivers them for others).
+ * A frame is rows without padding, in the order in which the SDK delivers them: the top row first,
+ * except that ToupTek's SDK on Windows delivers the bottom row first unless it is told otherwise,
+ * and this library does not tell it. A pixel has these bytes:
+ *
+ * - OC_FORMAT_RAW8, OC_FORMAT_MONO8: 1
+ * - OC_FORMAT_RAW16: 2, low byte first. A sample of less than 16 bits is left-aligned (ZWO ASI,
+ *   Player One, QHYCCD usually) or right-aligned (ToupTek).
+ * - OC_FORMAT_RGB24: 3. Red, green, blue for ZWO ASI, whose SDK delivers blue first: this library
+ *   swaps. Blue, green, red for Player One (measured), as the SDK delivers them.
+ *
+ * A camera that has gone may give 0 for ever. QHYCCD answers 0 for "no frame" and for every
+ * failure, unplugging included; ZWO ASI and Player One mostly do so after unplugging, too. So count
+ * the time since the last frame. Silence of twice the exposure plus 500 ms is normal; give up after
+ * five times that.
  *
  * After a failure the error text is one of these; a camera that is open stays open and streaming:
  * read again or close it.
@@ -212,10 +281,11 @@ ORVANE_DESKTOP_CAMERA_API int oc_buffer_size(void);
  *
  * @param buffer oc_buffer_size() bytes or more, not null
  * @param bufferLength its size in bytes
- * @param timeoutMs how long the SDK may wait, in milliseconds. Only ZWO ASI's waits for a frame;
- *     with the others poll again after a pause. Twice the exposure plus 500 ms is a good value.
- * @return The number of frame bytes; 0 when no frame was ready, which is no error: try again, the
- *     buffer's content is undefined; -1 after a failure.
+ * @param timeoutMs how long the SDK may wait, in milliseconds: twice the exposure plus 500, but not
+ *     much more than 1000, because nothing interrupts the call. Only ZWO ASI's SDK waits; with the
+ *     others pause and call again. Not negative: ZWO ASI's SDK would wait for ever.
+ * @return The number of frame bytes; 0 when there was no frame, which is no error by itself: pause
+ *     and call again, the buffer's content is undefined; -1 after a failure.
  */
 ORVANE_DESKTOP_CAMERA_API int oc_read(uint8_t* buffer, int bufferLength, int timeoutMs);
 
@@ -223,22 +293,25 @@ ORVANE_DESKTOP_CAMERA_API int oc_read(uint8_t* buffer, int bufferLength, int tim
  * Sets exposure, gain and offset, in this order, of the streaming camera. Arguments as in
  * oc_open().
  *
- * A camera without a writable offset is no error for ZWO ASI and QHYCCD.
+ * ZWO ASI and QHYCCD cameras without a writable offset ignore it; others fail. Of a value out of
+ * range, ZWO ASI's SDK takes the nearest one that it can do and reports success; others may refuse
+ * it.
  *
  * @param exposureUs 1 to 2147483647 microseconds
- * @param gain in the maker's units
+ * @param gain in the maker's units; may be negative
  * @param offset likewise
  * @return 1, or 0 after a failure with the error text "Camera closed", "Exposure out of range",
  *     "ToupTek gain out of range", "<setting>: <code>" or "<library>: missing <function>". The
- *     camera stays as it was, and what was set before the failure stays in force.
+ *     camera goes on streaming, and what was set before the failure stays in force.
  */
 ORVANE_DESKTOP_CAMERA_API int oc_apply(int64_t exposureUs, int gain, int offset);
 
 /**
  * The sensor's temperature. Never touches the error text.
  *
- * @return Degrees Celsius, or a quiet NaN when no camera is open or the SDK gives none. (QHYCCD
- *     cameras without a sensor may answer an error number such as 4294967295.0.)
+ * @return Degrees Celsius, or a quiet NaN when no camera is open or the SDK reports a failure. An
+ *     SDK can also report a number that is no temperature: 4294967295.0 for a QHYCCD camera without
+ *     a temperature sensor, -300 for a Player One camera that was unplugged (measured).
  */
 ORVANE_DESKTOP_CAMERA_API double oc_temperature(void);
 

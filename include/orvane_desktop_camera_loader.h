@@ -1,7 +1,7 @@
 /**
  * @file
- * The library's thirteen functions for a program that loads the
- * library at run time and does not link it. C11 and C++, Windows and Linux, nothing to build.
+ * The library's thirteen functions for a program that loads the library at run time and does not
+ * link it. C11 and C++, Windows and Linux, nothing to build.
  *
  *     OrvaneDesktopCamera camera;
  *     char message[256];
@@ -15,7 +15,11 @@
  *     }
  *
  * Each member does what the function of the same name in orvane_desktop_camera.h does: scan is
- * oc_scan() and so on. The library has one state in a process, however often it is loaded.
+ * oc_scan() and so on. What that header says about threads, strings, errors and exceptions holds
+ * here too. The library has one state in a process, however often it is loaded: two
+ * OrvaneDesktopCamera of one file share the catalogue and the open camera, and no two calls may
+ * overlap, whichever of them they go through. The two functions that load and unload count as
+ * calls.
  *
  * On Windows this header includes <windows.h>. On Linux, link with -ldl where the C library is
  * older than glibc 2.34.
@@ -142,8 +146,10 @@ static inline void orvane_desktop_camera_append(char* message, size_t length, co
 }
 
 /**
- * Gives back the library and makes every member null; does nothing with one that is not loaded.
- * Call close() before: unloading closes no camera. Texts that the library returned are gone.
+ * Releases the library and makes every member null; does nothing with one that is not loaded.
+ * Call close() before: unloading closes no camera. The SDKs stay loaded until the process ends.
+ * When this was the library's last user in the process, its strings, catalogue and directory are
+ * gone.
  *
  * @param camera what orvane_desktop_camera_load() filled in
  */
@@ -164,8 +170,9 @@ static inline void orvane_desktop_camera_unload(OrvaneDesktopCamera* camera) {
  * Loads the library and looks up its functions.
  *
  * @param camera filled in; what it holds before does not matter
- * @param file UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll". On Windows a path that
- *     is not a full one fails, and so does one of 4096 characters or more.
+ * @param file UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll"; not null. On Windows a
+ *     path fails that is not a full one, is not valid UTF-8, or has 4096 characters or more. On
+ *     Linux the system looks for a name without a slash.
  * @param message receives one sentence after a failure and "" otherwise, cut down to fit; may be
  *     null
  * @param messageLength its size in bytes

@@ -40,16 +40,28 @@ namespace Orvane.DesktopCamera
     }
 
     /// <summary>What a pixel of a frame is.</summary>
-    public enum PixelFormat
+    public enum Format
     {
-        /// <summary>8 bits, of a colour camera behind its mosaic.</summary>
+        /// <summary>8 bits; a colour camera delivers its Bayer pattern.</summary>
         Raw8 = 0,
-        /// <summary>16 bits, little endian, likewise.</summary>
+        /// <summary>16 bits, low byte first, likewise; left-aligned, for ToupTek right-aligned.</summary>
         Raw16 = 1,
-        /// <summary>Red, green, blue for ZWO ASI; as the SDK delivers them for others.</summary>
+        /// <summary>Red, green, blue for ZWO ASI; blue, green, red for Player One.</summary>
         Rgb24 = 2,
         /// <summary>8 bits of brightness.</summary>
         Mono8 = 3
+    }
+
+    /// <summary>The Bayer pattern: the first two pixels of the first row, then those of the second.
+    /// </summary>
+    public enum Bayer
+    {
+        /// <summary>A mono camera.</summary>
+        None = 0,
+        Rggb = 8,
+        Grbg = 9,
+        Gbrg = 10,
+        Bggr = 11
     }
 
     /// <summary>One camera of the last scan. Index is void after the next one.</summary>
@@ -60,6 +72,7 @@ namespace Orvane.DesktopCamera
         /// <summary>Of the sensor at bin 1, pixels.</summary>
         public int MaxWidth { get; private set; }
         public int MaxHeight { get; private set; }
+        /// <summary>Of the sensor's converter, or only of the transfer (QHYCCD).</summary>
         public int BitDepth { get; private set; }
         /// <summary>Micrometres; NaN or infinite where the SDK says so.</summary>
         public double PixelSizeUm { get; private set; }
@@ -68,14 +81,15 @@ namespace Orvane.DesktopCamera
         public bool IsUsb3Camera { get; private set; }
         public bool IsUsb3Host { get; private set; }
         public IReadOnlyList<int> Bins { get; private set; }
-        /// <summary>See PixelFormat.</summary>
-        public IReadOnlyList<int> Formats { get; private set; }
+        /// <summary>An SDK can list a format that the enumeration has no name for.</summary>
+        public IReadOnlyList<Format> Formats { get; private set; }
         public IReadOnlyList<int> Depths { get; private set; }
+        /// <summary>This and the two gains are 0 for a camera that could not be opened.</summary>
         public long MaxExposureUs { get; private set; }
+        /// <summary>May be negative.</summary>
         public int MinGain { get; private set; }
         public int MaxGain { get; private set; }
-        /// <summary>0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR.</summary>
-        public int Bayer { get; private set; }
+        public Bayer Bayer { get; private set; }
 
         /// <summary>Reads the library's description of a camera: one flat JSON object.</summary>
         public static CameraInfo FromJson(string json)
@@ -100,13 +114,13 @@ namespace Orvane.DesktopCamera
                     IsUsb3Camera = fields["isUsb3Camera"] == "true",
                     IsUsb3Host = fields["isUsb3Host"] == "true",
                     Bins = Numbers(fields["bins"]),
-                    Formats = Numbers(fields["formats"]),
+                    Formats = Array.ConvertAll(Numbers(fields["formats"]), code => (Format)code),
                     Depths = Numbers(fields["depths"]),
                     MaxExposureUs =
                         long.Parse(fields["maxExposureUs"], CultureInfo.InvariantCulture),
                     MinGain = Number(fields["minGain"]),
                     MaxGain = Number(fields["maxGain"]),
-                    Bayer = Number(fields["bayer"])
+                    Bayer = (Bayer)Number(fields["bayer"])
                 };
             }
             catch (KeyNotFoundException)
@@ -160,7 +174,8 @@ namespace Orvane.DesktopCamera
         public IReadOnlyList<CameraInfo> Cameras { get; internal set; }
         /// <summary>The base names of the SDKs that were found.</summary>
         public IReadOnlyList<string> Libraries { get; internal set; }
-        /// <summary>What could not be read, or "".</summary>
+        /// <summary>What could not be read, or "". A camera that cannot be opened is not told here:
+        /// ZWO ASI and Player One cameras are listed with limits of 0, others are left out.</summary>
         public string Error { get; internal set; }
     }
 
@@ -171,7 +186,7 @@ namespace Orvane.DesktopCamera
         public int? Width { get; set; }
         public int? Height { get; set; }
         public int Bin { get; set; } = 1;
-        public PixelFormat Format { get; set; } = PixelFormat.Raw8;
+        public Format Format { get; set; } = Format.Raw8;
         public long ExposureUs { get; set; } = 20000;
         /// <summary>Without one the lowest.</summary>
         public int? Gain { get; set; }
@@ -247,9 +262,12 @@ namespace Orvane.DesktopCamera
     /// <summary>An open camera that streams; from CameraLibrary.Open, until Dispose.</summary>
     public sealed class Camera : IDisposable
     {
+        // Nothing interrupts a call, and other threads' calls wait for it.
+        private const int LongestCallMs = 1000;
+
         private long exposureUs;
 
-        internal Camera(CameraInfo info, PixelFormat format, long exposureUs)
+        internal Camera(CameraInfo info, Format format, long exposureUs)
         {
             this.exposureUs = exposureUs;
             Info = info;
@@ -260,7 +278,7 @@ namespace Orvane.DesktopCamera
         }
 
         public CameraInfo Info { get; }
-        public PixelFormat Format { get; }
+        public Format Format { get; }
         /// <summary>Of a frame, in pixels, as the camera rounded it.</summary>
         public int Width { get; }
         public int Height { get; }
@@ -269,8 +287,8 @@ namespace Orvane.DesktopCamera
         public bool IsClosed { get; private set; }
 
         /// <summary>Asks once for the next frame; returns the filled part of the buffer, or an
-        /// empty span where none is ready. Nothing is copied. Only ZWO ASI and Player One cameras wait.
-        /// </summary>
+        /// empty span where none is ready. Nothing is copied. Only ZWO ASI's SDK waits. Nothing
+        /// interrupts it: let it wait for a second at most.</summary>
         public unsafe ReadOnlySpan<byte> Poll(Span<byte> buffer, int timeoutMs)
         {
             lock (CameraLibrary.OneCall)
@@ -288,21 +306,24 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Waits for a frame, twice the exposure and half a second at most.</summary>
+        /// <summary>Waits for a frame, twice the exposure and half a second at most. That much
+        /// silence is normal: after five time-outs in a row take the camera for lost, because one
+        /// that was unplugged may cause no other error.</summary>
         public ReadOnlySpan<byte> Read(Span<byte> buffer)
         {
             return Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
         }
 
-        /// <summary>Waits for the next frame and returns the filled part of the buffer: rows from
-        /// the top without padding. Throws FrameTimeoutException where none comes.</summary>
+        /// <summary>Waits for the next frame and returns the filled part of the buffer: rows without
+        /// padding, from the top (ToupTek on Windows: from the bottom). Throws FrameTimeoutException
+        /// where none comes.</summary>
         public ReadOnlySpan<byte> Read(Span<byte> buffer, int timeoutMs)
         {
             var waited = Stopwatch.StartNew();
             while (true)
             {
                 long left = Math.Max(0, timeoutMs - waited.ElapsedMilliseconds);
-                ReadOnlySpan<byte> frame = Poll(buffer, (int)left);
+                ReadOnlySpan<byte> frame = Poll(buffer, (int)Math.Min(left, LongestCallMs));
                 if (frame.Length > 0)
                 {
                     return frame;
@@ -311,7 +332,7 @@ namespace Orvane.DesktopCamera
                 {
                     throw new FrameTimeoutException("No frame within " + timeoutMs + " ms");
                 }
-                // Two makers' SDKs never wait.
+                // Only ZWO's SDK waits.
                 Thread.Sleep(1);
             }
         }
@@ -336,7 +357,8 @@ namespace Orvane.DesktopCamera
         }
 
         /// <summary>Of the sensor, in degrees Celsius; NaN where the SDK gives none or the camera
-        /// is closed.</summary>
+        /// is closed. An SDK can also give a number that is no temperature, such as 4294967295.0 or
+        /// -300.</summary>
         public double Temperature
         {
             get

@@ -31,7 +31,7 @@ from typing import Iterator, Optional, Union
 
 import numpy as np
 
-__all__ = ["Camera", "CameraError", "CameraInfo", "FrameTimeout", "Library", "PixelFormat"]
+__all__ = ["Bayer", "Camera", "CameraError", "CameraInfo", "Format", "FrameTimeout", "Library"]
 
 
 class CameraError(Exception):
@@ -42,17 +42,27 @@ class FrameTimeout(CameraError):
     """No frame came in time. The camera goes on streaming: read again, or close it."""
 
 
-class PixelFormat(enum.IntEnum):
+class Format(enum.IntEnum):
     """What a pixel of a frame is."""
 
-    RAW8 = 0  #: 8 bits, of a colour camera behind its mosaic
-    RAW16 = 1  #: 16 bits, likewise
-    RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI; as the SDK delivers them for others
+    RAW8 = 0  #: 8 bits; a colour camera delivers its Bayer pattern
+    RAW16 = 1  #: 16 bits, likewise; left-aligned, for ToupTek right-aligned
+    RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI, blue, green, red for Player One
     MONO8 = 3  #: 8 bits of brightness
 
     @property
     def dtype(self) -> np.dtype:
-        return np.dtype("<u2") if self is PixelFormat.RAW16 else np.dtype(np.uint8)
+        return np.dtype("<u2") if self is Format.RAW16 else np.dtype(np.uint8)
+
+
+class Bayer(enum.IntEnum):
+    """The Bayer pattern: the first two pixels of the first row, then those of the second."""
+
+    NONE = 0  #: a mono camera
+    RGGB = 8
+    GRBG = 9
+    GBRG = 10
+    BGGR = 11
 
 
 @dataclass(frozen=True)
@@ -63,19 +73,19 @@ class CameraInfo:
     name: str
     max_width: int  #: of the sensor at bin 1, pixels
     max_height: int
-    bit_depth: int
+    bit_depth: int  #: of the sensor's converter, or only of the transfer (QHYCCD)
     pixel_size_um: float  #: micrometres; may be NaN or infinite where the SDK says so
     is_color: bool
     is_cooled: bool
     is_usb3_camera: bool
     is_usb3_host: bool
     bins: tuple[int, ...]
-    formats: tuple[int, ...]  #: see PixelFormat
+    formats: tuple[int, ...]  #: see Format
     depths: tuple[int, ...]
-    max_exposure_us: int
-    min_gain: int
+    max_exposure_us: int  #: this and the two gains are 0 for a camera that could not be opened
+    min_gain: int  #: may be negative
     max_gain: int
-    bayer: int  #: 0 none, 8 RGGB, 9 GRBG, 10 GBRG, 11 BGGR
+    bayer: Bayer
 
     @staticmethod
     def from_json(text: str) -> "CameraInfo":
@@ -102,7 +112,7 @@ class CameraInfo:
             max_exposure_us=fields["maxExposureUs"],
             min_gain=fields["minGain"],
             max_gain=fields["maxGain"],
-            bayer=fields["bayer"],
+            bayer=Bayer(fields["bayer"]),
         )
 
 
@@ -130,7 +140,8 @@ class Library:
         """Looks for cameras with the makers' SDKs in this directory.
 
         Raises CameraError while a camera is open. A maker whose cameras could not all be read is no
-        exception: see `scan_error`.
+        exception: see `scan_error`. A camera that cannot be opened is told by neither: ZWO ASI and
+        Player One cameras are listed with limits of 0, others are left out.
         """
         directory = _utf8(os.fspath(Path(sdk_directory).absolute()))
         with _one_call:
@@ -145,7 +156,7 @@ class Library:
 
     @property
     def scan_error(self) -> str:
-        """What the last scan could not read, or ""."""
+        """What the last scan could not read, or "". It does not tell every camera: see scan()."""
         return self._scan_error
 
     @property
@@ -162,14 +173,14 @@ class Library:
         width: Optional[int] = None,
         height: Optional[int] = None,
         bin: int = 1,
-        format: int = PixelFormat.RAW8,
+        format: int = Format.RAW8,
         exposure_us: int = 20000,
         gain: Optional[int] = None,
         offset: int = 0,
     ) -> "Camera":
         """Opens a camera, which streams from here on; one that is open is closed first.
 
-        `format` is a PixelFormat. Without a width or a height the whole sensor, without a gain the
+        `format` is a Format. Without a width or a height the whole sensor, without a gain the
         lowest. Raises CameraError with the library's text, and OverflowError for a number that the
         library's types cannot hold.
         """
@@ -199,7 +210,7 @@ class Library:
             if not self._c.oc_open(*numbers):
                 raise self._error()
             try:
-                opened = Camera(self, info, PixelFormat(format), exposure_us)
+                opened = Camera(self, info, Format(format), exposure_us)
             except BaseException:
                 self._c.oc_close()
                 raise
@@ -213,7 +224,7 @@ class Library:
 class Camera:
     """An open camera that streams. Library.open() makes it; `with` closes it."""
 
-    def __init__(self, library: Library, info: CameraInfo, format: PixelFormat, exposure_us: int):
+    def __init__(self, library: Library, info: CameraInfo, format: Format, exposure_us: int):
         self._library = library
         self._c = library._c
         self._closed = False
@@ -249,13 +260,15 @@ class Camera:
         buffer      bytes that the frame is written into: one-dimensional, contiguous, writable,
                     buffer_size long or longer. The result is a view of it, not a copy, and so is
                     overwritten when the buffer is used again. Without it a new one each time.
-        timeout_ms  how long the SDK may wait; only ZWO ASI and Player One cameras do. Without it
-                    twice the exposure and half a second.
+        timeout_ms  how long the SDK may wait; only ZWO ASI's does. Without it twice the exposure
+                    and half a second, but a second at most.
         """
         if buffer is None:
             buffer = self.new_buffer()
         _check_buffer(buffer)
-        timeout = _int32(self._timeout_ms() if timeout_ms is None else timeout_ms)
+        if timeout_ms is None:
+            timeout_ms = min(self._timeout_ms(), _LONGEST_CALL_MS)
+        timeout = _int32(timeout_ms)
         with _one_call:
             self._demand_open()
             count = self._c.oc_read(buffer.ctypes.data, min(buffer.size, _INT32_MAX), timeout)
@@ -264,26 +277,30 @@ class Camera:
         if count == 0:
             return None
         shape = (self.height, self.width)
-        if self.format is PixelFormat.RGB24:
+        if self.format is Format.RGB24:
             shape += (3,)
         return buffer[:count].view(self.format.dtype).reshape(shape)
 
     def read(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> np.ndarray:
-        """Waits for the next frame; raises FrameTimeout where none comes. Arguments as poll()."""
+        """Waits for the next frame; raises FrameTimeout where none comes within `timeout_ms`, or
+        without it within twice the exposure and half a second. That much silence is normal: after
+        five in a row take the camera for lost, because one that was unplugged may raise no other
+        error. `buffer` as for poll().
+        """
         timeout = self._timeout_ms() if timeout_ms is None else timeout_ms
         if buffer is None:
             buffer = self.new_buffer()
         end = time.monotonic() + timeout / 1000
         while True:
             left = max(0, math.ceil((end - time.monotonic()) * 1000))
-            frame = self.poll(buffer, left)
+            frame = self.poll(buffer, min(left, _LONGEST_CALL_MS))
             if frame is not None:
                 return frame
             if time.monotonic() >= end:
                 raise FrameTimeout(f"No frame within {timeout} ms")
-            # Two makers' SDKs never wait.
+            # Only ZWO's SDK waits.
             time.sleep(0.001)
 
     def frames(
@@ -309,7 +326,9 @@ class Camera:
 
     @property
     def temperature(self) -> float:
-        """Of the sensor, degrees Celsius; NaN where the SDK gives none or the camera is closed."""
+        """Of the sensor, degrees Celsius; NaN where the SDK gives none or the camera is closed. An
+        SDK can also give a number that is no temperature, such as 4294967295.0 or -300.
+        """
         with _one_call:
             return math.nan if self._closed else self._c.oc_temperature()
 
@@ -333,6 +352,7 @@ class Camera:
 
 
 _INT32_MAX = 2**31 - 1
+_LONGEST_CALL_MS = 1000  # nothing interrupts a call, and other threads' calls wait for it
 
 
 def _int32(value: int) -> int:

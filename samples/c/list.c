@@ -16,7 +16,8 @@ int main(int argc, char** argv) {
   count = oc_scan();
   printf("SDKs: %s\n", oc_libraries()[0] != '\0' ? oc_libraries() : "none");
 
-  /* A maker whose cameras could not all be read says why here, whatever the count. */
+  /* A maker whose cameras could not all be read says why here, whatever the count. A camera that
+   * another program holds gives no message: it is missing, or listed with limits of 0. */
   if (oc_error()[0] != '\0') {
     printf("Some cameras are missing: %s\n", oc_error());
   }

@@ -13,7 +13,7 @@
 #  include <windows.h>
 #endif
 
-/* Two makers' SDKs never wait for a frame: a program that polls them pauses after a 0. */
+/* Only ZWO's SDK waits for a frame: a program that polls the others pauses after a 0. */
 static inline void pauseOneMillisecond(void) {
 #if defined(_WIN32)
   Sleep(1);
@@ -23,8 +23,8 @@ static inline void pauseOneMillisecond(void) {
 #endif
 }
 
-/* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8
- * bit. Returns 1, or 0 after printing why not. */
+/* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8 bits.
+ * Returns 1, or 0 after printing why not. */
 static inline int openFirstCamera(const char* sdkDirectory, int64_t exposureUs, int gain) {
   char directory[3072];
   oc_library_dir(utf8Argument(sdkDirectory, directory, sizeof directory));
@@ -32,7 +32,7 @@ static inline int openFirstCamera(const char* sdkDirectory, int64_t exposureUs, 
     fprintf(stderr, "No camera found. %s\n", oc_error());
     return 0;
   }
-  if (!oc_open(0, 640, 480, 1, 0, exposureUs, gain, 10)) {
+  if (!oc_open(0, 640, 480, 1, OC_FORMAT_RAW8, exposureUs, gain, 10)) {
     fprintf(stderr, "Cannot open the camera: %s\n", oc_error());
     return 0;
   }

@@ -51,12 +51,12 @@ static class CSharpTest
         CheckEqual(1, sim_command(Encoding.UTF8.GetBytes(text + "\0")));
     }
 
-    static Camera Open(int index = 0, PixelFormat format = PixelFormat.Raw8, long exposureUs = 1000)
+    static Camera Open(int index = 0, Format format = Format.Raw8, long exposureUs = 1000)
     {
         return CameraLibrary.Open(cameras[index], Settings(format, exposureUs));
     }
 
-    static CameraSettings Settings(PixelFormat format = PixelFormat.Raw8, long exposureUs = 1000)
+    static CameraSettings Settings(Format format = Format.Raw8, long exposureUs = 1000)
     {
         return new CameraSettings { Width = 64, Height = 48, Format = format, ExposureUs = exposureUs };
     }
@@ -78,11 +78,33 @@ static class CSharpTest
         CheckEqual("0 ZWO ASI120MC-S 1280 960 12 3.75", string.Format(
             System.Globalization.CultureInfo.InvariantCulture, "{0} {1} {2} {3} {4} {5}", first.Index,
             first.Name, first.MaxWidth, first.MaxHeight, first.BitDepth, first.PixelSizeUm));
-        CheckEqual("1,2 0,2,1,3 8,16", string.Join(" ", new[] { first.Bins, first.Formats, first.Depths }
+        CheckEqual("1,2 8,16", string.Join(" ", new[] { first.Bins, first.Depths }
             .Select(numbers => string.Join(",", numbers))));
+        CheckEqual("Raw8,Rgb24,Raw16,Mono8", string.Join(",", first.Formats));
         Check(first.IsColor && !first.IsCooled && first.IsUsb3Camera, "flags");
-        CheckEqual(9, first.Bayer);
+        CheckEqual(Bayer.Grbg, first.Bayer);
         Check(first.MaxExposureUs > 1000000 && first.MaxGain > first.MinGain, "limits");
+    }
+
+    static string Codes<E>()
+    {
+        return string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
+    }
+
+    static void CodesOfFormatsAndBayerPatterns()
+    {
+        CheckEqual("Raw8=0 Raw16=1 Rgb24=2 Mono8=3", Codes<Format>());
+        CheckEqual("None=0 Rggb=8 Grbg=9 Gbrg=10 Bggr=11", Codes<Bayer>());
+    }
+
+    static void ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage()
+    {
+        Command("force ASIOpenCamera 1 1 16");
+        ScanResult found = CameraLibrary.Scan(sdks);
+        CameraInfo first = found.Cameras[0];
+        CheckEqual("0 0 0", first.MaxExposureUs + " " + first.MinGain + " " + first.MaxGain);
+        Check(found.Cameras[1].MaxGain > 0, "the limits of the next one");
+        CheckEqual("", found.Error);
     }
 
     static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
@@ -137,7 +159,7 @@ static class CSharpTest
     static void FailedOpensLeaveNothingOpen()
     {
         CheckThrows<CameraException>("Exposure out of range", () => Open(exposureUs: 0));
-        CheckThrows<CameraException>("Unsupported bin or format", () => Open(format: (PixelFormat)7));
+        CheckThrows<CameraException>("Unsupported bin or format", () => Open(format: (Format)7));
         Camera before = Open();
         Command("force ASIStartVideoCapture 1 1 16");
         CheckThrows<CameraException>("ASIStartVideoCapture: 16", () => Open());
@@ -173,7 +195,7 @@ static class CSharpTest
         Command("clock stopped");
         var buffer = new byte[64 * 48 * 2 + 5];
         var expected = new byte[64 * 48 * 2];
-        using (Camera camera = Open(format: PixelFormat.Raw16))
+        using (Camera camera = Open(format: Format.Raw16))
         {
             for (int number = 0; number < 3; ++number)
             {
@@ -249,7 +271,9 @@ static class CSharpTest
         CameraLibrary.Scan(sdks);
         var tests = new Action[]
         {
-            CamerasOfEveryMaker, NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers,
+            CamerasOfEveryMaker, CodesOfFormatsAndBayerPatterns,
+            ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage,
+            NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers,
             WhatCannotBeReadIsTold, NoScanWhileACameraIsOpenAndNoPathThatCannotBe,
             FailedOpensLeaveNothingOpen, AnotherCameraClosesTheFirst, ClosedWhenTheBlockFails,
             FramesAreTheBuffersFilledPart, EveryMaker, TimeOuts, FailedReadsLeaveTheCameraOpen,

@@ -27,7 +27,7 @@ run() {
   fi
 }
 run 0 "all passed" --debug "$scratch/CSharpTest.exe" "$sdks"
-run 0 "  0 ZWO ASI120MC-S: 1280 x 960, colour" "$scratch/ListCameras.exe" "$sdks"
+run 0 "  0 ZWO ASI120MC-S: 1280 x 960, colour (Grbg)" "$scratch/ListCameras.exe" "$sdks"
 run 1 "SDKs: none" "$scratch/ListCameras.exe" /nowhere
 run 2 "usage: ListCameras SDK-DIRECTORY" "$scratch/ListCameras.exe"
 run 0 "80.0 ms: mean " "$scratch/LiveStatistics.exe" "$sdks"

@@ -7,6 +7,7 @@ import ctypes
 import gc
 import math
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -19,7 +20,7 @@ sys.path.insert(0, str(BINDING))
 
 import numpy as np
 import orvane_desktop_camera as binding
-from orvane_desktop_camera import CameraError, CameraInfo, FrameTimeout, Library, PixelFormat
+from orvane_desktop_camera import Bayer, CameraError, CameraInfo, Format, FrameTimeout, Library
 
 NAMES = ["ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"]
 CONTROLS = {name: ctypes.CDLL(str(SDKS / f"lib{name}.so")) for name in NAMES}
@@ -123,9 +124,27 @@ class Scanning(BindingTest):
         self.assertEqual((first.is_color, first.is_cooled), (True, False))
         self.assertTrue(first.is_usb3_camera)
         self.assertEqual((first.bins, first.formats, first.depths), ((1, 2), (0, 2, 1, 3), (8, 16)))
-        self.assertEqual(first.bayer, 9)
+        self.assertIs(first.bayer, Bayer.GRBG)
+        self.assertIn(Format.RAW16, first.formats)
         self.assertGreater(first.max_gain, first.min_gain)
         self.assertGreater(first.max_exposure_us, 1000000)
+
+    def test_codes_of_formats_and_bayer_patterns(self):
+        self.assertEqual(
+            {one.name: one.value for one in Format},
+            {"RAW8": 0, "RAW16": 1, "RGB24": 2, "MONO8": 3},
+        )
+        self.assertEqual(
+            {one.name: one.value for one in Bayer},
+            {"NONE": 0, "RGGB": 8, "GRBG": 9, "GBRG": 10, "BGGR": 11},
+        )
+
+    def test_a_camera_that_cannot_be_opened_has_no_limits_and_no_message(self):
+        self.command("force ASIOpenCamera 1 1 16")
+        first, second = self.camera_library.scan(SDKS)[:2]
+        self.assertEqual((first.max_exposure_us, first.min_gain, first.max_gain), (0, 0, 0))
+        self.assertGreater(second.max_gain, 0)
+        self.assertEqual(self.camera_library.scan_error, "")
 
     def test_names_that_are_no_utf8_and_look_like_keys(self):
         class Entry(ctypes.Structure):
@@ -230,11 +249,11 @@ class Reading(BindingTest):
 
     def test_sixteen_bits_and_colours(self):
         ASI.sim_stop_clock(1)
-        with self.open(format=PixelFormat.RAW16) as camera:
+        with self.open(format=Format.RAW16) as camera:
             frame = camera.read()
             self.assertEqual((frame.shape, frame.dtype), ((48, 64), np.dtype("<u2")))
             np.testing.assert_array_equal(frame.ravel(), rendered(0, 64 * 48 * 2).view("<u2"))
-        with self.open(format=PixelFormat.RGB24) as camera:
+        with self.open(format=Format.RGB24) as camera:
             frame = camera.read()
             self.assertEqual((frame.shape, frame.dtype), ((48, 64, 3), np.uint8))
             blue_green_red = rendered(0, 64 * 48 * 3).reshape(48, 64, 3)
@@ -262,6 +281,18 @@ class Reading(BindingTest):
                 camera.read(timeout_ms=30)
             ASI.sim_clear_faults()
             self.assertEqual(camera.read().shape, (48, 64))
+
+    def test_one_call_waits_for_a_second_at_most(self):
+        ASI.sim_stop_clock(1)
+        with self.open(exposure_us=5000000) as camera:
+            ASI.sim_log_enable(1)
+            self.assertIsNone(camera.poll())
+            self.assertEqual(camera.read().shape, (48, 64))
+            ASI.sim_log.restype = ctypes.c_char_p
+            calls = re.findall(r"ASIGetVideoData\((.*)\) = (\d+)", ASI.sim_log().decode())
+            self.assertGreater(len(calls), 3)
+            for arguments, _ in calls:
+                self.assertRegex(arguments, r"\b1000\b")
 
     def test_makers_that_never_wait_time_out_too(self):
         with self.open(self.first_of("QHY").index, exposure_us=60000000) as camera:
@@ -366,7 +397,7 @@ class Samples(unittest.TestCase):
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         lines = result.stdout.splitlines()
         self.assertEqual(lines[0], "SDKs: ASICamera2, PlayerOneCamera, qhyccd, toupcam")
-        self.assertEqual(lines[1], "  0 ZWO ASI120MC-S: 1280 x 960, colour")
+        self.assertEqual(lines[1], "  0 ZWO ASI120MC-S: 1280 x 960, colour (GRBG)")
         self.assertEqual(len(lines), 16)
         result = self.run_sample("list_cameras.py", "/nowhere")
         self.assertEqual((result.returncode, result.stdout), (0, "SDKs: none\n"))

@@ -63,7 +63,7 @@ package="$away/$(basename "$archive" ".${suffix#*x64.}")"
 (cd "$package" && sha256sum --quiet -c SHA256SUMS) || fail "the sums do not fit"
 [ "$(cd "$package" && find . -type f | wc -l)" -eq "$(($(wc -l <"$package/SHA256SUMS") + 1))" ] ||
   fail "files without a sum"
-for file in INSTALL.md README.md include/orvane_desktop_camera.h simulated-sdks/simulator_control.h \
+for file in INSTALL.md README.md LICENSE include/orvane_desktop_camera.h simulated-sdks/simulator_control.h \
   include/orvane_desktop_camera_loader.h lib/pkgconfig/orvane_desktop_camera.pc \
   bindings/python/orvane_desktop_camera.py bindings/python/pyproject.toml \
   bindings/csharp/OrvaneDesktopCamera.cs; do

@@ -21,8 +21,9 @@ static class ListCameras
         }
         foreach (CameraInfo camera in found.Cameras)
         {
+            string kind = camera.Bayer == Bayer.None ? "mono" : "colour (" + camera.Bayer + ")";
             Console.WriteLine("{0,3} {1}: {2} x {3}, {4}", camera.Index, camera.Name,
-                              camera.MaxWidth, camera.MaxHeight, camera.IsColor ? "colour" : "mono");
+                              camera.MaxWidth, camera.MaxHeight, kind);
         }
         return found.Cameras.Count > 0 ? 0 : 1;
     }

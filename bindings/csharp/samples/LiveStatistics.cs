@@ -24,7 +24,10 @@ static class LiveStatistics
         {
             throw new CameraException("No camera found. " + found.Error);
         }
-        var settings = new CameraSettings { Width = 640, Height = 480, Gain = 100 };
+        var settings = new CameraSettings
+        {
+            Width = 640, Height = 480, Format = Format.Raw8, Gain = 100
+        };
         using (Camera camera = CameraLibrary.Open(found.Cameras[0], settings))
         {
             Console.WriteLine("{0}: {1} x {2}", camera.Info.Name, camera.Width, camera.Height);

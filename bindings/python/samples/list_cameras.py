@@ -7,7 +7,7 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
-from orvane_desktop_camera import CameraError, Library
+from orvane_desktop_camera import Bayer, CameraError, Library
 
 
 def main() -> int:
@@ -24,7 +24,7 @@ def main() -> int:
     if library.scan_error:
         print("Some cameras are missing:", library.scan_error)
     for camera in cameras:
-        kind = "colour" if camera.is_color else "mono"
+        kind = "mono" if camera.bayer == Bayer.NONE else f"colour ({camera.bayer.name})"
         print(f"{camera.index:3} {camera.name}: {camera.max_width} x {camera.max_height}, {kind}")
     return 0
 

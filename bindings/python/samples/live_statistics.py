@@ -8,7 +8,7 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
-from orvane_desktop_camera import CameraError, Library, PixelFormat
+from orvane_desktop_camera import CameraError, Format, Library
 
 
 def watch(directory: str, count: int) -> None:
@@ -17,7 +17,7 @@ def watch(directory: str, count: int) -> None:
     if not cameras:
         raise CameraError("No camera found. " + library.scan_error)
     with library.open(
-        cameras[0], width=640, height=480, format=PixelFormat.RAW16, exposure_us=5000, gain=100
+        cameras[0], width=640, height=480, format=Format.RAW16, exposure_us=5000, gain=100
     ) as camera:
         print(f"{camera.info.name}: {camera.width} x {camera.height}")
         buffer = camera.new_buffer()  # every frame is written into the same one
