@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/call.hpp"
+#include "core/camera_model.hpp"
+#include "core/stage.hpp"
 #include "simulated_sdk.hpp"
-#include "stage/call.hpp"
-#include "stage/camera_model.hpp"
-#include "stage/stage.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
 namespace orvane {

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <span>
 
+#include "core/stage.hpp"
 #include "simulator_control.h"
-#include "stage/stage.hpp"
 
 using orvane::sim::stage;
 

@@ -13,10 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/call.hpp"
+#include "core/camera_model.hpp"
+#include "core/stage.hpp"
 #include "simulated_sdk.hpp"
-#include "stage/call.hpp"
-#include "stage/camera_model.hpp"
-#include "stage/stage.hpp"
 #include "toupcam_text.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 

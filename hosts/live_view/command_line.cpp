@@ -4,8 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "common/failures.hpp"
-#include "common/text.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/frame_layout.hpp"
+#include "imaging/frame_layout.hpp"
 
 namespace orvane::host {
 

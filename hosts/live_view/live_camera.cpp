@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "common/system.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 

@@ -3,10 +3,10 @@
 
 #include <optional>
 
-#include "common/camera_description.hpp"
 #include "live_view/control_steps.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_session.hpp"
+#include "session/camera_description.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/stretch.hpp"
+#include "imaging/stretch.hpp"
 #include "live_view/window_layout.hpp"
 
 namespace orvane::host {

@@ -7,9 +7,9 @@
 #include <optional>
 #include <vector>
 
-#include "live_view/focus.hpp"
+#include "imaging/focus.hpp"
+#include "imaging/histogram.hpp"
 #include "live_view/frame_exchange.hpp"
-#include "live_view/histogram.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <system_error>
 
-#include "common/ser_time.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
+#include "formats/ser_time.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

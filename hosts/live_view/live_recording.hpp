@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
-#include "common/camera_description.hpp"
-#include "common/frame_layout.hpp"
-#include "common/ser_writer.hpp"
+#include "formats/ser_writer.hpp"
+#include "imaging/frame_layout.hpp"
+#include "session/camera_description.hpp"
 
 namespace orvane::host {
 

@@ -7,11 +7,11 @@
 #include <thread>
 #include <utility>
 
-#include "common/camera_choice.hpp"
-#include "common/failures.hpp"
-#include "common/text.hpp"
 #include "live_view/control_steps.hpp"
-#include "oc_capture/camera_catalogue.hpp"
+#include "session/camera_catalogue.hpp"
+#include "session/camera_choice.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

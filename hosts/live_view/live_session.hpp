@@ -12,11 +12,11 @@
 #include <variant>
 #include <vector>
 
-#include "common/camera_description.hpp"
 #include "live_view/frame_exchange.hpp"
 #include "live_view/live_recording.hpp"
 #include "live_view/rate_meter.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "session/camera_description.hpp"
+#include "session/camera_session.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/text.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "live_view/focus.hpp"
-#include "live_view/histogram.hpp"
+#include "imaging/focus.hpp"
+#include "imaging/histogram.hpp"
 #include "live_view/live_session.hpp"
 
 namespace orvane::host {

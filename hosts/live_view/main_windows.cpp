@@ -5,11 +5,11 @@
 #include <string>
 #include <variant>
 
-#include "common/failures.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
 #include "live_view/command_line.hpp"
 #include "live_view/live_window_windows.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <utility>
 
-#include "common/text.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_texts.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/debayer.hpp"
+#include "imaging/debayer.hpp"
 
 namespace orvane::host {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
-#include "common/frame_layout.hpp"
-#include "common/image.hpp"
+#include "imaging/frame_layout.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 

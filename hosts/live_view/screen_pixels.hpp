@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/image.hpp"
-#include "common/stretch.hpp"
+#include "imaging/image.hpp"
+#include "imaging/stretch.hpp"
 
 namespace orvane::host {
 

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <string>
 
-#include "common/argument_values.hpp"
-#include "common/axis.hpp"
-#include "common/canvas.hpp"
-#include "common/text.hpp"
+#include "imaging/axis.hpp"
+#include "imaging/canvas.hpp"
+#include "system/argument_values.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/image.hpp"
+#include "imaging/image.hpp"
 #include "oc_capture/measurement.hpp"
 
 namespace orvane::host {

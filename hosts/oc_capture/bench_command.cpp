@@ -9,20 +9,20 @@
 #include <string>
 #include <vector>
 
-#include "common/camera_choice.hpp"
-#include "common/distribution.hpp"
-#include "common/failures.hpp"
-#include "common/png_writer.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
+#include "formats/png_writer.hpp"
 #include "oc_capture/bench_chart.hpp"
-#include "oc_capture/camera_session.hpp"
 #include "oc_capture/capture_settings.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/measurement.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/camera_choice.hpp"
+#include "session/camera_session.hpp"
+#include "session/distribution.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

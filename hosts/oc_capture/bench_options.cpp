@@ -3,8 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "common/argument_values.hpp"
 #include "oc_capture/output_path.hpp"
+#include "system/argument_values.hpp"
 
 namespace orvane::host {
 

@@ -3,9 +3,9 @@
 
 #include <limits>
 
-#include "common/argument_values.hpp"
-#include "common/failures.hpp"
-#include "common/text.hpp"
+#include "system/argument_values.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

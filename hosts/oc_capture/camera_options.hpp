@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "common/frame_correction.hpp"
-#include "common/frame_layout.hpp"
+#include "imaging/frame_correction.hpp"
+#include "imaging/frame_layout.hpp"
 
 namespace orvane::host {
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <cmath>
 
-#include "common/argument_values.hpp"
-#include "common/text.hpp"
+#include "system/argument_values.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/camera_description.hpp"
+#include "session/camera_description.hpp"
 
 namespace orvane::host {
 

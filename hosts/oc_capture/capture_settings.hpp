@@ -1,9 +1,9 @@
 // A camera's settings, held against what the chosen camera can do.
 #pragma once
 
-#include "common/camera_description.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "session/camera_description.hpp"
+#include "session/camera_session.hpp"
 
 namespace orvane::host {
 

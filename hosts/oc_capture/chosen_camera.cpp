@@ -3,9 +3,9 @@
 
 #include <iostream>
 
-#include "common/camera_choice.hpp"
-#include "common/failures.hpp"
 #include "oc_capture/capture_settings.hpp"
+#include "session/camera_choice.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

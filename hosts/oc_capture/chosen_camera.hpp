@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "common/camera_description.hpp"
-#include "oc_capture/camera_catalogue.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "session/camera_catalogue.hpp"
+#include "session/camera_description.hpp"
+#include "session/camera_session.hpp"
 
 namespace orvane::host {
 

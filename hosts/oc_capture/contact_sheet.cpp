@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "common/canvas.hpp"
-#include "common/preview.hpp"
-#include "common/text.hpp"
+#include "imaging/canvas.hpp"
+#include "imaging/preview.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

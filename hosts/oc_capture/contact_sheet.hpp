@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "common/frame_correction.hpp"
-#include "common/image.hpp"
-#include "common/ser_reader.hpp"
+#include "formats/ser_reader.hpp"
+#include "imaging/frame_correction.hpp"
+#include "imaging/image.hpp"
 #include "oc_capture/status_line.hpp"
 
 namespace orvane::host {

@@ -5,10 +5,10 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "common/text.hpp"
-#include "oc_capture/camera_session.hpp"
 #include "oc_capture/doctor_report.hpp"
-#include "oc_capture/sdk_directory.hpp"
+#include "session/camera_session.hpp"
+#include "session/sdk_directory.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "common/text.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sdk_examination/examination.hpp"
+#include "sdk_check/examination.hpp"
 
 namespace orvane::host {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <thread>
 
-#include "common/failures.hpp"
-#include "common/system.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 

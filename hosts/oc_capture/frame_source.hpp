@@ -7,8 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "oc_capture/camera_session.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/camera_session.hpp"
 
 namespace orvane::host {
 

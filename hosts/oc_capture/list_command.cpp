@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/text.hpp"
-#include "oc_capture/camera_catalogue.hpp"
 #include "oc_capture/camera_table.hpp"
+#include "session/camera_catalogue.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

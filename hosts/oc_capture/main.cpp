@@ -5,8 +5,6 @@
 #include <iostream>
 #include <variant>
 
-#include "common/failures.hpp"
-#include "common/system.hpp"
 #include "oc_capture/bench_command.hpp"
 #include "oc_capture/command_line.hpp"
 #include "oc_capture/doctor_command.hpp"
@@ -15,6 +13,8 @@
 #include "oc_capture/record_command.hpp"
 #include "oc_capture/snap_command.hpp"
 #include "oc_capture/watch_command.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/frame_layout.hpp"
+#include "imaging/frame_layout.hpp"
 
 namespace orvane::host {
 

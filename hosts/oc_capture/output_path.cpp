@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <system_error>
 
-#include "common/failures.hpp"
-#include "common/text.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -7,16 +7,16 @@
 #include <string>
 #include <system_error>
 
-#include "common/failures.hpp"
-#include "common/frame_timing.hpp"
-#include "common/png_writer.hpp"
-#include "common/ser_reader.hpp"
-#include "common/ser_time.hpp"
-#include "common/text.hpp"
-#include "common/utc_text.hpp"
+#include "formats/png_writer.hpp"
+#include "formats/ser_reader.hpp"
+#include "formats/ser_time.hpp"
 #include "oc_capture/contact_sheet.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/frame_timing.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
+#include "system/utc_text.hpp"
 
 namespace orvane::host {
 

@@ -3,8 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "common/text.hpp"
 #include "oc_capture/output_path.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

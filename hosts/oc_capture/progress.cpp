@@ -1,7 +1,7 @@
 // The line that tells how a recording is going.
 #include "oc_capture/progress.hpp"
 
-#include "common/text.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -11,19 +11,19 @@
 #include <string>
 #include <vector>
 
-#include "common/failures.hpp"
-#include "common/png_writer.hpp"
-#include "common/preview.hpp"
-#include "common/ser_time.hpp"
-#include "common/ser_writer.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "formats/png_writer.hpp"
+#include "formats/ser_time.hpp"
+#include "formats/ser_writer.hpp"
+#include "imaging/preview.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/progress.hpp"
-#include "oc_capture/ser_recorder.hpp"
+#include "session/camera_session.hpp"
+#include "session/ser_recorder.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

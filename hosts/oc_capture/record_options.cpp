@@ -3,11 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "common/argument_values.hpp"
-#include "common/failures.hpp"
-#include "common/ser_writer.hpp"
-#include "common/text.hpp"
+#include "formats/ser_writer.hpp"
 #include "oc_capture/output_path.hpp"
+#include "system/argument_values.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "common/failures.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -8,18 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "common/argument_values.hpp"
-#include "common/failures.hpp"
-#include "common/fits_writer.hpp"
-#include "common/png_writer.hpp"
-#include "common/preview.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "formats/fits_writer.hpp"
+#include "formats/png_writer.hpp"
+#include "imaging/preview.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/camera_session.hpp"
+#include "system/argument_values.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

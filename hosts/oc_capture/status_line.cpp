@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <iostream>
 
-#include "common/system.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 

@@ -9,17 +9,17 @@
 #include <optional>
 #include <string>
 
-#include "common/failures.hpp"
-#include "common/png_writer.hpp"
-#include "common/system.hpp"
-#include "common/text.hpp"
-#include "oc_capture/camera_session.hpp"
+#include "formats/png_writer.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
 #include "oc_capture/watch_plot.hpp"
+#include "session/camera_session.hpp"
+#include "system/failures.hpp"
+#include "system/system.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

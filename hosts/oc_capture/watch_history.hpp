@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "common/frame_statistics.hpp"
+#include "imaging/frame_statistics.hpp"
 
 namespace orvane::host {
 

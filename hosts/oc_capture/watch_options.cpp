@@ -4,9 +4,9 @@
 #include <CLI/CLI.hpp>
 #include <limits>
 
-#include "common/argument_values.hpp"
-#include "common/failures.hpp"
 #include "oc_capture/output_path.hpp"
+#include "system/argument_values.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

@@ -6,8 +6,8 @@
 #include <functional>
 #include <vector>
 
-#include "common/axis.hpp"
-#include "common/canvas.hpp"
+#include "imaging/axis.hpp"
+#include "imaging/canvas.hpp"
 
 namespace orvane::host {
 

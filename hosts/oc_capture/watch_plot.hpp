@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/image.hpp"
+#include "imaging/image.hpp"
 #include "oc_capture/watch_history.hpp"
 
 namespace orvane::host {

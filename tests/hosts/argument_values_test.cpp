@@ -1,12 +1,12 @@
 // Numbers and durations as users type them.
-#include "common/argument_values.hpp"
+#include "system/argument_values.hpp"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
-#include "common/failures.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

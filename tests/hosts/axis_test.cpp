@@ -1,5 +1,5 @@
 // Round numbers for the axes of charts.
-#include "common/axis.hpp"
+#include "imaging/axis.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Which camera a user means.
-#include "common/camera_choice.hpp"
+#include "session/camera_choice.hpp"
 
 #include <gtest/gtest.h>
 
-#include "common/failures.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

@@ -1,12 +1,12 @@
 // The library's camera descriptions, well-formed and odd.
-#include "common/camera_description.hpp"
+#include "session/camera_description.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "common/failures.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

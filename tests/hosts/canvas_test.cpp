@@ -1,5 +1,5 @@
 // A picture to draw on.
-#include "common/canvas.hpp"
+#include "imaging/canvas.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Colour from mosaics, against values worked out by hand.
-#include "common/debayer.hpp"
+#include "imaging/debayer.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // FITS files, card by card and byte by byte.
-#include "common/fits_writer.hpp"
+#include "formats/fits_writer.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 // Putting right what an SDK delivers otherwise than it says.
-#include "common/frame_correction.hpp"
+#include "imaging/frame_correction.hpp"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "common/debayer.hpp"
-#include "common/failures.hpp"
-#include "common/image.hpp"
+#include "imaging/debayer.hpp"
+#include "imaging/image.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 

@@ -1,5 +1,5 @@
 // Frames on their way from one thread to another.
-#include "common/frame_queue.hpp"
+#include "session/frame_queue.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // What the samples of a frame are like.
-#include "common/frame_statistics.hpp"
+#include "imaging/frame_statistics.hpp"
 
 #include <gtest/gtest.h>
 

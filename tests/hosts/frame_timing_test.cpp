@@ -1,11 +1,11 @@
 // What the time stamps of a recording tell about it.
-#include "common/frame_timing.hpp"
+#include "session/frame_timing.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 
-#include "common/distribution.hpp"
+#include "session/distribution.hpp"
 
 namespace orvane::host {
 

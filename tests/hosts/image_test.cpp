@@ -1,5 +1,5 @@
 // Images from frames, and smaller images from large ones.
-#include "common/image.hpp"
+#include "imaging/image.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // What is read from the files of libraries, good and bad: images made here, real libraries, and
 // both with bytes cut off or changed.
-#include "sdk_examination/library_file.hpp"
+#include "sdk_check/library_file.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // PNG files.
-#include "common/png_writer.hpp"
+#include "formats/png_writer.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The picture beside a recording.
-#include "common/preview.hpp"
+#include "imaging/preview.hpp"
 
 #include <gtest/gtest.h>
 

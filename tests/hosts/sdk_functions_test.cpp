@@ -1,5 +1,5 @@
 // The list of the functions that an SDK must have, held against the library's own sources.
-#include "sdk_examination/sdk_functions.hpp"
+#include "sdk_check/sdk_functions.hpp"
 
 #include <gtest/gtest.h>
 

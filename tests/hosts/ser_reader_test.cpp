@@ -1,14 +1,14 @@
 // Reading SER files, honest and lying ones.
-#include "common/ser_reader.hpp"
+#include "formats/ser_reader.hpp"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <limits>
 
-#include "common/output_file.hpp"
-#include "common/ser_writer.hpp"
+#include "formats/ser_writer.hpp"
 #include "scratch_directory.hpp"
+#include "system/output_file.hpp"
 
 namespace orvane::host {
 

@@ -1,5 +1,5 @@
 // Recording on a thread of its own.
-#include "oc_capture/ser_recorder.hpp"
+#include "session/ser_recorder.hpp"
 
 #include <gtest/gtest.h>
 

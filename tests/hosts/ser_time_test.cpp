@@ -1,5 +1,5 @@
 // Points in time as SER files count them.
-#include "common/ser_time.hpp"
+#include "formats/ser_time.hpp"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-#include "common/utc_text.hpp"
+#include "system/utc_text.hpp"
 
 namespace orvane::host {
 

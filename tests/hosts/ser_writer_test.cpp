@@ -1,5 +1,5 @@
 // SER files, byte by byte and as a reader sees them.
-#include "common/ser_writer.hpp"
+#include "formats/ser_writer.hpp"
 
 #include <gtest/gtest.h>
 

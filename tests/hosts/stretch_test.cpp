@@ -1,5 +1,5 @@
 // The curve that makes faint images visible.
-#include "common/stretch.hpp"
+#include "imaging/stretch.hpp"
 
 #include <gtest/gtest.h>
 

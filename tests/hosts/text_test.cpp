@@ -1,5 +1,5 @@
 // Text: UTF-8, lists, and file names.
-#include "common/text.hpp"
+#include "system/text.hpp"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "stage/microsoft_exception.hpp"
+#include "core/microsoft_exception.hpp"
 #include "support/leaving_exception.hpp"
 
 // int run_with_handler(void (*function)(void*), void* context): 1 after a structured exception. The

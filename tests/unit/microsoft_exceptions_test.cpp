@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "stage/microsoft_exception.hpp"
+#include "core/microsoft_exception.hpp"
 #include "support/leaving_exception.hpp"
 
 namespace orvane {

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/failures.hpp"
-#include "common/text.hpp"
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -1,5 +1,5 @@
 // The focus figure, on stars of known width.
-#include "live_view/focus.hpp"
+#include "imaging/focus.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The distribution of a frame's samples, and the range that they have.
-#include "live_view/histogram.hpp"
+#include "imaging/histogram.hpp"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "common/debayer.hpp"
+#include "imaging/debayer.hpp"
 
 namespace orvane::host {
 

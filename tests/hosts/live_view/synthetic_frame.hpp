@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "common/frame_layout.hpp"
+#include "imaging/frame_layout.hpp"
 
 namespace orvane::testing {
 

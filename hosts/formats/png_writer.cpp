@@ -1,0 +1,37 @@
+// Writes PNG files. The one source file with the image library's code in it.
+#include "formats/png_writer.hpp"
+
+#include <cstdint>
+#include <stdexcept>
+#include <vector>
+
+#include "system/output_file.hpp"
+
+#define STB_IMAGE_WRITE_STATIC
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STBI_WRITE_NO_STDIO
+#include <stb_image_write.h>
+
+namespace orvane::host {
+
+namespace {
+
+extern "C" void appendBytes(void* file, void* bytes, int count) {
+  const auto* const begin = static_cast<const std::uint8_t*>(bytes);
+  static_cast<std::vector<std::uint8_t>*>(file)->assign(begin, begin + count);
+}
+
+}  // namespace
+
+void writePng(const std::filesystem::path& path, const ScreenImage& image) {
+  std::vector<std::uint8_t> bytes;
+  if (stbi_write_png_to_func(appendBytes, &bytes, image.width, image.height, image.channels,
+                             image.samples.data(), 0) == 0) {
+    throw std::runtime_error("There is not enough memory for the preview image.");
+  }
+  OutputFile file(path);
+  file.writeAt(0, bytes);
+  file.close();
+}
+
+}  // namespace orvane::host

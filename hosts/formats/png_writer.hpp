@@ -1,0 +1,14 @@
+// Writes PNG files.
+#pragma once
+
+#include <filesystem>
+
+#include "imaging/image.hpp"
+
+namespace orvane::host {
+
+/// Writes an image with one or three channels. Throws std::runtime_error with a sentence that names
+/// the file.
+void writePng(const std::filesystem::path& path, const ScreenImage& image);
+
+}  // namespace orvane::host

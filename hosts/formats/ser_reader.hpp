@@ -1,0 +1,71 @@
+// Reads SER files: what the header says, held against the file's size, and the frames.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "imaging/frame_layout.hpp"
+#include "imaging/image.hpp"
+#include "system/input_file.hpp"
+
+namespace orvane::host {
+
+/// The order of a pixel's samples in the file.
+enum class SerChannels { One, Rgb, Bgr };
+
+/// What a SER file says about itself.
+struct SerFacts {
+  int width = 0;
+  int height = 0;
+  int depth = 0;  ///< bits of a sample, 1 to 16; more than 8 are stored in two bytes
+  SerChannels channels = SerChannels::One;
+  Mosaic mosaic = Mosaic::None;  ///< none also for the mosaics of other colours, which stay grey
+  std::int32_t colorId = 0;      ///< as in the header
+  bool isBigEndian = false;      ///< samples of two bytes
+  std::int32_t frames = 0;
+  std::string observer;  ///< these three up to the first NUL, valid UTF-8
+  std::string instrument;
+  std::string telescope;
+  std::int64_t startLocal = 0;           ///< as serLocalTicks() counts; 0 or less when unknown
+  std::int64_t startUtc = 0;             ///< as serTicks() counts
+  std::vector<std::int64_t> timeStamps;  ///< as serTicks() counts, one a frame, or none at all
+  std::int64_t unusedBytes = 0;          ///< behind all this
+};
+
+/// A SER file that is open for reading. Frames are read when they are asked for; only the time
+/// stamps are held in memory.
+///
+/// The header's "LittleEndian" is taken the other way round from what its name says, as the
+/// programs in use write it.
+class SerReader {
+ public:
+  /// Throws std::runtime_error with a sentence that names the file: it cannot be read, is no SER
+  /// file, its header holds a number that cannot be, or it is shorter than its header promises.
+  explicit SerReader(const std::filesystem::path& path);
+
+  const SerFacts& facts() const { return facts_; }
+
+  /// The size of one frame in bytes, at most 1 GiB.
+  std::size_t frameBytes() const { return frameBytes_; }
+
+  /// Reads frame `index`, 0 up to facts().frames, as it stands in the file, into frameBytes()
+  /// bytes. Throws std::runtime_error with a sentence that names the file.
+  void readFrame(std::int32_t index, std::span<std::uint8_t> frame) const;
+
+  /// Frame `index` with its samples spread over 16 bits and its channels in the order red, green,
+  /// blue; a mosaic stays one. Throws as readFrame().
+  Image readImage(std::int32_t index) const;
+
+ private:
+  void readHeader();
+  void readTimeStamps();
+
+  InputFile file_;
+  SerFacts facts_;
+  std::size_t frameBytes_ = 0;
+};
+
+}  // namespace orvane::host

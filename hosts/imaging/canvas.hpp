@@ -1,0 +1,49 @@
+// A picture to draw on: areas, lines, small text, other pictures.
+#pragma once
+
+#include <string>
+
+#include "imaging/image.hpp"
+
+namespace orvane::host {
+
+struct Colour {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+};
+
+/// Coordinates are pixels from the top left corner. What lies outside is not drawn.
+class Canvas {
+ public:
+  Canvas(int width, int height, Colour background);
+
+  void fill(int x, int y, int width, int height, Colour colour);
+
+  /// A line `thickness` pixels wide.
+  void line(double x0, double y0, double x1, double y1, Colour colour, int thickness = 1);
+
+  /// One line of text with its top left corner here. Letters that are not ASCII appear as "?".
+  void text(int x, int y, const std::string& text, Colour colour, int scale = 2);
+
+  /// The same with its top right corner, or the middle of its top, here.
+  void textToTheLeft(int x, int y, const std::string& text, Colour colour, int scale = 2);
+  void textInTheMiddle(int x, int y, const std::string& text, Colour colour, int scale = 2);
+
+  /// A picture, grey or in colour, with its top left corner here.
+  void picture(int x, int y, const ScreenImage& picture);
+
+  static int textWidth(const std::string& text, int scale = 2);
+
+  /// Of letters without what hangs below the line.
+  static constexpr int textHeight(int scale = 2) { return 9 * scale; }
+
+  const ScreenImage& image() const { return image_; }
+
+ private:
+  void set(int x, int y, Colour colour);
+
+  ScreenImage image_;
+};
+
+}  // namespace orvane::host

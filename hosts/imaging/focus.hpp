@@ -1,0 +1,36 @@
+// How sharp a frame is: the size of its brightest star, or else the steepness of its edges.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "imaging/frame_layout.hpp"
+#include "imaging/image.hpp"
+
+namespace orvane::host {
+
+/// A star, in pixels of the frame.
+struct Star {
+  double x = 0;  ///< of its centre; 0.5 is the middle of the first pixel
+  double y = 0;
+  double halfFluxDiameter = 0;  ///< twice the mean distance of its light from the centre
+};
+
+struct Focus {
+  std::optional<Star> star;  ///< the brightest that is one; no hot pixel, nothing larger
+  double sharpness = 0;      ///< of the brightest object's surroundings; more is sharper, 0 none
+};
+
+/// Where a star is looked for in the surroundings of a place: pixels in each direction.
+constexpr int starSearchReach = 12;
+
+/// Measures a frame. A star near the place of `before` is preferred to the brightest, so that the
+/// figures of one frame and the next are of the same star. `reduced` is the frame made smaller by
+/// `factor`, as reduceFrame() does it; it tells where to look. `frame` holds frameBytes(layout)
+/// bytes.
+Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                   const Image& reduced, int factor,
+                   const std::optional<Star>& before = std::nullopt);
+
+}  // namespace orvane::host

@@ -1,0 +1,80 @@
+// Puts right what an SDK delivers otherwise than it says.
+#include "imaging/frame_correction.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "system/failures.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+Mosaic withRowsExchanged(Mosaic mosaic) {
+  switch (mosaic) {
+    case Mosaic::Rggb:
+      return Mosaic::Gbrg;
+    case Mosaic::Gbrg:
+      return Mosaic::Rggb;
+    case Mosaic::Grbg:
+      return Mosaic::Bggr;
+    case Mosaic::Bggr:
+      return Mosaic::Grbg;
+    case Mosaic::None:
+      break;
+  }
+  return Mosaic::None;
+}
+
+template <class Sample>
+void correct(std::span<Sample> samples, int rows, const FrameCorrection& correction) {
+  if (correction.flips) {
+    const auto width = static_cast<std::ptrdiff_t>(samples.size() / static_cast<std::size_t>(rows));
+    auto top = samples.begin();
+    auto bottom = samples.end() - width;
+    for (; top < bottom; top += width, bottom -= width) {
+      std::swap_ranges(top, top + width, bottom);
+    }
+  }
+  for (std::size_t at = 0; correction.swapsRedAndBlue && at + 2 < samples.size(); at += 3) {
+    std::swap(samples[at], samples[at + 2]);
+  }
+}
+
+Mosaic correctedMosaic(Mosaic mosaic, int height, const FrameCorrection& correction) {
+  const Mosaic asItComes = correction.mosaic.value_or(mosaic);
+  return correction.flips && height % 2 == 0 ? withRowsExchanged(asItComes) : asItComes;
+}
+
+}  // namespace
+
+FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& correction) {
+  if (correction.swapsRedAndBlue && layout.format != PixelFormat::Rgb24) {
+    throw UsageError("--swap-rb needs frames in rgb24.");
+  }
+  const bool isRaw = layout.format == PixelFormat::Raw8 || layout.format == PixelFormat::Raw16;
+  if (correction.mosaic && !isRaw) {
+    throw UsageError("--bayer needs frames in raw8 or raw16.");
+  }
+  FrameLayout corrected = layout;
+  corrected.mosaic = correctedMosaic(layout.mosaic, layout.height, correction);
+  return corrected;
+}
+
+void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
+                  const FrameCorrection& correction) {
+  correct(frame, layout.height, correction);
+}
+
+Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction) {
+  if (correction.swapsRedAndBlue && image.channels != 3) {
+    throw UsageError("--swap-rb needs frames in RGB.");
+  }
+  if (correction.mosaic && image.channels != 1) {
+    throw UsageError("--bayer needs frames of raw samples.");
+  }
+  correct(std::span(image.samples), image.height, correction);
+  return correctedMosaic(mosaic, image.height, correction);
+}
+
+}  // namespace orvane::host

@@ -1,0 +1,98 @@
+// Reads the numbers and durations that a user types.
+#include "system/argument_values.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+#include "system/failures.hpp"
+#include "system/text.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+struct Unit {
+  std::string_view name;
+  double microseconds;
+};
+
+// The micro sign and the Greek letter look the same on a keyboard.
+constexpr Unit units[] = {{"us", 1}, {"\u00b5s", 1}, {"\u03bcs", 1}, {"ms", 1e3}, {"s", 1e6}};
+
+// Digits with at most one point: no sign, no exponent, no "inf".
+std::optional<double> plainDecimal(std::string_view text) {
+  if (text.find_first_not_of("0123456789.") != std::string_view::npos) {
+    return std::nullopt;
+  }
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) {
+    return std::nullopt;
+  }
+  return number;
+}
+
+// Rounded; nothing where it is less than one microsecond or more than can be counted.
+std::optional<std::int64_t> wholeMicroseconds(double microseconds) {
+  const double rounded = std::round(microseconds);
+  if (rounded < 1 || rounded > 1e15) {
+    return std::nullopt;
+  }
+  return static_cast<std::int64_t>(rounded);
+}
+
+}  // namespace
+
+int parseWholeNumber(const std::string& option, const std::string& text, int smallest,
+                     int largest) {
+  int number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || number < smallest ||
+      number > largest) {
+    throw UsageError(option + " needs a whole number from " + std::to_string(smallest) + " to " +
+                     std::to_string(largest) + ", not " + inQuotes(text) + ".");
+  }
+  return number;
+}
+
+std::int64_t parseSeconds(const std::string& option, const std::string& text) {
+  const auto seconds = plainDecimal(text);
+  const auto microseconds = wholeMicroseconds(seconds.value_or(0) * 1e6);
+  if (!microseconds) {
+    throw UsageError(option + " needs a number of seconds above 0, such as 30 or 1.5, not " +
+                     inQuotes(text) + ".");
+  }
+  return *microseconds;
+}
+
+std::int64_t parseDuration(const std::string& option, const std::string& text) {
+  const std::size_t numberEnd = std::min(text.find_first_not_of("0123456789."), text.size());
+  const auto number = plainDecimal(std::string_view(text).substr(0, numberEnd));
+  if (number && numberEnd == text.size()) {
+    throw UsageError(option + " needs a unit: " + text + "us, " + text + "ms or " + text + "s.");
+  }
+  const std::size_t unitStart = std::min(text.find_first_not_of(' ', numberEnd), text.size());
+  const std::string_view unitName = std::string_view(text).substr(unitStart);
+  for (const Unit& unit : units) {
+    if (number && unitName == unit.name) {
+      if (const auto microseconds = wholeMicroseconds(*number * unit.microseconds)) {
+        return *microseconds;
+      }
+    }
+  }
+  throw UsageError(option + " needs a duration such as 500us, 20ms or 1.5s, not " + inQuotes(text) +
+                   ".");
+}
+
+std::string durationText(std::int64_t microseconds) {
+  const auto number = static_cast<double>(microseconds);
+  if (microseconds < 1000) {
+    return decimal(number) + "us";
+  }
+  return microseconds < 1000000 ? decimal(number / 1e3) + "ms" : decimal(number / 1e6) + "s";
+}
+
+}  // namespace orvane::host

@@ -1,0 +1,220 @@
+// Commands given as text, by sim_command() or in the environment variable ORVANE_SIMULATOR.
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "core/stage.hpp"
+#include "core/system.hpp"
+
+namespace orvane::sim {
+namespace {
+
+constexpr std::string_view blanks = " \t\r";
+
+std::string_view trimmed(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+// The text up to the first of some separators, which is cut off with it.
+std::string_view cutOff(std::string_view& text, std::string_view separators) {
+  const std::size_t length = std::min(text.find_first_of(separators), text.size());
+  const std::string_view part = text.substr(0, length);
+  text.remove_prefix(std::min(length + 1, text.size()));
+  return part;
+}
+
+bool readWord(std::string_view word, std::string_view& field) {
+  field = word;
+  return !word.empty();
+}
+
+template <class Number>
+requires std::is_arithmetic_v<Number>
+bool readWord(std::string_view word, Number& field) {
+  const char* const end = word.data() + word.size();
+  const std::from_chars_result read = std::from_chars(word.data(), end, field);
+  return !word.empty() && read.ec == std::errc() && read.ptr == end;
+}
+
+// Reads all words of a command's arguments; false when there are too few, too many or wrong ones.
+template <class... Fields>
+bool read(std::string_view arguments, Fields&... fields) {
+  const auto readNext = [&arguments](auto& field) {
+    arguments = trimmed(arguments);
+    return readWord(cutOff(arguments, blanks), field);
+  };
+  return (readNext(fields) && ...) && trimmed(arguments).empty();
+}
+
+// One kind of command: carries it out when it `isMeant` for this SDK, and returns whether it was
+// understood.
+using Carry = bool (*)(std::string_view arguments, bool isMeant);
+
+bool carryClock(std::string_view arguments, bool isMeant) {
+  std::string_view state;
+  if (!read(arguments, state) || (state != "stopped" && state != "running")) {
+    return false;
+  }
+  if (isMeant) {
+    stage().clock.stop(state == "stopped");
+  }
+  return true;
+}
+
+bool carrySeed(std::string_view arguments, bool isMeant) {
+  std::uint64_t seed = 0;
+  if (!read(arguments, seed)) {
+    return false;
+  }
+  if (isMeant) {
+    stage().setSeed(seed);
+  }
+  return true;
+}
+
+bool carryLog(std::string_view arguments, bool isMeant) {
+  return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
+}
+
+bool carryScene(std::string_view arguments, bool isMeant) {
+  return !arguments.empty() && (!isMeant || stage().playRecording(std::string(arguments).c_str()));
+}
+
+bool carryForce(std::string_view arguments, bool isMeant) {
+  std::string_view function;
+  CallRange range;
+  std::int64_t result = 0;
+  if (!read(arguments, function, range.nth, range.times, result)) {
+    return false;
+  }
+  if (isMeant) {
+    stage().faults.forceResult(function, range, result);
+  }
+  return true;
+}
+
+bool carryOutput(std::string_view arguments, bool isMeant) {
+  std::string_view function;
+  std::string_view output;
+  CallRange range;
+  double value = 0;
+  if (!read(arguments, function, output, range.nth, range.times, value)) {
+    return false;
+  }
+  if (isMeant) {
+    stage().faults.forceOutput(function, output, range, value);
+  }
+  return true;
+}
+
+// "FUNCTION NTH TIMES KIND [TEXT]"; the text may have blanks in it.
+bool carryThrow(std::string_view arguments, bool isMeant) {
+  constexpr std::pair<std::string_view, ThrownKind> kinds[] = {{"standard", ThrownKind::Standard},
+                                                               {"number", ThrownKind::Number},
+                                                               {"object", ThrownKind::Object}};
+  for (const auto& [name, kind] : kinds) {
+    const std::size_t place = arguments.find(name);
+    if (place == std::string_view::npos) {
+      continue;
+    }
+    std::string_view function;
+    CallRange range;
+    if (!read(arguments.substr(0, place), function, range.nth, range.times)) {
+      return false;
+    }
+    if (isMeant) {
+      static std::deque<std::string> texts;  // for as long as an exception may be read
+      texts.emplace_back(trimmed(arguments.substr(place + name.size())));
+      stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
+    }
+    return true;
+  }
+  return false;
+}
+
+// "INDEX FUNCTION NTH", where NTH 0 means now.
+bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
+  std::int32_t camera = 0;
+  std::string_view function;
+  std::int32_t nth = 0;
+  if (!read(arguments, camera, function, nth)) {
+    return false;
+  }
+  if (isMeant && nth == 0) {
+    stage().setPlugged(camera, isPlugged);
+  } else if (isMeant) {
+    stage().faults.plug(function, nth, {camera, isPlugged});
+  }
+  return true;
+}
+
+bool carryUnplug(std::string_view arguments, bool isMeant) {
+  return changePlug(arguments, isMeant, false);
+}
+
+bool carryPlug(std::string_view arguments, bool isMeant) {
+  std::int32_t camera = 0;
+  if (!read(arguments, camera)) {
+    return changePlug(arguments, isMeant, true);
+  }
+  if (isMeant) {
+    stage().setPlugged(camera, true);
+  }
+  return true;
+}
+
+Carry carryOf(std::string_view verb) {
+  constexpr std::pair<std::string_view, Carry> verbs[] = {
+      {"clock", carryClock}, {"seed", carrySeed},     {"scene", carryScene},
+      {"log", carryLog},     {"force", carryForce},   {"output", carryOutput},
+      {"throw", carryThrow}, {"unplug", carryUnplug}, {"plug", carryPlug}};
+  const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
+                                         [&](const auto& known) { return known.first == verb; });
+  return found == std::end(verbs) ? nullptr : found->second;
+}
+
+bool carryOutEnvironment() {
+  const bool isCarriedOut = carryOutCommands(environmentVariable("ORVANE_SIMULATOR"));
+  if (!isCarriedOut) {
+    static_cast<void>(std::fprintf(
+        stderr, "%s: a command in ORVANE_SIMULATOR was not carried out\n", maker.sdkName));
+  }
+  return isCarriedOut;
+}
+
+const bool environmentIsCarriedOut = carryOutEnvironment();
+
+}  // namespace
+
+bool carryOutCommands(std::string_view commands) {
+  bool isMeant = true;
+  while (!commands.empty()) {
+    std::string_view arguments = trimmed(cutOff(commands, ";\n"));
+    const std::string_view verb = cutOff(arguments, blanks);
+    arguments = trimmed(arguments);
+    if (verb.empty()) {
+      continue;
+    }
+    if (verb == "sdk") {
+      std::string_view name;
+      if (!read(arguments, name)) {
+        return false;
+      }
+      isMeant = name == "*" || name == maker.sdkName;
+      continue;
+    }
+    const Carry carry = carryOf(verb);
+    if (carry == nullptr || !carry(arguments, isMeant)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace orvane::sim

@@ -1,0 +1,145 @@
+#include "core/frame_clock.hpp"
+
+#include <algorithm>
+#include <thread>
+
+namespace orvane::sim {
+namespace {
+
+// The clock goes no further. A frame that would be complete later never is.
+constexpr std::int64_t lastMoment = std::int64_t{1} << 61;
+constexpr std::int64_t never = lastMoment + 1;
+
+std::int64_t later(std::int64_t moment, std::int64_t duration, std::int64_t limit) {
+  return duration < limit - moment ? moment + duration : limit;
+}
+
+}  // namespace
+
+std::int64_t Clock::now() const {
+  if (isStopped_) {
+    return stoppedAt_;
+  }
+  const auto elapsed =
+      std::chrono::duration_cast<std::chrono::microseconds>(Steady::now() - start_).count();
+  return later(shift_, elapsed, lastMoment);
+}
+
+void Clock::stop(bool stopped) {
+  if (stopped == isStopped_) {
+    return;
+  }
+  stoppedAt_ = now();
+  isStopped_ = stopped;
+  if (!stopped) {
+    start_ = Steady::now();
+    shift_ = stoppedAt_;
+  }
+}
+
+void Clock::advance(std::int64_t microseconds) {
+  std::int64_t& moment = isStopped_ ? stoppedAt_ : shift_;
+  moment = later(moment, std::max<std::int64_t>(microseconds, 0), lastMoment);
+}
+
+void Clock::waitUntil(std::int64_t moment) {
+  if (isStopped_) {
+    stoppedAt_ = std::clamp(moment, stoppedAt_, lastMoment);
+    return;
+  }
+  for (std::int64_t left = moment - now(); left > 0; left = moment - now()) {
+    std::this_thread::sleep_for(std::chrono::microseconds(left));
+  }
+}
+
+void FrameStream::start(std::int64_t now, QueueRule rule, bool isSingleFrame,
+                        const FrameSettings& settings) {
+  isRunning_ = true;
+  isSingleFrame_ = isSingleFrame;
+  rule_ = rule;
+  exposing_.number = 0;
+  restartFrame(now, settings);
+}
+
+void FrameStream::stop() {
+  isRunning_ = false;
+  isExposing_ = false;
+  queued_ = 0;
+}
+
+void FrameStream::change(std::int64_t now, const FrameSettings& settings) {
+  if (isRunning_) {
+    catchUp(now);
+    settings_ = settings;
+  }
+}
+
+void FrameStream::restartFrame(std::int64_t now, const FrameSettings& settings) {
+  if (isRunning_) {
+    queued_ = 0;
+    settings_ = settings;
+    exposing_.settings = settings;
+    completion_ = later(now, framePeriodUs(settings), never);
+    isExposing_ = true;
+  }
+}
+
+const Frame* FrameStream::waiting(std::int64_t now) {
+  catchUp(now);
+  return queued_ > 0 ? queue_.data() : nullptr;
+}
+
+std::optional<std::int64_t> FrameStream::nextCompletion() const {
+  return isExposing_ ? std::optional(completion_) : std::nullopt;
+}
+
+void FrameStream::take(std::int64_t now) {
+  catchUp(now);
+  std::move(queue_.begin() + 1, queue_.end(), queue_.begin());
+  --queued_;
+  if (!isExposing_ && !isSingleFrame_) {
+    exposing_.settings = settings_;
+    completion_ = later(now, framePeriodUs(settings_), never);
+    isExposing_ = true;
+  }
+}
+
+void FrameStream::catchUp(std::int64_t now) {
+  if (isExposing_ && completion_ <= now) {
+    completeFrame();
+    skipFrames(now);
+  }
+  while (isExposing_ && completion_ <= now) {
+    completeFrame();
+  }
+}
+
+// The exposed frame joins the queue, and the next one begins.
+void FrameStream::completeFrame() {
+  if (queued_ == rule_.length) {
+    std::move(queue_.begin() + 1, queue_.end(), queue_.begin());
+    --queued_;
+  }
+  queue_.at(queued_++) = exposing_;
+  ++exposing_.number;
+  exposing_.settings = settings_;
+  completion_ = later(completion_, framePeriodUs(settings_), never);
+  isExposing_ = !isSingleFrame_ && !(rule_.whenFull == WhenFull::Pause && queued_ == rule_.length);
+}
+
+// After a long time nobody asked, only the last frames can still be in the queue: those before them
+// are counted, not made.
+void FrameStream::skipFrames(std::int64_t now) {
+  if (!isExposing_ || rule_.whenFull == WhenFull::Pause || completion_ > now) {
+    return;
+  }
+  const std::int64_t period = framePeriodUs(settings_);
+  const std::int64_t completed = (now - completion_) / period + 1;
+  const std::int64_t skipped = completed - static_cast<std::int64_t>(rule_.length);
+  if (skipped > 0) {
+    exposing_.number += skipped;
+    completion_ += skipped * period;
+  }
+}
+
+}  // namespace orvane::sim

@@ -1,0 +1,74 @@
+// A recording that plays in front of the cameras in place of the synthetic sky: the frames of a SER
+// file.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/sensor.hpp"
+#include "core/system.hpp"
+
+namespace orvane::sim {
+
+// Nothing that the file's header says is believed unless it fits the file.
+class Recording {
+ public:
+  // Opens the file of this name, in UTF-8, in place of the one before. Returns "", or, as half a
+  // sentence, why it cannot be played; the one before then goes on.
+  std::string open(const std::string& path);
+
+  void close();
+  bool isOpen() const { return file_ != nullptr; }
+
+  std::int32_t width() const { return format_.width; }
+  std::int32_t height() const { return format_.height; }
+
+  // Makes a frame the present one. The recording plays again and again: frame numbers beyond its
+  // end begin anew. A frame that cannot be read any more is black.
+  void show(std::int64_t frameNumber);
+
+  // What the present frame shows in one colour (0 red, 1 green, 2 blue) at a place that lies in it;
+  // 65536 is full scale. Behind a mosaic's filters a colour is that of the pixel itself or of its
+  // neighbours.
+  float light(std::size_t plane, std::int32_t x, std::int32_t y) const;
+
+  // The same without regard to colour.
+  float brightness(std::int32_t x, std::int32_t y) const;
+
+ private:
+  // What the header says.
+  struct Format {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::int32_t planes = 1;
+    bool isBlueFirst = false;
+    Mosaic mosaic = Mosaic::None;
+    std::int32_t depth = 8;
+    bool isHighByteFirst = false;
+    std::int64_t frameCount = 0;
+
+    std::int64_t samples() const { return std::int64_t{width} * height * planes; }
+    std::int64_t frameBytes() const { return samples() * (depth > 8 ? 2 : 1); }
+  };
+
+  static constexpr std::size_t headerSize = 178;
+  using Header = std::array<std::uint8_t, headerSize>;
+
+  static std::string readFormat(const Header& header, std::int64_t fileSize, Format& format);
+  float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
+  float ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
+  float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
+  float ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::int32_t y) const;
+  void read(std::int64_t frame);
+
+  File file_;
+  Format format_;
+  std::int64_t present_ = -1;  // the frame that has been read; -1 is none
+  std::vector<std::uint8_t> bytes_;
+  std::vector<std::uint16_t> samples_;  // with all 16 bits in use, red first
+};
+
+}  // namespace orvane::sim

@@ -1,0 +1,50 @@
+// Exceptions thrown as this compiler throws them.
+#include "core/sdk_exception.hpp"
+
+#include <stdexcept>
+
+namespace orvane::sim {
+namespace {
+
+std::int32_t alive = 0;
+
+// Counts an object that may be copied while it is thrown.
+struct Counted {
+  Counted() { ++alive; }
+  Counted(const Counted&) { ++alive; }
+  Counted& operator=(const Counted&) = default;
+  ~Counted() { --alive; }
+};
+
+class StandardException : public std::runtime_error {
+ public:
+  explicit StandardException(const char* text) : std::runtime_error(""), text_(text) {}
+  const char* what() const noexcept override { return text_; }
+
+ private:
+  const char* text_;
+  Counted counted_;
+};
+
+struct ObjectException {
+  Counted counted;
+};
+
+}  // namespace
+
+void throwSdkException(ThrownKind kind, const char* text) {
+  switch (kind) {
+    case ThrownKind::Standard:
+      throw StandardException(text);
+    case ThrownKind::Number:
+      throw 7;  // NOLINT(hicpp-exception-baseclass)
+    default:
+      throw ObjectException{};  // NOLINT(hicpp-exception-baseclass)
+  }
+}
+
+std::int32_t exceptionsAlive() {
+  return alive;
+}
+
+}  // namespace orvane::sim

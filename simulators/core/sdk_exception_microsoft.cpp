@@ -1,0 +1,56 @@
+// Exceptions thrown as Microsoft's compiler throws them, from a simulator that GCC built.
+#include "core/microsoft_exception.hpp"
+#include "core/sdk_exception.hpp"
+
+namespace orvane::sim {
+namespace {
+
+std::int32_t alive = 0;
+
+const char* whatOf(const MicrosoftStandardObject* object) {
+  return object->text;
+}
+
+const void* const standardTable[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
+
+// Knows where it was thrown.
+struct PlainObject {
+  const PlainObject* self;
+};
+
+// A destructor that does not find its object where it was thrown counts twice.
+template <class Object>
+void destroy(void* address) {
+  const auto* object = static_cast<Object*>(address);
+  alive -= object->self == object ? 1 : 2;
+}
+
+const MicrosoftThrow standardThrow({".?AVSdkError@@", ".?AVruntime_error@std@@",
+                                    ".?AVexception@std@@"},
+                                   sizeof(MicrosoftStandardObject),
+                                   destroy<MicrosoftStandardObject>);
+const MicrosoftThrow numberThrow({".H"}, sizeof(int));
+const MicrosoftThrow objectThrow({".?AUSdkTrouble@@"}, sizeof(PlainObject), destroy<PlainObject>);
+
+}  // namespace
+
+void throwSdkException(ThrownKind kind, const char* text) {
+  if (kind == ThrownKind::Standard) {
+    MicrosoftStandardObject object(standardTable, text);
+    ++alive;
+    standardThrow.raise(&object);
+  }
+  if (kind == ThrownKind::Number) {
+    int number = 7;
+    numberThrow.raise(&number);
+  }
+  PlainObject object{&object};
+  ++alive;
+  objectThrow.raise(&object);
+}
+
+std::int32_t exceptionsAlive() {
+  return alive;
+}
+
+}  // namespace orvane::sim

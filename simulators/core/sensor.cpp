@@ -1,0 +1,274 @@
+#include "core/sensor.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+
+#include "core/random.hpp"
+#include "core/samples.hpp"
+
+namespace orvane::sim {
+namespace {
+
+// With the usual exposure and the middle of the gain range, the planet's brightest part fills half
+// of the sensor's range.
+constexpr double planetPart = 0.5;
+constexpr double electronsAtFullScale = 6000;
+constexpr float readNoise = 3;  // electrons
+
+constexpr double vignetting = 0.12;          // light lost in the corners
+constexpr std::int32_t hotPixelSpan = 2048;  // columns with at most one hot pixel a row
+constexpr std::uint64_t spansPerHotPixel = 20;
+
+constexpr double usb3BytesPerUs = 350;
+constexpr double usb2BytesPerUs = 40;
+
+// More samples than any camera has: their light is worked out row by row instead of being kept.
+constexpr std::size_t mostKeptSamples = 100'000'000;
+
+// Normally distributed numbers, equally likely each.
+constexpr std::size_t normalCount = 4096;
+
+std::array<float, normalCount> makeNormals() {
+  std::array<float, normalCount> normals{};
+  for (std::size_t i = 0; i < normalCount / 2; ++i) {
+    // The quantile of the middle of each of the equal parts, by bisection of the distribution.
+    const double part = (static_cast<double>(i) + 0.5) / static_cast<double>(normalCount);
+    double low = -6;
+    double high = 0;
+    for (int step = 0; step < 40; ++step) {
+      const double middle = (low + high) / 2;
+      (0.5 * std::erfc(-middle / std::sqrt(2.0)) < part ? low : high) = middle;
+    }
+    normals.at(i) = static_cast<float>(low);
+    normals.at(normalCount - 1 - i) = static_cast<float>(-low);
+  }
+  return normals;
+}
+
+// Fills `noise` with normally distributed numbers that follow from the key alone.
+void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
+  static const std::array<float, normalCount> normals = makeNormals();
+  constexpr std::int32_t perHash = 5;
+  static_assert(blockLength % perHash == 0);
+  const float* table = normals.data();
+  for (std::int32_t i = 0; i < count; i += perHash) {
+    std::uint64_t bits = mix(key + static_cast<std::uint64_t>(i));
+    for (std::int32_t j = 0; j < perHash; ++j) {
+      noise[i + j] = table[bits % normalCount];
+      bits /= normalCount;
+    }
+  }
+}
+
+// The part of the light that the optics let through to each pixel of a row.
+void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
+  const double corner = (aspect * aspect + 1) / 4;
+  const double dy = row.y - 0.5;
+  for (std::int32_t i = 0; i < row.count; ++i) {
+    const double dx = row.x + i * pixel - aspect / 2;
+    lens[i] = static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
+  }
+}
+
+// Hot pixels belong to the sensor, so they stay where they are when the region moves.
+void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t samples, float* light) {
+  for (std::int32_t span = region.x / hotPixelSpan;
+       span <= (region.x + region.width) / hotPixelSpan; ++span) {
+    const std::uint64_t bits = mix(rowKey + static_cast<std::uint64_t>(span));
+    const auto place = static_cast<std::int64_t>(bits % hotPixelSpan);
+    const std::int64_t x = std::int64_t{span} * hotPixelSpan + place - region.x;
+    if (bits / hotPixelSpan % spansPerHotPixel == 0 && x >= 0 && x < region.width) {
+      const float hot = 0.1F + 0.6F * static_cast<float>(unitInterval(mix(bits)));
+      for (std::int32_t sample = 0; sample < samples; ++sample) {
+        light[x * samples + sample] += hot;
+      }
+    }
+  }
+}
+
+// How a sample becomes a count.
+struct Conversion {
+  float electrons;   // of light 1
+  float noiseScale;  // binned samples are an average of several
+  float counts;      // of one electron
+  float pedestal;    // counts, with the half that rounds
+  float largest;
+  std::int32_t shift;  // left, from the converter's bits to the sample's; negative is right
+};
+
+Conversion conversionOf(const FrameSettings& settings) {
+  const std::int32_t largest = (1 << settings.bitDepth) - 1;
+  const double counts = settings.gain * largest / electronsAtFullScale;
+  Conversion conversion{};
+  const double exposure = std::min(settings.exposureUs, longestExposureUs) / usualExposureUs;
+  conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure);
+  conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
+  conversion.counts = static_cast<float>(counts);
+  conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
+  conversion.largest = static_cast<float>(largest);
+  conversion.shift = sampleShift(settings);
+  return conversion;
+}
+
+// Exposes up to a block of samples and converts them to counts.
+void expose(const Conversion& conversion, const float* light, const float* noise,
+            std::int32_t count, std::int32_t* counts) {
+  const Conversion c = conversion;
+  for (std::int32_t i = 0; i < count; ++i) {
+    const float mean = light[i] * c.electrons;
+    const float spread = std::sqrt(mean + readNoise * readNoise) * c.noiseScale;
+    const float value = (mean + spread * noise[i]) * c.counts + c.pedestal;
+    const float positive = value > 0.0F ? value : 0.0F;
+    counts[i] = static_cast<std::int32_t>(positive < c.largest ? positive : c.largest);
+  }
+}
+
+}  // namespace
+
+Mosaic mosaicOfBayerNumber(std::int32_t number) {
+  switch (number) {
+    case 1:
+      return Mosaic::Bggr;
+    case 2:
+      return Mosaic::Grbg;
+    case 3:
+      return Mosaic::Gbrg;
+    default:
+      return Mosaic::Rggb;
+  }
+}
+
+std::int32_t bytesPerPixel(Layout layout) {
+  switch (layout) {
+    case Layout::Raw16:
+      return 2;
+    case Layout::Bgr24:
+    case Layout::Rgb24:
+      return 3;
+    default:
+      return 1;
+  }
+}
+
+std::int64_t frameBytes(const FrameSettings& settings) {
+  return std::int64_t{settings.region.width} * settings.region.height *
+         bytesPerPixel(settings.layout);
+}
+
+std::int64_t framePeriodUs(const FrameSettings& settings) {
+  constexpr double shortest = 1000;
+  const double bytesPerUs = settings.isUsb3 ? usb3BytesPerUs : usb2BytesPerUs;
+  const double transfer = static_cast<double>(frameBytes(settings)) / bytesPerUs;
+  return static_cast<std::int64_t>(
+      std::min(std::max({shortest, transfer, settings.exposureUs}), longestExposureUs));
+}
+
+void Renderer::forget() {
+  key_ = {};
+  light_ = {};
+  planes_ = {};
+}
+
+void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
+  const Key key{
+      seed,         settings.camera, settings.sensorWidth, settings.sensorHeight, settings.mosaic,
+      settings.bin, settings.region, settings.layout,      settings.isUpsideDown};
+  if (key == key_) {
+    return;
+  }
+  forget();
+  const double height = settings.sensorHeight;
+  scene_.set(seed, settings.sensorWidth / height, settings.bin / height);
+  const auto width = static_cast<std::size_t>(settings.region.width);
+  const auto rowSamples = width * static_cast<std::size_t>(samplesPerPixel(settings.layout));
+  const auto rows = static_cast<std::size_t>(settings.region.height);
+  planes_.resize(4 * width);
+  isWholeFrame_ = rowSamples * rows <= mostKeptSamples;
+  if (isWholeFrame_) {
+    try {
+      light_.resize(rowSamples * rows);
+    } catch (const std::bad_alloc&) {
+      isWholeFrame_ = false;
+    }
+  }
+  if (!isWholeFrame_) {
+    light_.resize(rowSamples);
+  }
+  key_ = key;
+  for (std::int32_t row = 0; isWholeFrame_ && row < settings.region.height; ++row) {
+    lightRow(row, light_.data() + rowSamples * static_cast<std::size_t>(row));
+  }
+}
+
+// Works out the light on all samples of one row of the frame, counted as delivered.
+void Renderer::lightRow(std::int32_t row, float* light) {
+  const Region& region = key_.region;
+  const std::int32_t sensorRow = region.y + (key_.isUpsideDown ? region.height - 1 - row : row);
+  const double pixel = static_cast<double>(key_.bin) / key_.sensorHeight;
+  const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, region.width};
+  const auto width = static_cast<std::size_t>(region.width);
+  const auto plane = [&](std::size_t number) { return planes_.data() + number * width; };
+  scene_.light(place, plane(0), plane(1), plane(2));
+  float* const lens = plane(3);
+  lensRow(place, static_cast<double>(key_.sensorWidth) / key_.sensorHeight, pixel, lens);
+
+  const std::int32_t samples = samplesPerPixel(key_.layout);
+  if (samples == 3) {
+    const bool isBlueFirst = key_.layout == Layout::Bgr24;
+    for (std::size_t color = 0; color < 3; ++color) {
+      const float* const from = plane(isBlueFirst ? 2 - color : color);
+      for (std::size_t x = 0; x < width; ++x) {
+        light[3 * x + color] = from[x] * lens[x];
+      }
+    }
+  } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8) {
+    for (std::size_t x = 0; x < width; ++x) {
+      light[x] =
+          (redPart * plane(0)[x] + greenPart * plane(1)[x] + bluePart * plane(2)[x]) * lens[x];
+    }
+  } else {
+    for (std::int32_t phase = 0; phase < 2; ++phase) {
+      const float* const from = plane(filterPlane(key_.mosaic, region.x + phase, region.y + row));
+      for (auto x = static_cast<std::size_t>(phase); x < width; x += 2) {
+        light[x] = from[x] * lens[x];
+      }
+    }
+  }
+  addHotPixels(mix(key_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,
+               light);
+}
+
+void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::int64_t frameNumber,
+                      std::uint8_t* buffer, std::int64_t rowPitch) {
+  if (frameBytes(settings) <= 0) {
+    return;
+  }
+  prepare(seed, settings);
+  const Conversion conversion = conversionOf(settings);
+  const std::int32_t rowSamples = settings.region.width * samplesPerPixel(settings.layout);
+  const std::uint64_t frameKey =
+      mix(mix(seed) + mix(settings.camera) + static_cast<std::uint64_t>(frameNumber));
+  std::array<float, blockLength> noise;
+  std::array<std::int32_t, blockLength> counts;
+  for (std::int32_t row = 0; row < settings.region.height; ++row) {
+    const float* light = light_.data();
+    if (isWholeFrame_) {
+      light += std::ptrdiff_t{row} * rowSamples;
+    } else {
+      lightRow(row, light_.data());
+    }
+    const std::uint64_t rowKey = mix(frameKey + static_cast<std::uint64_t>(row));
+    std::uint8_t* const bytes = buffer + row * rowPitch;
+    for (std::int32_t start = 0; start < rowSamples; start += blockLength) {
+      const std::int32_t count = std::min(rowSamples - start, blockLength);
+      makeNoise(rowKey + static_cast<std::uint64_t>(start), count, noise.data());
+      expose(conversion, light + start, noise.data(), count, counts.data());
+      storeSamples(counts.data(), count, settings.layout, conversion.shift,
+                   bytes + std::ptrdiff_t{start} * bytesPerSample(settings.layout));
+    }
+  }
+}
+
+}  // namespace orvane::sim

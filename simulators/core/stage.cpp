@@ -1,0 +1,257 @@
+#include "core/stage.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "core/camera_model.hpp"
+#include "core/playback.hpp"
+
+namespace orvane::sim {
+
+Control* Device::find(int id) {
+  const auto found = std::find_if(controls.begin(), controls.end(),
+                                  [id](const Control& control) { return control.id == id; });
+  return found == controls.end() ? nullptr : &*found;
+}
+
+double Device::value(int id, double otherwise) const {
+  const auto found = std::find_if(controls.begin(), controls.end(),
+                                  [id](const Control& control) { return control.id == id; });
+  return found == controls.end() ? otherwise : found->value;
+}
+
+FrameSettings commonSettings(const Camera& camera) {
+  FrameSettings settings;
+  settings.camera = camera.index;
+  settings.sensorWidth = camera.model.width;
+  settings.sensorHeight = camera.model.height;
+  settings.bin = camera.device.bin;
+  settings.region = camera.device.region;
+  settings.bitDepth = std::clamp(camera.model.bitDepth, 8, 16);
+  settings.isUsb3 = camera.model.isUsb3Host != 0;
+  return settings;
+}
+
+Stage& stage() {
+  static Stage instance;
+  return instance;
+}
+
+void Stage::reset() {
+  clock = Clock();
+  faults.clear();
+  log.enable(false);
+  log.clear();
+  seed_ = 1;
+  recording_.close();
+  counts_ = {};
+  isSdkInitialised = false;
+  setCameras(maker.cameras);
+}
+
+void Stage::setCameras(std::span<const SimCamera> models) {
+  forgetDevices();
+  enumerated_.clear();
+  cameras_.clear();
+  for (const SimCamera& model : models) {
+    Camera camera;
+    camera.index = cameras_.size();
+    camera.model = model;
+    cameras_.push_back(std::move(camera));
+  }
+}
+
+Camera* Stage::camera(std::int64_t index) {
+  const bool isThere = index >= 0 && index < static_cast<std::int64_t>(cameras_.size());
+  return isThere ? &cameras_[static_cast<std::size_t>(index)] : nullptr;
+}
+
+void Stage::setPlugged(std::int64_t index, bool plugged) {
+  if (Camera* found = camera(index)) {
+    found->isPlugged = plugged;
+    found->device.isLost = found->device.isLost || (found->device.isOpen && !plugged);
+  }
+}
+
+void Stage::enumerate() {
+  enumerated_.clear();
+  for (const Camera& camera : cameras_) {
+    if (camera.isPlugged) {
+      enumerated_.push_back(camera.index);
+    }
+  }
+}
+
+Camera* Stage::enumerated(std::int64_t position) {
+  const bool isThere = position >= 0 && position < static_cast<std::int64_t>(enumerated_.size());
+  return isThere ? &cameras_[enumerated_[static_cast<std::size_t>(position)]] : nullptr;
+}
+
+Camera* Stage::enumeratedById(std::int32_t cameraId) {
+  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
+    return cameras_[index].model.id == cameraId;
+  });
+  return found == enumerated_.end() ? nullptr : &cameras_[*found];
+}
+
+Camera* Stage::enumeratedByKey(std::string_view key) {
+  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
+    return textOf(cameras_[index].model.key) == key;
+  });
+  return found == enumerated_.end() ? nullptr : &cameras_[*found];
+}
+
+void Stage::open(Camera& camera, std::vector<Control> controls) {
+  camera.device = {};
+  camera.device.isOpen = true;
+  for (Control& control : controls) {
+    control.value = control.initial;
+  }
+  camera.device.controls = std::move(controls);
+  camera.device.cooler.start(clock.now());
+}
+
+void Stage::close(Camera& camera) {
+  camera.device = {};
+  renderer_.forget();
+}
+
+void* Stage::makeHandle(const Camera& camera) {
+  return &handles_.emplace_back(Handle{camera.index, true});
+}
+
+void Stage::endHandle(void* handle) {
+  if (Handle* found = find(handle)) {
+    found->isOpen = false;
+  }
+}
+
+Camera* Stage::cameraOf(const void* handle) {
+  const Handle* found = find(handle);
+  return found != nullptr && found->isOpen ? &cameras_[found->camera] : nullptr;
+}
+
+Stage::Handle* Stage::find(const void* handle) {
+  const std::size_t number = numberOf(handle);
+  return number == 0 ? nullptr : &handles_[forgottenHandles_ + number - 1];
+}
+
+std::size_t Stage::numberOf(const void* handle) const {
+  // The one in use is nearly always the last.
+  for (std::size_t i = handles_.size(); i > forgottenHandles_; --i) {
+    if (&handles_[i - 1] == handle) {
+      return i - forgottenHandles_;
+    }
+  }
+  return 0;
+}
+
+void Stage::forgetDevices() {
+  forgottenHandles_ = handles_.size();
+  renderer_.forget();
+}
+
+void Stage::startStream(Camera& camera, bool isSingleFrame) {
+  camera.device.stream.start(clock.now(), maker.queue, isSingleFrame, maker.frameSettings(camera));
+}
+
+void Stage::stopStream(Camera& camera) {
+  if (!camera.device.stream.isRunning()) {
+    ++counts_.stopsWithoutStart;
+  }
+  camera.device.stream.stop();
+}
+
+void Stage::changed(Camera& camera) {
+  camera.device.stream.change(clock.now(), maker.frameSettings(camera));
+}
+
+void Stage::restartFrame(Camera& camera) {
+  camera.device.stream.restartFrame(clock.now(), maker.frameSettings(camera));
+}
+
+bool Stage::waitForFrame(Camera& camera, std::int32_t milliseconds) {
+  FrameStream& stream = camera.device.stream;
+  const std::int64_t now = clock.now();
+  if (stream.waiting(now) != nullptr) {
+    return true;
+  }
+  const std::optional<std::int64_t> completion = stream.nextCompletion();
+  if (!completion) {
+    return false;
+  }
+  const std::int64_t deadline = now + std::int64_t{milliseconds} * 1000;
+  const bool isInTime = milliseconds < 0 || *completion <= deadline;
+  clock.waitUntil(isInTime ? *completion : deadline);
+  return stream.waiting(clock.now()) != nullptr;
+}
+
+const FrameSettings* Stage::waitingFrame(Camera& camera) {
+  const Frame* frame = camera.device.stream.waiting(clock.now());
+  return frame == nullptr ? nullptr : &frame->settings;
+}
+
+void Stage::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch) {
+  const std::int64_t now = clock.now();
+  const Frame* frame = camera.device.stream.waiting(now);
+  const FrameSettings& settings = frame->settings;
+  const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
+  render(settings, frame->number, buffer, rowPitch == 0 ? packed : rowPitch);
+  camera.device.stream.take(now);
+}
+
+void Stage::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
+                   std::int64_t rowPitch) {
+  if (recording_.isOpen()) {
+    renderRecording(recording_, settings, frameNumber, buffer, rowPitch);
+  } else {
+    renderer_.render(seed_, settings, frameNumber, buffer, rowPitch);
+  }
+}
+
+bool Stage::playRecording(const char* path) {
+  renderer_.forget();
+  if (path == nullptr) {
+    recording_.close();
+    return true;
+  }
+  const std::string problem = recording_.open(path);
+  if (!problem.empty()) {
+    static_cast<void>(std::fprintf(stderr, "%s: \"%s\" cannot be played: %s\n", maker.sdkName, path,
+                                   problem.c_str()));
+  }
+  return problem.empty();
+}
+
+std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
+                                std::int32_t bufferLength) {
+  const auto streaming = std::find_if(cameras_.begin(), cameras_.end(), [](const Camera& camera) {
+    return camera.device.stream.isRunning();
+  });
+  if (streaming == cameras_.end() || buffer == nullptr) {
+    return 0;
+  }
+  const FrameSettings settings = maker.frameSettings(*streaming);
+  const std::int64_t length = frameBytes(settings);
+  if (length > bufferLength) {
+    return 0;
+  }
+  const std::int64_t rowPitch =
+      std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
+  render(settings, frame, buffer, rowPitch);
+  return static_cast<std::int32_t>(length);
+}
+
+SimInvariants Stage::invariants() const {
+  SimInvariants now = counts_;
+  now.exceptionsAlive = exceptionsAlive();
+  for (const Camera& camera : cameras_) {
+    now.devicesOpen += camera.device.isOpen ? 1 : 0;
+    now.streamsRunning += camera.device.stream.isRunning() ? 1 : 0;
+  }
+  return now;
+}
+
+}  // namespace orvane::sim
