@@ -11,15 +11,14 @@
 
 #include "formats/png_writer.hpp"
 #include "oc_capture/bench_chart.hpp"
-#include "oc_capture/capture_settings.hpp"
-#include "oc_capture/chosen_camera.hpp"
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
-#include "oc_capture/measurement.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "session/camera_choice.hpp"
 #include "session/camera_session.hpp"
 #include "session/distribution.hpp"
+#include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -28,6 +27,25 @@ namespace orvane::host {
 
 namespace {
 
+struct BenchSettings {
+  CameraOptions camera;  // with no camera: all; with no format: all that the camera has
+  std::int64_t durationUs = 2'000'000;  // of each measurement
+  OutputPath chart;
+  Reporting reporting;
+};
+
+void addOptions(CommandOptions& options, BenchSettings& bench) {
+  addCameraOptions(options, bench.camera, Presence::Optional);
+  options.add("--seconds", "S", "Length of each measurement; 2 if not given",
+              [&bench](const char* option, const std::string& text) {
+                bench.durationUs = parseSeconds(option, text);
+              });
+  addOutputOptions(
+      options, bench.chart,
+      {"CHART.png", "The results as a chart", "Replace CHART.png if it exists", {".png"}});
+  addReportingOptions(options, bench.reporting);
+}
+
 using Clock = std::chrono::steady_clock;
 
 double secondsBetween(Clock::time_point start, Clock::time_point end) {
@@ -35,22 +53,22 @@ double secondsBetween(Clock::time_point start, Clock::time_point end) {
 }
 
 // What is to be measured, all of it held against its camera before the first is opened.
-std::vector<ChosenCamera> plannedMeasurements(const BenchCommand& command) {
-  const CameraCatalogue catalogue = findCameras(command.camera.sdkDirectory);
+std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
+  const CameraCatalogue catalogue = findCameras(settings.camera.sdkDirectory);
   std::vector<CameraDescription> cameras = catalogue.cameras;
-  if (!command.camera.camera.empty()) {
-    cameras = {chooseCamera(catalogue.cameras, command.camera.camera)};
+  if (!settings.camera.camera.empty()) {
+    cameras = {chooseCamera(catalogue.cameras, settings.camera.camera)};
   }
   std::vector<ChosenCamera> planned;
   for (const CameraDescription& camera : cameras) {
-    CameraChoice choice = command.camera;
-    if (choice.format) {
-      planned.push_back({camera, settingsFor(choice, camera)});
+    CameraOptions options = settings.camera;
+    if (options.format) {
+      planned.push_back({camera, settingsFor(options, camera)});
       continue;
     }
     for (const PixelFormat format : camera.formats) {
-      choice.format = format;
-      planned.push_back({camera, settingsFor(choice, camera)});
+      options.format = format;
+      planned.push_back({camera, settingsFor(options, camera)});
     }
   }
   return planned;
@@ -59,8 +77,8 @@ std::vector<ChosenCamera> plannedMeasurements(const BenchCommand& command) {
 // One camera in one format.
 class Bench {
  public:
-  Bench(const BenchCommand& command, const ChosenCamera& camera, StatusLine& line)
-      : command_(command), camera_(camera), line_(line) {
+  Bench(const BenchSettings& settings, const ChosenCamera& camera, StatusLine& line)
+      : settings_(settings), camera_(camera), line_(line) {
     result_.camera = camera.description.name;
     result_.layout = {camera.settings.width, camera.settings.height, camera.settings.format,
                       Mosaic::None};
@@ -90,11 +108,11 @@ class Bench {
     CameraSession session(camera_.description, camera_.settings);
     result_.layout = session.layout();
     FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(command_.camera.discard, line_);
+    source.discard(settings_.camera.discard, line_);
     source.discard(1, line_);
     const std::int64_t notReadyBefore = source.notReadyAnswers();
     const Clock::time_point start = Clock::now();
-    const Clock::time_point end = start + std::chrono::microseconds(command_.durationUs);
+    const Clock::time_point end = start + std::chrono::microseconds(settings_.durationUs);
     Clock::time_point last = start;
     while (!stopRequested() && Clock::now() < end) {
       const auto frame = source.poll();
@@ -102,7 +120,7 @@ class Bench {
         const Clock::time_point now = Clock::now();
         waits_.push_back(secondsBetween(last, now));
         last = now;
-        correctFrame(frame, session.layout(), command_.camera.correction);
+        correctFrame(frame, session.layout(), settings_.camera.correction);
       }
       result_.notReadyAnswers = source.notReadyAnswers() - notReadyBefore;
       result_.seconds = secondsBetween(start, last);
@@ -117,7 +135,7 @@ class Bench {
     }
   }
 
-  const BenchCommand& command_;
+  const BenchSettings& settings_;
   const ChosenCamera& camera_;
   StatusLine& line_;
   Measurement result_;
@@ -140,7 +158,7 @@ Row rowOf(const Measurement& result) {
           decimal(result.waitLongest, 2)};
 }
 
-void reportText(const BenchCommand& command, const std::vector<Measurement>& results) {
+void reportText(const BenchSettings& settings, const std::vector<Measurement>& results) {
   std::vector<Row> rows{{"Camera", "Format", "Size", "Frames/s", "MB/s", "Not ready", "Wait p50 ms",
                          "p90", "p99", "Longest"}};
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
@@ -160,16 +178,16 @@ void reportText(const BenchCommand& command, const std::vector<Measurement>& res
     }
     std::cout << line << "\n";
   }
-  if (command.chart) {
-    std::cout << "Chart: " << inQuotes(utf8FromPath(*command.chart)) << "\n";
+  if (settings.chart.isGiven()) {
+    std::cout << "Chart: " << inQuotes(utf8FromPath(settings.chart.path)) << "\n";
   }
   std::cout << std::flush;
 }
 
-void reportJson(const BenchCommand& command, const std::vector<Measurement>& results) {
+void reportJson(const BenchSettings& settings, const std::vector<Measurement>& results) {
   using Json = nlohmann::ordered_json;
   Json document;
-  document["exposureUs"] = command.camera.exposureUs;
+  document["exposureUs"] = settings.camera.exposureUs;
   document["measurements"] = Json::array();
   for (const Measurement& result : results) {
     Json entry;
@@ -189,35 +207,31 @@ void reportJson(const BenchCommand& command, const std::vector<Measurement>& res
     entry["error"] = result.error;
     document["measurements"].push_back(entry);
   }
-  document["chart"] = command.chart ? Json(utf8FromPath(*command.chart)) : Json();
+  document["chart"] = settings.chart.isGiven() ? Json(utf8FromPath(settings.chart.path)) : Json();
   std::cout << document.dump(2) << "\n" << std::flush;
 }
 
-}  // namespace
-
-int bench(const BenchCommand& command) {
-  if (command.chart) {
-    requireUsable(*command.chart, command.mayOverwrite);
-  }
+int bench(const BenchSettings& settings) {
+  requireUsable(settings.chart);
   catchStopRequests();
   useFineSleep();
-  const std::vector<ChosenCamera> planned = plannedMeasurements(command);
+  const std::vector<ChosenCamera> planned = plannedMeasurements(settings);
   std::vector<Measurement> results;
   {
-    StatusLine line(command.reporting.isQuiet);
+    StatusLine line(settings.reporting.isQuiet);
     for (const ChosenCamera& camera : planned) {
       if (!stopRequested()) {
-        results.push_back(Bench(command, camera, line).run());
+        results.push_back(Bench(settings, camera, line).run());
       }
     }
   }
-  if (command.chart) {
-    writePng(*command.chart, benchChart(results, command.camera.exposureUs));
+  if (settings.chart.isGiven()) {
+    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
   }
-  if (command.reporting.asJson) {
-    reportJson(command, results);
-  } else if (!command.reporting.isQuiet) {
-    reportText(command, results);
+  if (settings.reporting.asJson) {
+    reportJson(settings, results);
+  } else if (!settings.reporting.isQuiet) {
+    reportText(settings, results);
   }
   int status = 0;
   for (const Measurement& result : results) {
@@ -229,5 +243,26 @@ int bench(const BenchCommand& command) {
   }
   return status;
 }
+
+constexpr const char* explanation =
+    R"(Without --camera all cameras are measured, without --format all formats of each.
+What is measured: frames and megabytes a second, the answers that no frame was
+ready, and the waits from one frame to the next: the median (p50), what 90 and
+99 of 100 waits do not exceed, and the longest. The clock starts with the first
+frame after those of --discard.)";
+
+constexpr const char* examples =
+    R"(  oc_capture bench --sdk C:\sdk --exposure 1ms --out rates.png
+  oc_capture bench --sdk C:\sdk --camera ASI294 --format raw16 --seconds 10)";
+
+}  // namespace
+
+const Command benchCommand{
+    "bench",
+    "Measure how fast cameras deliver",
+    explanation,
+    examples,
+    prepareCommand<BenchSettings, addOptions, bench>,
+};
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// "oc_capture list": what cameras there are, and what each can do.
+// "oc_capture list": the cameras that are there, and what each can do.
 #include "oc_capture/list_command.hpp"
 
 #include <iostream>
@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_table.hpp"
 #include "session/camera_catalogue.hpp"
 #include "system/text.hpp"
@@ -13,6 +14,18 @@
 namespace orvane::host {
 
 namespace {
+
+struct ListSettings {
+  std::string sdkDirectory;
+  bool asJson = false;
+  bool isQuiet = false;  // nothing but errors and the JSON document
+};
+
+void addOptions(CommandOptions& options, ListSettings& list) {
+  addSdkOptions(options, list.sdkDirectory);
+  options.addFlag("--json", list.asJson, "Write one JSON document");
+  options.addFlag("--quiet", list.isQuiet, "Write nothing but errors and the JSON document");
+}
 
 void printJson(const CameraCatalogue& catalogue) {
   nlohmann::ordered_json document;
@@ -33,13 +46,11 @@ void printText(const CameraCatalogue& catalogue) {
   }
 }
 
-}  // namespace
-
-int listCameras(const ListCommand& command) {
-  const CameraCatalogue catalogue = readCatalogue(command.sdkDirectory);
-  if (command.asJson) {
+int listCameras(const ListSettings& settings) {
+  const CameraCatalogue catalogue = readCatalogue(settings.sdkDirectory);
+  if (settings.asJson) {
     printJson(catalogue);
-  } else if (!command.isQuiet) {
+  } else if (!settings.isQuiet) {
     printText(catalogue);
   }
   std::cout.flush();
@@ -52,5 +63,19 @@ int listCameras(const ListCommand& command) {
   }
   return 0;
 }
+
+constexpr const char* examples =
+    R"(  oc_capture list --sdk C:\sdk
+  oc_capture list --sdk C:\sdk --json)";
+
+}  // namespace
+
+const Command listCommand{
+    "list",
+    "List the cameras and what they can do",
+    "",
+    examples,
+    prepareCommand<ListSettings, addOptions, listCameras>,
+};
 
 }  // namespace orvane::host
