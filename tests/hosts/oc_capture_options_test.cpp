@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "oc_capture_test.hpp"
 
@@ -133,6 +134,16 @@ TEST_F(OcCaptureOptions, HelpHasAnExampleForEachCommand) {
     EXPECT_NE(help.find("Examples:\n  oc_capture " + std::string(command) + " "), std::string::npos)
         << help;
     EXPECT_NE(help.find("Exit status: 0 done"), std::string::npos);
+  }
+}
+
+TEST_F(OcCaptureOptions, HelpFitsIntoEightyColumns) {
+  for (const char* command : {"list", "record", "snap", "bench", "watch", "play", "doctor"}) {
+    std::istringstream help(run({command, "--help"}).out);
+    for (std::string line; std::getline(help, line);) {
+      const bool isExample = line.rfind("  oc_capture ", 0) == 0;
+      EXPECT_TRUE(isExample || line.size() <= 80) << line;
+    }
   }
 }
 
