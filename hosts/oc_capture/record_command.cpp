@@ -18,7 +18,7 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
-#include "oc_capture/progress.hpp"
+#include "oc_capture/status_line.hpp"
 #include "session/camera_session.hpp"
 #include "session/ser_recorder.hpp"
 #include "system/failures.hpp"
@@ -97,11 +97,11 @@ class RecordingSession {
         layout_(correctedLayout(session_->layout(), settings.camera.correction)),
         source_(*session_, camera.settings.exposureUs),
         restWhenFull_(std::clamp<std::int64_t>(camera.settings.exposureUs / 1000, 1, 50)),
-        progress_(settings.reporting.isQuiet) {}
+        line_(settings.reporting.isQuiet) {}
 
   // Whatever happens once the file is there is told in the result.
   Recording run() {
-    source_.discard(settings_.camera.discard, progress_.line());
+    source_.discard(settings_.camera.discard, line_);
     SerRecorder recorder(settings_.file.path,
                          serDescription(settings_, camera_.description, layout_),
                          {session_->layout(), settings_.camera.correction, session_->bufferSize(),
@@ -140,7 +140,7 @@ class RecordingSession {
         }
         source_.buffer() = std::move(next.buffer);
       }
-      if (progress_.isDue()) {
+      if (line_.isDue()) {
         showProgress(recorder);
       }
     }
@@ -148,8 +148,8 @@ class RecordingSession {
 
   void showProgress(const SerRecorder& recorder) {
     const auto size = static_cast<std::int64_t>(frameBytes(layout_));
-    progress_.show({frames_, frames_ * size, source_.silentWaits(), recorder.droppedFrames(),
-                    session_->temperature()});
+    line_.showRecording({frames_, frames_ * size, source_.silentWaits(), recorder.droppedFrames(),
+                         session_->temperature()});
   }
 
   void finish(SerRecorder& recorder, Recording& recording) const {
@@ -186,7 +186,7 @@ class RecordingSession {
   // sooner than an exposure takes, and copying without a rest would take memory's speed from the
   // disk.
   const std::chrono::milliseconds restWhenFull_;
-  Progress progress_;
+  RecordingLine line_;
   std::int32_t frames_ = 0;  // that the recorder has taken
 };
 
