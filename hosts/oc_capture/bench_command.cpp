@@ -2,9 +2,9 @@
 #include "oc_capture/bench_command.hpp"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -15,6 +15,7 @@
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
+#include "oc_capture/text_table.hpp"
 #include "session/camera_choice.hpp"
 #include "session/camera_session.hpp"
 #include "session/distribution.hpp"
@@ -142,10 +143,7 @@ class Bench {
   std::vector<double> waits_;  // seconds
 };
 
-constexpr std::size_t columnCount = 10;
-using Row = std::array<std::string, columnCount>;
-
-Row rowOf(const Measurement& result) {
+TableRow rowOf(const Measurement& result) {
   return {result.camera,
           formatName(result.layout.format),
           std::to_string(result.layout.width) + " x " + std::to_string(result.layout.height),
@@ -159,25 +157,11 @@ Row rowOf(const Measurement& result) {
 }
 
 void reportText(const BenchSettings& settings, const std::vector<Measurement>& results) {
-  std::vector<Row> rows{{"Camera", "Format", "Size", "Frames/s", "MB/s", "Not ready", "Wait p50 ms",
-                         "p90", "p99", "Longest"}};
+  std::vector<TableRow> rows{{"Camera", "Format", "Size", "Frames/s", "MB/s", "Not ready",
+                              "Wait p50 ms", "p90", "p99", "Longest"}};
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
-  std::array<std::size_t, columnCount> widths{};
-  for (const Row& row : rows) {
-    for (std::size_t column = 0; column < columnCount; ++column) {
-      widths[column] = std::max(widths[column], utf8Length(row[column]));
-    }
-  }
   constexpr std::size_t textColumns = 3;
-  for (const Row& row : rows) {
-    std::string line;
-    for (std::size_t column = 0; column < columnCount; ++column) {
-      const std::string space(widths[column] - utf8Length(row[column]), ' ');
-      line += (line.empty() ? "" : "  ") +
-              (column < textColumns ? row[column] + space : space + row[column]);
-    }
-    std::cout << line << "\n";
-  }
+  std::cout << textTable(rows, textColumns);
   if (settings.chart.isGiven()) {
     std::cout << "Chart: " << inQuotes(utf8FromPath(settings.chart.path)) << "\n";
   }

@@ -15,7 +15,6 @@
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
-#include "oc_capture/watch_plot.hpp"
 #include "session/camera_session.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
