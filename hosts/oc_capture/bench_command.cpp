@@ -53,7 +53,8 @@ double secondsBetween(Clock::time_point start, Clock::time_point end) {
   return std::chrono::duration<double>(end - start).count();
 }
 
-// What is to be measured, all of it held against its camera before the first is opened.
+// The measurements to make. All options are checked against their cameras before the first camera
+// is opened.
 std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
   const CameraCatalogue catalogue = findCameras(settings.camera.sdkDirectory);
   std::vector<CameraDescription> cameras = catalogue.cameras;
@@ -75,7 +76,7 @@ std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
   return planned;
 }
 
-// One camera in one format.
+// One measurement: one camera in one format.
 class Bench {
  public:
   Bench(const BenchSettings& settings, const ChosenCamera& camera, StatusLine& line)
@@ -91,6 +92,12 @@ class Bench {
     } catch (const CameraError& error) {
       result_.error = error.what();
     }
+    summarise();
+    return result_;
+  }
+
+ private:
+  void summarise() {
     std::sort(waits_.begin(), waits_.end());
     result_.frames = static_cast<std::int64_t>(waits_.size());
     const double elapsed = result_.seconds > 0 ? result_.seconds : 1;
@@ -101,10 +108,8 @@ class Bench {
     result_.waitP90 = quantile(waits_, 0.9) * 1e3;
     result_.waitP99 = quantile(waits_, 0.99) * 1e3;
     result_.waitLongest = quantile(waits_, 1) * 1e3;
-    return result_;
   }
 
- private:
   void measure() {
     CameraSession session(camera_.description, camera_.settings);
     result_.layout = session.layout();
@@ -195,28 +200,8 @@ void reportJson(const BenchSettings& settings, const std::vector<Measurement>& r
   std::cout << document.dump(2) << "\n" << std::flush;
 }
 
-int bench(const BenchSettings& settings) {
-  requireUsable(settings.chart);
-  catchStopRequests();
-  useFineSleep();
-  const std::vector<ChosenCamera> planned = plannedMeasurements(settings);
-  std::vector<Measurement> results;
-  {
-    StatusLine line(settings.reporting.isQuiet);
-    for (const ChosenCamera& camera : planned) {
-      if (!stopRequested()) {
-        results.push_back(Bench(settings, camera, line).run());
-      }
-    }
-  }
-  if (settings.chart.isGiven()) {
-    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
-  }
-  if (settings.reporting.asJson) {
-    reportJson(settings, results);
-  } else if (!settings.reporting.isQuiet) {
-    reportText(settings, results);
-  }
+// Writes what failed to standard error. Returns the exit status.
+int reportFailures(const std::vector<Measurement>& results) {
   int status = 0;
   for (const Measurement& result : results) {
     if (!result.error.empty()) {
@@ -226,6 +211,35 @@ int bench(const BenchSettings& settings) {
     }
   }
   return status;
+}
+
+// Measures one after another; after a failure it goes on with the next.
+std::vector<Measurement> measureAll(const BenchSettings& settings) {
+  const std::vector<ChosenCamera> planned = plannedMeasurements(settings);
+  std::vector<Measurement> results;
+  StatusLine line(settings.reporting.isQuiet);
+  for (const ChosenCamera& camera : planned) {
+    if (!stopRequested()) {
+      results.push_back(Bench(settings, camera, line).run());
+    }
+  }
+  return results;
+}
+
+int bench(const BenchSettings& settings) {
+  requireUsable(settings.chart);
+  catchStopRequests();
+  useFineSleep();
+  const std::vector<Measurement> results = measureAll(settings);
+  if (settings.chart.isGiven()) {
+    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
+  }
+  if (settings.reporting.asJson) {
+    reportJson(settings, results);
+  } else if (!settings.reporting.isQuiet) {
+    reportText(settings, results);
+  }
+  return reportFailures(results);
 }
 
 constexpr const char* explanation =

@@ -8,6 +8,7 @@
 
 #include "imaging/axis.hpp"
 #include "imaging/canvas.hpp"
+#include "oc_capture/chart_colours.hpp"
 
 namespace orvane::host {
 
@@ -26,14 +27,7 @@ WatchPoint merged(std::span<const WatchPoint> points) {
   return all;
 }
 
-constexpr Colour paper{255, 255, 255};
-constexpr Colour grid{216, 220, 226};
-constexpr Colour ink{32, 36, 44};
-constexpr Colour faintInk{104, 112, 124};
-constexpr Colour red{190, 52, 52};
-constexpr Colour blue{46, 110, 180};
 constexpr Colour paleBlue{198, 218, 240};
-constexpr Colour orange{214, 116, 36};
 
 constexpr int width = 1280;
 constexpr int left = 130;
@@ -51,14 +45,14 @@ class Panel {
       : canvas_(canvas), top_(top), time_(time), values_(values) {}
 
   void drawFrame(const std::string& title) const {
-    canvas_.text(left, top_ - 32, title, ink);
+    canvas_.text(left, top_ - 32, title, chart::ink);
     for (const double tick : values_.ticks()) {
-      canvas_.fill(left, y(tick), right - left, 1, grid);
-      canvas_.textToTheLeft(left - 12, y(tick) - 8, values_.label(tick), faintInk);
+      canvas_.fill(left, y(tick), right - left, 1, chart::grid);
+      canvas_.textToTheLeft(left - 12, y(tick) - 8, values_.label(tick), chart::faintInk);
     }
     for (const double tick : time_.ticks()) {
-      canvas_.fill(x(tick), top_, 1, panelHeight, grid);
-      canvas_.textInTheMiddle(x(tick), top_ + panelHeight + 10, time_.label(tick), faintInk);
+      canvas_.fill(x(tick), top_, 1, panelHeight, chart::grid);
+      canvas_.textInTheMiddle(x(tick), top_ + panelHeight + 10, time_.label(tick), chart::faintInk);
     }
   }
 
@@ -87,7 +81,7 @@ class Panel {
   }
 
   void write(const std::string& text) const {
-    canvas_.textInTheMiddle((left + right) / 2, top_ + panelHeight / 2 - 8, text, faintInk);
+    canvas_.textInTheMiddle((left + right) / 2, top_ + panelHeight / 2 - 8, text, chart::faintInk);
   }
 
  private:
@@ -105,7 +99,7 @@ class Panel {
   Axis values_;
 };
 
-// Around all values that there are; nothing when there are none.
+// An axis for all values that the points have; nothing when they have none.
 std::optional<Axis> axisOf(const std::vector<WatchPoint>& points, const ValueOf& lowest,
                            const ValueOf& highest) {
   std::optional<double> smallest;
@@ -118,6 +112,43 @@ std::optional<Axis> axisOf(const std::vector<WatchPoint>& points, const ValueOf&
   }
   constexpr int steps = 4;
   return smallest ? std::optional(axisFor(*smallest, *largest, steps)) : std::nullopt;
+}
+
+void drawTemperatures(Canvas& canvas, int top, const Axis& time,
+                      const std::vector<WatchPoint>& points) {
+  const ValueOf temperature = [](const WatchPoint& point) { return point.temperature; };
+  const auto axis = axisOf(points, temperature, temperature);
+  const Panel panel(canvas, top, time, axis.value_or(Axis()));
+  panel.drawFrame("Temperature, degrees Celsius");
+  if (axis) {
+    panel.drawLine(points, temperature, chart::red);
+  } else {
+    panel.write("The camera tells no temperature.");
+  }
+}
+
+double zero(const WatchPoint&) {
+  return 0;
+}
+
+void drawSamples(Canvas& canvas, int top, const Axis& time, const std::vector<WatchPoint>& points) {
+  const ValueOf mean = [](const WatchPoint& point) { return point.statistics.mean; };
+  const ValueOf largest = [](const WatchPoint& point) { return point.statistics.largest; };
+  const Panel panel(canvas, top, time, axisOf(points, zero, largest).value_or(Axis()));
+  panel.drawFrame("Samples: mean, and from the smallest to the largest");
+  panel.drawBand(points, paleBlue);
+  panel.drawLine(points, mean, chart::blue);
+}
+
+void drawSaturation(Canvas& canvas, int top, const Axis& time,
+                    const std::vector<WatchPoint>& points) {
+  const ValueOf saturated = [](const WatchPoint& point) {
+    return static_cast<double>(point.statistics.saturated);
+  };
+  const Axis counts = axisOf(points, zero, saturated).value_or(Axis());
+  const Panel panel(canvas, top, time, counts.low < 0 ? Axis() : counts);
+  panel.drawFrame("Saturated pixels");
+  panel.drawLine(points, saturated, chart::orange);
 }
 
 }  // namespace
@@ -144,39 +175,14 @@ void WatchHistory::halve() {
 
 ScreenImage watchPlot(const WatchHistory& history, const std::string& title) {
   const auto& points = history.points();
-  const ValueOf temperature = [](const WatchPoint& point) { return point.temperature; };
-  const ValueOf mean = [](const WatchPoint& point) { return point.statistics.mean; };
-  const ValueOf largest = [](const WatchPoint& point) { return point.statistics.largest; };
-  const ValueOf saturated = [](const WatchPoint& point) {
-    return static_cast<double>(point.statistics.saturated);
-  };
-  const ValueOf zero = [](const WatchPoint&) { return 0.0; };
-
   constexpr int timeSteps = 8;
   const Axis time = axisFor(0, std::max(points.back().seconds, 1e-3), timeSteps);
-  Canvas canvas(width, firstTop + 3 * panelStep, paper);
-  canvas.text(left, 28, title, ink, 3);
-
-  const auto temperatures = axisOf(points, temperature, temperature);
-  const Panel first(canvas, firstTop, time, temperatures.value_or(Axis()));
-  first.drawFrame("Temperature, degrees Celsius");
-  if (temperatures) {
-    first.drawLine(points, temperature, red);
-  } else {
-    first.write("The camera tells no temperature.");
-  }
-
-  const Panel second(canvas, firstTop + panelStep, time,
-                     axisOf(points, zero, largest).value_or(Axis()));
-  second.drawFrame("Samples: mean, and from the smallest to the largest");
-  second.drawBand(points, paleBlue);
-  second.drawLine(points, mean, blue);
-
-  const auto counts = axisOf(points, zero, saturated).value_or(Axis());
-  const Panel third(canvas, firstTop + 2 * panelStep, time, counts.low < 0 ? Axis() : counts);
-  third.drawFrame("Saturated pixels");
-  third.drawLine(points, saturated, orange);
-  canvas.textToTheLeft(right, firstTop + 2 * panelStep + panelHeight + 38, "time, s", ink);
+  Canvas canvas(width, firstTop + 3 * panelStep, chart::paper);
+  canvas.text(left, 28, title, chart::ink, 3);
+  drawTemperatures(canvas, firstTop, time, points);
+  drawSamples(canvas, firstTop + panelStep, time, points);
+  drawSaturation(canvas, firstTop + 2 * panelStep, time, points);
+  canvas.textToTheLeft(right, firstTop + 2 * panelStep + panelHeight + 38, "time, s", chart::ink);
   return canvas.image();
 }
 
