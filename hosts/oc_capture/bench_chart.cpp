@@ -21,7 +21,7 @@ constexpr Colour paleOrange{244, 200, 160};
 
 constexpr int margin = 32;
 constexpr int rowHeight = 34;
-constexpr int top = 150;  // of the first row
+constexpr int top = 150;  // y of the first row
 constexpr int panelWidth = 360;
 constexpr int panelGap = 96;
 constexpr int formatWidth = 90;

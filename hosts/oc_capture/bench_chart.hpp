@@ -23,7 +23,7 @@ struct Measurement {
   double waitP90 = 0;
   double waitP99 = 0;
   double waitLongest = 0;
-  std::string error;  ///< what went wrong; the numbers hold up to then
+  std::string error;  ///< empty, or what failed; the numbers are from before the failure
 };
 
 /// A row for each measurement: frames and megabytes a second as bars, waits on a logarithmic axis.

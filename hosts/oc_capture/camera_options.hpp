@@ -16,7 +16,7 @@
 
 namespace orvane::host {
 
-/// An option that is not given is left to the camera, or has the value that stands here.
+/// An option that is not given has the value that stands here; without a value, the camera decides.
 struct CameraOptions {
   std::string sdkDirectory;
   std::string camera;  ///< index or part of the name
@@ -34,7 +34,7 @@ struct CameraOptions {
 /// "--sdk", which is required, and "--scene".
 void addSdkOptions(CommandOptions& options, std::string& sdkDirectory);
 
-/// These, and the camera with its settings and the correction of its frames.
+/// The options of addSdkOptions() and addCorrectionOptions(), "--camera" and the camera's settings.
 void addCameraOptions(CommandOptions& options, CameraOptions& camera,
                       Presence presence = Presence::Required);
 

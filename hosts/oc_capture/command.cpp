@@ -26,7 +26,8 @@ CommandOptions::CommandOptions(CLI::App& app, const Command& command)
 
 void CommandOptions::add(const char* name, const char* type, const char* description,
                          ReadValue read, Presence presence) {
-  // The parser calls back even when it goes on to find a required option missing, or to show help.
+  // The parser calls back before it checks for required options and for --help. So the value is
+  // only kept here, and is read when the command line is known to be complete.
   const auto keep = [this, name, read = std::move(read)](const std::string& text) {
     givenValues_.push_back([name, read, text] { read(name, text); });
   };

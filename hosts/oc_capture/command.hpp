@@ -31,14 +31,14 @@ class CommandOptions {
   CommandOptions(const CommandOptions&) = delete;
   CommandOptions& operator=(const CommandOptions&) = delete;
 
-  /// An option with a value, or an argument without a name of its own if `name` has no dashes.
+  /// An option with a value, or a positional argument if `name` has no dashes.
   void add(const char* name, const char* type, const char* description, ReadValue read,
            Presence presence = Presence::Optional);
 
   /// An option without a value, which sets `flag`.
   void addFlag(const char* name, bool& flag, const char* description);
 
-  /// True when this is the command that was named.
+  /// True when the command line names this command.
   bool isGiven() const;
 
   /// Reads the values that were given, in the options' order. Throws UsageError.
@@ -61,8 +61,8 @@ struct Command {
   RunCommand (*prepare)(CommandOptions& options);  ///< see prepareCommand()
 };
 
-/// Adds a command's options, which write into new settings, and returns what runs the command with
-/// these settings once they have been read.
+/// Makes a command's settings and adds its options, which write into them. Returns the function
+/// that runs the command with these settings; call it after readValues().
 template <class Settings, void (*addOptions)(CommandOptions&, Settings&),
           int (*run)(const Settings&)>
 RunCommand prepareCommand(CommandOptions& options) {
@@ -71,7 +71,7 @@ RunCommand prepareCommand(CommandOptions& options) {
   return [settings] { return run(*settings); };
 }
 
-// What options write their values into.
+// Functions that store an option's value.
 
 ReadValue intoText(std::string& value);
 

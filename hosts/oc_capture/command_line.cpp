@@ -59,7 +59,7 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
   for (const Command* command : commands) {
     parsed.emplace_back(app, *command);
   }
-  // The commands keep the formatter that they have: their options are longer than their names.
+  // Only for the list of commands, whose names are short; the commands keep their formatter.
   app.formatter(std::make_shared<CLI::Formatter>());
   app.get_formatter()->column_width(14);
 

@@ -1,4 +1,4 @@
-// A recording at a glance: some of its frames side by side.
+// A contact sheet: some frames of a recording side by side.
 #include "oc_capture/contact_sheet.hpp"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ constexpr int margin = 24;
 constexpr int captionHeight = 36;
 constexpr int titleHeight = 104;
 
-// Evenly from the first to the last.
+// Frame numbers, evenly spaced from the first to the last.
 std::vector<std::int32_t> chosenFrames(std::int32_t frames) {
   const std::int32_t count = std::min(frames, mostFrames);
   std::vector<std::int32_t> chosen;
@@ -71,7 +71,7 @@ ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& corr
                          const std::string& title, const std::string& subtitle, StatusLine& line) {
   const std::vector<std::int32_t> frames = chosenFrames(recording.facts().frames);
   const std::vector<ScreenImage> pictures = thumbnails(recording, frames, correction, line);
-  int width = 200;  // at least, for the captions
+  int width = 200;  // minimum, for the captions
   int height = 1;
   for (const ScreenImage& picture : pictures) {
     width = std::max(width, picture.width);

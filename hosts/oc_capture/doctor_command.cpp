@@ -17,7 +17,7 @@ namespace {
 
 struct DoctorSettings {
   std::string sdkDirectory;
-  bool mayScan = false;  // every camera may be opened for a moment
+  bool mayScan = false;  // opens every camera for a moment
   bool asJson = false;
 };
 
@@ -27,7 +27,8 @@ void addOptions(CommandOptions& options, DoctorSettings& doctor) {
   options.addFlag("--json", doctor.asJson, "Write one JSON document");
 }
 
-// A scan loads the SDKs again, and ends this program where that is not safe.
+// False when an SDK was not loaded because loading it could end this program: the scan would load
+// it.
 bool canBeScanned(const std::vector<SdkFindings>& sdks) {
   return std::none_of(sdks.begin(), sdks.end(), [](const SdkFindings& sdk) {
     return sdk.isPresent && sdk.load == LoadOutcome::NotTried;

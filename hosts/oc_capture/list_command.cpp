@@ -44,7 +44,7 @@ std::string colour(const CameraDescription& camera) {
   return camera.mosaic == Mosaic::None ? "colour" : mosaicName(camera.mosaic);
 }
 
-// Not every SDK tells; so what is not USB 3 may also be unknown.
+// "-" when the camera is not USB 3 or the SDK does not tell.
 std::string usb(const CameraDescription& camera) {
   if (!camera.isUsb3Camera) {
     return "-";

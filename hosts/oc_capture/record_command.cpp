@@ -57,7 +57,7 @@ void addOptions(CommandOptions& options, RecordSettings& record) {
 
 using SteadyClock = std::chrono::steady_clock;
 
-// What is left of a recording when its camera and its file are closed.
+// The result of a recording, after its camera and its file are closed.
 struct Recording {
   FrameLayout layout;
   std::int32_t frames = 0;
@@ -86,7 +86,7 @@ CaptureLength lengthOf(const RecordSettings& settings) {
   return length;
 }
 
-// One camera that is being recorded from.
+// Records from one camera.
 class RecordingSession {
  public:
   RecordingSession(const RecordSettings& settings, const ChosenCamera& camera)
@@ -99,7 +99,7 @@ class RecordingSession {
         restWhenFull_(std::clamp<std::int64_t>(camera.settings.exposureUs / 1000, 1, 50)),
         line_(settings.reporting.isQuiet) {}
 
-  // Whatever happens once the file is there is told in the result.
+  // Failures after the file was created are in the result.
   Recording run() {
     source_.discard(settings_.camera.discard, line_);
     SerRecorder recorder(settings_.file.path,
@@ -182,12 +182,11 @@ class RecordingSession {
   std::optional<CameraSession> session_;
   FrameLayout layout_;  // of the corrected frames
   FrameSource source_;
-  // Where the disk is behind, frames are taken from the camera to be counted only. None comes
-  // sooner than an exposure takes, and copying without a rest would take memory's speed from the
-  // disk.
+  // While the queue is full, frames are read only to be counted as dropped. Without a pause,
+  // copying them would take memory bandwidth from the writer; a new frame takes an exposure anyway.
   const std::chrono::milliseconds restWhenFull_;
   RecordingLine line_;
-  std::int32_t frames_ = 0;  // that the recorder has taken
+  std::int32_t frames_ = 0;  // accepted by the recorder
 };
 
 std::string messageOf(const std::exception_ptr& failure) {
@@ -247,7 +246,7 @@ void reportText(const RecordSettings& settings, const Recording& recording,
   std::cout << std::flush;
 }
 
-// The last frame beside the recording; none when there is no frame.
+// Writes the last frame as a picture beside the recording. Returns nothing when there is no frame.
 std::optional<std::filesystem::path> writePreview(const RecordSettings& settings,
                                                   const Recording& recording) {
   if (recording.frames == 0) {

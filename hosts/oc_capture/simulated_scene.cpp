@@ -12,7 +12,7 @@ namespace orvane::host {
 
 namespace {
 
-// Where the simulated SDKs look for commands when they are loaded.
+// The simulated SDKs read their commands from it when they are loaded.
 constexpr const char* commandVariable = "ORVANE_SIMULATOR";
 
 void showToSimulatedCameras(const char*, const std::string& file) {

@@ -48,7 +48,7 @@ void addOptions(CommandOptions& options, SnapSettings& snap) {
 
 using Clock = std::chrono::system_clock;
 
-// What is left of the camera when it is closed.
+// A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
   FrameLayout layout;
   std::vector<std::uint8_t> frame;
@@ -132,7 +132,7 @@ int snap(const SnapSettings& settings) {
     writeFits(settings.file.path, snapshot.frame, fitsDescription(settings, camera, snapshot));
   } else {
     StatusLine line(settings.reporting.isQuiet);
-    constexpr std::size_t large = 8'000'000;  // bytes, whose compression takes a moment
+    constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
     if (snapshot.frame.size() > large) {
       line.show("Making the picture");
     }

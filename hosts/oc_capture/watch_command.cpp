@@ -42,7 +42,7 @@ void addOptions(CommandOptions& options, WatchSettings& watch) {
 
 using Clock = std::chrono::steady_clock;
 
-// All frames of a watch together.
+// Totals over all frames of a watch.
 struct Summary {
   FrameLayout layout;
   std::int64_t frames = 0;
@@ -84,13 +84,13 @@ std::string lineOf(const WatchPoint& point, std::int64_t frames) {
   return line;
 }
 
-// One camera that is being watched.
+// Watches one camera.
 class Watch {
  public:
   Watch(const WatchSettings& settings, const ChosenCamera& camera)
       : settings_(settings), camera_(camera), line_(settings.reporting.isQuiet) {}
 
-  // A failure of the camera is told in the summary.
+  // A failure of the camera is in the summary.
   void run() {
     try {
       look();
