@@ -19,12 +19,14 @@ namespace {
 constexpr int smallestInt = std::numeric_limits<int>::min();
 constexpr int largestInt = std::numeric_limits<int>::max();
 
-ReadValue intoFormat(std::optional<PixelFormat>& value) {
-  return [&value](const char* option, const std::string& text) {
-    value = formatFromName(text);
+// A value that has a name; `names` lists all of them, for the error's sentence.
+template <class Value>
+ReadValue intoNamed(std::optional<Value>& value, std::optional<Value> (*fromName)(std::string_view),
+                    const char* names) {
+  return [&value, fromName, names](const char* option, const std::string& text) {
+    value = fromName(text);
     if (!value) {
-      throw UsageError(std::string(option) + " needs raw8, raw16, rgb24 or mono8, not " +
-                       inQuotes(text) + ".");
+      throw UsageError(std::string(option) + " needs " + names + ", not " + inQuotes(text) + ".");
     }
   };
 }
@@ -34,16 +36,6 @@ ReadValue intoExposure(std::int64_t& microseconds) {
     microseconds = parseDuration(option, text);
     if (microseconds > largestInt) {
       throw UsageError(std::string(option) + " can be 2147483647us at most.");
-    }
-  };
-}
-
-ReadValue intoMosaic(std::optional<Mosaic>& value) {
-  return [&value](const char* option, const std::string& text) {
-    value = mosaicFromName(text);
-    if (!value) {
-      throw UsageError(std::string(option) + " needs RGGB, GRBG, GBRG, BGGR or none, not " +
-                       inQuotes(text) + ".");
     }
   };
 }
@@ -118,7 +110,7 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence p
   options.add("--bin", "N", "Binning factor; 1 if not given",
               intoNumber(camera.bin, 1, largestInt));
   options.add("--format", "FORMAT", "raw8, raw16, rgb24 or mono8;\nthe camera's first if not given",
-              intoFormat(camera.format));
+              intoNamed(camera.format, formatFromName, "raw8, raw16, rgb24 or mono8"));
   options.add("--exposure", "TIME", "With its unit: 500us, 20ms, 1.5s;\n20ms if not given",
               intoExposure(camera.exposureUs));
   options.add("--gain", "N", "In the maker's units;\na third of the camera's range if not given",
@@ -137,7 +129,7 @@ void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction) 
   options.add("--bayer", "PATTERN",
               "The mosaic of raw frames as they come,\nin place of what the SDK says:\n"
               "RGGB, GRBG, GBRG, BGGR or none",
-              intoMosaic(correction.mosaic));
+              intoNamed(correction.mosaic, mosaicFromName, "RGGB, GRBG, GBRG, BGGR or none"));
 }
 
 void addLengthOptions(CommandOptions& options, CaptureLength& length, const char* framesDescription,
