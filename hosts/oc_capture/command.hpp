@@ -1,11 +1,8 @@
 // One command of the program: a row of the table in main.cpp, and the options that it may have.
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 

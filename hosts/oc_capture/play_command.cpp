@@ -1,6 +1,7 @@
 // "oc_capture play": what a recording holds.
 #include "oc_capture/play_command.hpp"
 
+#include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
