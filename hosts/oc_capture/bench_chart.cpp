@@ -1,4 +1,4 @@
-// Measurements of cameras as a chart.
+// What "oc_capture bench" measures, and its chart.
 #include "oc_capture/bench_chart.hpp"
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 
 #include "imaging/axis.hpp"
 #include "imaging/canvas.hpp"
+#include "oc_capture/chart_colours.hpp"
 #include "system/argument_values.hpp"
 #include "system/text.hpp"
 
@@ -14,26 +15,19 @@ namespace orvane::host {
 
 namespace {
 
-constexpr Colour paper{255, 255, 255};
 constexpr Colour band{243, 245, 248};
-constexpr Colour grid{216, 220, 226};
-constexpr Colour ink{32, 36, 44};
-constexpr Colour faintInk{104, 112, 124};
-constexpr Colour blue{46, 110, 180};
 constexpr Colour green{58, 148, 108};
-constexpr Colour orange{214, 116, 36};
 constexpr Colour paleOrange{244, 200, 160};
-constexpr Colour red{190, 52, 52};
 
 constexpr int margin = 32;
 constexpr int rowHeight = 34;
-constexpr int top = 150;  // of the first row
+constexpr int top = 150;  // y of the first row
 constexpr int panelWidth = 360;
 constexpr int panelGap = 96;
 constexpr int formatWidth = 90;
 
 struct Panel {
-  int left;
+  int left = 0;
   Axis axis;
 
   int x(double value) const {
@@ -55,11 +49,11 @@ int nameWidth(const std::vector<Measurement>& results) {
 
 void drawGrid(Canvas& canvas, const Panel& panel, const std::string& title, int bottom,
               std::string (*label)(const Axis&, double)) {
-  canvas.text(panel.left, top - 62, title, ink);
+  canvas.text(panel.left, top - 62, title, chart::ink);
   for (const double tick : panel.axis.ticks()) {
     const int x = panel.x(tick);
-    canvas.fill(x, top - 8, 1, bottom - top + 16, grid);
-    canvas.textInTheMiddle(x, top - 34, label(panel.axis, tick), faintInk);
+    canvas.fill(x, top - 8, 1, bottom - top + 16, chart::grid);
+    canvas.textInTheMiddle(x, top - 34, label(panel.axis, tick), chart::faintInk);
   }
 }
 
@@ -67,7 +61,7 @@ std::string plainLabel(const Axis& axis, double tick) {
   return axis.label(tick);
 }
 
-// The waits' axis counts powers of ten.
+// For the axis of the waits, which is logarithmic.
 std::string powerLabel(const Axis&, double tick) {
   return decimal(std::pow(10, tick));
 }
@@ -94,7 +88,7 @@ Axis powersFor(const std::vector<Measurement>& results) {
 void drawBar(Canvas& canvas, const Panel& panel, int y, double value, Colour colour) {
   const int end = std::max(panel.x(value), panel.left + 1);
   canvas.fill(panel.left, y + 7, end - panel.left, rowHeight - 14, colour);
-  canvas.text(end + 6, y + 9, decimal(value, 1), ink);
+  canvas.text(end + 6, y + 9, decimal(value, 1), chart::ink);
 }
 
 void drawWaits(Canvas& canvas, const Panel& panel, int y, const Measurement& result) {
@@ -105,62 +99,74 @@ void drawWaits(Canvas& canvas, const Panel& panel, int y, const Measurement& res
   const int longest = panel.x(logOf(result.waitLongest));
   canvas.fill(p50, middle - 1, longest - p50, 2, paleOrange);
   canvas.fill(p50, middle - 3, p99 - p50, 6, paleOrange);
-  canvas.fill(p90 - 1, middle - 7, 3, 14, orange);
-  canvas.fill(p99 - 1, middle - 7, 3, 14, orange);
-  canvas.fill(longest - 1, middle - 9, 3, 18, red);
-  canvas.fill(p50 - 5, middle - 5, 11, 11, orange);
+  canvas.fill(p90 - 1, middle - 7, 3, 14, chart::orange);
+  canvas.fill(p99 - 1, middle - 7, 3, 14, chart::orange);
+  canvas.fill(longest - 1, middle - 9, 3, 18, chart::red);
+  canvas.fill(p50 - 5, middle - 5, 11, 11, chart::orange);
 }
 
 void drawLegend(Canvas& canvas, int left, int y) {
-  canvas.fill(left, y + 3, 11, 11, orange);
-  canvas.text(left + 18, y, "p50", faintInk);
-  canvas.fill(left + 84, y + 1, 3, 14, orange);
-  canvas.text(left + 96, y, "p90, p99", faintInk);
-  canvas.fill(left + 224, y - 1, 3, 18, red);
-  canvas.text(left + 236, y, "longest", faintInk);
+  canvas.fill(left, y + 3, 11, 11, chart::orange);
+  canvas.text(left + 18, y, "p50", chart::faintInk);
+  canvas.fill(left + 84, y + 1, 3, 14, chart::orange);
+  canvas.text(left + 96, y, "p90, p99", chart::faintInk);
+  canvas.fill(left + 224, y - 1, 3, 18, chart::red);
+  canvas.text(left + 236, y, "longest", chart::faintInk);
+}
+
+// The three panels, from left to right.
+struct Panels {
+  explicit Panels(const std::vector<Measurement>& results) {
+    double highestRate = 1e-3;
+    double highestFlow = 1e-3;
+    for (const Measurement& result : results) {
+      highestRate = std::max(highestRate, result.framesPerSecond);
+      highestFlow = std::max(highestFlow, result.megabytesPerSecond);
+    }
+    const int first = margin + nameWidth(results) + 16 + formatWidth;
+    rates = {first, axisFor(0, highestRate, 5)};
+    flows = {first + panelWidth + panelGap, axisFor(0, highestFlow, 5)};
+    waits = {first + 2 * (panelWidth + panelGap), powersFor(results)};
+  }
+
+  Panel rates;  // frames a second
+  Panel flows;  // megabytes a second
+  Panel waits;
+};
+
+void drawRow(Canvas& canvas, const Panels& panels, int y, const Measurement& result) {
+  canvas.text(panels.rates.left - formatWidth, y + 9, formatName(result.layout.format), chart::ink);
+  if (result.frames > 0) {
+    drawBar(canvas, panels.rates, y, result.framesPerSecond, chart::blue);
+    drawBar(canvas, panels.flows, y, result.megabytesPerSecond, green);
+    drawWaits(canvas, panels.waits, y, result);
+  } else {
+    canvas.text(panels.rates.left + 6, y + 9, "failed", chart::red);
+  }
 }
 
 }  // namespace
 
 ScreenImage benchChart(const std::vector<Measurement>& results, std::int64_t exposureUs) {
-  double highestRate = 0;
-  double highestFlow = 0;
-  for (const Measurement& result : results) {
-    highestRate = std::max(highestRate, result.framesPerSecond);
-    highestFlow = std::max(highestFlow, result.megabytesPerSecond);
-  }
-  const int firstPanel = margin + nameWidth(results) + 16 + formatWidth;
-  const Panel rates{firstPanel, axisFor(0, std::max(highestRate, 1e-3), 5)};
-  const Panel flows{firstPanel + panelWidth + panelGap, axisFor(0, std::max(highestFlow, 1e-3), 5)};
-  const Panel waits{firstPanel + 2 * (panelWidth + panelGap), powersFor(results)};
-  const int width = waits.left + panelWidth + margin + 24;
+  const Panels panels(results);
+  const int width = panels.waits.left + panelWidth + margin + 24;
   const int bottom = rowTop(results.size());
-
-  Canvas canvas(width, bottom + 56, paper);
-  canvas.text(margin, 24, "How fast cameras deliver", ink, 3);
-  canvas.textToTheLeft(width - margin, 30, "exposure " + durationText(exposureUs), faintInk);
+  Canvas canvas(width, bottom + 56, chart::paper);
+  canvas.text(margin, 24, "How fast cameras deliver", chart::ink, 3);
+  canvas.textToTheLeft(width - margin, 30, "exposure " + durationText(exposureUs), chart::faintInk);
   for (std::size_t row = 0; row < results.size(); row += 2) {
     canvas.fill(margin - 8, rowTop(row), width - 2 * margin + 16, rowHeight, band);
   }
-  drawGrid(canvas, rates, "frames/s", bottom, plainLabel);
-  drawGrid(canvas, flows, "MB/s", bottom, plainLabel);
-  drawGrid(canvas, waits, "wait from frame to frame, ms", bottom, powerLabel);
+  drawGrid(canvas, panels.rates, "frames/s", bottom, plainLabel);
+  drawGrid(canvas, panels.flows, "MB/s", bottom, plainLabel);
+  drawGrid(canvas, panels.waits, "wait from frame to frame, ms", bottom, powerLabel);
   for (std::size_t row = 0; row < results.size(); ++row) {
-    const Measurement& result = results[row];
-    const int y = rowTop(row);
-    if (row == 0 || results[row - 1].camera != result.camera) {
-      canvas.text(margin, y + 9, result.camera, ink);
+    if (row == 0 || results[row - 1].camera != results[row].camera) {
+      canvas.text(margin, rowTop(row) + 9, results[row].camera, chart::ink);
     }
-    canvas.text(firstPanel - formatWidth, y + 9, formatName(result.layout.format), ink);
-    if (result.frames > 0) {
-      drawBar(canvas, rates, y, result.framesPerSecond, blue);
-      drawBar(canvas, flows, y, result.megabytesPerSecond, green);
-      drawWaits(canvas, waits, y, result);
-    } else {
-      canvas.text(rates.left + 6, y + 9, "failed", red);
-    }
+    drawRow(canvas, panels, rowTop(row), results[row]);
   }
-  drawLegend(canvas, waits.left, bottom + 22);
+  drawLegend(canvas, panels.waits.left, bottom + 22);
   return canvas.image();
 }
 

@@ -2,24 +2,25 @@
 #include "oc_capture/bench_command.hpp"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
+#include <cstdint>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "formats/png_writer.hpp"
 #include "oc_capture/bench_chart.hpp"
-#include "oc_capture/capture_settings.hpp"
-#include "oc_capture/chosen_camera.hpp"
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
-#include "oc_capture/measurement.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
+#include "oc_capture/text_table.hpp"
 #include "session/camera_choice.hpp"
 #include "session/camera_session.hpp"
 #include "session/distribution.hpp"
+#include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -28,39 +29,59 @@ namespace orvane::host {
 
 namespace {
 
+struct BenchSettings {
+  CameraOptions camera;  // with no camera: all; with no format: all that the camera has
+  std::int64_t durationUs = 2'000'000;  // of each measurement
+  OutputPath chart;
+  Reporting reporting;
+};
+
+void addOptions(CommandOptions& options, BenchSettings& bench) {
+  addCameraOptions(options, bench.camera, Presence::Optional);
+  options.add("--seconds", "S", "Length of each measurement; 2 if not given",
+              [&bench](const char* option, const std::string& text) {
+                bench.durationUs = parseSeconds(option, text);
+              });
+  addOutputOptions(
+      options, bench.chart,
+      {"CHART.png", "The results as a chart", "Replace CHART.png if it exists", {".png"}});
+  addReportingOptions(options, bench.reporting);
+}
+
 using Clock = std::chrono::steady_clock;
 
 double secondsBetween(Clock::time_point start, Clock::time_point end) {
   return std::chrono::duration<double>(end - start).count();
 }
 
-// What is to be measured, all of it held against its camera before the first is opened.
-std::vector<ChosenCamera> plannedMeasurements(const BenchCommand& command) {
-  const CameraCatalogue catalogue = findCameras(command.camera.sdkDirectory);
+// The measurements to make. All options are checked against their cameras before the first camera
+// is opened.
+std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
+  const CameraCatalogue catalogue = findCameras(settings.camera.sdkDirectory);
   std::vector<CameraDescription> cameras = catalogue.cameras;
-  if (!command.camera.camera.empty()) {
-    cameras = {chooseCamera(catalogue.cameras, command.camera.camera)};
+  if (!settings.camera.camera.empty()) {
+    cameras = {chooseCamera(catalogue.cameras, settings.camera.camera)};
   }
   std::vector<ChosenCamera> planned;
   for (const CameraDescription& camera : cameras) {
-    CameraChoice choice = command.camera;
-    if (choice.format) {
-      planned.push_back({camera, settingsFor(choice, camera)});
+    CameraOptions options = settings.camera;
+    if (options.format) {
+      planned.push_back({camera, settingsFor(options, camera)});
       continue;
     }
     for (const PixelFormat format : camera.formats) {
-      choice.format = format;
-      planned.push_back({camera, settingsFor(choice, camera)});
+      options.format = format;
+      planned.push_back({camera, settingsFor(options, camera)});
     }
   }
   return planned;
 }
 
-// One camera in one format.
+// One measurement: one camera in one format.
 class Bench {
  public:
-  Bench(const BenchCommand& command, const ChosenCamera& camera, StatusLine& line)
-      : command_(command), camera_(camera), line_(line) {
+  Bench(const BenchSettings& settings, const ChosenCamera& camera, StatusLine& line)
+      : settings_(settings), camera_(camera), line_(line) {
     result_.camera = camera.description.name;
     result_.layout = {camera.settings.width, camera.settings.height, camera.settings.format,
                       Mosaic::None};
@@ -72,6 +93,12 @@ class Bench {
     } catch (const CameraError& error) {
       result_.error = error.what();
     }
+    summarise();
+    return result_;
+  }
+
+ private:
+  void summarise() {
     std::sort(waits_.begin(), waits_.end());
     result_.frames = static_cast<std::int64_t>(waits_.size());
     const double elapsed = result_.seconds > 0 ? result_.seconds : 1;
@@ -82,19 +109,17 @@ class Bench {
     result_.waitP90 = quantile(waits_, 0.9) * 1e3;
     result_.waitP99 = quantile(waits_, 0.99) * 1e3;
     result_.waitLongest = quantile(waits_, 1) * 1e3;
-    return result_;
   }
 
- private:
   void measure() {
     CameraSession session(camera_.description, camera_.settings);
     result_.layout = session.layout();
     FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(command_.camera.discard, line_);
+    source.discard(settings_.camera.discard, line_);
     source.discard(1, line_);
     const std::int64_t notReadyBefore = source.notReadyAnswers();
     const Clock::time_point start = Clock::now();
-    const Clock::time_point end = start + std::chrono::microseconds(command_.durationUs);
+    const Clock::time_point end = start + std::chrono::microseconds(settings_.durationUs);
     Clock::time_point last = start;
     while (!stopRequested() && Clock::now() < end) {
       const auto frame = source.poll();
@@ -102,7 +127,7 @@ class Bench {
         const Clock::time_point now = Clock::now();
         waits_.push_back(secondsBetween(last, now));
         last = now;
-        correctFrame(frame, session.layout(), command_.camera.correction);
+        correctFrame(frame, session.layout(), settings_.camera.correction);
       }
       result_.notReadyAnswers = source.notReadyAnswers() - notReadyBefore;
       result_.seconds = secondsBetween(start, last);
@@ -117,17 +142,14 @@ class Bench {
     }
   }
 
-  const BenchCommand& command_;
+  const BenchSettings& settings_;
   const ChosenCamera& camera_;
   StatusLine& line_;
   Measurement result_;
   std::vector<double> waits_;  // seconds
 };
 
-constexpr std::size_t columnCount = 10;
-using Row = std::array<std::string, columnCount>;
-
-Row rowOf(const Measurement& result) {
+TableRow rowOf(const Measurement& result) {
   return {result.camera,
           formatName(result.layout.format),
           std::to_string(result.layout.width) + " x " + std::to_string(result.layout.height),
@@ -140,36 +162,22 @@ Row rowOf(const Measurement& result) {
           decimal(result.waitLongest, 2)};
 }
 
-void reportText(const BenchCommand& command, const std::vector<Measurement>& results) {
-  std::vector<Row> rows{{"Camera", "Format", "Size", "Frames/s", "MB/s", "Not ready", "Wait p50 ms",
-                         "p90", "p99", "Longest"}};
+void reportText(const BenchSettings& settings, const std::vector<Measurement>& results) {
+  std::vector<TableRow> rows{{"Camera", "Format", "Size", "Frames/s", "MB/s", "Not ready",
+                              "Wait p50 ms", "p90", "p99", "Longest"}};
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
-  std::array<std::size_t, columnCount> widths{};
-  for (const Row& row : rows) {
-    for (std::size_t column = 0; column < columnCount; ++column) {
-      widths[column] = std::max(widths[column], utf8Length(row[column]));
-    }
-  }
   constexpr std::size_t textColumns = 3;
-  for (const Row& row : rows) {
-    std::string line;
-    for (std::size_t column = 0; column < columnCount; ++column) {
-      const std::string space(widths[column] - utf8Length(row[column]), ' ');
-      line += (line.empty() ? "" : "  ") +
-              (column < textColumns ? row[column] + space : space + row[column]);
-    }
-    std::cout << line << "\n";
-  }
-  if (command.chart) {
-    std::cout << "Chart: " << inQuotes(utf8FromPath(*command.chart)) << "\n";
+  std::cout << textTable(rows, textColumns);
+  if (settings.chart.isGiven()) {
+    std::cout << "Chart: " << inQuotes(utf8FromPath(settings.chart.path)) << "\n";
   }
   std::cout << std::flush;
 }
 
-void reportJson(const BenchCommand& command, const std::vector<Measurement>& results) {
+void reportJson(const BenchSettings& settings, const std::vector<Measurement>& results) {
   using Json = nlohmann::ordered_json;
   Json document;
-  document["exposureUs"] = command.camera.exposureUs;
+  document["exposureUs"] = settings.camera.exposureUs;
   document["measurements"] = Json::array();
   for (const Measurement& result : results) {
     Json entry;
@@ -189,36 +197,12 @@ void reportJson(const BenchCommand& command, const std::vector<Measurement>& res
     entry["error"] = result.error;
     document["measurements"].push_back(entry);
   }
-  document["chart"] = command.chart ? Json(utf8FromPath(*command.chart)) : Json();
+  document["chart"] = settings.chart.isGiven() ? Json(utf8FromPath(settings.chart.path)) : Json();
   std::cout << document.dump(2) << "\n" << std::flush;
 }
 
-}  // namespace
-
-int bench(const BenchCommand& command) {
-  if (command.chart) {
-    requireUsable(*command.chart, command.mayOverwrite);
-  }
-  catchStopRequests();
-  useFineSleep();
-  const std::vector<ChosenCamera> planned = plannedMeasurements(command);
-  std::vector<Measurement> results;
-  {
-    StatusLine line(command.reporting.isQuiet);
-    for (const ChosenCamera& camera : planned) {
-      if (!stopRequested()) {
-        results.push_back(Bench(command, camera, line).run());
-      }
-    }
-  }
-  if (command.chart) {
-    writePng(*command.chart, benchChart(results, command.camera.exposureUs));
-  }
-  if (command.reporting.asJson) {
-    reportJson(command, results);
-  } else if (!command.reporting.isQuiet) {
-    reportText(command, results);
-  }
+// Writes what failed to standard error. Returns the exit status.
+int reportFailures(const std::vector<Measurement>& results) {
   int status = 0;
   for (const Measurement& result : results) {
     if (!result.error.empty()) {
@@ -229,5 +213,55 @@ int bench(const BenchCommand& command) {
   }
   return status;
 }
+
+// Measures one after another; after a failure it goes on with the next.
+std::vector<Measurement> measureAll(const BenchSettings& settings) {
+  const std::vector<ChosenCamera> planned = plannedMeasurements(settings);
+  std::vector<Measurement> results;
+  StatusLine line(settings.reporting.isQuiet);
+  for (const ChosenCamera& camera : planned) {
+    if (!stopRequested()) {
+      results.push_back(Bench(settings, camera, line).run());
+    }
+  }
+  return results;
+}
+
+int bench(const BenchSettings& settings) {
+  requireUsable(settings.chart);
+  catchStopRequests();
+  useFineSleep();
+  const std::vector<Measurement> results = measureAll(settings);
+  if (settings.chart.isGiven()) {
+    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
+  }
+  if (settings.reporting.asJson) {
+    reportJson(settings, results);
+  } else if (!settings.reporting.isQuiet) {
+    reportText(settings, results);
+  }
+  return reportFailures(results);
+}
+
+constexpr const char* explanation =
+    R"(Without --camera all cameras are measured, without --format all formats of each.
+What is measured: frames and megabytes a second, the answers that no frame was
+ready, and the waits from one frame to the next: the median (p50), what 90 and
+99 of 100 waits do not exceed, and the longest. The clock starts with the first
+frame after those of --discard.)";
+
+constexpr const char* examples =
+    R"(  oc_capture bench --sdk C:\sdk --exposure 1ms --out rates.png
+  oc_capture bench --sdk C:\sdk --camera ASI294 --format raw16 --seconds 10)";
+
+}  // namespace
+
+const Command benchCommand{
+    "bench",
+    "Measure how fast cameras deliver",
+    explanation,
+    examples,
+    prepareCommand<BenchSettings, addOptions, bench>,
+};
 
 }  // namespace orvane::host

@@ -1,8 +1,13 @@
-// The options with which every subcommand that opens a camera is told which and how.
+// The options that say which camera is used and how it is opened, and what they mean for the
+// cameras that are found.
 #include "oc_capture/camera_options.hpp"
 
+#include <algorithm>
+#include <iostream>
 #include <limits>
 
+#include "oc_capture/simulated_scene.hpp"
+#include "session/camera_choice.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
@@ -14,64 +19,161 @@ namespace {
 constexpr int smallestInt = std::numeric_limits<int>::min();
 constexpr int largestInt = std::numeric_limits<int>::max();
 
-std::optional<PixelFormat> readFormatText(const std::optional<std::string>& text) {
-  if (!text) {
-    return std::nullopt;
+// A value that has a name; `names` lists all of them, for the error's sentence.
+template <class Value>
+ReadValue intoNamed(std::optional<Value>& value, std::optional<Value> (*fromName)(std::string_view),
+                    const char* names) {
+  return [&value, fromName, names](const char* option, const std::string& text) {
+    value = fromName(text);
+    if (!value) {
+      throw UsageError(std::string(option) + " needs " + names + ", not " + inQuotes(text) + ".");
+    }
+  };
+}
+
+ReadValue intoExposure(std::int64_t& microseconds) {
+  return [&microseconds](const char* option, const std::string& text) {
+    microseconds = parseDuration(option, text);
+    if (microseconds > largestInt) {
+      throw UsageError(std::string(option) + " can be 2147483647us at most.");
+    }
+  };
+}
+
+ReadValue intoSeconds(CaptureLength& length) {
+  return [&length](const char* option, const std::string& text) {
+    if (length.frames) {
+      throw UsageError("--frames and --seconds cannot be given together.");
+    }
+    length.microseconds = parseSeconds(option, text);
+  };
+}
+
+// Throws unless the camera offers the value.
+template <class Value, class Text>
+void requireListed(const CameraDescription& camera, const char* what, Value wanted,
+                   const std::vector<Value>& offered, Text text) {
+  if (std::find(offered.begin(), offered.end(), wanted) != offered.end()) {
+    return;
   }
-  const auto format = formatFromName(*text);
-  if (!format) {
-    throw UsageError("--format needs raw8, raw16, rgb24 or mono8, not " + inQuotes(*text) + ".");
+  const std::string list = joined(offered, ", ", text);
+  throw UsageError(camera.name + " has no " + what + " " + std::string(text(wanted)) +
+                   "; it offers " + (list.empty() ? "none" : list) + ".");
+}
+
+int sideOf(const CameraDescription& camera, const char* option, std::optional<int> wanted,
+           int longest) {
+  if (wanted && *wanted > longest) {
+    throw UsageError(std::string(option) + " can be " + std::to_string(longest) + " at most with " +
+                     camera.name + ".");
   }
+  return wanted.value_or(longest);
+}
+
+PixelFormat formatOf(const CameraDescription& camera, std::optional<PixelFormat> wanted) {
+  if (!wanted && camera.formats.empty()) {
+    throw UsageError(camera.name + " offers no pixel format.");
+  }
+  const PixelFormat format = wanted ? *wanted : camera.formats.front();
+  requireListed(camera, "format", format, camera.formats, formatName);
   return format;
 }
 
-std::int64_t readExposureText(const std::string& text) {
-  const std::int64_t microseconds = parseDuration("--exposure", text);
-  if (microseconds > largestInt) {
-    throw UsageError("--exposure can be 2147483647us at most.");
+int gainOf(const CameraDescription& camera, std::optional<int> wanted) {
+  if (!wanted) {
+    const std::int64_t range = std::int64_t{camera.maxGain} - camera.minGain;
+    return static_cast<int>(camera.minGain + (camera.hasGainRange() ? range / 3 : 0));
   }
-  return microseconds;
-}
-
-std::optional<Mosaic> readMosaicText(const std::optional<std::string>& text) {
-  if (!text) {
-    return std::nullopt;
+  if (camera.hasGainRange() && (*wanted < camera.minGain || *wanted > camera.maxGain)) {
+    throw UsageError("--gain can be " + std::to_string(camera.minGain) + " to " +
+                     std::to_string(camera.maxGain) + " with " + camera.name + ".");
   }
-  const auto mosaic = mosaicFromName(*text);
-  if (!mosaic) {
-    throw UsageError("--bayer needs RGGB, GRBG, GBRG, BGGR or none, not " + inQuotes(*text) + ".");
-  }
-  return mosaic;
+  return *wanted;
 }
 
 }  // namespace
 
-std::optional<int> readOptionalNumber(const char* option, const std::optional<std::string>& text,
-                                      int smallest, int largest) {
-  if (!text) {
-    return std::nullopt;
+void addSdkOptions(CommandOptions& options, std::string& sdkDirectory) {
+  options.add("--sdk", "DIR", "Directory with the makers' SDK libraries", intoText(sdkDirectory),
+              Presence::Required);
+  addSceneOption(options);
+}
+
+void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence presence) {
+  addSdkOptions(options, camera.sdkDirectory);
+  options.add("--camera", "CAMERA", "Index, or a part of the name\nthat fits one camera only",
+              intoText(camera.camera), presence);
+  options.add("--width", "PIXELS", "Frame width; whole sensor if not given",
+              intoNumber(camera.width, 1, largestInt));
+  options.add("--height", "PIXELS", "Frame height; whole sensor if not given",
+              intoNumber(camera.height, 1, largestInt));
+  options.add("--bin", "N", "Binning factor; 1 if not given",
+              intoNumber(camera.bin, 1, largestInt));
+  options.add("--format", "FORMAT", "raw8, raw16, rgb24 or mono8;\nthe camera's first if not given",
+              intoNamed(camera.format, formatFromName, "raw8, raw16, rgb24 or mono8"));
+  options.add("--exposure", "TIME", "With its unit: 500us, 20ms, 1.5s;\n20ms if not given",
+              intoExposure(camera.exposureUs));
+  options.add("--gain", "N", "In the maker's units;\na third of the camera's range if not given",
+              intoNumber(camera.gain, smallestInt, largestInt));
+  options.add("--offset", "N", "Black level in the maker's units;\n10 if not given",
+              intoNumber(camera.offset, smallestInt, largestInt));
+  options.add("--discard", "N",
+              "Frames to throw away before the first that counts;\n0 if not given",
+              intoNumber(camera.discard, 0, largestInt));
+  addCorrectionOptions(options, camera.correction);
+}
+
+void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction) {
+  options.addFlag("--flip", correction.flips, "Turn frames upside down");
+  options.addFlag("--swap-rb", correction.swapsRedAndBlue, "Exchange red and blue of rgb24 frames");
+  options.add("--bayer", "PATTERN",
+              "The mosaic of raw frames as they come,\nin place of what the SDK says:\n"
+              "RGGB, GRBG, GBRG, BGGR or none",
+              intoNamed(correction.mosaic, mosaicFromName, "RGGB, GRBG, GBRG, BGGR or none"));
+}
+
+void addLengthOptions(CommandOptions& options, CaptureLength& length, const char* framesDescription,
+                      const char* secondsDescription) {
+  options.add("--frames", "N", framesDescription, intoNumber(length.frames, 1, largestInt));
+  options.add("--seconds", "S", secondsDescription, intoSeconds(length));
+}
+
+CameraSettings settingsFor(const CameraOptions& options, const CameraDescription& camera) {
+  CameraSettings settings;
+  settings.width = sideOf(camera, "--width", options.width, camera.maxWidth);
+  settings.height = sideOf(camera, "--height", options.height, camera.maxHeight);
+  settings.bin = options.bin;
+  requireListed(camera, "bin", settings.bin, camera.bins,
+                [](int bin) { return std::to_string(bin); });
+  settings.format = formatOf(camera, options.format);
+  settings.exposureUs = options.exposureUs;
+  if (camera.hasLongestExposure() && settings.exposureUs > camera.maxExposureUs) {
+    throw UsageError("--exposure can be " + durationText(camera.maxExposureUs) + " at most with " +
+                     camera.name + ".");
   }
-  return parseWholeNumber(option, *text, smallest, largest);
+  settings.gain = gainOf(camera, options.gain);
+  settings.offset = options.offset;
+  // Throws now rather than when the camera is open.
+  correctedLayout({settings.width, settings.height, settings.format, Mosaic::None},
+                  options.correction);
+  return settings;
 }
 
-FrameCorrection readCorrectionTexts(const CorrectionTexts& texts) {
-  return {texts.flips, texts.swapsRedAndBlue, readMosaicText(texts.mosaic)};
+CameraCatalogue findCameras(const std::string& sdkDirectory) {
+  CameraCatalogue catalogue = readCatalogue(sdkDirectory);
+  if (!catalogue.problems.empty()) {
+    std::cerr << "oc_capture: " << catalogue.problems << "\n";
+  }
+  if (catalogue.cameras.empty()) {
+    throw CameraError("No camera was found.");
+  }
+  return catalogue;
 }
 
-CameraChoice readCameraTexts(const CameraTexts& texts) {
-  CameraChoice choice;
-  choice.sdkDirectory = texts.sdkDirectory;
-  choice.camera = texts.camera;
-  choice.width = readOptionalNumber("--width", texts.width, 1, largestInt);
-  choice.height = readOptionalNumber("--height", texts.height, 1, largestInt);
-  choice.bin = parseWholeNumber("--bin", texts.bin, 1, largestInt);
-  choice.format = readFormatText(texts.format);
-  choice.exposureUs = readExposureText(texts.exposure);
-  choice.gain = readOptionalNumber("--gain", texts.gain, smallestInt, largestInt);
-  choice.offset = parseWholeNumber("--offset", texts.offset, smallestInt, largestInt);
-  choice.discard = parseWholeNumber("--discard", texts.discard, 0, largestInt);
-  choice.correction = readCorrectionTexts(texts.correction);
-  return choice;
+ChosenCamera findCamera(const CameraOptions& options) {
+  const CameraCatalogue catalogue = findCameras(options.sdkDirectory);
+  const CameraDescription& camera = chooseCamera(catalogue.cameras, options.camera);
+  return {camera, settingsFor(options, camera)};
 }
 
 }  // namespace orvane::host

@@ -1,8 +1,11 @@
-// What the user typed, understood as far as that is possible without having seen the cameras.
+// Finds out from the command line which command is to run, and with which options.
 #include "oc_capture/command_line.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <deque>
+#include <iostream>
+#include <memory>
 
 #include "system/failures.hpp"
 #include "system/text.hpp"
@@ -11,20 +14,24 @@ namespace orvane::host {
 
 namespace {
 
-// The subcommands' names, for a sentence.
-std::string subcommandNames(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::App* command : app.get_subcommands(nullptr)) {
-    names.push_back(command->get_name());
-  }
-  return alternatives(names);
-}
+struct ParsedCommand {
+  ParsedCommand(CLI::App& app, const Command& command)
+      : options(app, command), run(command.prepare(options)) {}
 
-// What the argument parser has to say, as a sentence.
-UsageError usageError(const CLI::ParseError& error, const CLI::App& app) {
+  CommandOptions options;
+  RunCommand run;
+};
+
+// The parser's error as a sentence.
+UsageError usageError(const CLI::ParseError& error, const CLI::App& app,
+                      std::span<const Command* const> commands) {
   const std::string text = error.what();
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {
-    return UsageError("Say what to do: " + subcommandNames(app) + ".");
+    std::vector<std::string> names;
+    for (const Command* command : commands) {
+      names.emplace_back(command->name);
+    }
+    return UsageError("Say what to do: " + alternatives(names) + ".");
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
     const std::string option = text.substr(0, text.find(':'));
@@ -33,49 +40,42 @@ UsageError usageError(const CLI::ParseError& error, const CLI::App& app) {
   return UsageError(text + ".");
 }
 
+RunCommand printsHelp(std::string text) {
+  return [text = std::move(text)] {
+    std::cout << text << "\n" << std::flush;
+    return 0;
+  };
+}
+
 }  // namespace
 
-Command parseCommandLine(std::vector<std::string> arguments) {
+RunCommand parseCommandLine(std::span<const Command* const> commands,
+                            std::vector<std::string> arguments) {
   CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer("\"oc_capture COMMAND --help\" tells about one of them, with examples.");
-
-  const ListOptions list(app);
-  const RecordOptions record(app);
-  const SnapOptions snap(app);
-  const BenchOptions bench(app);
-  const WatchOptions watch(app);
-  const PlayOptions play(app);
-  const DoctorOptions doctor(app);
+  std::deque<ParsedCommand> parsed;  // its elements keep their addresses
+  for (const Command* command : commands) {
+    parsed.emplace_back(app, *command);
+  }
+  // Only for the list of commands, whose names are short; the commands keep their formatter.
+  app.formatter(std::make_shared<CLI::Formatter>());
+  app.get_formatter()->column_width(14);
 
   try {
-    std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+    std::reverse(arguments.begin(), arguments.end());  // the order that the parser expects
     app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
-    return HelpText{app.help() + "\n"};
+    return printsHelp(app.help());
   } catch (const CLI::ParseError& error) {
-    throw usageError(error, app);
+    throw usageError(error, app, commands);
   }
-  if (list.isGiven()) {
-    return list.command();
-  }
-  if (snap.isGiven()) {
-    return snap.command();
-  }
-  if (play.isGiven()) {
-    return play.command();
-  }
-  if (doctor.isGiven()) {
-    return doctor.command();
-  }
-  if (bench.isGiven()) {
-    return bench.command();
-  }
-  if (watch.isGiven()) {
-    return watch.command();
-  }
-  return record.command();
+  const auto given = std::find_if(parsed.begin(), parsed.end(), [](const ParsedCommand& command) {
+    return command.options.isGiven();
+  });
+  given->options.readValues();
+  return given->run;
 }
 
 }  // namespace orvane::host

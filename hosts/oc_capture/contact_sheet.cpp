@@ -1,4 +1,4 @@
-// A recording at a glance: some of its frames side by side.
+// A contact sheet: some frames of a recording side by side.
 #include "oc_capture/contact_sheet.hpp"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ constexpr int margin = 24;
 constexpr int captionHeight = 36;
 constexpr int titleHeight = 104;
 
-// Evenly from the first to the last.
+// Frame numbers, evenly spaced from the first to the last.
 std::vector<std::int32_t> chosenFrames(std::int32_t frames) {
   const std::int32_t count = std::min(frames, mostFrames);
   std::vector<std::int32_t> chosen;
@@ -51,25 +51,33 @@ ScreenImage thumbnail(const SerReader& recording, std::int32_t frame,
   return previewOf(std::move(image), mosaic, longestSide);
 }
 
-}  // namespace
-
-ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
-                         const std::string& title, const std::string& subtitle, StatusLine& line) {
+std::vector<ScreenImage> thumbnails(const SerReader& recording,
+                                    const std::vector<std::int32_t>& frames,
+                                    const FrameCorrection& correction, StatusLine& line) {
   std::vector<ScreenImage> pictures;
-  const std::vector<std::int32_t> frames = chosenFrames(recording.facts().frames);
-  int width = 1;
-  int height = 1;
   for (const std::int32_t frame : frames) {
     pictures.push_back(thumbnail(recording, frame, correction));
-    width = std::max(width, pictures.back().width);
-    height = std::max(height, pictures.back().height);
     if (line.isDue()) {
       line.show("Contact sheet: " + std::to_string(pictures.size()) + " of " +
                 std::to_string(frames.size()) + " frames");
     }
   }
-  // Captions have room below frames however narrow.
-  const int cellWidth = std::max(width, 200) + margin;
+  return pictures;
+}
+
+}  // namespace
+
+ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
+                         const std::string& title, const std::string& subtitle, StatusLine& line) {
+  const std::vector<std::int32_t> frames = chosenFrames(recording.facts().frames);
+  const std::vector<ScreenImage> pictures = thumbnails(recording, frames, correction, line);
+  int width = 200;  // minimum, for the captions
+  int height = 1;
+  for (const ScreenImage& picture : pictures) {
+    width = std::max(width, picture.width);
+    height = std::max(height, picture.height);
+  }
+  const int cellWidth = width + margin;
   const int cellHeight = height + captionHeight + margin;
   const int count = static_cast<int>(frames.size());
   const int rows = (count + columns - 1) / columns;

@@ -1,4 +1,4 @@
-// A recording at a glance: some of its frames side by side.
+// A contact sheet: some frames of a recording side by side.
 #pragma once
 
 #include <string>
@@ -10,9 +10,9 @@
 
 namespace orvane::host {
 
-/// Up to twelve frames from the first to the last, each brightened for itself, with its number
-/// (from 0 on) and its time since the first. Throws UsageError where the frames cannot be corrected
-/// so, std::runtime_error where they cannot be read.
+/// Up to twelve frames from the first to the last, each brightened separately, with its number
+/// (from 0) and its time since the first. Throws UsageError when the correction does not suit the
+/// frames' format, and std::runtime_error when the file cannot be read.
 ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
                          const std::string& title, const std::string& subtitle, StatusLine& line);
 

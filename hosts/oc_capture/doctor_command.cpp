@@ -5,6 +5,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/doctor_report.hpp"
 #include "session/camera_session.hpp"
 #include "session/sdk_directory.hpp"
@@ -14,7 +15,20 @@ namespace orvane::host {
 
 namespace {
 
-// A scan loads the SDKs again, and ends this program where that is not safe.
+struct DoctorSettings {
+  std::string sdkDirectory;
+  bool mayScan = false;  // opens every camera for a moment
+  bool asJson = false;
+};
+
+void addOptions(CommandOptions& options, DoctorSettings& doctor) {
+  addSdkOptions(options, doctor.sdkDirectory);
+  options.addFlag("--scan", doctor.mayScan, "Ask the library too, which opens every camera");
+  options.addFlag("--json", doctor.asJson, "Write one JSON document");
+}
+
+// False when an SDK was not loaded because loading it could end this program: the scan would load
+// it.
 bool canBeScanned(const std::vector<SdkFindings>& sdks) {
   return std::none_of(sdks.begin(), sdks.end(), [](const SdkFindings& sdk) {
     return sdk.isPresent && sdk.load == LoadOutcome::NotTried;
@@ -31,22 +45,41 @@ void scan(DoctorFindings& findings) {
                                   static_cast<int>(result.infos.size())};
 }
 
-}  // namespace
-
-int examineSdks(const DoctorCommand& command) {
+int examineSdks(const DoctorSettings& settings) {
   DoctorFindings findings;
-  findings.directory = fullSdkDirectory(command.sdkDirectory);
+  findings.directory = fullSdkDirectory(settings.sdkDirectory);
   for (const Sdk& sdk : allSdks()) {
     findings.sdks.push_back(examineSdk(sdk, findings.directory));
   }
-  if (command.mayScan) {
+  if (settings.mayScan) {
     scan(findings);
   }
-  std::cout << (command.asJson ? doctorJson(findings) : doctorText(findings)) << std::flush;
+  std::cout << (settings.asJson ? doctorJson(findings) : doctorText(findings)) << std::flush;
   if (!std::cout) {
     throw std::runtime_error("The findings could not be written.");
   }
   return findings.isHealthy() ? 0 : 1;
 }
+
+constexpr const char* explanation =
+    R"(For each of the four SDKs: its file, whether it loads and otherwise what the
+system says, the functions that the library calls and the SDK lacks, and the
+libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
+The exit status is 1 when an SDK that is there is not healthy, or the scan
+failed.
+
+With --scan the library itself is asked, too. It then opens every camera for a
+moment, which disturbs a program that is using one.)";
+
+constexpr const char* examples =
+    R"(  oc_capture doctor --sdk C:\sdk
+  oc_capture doctor --sdk C:\sdk --scan --json)";
+
+}  // namespace
+
+const Command doctorCommand{
+    "doctor", "Tell why an SDK cannot be used, without opening a camera", explanation,
+    examples, prepareCommand<DoctorSettings, addOptions, examineSdks>,
+};
 
 }  // namespace orvane::host

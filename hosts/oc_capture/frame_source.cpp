@@ -1,4 +1,4 @@
-// Asks a camera for frames with the patience that its exposure calls for.
+// Polls a camera for frames. How long it waits depends on the exposure.
 #include "oc_capture/frame_source.hpp"
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace {
 
 constexpr int patience = 5;  // waits
 
-// An SDK that waits by itself gets no more than this at a time, so that Ctrl-C and the progress
-// line need not wait for a long exposure.
+// Some SDKs block until the frame is there. Short calls let Ctrl-C and the status line work during
+// long exposures.
 constexpr std::chrono::milliseconds longestCall{1000};
 
 }  // namespace
@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds longestCall{1000};
 FrameSource::FrameSource(CameraSession& camera, std::int64_t exposureUs)
     : camera_(camera),
       wait_(2 * exposureUs / 1000 + 500),
-      // Short enough to lose no time to speak of, and no shorter, to leave the processor alone.
+      // A longer pause would lower the frame rate, a shorter one would waste processor time.
       pause_(std::clamp<std::int64_t>(exposureUs / 20000, 1, 5)),
       buffer_(camera.bufferSize()) {}
 
@@ -32,7 +32,7 @@ std::span<std::uint8_t> FrameSource::poll() {
   const auto frame = camera_.read(buffer_, static_cast<int>(timeout.count()));
   if (frame.empty()) {
     ++notReadyAnswers_;
-    std::this_thread::sleep_for(pause_);  // not every SDK waits by itself
+    std::this_thread::sleep_for(pause_);  // some SDKs return at once
     return {};
   }
   waitEnd_.reset();
@@ -50,7 +50,7 @@ void FrameSource::discard(int frames, StatusLine& line) {
   }
 }
 
-// Of the wait for the next frame, which starts here when the one before has come or none has.
+// The rest of the current wait. Starts a wait if there is none.
 FrameSource::Milliseconds FrameSource::remainingWait() {
   const Clock::time_point now = Clock::now();
   if (waitEnd_ && now >= *waitEnd_) {

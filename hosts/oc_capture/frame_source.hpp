@@ -1,4 +1,4 @@
-// Asks a camera for frames with the patience that its exposure calls for.
+// Polls a camera for frames. How long it waits depends on the exposure.
 #pragma once
 
 #include <chrono>
@@ -17,19 +17,18 @@ class FrameSource {
   /// The camera must outlive this object.
   FrameSource(CameraSession& camera, std::int64_t exposureUs);
 
-  /// Asks for the next frame and waits a little for it, a second at most. Returns its bytes, or
-  /// none when it has not come yet. They stand at the start of the buffer and stay valid until the
-  /// next call.
+  /// Waits for the next frame, for a second at most. Returns its bytes, or none when no frame was
+  /// ready. The bytes are at the start of the buffer and stay valid until the next call.
   ///
-  /// A frame is given twice the exposure and 500 ms; when five such waits have passed without one,
-  /// or when the camera fails, a CameraError is thrown.
+  /// One wait is twice the exposure plus 500 ms long, over as many calls as that takes. Throws
+  /// CameraError after five waits in a row without a frame, or when the camera fails.
   std::span<std::uint8_t> poll();
 
-  /// Throws away this number of frames, or fewer when the user wants to stop, and shows how far
-  /// that is. Throws as poll().
+  /// Discards this number of frames, or fewer when the user stops the program, and shows progress.
+  /// Throws as poll().
   void discard(int frames, StatusLine& line);
 
-  /// The buffer that frames are read into. It may be exchanged for another of its size.
+  /// The buffer that frames are read into. The caller may swap it for another one of the same size.
   std::vector<std::uint8_t>& buffer() { return buffer_; }
 
   /// How many waits have passed without a frame.
@@ -48,7 +47,7 @@ class FrameSource {
   Milliseconds wait_;
   Milliseconds pause_;
   std::vector<std::uint8_t> buffer_;
-  std::optional<Clock::time_point> waitEnd_;  // none before the first attempt to get a frame
+  std::optional<Clock::time_point> waitEnd_;  // none when no wait has started
   int silentWaitsInRow_ = 0;
   std::int64_t silentWaits_ = 0;
   std::int64_t notReadyAnswers_ = 0;

@@ -1,18 +1,88 @@
-// "oc_capture list": what cameras there are, and what each can do.
+// "oc_capture list": the cameras that are there, and what each can do.
 #include "oc_capture/list_command.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
-#include "oc_capture/camera_table.hpp"
+#include "oc_capture/camera_options.hpp"
+#include "oc_capture/text_table.hpp"
 #include "session/camera_catalogue.hpp"
+#include "session/camera_description.hpp"
+#include "system/argument_values.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
 
 namespace {
+
+struct ListSettings {
+  std::string sdkDirectory;
+  bool asJson = false;
+  bool isQuiet = false;  // nothing but errors and the JSON document
+};
+
+void addOptions(CommandOptions& options, ListSettings& list) {
+  addSdkOptions(options, list.sdkDirectory);
+  options.addFlag("--json", list.asJson, "Write one JSON document");
+  options.addFlag("--quiet", list.isQuiet, "Write nothing but errors and the JSON document");
+}
+
+std::string pixelPitch(double micrometres) {
+  return std::isnan(micrometres) ? "-" : decimal(micrometres) + " um";
+}
+
+std::string colour(const CameraDescription& camera) {
+  if (!camera.isColor) {
+    return "mono";
+  }
+  return camera.mosaic == Mosaic::None ? "colour" : mosaicName(camera.mosaic);
+}
+
+// "-" when the camera is not USB 3 or the SDK does not tell.
+std::string usb(const CameraDescription& camera) {
+  if (!camera.isUsb3Camera) {
+    return "-";
+  }
+  return camera.isUsb3Host ? "3" : "3 on 2";
+}
+
+std::string orDash(const std::string& text) {
+  return text.empty() ? "-" : text;
+}
+
+std::string gainRange(const CameraDescription& camera) {
+  return camera.hasGainRange()
+             ? std::to_string(camera.minGain) + " to " + std::to_string(camera.maxGain)
+             : "-";
+}
+
+TableRow rowOf(const CameraDescription& camera) {
+  return {std::to_string(camera.id),
+          camera.name,
+          std::to_string(camera.maxWidth) + " x " + std::to_string(camera.maxHeight),
+          std::to_string(camera.bitDepth),
+          pixelPitch(camera.pixelSizeUm),
+          colour(camera),
+          camera.isCooled ? "yes" : "no",
+          usb(camera),
+          orDash(joined(camera.bins, ",", [](int bin) { return std::to_string(bin); })),
+          orDash(joined(camera.formats, ",", formatName)),
+          gainRange(camera),
+          camera.hasLongestExposure() ? durationText(camera.maxExposureUs) : "-"};
+}
+
+std::string cameraTable(const std::vector<CameraDescription>& cameras) {
+  std::vector<TableRow> rows{{"Index", "Name", "Sensor", "Bits", "Pixel", "Colour", "Cooled", "USB",
+                              "Bins", "Formats", "Gain", "Longest exposure"}};
+  std::transform(cameras.begin(), cameras.end(), std::back_inserter(rows), rowOf);
+  return textTable(rows, rows.front().size());
+}
 
 void printJson(const CameraCatalogue& catalogue) {
   nlohmann::ordered_json document;
@@ -33,13 +103,11 @@ void printText(const CameraCatalogue& catalogue) {
   }
 }
 
-}  // namespace
-
-int listCameras(const ListCommand& command) {
-  const CameraCatalogue catalogue = readCatalogue(command.sdkDirectory);
-  if (command.asJson) {
+int listCameras(const ListSettings& settings) {
+  const CameraCatalogue catalogue = readCatalogue(settings.sdkDirectory);
+  if (settings.asJson) {
     printJson(catalogue);
-  } else if (!command.isQuiet) {
+  } else if (!settings.isQuiet) {
     printText(catalogue);
   }
   std::cout.flush();
@@ -52,5 +120,19 @@ int listCameras(const ListCommand& command) {
   }
   return 0;
 }
+
+constexpr const char* examples =
+    R"(  oc_capture list --sdk C:\sdk
+  oc_capture list --sdk C:\sdk --json)";
+
+}  // namespace
+
+const Command listCommand{
+    "list",
+    "List the cameras and what they can do",
+    "",
+    examples,
+    prepareCommand<ListSettings, addOptions, listCameras>,
+};
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// Names of files to write: their endings, and whether they may be written.
+// The file that a command writes: "--out" and "--overwrite".
 #include "oc_capture/output_path.hpp"
 
 #include <algorithm>
@@ -9,30 +9,44 @@
 
 namespace orvane::host {
 
+namespace {
+
+std::filesystem::path readPath(const char* option, const std::string& text,
+                               const std::vector<std::string>& endings) {
+  std::filesystem::path path = pathFromUtf8(text);
+  if (std::none_of(endings.begin(), endings.end(),
+                   [&](const std::string& ending) { return hasEnding(path, ending); })) {
+    throw UsageError(std::string(option) + " needs a file name that ends in " +
+                     alternatives(endings) + ", not " + inQuotes(text) + ".");
+  }
+  return path;
+}
+
+}  // namespace
+
+void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputOption& texts) {
+  options.add(
+      "--out", texts.type, texts.description,
+      [&output, endings = texts.endings](const char* option, const std::string& text) {
+        output.path = readPath(option, text, endings);
+      },
+      texts.presence);
+  options.addFlag("--overwrite", output.mayOverwrite, texts.overwriteDescription);
+}
+
 bool hasEnding(const std::filesystem::path& path, const std::string& ending) {
   const std::string actual = utf8FromPath(path.extension());
   return actual.size() == ending.size() && containsIgnoringCase(actual, ending);
 }
 
-std::filesystem::path readOutputPath(const std::string& text,
-                                     const std::vector<std::string>& endings) {
-  std::filesystem::path path = pathFromUtf8(text);
-  if (std::none_of(endings.begin(), endings.end(),
-                   [&](const std::string& ending) { return hasEnding(path, ending); })) {
-    throw UsageError("--out needs a file name that ends in " + alternatives(endings) + ", not " +
-                     inQuotes(text) + ".");
-  }
-  return path;
-}
-
-void requireUsable(const std::filesystem::path& file, bool mayOverwrite) {
+void requireUsable(const OutputPath& output) {
   std::error_code ignored;
-  const std::filesystem::path directory = file.parent_path();
+  const std::filesystem::path directory = output.path.parent_path();
   if (!directory.empty() && !std::filesystem::is_directory(directory, ignored)) {
     throw UsageError("There is no directory " + inQuotes(utf8FromPath(directory)) + ".");
   }
-  if (!mayOverwrite && std::filesystem::exists(file, ignored)) {
-    throw UsageError(inQuotes(utf8FromPath(file)) +
+  if (!output.mayOverwrite && std::filesystem::exists(output.path, ignored)) {
+    throw UsageError(inQuotes(utf8FromPath(output.path)) +
                      " exists already; name another file or add --overwrite.");
   }
 }

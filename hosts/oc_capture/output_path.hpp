@@ -1,22 +1,37 @@
-// Names of files to write: their endings, and whether they may be written.
+// The file that a command writes: "--out" and "--overwrite".
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "oc_capture/command.hpp"
+
 namespace orvane::host {
 
-/// The path that was given with "--out". Throws UsageError when its ending is none of these; upper
-/// and lower case are the same.
-std::filesystem::path readOutputPath(const std::string& text,
-                                     const std::vector<std::string>& endings);
+struct OutputPath {
+  std::filesystem::path path;  ///< empty when no file is wanted
+  bool mayOverwrite = false;
 
-/// True when the path ends so; upper and lower case are the same.
+  bool isGiven() const { return !path.empty(); }
+};
+
+/// The help's words for the two options, and the endings that the file's name may have.
+struct OutputOption {
+  const char* type;
+  const char* description;
+  const char* overwriteDescription;
+  std::vector<std::string> endings;
+  Presence presence = Presence::Optional;
+};
+
+void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputOption& texts);
+
+/// True when the path has this ending; upper and lower case are the same.
 bool hasEnding(const std::filesystem::path& path, const std::string& ending);
 
-/// Throws UsageError when the file's directory is missing, or when the file exists and may not be
-/// overwritten.
-void requireUsable(const std::filesystem::path& file, bool mayOverwrite);
+/// Throws UsageError when a file is wanted, and its directory is missing or it exists and must not
+/// be replaced.
+void requireUsable(const OutputPath& output);
 
 }  // namespace orvane::host

@@ -1,6 +1,7 @@
 // "oc_capture play": what a recording holds.
 #include "oc_capture/play_command.hpp"
 
+#include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "formats/png_writer.hpp"
 #include "formats/ser_reader.hpp"
 #include "formats/ser_time.hpp"
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/contact_sheet.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
@@ -21,6 +23,24 @@
 namespace orvane::host {
 
 namespace {
+
+struct PlaySettings {
+  std::filesystem::path file;
+  OutputPath sheet;
+  FrameCorrection correction;
+  Reporting reporting;
+};
+
+void addOptions(CommandOptions& options, PlaySettings& play) {
+  options.add(
+      "FILE.ser", "", "The recording",
+      [&play](const char*, const std::string& text) { play.file = pathFromUtf8(text); },
+      Presence::Required);
+  addOutputOptions(options, play.sheet,
+                   {"SHEET.png", "The contact sheet", "Replace SHEET.png if it exists", {".png"}});
+  addCorrectionOptions(options, play.correction);
+  addReportingOptions(options, play.reporting);
+}
 
 using Json = nlohmann::ordered_json;
 
@@ -71,9 +91,9 @@ void printLine(const char* label, const std::string& text) {
   }
 }
 
-void reportText(const PlayCommand& command, const SerFacts& facts,
+void reportText(const PlaySettings& settings, const SerFacts& facts,
                 const std::optional<FrameTiming>& timing) {
-  std::cout << inQuotes(utf8FromPath(command.file)) << ": " << shape(facts) << "\n";
+  std::cout << inQuotes(utf8FromPath(settings.file)) << ": " << shape(facts) << "\n";
   printLine("Camera:    ", facts.instrument);
   printLine("Telescope: ", facts.telescope);
   printLine("Observer:  ", facts.observer);
@@ -94,8 +114,8 @@ void reportText(const PlayCommand& command, const SerFacts& facts,
     printLine("Unused:    ",
               std::to_string(facts.unusedBytes) + " bytes behind the frames and time stamps");
   }
-  if (command.sheet) {
-    printLine("Sheet:     ", inQuotes(utf8FromPath(*command.sheet)));
+  if (settings.sheet.isGiven()) {
+    printLine("Sheet:     ", inQuotes(utf8FromPath(settings.sheet.path)));
   }
   std::cout << std::flush;
 }
@@ -113,11 +133,11 @@ Json timingJson(const FrameTiming& timing) {
   return document;
 }
 
-void reportJson(const PlayCommand& command, const SerFacts& facts,
+void reportJson(const PlaySettings& settings, const SerFacts& facts,
                 const std::optional<FrameTiming>& timing) {
   const std::string start = startText(facts);
   Json document;
-  document["file"] = utf8FromPath(command.file);
+  document["file"] = utf8FromPath(settings.file);
   document["frames"] = facts.frames;
   document["width"] = facts.width;
   document["height"] = facts.height;
@@ -130,7 +150,7 @@ void reportJson(const PlayCommand& command, const SerFacts& facts,
   document["hasTimeStamps"] = !facts.timeStamps.empty();
   document["timing"] = timing ? timingJson(*timing) : Json();
   document["unusedBytes"] = facts.unusedBytes;
-  document["sheet"] = command.sheet ? Json(utf8FromPath(*command.sheet)) : Json();
+  document["sheet"] = settings.sheet.isGiven() ? Json(utf8FromPath(settings.sheet.path)) : Json();
   std::cout << document.dump(2) << "\n" << std::flush;
 }
 
@@ -141,29 +161,46 @@ void requireFile(const std::filesystem::path& file) {
   }
 }
 
-}  // namespace
-
-void play(const PlayCommand& command) {
-  requireFile(command.file);
-  if (command.sheet) {
-    requireUsable(*command.sheet, command.mayOverwrite);
-  }
-  const SerReader recording(command.file);
+int play(const PlaySettings& settings) {
+  requireFile(settings.file);
+  requireUsable(settings.sheet);
+  const SerReader recording(settings.file);
   const SerFacts& facts = recording.facts();
   const auto timing = frameTiming(facts.timeStamps);
-  if (command.sheet) {
+  if (settings.sheet.isGiven()) {
     const std::string rate =
         timing ? ", " + decimal(timing->framesPerSecond, 1) + " frames/s" : std::string();
-    StatusLine line(command.reporting.isQuiet);
-    writePng(*command.sheet,
-             contactSheet(recording, command.correction, utf8FromPath(command.file.filename()),
+    StatusLine line(settings.reporting.isQuiet);
+    writePng(settings.sheet.path,
+             contactSheet(recording, settings.correction, utf8FromPath(settings.file.filename()),
                           shape(facts) + rate, line));
   }
-  if (command.reporting.asJson) {
-    reportJson(command, facts, timing);
-  } else if (!command.reporting.isQuiet) {
-    reportText(command, facts, timing);
+  if (settings.reporting.asJson) {
+    reportJson(settings, facts, timing);
+  } else if (!settings.reporting.isQuiet) {
+    reportText(settings, facts, timing);
   }
+  return 0;
 }
+
+constexpr const char* explanation =
+    R"(Frames, size, colours, depth, the rate and the gaps as the frames' time stamps
+have them. An interval of more than one and a half times the usual one counts
+as a gap. The contact sheet shows up to twelve frames from the first to the
+last, in colour and brightened.)";
+
+constexpr const char* examples =
+    R"(  oc_capture play jupiter.ser
+  oc_capture play jupiter.ser --out jupiter-sheet.png)";
+
+}  // namespace
+
+const Command playCommand{
+    "play",
+    "Tell what a recording holds, and show it on a contact sheet",
+    explanation,
+    examples,
+    prepareCommand<PlaySettings, addOptions, play>,
+};
 
 }  // namespace orvane::host

@@ -1,7 +1,6 @@
-// "--scene": a recording that simulated cameras look at.
+// "--scene": a recording that simulated cameras look at. It has no effect on real cameras.
 #include "oc_capture/simulated_scene.hpp"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <system_error>
 
@@ -13,17 +12,17 @@ namespace orvane::host {
 
 namespace {
 
-// Where the simulated SDKs look for commands when they are loaded.
+// The simulated SDKs read their commands from it when they are loaded.
 constexpr const char* commandVariable = "ORVANE_SIMULATOR";
 
-void showToSimulatedCameras(const std::string& file) {
+void showToSimulatedCameras(const char*, const std::string& file) {
   const std::filesystem::path path = pathFromUtf8(file);
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(path, ignored)) {
     throw UsageError("--scene needs a recording; there is no file " + inQuotes(file) + ".");
   }
   const std::string full = utf8FromPath(std::filesystem::absolute(path));
-  // What separates the commands would end the name.
+  // These characters separate commands.
   if (full.find_first_of(";\n") != std::string::npos) {
     throw UsageError("--scene cannot take a file with a semicolon in its path: " + inQuotes(full) +
                      ".");
@@ -35,12 +34,10 @@ void showToSimulatedCameras(const std::string& file) {
 
 }  // namespace
 
-void addSceneOption(CLI::App& command) {
-  command
-      .add_option_function<std::string>(
-          "--scene", showToSimulatedCameras,
-          "Recording that simulated cameras look at; without effect on real ones")
-      ->type_name("FILE.ser");
+void addSceneOption(CommandOptions& options) {
+  options.add("--scene", "FILE.ser",
+              "Recording that simulated cameras look at;\nwithout effect on real ones",
+              showToSimulatedCameras);
 }
 
 }  // namespace orvane::host

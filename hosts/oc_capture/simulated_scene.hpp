@@ -1,17 +1,12 @@
-// "--scene": a recording that simulated cameras look at. Real cameras know nothing of it.
+// "--scene": a recording that simulated cameras look at. It has no effect on real cameras.
 #pragma once
 
-#include <string>
-
-namespace CLI {
-class App;
-}
+#include "oc_capture/command.hpp"
 
 namespace orvane::host {
 
-/// Adds the option to a command that uses cameras. It takes effect while the arguments are parsed,
-/// which is before any SDK is loaded. Throws UsageError for a file that is not there or cannot be
-/// named to the simulated SDKs.
-void addSceneOption(CLI::App& command);
+/// The option takes effect when its value is read, which is before any SDK is loaded. It is wrong
+/// when there is no such file, or when the path cannot be passed to the simulated SDKs.
+void addSceneOption(CommandOptions& options);
 
 }  // namespace orvane::host

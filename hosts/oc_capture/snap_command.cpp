@@ -11,7 +11,7 @@
 #include "formats/fits_writer.hpp"
 #include "formats/png_writer.hpp"
 #include "imaging/preview.hpp"
-#include "oc_capture/chosen_camera.hpp"
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
@@ -25,9 +25,30 @@ namespace orvane::host {
 
 namespace {
 
+struct SnapSettings {
+  CameraOptions camera;
+  OutputPath file;
+  std::string observer;
+  std::string telescope;
+  Reporting reporting;
+};
+
+void addOptions(CommandOptions& options, SnapSettings& snap) {
+  addCameraOptions(options, snap.camera);
+  addOutputOptions(options, snap.file,
+                   {"FILE",
+                    "The file: .png, .fits or .fit",
+                    "Replace the file if it exists",
+                    {".png", ".fits", ".fit"},
+                    Presence::Required});
+  options.add("--observer", "NAME", "Written into a FITS file", intoText(snap.observer));
+  options.add("--telescope", "NAME", "Written into a FITS file", intoText(snap.telescope));
+  addReportingOptions(options, snap.reporting);
+}
+
 using Clock = std::chrono::system_clock;
 
-// What is left of the camera when it is closed.
+// A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
   FrameLayout layout;
   std::vector<std::uint8_t> frame;
@@ -35,17 +56,17 @@ struct Snapshot {
   std::optional<double> temperature;
 };
 
-Snapshot takeSnapshot(const SnapCommand& command, const ChosenCamera& camera) {
+Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
   CameraSession session(camera.description, camera.settings);
   FrameSource source(session, camera.settings.exposureUs);
-  StatusLine line(command.reporting.isQuiet);
+  StatusLine line(settings.reporting.isQuiet);
   const Clock::time_point start = Clock::now();
-  for (int before = command.camera.discard; !stopRequested();) {
+  for (int before = settings.camera.discard; !stopRequested();) {
     const auto frame = source.poll();
     if (!frame.empty() && before-- == 0) {
       const Clock::time_point arrival = Clock::now();
-      correctFrame(frame, session.layout(), command.camera.correction);
-      return {correctedLayout(session.layout(), command.camera.correction),
+      correctFrame(frame, session.layout(), settings.camera.correction);
+      return {correctedLayout(session.layout(), settings.camera.correction),
               {frame.begin(), frame.end()},
               arrival,
               session.temperature()};
@@ -59,7 +80,7 @@ Snapshot takeSnapshot(const SnapCommand& command, const ChosenCamera& camera) {
   throw CameraError("Stopped before a frame came.");
 }
 
-FitsDescription fitsDescription(const SnapCommand& command, const ChosenCamera& camera,
+FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera& camera,
                                 const Snapshot& snapshot) {
   FitsDescription description;
   description.layout = snapshot.layout;
@@ -71,16 +92,16 @@ FitsDescription fitsDescription(const SnapCommand& command, const ChosenCamera& 
   description.pixelSizeUm = camera.description.pixelSizeUm;
   description.temperature = snapshot.temperature;
   description.camera = camera.description.name;
-  description.observer = command.observer;
-  description.telescope = command.telescope;
+  description.observer = settings.observer;
+  description.telescope = settings.telescope;
   return description;
 }
 
-void report(const SnapCommand& command, const ChosenCamera& camera, const Snapshot& snapshot) {
+void report(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
   const FrameLayout& layout = snapshot.layout;
-  if (command.reporting.asJson) {
+  if (settings.reporting.asJson) {
     nlohmann::ordered_json document;
-    document["file"] = utf8FromPath(command.file);
+    document["file"] = utf8FromPath(settings.file.path);
     document["camera"] = camera.description.name;
     document["width"] = layout.width;
     document["height"] = layout.height;
@@ -93,33 +114,50 @@ void report(const SnapCommand& command, const ChosenCamera& camera, const Snapsh
     document["temperature"] = snapshot.temperature ? nlohmann::ordered_json(*snapshot.temperature)
                                                    : nlohmann::ordered_json();
     std::cout << document.dump(2) << "\n" << std::flush;
-  } else if (!command.reporting.isQuiet) {
+  } else if (!settings.reporting.isQuiet) {
     std::cout << "Took a frame of " << layout.width << " x " << layout.height << " "
-              << formatName(layout.format) << ": " << inQuotes(utf8FromPath(command.file)) << ".\n"
+              << formatName(layout.format) << ": " << inQuotes(utf8FromPath(settings.file.path))
+              << ".\n"
               << std::flush;
   }
 }
 
-}  // namespace
-
-void snap(const SnapCommand& command) {
-  requireUsable(command.file, command.mayOverwrite);
+int snap(const SnapSettings& settings) {
+  requireUsable(settings.file);
   catchStopRequests();
   useFineSleep();
-  const ChosenCamera camera = findCamera(command.camera);
-  const Snapshot snapshot = takeSnapshot(command, camera);
-  if (command.isFits) {
-    writeFits(command.file, snapshot.frame, fitsDescription(command, camera, snapshot));
+  const ChosenCamera camera = findCamera(settings.camera);
+  const Snapshot snapshot = takeSnapshot(settings, camera);
+  if (!hasEnding(settings.file.path, ".png")) {
+    writeFits(settings.file.path, snapshot.frame, fitsDescription(settings, camera, snapshot));
   } else {
-    StatusLine line(command.reporting.isQuiet);
-    constexpr std::size_t large = 8'000'000;  // bytes, whose compression takes a moment
+    StatusLine line(settings.reporting.isQuiet);
+    constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
     if (snapshot.frame.size() > large) {
       line.show("Making the picture");
     }
     constexpr int anySize = 1 << 20;
-    writePng(command.file, previewOf(snapshot.frame, snapshot.layout, anySize));
+    writePng(settings.file.path, previewOf(snapshot.frame, snapshot.layout, anySize));
   }
-  report(command, camera, snapshot);
+  report(settings, camera, snapshot);
+  return 0;
 }
+
+constexpr const char* explanation =
+    R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
+holds its samples as they are, a mosaic as a mosaic (BAYERPAT), RGB as three
+planes, rows from the top (ROWORDER), with the settings, the temperature and
+the time in its header.)";
+
+constexpr const char* examples =
+    R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
+  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)";
+
+}  // namespace
+
+const Command snapCommand{
+    "snap",   "Take one frame as a PNG or FITS file",         explanation,
+    examples, prepareCommand<SnapSettings, addOptions, snap>,
+};
 
 }  // namespace orvane::host

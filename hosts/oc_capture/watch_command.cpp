@@ -10,12 +10,11 @@
 #include <string>
 
 #include "formats/png_writer.hpp"
-#include "oc_capture/chosen_camera.hpp"
+#include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
-#include "oc_capture/watch_plot.hpp"
 #include "session/camera_session.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
@@ -25,9 +24,25 @@ namespace orvane::host {
 
 namespace {
 
+struct WatchSettings {
+  CameraOptions camera;
+  CaptureLength length;
+  OutputPath plot;
+  Reporting reporting;
+};
+
+void addOptions(CommandOptions& options, WatchSettings& watch) {
+  addCameraOptions(options, watch.camera);
+  addLengthOptions(options, watch.length, "Number of frames to look at", "Length of the watch");
+  addOutputOptions(
+      options, watch.plot,
+      {"PLOT.png", "All of it as a plot at the end", "Replace PLOT.png if it exists", {".png"}});
+  addReportingOptions(options, watch.reporting);
+}
+
 using Clock = std::chrono::steady_clock;
 
-// All frames of a watch together.
+// Totals over all frames of a watch.
 struct Summary {
   FrameLayout layout;
   std::int64_t frames = 0;
@@ -69,13 +84,13 @@ std::string lineOf(const WatchPoint& point, std::int64_t frames) {
   return line;
 }
 
-// One camera that is being watched.
+// Watches one camera.
 class Watch {
  public:
-  Watch(const WatchCommand& command, const ChosenCamera& camera)
-      : command_(command), camera_(camera), line_(command.reporting.isQuiet) {}
+  Watch(const WatchSettings& settings, const ChosenCamera& camera)
+      : settings_(settings), camera_(camera), line_(settings.reporting.isQuiet) {}
 
-  // A failure of the camera is told in the summary.
+  // A failure of the camera is in the summary.
   void run() {
     try {
       look();
@@ -93,15 +108,15 @@ class Watch {
  private:
   void look() {
     CameraSession session(camera_.description, camera_.settings);
-    summary_.layout = correctedLayout(session.layout(), command_.camera.correction);
+    summary_.layout = correctedLayout(session.layout(), settings_.camera.correction);
     FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(command_.camera.discard, line_);
+    source.discard(settings_.camera.discard, line_);
     const Clock::time_point start = Clock::now();
     const auto elapsed = [&] { return Clock::now() - start; };
-    while (!stopRequested() && !isComplete(elapsed())) {
+    while (!stopRequested() && !settings_.length.isReached(summary_.frames, elapsed())) {
       const auto frame = source.poll();
       if (!frame.empty()) {
-        correctFrame(frame, session.layout(), command_.camera.correction);
+        correctFrame(frame, session.layout(), settings_.camera.correction);
         last_ = {std::chrono::duration<double>(elapsed()).count(), session.temperature(),
                  frameStatistics(frame, session.layout(), camera_.description.bitDepth)};
         summary_.add(last_);
@@ -114,12 +129,7 @@ class Watch {
     }
   }
 
-  bool isComplete(Clock::duration elapsed) const {
-    return (command_.frames && summary_.frames >= *command_.frames) ||
-           (command_.durationUs && elapsed >= std::chrono::microseconds(*command_.durationUs));
-  }
-
-  const WatchCommand& command_;
+  const WatchSettings& settings_;
   const ChosenCamera& camera_;
   StatusLine line_;
   WatchPoint last_;
@@ -127,7 +137,7 @@ class Watch {
   Summary summary_;
 };
 
-void reportJson(const WatchCommand& command, const ChosenCamera& camera, const Summary& summary,
+void reportJson(const WatchSettings& settings, const ChosenCamera& camera, const Summary& summary,
                 bool hasPlot) {
   using Json = nlohmann::ordered_json;
   const auto orNull = [](const std::optional<double>& value) {
@@ -146,12 +156,12 @@ void reportJson(const WatchCommand& command, const ChosenCamera& camera, const S
   document["mostSaturatedPixels"] = summary.mostSaturated;
   document["lowestTemperature"] = orNull(summary.lowestTemperature);
   document["highestTemperature"] = orNull(summary.highestTemperature);
-  document["plot"] = hasPlot ? Json(utf8FromPath(*command.plot)) : Json();
+  document["plot"] = hasPlot ? Json(utf8FromPath(settings.plot.path)) : Json();
   document["error"] = summary.error;
   std::cout << document.dump(2) << "\n" << std::flush;
 }
 
-void reportText(const WatchCommand& command, const Summary& summary, bool hasPlot) {
+void reportText(const WatchSettings& settings, const Summary& summary, bool hasPlot) {
   std::cout << "Watched " << summary.frames << " frames in " << decimal(summary.seconds, 1)
             << " s: mean " << decimal(summary.mean(), 1) << ", min " << summary.smallest << ", max "
             << summary.largest << ", saturated pixels at most " << summary.mostSaturated;
@@ -160,24 +170,20 @@ void reportText(const WatchCommand& command, const Summary& summary, bool hasPlo
               << decimal(*summary.highestTemperature, 1) << " \u00b0C";
   }
   if (hasPlot) {
-    std::cout << "; plot " << inQuotes(utf8FromPath(*command.plot));
+    std::cout << "; plot " << inQuotes(utf8FromPath(settings.plot.path));
   }
   std::cout << ".\n" << std::flush;
 }
 
-}  // namespace
-
-void watch(const WatchCommand& command) {
-  if (command.plot) {
-    requireUsable(*command.plot, command.mayOverwrite);
-  }
+int watch(const WatchSettings& settings) {
+  requireUsable(settings.plot);
   catchStopRequests();
   useFineSleep();
-  const ChosenCamera camera = findCamera(command.camera);
+  const ChosenCamera camera = findCamera(settings.camera);
   Summary summary;
   WatchHistory history;
   {
-    Watch watch(command, camera);
+    Watch watch(settings, camera);
     watch.run();
     summary = watch.summary();
     history = watch.history();
@@ -185,19 +191,40 @@ void watch(const WatchCommand& command) {
   if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {
     summary.error = "No frame came before the watch's end.";
   }
-  const bool hasPlot = command.plot && !history.points().empty();
+  const bool hasPlot = settings.plot.isGiven() && !history.points().empty();
   if (hasPlot) {
-    writePng(*command.plot, watchPlot(history, camera.description.name + ", " +
-                                                   formatName(camera.settings.format)));
+    writePng(settings.plot.path, watchPlot(history, camera.description.name + ", " +
+                                                        formatName(camera.settings.format)));
   }
-  if (command.reporting.asJson) {
-    reportJson(command, camera, summary, hasPlot);
-  } else if (!command.reporting.isQuiet && summary.error.empty()) {
-    reportText(command, summary, hasPlot);
+  if (settings.reporting.asJson) {
+    reportJson(settings, camera, summary, hasPlot);
+  } else if (!settings.reporting.isQuiet && summary.error.empty()) {
+    reportText(settings, summary, hasPlot);
   }
   if (!summary.error.empty()) {
     throw CameraError(summary.error);
   }
+  return 0;
 }
+
+constexpr const char* explanation =
+    R"(Shows the sensor's temperature and, of the last frame, the mean, the smallest
+and the largest sample and the number of saturated pixels. Ends after --frames
+frames, after --seconds seconds, or on Ctrl-C. A plot of a long watch joins
+neighbouring frames.)";
+
+constexpr const char* examples =
+    R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
+  oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)";
+
+}  // namespace
+
+const Command watchCommand{
+    "watch",
+    "Watch a camera's temperature and the brightness of its frames",
+    explanation,
+    examples,
+    prepareCommand<WatchSettings, addOptions, watch>,
+};
 
 }  // namespace orvane::host

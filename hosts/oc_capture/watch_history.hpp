@@ -1,22 +1,24 @@
-// What a watch has seen, in bounded memory.
+// What "oc_capture watch" has seen: points in bounded memory, and their plot over time.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "imaging/frame_statistics.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 
-/// Some neighbouring frames together.
+/// One frame, or the summary of neighbouring frames.
 struct WatchPoint {
-  double seconds = 0;                 ///< since the watch's start, of the last of the frames
+  double seconds = 0;                 ///< from the watch's start to the last of the frames
   std::optional<double> temperature;  ///< degrees Celsius, the last that was read
   FrameStatistics statistics;  ///< mean of the means, smallest, largest, most saturated pixels
 };
 
-/// As many points as fit; when there is no more room, each two neighbours become one.
+/// Keeps less than `mostPoints` points: when there are as many, pairs of neighbours are merged.
 class WatchHistory {
  public:
   void add(const WatchPoint& point);
@@ -29,8 +31,12 @@ class WatchHistory {
   void halve();
 
   std::vector<WatchPoint> points_;
-  std::vector<WatchPoint> pending_;  // too few yet to be a point
+  std::vector<WatchPoint> pending_;  // frames of the next point
   std::size_t framesPerPoint_ = 1;
 };
+
+/// Plots of temperature, samples and saturated pixels, one below the other. The history must have
+/// a point.
+ScreenImage watchPlot(const WatchHistory& history, const std::string& title);
 
 }  // namespace orvane::host

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "oc_capture_test.hpp"
 
@@ -136,6 +137,16 @@ TEST_F(OcCaptureOptions, HelpHasAnExampleForEachCommand) {
   }
 }
 
+TEST_F(OcCaptureOptions, HelpFitsIntoEightyColumns) {
+  for (const char* command : {"list", "record", "snap", "bench", "watch", "play", "doctor"}) {
+    std::istringstream help(run({command, "--help"}).out);
+    for (std::string line; std::getline(help, line);) {
+      const bool isExample = line.rfind("  oc_capture ", 0) == 0;
+      EXPECT_TRUE(isExample || line.size() <= 80) << line;
+    }
+  }
+}
+
 TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
   ASSERT_EQ(record({"--discard", "3"}).status, 0);
   const SerFile file(recording());
@@ -147,10 +158,10 @@ TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
   }
 }
 
-TEST_F(OcCaptureOptions, FlippedFramesHaveTheirMosaicTurned) {
+TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternFlipped) {
   ASSERT_EQ(record({"--flip"}).status, 0);
   const SerFile file(recording());
-  EXPECT_EQ(file.colorId, 11);  // GRBG, its rows exchanged: BGGR
+  EXPECT_EQ(file.colorId, 11);  // GRBG with its rows swapped: BGGR
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 5000, 40, 10);
   const Bytes frame = reference.frame(0);
   for (std::size_t at = 0; at < frame.size(); ++at) {
@@ -158,7 +169,7 @@ TEST_F(OcCaptureOptions, FlippedFramesHaveTheirMosaicTurned) {
   }
 }
 
-TEST_F(OcCaptureOptions, RedAndBlueAreExchanged) {
+TEST_F(OcCaptureOptions, RedAndBlueAreSwapped) {
   ASSERT_EQ(record({"--swap-rb", "--format", "rgb24"}).status, 0);
   const SerFile file(recording());
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 2, 5000, 40, 10);
@@ -168,7 +179,7 @@ TEST_F(OcCaptureOptions, RedAndBlueAreExchanged) {
   }
 }
 
-TEST_F(OcCaptureOptions, AnotherMosaicIsWritten) {
+TEST_F(OcCaptureOptions, AnotherBayerPatternIsWritten) {
   ASSERT_EQ(record({"--bayer", "bggr"}).status, 0);
   EXPECT_EQ(SerFile(recording()).colorId, 11);
   ASSERT_EQ(record({"--bayer", "none", "--overwrite"}).status, 0);
