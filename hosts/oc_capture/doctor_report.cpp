@@ -1,4 +1,4 @@
-// What the doctor found, for a person and for a program to read.
+// The findings of "oc_capture doctor", as text and as JSON.
 #include "oc_capture/doctor_report.hpp"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 
 constexpr std::size_t labelWidth = 14;
 
-// A Linux path may be no UTF-8.
+// A path on Linux need not be UTF-8.
 std::string pathText(const std::filesystem::path& path) {
   return validUtf8(utf8FromPath(path));
 }
@@ -28,8 +28,8 @@ std::string furtherLine(const std::string& text) {
 }
 
 std::string kindOf(const SdkFindings& sdk) {
-  if (!sdk.problem.empty()) {
-    return sdk.problem;
+  if (!sdk.content.problem.empty()) {
+    return sdk.content.problem;
   }
   return std::to_string(sdk.content.bits) + "-bit library for " + sdk.content.processor;
 }
@@ -46,7 +46,7 @@ std::string loadText(const SdkFindings& sdk) {
   }
 }
 
-// "4 of 5", with a word behind it.
+// "4 of 5 WORD".
 std::string countText(std::size_t present, std::size_t all, const std::string& word) {
   return std::to_string(present) + " of " + std::to_string(all) + " " + word;
 }
@@ -72,7 +72,7 @@ std::string importProblem(const ImportFinding& import) {
 
 std::string importLines(const SdkFindings& sdk) {
   if (sdk.imports.empty()) {
-    return line("Needs", sdk.problem.empty() ? "no other library" : "not known");
+    return line("Needs", sdk.content.problem.empty() ? "no other library" : "not known");
   }
   const auto fine = static_cast<std::size_t>(std::count_if(
       sdk.imports.begin(), sdk.imports.end(), [](const auto& each) { return each.isFine(); }));
@@ -108,7 +108,7 @@ std::string sdkLines(const SdkFindings& sdk) {
   return lines + "\n";
 }
 
-// What the library has loaded, by the examination above.
+// What oc_libraries() should list.
 std::string loadableSdks(const DoctorFindings& findings) {
   std::string names;
   for (const SdkFindings& sdk : findings.sdks) {
@@ -186,7 +186,7 @@ ordered_json sdkJson(const SdkFindings& sdk) {
   json["file"] = pathText(sdk.file);
   json["present"] = sdk.isPresent;
   json["healthy"] = sdk.isHealthy();
-  json["problem"] = orNull(sdk.problem);
+  json["problem"] = orNull(sdk.content.problem);
   json["bits"] = sdk.content.bits == 0 ? ordered_json(nullptr) : ordered_json(sdk.content.bits);
   json["processor"] = orNull(sdk.content.processor);
   json["fileVersion"] = orNull(sdk.content.version);

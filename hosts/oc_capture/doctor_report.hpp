@@ -1,4 +1,4 @@
-// What the doctor found, for a person and for a program to read.
+// The findings of "oc_capture doctor", as text and as JSON.
 #pragma once
 
 #include <filesystem>
@@ -10,7 +10,7 @@
 
 namespace orvane::host {
 
-/// What the library says after a scan.
+/// What the library reports after a scan.
 struct LibraryFindings {
   std::string libraries;  ///< oc_libraries()
   std::string error;      ///< oc_error()
@@ -21,13 +21,13 @@ struct DoctorFindings {
   std::filesystem::path directory;
   std::vector<SdkFindings> sdks;  ///< all four
   bool wasAskedToScan = false;
-  std::optional<LibraryFindings> scan;  ///< nothing where there was none
+  std::optional<LibraryFindings> scan;  ///< empty without a scan
 
-  /// Whether everything that is there works, as far as it was asked.
+  /// Every SDK that is present works, and so did the scan, if there was one.
   bool isHealthy() const;
 };
 
-/// Lines for a person, the last of which sums up.
+/// Lines for a person. The last line is a summary.
 std::string doctorText(const DoctorFindings& findings);
 
 /// One JSON document.

@@ -1,66 +1,70 @@
-// Numbers and texts out of a file's bytes, none of which are to be trusted.
+// Reads structures and texts from the bytes of a file that may be damaged.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <exception>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 namespace orvane::host {
 
-/// Something was to be read from beyond the end of the bytes, or has no end.
-class BeyondTheEnd : public std::exception {};
+/// Something lies beyond the end of the file, or is larger than in any library.
+class DamagedFile : public std::exception {};
 
-/// Reads anywhere in some bytes, which must outlive it. Every member throws BeyondTheEnd for what
-/// does not lie in them as a whole.
+/// Reads at any offset of some bytes, which must outlive it. Unless stated otherwise, a member
+/// throws DamagedFile when what it reads does not lie within the bytes as a whole.
 class ByteReader {
  public:
   explicit ByteReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
 
-  /// So many bytes from this offset on.
-  ByteReader part(std::uint64_t offset, std::uint64_t length) const {
+  std::span<const std::uint8_t> part(std::uint64_t offset, std::uint64_t length) const {
     if (offset > bytes_.size() || length > bytes_.size() - offset) {
-      throw BeyondTheEnd();
+      throw DamagedFile();
     }
-    return ByteReader(
-        bytes_.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length)));
+    return bytes_.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length));
   }
 
-  /// An unsigned number, low byte first.
-  template <class Unsigned>
-  Unsigned number(std::uint64_t offset) const {
-    const std::span<const std::uint8_t> bytes = part(offset, sizeof(Unsigned)).bytes_;
-    std::uint64_t value = 0;
-    for (std::size_t index = sizeof(Unsigned); index > 0; --index) {
-      value = value << 8U | bytes[index - 1];
-    }
-    return static_cast<Unsigned>(value);
+  template <class Structure>
+  Structure at(std::uint64_t offset) const {
+    static_assert(std::is_trivially_copyable_v<Structure>);
+    Structure structure;
+    std::memcpy(&structure, part(offset, sizeof structure).data(), sizeof structure);
+    return structure;
   }
 
-  /// The text from this offset to its NUL, which must not be far away.
+  /// `count` is at most 2 to the power of 32.
+  template <class Structure>
+  std::vector<Structure> table(std::uint64_t offset, std::uint64_t count) const {
+    static_cast<void>(part(offset, count * sizeof(Structure)));
+    std::vector<Structure> entries;
+    for (; entries.size() < count; offset += sizeof(Structure)) {
+      entries.push_back(at<Structure>(offset));
+    }
+    return entries;
+  }
+
+  /// The text from this offset to its NUL.
   std::string text(std::uint64_t offset) const {
     constexpr std::size_t longest = 1024;
     std::string text;
-    while (const auto letter = number<std::uint8_t>(offset + text.size())) {
+    while (const char letter = at<char>(offset + text.size())) {
       if (text.size() == longest) {
-        throw BeyondTheEnd();
+        throw DamagedFile();
       }
-      text += static_cast<char>(letter);
+      text += letter;
     }
     return text;
   }
 
-  /// Whether these letters stand at this offset; false also beyond the end.
-  bool startsWith(std::string_view letters, std::uint64_t offset = 0) const {
-    for (std::size_t index = 0; index < letters.size(); ++index) {
-      if (offset + index >= bytes_.size() || bytes_[static_cast<std::size_t>(offset) + index] !=
-                                                 static_cast<std::uint8_t>(letters[index])) {
-        return false;
-      }
-    }
-    return true;
+  /// Whether the bytes start with these letters. Never throws.
+  bool startsWith(std::string_view letters) const {
+    return bytes_.size() >= letters.size() &&
+           std::memcmp(bytes_.data(), letters.data(), letters.size()) == 0;
   }
 
  private:

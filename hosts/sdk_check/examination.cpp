@@ -1,4 +1,4 @@
-// Examines a maker's SDK where it lies.
+// Examines a maker's SDK.
 #include "sdk_check/examination.hpp"
 
 #include <algorithm>
@@ -13,94 +13,61 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// More than any SDK has; what is not an SDK at all may be of any size.
+// More than any SDK has.
 constexpr std::uintmax_t largestFile = 1U << 30U;
-
-// Far more than any SDK needs.
 constexpr std::size_t mostImports = 1000;
 
-struct ReadResult {
-  LibraryFile content;
-  std::string problem;
-};
-
-// Files are looked at only where reading comes to an end: no directories, pipes or devices.
-ReadResult readFile(const fs::path& file) {
+// Does not read from pipes and devices: that might never end.
+LibraryFile readFile(const fs::path& path) {
+  LibraryFile unread;
   std::error_code ignored;
-  if (fs::is_directory(file, ignored)) {
-    return {{}, "This is a directory."};
+  const std::uintmax_t size = fs::file_size(path, ignored);
+  if (fs::is_directory(path, ignored)) {
+    unread.problem = "This is a directory.";
+  } else if (!fs::is_regular_file(path, ignored)) {
+    unread.problem = "This is no ordinary file.";
+  } else if (size > largestFile) {
+    unread.problem = "The file is larger than any SDK.";
+  } else {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+    std::ifstream stream(path, std::ios::binary);
+    if (stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size))) {
+      return readLibraryFile(bytes);
+    }
+    unread.problem = "The file cannot be read.";
   }
-  if (!fs::is_regular_file(file, ignored)) {
-    return {{}, "This is no ordinary file."};
-  }
-  const std::uintmax_t size = fs::file_size(file, ignored);
-  if (size > largestFile) {
-    return {{}, "The file is larger than any SDK."};
-  }
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream ||
-      !stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size))) {
-    return {{}, "The file cannot be read."};
-  }
-  LibraryFile content = readLibraryFile(bytes);
-  std::string problem = problemOf(content);
-  return {std::move(content), std::move(problem)};
+  return unread;
 }
 
-bool isListed(const std::vector<ImportFinding>& imports, const std::string& name) {
-  return std::any_of(imports.begin(), imports.end(),
-                     [&](const ImportFinding& each) { return each.name == name; });
+// Adds what a library needs, and what that needs in turn. The system's own libraries are assumed to
+// be complete.
+void addImports(SdkFindings& findings, const fs::path& importer, const LibraryFile& content) {
+  for (const std::string& name : content.imports) {
+    const std::string validName = validUtf8(name);
+    if (findings.imports.size() == mostImports ||
+        std::any_of(findings.imports.begin(), findings.imports.end(),
+                    [&](const ImportFinding& each) { return each.name == validName; })) {
+      continue;
+    }
+    const ImportPlace place = findImport(name, findings.file, importer, content);
+    const bool isFound = !place.file.empty();
+    const LibraryFile import = isFound && !place.isSystems ? readFile(place.file) : LibraryFile{};
+    // If the SDK was loaded, the loader found everything that it needs.
+    findings.imports.push_back({validName, validUtf8(utf8FromPath(importer.filename())), place.file,
+                                !isFound && findings.load != LoadOutcome::Loaded, import.problem});
+    addImports(findings, place.file, import);
+  }
 }
 
-// Follows what the SDK needs, and what that needs in turn, but not into the system's own libraries:
-// those are complete.
-class ImportSearch {
- public:
-  explicit ImportSearch(SdkFindings& findings) : findings_(findings) {}
-
-  void follow(const fs::path& importer, const LibraryFile& content) {
-    for (const std::string& name : content.imports) {
-      if (!isListed(findings_.imports, name) && findings_.imports.size() < mostImports) {
-        look(name, importer, content);
-      }
-    }
-  }
-
- private:
-  void look(const std::string& name, const fs::path& importer, const LibraryFile& content) {
-    const ImportPlace place = findImport(name, findings_.file, importer, content);
-    ImportFinding finding{
-        validUtf8(name), validUtf8(utf8FromPath(importer.filename())), place.file, false, {}};
-    // What is loaded has found all that it needs, wherever that was.
-    finding.isMissing = place.file.empty() && findings_.load != LoadOutcome::Loaded;
-    if (place.file.empty() || place.isSystems) {
-      findings_.imports.push_back(finding);
-      return;
-    }
-    const ReadResult read = readFile(place.file);
-    finding.problem = read.problem;
-    findings_.imports.push_back(finding);
-    follow(place.file, read.content);
-  }
-
-  SdkFindings& findings_;
-};
-
-// The loader would wait for a pipe's other end, and may not survive a file that is cut off.
+// Opening a pipe waits for its other end, and a damaged file may crash the loader.
 bool mayBeLoaded(const SdkFindings& findings) {
   std::error_code ignored;
-  if (!fs::is_regular_file(findings.file, ignored) && !fs::is_directory(findings.file, ignored)) {
-    return false;
-  }
-  const LibraryFile& content = findings.content;
-  return loaderSurvivesDamage || !content.isDamaged || !content.isForThisSystem;
+  return fs::is_directory(findings.file, ignored) ||
+         (fs::is_regular_file(findings.file, ignored) &&
+          (loaderSurvivesDamage || !findings.content.isDamaged));
 }
 
 void tryToLoad(SdkFindings& findings) {
-  if (!mayBeLoaded(findings)) {
-    return;
-  }
   const LoadResult result = loadLibrary(findings.file);
   if (result.module == nullptr) {
     findings.load = LoadOutcome::Failed;
@@ -123,17 +90,14 @@ SdkFindings examineSdk(const Sdk& sdk, const fs::path& directory) {
   findings.sdk = sdk;
   findings.file = directory / libraryFileName(sdk.baseName);
   std::error_code ignored;
-  const fs::file_status status = fs::status(findings.file, ignored);
-  findings.isPresent =
-      status.type() != fs::file_type::not_found && status.type() != fs::file_type::none;
-  if (!findings.isPresent) {
-    return findings;
+  findings.isPresent = fs::exists(findings.file, ignored);
+  if (findings.isPresent) {
+    findings.content = readFile(findings.file);
+    if (mayBeLoaded(findings)) {
+      tryToLoad(findings);
+    }
+    addImports(findings, findings.file, findings.content);
   }
-  ReadResult read = readFile(findings.file);
-  findings.content = std::move(read.content);
-  findings.problem = std::move(read.problem);
-  tryToLoad(findings);
-  ImportSearch(findings).follow(findings.file, findings.content);
   return findings;
 }
 

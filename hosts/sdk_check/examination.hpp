@@ -1,5 +1,4 @@
-// Examines a maker's SDK where it lies: the file, whether it loads, and what it lacks. No camera is
-// touched.
+// Examines a maker's SDK: its file, whether it loads, and what is missing. No camera is opened.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +15,10 @@ namespace orvane::host {
 /// A library that the SDK needs, or that another such library needs.
 struct ImportFinding {
   std::string name;
-  std::string neededBy;        ///< the file name of the library that needs it
-  std::filesystem::path file;  ///< where it is; empty where that is not known
+  std::string neededBy;        ///< file name of the library that needs it
+  std::filesystem::path file;  ///< empty if not known
   bool isMissing = false;
-  std::string problem;  ///< one sentence about why the file that was found cannot serve, or ""
+  std::string problem;  ///< one sentence about why the file found cannot be used, or ""
 
   bool isFine() const { return !isMissing && problem.empty(); }
 };
@@ -33,14 +32,13 @@ enum class LoadOutcome {
 struct SdkFindings {
   Sdk sdk;
   std::filesystem::path file;  ///< full path
-  bool isPresent = false;      ///< there is something of this name; all below is empty otherwise
-  std::string problem;         ///< one sentence about what is wrong with the file, or ""
+  bool isPresent = false;      ///< otherwise everything below is empty
   LibraryFile content;
   LoadOutcome load = LoadOutcome::NotTried;
-  std::string loadProblem;                    ///< the system's own words
-  std::optional<std::int64_t> loadCode;       ///< the system's number, where it has one
-  std::vector<std::string> missingFunctions;  ///< known of a loaded SDK only
-  std::vector<ImportFinding> imports;         ///< the SDK's own first
+  std::string loadProblem;                    ///< the system's message
+  std::optional<std::int64_t> loadCode;       ///< the system's error code, if it has one
+  std::vector<std::string> missingFunctions;  ///< only if the SDK was loaded
+  std::vector<ImportFinding> imports;         ///< each followed by what it needs itself
 
   /// It loads and has every function that the library calls.
   bool isHealthy() const { return load == LoadOutcome::Loaded && missingFunctions.empty(); }

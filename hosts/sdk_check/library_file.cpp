@@ -1,5 +1,4 @@
-// What stands in the file of a shared library: telling the formats apart, and what is wrong with a
-// file.
+// Reads the file of a shared library, and says what is wrong with it.
 #include "sdk_check/library_file.hpp"
 
 namespace orvane::host {
@@ -7,54 +6,57 @@ namespace orvane::host {
 namespace {
 
 #ifdef _WIN32
-constexpr LibraryFormat thisSystem = LibraryFormat::Windows;
+constexpr const char* otherMagic = "\x7f\x45LF";
+constexpr const char* otherSystem = "This is a library for Linux, not for Windows.";
 #else
-constexpr LibraryFormat thisSystem = LibraryFormat::Linux;
+constexpr const char* otherMagic = "MZ";
+constexpr const char* otherSystem = "This is a library for Windows, not for Linux.";
 #endif
 
-std::string systemName(LibraryFormat format) {
-  return format == LibraryFormat::Windows ? "Windows" : "Linux";
+#if defined(__aarch64__) || defined(_M_ARM64)
+constexpr const char* thisProcessor = "ARM64";
+#else
+constexpr const char* thisProcessor = "x64";
+#endif
+
+std::string read(const ByteReader& bytes, LibraryFile& file) {
+  if (bytes.startsWith(otherMagic)) {
+    return otherSystem;
+  }
+  if (!readNativeLibrary(bytes, file)) {
+    return "This is no library, neither for Windows nor for Linux.";
+  }
+  if (!file.isForThisProcess()) {
+    return "This is a " + std::to_string(file.bits) + "-bit library for " + file.processor +
+           ", which a 64-bit program cannot use on this computer.";
+  }
+  return file.isLibrary ? "" : "This is a program, not a library.";
 }
 
 }  // namespace
 
-LibraryFile readLibraryFile(std::span<const std::uint8_t> content) {
-  const ByteReader bytes(content);
-  LibraryFile file;
-  file.isEmpty = content.empty();
-  try {
-    if (bytes.startsWith("MZ")) {
-      readWindowsLibrary(bytes, file);
-    } else if (bytes.startsWith("\x7f"
-                                "ELF")) {
-      readLinuxLibrary(bytes, file);
-    }
-  } catch (const BeyondTheEnd&) {
-    file.isDamaged = true;
-  }
-  file.isForThisSystem = file.format == thisSystem;
-  return file;
+bool LibraryFile::isForThisProcess() const {
+  return bits == 64 && processor == thisProcessor;
 }
 
-std::string problemOf(const LibraryFile& file) {
-  if (file.isEmpty) {
-    return "The file is empty.";
+std::string processorName(std::span<const Processor> processors, unsigned machine) {
+  for (const Processor& processor : processors) {
+    if (processor.machine == machine) {
+      return processor.name;
+    }
   }
-  if (file.format == LibraryFormat::None) {
-    return "This is no library, neither for Windows nor for Linux.";
+  return "processor " + std::to_string(machine);
+}
+
+LibraryFile readLibraryFile(std::span<const std::uint8_t> content) {
+  LibraryFile file;
+  try {
+    file.problem = content.empty() ? "The file is empty." : read(ByteReader(content), file);
+  } catch (const DamagedFile&) {
+    file.isDamaged = true;
+    file.problem = "The file is cut off or damaged.";
   }
-  if (!file.isForThisSystem) {
-    return "This is a library for " + systemName(file.format) + ", not for " +
-           systemName(thisSystem) + ".";
-  }
-  if (!file.isForThisMachine && file.bits != 0) {
-    return "This is a " + std::to_string(file.bits) + "-bit library for " + file.processor +
-           ", which a 64-bit program cannot use on this computer.";
-  }
-  if (file.isDamaged) {
-    return "The file is cut off or damaged.";
-  }
-  return file.isLibrary ? "" : "This is a program, not a library.";
+  return file;
 }
 
 }  // namespace orvane::host

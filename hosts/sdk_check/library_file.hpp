@@ -1,5 +1,5 @@
-// What stands in the file of a shared library, read without the system's loader: any file at all
-// may be looked at, whatever is wrong with it.
+// Reads the file of a shared library without the system's loader. The file may be damaged, or no
+// library at all.
 #pragma once
 
 #include <cstdint>
@@ -12,36 +12,37 @@
 
 namespace orvane::host {
 
-enum class LibraryFormat {
-  None,     // neither of the two
-  Windows,  // PE
-  Linux,    // ELF
-};
-
 /// What is not known is empty.
 struct LibraryFile {
-  LibraryFormat format = LibraryFormat::None;
-  bool isEmpty = false;           ///< the file has no bytes
-  bool isForThisSystem = false;   ///< has this system's format
-  bool isForThisMachine = false;  ///< and is for this process's processor: all below is filled in
-  bool isLibrary = false;         ///< and no program
-  bool isDamaged = false;         ///< cut off, or points to places that are not there
-  int bits = 0;                   ///< 32 or 64
-  std::string processor;          ///< "x64", "x86", "ARM64" or "processor <number>"
+  std::string problem;     ///< one sentence about why this process cannot use the file, or ""
+  bool isDamaged = false;  ///< a library for this system, truncated or with bad offsets
+  bool isLibrary = false;  ///< a library, not a program
+  int bits = 0;            ///< 32 or 64; 0 also for another system's library
+  std::string processor;   ///< "x64", "x86", "ARM64", "ARM" or "processor <number>"
   std::optional<std::string> version;  ///< Windows: the four numbers of the file version
-  std::optional<std::string> soname;   ///< Linux: the name that the library gives itself
+  std::optional<std::string> soname;   ///< Linux: the library's own name for itself
   std::vector<std::string> imports;    ///< file names of the libraries that it needs, in order
-  std::vector<std::string> searchDirectories;  ///< Linux: where it says that they are, as written
+  std::vector<std::string> searchDirectories;  ///< Linux: where it looks for them, as written
+
+  bool isForThisProcess() const;
 };
 
-/// Reads a file's whole content. Never fails: what is wrong stands in the result.
+/// Reads a file's whole content. Never fails: the result tells what is wrong.
 LibraryFile readLibraryFile(std::span<const std::uint8_t> content);
 
-/// One sentence about why such a file cannot serve in this process, or "".
-std::string problemOf(const LibraryFile& file);
+/// More entries than any library has. Longer tables are not read.
+inline constexpr std::uint64_t mostEntries = 4096;
 
-/// The two formats; both throw BeyondTheEnd with what has been read so far in `file`.
-void readWindowsLibrary(const ByteReader& bytes, LibraryFile& file);
-void readLinuxLibrary(const ByteReader& bytes, LibraryFile& file);
+/// A processor's number in this system's format.
+struct Processor {
+  unsigned machine;
+  const char* name;
+};
+
+std::string processorName(std::span<const Processor> processors, unsigned machine);
+
+/// Reads this system's format; false if the bytes do not have it. Throws DamagedFile. Beyond the
+/// headers, it reads only files for this process. One source file per system.
+bool readNativeLibrary(const ByteReader& bytes, LibraryFile& file);
 
 }  // namespace orvane::host

@@ -1,5 +1,5 @@
-// Loading libraries with the system's loader, by the same rules as the library loads SDKs, and
-// what the loader says when it does not. One source file per system.
+// Loads libraries by the same rules as the library loads SDKs, and finds the libraries that they
+// need. One source file per system.
 #pragma once
 
 #include <cstdint>
@@ -11,33 +11,33 @@
 
 namespace orvane::host {
 
-/// The file name that a library of this base name has on this system.
+/// The file name of a library with this base name.
 std::string libraryFileName(const std::string& baseName);
 
 struct LoadResult {
-  void* module = nullptr;            ///< stays loaded until the process ends; null on failure
-  std::string problem;               ///< the system's own words, in UTF-8
-  std::optional<std::int64_t> code;  ///< the system's number, where it has one
+  void* module = nullptr;            ///< null on failure; stays loaded until the process ends
+  std::string problem;               ///< the system's message, in UTF-8
+  std::optional<std::int64_t> code;  ///< the system's error code, if it has one
 };
 
-/// Loads a library by its full path. A library's own start code runs; a system that would show a
-/// message box shows none.
+/// Loads a library by its full path, and runs its start code. From here on, the system shows this
+/// thread no message boxes about files.
 LoadResult loadLibrary(const std::filesystem::path& file);
 
-/// Whether the loaded library exports the function.
+/// Whether a loaded library exports the function.
 bool hasFunction(void* module, const std::string& name);
 
-/// Whether it is safe to hand a file that is cut off or damaged to the system's loader.
+/// Whether the loader only reports a damaged file, and does not crash.
 extern const bool loaderSurvivesDamage;
 
-/// Where a library that another one needs would be taken from.
+/// Where the loader finds a library that another one needs.
 struct ImportPlace {
-  std::filesystem::path file;  ///< empty: it is not found
-  bool isSystems = false;      ///< it came from the system's own directories, or is loaded already
+  std::filesystem::path file;  ///< empty if not found
+  bool isSystems = false;      ///< from the system's own directories, or already loaded
 };
 
-/// Looks for a library by the name under which `importer` needs it. `sdkFile` is the library that
-/// was to be loaded in the first place, `content` what stands in the importer's file.
+/// Looks for a library by the name under which `importer`, with this content, needs it, when
+/// `sdkFile` is loaded.
 ImportPlace findImport(const std::string& name, const std::filesystem::path& sdkFile,
                        const std::filesystem::path& importer, const LibraryFile& content);
 

@@ -13,7 +13,7 @@ std::filesystem::path fileOf(void* module) {
   return dlinfo(module, RTLD_DI_LINKMAP, &map) == 0 && map != nullptr ? map->l_name : "";
 }
 
-// A directory as a library names it; "$ORIGIN" is the library's own.
+// A directory from a library's search path. "$ORIGIN" stands for the library's own directory.
 std::filesystem::path searchDirectory(std::string text, const std::filesystem::path& origin) {
   for (const std::string mark : {"$ORIGIN", "${ORIGIN}"}) {
     const std::size_t at = text.find(mark);
@@ -34,7 +34,7 @@ LoadResult loadLibrary(const std::filesystem::path& file) {
   LoadResult result;
   result.module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (result.module == nullptr) {
-    const char* const problem = dlerror();  // NOLINT(concurrency-mt-unsafe): this thread's own
+    const char* const problem = dlerror();  // NOLINT(concurrency-mt-unsafe): per thread
     result.problem = problem != nullptr ? problem : "unknown";
   }
   return result;
@@ -44,14 +44,14 @@ bool hasFunction(void* module, const std::string& name) {
   return dlsym(module, name.c_str()) != nullptr;
 }
 
-// The loader maps what the headers say is there, and the process ends where it is not.
+// The loader maps what the headers promise. Reading beyond the end of the file ends the process.
 const bool loaderSurvivesDamage = false;
 
 ImportPlace findImport(const std::string& name, const std::filesystem::path& /*sdkFile*/,
                        const std::filesystem::path& importer, const LibraryFile& content) {
   if (void* const loaded = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD)) {
     const std::filesystem::path file = fileOf(loaded);
-    dlclose(loaded);  // only what this look added
+    dlclose(loaded);  // takes back this dlopen() only
     return {file, true};
   }
   for (const std::string& directory : content.searchDirectories) {

@@ -12,19 +12,7 @@ namespace {
 
 constexpr std::size_t longestPath = 32'768;
 
-// The system asks the user about a file that is no library, unless it is told not to.
-class WithoutMessageBoxes {
- public:
-  WithoutMessageBoxes() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier_); }
-  ~WithoutMessageBoxes() { SetThreadErrorMode(earlier_, nullptr); }
-  WithoutMessageBoxes(const WithoutMessageBoxes&) = delete;
-  WithoutMessageBoxes& operator=(const WithoutMessageBoxes&) = delete;
-
- private:
-  DWORD earlier_ = 0;
-};
-
-// The system's message for a code. Some have a place for the file's name.
+// The system's message for an error code. "%1" in it stands for the file's name.
 std::string systemMessage(DWORD code, const std::filesystem::path& file) {
   std::array<wchar_t, 1024> text{};
   const DWORD length = FormatMessageW(
@@ -51,11 +39,6 @@ std::filesystem::path systemDirectory() {
   return text;
 }
 
-bool isFile(const std::filesystem::path& file) {
-  std::error_code ignored;
-  return std::filesystem::is_regular_file(file, ignored);
-}
-
 }  // namespace
 
 std::string libraryFileName(const std::string& baseName) {
@@ -63,7 +46,7 @@ std::string libraryFileName(const std::string& baseName) {
 }
 
 LoadResult loadLibrary(const std::filesystem::path& file) {
-  const WithoutMessageBoxes quiet;
+  SetThreadErrorMode(SEM_FAILCRITICALERRORS, nullptr);
   LoadResult result;
   result.module = LoadLibraryExW(
       file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
@@ -83,22 +66,17 @@ const bool loaderSurvivesDamage = true;
 
 ImportPlace findImport(const std::string& name, const std::filesystem::path& sdkFile,
                        const std::filesystem::path& /*importer*/, const LibraryFile& /*content*/) {
-  const std::wstring wideName(name.begin(), name.end());  // such names are ASCII
+  const std::wstring wideName(name.begin(), name.end());  // import names are ASCII
+  const std::filesystem::path system = systemDirectory();
   for (const std::filesystem::path& directory :
-       {sdkFile.parent_path(), fileOf(nullptr).parent_path()}) {
-    if (isFile(directory / wideName)) {
-      return {directory / wideName, false};
+       {sdkFile.parent_path(), fileOf(nullptr).parent_path(), system}) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(directory / wideName, ignored)) {
+      return {directory / wideName, directory == system};
     }
   }
-  if (isFile(systemDirectory() / wideName)) {
-    return {systemDirectory() / wideName, true};
-  }
-  // Names that stand for a part of the system are no files, and the loader knows what they mean.
-  const WithoutMessageBoxes quiet;
-  HMODULE module = GetModuleHandleW(wideName.c_str());
-  if (module == nullptr) {
-    module = LoadLibraryExW(wideName.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  }
+  // API sets have no file of their name. The loader knows the file behind them.
+  HMODULE const module = LoadLibraryExW(wideName.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   return module == nullptr ? ImportPlace{} : ImportPlace{fileOf(module), true};
 }
 

@@ -1,174 +1,142 @@
-// Reads Windows libraries: the PE format's headers, imports and version resource.
-#include <algorithm>
+// Reads Windows libraries: the headers, imports and version resource of PE files.
+#include <windows.h>
+#include <winver.h>
+
+#include <cstddef>
+#include <iterator>
 
 #include "sdk_check/library_file.hpp"
-#include "sdk_check/processor.hpp"
 
 namespace orvane::host {
 
 namespace {
 
-constexpr std::uint16_t libraryFlag = 0x2000;
-constexpr std::uint16_t optionalHeader64 = 0x20b;
-
-enum class Directory : std::uint64_t { Imports = 1, Resources = 2 };
-
-// Far more than any library has: a list without an end must not be followed for long.
-constexpr std::uint64_t mostImports = 4096;
-
-// The part of the file that is loaded to an address.
-struct Section {
-  std::uint32_t address;
-  std::uint32_t sizeInMemory;
-  std::uint32_t offset;
-  std::uint32_t sizeInFile;
+// What the version resource starts with.
+struct VersionInfo {
+  WORD length;
+  WORD valueLength;
+  WORD type;
+  WCHAR key[std::size(L"VS_VERSION_INFO")];
+  VS_FIXEDFILEINFO value;
 };
 
-constexpr Processor processors[] = {
-    {"x64", 0x8664, 64}, {"x86", 0x014c, 32}, {"ARM64", 0xaa64, 64}, {"ARM", 0x01c4, 32}};
+constexpr Processor processors[] = {{IMAGE_FILE_MACHINE_AMD64, "x64"},
+                                    {IMAGE_FILE_MACHINE_I386, "x86"},
+                                    {IMAGE_FILE_MACHINE_ARM64, "ARM64"},
+                                    {IMAGE_FILE_MACHINE_ARMNT, "ARM"}};
 
-// A file of which the headers have been found.
-class WindowsLibrary {
+class Image {
  public:
-  WindowsLibrary(const ByteReader& bytes, std::uint64_t header) : bytes_(bytes) {
-    const auto sectionCount = bytes.number<std::uint16_t>(header + 6);
-    const auto optionalSize = bytes.number<std::uint16_t>(header + 20);
-    optionalHeader_ = header + 24;
-    for (std::uint64_t index = 0; index < sectionCount; ++index) {
-      const std::uint64_t at = optionalHeader_ + optionalSize + index * 40;
-      sections_.push_back(
-          {bytes.number<std::uint32_t>(at + 12), bytes.number<std::uint32_t>(at + 8),
-           bytes.number<std::uint32_t>(at + 20), bytes.number<std::uint32_t>(at + 16)});
-    }
-  }
-
-  bool is64Bit() const { return bytes_.number<std::uint16_t>(optionalHeader_) == optionalHeader64; }
-
-  // Throws unless all sections are there as a whole.
-  void checkSections() const {
-    for (const Section& section : sections_) {
-      if (section.sizeInFile > 0) {
-        static_cast<void>(bytes_.part(section.offset, section.sizeInFile));
+  // Throws DamagedFile unless all sections lie in the file.
+  Image(const ByteReader& bytes, std::uint64_t offset, const IMAGE_NT_HEADERS64& headers)
+      : bytes_(bytes),
+        headers_(headers.OptionalHeader),
+        sections_(bytes.table<IMAGE_SECTION_HEADER>(
+            offset + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
+                headers.FileHeader.SizeOfOptionalHeader,
+            headers.FileHeader.NumberOfSections)) {
+    for (const IMAGE_SECTION_HEADER& section : sections_) {
+      if (section.SizeOfRawData > 0) {
+        static_cast<void>(bytes.part(section.PointerToRawData, section.SizeOfRawData));
       }
     }
   }
 
-  // The address of one of the tables that the header points to; 0 where there is none.
-  std::uint32_t directory(Directory directory) const {
-    const auto number = static_cast<std::uint64_t>(directory);
-    const auto count = bytes_.number<std::uint32_t>(optionalHeader_ + 108);
-    return number < count ? bytes_.number<std::uint32_t>(optionalHeader_ + 112 + number * 8) : 0;
+  std::vector<std::string> imports() const {
+    std::vector<std::string> names;
+    const DWORD table = directory(IMAGE_DIRECTORY_ENTRY_IMPORT);
+    if (table == 0) {
+      return names;
+    }
+    std::uint64_t offset = offsetOf(table);
+    while (const DWORD name = bytes_.at<IMAGE_IMPORT_DESCRIPTOR>(offset).Name) {
+      if (names.size() == mostEntries) {
+        throw DamagedFile();
+      }
+      names.push_back(bytes_.text(offsetOf(name)));
+      offset += sizeof(IMAGE_IMPORT_DESCRIPTOR);
+    }
+    return names;
   }
 
-  // Where in the file that stands which is loaded to this address.
-  std::uint64_t offsetOf(std::uint64_t address) const {
-    const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& each) {
-      return address >= each.address && address - each.address < each.sizeInFile;
-    });
-    if (found == sections_.end()) {
-      throw BeyondTheEnd();
+  // Throws DamagedFile also if there is no version.
+  std::string version() const {
+    constexpr DWORD versionType = 16;  // RT_VERSION
+    const std::uint64_t root = offsetOf(directory(IMAGE_DIRECTORY_ENTRY_RESOURCE));
+    const std::uint64_t names = root + resource(root, versionType);
+    const std::uint64_t languages = root + resource(names, std::nullopt);
+    const std::uint64_t entry = root + resource(languages, std::nullopt);
+    const DWORD address = bytes_.at<IMAGE_RESOURCE_DATA_ENTRY>(entry).OffsetToData;
+    const VS_FIXEDFILEINFO info = bytes_.at<VersionInfo>(offsetOf(address)).value;
+    if (info.dwSignature != VS_FFI_SIGNATURE) {
+      throw DamagedFile();
     }
-    return found->offset + (address - found->address);
+    const auto pair = [](DWORD numbers) {
+      return std::to_string(HIWORD(numbers)) + "." + std::to_string(LOWORD(numbers));
+    };
+    return pair(info.dwFileVersionMS) + "." + pair(info.dwFileVersionLS);
   }
 
  private:
+  // The address of a table that the header points to; 0 if there is none.
+  DWORD directory(DWORD index) const {
+    return index < headers_.NumberOfRvaAndSizes ? headers_.DataDirectory[index].VirtualAddress : 0;
+  }
+
+  // File offset of a relative virtual address.
+  std::uint64_t offsetOf(DWORD address) const {
+    for (const IMAGE_SECTION_HEADER& section : sections_) {
+      if (address >= section.VirtualAddress &&
+          address - section.VirtualAddress < section.SizeOfRawData) {
+        return std::uint64_t{section.PointerToRawData} + (address - section.VirtualAddress);
+      }
+    }
+    throw DamagedFile();
+  }
+
+  // The entry of this type in a directory of the resources, or the first entry, as an offset from
+  // the root.
+  DWORD resource(std::uint64_t offset, std::optional<DWORD> type) const {
+    const auto level = bytes_.at<IMAGE_RESOURCE_DIRECTORY>(offset);
+    for (const auto& entry : bytes_.table<IMAGE_RESOURCE_DIRECTORY_ENTRY>(
+             offset + sizeof level, DWORD{level.NumberOfNamedEntries} + level.NumberOfIdEntries)) {
+      if (!type || entry.Name == *type) {
+        return entry.OffsetToDirectory;
+      }
+    }
+    throw DamagedFile();
+  }
+
   ByteReader bytes_;
-  std::uint64_t optionalHeader_ = 0;
-  std::vector<Section> sections_;
+  IMAGE_OPTIONAL_HEADER64 headers_;
+  std::vector<IMAGE_SECTION_HEADER> sections_;
 };
-
-std::vector<std::string> importsOf(const ByteReader& bytes, const WindowsLibrary& library) {
-  std::vector<std::string> imports;
-  const std::uint32_t table = library.directory(Directory::Imports);
-  if (table == 0) {
-    return imports;
-  }
-  for (std::uint64_t at = library.offsetOf(table); imports.size() < mostImports; at += 20) {
-    const auto name = bytes.number<std::uint32_t>(at + 12);
-    if (name == 0) {
-      return imports;
-    }
-    imports.push_back(bytes.text(library.offsetOf(name)));
-  }
-  throw BeyondTheEnd();
-}
-
-// The entry with this number in one level of the resources, or the first one; an offset from their
-// start, or nothing.
-std::optional<std::uint32_t> resourceEntry(const ByteReader& bytes, std::uint64_t level,
-                                           std::optional<std::uint32_t> number) {
-  const std::uint64_t count = std::uint64_t{bytes.number<std::uint16_t>(level + 12)} +
-                              bytes.number<std::uint16_t>(level + 14);
-  for (std::uint64_t index = 0; index < count; ++index) {
-    const std::uint64_t entry = level + 16 + index * 8;
-    if (!number || bytes.number<std::uint32_t>(entry) == *number) {
-      return bytes.number<std::uint32_t>(entry + 4) & 0x7fffffffU;
-    }
-  }
-  return std::nullopt;
-}
-
-// The numbers stand behind a title of fixed length, with a signature before them.
-std::optional<std::string> versionIn(const ByteReader& bytes, std::uint64_t offset) {
-  constexpr std::uint64_t titleEnd = 40;
-  if (bytes.number<std::uint32_t>(offset + titleEnd) != 0xfeef04bdU) {
-    return std::nullopt;
-  }
-  std::string version;
-  for (const std::uint64_t at : {10U, 8U, 14U, 12U}) {
-    version += (version.empty() ? "" : ".") +
-               std::to_string(bytes.number<std::uint16_t>(offset + titleEnd + at));
-  }
-  return version;
-}
-
-std::optional<std::string> storedVersion(const ByteReader& bytes, const WindowsLibrary& library) {
-  constexpr std::uint32_t versionResource = 16;
-  const std::uint32_t table = library.directory(Directory::Resources);
-  if (table == 0) {
-    return std::nullopt;
-  }
-  const std::uint64_t start = library.offsetOf(table);
-  // Three levels: kind, name, language.
-  std::optional<std::uint32_t> entry = resourceEntry(bytes, start, versionResource);
-  for (int level = 0; entry && level < 2; ++level) {
-    entry = resourceEntry(bytes, start + *entry, std::nullopt);
-  }
-  if (!entry) {
-    return std::nullopt;
-  }
-  return versionIn(bytes, library.offsetOf(bytes.number<std::uint32_t>(start + *entry)));
-}
-
-// A library without a readable version works as well as any other.
-std::optional<std::string> versionOf(const ByteReader& bytes, const WindowsLibrary& library) {
-  try {
-    return storedVersion(bytes, library);
-  } catch (const BeyondTheEnd&) {
-    return std::nullopt;
-  }
-}
 
 }  // namespace
 
-void readWindowsLibrary(const ByteReader& bytes, LibraryFile& file) {
-  file.format = LibraryFormat::Windows;
-  const std::uint64_t header = bytes.number<std::uint32_t>(0x3c);
-  if (!bytes.part(header, 4).startsWith(std::string_view("PE\0\0", 4))) {
-    file.format = LibraryFormat::None;
-    return;
+bool readNativeLibrary(const ByteReader& bytes, LibraryFile& file) {
+  if (!bytes.startsWith("MZ")) {
+    return false;
   }
-  const auto machine = bytes.number<std::uint16_t>(header + 4);
-  file.isLibrary = (bytes.number<std::uint16_t>(header + 22) & libraryFlag) != 0;
-  const WindowsLibrary library(bytes, header);
-  describeProcessor(processors, machine, library.is64Bit() ? 64 : 32, file);
-  file.isForThisMachine = file.isForThisMachine && library.is64Bit();
-  if (!file.isForThisMachine) {
-    return;
+  const auto offset = static_cast<DWORD>(bytes.at<IMAGE_DOS_HEADER>(0).e_lfanew);
+  if (bytes.at<DWORD>(offset) != IMAGE_NT_SIGNATURE) {
+    return false;
   }
-  library.checkSections();
-  file.imports = importsOf(bytes, library);
-  file.version = versionOf(bytes, library);
+  const auto headers = bytes.at<IMAGE_NT_HEADERS64>(offset);
+  file.isLibrary = (headers.FileHeader.Characteristics & IMAGE_FILE_DLL) != 0;
+  file.bits = headers.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC ? 64 : 32;
+  file.processor = processorName(processors, headers.FileHeader.Machine);
+  if (!file.isForThisProcess()) {
+    return true;
+  }
+  const Image image(bytes, offset, headers);
+  file.imports = image.imports();
+  try {
+    file.version = image.version();
+  } catch (const DamagedFile&) {
+    // The loader does not need a version.
+  }
+  return true;
 }
 
 }  // namespace orvane::host

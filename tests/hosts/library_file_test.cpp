@@ -1,9 +1,9 @@
-// What is read from the files of libraries, good and bad: images made here, real libraries, and
-// both with bytes cut off or changed.
+// Reading the files of libraries: images made here, a real library, and both truncated or changed.
 #include "sdk_check/library_file.hpp"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "scratch_directory.hpp"
@@ -15,10 +15,13 @@ namespace {
 using testing::contentOf;
 using Image = std::vector<std::uint8_t>;
 
+const std::string noLibrary = "This is no library, neither for Windows nor for Linux.";
+
 LibraryFile readText(const std::string& text) {
   return readLibraryFile({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
+#ifdef _WIN32
 // A Windows library with one section, built piece by piece.
 class WindowsImage {
  public:
@@ -92,8 +95,8 @@ TEST(LibraryFile, WindowsLibraryTellsItsImportsAndVersion) {
   made.addImport("MSVCP140.dll");
   made.addVersion();
   const LibraryFile file = readLibraryFile(made.image);
-  EXPECT_EQ(file.format, LibraryFormat::Windows);
-  EXPECT_TRUE(file.isForThisMachine);
+  EXPECT_EQ(file.problem, "");
+  EXPECT_TRUE(file.isForThisProcess());
   EXPECT_TRUE(file.isLibrary);
   EXPECT_FALSE(file.isDamaged);
   EXPECT_EQ(file.bits, 64);
@@ -136,11 +139,7 @@ TEST(LibraryFile, WindowsProgramIsNoLibrary) {
   made.put16(WindowsImage::header + 22, 0x0022);
   const LibraryFile file = readLibraryFile(made.image);
   EXPECT_FALSE(file.isLibrary);
-#ifdef _WIN32
-  EXPECT_EQ(problemOf(file), "This is a program, not a library.");
-#else
-  EXPECT_EQ(problemOf(file), "This is a library for Windows, not for Linux.");
-#endif
+  EXPECT_EQ(file.problem, "This is a program, not a library.");
 }
 
 TEST(LibraryFile, OtherProcessorsAreNamed) {
@@ -149,26 +148,60 @@ TEST(LibraryFile, OtherProcessorsAreNamed) {
   made.put16(WindowsImage::optional, 0x10b);
   EXPECT_EQ(readLibraryFile(made.image).bits, 32);
   EXPECT_EQ(readLibraryFile(made.image).processor, "x86");
-  EXPECT_FALSE(readLibraryFile(made.image).isForThisMachine);
+  EXPECT_FALSE(readLibraryFile(made.image).isForThisProcess());
   made.put16(WindowsImage::header + 4, 0x0200);
   EXPECT_EQ(readLibraryFile(made.image).processor, "processor 512");
 }
 
+TEST(LibraryFile, WindowsHeaderAloneIsNoLibrary) {
+  EXPECT_EQ(readText("MZ" + std::string(500, '\0')).problem, noLibrary);
+}
+
+TEST(LibraryFile, OtherSystemsLibraryIsNamed) {
+  EXPECT_EQ(readText("\x7f\x45LF" + std::string(500, '\0')).problem,
+            "This is a library for Linux, not for Windows.");
+}
+
+#else
+// A real library with one byte of its header changed.
+LibraryFile readChanged(std::size_t at, char value) {
+  std::string library = contentOf(ORVANE_LIBRARY_FILE);
+  library.at(at) = value;
+  return readText(library);
+}
+
+TEST(LibraryFile, LinuxProgramIsNoLibrary) {
+  const LibraryFile file = readChanged(16, 2);
+  EXPECT_FALSE(file.isLibrary);
+  EXPECT_EQ(file.problem, "This is a program, not a library.");
+}
+
+TEST(LibraryFile, OtherProcessorsAreNamed) {
+  EXPECT_EQ(readChanged(4, 1).bits, 32);
+  EXPECT_FALSE(readChanged(4, 1).isForThisProcess());
+  EXPECT_EQ(readChanged(18, 3).processor, "x86");
+  EXPECT_EQ(readChanged(19, 2).processor, "processor 574");
+  EXPECT_EQ(readChanged(5, 2).processor, "another processor");
+}
+
+TEST(LibraryFile, OtherSystemsLibraryIsNamed) {
+  EXPECT_EQ(readText("MZ" + std::string(500, '\0')).problem,
+            "This is a library for Windows, not for Linux.");
+}
+#endif
+
 TEST(LibraryFile, OtherFilesAreNoLibraries) {
-  EXPECT_EQ(problemOf(readText("")), "The file is empty.");
-  for (const std::string& text : {std::string("x"), std::string("this is a text file\n"),
-                                  std::string(5000, '\0'), "MZ" + std::string(500, '\0')}) {
-    const LibraryFile file = readText(text);
-    EXPECT_EQ(file.format, LibraryFormat::None);
-    EXPECT_EQ(problemOf(file), "This is no library, neither for Windows nor for Linux.");
+  EXPECT_EQ(readText("").problem, "The file is empty.");
+  for (const std::string& text :
+       {std::string("x"), std::string("this is a text file\n"), std::string(5000, '\0')}) {
+    EXPECT_EQ(readText(text).problem, noLibrary);
   }
 }
 
 TEST(LibraryFile, RealLibraryIsReadAsAWhole) {
   const LibraryFile file = readText(contentOf(ORVANE_LIBRARY_FILE));
-  EXPECT_EQ(problemOf(file), "");
-  EXPECT_TRUE(file.isForThisSystem);
-  EXPECT_TRUE(file.isForThisMachine);
+  EXPECT_EQ(file.problem, "");
+  EXPECT_TRUE(file.isForThisProcess());
   EXPECT_GE(file.imports.size(), 2U);
 #ifdef _WIN32
   EXPECT_EQ(file.version.value_or("none"), ORVANE_LIBRARY_VERSION ".0");
@@ -177,29 +210,33 @@ TEST(LibraryFile, RealLibraryIsReadAsAWhole) {
 #endif
 }
 
-// Only headers and code are loaded: a library may lack its end, where there is neither.
+// The end of a library may be missing: the loader does not need its section headers and symbols.
 TEST(LibraryFile, CutOffAnywhereIsNoProblemForTheReader) {
   const std::string library = contentOf(ORVANE_LIBRARY_FILE);
   constexpr std::size_t headersAndMore = 4096;
   for (std::size_t size = 0; size < library.size(); size += size < headersAndMore ? 1 : 4099) {
     const LibraryFile file = readText(library.substr(0, size));
-    EXPECT_TRUE(size >= headersAndMore || !problemOf(file).empty()) << size;
+    EXPECT_TRUE(size >= headersAndMore || !file.problem.empty()) << size;
   }
 }
 
 TEST(LibraryFile, ChangedBytesAreNoProblemForTheReader) {
+  const std::string library = contentOf(ORVANE_LIBRARY_FILE);
+  std::vector<Image> images{Image(library.begin(), library.end())};
+#ifdef _WIN32
   WindowsImage made;
   made.addImport("KERNEL32.dll");
   made.addVersion();
-  const std::string library = contentOf(ORVANE_LIBRARY_FILE);
-  const Image real(library.begin(), library.end());
+  images.push_back(made.image);
+#endif
   std::mt19937 random(20);
-  for (const Image& image : {made.image, real}) {
+  for (const Image& image : images) {
+    const auto headers = static_cast<std::ptrdiff_t>(std::min<std::size_t>(image.size(), 2048));
+    Image changed = image;
     for (int round = 0; round < 3000; ++round) {
-      Image changed = image;
+      std::copy_n(image.begin(), headers, changed.begin());
       for (int change = 0; change < 4; ++change) {
-        changed[random() % std::min<std::size_t>(changed.size(), 2048)] =
-            static_cast<std::uint8_t>(random());
+        changed[random() % static_cast<std::size_t>(headers)] = static_cast<std::uint8_t>(random());
       }
       const LibraryFile file = readLibraryFile(changed);
       EXPECT_LE(file.imports.size(), 4096U);

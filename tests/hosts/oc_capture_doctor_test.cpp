@@ -50,7 +50,7 @@ class OcCaptureDoctor : public OcCaptureTest {
 
   std::string pathOf(const std::string& baseName) const { return utf8(sdks.file(baseName)); }
 
-  // What is said of an SDK that is not there.
+  // The report about an SDK that is not there.
   std::string notThere(const std::string& maker, const std::string& baseName) const {
     return maker + ": not there\n  File          " + pathOf(baseName) + "\n\n";
   }
@@ -60,7 +60,7 @@ class OcCaptureDoctor : public OcCaptureTest {
            notThere("ToupTek", "toupcam");
   }
 
-  // A file in ZWO's place of which only the problem is known; the system's own words are its own.
+  // Only the problem is known of the file in ZWO's place. The system's message may be any.
   void expectUseless(const std::string& problem) const {
     const ProgramResult result = doctor();
     EXPECT_EQ(result.status, 1);
@@ -90,16 +90,23 @@ class OcCaptureDoctor : public OcCaptureTest {
                   othersNotThere() + notAsked + "Found 1 of 4 SDKs, 0 healthy.\n");
   }
 
-  // The simulated SDK as if it were made for another processor.
-  std::string sdkForMachine(unsigned windowsNumber, unsigned linuxNumber) const {
+  // The simulated SDK, relabelled for another processor.
+  std::string sdkForMachine(int bits, unsigned windowsNumber, unsigned linuxNumber) const {
     sdks.add("ASICamera2");
     std::string image = contentOf(sdks.file("ASICamera2"));
-    const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(image.at(at)); };
-    const bool isWindows = image.starts_with("MZ");
-    const std::size_t at = isWindows ? byteAt(0x3c) + 256U * byteAt(0x3d) + 4 : 18;
-    const unsigned number = isWindows ? windowsNumber : linuxNumber;
-    image.at(at) = static_cast<char>(number & 0xFFU);
-    image.at(at + 1) = static_cast<char>(number >> 8U);
+    const auto put16 = [&](std::size_t at, unsigned value) {
+      image.at(at) = static_cast<char>(value & 0xFFU);
+      image.at(at + 1) = static_cast<char>(value >> 8U);
+    };
+    if (image.starts_with("MZ")) {
+      const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(image.at(at)); };
+      const std::size_t header = byteAt(0x3c) + 256U * byteAt(0x3d);
+      put16(header + 4, windowsNumber);
+      put16(header + 24, bits == 64 ? 0x20b : 0x10b);
+    } else {
+      image.at(4) = bits == 64 ? 2 : 1;
+      put16(18, linuxNumber);
+    }
     return image;
   }
 
@@ -172,13 +179,13 @@ TEST_F(OcCaptureDoctor, DirectoryInTheSdksPlace) {
 }
 
 TEST_F(OcCaptureDoctor, LibraryForThirtyTwoBits) {
-  sdks.addFile("ASICamera2", sdkForMachine(0x014c, 3));
+  sdks.addFile("ASICamera2", sdkForMachine(32, 0x014c, 3));
   expectUseless(
       "This is a 32-bit library for x86, which a 64-bit program cannot use on this computer.");
 }
 
 TEST_F(OcCaptureDoctor, LibraryForAnotherProcessor) {
-  sdks.addFile("ASICamera2", sdkForMachine(0xaa64, 183));
+  sdks.addFile("ASICamera2", sdkForMachine(64, 0xaa64, 183));
   expectUseless(
       "This is a 64-bit library for ARM64, which a 64-bit program cannot use on this computer.");
 }
@@ -188,14 +195,7 @@ TEST_F(OcCaptureDoctor, LibraryForTheOtherSystem) {
                                               "ELF\x02\x01\x01"
                                             : "MZ") +
                                  std::string(500, '\0'));
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 1);
-  // Five hundred zeros behind the mark are not enough of a Windows header.
-  EXPECT_NE(
-      result.out.find(hasErrorCodes ? "This is a library for Linux, not for Windows."
-                                    : "This is no library, neither for Windows nor for Linux."),
-      std::string::npos)
-      << result.out;
+  expectUseless("This is a library for " + otherSystem + ", not for " + thisSystem + ".");
 }
 
 TEST_F(OcCaptureDoctor, FileThatIsCutOff) {
@@ -208,7 +208,7 @@ TEST_F(OcCaptureDoctor, FileThatIsCutOff) {
     EXPECT_NE(result.out.find("  Kind          The file is cut off or damaged.\n"),
               std::string::npos)
         << size << ": " << result.out;
-    // The loader of Linux does not survive such a file, so it must not meet it here.
+    // The loader of Linux may crash on such a file.
     EXPECT_NE(
         result.out.find(hasErrorCodes ? "  Loads         no: " : "  Loads         not tried: "),
         std::string::npos)
@@ -350,7 +350,7 @@ TEST_F(OcCaptureDoctor, JsonHasTheseKeysInThisOrder) {
   EXPECT_EQ(keysOf(json["sdks"][0]["imports"][0]), "name neededBy missing file problem ");
   EXPECT_EQ(json["library"].dump(),
             R"({"scanned":false,"cameras":null,"libraries":null,"error":null})");
-  // Nothing is known of what is not there.
+  // Nothing is known of an SDK that is not there.
   ordered_json absent = json["sdks"][1];
   EXPECT_EQ(keysOf(absent), sdkKeys);
   EXPECT_EQ(absent["present"], false);
