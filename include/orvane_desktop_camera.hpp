@@ -234,7 +234,7 @@ struct Settings {
   int bin = 1;                     /**< one of CameraInfo::bins */
   Format format = Format::Raw8;    /**< one of CameraInfo::formats */
   std::int64_t exposureUs = 20000; /**< microseconds, 1 to 2147483647 */
-  int gain = 0;                    /**< in the maker's units */
+  std::optional<int> gain;         /**< in the maker's units; without it CameraInfo::minGain */
   int offset = 0;                  /**< in the maker's units */
 };
 
@@ -487,7 +487,7 @@ class Camera {
     try {
       isOpen =
           library_.open(info.index, width, height, settings.bin, static_cast<int>(settings.format),
-                        settings.exposureUs, settings.gain, settings.offset);
+                        settings.exposureUs, settings.gain.value_or(info.minGain), settings.offset);
     } catch (...) {
       library_.close();  // the device may be open
       throw;
@@ -1002,6 +1002,7 @@ class Worker {
       CaptureState fresh;
       fresh.camera = camera;
       fresh.settings = settings;
+      fresh.settings.gain = settings.gain.value_or(camera.minGain);
       fresh.opening = number;
       hub_->state = std::move(fresh);
     }
@@ -1082,7 +1083,7 @@ class Worker {
   }
 
   void apply(std::int64_t exposureUs, int gain, int offset) {
-    const Settings before = state().settings;
+    const CaptureState before = state();
     try {
       if (camera_) {
         camera_->apply(exposureUs, gain, offset);
@@ -1101,7 +1102,9 @@ class Worker {
       try {
         // A part may be in force; what was before was accepted as a whole.
         if (camera_) {
-          camera_->apply(before.exposureUs, before.gain, before.offset);
+          const Settings& settings = before.settings;
+          camera_->apply(settings.exposureUs, settings.gain.value_or(before.camera.minGain),
+                         settings.offset);
         }
       } catch (...) {
         // The first refusal is the one to tell.
