@@ -2,7 +2,7 @@
 //   capture SDK-DIRECTORY SECONDS
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
+#include <string>
 #include <thread>
 
 #include "orvane_desktop_camera.hpp"
@@ -37,7 +37,7 @@ int main(int argc, char** argv) try {
   });
 
   int status = 0;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::atoi(argv[2]));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::stoi(argv[2]));
   try {
     do {
       const oc::Frame newest = capture.next(500ms);  // here a program shows the newest frame
