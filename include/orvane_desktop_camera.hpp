@@ -53,6 +53,7 @@
 #include <locale>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -598,6 +599,7 @@ struct CaptureState {
   std::uint64_t opening = 0;         /**< how many times a camera was opened */
   std::uint64_t frames = 0;          /**< that the camera has delivered */
   std::uint64_t silentWaits = 0;     /**< waits of usualWait() without a frame */
+  std::uint64_t emptyReads = 0;      /**< calls for a frame when none was ready */
   std::uint64_t failedReads = 0;     /**< calls for a frame that failed */
   std::uint64_t refusals = 0;        /**< how many times apply() was refused */
   std::string refusal;               /**< the text of the last refusal */
@@ -649,15 +651,17 @@ class BufferPool {
   void give(std::vector<std::uint8_t>& buffer) noexcept {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (buffer.size() == size_ && free_.size() < most_) {
-      free_.emplace_back();  // within the reserved memory
-      free_.back().swap(buffer);
+      try {
+        free_.push_back(std::move(buffer));
+      } catch (const std::bad_alloc&) {
+        // The buffer is freed.
+      }
     }
   }
 
   // No more than these are kept for later.
   void keep(std::size_t most) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    free_.reserve(most);
     free_.resize((std::min)(free_.size(), most));
     most_ = most;
   }
@@ -1154,8 +1158,11 @@ class Worker {
         deliver(bytes.size(), arrival, std::chrono::system_clock::now());
         return;
       }
-      const auto pause =
-          (std::min)((std::max)(exposureUs_ / 20000, std::int64_t{1}), std::int64_t{5});
+      {
+        const std::lock_guard<std::mutex> lock(hub_->mutex);
+        ++hub_->state.emptyReads;
+      }
+      const auto pause = std::clamp(exposureUs_ / 20000, std::int64_t{1}, std::int64_t{5});
       std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     } catch (...) {
       readFailed(textOf(std::current_exception()));
@@ -1235,7 +1242,7 @@ class Worker {
   // A consumer that is behind needs the memory's speed more than frames need to be read that are
   // only counted. None comes sooner than an exposure takes.
   void waitForRoom() {
-    const auto rest = (std::min)((std::max)(exposureUs_ / 1000, std::int64_t{1}), std::int64_t{50});
+    const auto rest = std::clamp(exposureUs_ / 1000, std::int64_t{1}, std::int64_t{50});
     std::unique_lock<std::mutex> lock(hub_->mutex);
     hub_->work.wait_for(lock, std::chrono::milliseconds(rest), [this] {
       const auto isFull = [](const std::weak_ptr<Queue>& entry) {

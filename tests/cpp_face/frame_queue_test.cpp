@@ -158,7 +158,7 @@ TEST_F(CppFaceFrames, AClosedQueueHandsOutWhatWaitsAndEnds) {
 TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {
   start({});
   std::vector<std::uint64_t> written;
-  oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 100);
+  oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, SIZE_MAX);
   std::thread writer([&] {
     while (const oc::Frame frame = queue.next()) {
       written.push_back(frame.number());
