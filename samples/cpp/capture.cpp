@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "../c/utf8_argument.h"
 #include "orvane_desktop_camera.hpp"
 
 using namespace std::chrono_literals;
@@ -14,7 +15,8 @@ int main(int argc, char** argv) try {
     std::fprintf(stderr, "usage: capture SDK-DIRECTORY SECONDS\n");
     return 2;
   }
-  const oc::Scan found = oc::scan(argv[1]);
+  char utf8[3072];
+  const oc::Scan found = oc::scan(utf8Argument(argv[1], utf8, sizeof utf8));
   if (found.cameras.empty()) {
     std::fprintf(stderr, "No camera found. %s\n", found.error.c_str());
     return 1;
@@ -31,11 +33,9 @@ int main(int argc, char** argv) try {
       while (const oc::Frame frame = every.next()) {
         ++frames;  // here a program writes frame.pixels() and frame.arrivalTime()
       }
-    } catch (const oc::Error&) {
-      // The camera was lost; the main thread says so.
+    } catch (const oc::Error&) {  // the camera was lost; the main thread says so
     }
   });
-
   int status = 0;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::stoi(argv[2]));
   try {

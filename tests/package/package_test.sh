@@ -97,8 +97,8 @@ expect_start "snap" "picture.pgm: 640 x 480" "$project/build/snap$exe" "$sdks" p
 expect_start "load_at_run_time" "SDKs: $names" "$project/build/load_at_run_time$exe" "$library" "$sdks"
 
 echo "== a CMake project in C++"
-cp -r "$package/samples/cpp" "$away/in C++"
-configure -S "$away/in C++" -B "$away/in C++/build" >"$scratch/configure.log" 2>&1 ||
+cp -r "$package/samples" "$away/in C++"
+configure -S "$away/in C++/cpp" -B "$away/in C++/build" >"$scratch/configure.log" 2>&1 ||
   fail "$(cat "$scratch/configure.log")"
 "$cmake" --build "$away/in C++/build" >"$scratch/build.log" 2>&1 || fail "$(cat "$scratch/build.log")"
 output=$(run "$away/in C++/build/capture$exe" "$sdks" 0) || fail "capture: status $?: $output"

@@ -74,11 +74,12 @@ TEST_F(CSamples, ListWithoutSdksFails) {
   EXPECT_EQ(none.status, 1);
 }
 
-TEST_F(CSamples, ListReadsADirectoryWithAccents) {
+TEST_F(CSamples, ListAndCaptureReadADirectoryWithAccents) {
   const SdkDirectory accents("sdk \xc3\xa9\xc3\xb6");
   accents.add("qhyccd");
   const ProgramResult found = run("list", {accents.utf8()});
   EXPECT_EQ(found.out.rfind("SDKs: qhyccd\nCameras: 4\n", 0), 0U) << found.out;
+  EXPECT_EQ(run("capture", {accents.utf8(), "0"}).status, 0);
 }
 
 TEST_F(CSamples, SnapWritesAPicture) {
