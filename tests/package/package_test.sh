@@ -64,7 +64,7 @@ package="$away/$(basename "$archive" ".${suffix#*x64.}")"
 [ "$(cd "$package" && find . -type f | wc -l)" -eq "$(($(wc -l <"$package/SHA256SUMS") + 1))" ] ||
   fail "files without a sum"
 for file in INSTALL.md README.md LICENSE include/orvane_desktop_camera.h simulated-sdks/simulator_control.h \
-  include/orvane_desktop_camera_loader.h lib/pkgconfig/orvane_desktop_camera.pc \
+  include/orvane_desktop_camera.hpp include/orvane_desktop_camera_loader.h lib/pkgconfig/orvane_desktop_camera.pc \
   bindings/python/orvane_desktop_camera.py bindings/python/pyproject.toml \
   bindings/csharp/OrvaneDesktopCamera.cs; do
   [ -f "$package/$file" ] || fail "the package lacks $file"
@@ -95,6 +95,15 @@ cd "$away"
 expect_start "snap" "picture.pgm: 640 x 480" "$project/build/snap$exe" "$sdks" picture.pgm
 [ "$(stat -c %s "$away/picture.pgm")" -eq $((15 + 640 * 480)) ] || fail "the picture's size"
 expect_start "load_at_run_time" "SDKs: $names" "$project/build/load_at_run_time$exe" "$library" "$sdks"
+
+echo "== a CMake project in C++"
+cp -r "$package/samples" "$away/in C++"
+configure -S "$away/in C++/cpp" -B "$away/in C++/build" >"$scratch/configure.log" 2>&1 ||
+  fail "$(cat "$scratch/configure.log")"
+"$cmake" --build "$away/in C++/build" >"$scratch/build.log" 2>&1 || fail "$(cat "$scratch/build.log")"
+output=$(run "$away/in C++/build/capture$exe" "$sdks" 0) || fail "capture: status $?: $output"
+[[ $output =~ ^[1-9][0-9]*\ frames\ of\ 1280\ x\ 960, ]] || fail "capture: wrote: $output"
+echo "-- capture: $output"
 
 echo "== versions that fit and do not"
 version=$(sed -n 's/^Version: //p' "$package/lib/pkgconfig/orvane_desktop_camera.pc")

@@ -1,4 +1,4 @@
-// The C samples, run as programs.
+// The samples in C and C++, run as programs.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -51,6 +51,7 @@ TEST_F(CSamples, EachTellsItsUsage) {
   EXPECT_EQ(run("change_settings", {}).err, "usage: change_settings SDK-DIRECTORY\n");
   EXPECT_EQ(run("load_at_run_time", {"x"}).err,
             "usage: load_at_run_time LIBRARY-FILE SDK-DIRECTORY\n");
+  EXPECT_EQ(run("capture", {"x"}).err, "usage: capture SDK-DIRECTORY SECONDS\n");
   EXPECT_EQ(run("list", {}).status, 2);
 }
 
@@ -73,11 +74,12 @@ TEST_F(CSamples, ListWithoutSdksFails) {
   EXPECT_EQ(none.status, 1);
 }
 
-TEST_F(CSamples, ListReadsADirectoryWithAccents) {
+TEST_F(CSamples, ListAndCaptureReadADirectoryWithAccents) {
   const SdkDirectory accents("sdk \xc3\xa9\xc3\xb6");
   accents.add("qhyccd");
   const ProgramResult found = run("list", {accents.utf8()});
   EXPECT_EQ(found.out.rfind("SDKs: qhyccd\nCameras: 4\n", 0), 0U) << found.out;
+  EXPECT_EQ(run("capture", {accents.utf8(), "0"}).status, 0);
 }
 
 TEST_F(CSamples, SnapWritesAPicture) {
@@ -153,6 +155,29 @@ TEST_F(CSamples, TheLibraryCanBeLoadedAtRunTime) {
   const ProgramResult without = run("load_at_run_time", {nowhere, sdks_.utf8()});
   EXPECT_EQ(without.status, 1);
   EXPECT_EQ(without.err, "Cannot load " + nowhere + "\nGoing on without cameras.\n");
+}
+
+TEST_F(CSamples, CaptureCountsFramesOnASecondThread) {
+  sdks_.add("ASICamera2");
+  const ProgramResult result = run("capture", {sdks_.utf8(), "1"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  const std::vector<double> frames = numbersAfter("", result.out);
+  ASSERT_GE(frames.size(), 5U) << result.out;
+  EXPECT_GT(frames[0], 1) << result.out;
+  EXPECT_NE(result.out.find(" frames of 1280 x 960, "), std::string::npos) << result.out;
+}
+
+TEST_F(CSamples, CaptureTellsWhatWentWrong) {
+  EXPECT_EQ(run("capture", {sdks_.utf8(), "0"}).err, "No camera found. \n");
+  sdks_.add("ASICamera2");
+  const ProgramResult refused =
+      run("capture", {sdks_.utf8(), "0"}, "force ASIStartVideoCapture 1 1 16");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.err, "ASIStartVideoCapture: 16\n");
+  const ProgramResult lost = run("capture", {sdks_.utf8(), "30"}, "unplug 0 ASIGetVideoData 5");
+  EXPECT_EQ(lost.status, 1);
+  EXPECT_EQ(lost.out.rfind("4 frames of 1280 x 960", 0), 0U) << lost.out;
+  EXPECT_EQ(lost.err, "The camera is lost: ASIGetVideoData: 5\n");
 }
 
 }  // namespace
