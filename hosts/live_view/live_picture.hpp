@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "imaging/focus.hpp"
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
+#include "live_view/focus.hpp"
 #include "live_view/frame_exchange.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"

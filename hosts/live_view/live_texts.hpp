@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "imaging/focus.hpp"
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
+#include "live_view/focus.hpp"
 #include "live_view/live_session.hpp"
 
 namespace orvane::host {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-#include "live_view/canvas_windows.hpp"
+#include "live_view/gdi_canvas_windows.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_camera.hpp"
 #include "live_view/live_controls.hpp"
@@ -62,7 +62,7 @@ class LiveWindow {
 
   HWND window_ = nullptr;
   int dpi_ = 96;
-  Canvas canvas_;
+  GdiCanvas canvas_;
   WindowLayout layout_;
   LivePicture picture_;
   LiveFrame frame_;

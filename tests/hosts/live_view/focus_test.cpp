@@ -1,5 +1,5 @@
 // The focus figure, on stars of known width.
-#include "imaging/focus.hpp"
+#include "live_view/focus.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The distribution of a frame's samples, and the range that they have.
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
 
 #include <gtest/gtest.h>
 

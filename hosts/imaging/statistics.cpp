@@ -1,5 +1,5 @@
 // How a frame's samples are distributed, and which range they have.
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
 
 #include <algorithm>
 #include <cmath>

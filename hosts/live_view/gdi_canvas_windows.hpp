@@ -17,12 +17,12 @@ enum class TextSize { Small, Normal, Title, Figure };
 enum class TextAlign { Left, Centre, Right };
 
 /// Colours are 0x00RRGGBB.
-class Canvas {
+class GdiCanvas {
  public:
-  Canvas() = default;
-  ~Canvas();
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
+  GdiCanvas() = default;
+  ~GdiCanvas();
+  GdiCanvas(const GdiCanvas&) = delete;
+  GdiCanvas& operator=(const GdiCanvas&) = delete;
 
   /// Makes the canvas as large as the window and its fonts as large as the screen asks for. What
   /// was drawn is lost.

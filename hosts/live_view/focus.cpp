@@ -1,5 +1,5 @@
 // How sharp a frame is: the size of its brightest star, or else the steepness of its edges.
-#include "imaging/focus.hpp"
+#include "live_view/focus.hpp"
 
 #include <algorithm>
 #include <cmath>
