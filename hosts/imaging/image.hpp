@@ -33,4 +33,9 @@ Image imageFromFrame(std::span<const std::uint8_t> frame, const FrameLayout& lay
 /// What does not fill a square at the right and at the bottom is left out.
 Image shrink(Image image, int longestSide);
 
+/// The colour image of a one-channel image that was taken through a mosaic (not "none"). Bilinear:
+/// of the two colours that a pixel lacks, each is the mean of its nearest neighbours that have it.
+/// At the border the image is continued as in a mirror.
+Image debayer(const Image& mosaicImage, Mosaic mosaic);
+
 }  // namespace orvane::host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "imaging/image.hpp"
@@ -31,5 +32,13 @@ std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 
 /// The image for a screen.
 ScreenImage stretched(const Image& image);
+
+/// The frame in colour if it has any, brightened so that something can be seen, and with no side
+/// longer than `longestSide`. `frame` holds frameBytes(layout) bytes.
+ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                      int longestSide = 2400);
+
+/// The same of an image that was taken through a mosaic, or none.
+ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide);
 
 }  // namespace orvane::host

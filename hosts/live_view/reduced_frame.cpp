@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "imaging/debayer.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 

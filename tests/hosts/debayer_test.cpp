@@ -1,5 +1,5 @@
-// Colour from mosaics, against values worked out by hand.
-#include "imaging/debayer.hpp"
+// Debayering, against values worked out by hand.
+#include "imaging/image.hpp"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,6 @@
 
 #include <vector>
 
-#include "imaging/debayer.hpp"
 #include "imaging/image.hpp"
 #include "system/failures.hpp"
 

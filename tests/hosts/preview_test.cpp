@@ -1,5 +1,5 @@
 // The picture beside a recording.
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 
 #include <gtest/gtest.h>
 

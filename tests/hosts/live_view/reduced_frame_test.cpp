@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "imaging/debayer.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 
