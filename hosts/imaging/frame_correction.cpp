@@ -1,4 +1,4 @@
-// Puts right what an SDK delivers otherwise than it says.
+// Corrects frames whose layout differs from what the SDK reported.
 #include "imaging/frame_correction.hpp"
 
 #include <algorithm>
@@ -10,20 +10,9 @@ namespace orvane::host {
 
 namespace {
 
-Mosaic withRowsExchanged(Mosaic mosaic) {
-  switch (mosaic) {
-    case Mosaic::Rggb:
-      return Mosaic::Gbrg;
-    case Mosaic::Gbrg:
-      return Mosaic::Rggb;
-    case Mosaic::Grbg:
-      return Mosaic::Bggr;
-    case Mosaic::Bggr:
-      return Mosaic::Grbg;
-    case Mosaic::None:
-      break;
-  }
-  return Mosaic::None;
+Mosaic withSwappedRows(Mosaic mosaic) {
+  // One bit of the code is the row of the red pixel. None becomes an unknown code, which is none.
+  return mosaicFromCode(static_cast<int>(mosaic) ^ 2);
 }
 
 template <class Sample>
@@ -42,8 +31,8 @@ void correct(std::span<Sample> samples, int rows, const FrameCorrection& correct
 }
 
 Mosaic correctedMosaic(Mosaic mosaic, int height, const FrameCorrection& correction) {
-  const Mosaic asItComes = correction.mosaic.value_or(mosaic);
-  return correction.flips && height % 2 == 0 ? withRowsExchanged(asItComes) : asItComes;
+  const Mosaic delivered = correction.mosaic.value_or(mosaic);
+  return correction.flips && height % 2 == 0 ? withSwappedRows(delivered) : delivered;
 }
 
 }  // namespace

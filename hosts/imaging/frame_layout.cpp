@@ -1,4 +1,4 @@
-// How the bytes of a frame are to be understood: size, pixel format and colour mosaic.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern.
 #include "imaging/frame_layout.hpp"
 
 #include <array>

@@ -7,7 +7,7 @@ namespace orvane::host {
 
 namespace {
 
-// The coordinate before the first is the second, so that the mosaic's colours go on in turn.
+// The coordinate before the first is the second, so that the Bayer pattern continues.
 std::size_t mirrored(int coordinate, int size) {
   const int inside = coordinate < 0      ? -coordinate
                      : coordinate < size ? coordinate
@@ -27,16 +27,11 @@ std::uint16_t mean(int a, int b, int c, int d) {
 
 Image imageFromFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout) {
   Image image{layout.width, layout.height, layout.format == PixelFormat::Rgb24 ? 3 : 1, {}};
-  if (layout.format == PixelFormat::Raw16) {
-    image.samples.resize(frame.size() / 2);
-    for (std::size_t index = 0; index < image.samples.size(); ++index) {
-      image.samples[index] =
-          static_cast<std::uint16_t>(frame[2 * index] | (frame[2 * index + 1] << 8));
-    }
-  } else {
-    image.samples.resize(frame.size());
-    std::transform(frame.begin(), frame.end(), image.samples.begin(),
-                   [](std::uint8_t sample) { return static_cast<std::uint16_t>(sample * 257); });
+  const int scale = layout.format == PixelFormat::Raw16 ? 1 : 257;
+  image.samples.resize(sampleCount(frame, layout.format));
+  for (std::size_t index = 0; index < image.samples.size(); ++index) {
+    image.samples[index] =
+        static_cast<std::uint16_t>(scale * sampleAt(frame, layout.format, index));
   }
   return image;
 }
@@ -73,36 +68,35 @@ Image shrink(Image image, int longestSide) {
   return small;
 }
 
-Image debayer(const Image& mosaicImage, Mosaic mosaic) {
-  const int width = mosaicImage.width;
-  const int height = mosaicImage.height;
-  const bool redInOddColumns = mosaic == Mosaic::Grbg || mosaic == Mosaic::Bggr;
-  const bool redInOddRows = mosaic == Mosaic::Gbrg || mosaic == Mosaic::Bggr;
+Image debayer(const Image& raw, Mosaic mosaic) {
+  const int width = raw.width;
+  const int height = raw.height;
+  const RedPixel red = redPixelOf(mosaic);
 
   Image image{width, height, 3, {}};
-  image.samples.resize(mosaicImage.samples.size() * 3);
+  image.samples.resize(raw.samples.size() * 3);
   std::uint16_t* pixel = image.samples.data();
   for (int y = 0; y < height; ++y) {
     const auto row = [&](int at) {
-      return mosaicImage.samples.data() + mirrored(at, height) * static_cast<std::size_t>(width);
+      return raw.samples.data() + mirrored(at, height) * static_cast<std::size_t>(width);
     };
     const std::uint16_t* const above = row(y - 1);
     const std::uint16_t* const here = row(y);
     const std::uint16_t* const below = row(y + 1);
-    const bool isRedRow = (y % 2 != 0) == redInOddRows;
+    const bool isRedRow = y % 2 == red.row;
     for (int x = 0; x < width; ++x, pixel += 3) {
       const std::size_t left = mirrored(x - 1, width);
       const auto middle = static_cast<std::size_t>(x);
       const std::size_t right = mirrored(x + 1, width);
       const std::uint16_t own = here[middle];
-      const bool isRedColumn = (x % 2 != 0) == redInOddColumns;
-      if (isRedRow != isRedColumn) {  // green: one of the others stands beside it, one above it
+      const bool isRedColumn = x % 2 == red.column;
+      if (isRedRow != isRedColumn) {  // green: one of the others is beside it, one above it
         const std::uint16_t beside = mean(here[left], here[right]);
         const std::uint16_t upright = mean(above[middle], below[middle]);
         pixel[0] = isRedRow ? beside : upright;
         pixel[1] = own;
         pixel[2] = isRedRow ? upright : beside;
-      } else {  // red or blue: green stands around it, the other one at the corners
+      } else {  // red or blue: green is around it, the other one at the corners
         const std::uint16_t corners = mean(above[left], above[right], below[left], below[right]);
         pixel[0] = isRedRow ? own : corners;
         pixel[1] = mean(above[middle], below[middle], here[left], here[right]);

@@ -33,12 +33,12 @@ std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 /// The image for a screen.
 ScreenImage stretched(const Image& image);
 
-/// The frame in colour if it has any, brightened so that something can be seen, and with no side
-/// longer than `longestSide`. `frame` holds frameBytes(layout) bytes.
+/// A picture of a frame for a person to look at: debayered if it has a Bayer pattern, shrunk to
+/// `longestSide`, stretched. `frame` holds frameBytes(layout) bytes.
 ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int longestSide = 2400);
 
-/// The same of an image that was taken through a mosaic, or none.
+/// The same of an image with this Bayer pattern, or none.
 ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide);
 
 }  // namespace orvane::host
