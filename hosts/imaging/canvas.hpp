@@ -37,7 +37,7 @@ class Canvas {
 
   static int textWidth(const std::string& text, int scale = 2);
 
-  /// Of letters without what hangs below the line.
+  /// The height of letters without descenders.
   static constexpr int textHeight(int scale = 2) { return 9 * scale; }
 
   const ScreenImage& image() const { return image_; }
@@ -60,12 +60,12 @@ struct Axis {
   /// A tick's number as text, with the decimals that the step needs.
   std::string label(double tick) const;
 
-  /// Where a value lies: 0 at the low end, 1 at the high end, and no further.
+  /// The place of a value: 0 at the low end, 1 at the high end, clamped.
   double part(double value) const;
 };
 
-/// The axis that holds these values, with about so many steps. Equal values get some room around
-/// them.
+/// The axis for values in this range, with about `steps` steps. If both are equal, it extends
+/// beyond them.
 Axis axisFor(double smallest, double largest, int steps);
 
 }  // namespace orvane::host

@@ -22,7 +22,7 @@ struct ImageOf {
 /// An image with samples over the whole range of 16 bits.
 using Image = ImageOf<std::uint16_t>;
 
-/// An image that a screen shows.
+/// An image for a screen.
 using ScreenImage = ImageOf<std::uint8_t>;
 
 /// The samples of a frame of frameBytes(layout) bytes, 8 bits scaled to 16. Not debayered.

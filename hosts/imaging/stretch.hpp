@@ -13,8 +13,8 @@ namespace orvane::host {
 /// All values lie from 0 to 1.
 double midtonesTransfer(double midtones, double value);
 
-/// How one channel of an image is brightened: samples up to `black` become 0, those from `white` on
-/// become 1, and between them runs the midtones transfer function.
+/// The curve that brightens one channel: samples up to `black` become 0, those from `white` on
+/// become 1, those between follow the midtones transfer function.
 struct Stretch {
   double black = 0;
   double white = 65535;
@@ -27,7 +27,7 @@ struct Stretch {
 /// it, and what stands out of it keeps its colour. No channel is darkened beyond its black point.
 std::vector<Stretch> autoStretch(const Image& image);
 
-/// What each of the 65536 sample values becomes on a screen.
+/// The screen's value of each of the 65536 sample values.
 std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 
 /// The image for a screen.

@@ -1,4 +1,4 @@
-// A picture in memory that the window is drawn into and that the screen is filled from.
+// The window's contents: a bitmap in memory that GDI draws into.
 #include "live_view/gdi_canvas_windows.hpp"
 
 #include <algorithm>
@@ -21,10 +21,6 @@ constexpr std::array<FontKind, 4> fontKinds = {
 
 COLORREF colorRef(std::uint32_t color) {
   return RGB(color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF);
-}
-
-RECT rectOf(const PixelRect& rect) {
-  return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
 }
 
 std::wstring wideOf(const std::string& utf8) {
@@ -114,7 +110,7 @@ void GdiCanvas::show(HDC screen, const RECT& part) const {
 }
 
 ScreenTarget GdiCanvas::pixelsOf(const PixelRect& part) {
-  GdiFlush();  // what is being drawn by the system must be there
+  GdiFlush();  // GDI may queue its drawing
   return {bits_ + static_cast<std::ptrdiff_t>(part.top) * width_ + part.left, width_, part.width,
           part.height};
 }
@@ -158,7 +154,7 @@ void GdiCanvas::polyline(const std::vector<POINT>& points, std::uint32_t color) 
   Polyline(memory_, points.data(), static_cast<int>(points.size()));
 }
 
-// Lines as thick as the screen asks for.
+// Selects a pen; its width follows the screen's resolution.
 void GdiCanvas::useLine(std::uint32_t color) {
   if (pen_ == nullptr || color != penColor_) {
     HPEN pen = CreatePen(PS_SOLID, std::max(1, dpi_ / 96), colorRef(color));

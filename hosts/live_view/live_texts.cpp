@@ -1,4 +1,4 @@
-// What the live view says on the screen.
+// The texts of the live view.
 #include "live_view/live_texts.hpp"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace orvane::host {
 
 namespace {
 
-// Three digits that count.
+// Three significant digits.
 std::string threeDigits(double number) {
   return decimal(number, number < 9.995 ? 2 : number < 99.95 ? 1 : 0);
 }

@@ -1,4 +1,4 @@
-// The window: what its user does becomes commands, what the camera does becomes pictures.
+// The window: turns keys and mouse into commands for the camera, and frames into pictures.
 #pragma once
 
 #include <windows.h>
@@ -25,7 +25,7 @@ class LiveWindow {
   LiveWindow(const LiveWindow&) = delete;
   LiveWindow& operator=(const LiveWindow&) = delete;
 
-  /// Until the user closes the window.
+  /// Handles messages until the user closes the window.
   void run();
 
  private:
@@ -44,7 +44,7 @@ class LiveWindow {
 
   void keyPressed(const KeyPress& press);
   bool keyInCameraList(const KeyPress& press);
-  void carryOut(ViewCommand command);
+  void execute(ViewCommand command);
   void mousePressed(int x, int y);
   void mouseMoved(int x, int y);
   void mouseReleased(int x, int y);

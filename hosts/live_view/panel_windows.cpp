@@ -1,4 +1,4 @@
-// Draws what stands beside and over the picture.
+// Draws the panel beside the picture and what is laid over it.
 #include "live_view/panel_windows.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Draws what stands beside and over the picture.
+// Draws the panel beside the picture and what is laid over it.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const Palette& pal
 void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                     const LiveState& state);
 
-/// The text that stands in place of a picture.
+/// The text in place of a picture.
 void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                       const LiveState& state);
 
@@ -40,7 +40,7 @@ void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const Palette&
 
 void drawHelp(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette);
 
-/// Where the list of cameras lies.
+/// The place of the list of cameras.
 ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi);
 
 void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
