@@ -19,7 +19,7 @@
 #include "oc_capture/status_line.hpp"
 #include "session/camera_choice.hpp"
 #include "session/camera_session.hpp"
-#include "session/distribution.hpp"
+#include "session/frame_timing.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "imaging/canvas.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {

@@ -14,7 +14,7 @@
 #include "formats/png_writer.hpp"
 #include "formats/ser_time.hpp"
 #include "formats/ser_writer.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"

@@ -10,7 +10,7 @@
 
 #include "formats/fits_writer.hpp"
 #include "formats/png_writer.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "oc_capture/chosen_camera.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"

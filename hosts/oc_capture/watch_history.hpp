@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "imaging/frame_statistics.hpp"
+#include "imaging/statistics.hpp"
 
 namespace orvane::host {
 

@@ -6,7 +6,6 @@
 #include <functional>
 #include <vector>
 
-#include "imaging/axis.hpp"
 #include "imaging/canvas.hpp"
 
 namespace orvane::host {
