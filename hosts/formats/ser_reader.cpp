@@ -55,7 +55,7 @@ void SerReader::readHeader() {
   const auto number = [&](std::size_t at) { return ser::integerAt<std::int32_t>(header, at); };
   facts_.colorId = number(offset::colorId);
   facts_.channels = channelsOf(facts_.colorId);
-  facts_.mosaic = mosaicFromCode(facts_.colorId);
+  facts_.bayer = bayerFromCode(facts_.colorId);
   facts_.isBigEndian = number(offset::littleEndian) != ser::byteOrder::little;
   facts_.width = number(offset::width);
   facts_.height = number(offset::height);

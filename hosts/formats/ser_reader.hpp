@@ -22,9 +22,9 @@ struct SerFacts {
   int height = 0;
   int depth = 0;  ///< bits of a sample, 1 to 16; more than 8 are stored in two bytes
   SerChannels channels = SerChannels::One;
-  Mosaic mosaic = Mosaic::None;  ///< none also for patterns of other colours
-  std::int32_t colorId = 0;      ///< as in the header
-  bool isBigEndian = false;      ///< samples of two bytes
+  BayerPattern bayer = BayerPattern::None;  ///< none also for patterns of other colours
+  std::int32_t colorId = 0;                 ///< as in the header
+  bool isBigEndian = false;                 ///< samples of two bytes
   std::int32_t frames = 0;
   std::string observer;  ///< these three up to the first NUL, valid UTF-8
   std::string instrument;

@@ -21,12 +21,12 @@ void putText(Header& header, std::size_t at, std::string_view text) {
 }
 
 std::int32_t colorId(const FrameLayout& layout) {
-  static_assert(static_cast<int>(Mosaic::Rggb) == ser::color::rggb &&
-                static_cast<int>(Mosaic::Grbg) == ser::color::grbg &&
-                static_cast<int>(Mosaic::Gbrg) == ser::color::gbrg &&
-                static_cast<int>(Mosaic::Bggr) == ser::color::bggr);
+  static_assert(static_cast<int>(BayerPattern::Rggb) == ser::color::rggb &&
+                static_cast<int>(BayerPattern::Grbg) == ser::color::grbg &&
+                static_cast<int>(BayerPattern::Gbrg) == ser::color::gbrg &&
+                static_cast<int>(BayerPattern::Bggr) == ser::color::bggr);
   return layout.format == PixelFormat::Rgb24 ? ser::color::rgb
-                                             : static_cast<std::int32_t>(layout.mosaic);
+                                             : static_cast<std::int32_t>(layout.bayer);
 }
 
 // What is not set is 0: LuID, and the number of frames so far.

@@ -12,9 +12,9 @@ namespace orvane::host {
 
 /// What to correct in every frame.
 struct FrameCorrection {
-  bool flips = false;            ///< the last row becomes the first
-  bool swapsRedAndBlue = false;  ///< of RGB frames
-  std::optional<Mosaic> mosaic;  ///< of raw frames, before they are flipped
+  bool flips = false;                 ///< the last row becomes the first
+  bool swapsRedAndBlue = false;       ///< of RGB frames
+  std::optional<BayerPattern> bayer;  ///< of raw frames, before they are flipped
 };
 
 /// The layout of the corrected frames. Flipping frames of even height swaps the rows of the Bayer
@@ -26,6 +26,6 @@ void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
                   const FrameCorrection& correction);
 
 /// Corrects the image of a frame in place. Returns the Bayer pattern that it has then.
-Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction);
+BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrection& correction);
 
 }  // namespace orvane::host

@@ -13,13 +13,13 @@ namespace orvane::host {
 enum class PixelFormat { Raw8 = 0, Raw16 = 1, Rgb24 = 2, Mono8 = 3 };
 
 /// The library's codes of Bayer patterns: the colours of the top left 2 x 2 pixels, row by row.
-enum class Mosaic { None = 0, Rggb = 8, Grbg = 9, Gbrg = 10, Bggr = 11 };
+enum class BayerPattern { None = 0, Rggb = 8, Grbg = 9, Gbrg = 10, Bggr = 11 };
 
 struct FrameLayout {
   int width = 0;
   int height = 0;
   PixelFormat format = PixelFormat::Raw8;
-  Mosaic mosaic = Mosaic::None;  ///< none for RGB and for mono
+  BayerPattern bayer = BayerPattern::None;  ///< none for RGB and for mono
 };
 
 /// "raw8", "raw16", "rgb24" or "mono8".
@@ -32,13 +32,13 @@ std::optional<PixelFormat> formatFromName(std::string_view name);
 std::optional<PixelFormat> formatFromCode(int code);
 
 /// The Bayer pattern with this code of the library's; none for an unknown code.
-Mosaic mosaicFromCode(int code);
+BayerPattern bayerFromCode(int code);
 
 /// The Bayer pattern with this name, in letters of any case: "RGGB" and so on, or "none".
-std::optional<Mosaic> mosaicFromName(std::string_view name);
+std::optional<BayerPattern> bayerFromName(std::string_view name);
 
 /// "RGGB" and so on; "" for none.
-const char* mosaicName(Mosaic mosaic);
+const char* bayerName(BayerPattern bayer);
 
 /// Where the red pixel of a Bayer pattern's 2 x 2 pixels is: column and row, 0 or 1. Blue is in the
 /// other column and the other row, green in the other column or the other row.
@@ -47,8 +47,8 @@ struct RedPixel {
   int row = 0;
 };
 
-constexpr RedPixel redPixelOf(Mosaic mosaic) {
-  const auto code = static_cast<int>(mosaic);  // its lowest bit is the column, the next one the row
+constexpr RedPixel redPixelOf(BayerPattern bayer) {
+  const auto code = static_cast<int>(bayer);  // its lowest bit is the column, the next one the row
   return {code & 1, code >> 1 & 1};
 }
 

@@ -68,10 +68,10 @@ Image shrink(Image image, int longestSide) {
   return small;
 }
 
-Image debayer(const Image& raw, Mosaic mosaic) {
+Image debayer(const Image& raw, BayerPattern bayer) {
   const int width = raw.width;
   const int height = raw.height;
-  const RedPixel red = redPixelOf(mosaic);
+  const RedPixel red = redPixelOf(bayer);
 
   Image image{width, height, 3, {}};
   image.samples.resize(raw.samples.size() * 3);

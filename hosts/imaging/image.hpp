@@ -35,6 +35,6 @@ Image shrink(Image image, int longestSide);
 /// The colour image of a one-channel image with a Bayer pattern (not "none"). Bilinear: each of the
 /// two colours that a pixel lacks is the mean of its nearest neighbours that have it. The image is
 /// mirrored at its borders.
-Image debayer(const Image& raw, Mosaic mosaic);
+Image debayer(const Image& raw, BayerPattern bayer);
 
 }  // namespace orvane::host

@@ -64,8 +64,8 @@ FrameStatistics frameStatistics(std::span<const std::uint8_t> frame, const Frame
 Histogram histogramOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int fullScale) {
   const bool isRgb = layout.format == PixelFormat::Rgb24;
-  const bool isBayer = layout.mosaic != Mosaic::None;
-  const RedPixel red = redPixelOf(layout.mosaic);
+  const bool isBayer = layout.bayer != BayerPattern::None;
+  const RedPixel red = redPixelOf(layout.bayer);
   const double pixels = static_cast<double>(layout.width) * layout.height;
   const int every = std::max(1, static_cast<int>(std::sqrt(pixels / enoughPixels)));
 

@@ -120,12 +120,12 @@ ScreenImage stretched(const Image& image) {
 
 ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int longestSide) {
-  return previewOf(imageFromFrame(frame, layout), layout.mosaic, longestSide);
+  return previewOf(imageFromFrame(frame, layout), layout.bayer, longestSide);
 }
 
-ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide) {
-  if (mosaic != Mosaic::None) {
-    image = debayer(image, mosaic);
+ScreenImage previewOf(Image image, BayerPattern bayer, int longestSide) {
+  if (bayer != BayerPattern::None) {
+    image = debayer(image, bayer);
   }
   return stretched(shrink(std::move(image), longestSide));
 }

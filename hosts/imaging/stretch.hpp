@@ -39,6 +39,6 @@ ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& la
                       int longestSide = 2400);
 
 /// The same of an image with this Bayer pattern, or none.
-ScreenImage previewOf(Image image, Mosaic mosaic, int longestSide);
+ScreenImage previewOf(Image image, BayerPattern bayer, int longestSide);
 
 }  // namespace orvane::host

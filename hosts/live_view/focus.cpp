@@ -36,7 +36,7 @@ class Brightness {
 
   int width() const { return layout_.width; }
   int height() const { return layout_.height; }
-  bool isBayer() const { return layout_.mosaic != Mosaic::None; }
+  bool isBayer() const { return layout_.bayer != BayerPattern::None; }
 
   double at(int x, int y) const {
     if (!isBayer()) {

@@ -106,11 +106,11 @@ void reduceSquares(const Squares& squares, const FrameLayout& layout, int factor
 
 template <class Samples>
 void reduceRaw(Samples samples, const FrameLayout& layout, int factor, Image& reduced) {
-  if (layout.mosaic == Mosaic::None) {
+  if (layout.bayer == BayerPattern::None) {
     reduceSquares(PlainSquares<Samples, 1>{samples}, layout, factor, 1, reduced);
     return;
   }
-  const RedPixel red = redPixelOf(layout.mosaic);
+  const RedPixel red = redPixelOf(layout.bayer);
   reduceSquares(BayerSquares<Samples>{samples, static_cast<std::size_t>(red.column),
                                       static_cast<std::size_t>(red.row)},
                 layout, factor, 1, reduced);
@@ -130,7 +130,7 @@ int reductionFactor(const FrameLayout& layout, int width, int height) {
   const int down = layout.height / std::max(height, 1);
   // The image keeps its shape, so the direction that is reduced more decides how much is shown.
   const int factor = std::clamp(std::max(across, down), 1, largestFactor);
-  if (layout.mosaic == Mosaic::None) {
+  if (layout.bayer == BayerPattern::None) {
     return factor;
   }
   return std::max(2, factor / 2 * 2);
@@ -138,7 +138,7 @@ int reductionFactor(const FrameLayout& layout, int width, int height) {
 
 void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout, int factor,
                  Image& reduced) {
-  const bool isColour = layout.format == PixelFormat::Rgb24 || layout.mosaic != Mosaic::None;
+  const bool isColour = layout.format == PixelFormat::Rgb24 || layout.bayer != BayerPattern::None;
   reduced.width = layout.width / factor;
   reduced.height = layout.height / factor;
   reduced.channels = isColour ? 3 : 1;
@@ -156,13 +156,13 @@ void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
 
 PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const PixelRect& wanted, Image& part) {
-  const bool isBayer = layout.mosaic != Mosaic::None;
+  const bool isBayer = layout.bayer != BayerPattern::None;
   const auto [left, width] = clamped(wanted.left, wanted.width, layout.width, isBayer);
   const auto [top, height] = clamped(wanted.top, wanted.height, layout.height, isBayer);
   FrameLayout cut = layout;
   cut.width = width;
   cut.height = height;
-  const std::size_t pixelBytes = frameBytes({1, 1, layout.format, Mosaic::None});
+  const std::size_t pixelBytes = frameBytes({1, 1, layout.format, BayerPattern::None});
   const std::size_t rowBytes = static_cast<std::size_t>(width) * pixelBytes;
   std::vector<std::uint8_t> bytes;
   bytes.reserve(frameBytes(cut));
@@ -176,7 +176,7 @@ PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layou
   }
   part = imageFromFrame(bytes, cut);
   if (isBayer) {
-    part = debayer(part, layout.mosaic);
+    part = debayer(part, layout.bayer);
   }
   return {left, top, width, height};
 }

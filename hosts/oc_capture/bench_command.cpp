@@ -63,7 +63,7 @@ class Bench {
       : command_(command), camera_(camera), line_(line) {
     result_.camera = camera.description.name;
     result_.layout = {camera.settings.width, camera.settings.height, camera.settings.format,
-                      Mosaic::None};
+                      BayerPattern::None};
   }
 
   Measurement run() {

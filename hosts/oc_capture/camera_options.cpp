@@ -33,15 +33,15 @@ std::int64_t readExposureText(const std::string& text) {
   return microseconds;
 }
 
-std::optional<Mosaic> readMosaicText(const std::optional<std::string>& text) {
+std::optional<BayerPattern> readBayerPatternText(const std::optional<std::string>& text) {
   if (!text) {
     return std::nullopt;
   }
-  const auto mosaic = mosaicFromName(*text);
-  if (!mosaic) {
+  const auto bayer = bayerFromName(*text);
+  if (!bayer) {
     throw UsageError("--bayer needs RGGB, GRBG, GBRG, BGGR or none, not " + inQuotes(*text) + ".");
   }
-  return mosaic;
+  return bayer;
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ std::optional<int> readOptionalNumber(const char* option, const std::optional<st
 }
 
 FrameCorrection readCorrectionTexts(const CorrectionTexts& texts) {
-  return {texts.flips, texts.swapsRedAndBlue, readMosaicText(texts.mosaic)};
+  return {texts.flips, texts.swapsRedAndBlue, readBayerPatternText(texts.bayer)};
 }
 
 CameraChoice readCameraTexts(const CameraTexts& texts) {

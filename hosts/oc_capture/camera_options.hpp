@@ -29,7 +29,7 @@ struct CameraChoice {
 struct CorrectionTexts {
   bool flips = false;
   bool swapsRedAndBlue = false;
-  std::optional<std::string> mosaic;
+  std::optional<std::string> bayer;
 };
 
 /// The choice as typed.
@@ -43,7 +43,7 @@ struct CameraTexts {
 /// Throws UsageError with a sentence about the first text that is wrong.
 CameraChoice readCameraTexts(const CameraTexts& texts);
 
-/// Throws UsageError when there is no such mosaic.
+/// Throws UsageError when there is no such Bayer pattern.
 FrameCorrection readCorrectionTexts(const CorrectionTexts& texts);
 
 /// An optional whole number of an option. Throws UsageError.

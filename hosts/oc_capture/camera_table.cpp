@@ -23,7 +23,7 @@ std::string colour(const CameraDescription& camera) {
   if (!camera.isColor) {
     return "mono";
   }
-  return camera.mosaic == Mosaic::None ? "colour" : mosaicName(camera.mosaic);
+  return camera.bayer == BayerPattern::None ? "colour" : bayerName(camera.bayer);
 }
 
 // What is not USB 3 may as well be unknown: not every SDK tells.

@@ -71,7 +71,7 @@ CameraSettings settingsFor(const CameraChoice& choice, const CameraDescription& 
   settings.gain = gainOf(camera, choice.gain);
   settings.offset = choice.offset;
   // Refused now and not with the camera open.
-  correctedLayout({settings.width, settings.height, settings.format, Mosaic::None},
+  correctedLayout({settings.width, settings.height, settings.format, BayerPattern::None},
                   choice.correction);
   return settings;
 }

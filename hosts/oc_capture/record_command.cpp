@@ -180,7 +180,7 @@ void reportJson(const RecordCommand& command, const ChosenCamera& camera,
   document["width"] = recording.layout.width;
   document["height"] = recording.layout.height;
   document["format"] = formatName(recording.layout.format);
-  document["bayer"] = mosaicName(recording.layout.mosaic);
+  document["bayer"] = bayerName(recording.layout.bayer);
   document["frames"] = recording.frames;
   document["droppedFrames"] = recording.droppedFrames;
   document["silentWaits"] = recording.silentWaits;

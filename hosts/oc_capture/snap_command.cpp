@@ -85,7 +85,7 @@ void report(const SnapCommand& command, const ChosenCamera& camera, const Snapsh
     document["width"] = layout.width;
     document["height"] = layout.height;
     document["format"] = formatName(layout.format);
-    document["bayer"] = mosaicName(layout.mosaic);
+    document["bayer"] = bayerName(layout.bayer);
     document["exposureUs"] = camera.settings.exposureUs;
     document["gain"] = camera.settings.gain;
     document["offset"] = camera.settings.offset;

@@ -72,7 +72,7 @@ CLI::Option& Subcommand::addCamera(CameraTexts& texts) {
 void Subcommand::addCorrection(CorrectionTexts& texts) {
   parser_.add_flag("--flip", texts.flips, "Turn frames upside down");
   parser_.add_flag("--swap-rb", texts.swapsRedAndBlue, "Exchange red and blue of rgb24 frames");
-  add("--bayer", texts.mosaic, "PATTERN",
+  add("--bayer", texts.bayer, "PATTERN",
       "The mosaic of raw frames as they come, in place of what the SDK says: RGGB, GRBG, GBRG, "
       "BGGR or none");
 }

@@ -147,7 +147,7 @@ TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
   }
 }
 
-TEST_F(OcCaptureOptions, FlippedFramesHaveTheirMosaicTurned) {
+TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternTurned) {
   ASSERT_EQ(record({"--flip"}).status, 0);
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, 11);  // GRBG, its rows exchanged: BGGR
@@ -168,7 +168,7 @@ TEST_F(OcCaptureOptions, RedAndBlueAreExchanged) {
   }
 }
 
-TEST_F(OcCaptureOptions, AnotherMosaicIsWritten) {
+TEST_F(OcCaptureOptions, AnotherBayerPatternIsWritten) {
   ASSERT_EQ(record({"--bayer", "bggr"}).status, 0);
   EXPECT_EQ(SerFile(recording()).colorId, 11);
   ASSERT_EQ(record({"--bayer", "none", "--overwrite"}).status, 0);

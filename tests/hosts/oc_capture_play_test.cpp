@@ -18,7 +18,8 @@ std::string bytesOf(std::int64_t value, int count) {
 
 class OcCapturePlay : public OcCaptureTest {
  protected:
-  // Frames of 4 x 2 samples of 8 bits through a GRBG mosaic, with these times in milliseconds.
+  // Frames of 4 x 2 samples of 8 bits through a GRBG Bayer pattern, with these times in
+  // milliseconds.
   void write(const std::vector<int>& milliseconds, std::int32_t promisedFrames) const {
     constexpr std::int64_t start = 638448448000000000;  // 2024-02-29 23:06:40 UTC
     const auto padded = [](const std::string& text) {
@@ -129,7 +130,7 @@ TEST_F(OcCapturePlay, RefusesFilesThatLie) {
   EXPECT_EQ(result.err, "oc_capture: " + name() + " is no SER file.\n");
 }
 
-TEST_F(OcCapturePlay, RefusesACorrectionThatFitsNoMosaic) {
+TEST_F(OcCapturePlay, RefusesACorrectionThatFitsNoBayerPattern) {
   write({0, 20}, 2);
   const ProgramResult result = play({"--out", utf8(preview()), "--swap-rb"});
   EXPECT_EQ(result.status, 2);

@@ -17,7 +17,7 @@ std::int64_t ticksNow() {
 struct Format {
   const char* name;
   int code;
-  int colorId;  // of the ZWO ASI120MC-S, whose mosaic is GRBG
+  int colorId;  // of the ZWO ASI120MC-S, whose Bayer pattern is GRBG
   int depth;
 };
 
@@ -160,7 +160,7 @@ TEST_F(OcCaptureRecord, BinsTheSensor) {
   EXPECT_EQ(file.height, 480);
 }
 
-TEST_F(OcCaptureRecord, MonoCamerasHaveNoMosaic) {
+TEST_F(OcCaptureRecord, MonoCamerasHaveNoBayerPattern) {
   sdks.add("ASICamera2");
   ASSERT_EQ(run(recordArguments(
                     {"--format", "raw16", "--width", "64", "--height", "48", "--frames", "1"}, "3"))

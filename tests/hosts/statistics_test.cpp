@@ -72,7 +72,7 @@ TEST(SampleRange, KeepsWhatEarlierFramesShowed) {
 }
 
 FrameLayout row(int width, PixelFormat format) {
-  return {width, 1, format, Mosaic::None};
+  return {width, 1, format, BayerPattern::None};
 }
 
 TEST(FrameStatistics, OfEightBits) {
@@ -126,7 +126,8 @@ TEST(Saturation, IsTheSameInStatisticsAndHistogram) {
 
 TEST(Histogram, CountsEverySampleOfASmallFrame) {
   const std::vector<std::uint8_t> frame = {0, 7, 7, 255, 255, 100};
-  const Histogram histogram = histogramOf(frame, {3, 2, PixelFormat::Mono8, Mosaic::None}, 255);
+  const Histogram histogram =
+      histogramOf(frame, {3, 2, PixelFormat::Mono8, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channels, 1);
   const ChannelHistogram& grey = histogram.channel[0];
   EXPECT_EQ(grey.bins[0], 1U);
@@ -142,7 +143,7 @@ TEST(Histogram, CountsEverySampleOfASmallFrame) {
 
 TEST(Histogram, BinsAreEqualPartsOfTheFullScale) {
   const Histogram histogram =
-      histogramOf(words({0, 15, 16, 4095}), {4, 1, PixelFormat::Raw16, Mosaic::None}, 4095);
+      histogramOf(words({0, 15, 16, 4095}), {4, 1, PixelFormat::Raw16, BayerPattern::None}, 4095);
   EXPECT_EQ(histogram.channel[0].bins[0], 2U);
   EXPECT_EQ(histogram.channel[0].bins[1], 1U);
   EXPECT_EQ(histogram.channel[0].bins[255], 1U);
@@ -152,15 +153,15 @@ TEST(Histogram, BinsAreEqualPartsOfTheFullScale) {
 
 TEST(Histogram, SamplesBeyondTheFullScaleAreInTheLastBin) {
   const Histogram histogram =
-      histogramOf(words({5000}), {1, 1, PixelFormat::Raw16, Mosaic::None}, 4095);
+      histogramOf(words({5000}), {1, 1, PixelFormat::Raw16, BayerPattern::None}, 4095);
   EXPECT_EQ(histogram.channel[0].bins[255], 1U);
   EXPECT_EQ(histogram.channel[0].largest, 5000);
 }
 
-class EveryMosaicCounted : public ::testing::TestWithParam<Mosaic> {};
+class EveryBayerPatternCounted : public ::testing::TestWithParam<BayerPattern> {};
 
-TEST_P(EveryMosaicCounted, ColoursApart) {
-  const std::string name = mosaicName(GetParam());
+TEST_P(EveryBayerPatternCounted, ColoursApart) {
+  const std::string name = bayerName(GetParam());
   std::vector<std::uint8_t> frame;
   for (int y = 0; y < 4; ++y) {
     for (int x = 0; x < 4; ++x) {
@@ -176,20 +177,21 @@ TEST_P(EveryMosaicCounted, ColoursApart) {
   EXPECT_DOUBLE_EQ(histogram.channel[1].mean, 20);
 }
 
-INSTANTIATE_TEST_SUITE_P(Histogram, EveryMosaicCounted,
-                         ::testing::Values(Mosaic::Rggb, Mosaic::Grbg, Mosaic::Gbrg, Mosaic::Bggr),
-                         [](const auto& test) { return mosaicName(test.param); });
+INSTANTIATE_TEST_SUITE_P(Histogram, EveryBayerPatternCounted,
+                         ::testing::Values(BayerPattern::Rggb, BayerPattern::Grbg,
+                                           BayerPattern::Gbrg, BayerPattern::Bggr),
+                         [](const auto& test) { return bayerName(test.param); });
 
 TEST(Histogram, OfRgbHasThreeChannels) {
   const Histogram histogram = histogramOf(std::vector<std::uint8_t>{1, 2, 3, 4, 5, 6},
-                                          {2, 1, PixelFormat::Rgb24, Mosaic::None}, 255);
+                                          {2, 1, PixelFormat::Rgb24, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channel[0].largest, 4);
   EXPECT_EQ(histogram.channel[1].largest, 5);
   EXPECT_EQ(histogram.channel[2].smallest, 3);
 }
 
 TEST(Histogram, LargeFramesAreLookedAtInPartButEvenly) {
-  const FrameLayout layout{3000, 2000, PixelFormat::Raw8, Mosaic::Rggb};
+  const FrameLayout layout{3000, 2000, PixelFormat::Raw8, BayerPattern::Rggb};
   std::vector<std::uint8_t> frame(6000000);
   for (std::size_t index = 0; index < frame.size(); ++index) {
     const std::size_t x = index % 3000;
@@ -207,7 +209,7 @@ TEST(Histogram, LargeFramesAreLookedAtInPartButEvenly) {
 }
 
 TEST(Histogram, OfNothingIsEmpty) {
-  const Histogram histogram = histogramOf({}, {0, 0, PixelFormat::Raw8, Mosaic::None}, 255);
+  const Histogram histogram = histogramOf({}, {0, 0, PixelFormat::Raw8, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channel[0].smallest, 0);
   EXPECT_EQ(histogram.channel[0].largest, 0);
   EXPECT_EQ(histogram.saturated, 0);
