@@ -97,8 +97,8 @@ void addShape(Header& header, const FrameLayout& layout) {
 std::string headerText(const FitsDescription& description) {
   Header header;
   addShape(header, description.layout);
-  if (description.layout.mosaic != Mosaic::None) {
-    header.add("BAYERPAT", std::string(mosaicName(description.layout.mosaic)),
+  if (description.layout.bayer != BayerPattern::None) {
+    header.add("BAYERPAT", std::string(bayerName(description.layout.bayer)),
                "colours of the first two rows");
     header.add("XBAYROFF", 0, "");
     header.add("YBAYROFF", 0, "");

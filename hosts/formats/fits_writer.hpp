@@ -13,7 +13,7 @@
 
 namespace orvane::host {
 
-/// What a FITS file says about its image.
+/// The contents of the FITS header.
 struct FitsDescription {
   FrameLayout layout;
   std::chrono::system_clock::time_point start;  ///< of the exposure
@@ -21,16 +21,15 @@ struct FitsDescription {
   int gain = 0;
   int offset = 0;
   int bin = 1;
-  double pixelSizeUm = 0;             ///< of the sensor; left out when it is no number
+  double pixelSizeUm = 0;             ///< of the sensor; left out if it is not a positive number
   std::optional<double> temperature;  ///< degrees Celsius
-  std::string camera;                 ///< these three lose what is not ASCII
+  std::string camera;                 ///< in these three, characters other than ASCII become "?"
   std::string observer;               ///< left out when empty, like the telescope
   std::string telescope;
 };
 
-/// The file's bytes for a frame of frameBytes(layout) bytes. Rows are stored from the top, which
-/// the header says; samples of 16 bits as FITS has them, signed, with their zero at 32768; RGB as
-/// three planes.
+/// The file's bytes for a frame of frameBytes(layout) bytes. Rows are stored from the top, as the
+/// header says, 16-bit samples as signed numbers with BZERO 32768, RGB as three planes.
 std::vector<std::uint8_t> fitsFile(std::span<const std::uint8_t> frame,
                                    const FitsDescription& description);
 

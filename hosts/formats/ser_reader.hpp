@@ -1,4 +1,4 @@
-// Reads SER files: what the header says, held against the file's size, and the frames.
+// Reads SER files. The header is checked against the file's size.
 #pragma once
 
 #include <cstdint>
@@ -22,9 +22,9 @@ struct SerFacts {
   int height = 0;
   int depth = 0;  ///< bits of a sample, 1 to 16; more than 8 are stored in two bytes
   SerChannels channels = SerChannels::One;
-  Mosaic mosaic = Mosaic::None;  ///< none also for the mosaics of other colours, which stay grey
-  std::int32_t colorId = 0;      ///< as in the header
-  bool isBigEndian = false;      ///< samples of two bytes
+  BayerPattern bayer = BayerPattern::None;  ///< none also for patterns of other colours
+  std::int32_t colorId = 0;                 ///< as in the header
+  bool isBigEndian = false;                 ///< samples of two bytes
   std::int32_t frames = 0;
   std::string observer;  ///< these three up to the first NUL, valid UTF-8
   std::string instrument;
@@ -35,15 +35,12 @@ struct SerFacts {
   std::int64_t unusedBytes = 0;          ///< behind all this
 };
 
-/// A SER file that is open for reading. Frames are read when they are asked for; only the time
-/// stamps are held in memory.
-///
-/// The header's "LittleEndian" is taken the other way round from what its name says, as the
-/// programs in use write it.
+/// A SER file that is open for reading. Frames are read on request; the time stamps are kept in
+/// memory.
 class SerReader {
  public:
   /// Throws std::runtime_error with a sentence that names the file: it cannot be read, is no SER
-  /// file, its header holds a number that cannot be, or it is shorter than its header promises.
+  /// file, its header has an impossible number, or it is shorter than its header says.
   explicit SerReader(const std::filesystem::path& path);
 
   const SerFacts& facts() const { return facts_; }
@@ -51,12 +48,12 @@ class SerReader {
   /// The size of one frame in bytes, at most 1 GiB.
   std::size_t frameBytes() const { return frameBytes_; }
 
-  /// Reads frame `index`, 0 up to facts().frames, as it stands in the file, into frameBytes()
-  /// bytes. Throws std::runtime_error with a sentence that names the file.
+  /// Reads frame `index`, 0 up to facts().frames, unchanged into frameBytes() bytes. Throws
+  /// std::runtime_error with a sentence that names the file.
   void readFrame(std::int32_t index, std::span<std::uint8_t> frame) const;
 
-  /// Frame `index` with its samples spread over 16 bits and its channels in the order red, green,
-  /// blue; a mosaic stays one. Throws as readFrame().
+  /// Frame `index` with its samples scaled to 16 bits and its channels in the order red, green,
+  /// blue; not debayered. Throws as readFrame().
   Image readImage(std::int32_t index) const;
 
  private:

@@ -10,10 +10,10 @@ namespace orvane::host {
 /// A point in time, UTC.
 std::int64_t serTicks(std::chrono::system_clock::time_point time);
 
-/// The same point in time as a clock on this computer's wall shows it.
+/// The same point in time in this computer's time zone.
 std::int64_t serLocalTicks(std::chrono::system_clock::time_point time);
 
-/// The point in time of such a count; none when it lies before 1700 or after 2200.
+/// The point in time of such a count; none if it is before 1700 or after 2200.
 std::optional<std::chrono::system_clock::time_point> timeOfSerTicks(std::int64_t ticks);
 
 }  // namespace orvane::host

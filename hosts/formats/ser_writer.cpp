@@ -6,66 +6,60 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "formats/ser_layout.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
 
 namespace {
 
-constexpr std::size_t headerSize = 178;
-constexpr std::size_t frameCountPosition = 38;
-constexpr std::size_t textSize = 40;
+using Header = std::array<std::uint8_t, ser::headerSize>;
 
-// The header's whole numbers and the time stamps are little-endian.
-template <class Integer>
-void putInteger(std::uint8_t* at, Integer value) {
-  for (std::size_t byte = 0; byte < sizeof value; ++byte) {
-    at[byte] = static_cast<std::uint8_t>(static_cast<std::uint64_t>(value) >> (8 * byte));
-  }
-}
-
-void putText(std::uint8_t* at, std::string_view text, std::size_t size) {
-  const std::string_view beginning = utf8Beginning(text, size);
-  std::copy(beginning.begin(), beginning.end(), at);
+void putText(Header& header, std::size_t at, std::string_view text) {
+  const std::string_view beginning = utf8Beginning(text, ser::textSize);
+  std::copy(beginning.begin(), beginning.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 std::int32_t colorId(const FrameLayout& layout) {
-  constexpr std::int32_t rgb = 100;
-  // The library counts mosaics as SER does.
-  return layout.format == PixelFormat::Rgb24 ? rgb : static_cast<std::int32_t>(layout.mosaic);
+  static_assert(static_cast<int>(BayerPattern::Rggb) == ser::color::rggb &&
+                static_cast<int>(BayerPattern::Grbg) == ser::color::grbg &&
+                static_cast<int>(BayerPattern::Gbrg) == ser::color::gbrg &&
+                static_cast<int>(BayerPattern::Bggr) == ser::color::bggr);
+  return layout.format == PixelFormat::Rgb24 ? ser::color::rgb
+                                             : static_cast<std::int32_t>(layout.bayer);
 }
 
-std::array<std::uint8_t, headerSize> header(const SerDescription& description) {
-  std::array<std::uint8_t, headerSize> bytes{};
+// What is not set is 0: LuID, and the number of frames so far.
+Header headerOf(const SerDescription& description) {
+  namespace offset = ser::offset;
+  Header header{};
   const FrameLayout& layout = description.layout;
-  putText(&bytes[0], "LUCAM-RECORDER", 14);
-  putInteger<std::int32_t>(&bytes[14], 0);  // LuID
-  putInteger<std::int32_t>(&bytes[18], colorId(layout));
-  putInteger<std::int32_t>(&bytes[22], 0);  // LittleEndian: see the class
-  putInteger<std::int32_t>(&bytes[26], layout.width);
-  putInteger<std::int32_t>(&bytes[30], layout.height);
-  putInteger<std::int32_t>(&bytes[34], layout.format == PixelFormat::Raw16 ? 16 : 8);
-  putInteger<std::int32_t>(&bytes[frameCountPosition], 0);
-  putText(&bytes[42], description.observer, textSize);
-  putText(&bytes[82], description.instrument, textSize);
-  putText(&bytes[122], description.telescope, textSize);
-  putInteger<std::int64_t>(&bytes[162], description.startLocal);
-  putInteger<std::int64_t>(&bytes[170], description.startUtc);
-  return bytes;
+  std::copy(ser::fileId.begin(), ser::fileId.end(), header.begin());
+  ser::putInteger(header, offset::colorId, colorId(layout));
+  ser::putInteger(header, offset::littleEndian, ser::byteOrder::little);
+  ser::putInteger(header, offset::width, layout.width);
+  ser::putInteger(header, offset::height, layout.height);
+  ser::putInteger(header, offset::depth, layout.format == PixelFormat::Raw16 ? 16 : 8);
+  putText(header, offset::observer, description.observer);
+  putText(header, offset::instrument, description.instrument);
+  putText(header, offset::telescope, description.telescope);
+  ser::putInteger(header, offset::startLocal, description.startLocal);
+  ser::putInteger(header, offset::startUtc, description.startUtc);
+  return header;
 }
 
 }  // namespace
 
 SerWriter::SerWriter(const std::filesystem::path& path, const SerDescription& description)
     : file_(path), frameBytes_(frameBytes(description.layout)) {
-  file_.writeAt(0, header(description));
+  file_.writeAt(0, headerOf(description));
 }
 
 SerWriter::~SerWriter() {
   try {
     close();
   } catch (const std::exception&) {
-    // The failure that brought us here has been reported; this one is its consequence.
+    // A consequence of the failure that was reported before.
   }
 }
 
@@ -83,8 +77,8 @@ void SerWriter::addFrame(std::span<const std::uint8_t> frame, std::int64_t utcTi
 
 void SerWriter::checkpoint() {
   std::array<std::uint8_t, 4> count{};
-  putInteger(count.data(), frameCount());
-  file_.writeAt(frameCountPosition, count);
+  ser::putInteger(count, 0, frameCount());
+  file_.writeAt(static_cast<std::int64_t>(ser::offset::frameCount), count);
 }
 
 void SerWriter::close() {
@@ -97,9 +91,9 @@ void SerWriter::close() {
 void SerWriter::finish() {
   checkpoint();
   file_.truncate(framesEnd());  // a full disk leaves part of a frame behind
-  std::vector<std::uint8_t> trailer(timeStamps_.size() * sizeof(std::int64_t));
+  std::vector<std::uint8_t> trailer(timeStamps_.size() * ser::timeStampSize);
   for (std::size_t frame = 0; frame < timeStamps_.size(); ++frame) {
-    putInteger(&trailer[frame * sizeof(std::int64_t)], timeStamps_[frame]);
+    ser::putInteger(trailer, frame * ser::timeStampSize, timeStamps_[frame]);
   }
   try {
     file_.writeAt(framesEnd(), trailer);
@@ -111,7 +105,7 @@ void SerWriter::finish() {
 }
 
 std::int64_t SerWriter::framesEnd() const {
-  return static_cast<std::int64_t>(headerSize + timeStamps_.size() * frameBytes_);
+  return static_cast<std::int64_t>(ser::headerSize + timeStamps_.size() * frameBytes_);
 }
 
 }  // namespace orvane::host

@@ -22,17 +22,15 @@ struct SerDescription {
   std::int64_t startUtc = 0;    ///< serTicks()
 };
 
-/// A SER file that is being recorded. It is valid at any time: the frame count in its header is
-/// brought up to date by checkpoint(), and the frames beyond it are all that a crash costs.
+/// A SER file that is being recorded. It is valid at any time. checkpoint() updates the frame count
+/// in its header; a crash costs only the frames after the last checkpoint.
 ///
-/// Rows are stored from the top. Samples of 16 bits are stored little-endian with the header's
-/// "LittleEndian" at 0: the programs in use read that field the other way round from what its name
-/// says.
+/// Rows are stored from the top, samples of 16 bits little-endian.
 ///
-/// A 16-bit recording always states a depth of 16 bits. Some makers' samples fill the 16 bits from
-/// the top, others' use only the low bits, and the library does not say which; a depth of less than
-/// 16 makes readers clip or shift samples of the first kind, while one of 16 only makes those of
-/// the second kind look dark until they are stretched, and keeps every number.
+/// A 16-bit recording always states a depth of 16 bits. Some makers' samples are left-aligned,
+/// others' right-aligned, and the library does not tell which. With a smaller depth, readers would
+/// clip or shift left-aligned samples. With 16, right-aligned ones only look dark until they are
+/// stretched.
 ///
 /// Every member throws std::runtime_error with a sentence that names the file.
 class SerWriter {
@@ -47,11 +45,11 @@ class SerWriter {
   /// Appends a frame. After a failure the file still holds all the frames before it.
   void addFrame(std::span<const std::uint8_t> frame, std::int64_t utcTicks);
 
-  /// Brings the frame count in the header up to date.
+  /// Updates the frame count in the header.
   void checkpoint();
 
-  /// Writes the time stamps and the final frame count and closes the file. Where there is no room
-  /// for the time stamps the file is valid without them.
+  /// Writes the time stamps and the final frame count and closes the file. If there is no room for
+  /// the time stamps, the file is valid without them.
   void close();
 
   /// How many frames have been written in full.

@@ -1,7 +1,9 @@
-// A picture to draw on: areas, lines, small text, other pictures.
+// A picture to draw charts on: areas, lines, small text, other pictures, and axes.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "imaging/image.hpp"
 
@@ -35,7 +37,7 @@ class Canvas {
 
   static int textWidth(const std::string& text, int scale = 2);
 
-  /// Of letters without what hangs below the line.
+  /// The height of letters without descenders.
   static constexpr int textHeight(int scale = 2) { return 9 * scale; }
 
   const ScreenImage& image() const { return image_; }
@@ -45,5 +47,25 @@ class Canvas {
 
   ScreenImage image_;
 };
+
+/// An axis from one round number to another.
+struct Axis {
+  double low = 0;
+  double high = 1;
+  double step = 1;  ///< from tick to tick
+
+  /// From `low` to `high`, both included.
+  std::vector<double> ticks() const;
+
+  /// A tick's number as text, with the decimals that the step needs.
+  std::string label(double tick) const;
+
+  /// The place of a value: 0 at the low end, 1 at the high end, clamped.
+  double part(double value) const;
+};
+
+/// The axis for values in this range, with about `steps` steps. If both are equal, it extends
+/// beyond them.
+Axis axisFor(double smallest, double largest, int steps);
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// Puts right what an SDK delivers otherwise than it says.
+// Corrects frames whose layout differs from what the SDK reported.
 #include "imaging/frame_correction.hpp"
 
 #include <algorithm>
@@ -10,20 +10,9 @@ namespace orvane::host {
 
 namespace {
 
-Mosaic withRowsExchanged(Mosaic mosaic) {
-  switch (mosaic) {
-    case Mosaic::Rggb:
-      return Mosaic::Gbrg;
-    case Mosaic::Gbrg:
-      return Mosaic::Rggb;
-    case Mosaic::Grbg:
-      return Mosaic::Bggr;
-    case Mosaic::Bggr:
-      return Mosaic::Grbg;
-    case Mosaic::None:
-      break;
-  }
-  return Mosaic::None;
+BayerPattern withSwappedRows(BayerPattern bayer) {
+  // One bit of the code is the row of the red pixel. None becomes an unknown code, which is none.
+  return bayerFromCode(static_cast<int>(bayer) ^ 2);
 }
 
 template <class Sample>
@@ -41,9 +30,10 @@ void correct(std::span<Sample> samples, int rows, const FrameCorrection& correct
   }
 }
 
-Mosaic correctedMosaic(Mosaic mosaic, int height, const FrameCorrection& correction) {
-  const Mosaic asItComes = correction.mosaic.value_or(mosaic);
-  return correction.flips && height % 2 == 0 ? withRowsExchanged(asItComes) : asItComes;
+BayerPattern correctedBayerPattern(BayerPattern bayer, int height,
+                                   const FrameCorrection& correction) {
+  const BayerPattern delivered = correction.bayer.value_or(bayer);
+  return correction.flips && height % 2 == 0 ? withSwappedRows(delivered) : delivered;
 }
 
 }  // namespace
@@ -53,11 +43,11 @@ FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& co
     throw UsageError("--swap-rb needs frames in rgb24.");
   }
   const bool isRaw = layout.format == PixelFormat::Raw8 || layout.format == PixelFormat::Raw16;
-  if (correction.mosaic && !isRaw) {
+  if (correction.bayer && !isRaw) {
     throw UsageError("--bayer needs frames in raw8 or raw16.");
   }
   FrameLayout corrected = layout;
-  corrected.mosaic = correctedMosaic(layout.mosaic, layout.height, correction);
+  corrected.bayer = correctedBayerPattern(layout.bayer, layout.height, correction);
   return corrected;
 }
 
@@ -66,15 +56,15 @@ void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
   correct(frame, layout.height, correction);
 }
 
-Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction) {
+BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrection& correction) {
   if (correction.swapsRedAndBlue && image.channels != 3) {
     throw UsageError("--swap-rb needs frames in RGB.");
   }
-  if (correction.mosaic && image.channels != 1) {
+  if (correction.bayer && image.channels != 1) {
     throw UsageError("--bayer needs frames of raw samples.");
   }
   correct(std::span(image.samples), image.height, correction);
-  return correctedMosaic(mosaic, image.height, correction);
+  return correctedBayerPattern(bayer, image.height, correction);
 }
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// Puts right what an SDK delivers otherwise than it says.
+// Corrects frames whose layout differs from what the SDK reported.
 #pragma once
 
 #include <cstdint>
@@ -10,23 +10,22 @@
 
 namespace orvane::host {
 
-/// What is to be done with every frame.
+/// What to correct in every frame.
 struct FrameCorrection {
-  bool flips = false;            ///< the last row becomes the first
-  bool swapsRedAndBlue = false;  ///< of RGB frames
-  std::optional<Mosaic> mosaic;  ///< of raw frames as they come, before they are flipped
+  bool flips = false;                 ///< the last row becomes the first
+  bool swapsRedAndBlue = false;       ///< of RGB frames
+  std::optional<BayerPattern> bayer;  ///< of raw frames, before they are flipped
 };
 
-/// How the corrected frames are to be understood: with an even height, turning the rows around
-/// turns the mosaic's rows around too. Throws UsageError where frames of this format cannot be
-/// corrected so.
+/// The layout of the corrected frames. Flipping frames of even height swaps the rows of the Bayer
+/// pattern. Throws UsageError if the correction does not apply to this format.
 FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& correction);
 
 /// Corrects a frame of frameBytes(layout) bytes in place.
 void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
                   const FrameCorrection& correction);
 
-/// The same for the image of a frame; and the mosaic that it has then.
-Mosaic correctImage(Image& image, Mosaic mosaic, const FrameCorrection& correction);
+/// Corrects the image of a frame in place. Returns the Bayer pattern that it has then.
+BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrection& correction);
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// How the bytes of a frame are to be understood: size, pixel format and colour mosaic.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern.
 #include "imaging/frame_layout.hpp"
 
 #include <array>
@@ -20,15 +20,15 @@ constexpr std::array<Format, 4> formats{{{PixelFormat::Raw8, "raw8", 1},
                                          {PixelFormat::Rgb24, "rgb24", 3},
                                          {PixelFormat::Mono8, "mono8", 1}}};
 
-struct NamedMosaic {
-  Mosaic mosaic;
+struct NamedBayerPattern {
+  BayerPattern bayer;
   const char* name;
 };
 
-constexpr std::array<NamedMosaic, 4> mosaics{{{Mosaic::Rggb, "RGGB"},
-                                              {Mosaic::Grbg, "GRBG"},
-                                              {Mosaic::Gbrg, "GBRG"},
-                                              {Mosaic::Bggr, "BGGR"}}};
+constexpr std::array<NamedBayerPattern, 4> patterns{{{BayerPattern::Rggb, "RGGB"},
+                                                     {BayerPattern::Grbg, "GRBG"},
+                                                     {BayerPattern::Gbrg, "GBRG"},
+                                                     {BayerPattern::Bggr, "BGGR"}}};
 
 const Format& row(PixelFormat format) {
   return formats.at(static_cast<std::size_t>(format));
@@ -58,30 +58,30 @@ std::optional<PixelFormat> formatFromCode(int code) {
   return std::nullopt;
 }
 
-Mosaic mosaicFromCode(int code) {
-  for (const NamedMosaic& entry : mosaics) {
-    if (code == static_cast<int>(entry.mosaic)) {
-      return entry.mosaic;
+BayerPattern bayerFromCode(int code) {
+  for (const NamedBayerPattern& entry : patterns) {
+    if (code == static_cast<int>(entry.bayer)) {
+      return entry.bayer;
     }
   }
-  return Mosaic::None;
+  return BayerPattern::None;
 }
 
-std::optional<Mosaic> mosaicFromName(std::string_view name) {
+std::optional<BayerPattern> bayerFromName(std::string_view name) {
   const auto isName = [&](std::string_view known) {
     return known.size() == name.size() && containsIgnoringCase(known, name);
   };
-  for (const NamedMosaic& entry : mosaics) {
+  for (const NamedBayerPattern& entry : patterns) {
     if (isName(entry.name)) {
-      return entry.mosaic;
+      return entry.bayer;
     }
   }
-  return isName("none") ? std::optional(Mosaic::None) : std::nullopt;
+  return isName("none") ? std::optional(BayerPattern::None) : std::nullopt;
 }
 
-const char* mosaicName(Mosaic mosaic) {
-  for (const NamedMosaic& entry : mosaics) {
-    if (mosaic == entry.mosaic) {
+const char* bayerName(BayerPattern bayer) {
+  for (const NamedBayerPattern& entry : patterns) {
+    if (bayer == entry.bayer) {
       return entry.name;
     }
   }

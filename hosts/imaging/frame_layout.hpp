@@ -1,9 +1,10 @@
-// How the bytes of a frame are to be understood: size, pixel format and colour mosaic.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace orvane::host {
@@ -11,35 +12,56 @@ namespace orvane::host {
 /// The library's format codes.
 enum class PixelFormat { Raw8 = 0, Raw16 = 1, Rgb24 = 2, Mono8 = 3 };
 
-/// The library's mosaic codes: the colours of the top left 2 x 2 pixels, row by row.
-enum class Mosaic { None = 0, Rggb = 8, Grbg = 9, Gbrg = 10, Bggr = 11 };
+/// The library's codes of Bayer patterns: the colours of the top left 2 x 2 pixels, row by row.
+enum class BayerPattern { None = 0, Rggb = 8, Grbg = 9, Gbrg = 10, Bggr = 11 };
 
 struct FrameLayout {
   int width = 0;
   int height = 0;
   PixelFormat format = PixelFormat::Raw8;
-  Mosaic mosaic = Mosaic::None;  ///< of the frame as it is: none for RGB and for mono
+  BayerPattern bayer = BayerPattern::None;  ///< none for RGB and for mono
 };
 
 /// "raw8", "raw16", "rgb24" or "mono8".
 const char* formatName(PixelFormat format);
 
-/// The format of this name.
+/// The format with this name.
 std::optional<PixelFormat> formatFromName(std::string_view name);
 
 /// The format with this code of the library's.
 std::optional<PixelFormat> formatFromCode(int code);
 
-/// The mosaic with this code of the library's; none for a code that is not known.
-Mosaic mosaicFromCode(int code);
+/// The Bayer pattern with this code of the library's; none for an unknown code.
+BayerPattern bayerFromCode(int code);
 
-/// The mosaic of this name, in letters of any case: "RGGB" and so on, or "none".
-std::optional<Mosaic> mosaicFromName(std::string_view name);
+/// The Bayer pattern with this name, in letters of any case: "RGGB" and so on, or "none".
+std::optional<BayerPattern> bayerFromName(std::string_view name);
 
 /// "RGGB" and so on; "" for none.
-const char* mosaicName(Mosaic mosaic);
+const char* bayerName(BayerPattern bayer);
+
+/// Where the red pixel of a Bayer pattern's 2 x 2 pixels is: column and row, 0 or 1. Blue is in the
+/// other column and the other row, green in the other column or the other row.
+struct RedPixel {
+  int column = 0;
+  int row = 0;
+};
+
+constexpr RedPixel redPixelOf(BayerPattern bayer) {
+  const auto code = static_cast<int>(bayer);  // its lowest bit is the column, the next one the row
+  return {code & 1, code >> 1 & 1};
+}
 
 /// The size of one frame in bytes, rows without padding.
 std::size_t frameBytes(const FrameLayout& layout);
+
+/// How many samples these bytes of a frame hold: three a pixel in RGB24, one in other formats.
+constexpr std::size_t sampleCount(std::span<const std::uint8_t> frame, PixelFormat format) {
+  return format == PixelFormat::Raw16 ? frame.size() / 2 : frame.size();
+}
+
+constexpr int sampleAt(std::span<const std::uint8_t> frame, PixelFormat format, std::size_t index) {
+  return format == PixelFormat::Raw16 ? frame[2 * index] | frame[2 * index + 1] << 8 : frame[index];
+}
 
 }  // namespace orvane::host

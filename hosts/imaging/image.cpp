@@ -5,18 +5,33 @@
 
 namespace orvane::host {
 
+namespace {
+
+// The coordinate before the first is the second, so that the Bayer pattern continues.
+std::size_t mirrored(int coordinate, int size) {
+  const int inside = coordinate < 0      ? -coordinate
+                     : coordinate < size ? coordinate
+                                         : 2 * (size - 1) - coordinate;
+  return static_cast<std::size_t>(std::clamp(inside, 0, size - 1));
+}
+
+std::uint16_t mean(int a, int b) {
+  return static_cast<std::uint16_t>((a + b + 1) / 2);
+}
+
+std::uint16_t mean(int a, int b, int c, int d) {
+  return static_cast<std::uint16_t>((a + b + c + d + 2) / 4);
+}
+
+}  // namespace
+
 Image imageFromFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout) {
   Image image{layout.width, layout.height, layout.format == PixelFormat::Rgb24 ? 3 : 1, {}};
-  if (layout.format == PixelFormat::Raw16) {
-    image.samples.resize(frame.size() / 2);
-    for (std::size_t index = 0; index < image.samples.size(); ++index) {
-      image.samples[index] =
-          static_cast<std::uint16_t>(frame[2 * index] | (frame[2 * index + 1] << 8));
-    }
-  } else {
-    image.samples.resize(frame.size());
-    std::transform(frame.begin(), frame.end(), image.samples.begin(),
-                   [](std::uint8_t sample) { return static_cast<std::uint16_t>(sample * 257); });
+  const int scale = layout.format == PixelFormat::Raw16 ? 1 : 257;
+  image.samples.resize(sampleCount(frame, layout.format));
+  for (std::size_t index = 0; index < image.samples.size(); ++index) {
+    image.samples[index] =
+        static_cast<std::uint16_t>(scale * sampleAt(frame, layout.format, index));
   }
   return image;
 }
@@ -51,6 +66,45 @@ Image shrink(Image image, int longestSide) {
     }
   }
   return small;
+}
+
+Image debayer(const Image& raw, BayerPattern bayer) {
+  const int width = raw.width;
+  const int height = raw.height;
+  const RedPixel red = redPixelOf(bayer);
+
+  Image image{width, height, 3, {}};
+  image.samples.resize(raw.samples.size() * 3);
+  std::uint16_t* pixel = image.samples.data();
+  for (int y = 0; y < height; ++y) {
+    const auto row = [&](int at) {
+      return raw.samples.data() + mirrored(at, height) * static_cast<std::size_t>(width);
+    };
+    const std::uint16_t* const above = row(y - 1);
+    const std::uint16_t* const here = row(y);
+    const std::uint16_t* const below = row(y + 1);
+    const bool isRedRow = y % 2 == red.row;
+    for (int x = 0; x < width; ++x, pixel += 3) {
+      const std::size_t left = mirrored(x - 1, width);
+      const auto middle = static_cast<std::size_t>(x);
+      const std::size_t right = mirrored(x + 1, width);
+      const std::uint16_t own = here[middle];
+      const bool isRedColumn = x % 2 == red.column;
+      if (isRedRow != isRedColumn) {  // green: one of the others is beside it, one above it
+        const std::uint16_t beside = mean(here[left], here[right]);
+        const std::uint16_t upright = mean(above[middle], below[middle]);
+        pixel[0] = isRedRow ? beside : upright;
+        pixel[1] = own;
+        pixel[2] = isRedRow ? upright : beside;
+      } else {  // red or blue: green is around it, the other one at the corners
+        const std::uint16_t corners = mean(above[left], above[right], below[left], below[right]);
+        pixel[0] = isRedRow ? own : corners;
+        pixel[1] = mean(above[middle], below[middle], here[left], here[right]);
+        pixel[2] = isRedRow ? corners : own;
+      }
+    }
+  }
+  return image;
 }
 
 }  // namespace orvane::host

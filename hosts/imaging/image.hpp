@@ -22,15 +22,19 @@ struct ImageOf {
 /// An image with samples over the whole range of 16 bits.
 using Image = ImageOf<std::uint16_t>;
 
-/// An image that a screen shows.
+/// An image for a screen.
 using ScreenImage = ImageOf<std::uint8_t>;
 
-/// A frame's samples as they came, 8 bits spread over the range of 16; a mosaic stays one.
-/// `frame` holds frameBytes(layout) bytes.
+/// The samples of a frame of frameBytes(layout) bytes, 8 bits scaled to 16. Not debayered.
 Image imageFromFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout);
 
 /// An image with no side longer than `longestSide`: each pixel is the mean of a square of pixels.
-/// What does not fill a square at the right and at the bottom is left out.
+/// Incomplete squares at the right and at the bottom are left out.
 Image shrink(Image image, int longestSide);
+
+/// The colour image of a one-channel image with a Bayer pattern (not "none"). Bilinear: each of the
+/// two colours that a pixel lacks is the mean of its nearest neighbours that have it. The image is
+/// mirrored at its borders.
+Image debayer(const Image& raw, BayerPattern bayer);
 
 }  // namespace orvane::host

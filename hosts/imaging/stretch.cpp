@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace orvane::host {
 
@@ -115,6 +116,18 @@ ScreenImage stretched(const Image& image) {
     }
   }
   return screen;
+}
+
+ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                      int longestSide) {
+  return previewOf(imageFromFrame(frame, layout), layout.bayer, longestSide);
+}
+
+ScreenImage previewOf(Image image, BayerPattern bayer, int longestSide) {
+  if (bayer != BayerPattern::None) {
+    image = debayer(image, bayer);
+  }
+  return stretched(shrink(std::move(image), longestSide));
 }
 
 }  // namespace orvane::host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "imaging/image.hpp"
@@ -12,8 +13,8 @@ namespace orvane::host {
 /// All values lie from 0 to 1.
 double midtonesTransfer(double midtones, double value);
 
-/// How one channel of an image is brightened: samples up to `black` become 0, those from `white` on
-/// become 1, and between them runs the midtones transfer function.
+/// The curve that brightens one channel: samples up to `black` become 0, those from `white` on
+/// become 1, those between follow the midtones transfer function.
 struct Stretch {
   double black = 0;
   double white = 65535;
@@ -26,10 +27,18 @@ struct Stretch {
 /// it, and what stands out of it keeps its colour. No channel is darkened beyond its black point.
 std::vector<Stretch> autoStretch(const Image& image);
 
-/// What each of the 65536 sample values becomes on a screen.
+/// The screen's value of each of the 65536 sample values.
 std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 
 /// The image for a screen.
 ScreenImage stretched(const Image& image);
+
+/// A picture of a frame for a person to look at: debayered if it has a Bayer pattern, shrunk to
+/// `longestSide`, stretched. `frame` holds frameBytes(layout) bytes.
+ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
+                      int longestSide = 2400);
+
+/// The same of an image with this Bayer pattern, or none.
+ScreenImage previewOf(Image image, BayerPattern bayer, int longestSide);
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// What the live view was started with.
+// The command line of the live view.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace orvane::host {
 
-/// A text that was asked for in place of a window.
+/// The text of --help, shown in place of a window.
 struct LiveHelpText {
   std::string text;
 };

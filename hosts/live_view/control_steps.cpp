@@ -10,7 +10,7 @@ namespace orvane::host {
 
 namespace {
 
-// Ten even factors a decade, as rounded as people say them.
+// Ten even factors a decade, rounded.
 constexpr std::array<double, 10> decade = {1, 1.25, 1.6, 2, 2.5, 3.2, 4, 5, 6.4, 8};
 
 const std::vector<std::int64_t>& stepTable() {
@@ -75,7 +75,7 @@ int NumberRange::step(bool isLarge) const {
   return static_cast<int>(std::max<std::int64_t>(1, range / (isLarge ? 10 : 100)));
 }
 
-int NumberRange::held(std::int64_t number) const {
+int NumberRange::clamped(std::int64_t number) const {
   return static_cast<int>(std::clamp<std::int64_t>(number, smallest, std::max(smallest, largest)));
 }
 
@@ -86,7 +86,7 @@ double NumberRange::place(int number) const {
 
 int NumberRange::atPlace(double place) const {
   const double range = static_cast<double>(largest) - smallest;
-  return held(smallest + std::llround(std::clamp(place, 0.0, 1.0) * range));
+  return clamped(smallest + std::llround(std::clamp(place, 0.0, 1.0) * range));
 }
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// Which key does what, and how that is written on the screen.
+// The keys' commands, and the help about them.
 #include "live_view/key_commands.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Which key does what, and how that is written on the screen.
+// The keys' commands, and the help about them.
 #pragma once
 
 #include <span>
@@ -34,8 +34,8 @@ enum class ViewCommand {
   Confirm,
 };
 
-/// A key that was pressed. Letters and digits are their capital letters' characters; the others
-/// have numbers of their own, those of Windows.
+/// A key that was pressed: the character of a capital letter or a digit, or a virtual key code of
+/// Windows.
 struct KeyPress {
   int key = 0;
   bool withShift = false;

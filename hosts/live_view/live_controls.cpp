@@ -1,4 +1,4 @@
-// Exposure, gain and offset as keys and sliders change them.
+// Exposure, gain and offset: what keys and sliders change.
 #include "live_view/live_controls.hpp"
 
 #include <algorithm>
@@ -9,7 +9,7 @@ namespace {
 
 constexpr int muchLonger = 10;  // steps: a factor of ten
 
-// Beyond the slider's, for the makers that count finely.
+// Wider than the slider's, for makers with fine units.
 constexpr NumberRange offsetKeyRange{0, 10000};
 
 }  // namespace
@@ -32,11 +32,11 @@ std::optional<ControlsRequest> controlsAfter(ViewCommand command, const Controls
   };
   const NumberRange gains = gainRangeOf(camera);
   const auto amplify = [&](std::int64_t change) {
-    after.gain = gains.held(now.gain + change);
+    after.gain = gains.clamped(now.gain + change);
     return after;
   };
   const auto lift = [&](std::int64_t change) {
-    after.offset = offsetKeyRange.held(now.offset + change);
+    after.offset = offsetKeyRange.clamped(now.offset + change);
     return after;
   };
   switch (command) {

@@ -1,4 +1,4 @@
-// Exposure, gain and offset as keys and sliders change them.
+// Exposure, gain and offset: what keys and sliders change.
 #pragma once
 
 #include <optional>
@@ -13,16 +13,17 @@ namespace orvane::host {
 /// The slider that a mouse moves.
 enum class SliderKind { Exposure, Gain, Offset };
 
-/// The offset that the slider offers; the cameras do not tell theirs and refuse what is too much.
+/// The slider's range of offsets. Cameras do not tell theirs; they refuse an offset that is too
+/// large.
 constexpr NumberRange offsetSliderRange{0, 300};
 
-/// The longest exposure of the camera, or the library's where the camera tells none.
+/// The longest exposure of the camera, or the library's if the camera tells none.
 std::int64_t longestExposureOf(const CameraDescription& camera);
 
-/// The camera's gain, or a range to try where it tells none.
+/// The camera's range of gains, or a usual one if it tells none.
 NumberRange gainRangeOf(const CameraDescription& camera);
 
-/// The controls after this command; nothing when it does not concern them.
+/// The controls after this command; none if it changes no control.
 std::optional<ControlsRequest> controlsAfter(ViewCommand command, const ControlsRequest& now,
                                              const CameraDescription& camera);
 
@@ -30,7 +31,7 @@ std::optional<ControlsRequest> controlsAfter(ViewCommand command, const Controls
 ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsRequest& now,
                               const CameraDescription& camera);
 
-/// Where the slider stands, 0 to 1.
+/// The slider's place, 0 to 1.
 double placeOf(SliderKind slider, const ControlsRequest& now, const CameraDescription& camera);
 
 }  // namespace orvane::host

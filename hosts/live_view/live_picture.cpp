@@ -1,4 +1,4 @@
-// The picture in the window, and what is measured in it.
+// The picture in the window, and the measurements of its frames.
 #include "live_view/live_picture.hpp"
 
 #include <algorithm>
@@ -18,7 +18,8 @@ constexpr std::chrono::milliseconds betweenMeasurements{200};
 constexpr int measuredWidth = 960;
 constexpr int measuredHeight = 640;
 
-// How much of a new stretch is taken over at once, so that noise does not make the picture flicker.
+// The weight of a new stretch against the one before; it keeps noise from making the picture
+// flicker.
 constexpr double newPart = 0.4;
 
 double between(double before, double after) {

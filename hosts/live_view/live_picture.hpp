@@ -1,4 +1,4 @@
-// The picture in the window, and what is measured in it.
+// The picture in the window, and the measurements of its frames.
 #pragma once
 
 #include <chrono>
@@ -7,15 +7,15 @@
 #include <optional>
 #include <vector>
 
-#include "imaging/focus.hpp"
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
+#include "live_view/focus.hpp"
 #include "live_view/frame_exchange.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 
 namespace orvane::host {
 
-/// Which part of the frame is on the screen, and where.
+/// The part of the frame that is on the screen, and its place.
 struct PictureView {
   PixelRect onScreen;    ///< within the area that was drawn
   double scale = 1;      ///< screen pixels for one frame pixel
@@ -31,7 +31,7 @@ struct PictureView {
   double frameY(double screenY) const { return frameTop + (screenY - onScreen.top) / scale; }
 };
 
-/// What the frames of late are like.
+/// Measurements of the latest frames.
 struct Measurements {
   bool areThere = false;  ///< a frame has been measured
   Histogram histogram;
@@ -47,7 +47,7 @@ class LivePicture {
   /// The most diameters that are kept.
   static constexpr std::size_t trendLength = 120;
 
-  /// The frame to be shown from now on; its memory may be exchanged.
+  /// Shows this frame from now on. Swaps it with the one before, so that memory is used again.
   void setFrame(LiveFrame& frame);
 
   /// Forgets the frame: nothing is shown.
@@ -55,11 +55,11 @@ class LivePicture {
 
   bool hasFrame() const { return frame_.size > 0; }
 
-  /// Measures the frame, if it is time for that. Returns whether there is something new. A time
-  /// that measuring takes is followed by eight times as much without.
+  /// Measures the frame if a measurement is due. Returns whether it did. Measuring takes an eighth
+  /// of the time at most.
   bool measure(Clock::time_point now);
 
-  /// Measures the star near this place of the frame from now on.
+  /// From now on, measures the star near this place of the frame.
   void followStarAt(double frameX, double frameY);
 
   const Measurements& measurements() const { return measurements_; }

@@ -1,4 +1,4 @@
-// What the live view says on the screen.
+// The texts of the live view.
 #include "live_view/live_texts.hpp"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace orvane::host {
 
 namespace {
 
-// Three digits that count.
+// Three significant digits.
 std::string threeDigits(double number) {
   return decimal(number, number < 9.995 ? 2 : number < 99.95 ? 1 : 0);
 }
@@ -42,9 +42,9 @@ std::string formatText(const LiveState& state) {
   if (state.phase != LivePhase::Streaming) {
     return "";
   }
-  const std::string mosaic = mosaicName(state.layout.mosaic);
+  const std::string bayer = bayerName(state.layout.bayer);
   return sizeText(state.layout.width, state.layout.height) + "   " +
-         (mosaic.empty() ? "" : mosaic + "   ") + formatName(state.layout.format) + "   bin " +
+         (bayer.empty() ? "" : bayer + "   ") + formatName(state.layout.format) + "   bin " +
          std::to_string(state.settings.bin);
 }
 
@@ -122,9 +122,9 @@ Notice statusLine(const LiveState& state) {
 }
 
 std::string cameraDetails(const CameraDescription& camera) {
-  const std::string mosaic = mosaicName(camera.mosaic);
+  const std::string bayer = bayerName(camera.bayer);
   return sizeText(camera.maxWidth, camera.maxHeight) + "   " + std::to_string(camera.bitDepth) +
-         " bit   " + (camera.isColor ? mosaic.empty() ? "colour" : mosaic : "mono") +
+         " bit   " + (camera.isColor ? bayer.empty() ? "colour" : bayer : "mono") +
          (camera.isCooled ? "   cooled" : "");
 }
 

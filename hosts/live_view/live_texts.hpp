@@ -1,16 +1,16 @@
-// What the live view says on the screen.
+// The texts of the live view.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-#include "imaging/focus.hpp"
-#include "imaging/histogram.hpp"
+#include "imaging/statistics.hpp"
+#include "live_view/focus.hpp"
 #include "live_view/live_session.hpp"
 
 namespace orvane::host {
 
-/// A number for a place where nothing is known.
+/// Stands for an unknown number.
 constexpr const char* unknownText = "\u2013";
 
 /// "20 ms", "500 \u00b5s", "1.25 s".
@@ -19,7 +19,7 @@ std::string exposureText(std::int64_t exposureUs);
 /// "1280 \u00d7 960   GRBG   raw8   bin 1"; "" when nothing streams.
 std::string formatText(const LiveState& state);
 
-/// Some SDKs answer an error number where they have no temperature.
+/// "12.5 \u00b0C". Some SDKs return an error number if they have no temperature.
 std::string temperatureText(double celsius);
 
 /// "30.1 per second", or the time between two frames for slow ones.
@@ -31,16 +31,16 @@ std::string histogramText(const Histogram& histogram);
 /// "0.02 % saturated".
 std::string saturationText(double part);
 
-/// The focus figure alone: "3.42 px", or the sharpness where there is no star.
+/// The focus figure: "3.42 px", or the sharpness if there is no star.
 std::string focusText(const Focus& focus);
 
-/// What the focus figure is.
+/// The caption of the focus figure.
 std::string focusCaption(const Focus& focus);
 
 /// "00:42   1260 frames   1.52 GB".
 std::string recordingText(const RecordingProgress& recording);
 
-/// What stands over an empty picture; "" where a picture is to be expected.
+/// The text over an empty picture; "" if a picture is expected.
 std::string emptyPictureText(const LiveState& state);
 
 /// The status line: the notice, or that a frame is overdue.

@@ -1,4 +1,4 @@
-// The window: what its user does becomes commands, what the camera does becomes pictures.
+// The window: turns keys and mouse into commands for the camera, and frames into pictures.
 #include "live_view/live_window_windows.hpp"
 
 #include <windowsx.h>
@@ -23,7 +23,7 @@ constexpr UINT dpiChangedMessage = 0x02E0;  // WM_DPICHANGED, which older header
 constexpr SIZE firstSize = {1280, 800};
 constexpr SIZE leastSize = {860, 700};
 
-// A function of a system library that older systems lack; null there.
+// A function of a system library. Null on older systems, which lack it.
 template <class Function>
 Function systemFunction(const wchar_t* library, const char* name) {
   HMODULE module = GetModuleHandleW(library);
@@ -51,10 +51,6 @@ int dpiOf(HWND window) {
   return dpi;
 }
 
-RECT rectOf(const PixelRect& rect) {
-  return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
-}
-
 }  // namespace
 
 LiveWindow::LiveWindow(LiveOptions options) {
@@ -77,7 +73,7 @@ LiveWindow::LiveWindow(LiveOptions options) {
                SWP_NOMOVE | SWP_NOZORDER);
   ShowWindow(window_, SW_SHOWDEFAULT);
   camera_.emplace(std::move(options), [this] {
-    // One message is enough for all the news that waits.
+    // One message is enough for all pending news.
     if (!hasNews_.exchange(true)) {
       PostMessageW(window_, newsMessage, 0, 0);
     }
@@ -118,7 +114,7 @@ LRESULT LiveWindow::handle(UINT message, WPARAM word, LPARAM number) {
       newsCame();
       return 0;
     case WM_ERASEBKGND:
-      return 1;  // every pixel is drawn anyway
+      return 1;  // paint() draws every pixel
     case WM_PAINT:
       paint();
       return 0;
@@ -276,11 +272,11 @@ void LiveWindow::keyPressed(const KeyPress& press) {
   }
   const ViewCommand command = commandOfKey(press);
   if (command != ViewCommand::None) {
-    carryOut(command);
+    execute(command);
   }
 }
 
-// True when the key concerned the list.
+// True if the list used the key.
 bool LiveWindow::keyInCameraList(const KeyPress& press) {
   const std::size_t count = state_->cameras.size();
   if (press.key >= '1' && press.key <= '9') {
@@ -298,7 +294,7 @@ bool LiveWindow::keyInCameraList(const KeyPress& press) {
   return true;
 }
 
-void LiveWindow::carryOut(ViewCommand command) {
+void LiveWindow::execute(ViewCommand command) {
   const CameraDescription* const camera = state_->camera();
   if (camera != nullptr && state_->phase == LivePhase::Streaming) {
     if (const auto controls = controlsAfter(command, controls_, *camera)) {
@@ -370,11 +366,11 @@ void LiveWindow::mousePressed(int x, int y) {
     }
   }
   if (layout_.record.contains(x, y)) {
-    carryOut(ViewCommand::ToggleRecording);
+    execute(ViewCommand::ToggleRecording);
   } else if (layout_.cameraName.contains(x, y) || layout_.cameraFormat.contains(x, y)) {
-    carryOut(ViewCommand::ShowCameras);
+    execute(ViewCommand::ShowCameras);
   } else if (layout_.status.contains(x, y) && x > layout_.panel.left) {
-    carryOut(ViewCommand::ToggleHelp);
+    execute(ViewCommand::ToggleHelp);
   } else if (overlay_ == Overlay::Cameras) {
     const int row = cameraListPlace(layout_, state_->cameras.size(), dpi_).rowAt(x, y);
     if (row >= 0) {
@@ -429,11 +425,11 @@ void LiveWindow::wheelTurned(int x, int y, int clicks) {
     return place.track.contains(x, y) || place.caption.contains(x, y);
   };
   if (over(layout_.exposure)) {
-    carryOut(clicks > 0 ? ViewCommand::LongerExposure : ViewCommand::ShorterExposure);
+    execute(clicks > 0 ? ViewCommand::LongerExposure : ViewCommand::ShorterExposure);
   } else if (over(layout_.gain)) {
-    carryOut(clicks > 0 ? ViewCommand::MoreGain : ViewCommand::LessGain);
+    execute(clicks > 0 ? ViewCommand::MoreGain : ViewCommand::LessGain);
   } else if (over(layout_.offset)) {
-    carryOut(clicks > 0 ? ViewCommand::MoreOffset : ViewCommand::LessOffset);
+    execute(clicks > 0 ? ViewCommand::MoreOffset : ViewCommand::LessOffset);
   }
 }
 
@@ -463,7 +459,7 @@ void LiveWindow::chooseCamera(std::size_t position) {
   }
 }
 
-// The title bar in the colours of the rest, where the system can do that.
+// Makes the title bar dark like the rest, if the system can.
 void LiveWindow::useDarkFrame() {
   constexpr DWORD useImmersiveDarkMode = 20;
   using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, LPCVOID, DWORD);

@@ -1,4 +1,4 @@
-// The window: what its user does becomes commands, what the camera does becomes pictures.
+// The window: turns keys and mouse into commands for the camera, and frames into pictures.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-#include "live_view/canvas_windows.hpp"
+#include "live_view/gdi_canvas_windows.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_camera.hpp"
 #include "live_view/live_controls.hpp"
@@ -25,7 +25,7 @@ class LiveWindow {
   LiveWindow(const LiveWindow&) = delete;
   LiveWindow& operator=(const LiveWindow&) = delete;
 
-  /// Until the user closes the window.
+  /// Handles messages until the user closes the window.
   void run();
 
  private:
@@ -44,7 +44,7 @@ class LiveWindow {
 
   void keyPressed(const KeyPress& press);
   bool keyInCameraList(const KeyPress& press);
-  void carryOut(ViewCommand command);
+  void execute(ViewCommand command);
   void mousePressed(int x, int y);
   void mouseMoved(int x, int y);
   void mouseReleased(int x, int y);
@@ -62,7 +62,7 @@ class LiveWindow {
 
   HWND window_ = nullptr;
   int dpi_ = 96;
-  Canvas canvas_;
+  GdiCanvas canvas_;
   WindowLayout layout_;
   LivePicture picture_;
   LiveFrame frame_;

@@ -1,4 +1,4 @@
-// live_view: shows a camera's picture live. Here: the program's start, and its failures' messages.
+// live_view: shows a camera's picture live. The program's start, and the messages of its failures.
 #include <windows.h>
 
 #include <exception>

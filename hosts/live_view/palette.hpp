@@ -1,4 +1,4 @@
-// The window's colours: dark, and for eyes used to the dark, red.
+// The window's colours: a dark palette, and a red one for night.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct Palette {
   std::uint32_t line;    ///< borders
   std::uint32_t text;
   std::uint32_t quietText;
-  std::uint32_t accent;  ///< what can be moved, what is chosen
+  std::uint32_t accent;  ///< sliders, the selection
   std::uint32_t recording;
   std::uint32_t warning;
   std::uint32_t error;

@@ -1,4 +1,4 @@
-// Draws what stands beside and over the picture.
+// Draws the panel beside the picture and what is laid over it.
 #include "live_view/panel_windows.hpp"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 // One drawing of the panel.
 class PanelDrawing {
  public:
-  PanelDrawing(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+  PanelDrawing(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                const PanelContent& content)
       : canvas_(canvas), layout_(layout), palette_(palette), content_(content) {}
 
@@ -211,7 +211,7 @@ class PanelDrawing {
     return content_.state.phase == LivePhase::Streaming && content_.measurements.areThere;
   }
 
-  Canvas& canvas_;
+  GdiCanvas& canvas_;
   const WindowLayout& layout_;
   const Palette& palette_;
   const PanelContent& content_;
@@ -229,7 +229,7 @@ std::uint32_t colorOf(NoticeKind kind, const Palette& palette) {
   return palette.text;
 }
 
-void drawBox(Canvas& canvas, const ListPlace& list, const Palette& palette,
+void drawBox(GdiCanvas& canvas, const ListPlace& list, const Palette& palette,
              const std::string& title) {
   canvas.fill(list.box, palette.panel);
   canvas.outline(list.box, palette.line);
@@ -238,12 +238,12 @@ void drawBox(Canvas& canvas, const ListPlace& list, const Palette& palette,
 
 }  // namespace
 
-void drawPanel(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                const PanelContent& content) {
   PanelDrawing(canvas, layout, palette, content).draw();
 }
 
-void drawStatusLine(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                     const LiveState& state) {
   const int margin = scaled(16, canvas.dpi());
   const PixelRect& line = layout.status;
@@ -258,13 +258,13 @@ void drawStatusLine(Canvas& canvas, const WindowLayout& layout, const Palette& p
               palette.quietText, TextAlign::Right);
 }
 
-void drawEmptyPicture(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                       const LiveState& state) {
   canvas.text(layout.picture, emptyPictureText(state), TextSize::Title, palette.quietText,
               TextAlign::Centre);
 }
 
-void drawStarMark(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                   const PictureView& view, const Star& star) {
   const int x = layout.picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
   const int y = layout.picture.top + static_cast<int>(std::lround(view.screenY(star.y)));
@@ -278,7 +278,7 @@ void drawStarMark(Canvas& canvas, const WindowLayout& layout, const Palette& pal
   }
 }
 
-void drawCrosshair(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                    const PictureView& view) {
   const int left = layout.picture.left + view.onScreen.left;
   const int top = layout.picture.top + view.onScreen.top;
@@ -290,7 +290,7 @@ void drawCrosshair(Canvas& canvas, const WindowLayout& layout, const Palette& pa
   canvas.circle(middleX, middleY, scaled(24, canvas.dpi()), palette.accent);
 }
 
-void drawHelp(Canvas& canvas, const WindowLayout& layout, const Palette& palette) {
+void drawHelp(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette) {
   const auto lines = helpLines();
   const int dpi = canvas.dpi();
   const ListPlace list = placeList(layout.picture, 520, static_cast<int>(lines.size()), dpi);
@@ -311,7 +311,7 @@ ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int d
   return placeList(layout.picture, 540, static_cast<int>(cameras), dpi);
 }
 
-void drawCameraList(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                     const LiveState& state, std::size_t selected) {
   const int dpi = canvas.dpi();
   const ListPlace list = cameraListPlace(layout, state.cameras.size(), dpi);

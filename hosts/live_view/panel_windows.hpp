@@ -1,9 +1,9 @@
-// Draws what stands beside and over the picture.
+// Draws the panel beside the picture and what is laid over it.
 #pragma once
 
 #include <cstddef>
 
-#include "live_view/canvas_windows.hpp"
+#include "live_view/gdi_canvas_windows.hpp"
 #include "live_view/live_controls.hpp"
 #include "live_view/live_picture.hpp"
 #include "live_view/live_session.hpp"
@@ -21,29 +21,29 @@ struct PanelContent {
   bool isPixelByPixel = false;
 };
 
-void drawPanel(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                const PanelContent& content);
 
-void drawStatusLine(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                     const LiveState& state);
 
-/// The text that stands in place of a picture.
-void drawEmptyPicture(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+/// The text in place of a picture.
+void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                       const LiveState& state);
 
 /// A ring around the star that is measured.
-void drawStarMark(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                   const PictureView& view, const Star& star);
 
-void drawCrosshair(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                    const PictureView& view);
 
-void drawHelp(Canvas& canvas, const WindowLayout& layout, const Palette& palette);
+void drawHelp(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette);
 
-/// Where the list of cameras lies.
+/// The place of the list of cameras.
 ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi);
 
-void drawCameraList(Canvas& canvas, const WindowLayout& layout, const Palette& palette,
+void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
                     const LiveState& state, std::size_t selected);
 
 }  // namespace orvane::host

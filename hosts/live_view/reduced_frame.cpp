@@ -1,10 +1,10 @@
-// Small images of large frames, made in one step: what a window shows needs no more.
+// Small images of large frames, made in one step.
 #include "live_view/reduced_frame.hpp"
 
 #include <algorithm>
 #include <utility>
 
-#include "imaging/debayer.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 
@@ -13,7 +13,7 @@ namespace {
 // Sums of this many samples in each direction still fit their type.
 constexpr int largestFactor = 256;
 
-// Samples of 8 bits, spread over the range of 16.
+// Samples of 8 bits, scaled to 16.
 struct ByteSamples {
   const std::uint8_t* bytes;
 
@@ -37,13 +37,13 @@ struct Square {
   int side;
 };
 
-// Much faster than the standard library's, which heeds the rounding mode.
+// Much faster than the standard library's functions, which depend on the rounding mode.
 std::uint16_t rounded(float value) {
   return static_cast<std::uint16_t>((static_cast<std::uint32_t>(2 * value) + 1) / 2);
 }
 
 template <class Samples>
-struct MosaicSquares {
+struct BayerSquares {
   Samples samples;
   std::size_t redColumn;
   std::size_t redRow;
@@ -106,21 +106,21 @@ void reduceSquares(const Squares& squares, const FrameLayout& layout, int factor
 
 template <class Samples>
 void reduceRaw(Samples samples, const FrameLayout& layout, int factor, Image& reduced) {
-  if (layout.mosaic == Mosaic::None) {
+  if (layout.bayer == BayerPattern::None) {
     reduceSquares(PlainSquares<Samples, 1>{samples}, layout, factor, 1, reduced);
     return;
   }
-  const bool redInOddColumns = layout.mosaic == Mosaic::Grbg || layout.mosaic == Mosaic::Bggr;
-  const bool redInOddRows = layout.mosaic == Mosaic::Gbrg || layout.mosaic == Mosaic::Bggr;
-  reduceSquares(MosaicSquares<Samples>{samples, redInOddColumns ? 1U : 0U, redInOddRows ? 1U : 0U},
+  const RedPixel red = redPixelOf(layout.bayer);
+  reduceSquares(BayerSquares<Samples>{samples, static_cast<std::size_t>(red.column),
+                                      static_cast<std::size_t>(red.row)},
                 layout, factor, 1, reduced);
 }
 
-// A length that starts inside the frame and does not leave it.
-std::pair<int, int> heldInside(int start, int length, int size, bool isMosaic) {
-  const int held = std::min(length, size);
-  const int inside = std::clamp(start, 0, size - held);
-  return {isMosaic ? inside / 2 * 2 : inside, held};
+// Start and length, clamped to the frame's size.
+std::pair<int, int> clamped(int start, int length, int size, bool isBayer) {
+  const int shorter = std::min(length, size);
+  const int inside = std::clamp(start, 0, size - shorter);
+  return {isBayer ? inside / 2 * 2 : inside, shorter};
 }
 
 }  // namespace
@@ -130,7 +130,7 @@ int reductionFactor(const FrameLayout& layout, int width, int height) {
   const int down = layout.height / std::max(height, 1);
   // The image keeps its shape, so the direction that is reduced more decides how much is shown.
   const int factor = std::clamp(std::max(across, down), 1, largestFactor);
-  if (layout.mosaic == Mosaic::None) {
+  if (layout.bayer == BayerPattern::None) {
     return factor;
   }
   return std::max(2, factor / 2 * 2);
@@ -138,10 +138,10 @@ int reductionFactor(const FrameLayout& layout, int width, int height) {
 
 void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout, int factor,
                  Image& reduced) {
-  const bool isColor = layout.format == PixelFormat::Rgb24 || layout.mosaic != Mosaic::None;
+  const bool isColour = layout.format == PixelFormat::Rgb24 || layout.bayer != BayerPattern::None;
   reduced.width = layout.width / factor;
   reduced.height = layout.height / factor;
-  reduced.channels = isColor ? 3 : 1;
+  reduced.channels = isColour ? 3 : 1;
   reduced.samples.resize(static_cast<std::size_t>(reduced.width) *
                          static_cast<std::size_t>(reduced.height) *
                          static_cast<std::size_t>(reduced.channels));
@@ -156,13 +156,13 @@ void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
 
 PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const PixelRect& wanted, Image& part) {
-  const bool isMosaic = layout.mosaic != Mosaic::None;
-  const auto [left, width] = heldInside(wanted.left, wanted.width, layout.width, isMosaic);
-  const auto [top, height] = heldInside(wanted.top, wanted.height, layout.height, isMosaic);
+  const bool isBayer = layout.bayer != BayerPattern::None;
+  const auto [left, width] = clamped(wanted.left, wanted.width, layout.width, isBayer);
+  const auto [top, height] = clamped(wanted.top, wanted.height, layout.height, isBayer);
   FrameLayout cut = layout;
   cut.width = width;
   cut.height = height;
-  const std::size_t pixelBytes = frameBytes({1, 1, layout.format, Mosaic::None});
+  const std::size_t pixelBytes = frameBytes({1, 1, layout.format, BayerPattern::None});
   const std::size_t rowBytes = static_cast<std::size_t>(width) * pixelBytes;
   std::vector<std::uint8_t> bytes;
   bytes.reserve(frameBytes(cut));
@@ -175,8 +175,8 @@ PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layou
     bytes.insert(bytes.end(), row.begin(), row.end());
   }
   part = imageFromFrame(bytes, cut);
-  if (isMosaic) {
-    part = debayer(part, layout.mosaic);
+  if (isBayer) {
+    part = debayer(part, layout.bayer);
   }
   return {left, top, width, height};
 }

@@ -1,4 +1,4 @@
-// Small images of large frames, made in one step: what a window shows needs no more.
+// Small images of large frames, made in one step.
 #pragma once
 
 #include <cstdint>
@@ -22,21 +22,21 @@ struct PixelRect {
   bool operator==(const PixelRect&) const = default;
 };
 
-/// How many frame pixels, in each direction, may become one pixel of an image that is to fill
-/// `width` x `height` and must not be smaller than that. Even for a mosaic, whose smallest square
-/// with every colour has two pixels a side; 1 or more for other frames.
+/// The largest factor by which the frame can be reduced without becoming smaller than `width` x
+/// `height`: 1 or more. With a Bayer pattern it is even, because a square needs every colour.
 int reductionFactor(const FrameLayout& layout, int width, int height);
 
-/// The frame with `factor` x `factor` pixels made one; of a mosaic, each colour is the mean of the
-/// pixels that have it. What does not fill a square at the right and at the bottom is left out.
+/// Reduces each square of `factor` x `factor` pixels to their mean. With a Bayer pattern, each
+/// colour is the mean of the pixels that have it. Incomplete squares at the right and at the bottom
+/// are left out.
 ///
-/// `frame` holds frameBytes(layout) bytes; `factor` is one that reductionFactor() may return, and
-/// no larger than the frame's sides. The image's memory is used again.
+/// `frame` holds frameBytes(layout) bytes; `factor` is a value that reductionFactor() can return,
+/// not larger than the frame's sides. The image's memory is used again.
 void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout, int factor,
                  Image& reduced);
 
-/// A part of the frame at full resolution, in colour if it has any. The part is moved and cut so
-/// that it lies in the frame; of a mosaic, it begins at even coordinates. Returns where it lies.
+/// Copies a part of the frame at full resolution, debayered if it has a Bayer pattern. The part is
+/// clamped to the frame; with a Bayer pattern it begins at even coordinates. Returns where it is.
 PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const PixelRect& wanted, Image& part);
 

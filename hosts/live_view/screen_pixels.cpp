@@ -1,4 +1,4 @@
-// Pixels as a screen takes them, from an image: brightened, in colour or red, and to size.
+// Turns images into screen pixels: stretched, in colour or red, scaled.
 #include "live_view/screen_pixels.hpp"
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace orvane::host {
 
 namespace {
 
-// The eye's brightness of a colour, times 256.
+// The weights of a colour's brightness, times 256.
 constexpr std::uint32_t redPart = 77;
 constexpr std::uint32_t greenPart = 150;
 constexpr std::uint32_t bluePart = 29;
@@ -21,7 +21,8 @@ std::uint32_t allRed(std::uint32_t red, std::uint32_t green, std::uint32_t blue)
   return (red * redPart + green * greenPart + blue * bluePart) >> 8 << 16;
 }
 
-// Between two pixels, `part` of 256 on the way to the second; two channels are mixed at once.
+// Interpolates between two pixels: `part` of 256 is the weight of the second. Mixes two channels at
+// once.
 std::uint32_t mixed(std::uint32_t from, std::uint32_t to, std::uint32_t part) {
   constexpr std::uint32_t outer = 0x00FF00FF;
   constexpr std::uint32_t middle = 0x0000FF00;
@@ -30,24 +31,25 @@ std::uint32_t mixed(std::uint32_t from, std::uint32_t to, std::uint32_t part) {
          (((from & middle) * rest + (to & middle) * part) >> 8 & middle);
 }
 
-// Where a target's row or column lies between two of the source's.
+// The place of a target's row or column between two of the source's.
 struct Place {
   std::size_t before;
   std::size_t after;
-  std::uint32_t part;  // of 256 on the way
+  std::uint32_t part;  // weight of `after`, of 256
 };
 
 std::vector<Place> places(int source, int target) {
   std::vector<Place> result;
   result.reserve(static_cast<std::size_t>(target));
   for (int at = 0; at < target; ++at) {
-    // In 256ths; the middles of the outermost pixels are as far as the source goes.
+    // In 256ths, clamped to the middles of the outermost pixels.
     const std::int64_t middle =
         (2 * std::int64_t{at} + 1) * source * 128 / std::max(target, 1) - 128;
-    const std::int64_t held = std::clamp<std::int64_t>(middle, 0, (std::int64_t{source} - 1) * 256);
-    const auto before = static_cast<std::size_t>(held / 256);
+    const std::int64_t clamped =
+        std::clamp<std::int64_t>(middle, 0, (std::int64_t{source} - 1) * 256);
+    const auto before = static_cast<std::size_t>(clamped / 256);
     result.push_back({before, std::min(before + 1, static_cast<std::size_t>(source) - 1),
-                      static_cast<std::uint32_t>(held % 256)});
+                      static_cast<std::uint32_t>(clamped % 256)});
   }
   return result;
 }

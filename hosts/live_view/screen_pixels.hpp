@@ -1,4 +1,4 @@
-// Pixels as a screen takes them, from an image: brightened, in colour or red, and to size.
+// Turns images into screen pixels: stretched, in colour or red, scaled.
 #pragma once
 
 #include <cstdint>
@@ -16,27 +16,26 @@ struct ScreenPixels {
   std::vector<std::uint32_t> pixels;
 };
 
-/// Colours on the screen as the image has them, or all brightness as red, for eyes used to the
-/// dark.
+/// The image's own colours, or its brightness in red, which keeps eyes adapted to the dark.
 enum class ScreenTint { Natural, Red };
 
-/// What every sample value becomes on the screen, for each channel.
+/// For each channel, the screen's value of every sample value.
 class ScreenCurves {
  public:
-  /// The samples' upper 8 bits, shown as they are.
+  /// No stretch: the samples' upper 8 bits.
   ScreenCurves();
 
   /// One stretch for each channel of the image.
   explicit ScreenCurves(const std::vector<Stretch>& stretches);
 
-  /// Brightens the image into pixels, whose memory is used again.
+  /// Stretches the image into pixels, whose memory is used again.
   void apply(const Image& image, ScreenTint tint, ScreenPixels& screen) const;
 
  private:
   std::vector<std::vector<std::uint8_t>> curves_;  // one, or three; 65536 values each
 };
 
-/// Where scaled pixels go: a part of a larger picture.
+/// The target of scaled pixels: a part of a larger picture.
 struct ScreenTarget {
   std::uint32_t* pixels = nullptr;  ///< of the part's top left corner
   std::ptrdiff_t pitch = 0;         ///< pixels from one row to the next
@@ -44,7 +43,7 @@ struct ScreenTarget {
   int height = 0;
 };
 
-/// Draws the pixels over the whole target, smoothly enlarged or reduced where its size differs.
+/// Fills the target with the pixels, scaled with bilinear interpolation.
 void drawScaled(const ScreenPixels& screen, const ScreenTarget& target);
 
 }  // namespace orvane::host

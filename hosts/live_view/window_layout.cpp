@@ -1,4 +1,4 @@
-// Where everything in the window is. All numbers are pixels of the screen.
+// The places of everything in the window, in pixels of the screen.
 #include "live_view/window_layout.hpp"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ constexpr int figureHeight = 38;
 constexpr int trendHeight = 44;
 constexpr int recordHeight = 40;
 
-// Gives out rectangles from the top of a column downwards.
+// Divides a column into rectangles, from the top down.
 class Column {
  public:
   Column(const PixelRect& inside, int dpi) : at_(inside), dpi_(dpi) {}

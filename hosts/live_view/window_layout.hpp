@@ -1,4 +1,4 @@
-// Where everything in the window is. All numbers are pixels of the screen.
+// The places of everything in the window, in pixels of the screen.
 #pragma once
 
 #include "live_view/reduced_frame.hpp"
@@ -8,7 +8,7 @@ namespace orvane::host {
 /// A caption with a value and a slider below.
 struct SliderPlace {
   PixelRect caption;
-  PixelRect track;  ///< where the mouse takes hold; the line is drawn in its middle
+  PixelRect track;  ///< takes the mouse; the line is drawn in its middle
 };
 
 struct WindowLayout {
@@ -37,7 +37,7 @@ WindowLayout layOut(int width, int height, int dpi);
 /// A length given for 96 dots per inch, on this screen.
 int scaled(int length, int dpi);
 
-/// A list that lies over the picture.
+/// A list over the picture.
 struct ListPlace {
   PixelRect box;
   PixelRect title;
@@ -53,14 +53,14 @@ struct ListPlace {
   int rowAt(int x, int y) const;
 };
 
-/// A list of `rows` rows of this width (for 96 dots per inch), in the middle of the picture; of
-/// fewer rows where there is not enough room.
+/// A list of `rows` rows of this width (for 96 dots per inch) in the middle of the picture, with
+/// fewer rows if there is not enough room.
 ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi);
 
-/// Where the frame's picture is shown whole, as large as it can be with its shape kept.
+/// The place of the whole frame: as large as the area allows, with its shape kept.
 PixelRect fittedPicture(const PixelRect& area, int frameWidth, int frameHeight);
 
-/// How far from the slider's left end the mouse is, 0 to 1.
+/// The mouse's place on a slider, 0 (left) to 1.
 double placeOnTrack(const PixelRect& track, int x);
 
 }  // namespace orvane::host

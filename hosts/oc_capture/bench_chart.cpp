@@ -5,7 +5,6 @@
 #include <cmath>
 #include <string>
 
-#include "imaging/axis.hpp"
 #include "imaging/canvas.hpp"
 #include "oc_capture/chart_colours.hpp"
 #include "system/argument_values.hpp"

@@ -19,7 +19,7 @@
 #include "oc_capture/text_table.hpp"
 #include "session/camera_choice.hpp"
 #include "session/camera_session.hpp"
-#include "session/distribution.hpp"
+#include "session/frame_timing.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
@@ -84,7 +84,7 @@ class Bench {
       : settings_(settings), camera_(camera), line_(line) {
     result_.camera = camera.description.name;
     result_.layout = {camera.settings.width, camera.settings.height, camera.settings.format,
-                      Mosaic::None};
+                      BayerPattern::None};
   }
 
   Measurement run() {

@@ -129,7 +129,7 @@ void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction) 
   options.add("--bayer", "PATTERN",
               "The mosaic of raw frames as they come,\nin place of what the SDK says:\n"
               "RGGB, GRBG, GBRG, BGGR or none",
-              intoNamed(correction.mosaic, mosaicFromName, "RGGB, GRBG, GBRG, BGGR or none"));
+              intoNamed(correction.bayer, bayerFromName, "RGGB, GRBG, GBRG, BGGR or none"));
 }
 
 void addLengthOptions(CommandOptions& options, CaptureLength& length, const char* framesDescription,
@@ -154,7 +154,7 @@ CameraSettings settingsFor(const CameraOptions& options, const CameraDescription
   settings.gain = gainOf(camera, options.gain);
   settings.offset = options.offset;
   // Throws now rather than when the camera is open.
-  correctedLayout({settings.width, settings.height, settings.format, Mosaic::None},
+  correctedLayout({settings.width, settings.height, settings.format, BayerPattern::None},
                   options.correction);
   return settings;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "imaging/canvas.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -47,8 +47,8 @@ std::string caption(const SerFacts& facts, std::int32_t frame) {
 ScreenImage thumbnail(const SerReader& recording, std::int32_t frame,
                       const FrameCorrection& correction) {
   Image image = recording.readImage(frame);
-  const Mosaic mosaic = correctImage(image, recording.facts().mosaic, correction);
-  return previewOf(std::move(image), mosaic, longestSide);
+  const BayerPattern bayer = correctImage(image, recording.facts().bayer, correction);
+  return previewOf(std::move(image), bayer, longestSide);
 }
 
 std::vector<ScreenImage> thumbnails(const SerReader& recording,

@@ -41,7 +41,7 @@ std::string colour(const CameraDescription& camera) {
   if (!camera.isColor) {
     return "mono";
   }
-  return camera.mosaic == Mosaic::None ? "colour" : mosaicName(camera.mosaic);
+  return camera.bayer == BayerPattern::None ? "colour" : bayerName(camera.bayer);
 }
 
 // "-" when the camera is not USB 3 or the SDK does not tell.

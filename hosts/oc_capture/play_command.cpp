@@ -53,8 +53,8 @@ std::string colours(const SerFacts& facts) {
     case SerChannels::One:
       break;
   }
-  if (facts.mosaic != Mosaic::None) {
-    return std::string("mosaic ") + mosaicName(facts.mosaic);
+  if (facts.bayer != BayerPattern::None) {
+    return std::string("mosaic ") + bayerName(facts.bayer);
   }
   return facts.colorId == 0 ? "mono" : "colour code " + std::to_string(facts.colorId);
 }

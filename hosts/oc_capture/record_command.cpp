@@ -14,7 +14,7 @@
 #include "formats/png_writer.hpp"
 #include "formats/ser_time.hpp"
 #include "formats/ser_writer.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
@@ -212,7 +212,7 @@ void reportJson(const RecordSettings& settings, const ChosenCamera& camera,
   document["width"] = recording.layout.width;
   document["height"] = recording.layout.height;
   document["format"] = formatName(recording.layout.format);
-  document["bayer"] = mosaicName(recording.layout.mosaic);
+  document["bayer"] = bayerName(recording.layout.bayer);
   document["frames"] = recording.frames;
   document["droppedFrames"] = recording.droppedFrames;
   document["silentWaits"] = recording.silentWaits;

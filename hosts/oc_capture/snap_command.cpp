@@ -10,7 +10,7 @@
 
 #include "formats/fits_writer.hpp"
 #include "formats/png_writer.hpp"
-#include "imaging/preview.hpp"
+#include "imaging/stretch.hpp"
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/frame_source.hpp"
 #include "oc_capture/output_path.hpp"
@@ -106,7 +106,7 @@ void report(const SnapSettings& settings, const ChosenCamera& camera, const Snap
     document["width"] = layout.width;
     document["height"] = layout.height;
     document["format"] = formatName(layout.format);
-    document["bayer"] = mosaicName(layout.mosaic);
+    document["bayer"] = bayerName(layout.bayer);
     document["exposureUs"] = camera.settings.exposureUs;
     document["gain"] = camera.settings.gain;
     document["offset"] = camera.settings.offset;
@@ -145,7 +145,7 @@ int snap(const SnapSettings& settings) {
 
 constexpr const char* explanation =
     R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
-holds its samples as they are, a mosaic as a mosaic (BAYERPAT), RGB as three
+holds its samples as they are, a bayer as a bayer (BAYERPAT), RGB as three
 planes, rows from the top (ROWORDER), with the settings, the temperature and
 the time in its header.)";
 

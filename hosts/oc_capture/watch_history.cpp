@@ -6,7 +6,6 @@
 #include <functional>
 #include <span>
 
-#include "imaging/axis.hpp"
 #include "imaging/canvas.hpp"
 #include "oc_capture/chart_colours.hpp"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "imaging/frame_statistics.hpp"
 #include "imaging/image.hpp"
+#include "imaging/statistics.hpp"
 
 namespace orvane::host {
 

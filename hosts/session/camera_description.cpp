@@ -140,7 +140,7 @@ CameraDescription describeCamera(int index, const Json& json) {
   camera.maxExposureUs = fields.integer<std::int64_t>("maxExposureUs");
   camera.minGain = fields.integer<int>("minGain");
   camera.maxGain = fields.integer<int>("maxGain");
-  camera.mosaic = mosaicFromCode(fields.integer<int>("bayer"));
+  camera.bayer = bayerFromCode(fields.integer<int>("bayer"));
   return camera;
 }
 

@@ -27,7 +27,7 @@ struct CameraDescription {
   std::int64_t maxExposureUs = 0;
   int minGain = 0;
   int maxGain = 0;
-  Mosaic mosaic = Mosaic::None;
+  BayerPattern bayer = BayerPattern::None;
 
   /// A camera that could not be asked, being in use elsewhere, has neither of these.
   bool hasGainRange() const { return minGain < maxGain; }

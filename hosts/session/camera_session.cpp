@@ -9,10 +9,10 @@ namespace orvane::host {
 
 namespace {
 
-// A colour camera's mono format has lost the mosaic, and its RGB frames are past it.
-Mosaic mosaicOfFrames(const CameraDescription& camera, PixelFormat format) {
+// A colour camera's mono format has lost the Bayer pattern, and its RGB frames are past it.
+BayerPattern bayerOfFrames(const CameraDescription& camera, PixelFormat format) {
   const bool isRaw = format == PixelFormat::Raw8 || format == PixelFormat::Raw16;
-  return isRaw && camera.isColor ? camera.mosaic : Mosaic::None;
+  return isRaw && camera.isColor ? camera.bayer : BayerPattern::None;
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ CameraSession::CameraSession(const CameraDescription& camera, const CameraSettin
               settings.offset) != 1) {
     throw CameraError(oc_error());
   }
-  layout_ = {oc_width(), oc_height(), settings.format, mosaicOfFrames(camera, settings.format)};
+  layout_ = {oc_width(), oc_height(), settings.format, bayerOfFrames(camera, settings.format)};
   bufferSize_ = static_cast<std::size_t>(oc_buffer_size());
 }
 

@@ -1,10 +1,8 @@
-// What the time stamps of a recording tell about it.
+// Frame timing from the time stamps of a recording, and quantiles of measured times.
 #include "session/frame_timing.hpp"
 
 #include <algorithm>
 #include <cmath>
-
-#include "session/distribution.hpp"
 
 namespace orvane::host {
 
@@ -18,6 +16,14 @@ bool isTime(std::int64_t ticks) {
 }
 
 }  // namespace
+
+double quantile(const std::vector<double>& sorted, double part) {
+  if (sorted.empty()) {
+    return 0;
+  }
+  const auto rank = static_cast<std::size_t>(std::ceil(part * static_cast<double>(sorted.size())));
+  return sorted[std::clamp<std::size_t>(rank, 1, sorted.size()) - 1];
+}
 
 std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
   if (ticks.size() < 2 || !std::all_of(ticks.begin(), ticks.end(), isTime) ||

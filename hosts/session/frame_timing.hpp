@@ -1,4 +1,4 @@
-// What the time stamps of a recording tell about it.
+// Frame timing from the time stamps of a recording, and quantiles of measured times.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +17,10 @@ struct FrameTiming {
   std::int32_t longestGapAfter = 0;  ///< the number of the frame before it, from 0 on
   std::int32_t stepsBack = 0;        ///< frames with an earlier time than the one before
 };
+
+/// The value that this part (0 to 1) of the values does not exceed: the smallest at 0, the median
+/// at 0.5, the largest at 1. 0 if there are none. `sorted` is in ascending order.
+double quantile(const std::vector<double>& sorted, double part);
 
 /// Time stamps as serTicks() counts. None when there are less than two, when they hold a time that
 /// is none (before the year 1 or after 9999), or when the last is no later than the first.

@@ -1,11 +1,12 @@
 #include "core/recording.hpp"
 
 #include <algorithm>
+#include <array>
 #include <new>
-#include <string_view>
 #include <utility>
 
 #include "core/samples.hpp"
+#include "formats/ser_layout.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -14,15 +15,6 @@ namespace {
 constexpr std::int32_t longestSide = 1 << 16;
 constexpr std::int64_t mostSamples = 400'000'000;
 
-template <std::size_t Size>
-std::int32_t numberAt(const std::array<std::uint8_t, Size>& header, std::size_t at) {
-  std::uint32_t value = 0;
-  for (std::size_t byte = 4; byte > 0; --byte) {
-    value = value << 8U | header[at + byte - 1];
-  }
-  return static_cast<std::int32_t>(value);
-}
-
 struct Color {
   std::int32_t id;
   Mosaic mosaic;
@@ -30,33 +22,34 @@ struct Color {
   bool isBlueFirst;
 };
 
-constexpr Color colors[] = {{0, Mosaic::None, 1, false},  {8, Mosaic::Rggb, 1, false},
-                            {9, Mosaic::Grbg, 1, false},  {10, Mosaic::Gbrg, 1, false},
-                            {11, Mosaic::Bggr, 1, false}, {100, Mosaic::None, 3, false},
-                            {101, Mosaic::None, 3, true}};
+constexpr Color colors[] = {
+    {ser::color::mono, Mosaic::None, 1, false}, {ser::color::rggb, Mosaic::Rggb, 1, false},
+    {ser::color::grbg, Mosaic::Grbg, 1, false}, {ser::color::gbrg, Mosaic::Gbrg, 1, false},
+    {ser::color::bggr, Mosaic::Bggr, 1, false}, {ser::color::rgb, Mosaic::None, 3, false},
+    {ser::color::bgr, Mosaic::None, 3, true}};
 
 }  // namespace
 
-// The fields: colour at 18, order of bytes 22, width 26, height 30, depth 34, number of frames 38.
-std::string Recording::readFormat(const Header& header, std::int64_t fileSize, Format& format) {
-  constexpr std::string_view mark = "LUCAM-RECORDER";
-  if (!std::equal(mark.begin(), mark.end(), header.begin())) {
+std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize,
+                                  Format& format) {
+  namespace offset = ser::offset;
+  const auto number = [&](std::size_t at) { return ser::integerAt<std::int32_t>(header, at); };
+  if (!std::equal(ser::fileId.begin(), ser::fileId.end(), header.begin())) {
     return "it is no SER recording";
   }
   const auto* const color =
       std::find_if(std::begin(colors), std::end(colors),
-                   [&](const Color& each) { return each.id == numberAt(header, 18); });
+                   [&](const Color& each) { return each.id == number(offset::colorId); });
   if (color == std::end(colors)) {
     return "its colours are of a kind that is not known here";
   }
   format.mosaic = color->mosaic;
   format.planes = color->planes;
   format.isBlueFirst = color->isBlueFirst;
-  // Programs write 0 there for the low byte first, whatever the field's name says.
-  format.isHighByteFirst = numberAt(header, 22) != 0;
-  format.width = numberAt(header, 26);
-  format.height = numberAt(header, 30);
-  format.depth = numberAt(header, 34);
+  format.isBigEndian = number(offset::littleEndian) != ser::byteOrder::little;
+  format.width = number(offset::width);
+  format.height = number(offset::height);
+  format.depth = number(offset::depth);
   const auto isSide = [](std::int32_t side) { return side >= 1 && side <= longestSide; };
   if (!isSide(format.width) || !isSide(format.height) || format.samples() > mostSamples) {
     return "its frames have a size that no camera has";
@@ -64,10 +57,10 @@ std::string Recording::readFormat(const Header& header, std::int64_t fileSize, F
   if (format.depth < 1 || format.depth > 16) {
     return "its samples have a depth that is not from 1 to 16 bits";
   }
-  // A recording that was broken off may promise more frames than there are, or none.
-  const std::int64_t promised = numberAt(header, 38);
+  // The header of an interrupted recording may say more frames than there are, or none.
+  const std::int64_t promised = number(offset::frameCount);
   const std::int64_t present =
-      (fileSize - static_cast<std::int64_t>(headerSize)) / format.frameBytes();
+      (fileSize - static_cast<std::int64_t>(ser::headerSize)) / format.frameBytes();
   format.frameCount = promised > 0 ? std::min(promised, present) : present;
   return format.frameCount > 0 ? "" : "it holds no whole frame";
 }
@@ -75,7 +68,7 @@ std::string Recording::readFormat(const Header& header, std::int64_t fileSize, F
 std::string Recording::open(const std::string& path) {
   File file = openFile(path, "rb");
   const std::int64_t size = file ? sizeOf(file.get()) : -1;
-  Header header{};
+  std::array<std::uint8_t, ser::headerSize> header{};
   if (size < 0) {
     return "it cannot be opened";
   }
@@ -117,19 +110,16 @@ void Recording::show(std::int64_t frameNumber) {
 }
 
 void Recording::read(std::int64_t frame) {
-  const std::int64_t start = static_cast<std::int64_t>(headerSize) + frame * format_.frameBytes();
+  const std::int64_t start =
+      static_cast<std::int64_t>(ser::headerSize) + frame * format_.frameBytes();
   if (!seek(file_.get(), start) ||
       std::fread(bytes_.data(), 1, bytes_.size(), file_.get()) != bytes_.size()) {
     std::fill(bytes_.begin(), bytes_.end(), std::uint8_t{0});
   }
-  const std::uint32_t largest = (1U << static_cast<std::uint32_t>(format_.depth)) - 1;
   const auto shift = static_cast<std::uint32_t>(16 - format_.depth);
-  const std::size_t low = format_.isHighByteFirst ? 1 : 0;
   for (std::size_t index = 0; index < samples_.size(); ++index) {
-    const std::uint32_t value = format_.depth > 8
-                                    ? bytes_[2 * index + low] | bytes_[2 * index + 1 - low] * 256U
-                                    : bytes_[index];
-    samples_[index] = static_cast<std::uint16_t>(std::min(value, largest) << shift);
+    samples_[index] = static_cast<std::uint16_t>(
+        ser::sampleAt(bytes_, index, format_.depth, format_.isBigEndian) << shift);
   }
   for (std::size_t pixel = 0; format_.isBlueFirst && pixel < samples_.size(); pixel += 3) {
     std::swap(samples_[pixel], samples_[pixel + 2]);

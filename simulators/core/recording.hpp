@@ -2,9 +2,9 @@
 // file.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,7 +13,7 @@
 
 namespace orvane::sim {
 
-// Nothing that the file's header says is believed unless it fits the file.
+// The header is checked against the file's size.
 class Recording {
  public:
   // Opens the file of this name, in UTF-8, in place of the one before. Returns "", or, as half a
@@ -31,7 +31,7 @@ class Recording {
   void show(std::int64_t frameNumber);
 
   // What the present frame shows in one colour (0 red, 1 green, 2 blue) at a place that lies in it;
-  // 65536 is full scale. Behind a mosaic's filters a colour is that of the pixel itself or of its
+  // 65536 is full scale. With a Bayer pattern, the colour is that of the pixel or of its
   // neighbours.
   float light(std::size_t plane, std::int32_t x, std::int32_t y) const;
 
@@ -47,17 +47,15 @@ class Recording {
     bool isBlueFirst = false;
     Mosaic mosaic = Mosaic::None;
     std::int32_t depth = 8;
-    bool isHighByteFirst = false;
+    bool isBigEndian = false;
     std::int64_t frameCount = 0;
 
     std::int64_t samples() const { return std::int64_t{width} * height * planes; }
     std::int64_t frameBytes() const { return samples() * (depth > 8 ? 2 : 1); }
   };
 
-  static constexpr std::size_t headerSize = 178;
-  using Header = std::array<std::uint8_t, headerSize>;
-
-  static std::string readFormat(const Header& header, std::int64_t fileSize, Format& format);
+  static std::string readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize,
+                                Format& format);
   float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
   float ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
   float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;

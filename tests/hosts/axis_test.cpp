@@ -1,5 +1,5 @@
 // Round numbers for the axes of charts.
-#include "imaging/axis.hpp"
+#include "imaging/canvas.hpp"
 
 #include <gtest/gtest.h>
 

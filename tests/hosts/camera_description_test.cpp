@@ -54,7 +54,7 @@ TEST(CameraDescription, HoldsAllThatTheLibraryTells) {
   EXPECT_EQ(camera.maxExposureUs, 2000000000000);
   EXPECT_EQ(camera.minGain, -5);
   EXPECT_EQ(camera.maxGain, 100);
-  EXPECT_EQ(camera.mosaic, Mosaic::Grbg);
+  EXPECT_EQ(camera.bayer, BayerPattern::Grbg);
 }
 
 TEST(CameraDescription, KeepsTheOrderOfTheKeys) {
@@ -79,11 +79,11 @@ TEST(CameraDescription, IsNotMisledByAKeyWithinTheName) {
   EXPECT_EQ(described(text).pixelSizeUm, 3.75);
 }
 
-TEST(CameraDescription, LeavesOutFormatsAndMosaicsThatItDoesNotKnow) {
+TEST(CameraDescription, LeavesOutFormatsAndBayerPatternsThatItDoesNotKnow) {
   EXPECT_EQ(described(usualWith("[0,2,1,3]", "[7,-1,1]")).formats,
             std::vector<PixelFormat>{PixelFormat::Raw16});
   EXPECT_TRUE(described(usualWith("[0,2,1,3]", "[]")).formats.empty());
-  EXPECT_EQ(described(usualWith("\"bayer\":9", "\"bayer\":12")).mosaic, Mosaic::None);
+  EXPECT_EQ(described(usualWith("\"bayer\":9", "\"bayer\":12")).bayer, BayerPattern::None);
 }
 
 TEST(CameraDescription, NamesTheKeyThatIsMissing) {

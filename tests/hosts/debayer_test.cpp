@@ -1,5 +1,5 @@
-// Colour from mosaics, against values worked out by hand.
-#include "imaging/debayer.hpp"
+// Debayering, against values worked out by hand.
+#include "imaging/image.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,23 +18,24 @@ Rgb pixelAt(const Image& image, int x, int y) {
   return {image.samples[at], image.samples[at + 1], image.samples[at + 2]};
 }
 
-// Where a mosaic has its colours, written as its name reads: "RGGB" is red, green / green, blue.
-class EveryMosaic : public ::testing::TestWithParam<Mosaic> {
+// Where a Bayer pattern has its colours, written as its name reads: "RGGB" is red, green / green,
+// blue.
+class EveryBayerPattern : public ::testing::TestWithParam<BayerPattern> {
  protected:
   static char colourAt(int x, int y) {
-    return mosaicName(GetParam())[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
+    return bayerName(GetParam())[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
   }
 };
 
-TEST_P(EveryMosaic, AnEvenlyColouredSceneComesBackExactly) {
-  Image mosaic{6, 4, 1, {}};
+TEST_P(EveryBayerPattern, AnEvenlyColouredSceneComesBackExactly) {
+  Image bayer{6, 4, 1, {}};
   for (int y = 0; y < 4; ++y) {
     for (int x = 0; x < 6; ++x) {
       const char colour = colourAt(x, y);
-      mosaic.samples.push_back(colour == 'R' ? 60000 : colour == 'G' ? 3001 : 17);
+      bayer.samples.push_back(colour == 'R' ? 60000 : colour == 'G' ? 3001 : 17);
     }
   }
-  const Image image = debayer(mosaic, GetParam());
+  const Image image = debayer(bayer, GetParam());
   ASSERT_EQ(image.width, 6);
   ASSERT_EQ(image.height, 4);
   ASSERT_EQ(image.channels, 3);
@@ -45,12 +46,12 @@ TEST_P(EveryMosaic, AnEvenlyColouredSceneComesBackExactly) {
   }
 }
 
-TEST_P(EveryMosaic, EveryPixelKeepsTheColourThatItsSensorSaw) {
-  Image mosaic{5, 3, 1, {}};
+TEST_P(EveryBayerPattern, EveryPixelKeepsTheColourThatItsSensorSaw) {
+  Image bayer{5, 3, 1, {}};
   for (int index = 0; index < 15; ++index) {
-    mosaic.samples.push_back(static_cast<std::uint16_t>(1000 * index));
+    bayer.samples.push_back(static_cast<std::uint16_t>(1000 * index));
   }
-  const Image image = debayer(mosaic, GetParam());
+  const Image image = debayer(bayer, GetParam());
   for (int y = 0; y < 3; ++y) {
     for (int x = 0; x < 5; ++x) {
       const char colour = colourAt(x, y);
@@ -64,7 +65,7 @@ TEST_P(EveryMosaic, EveryPixelKeepsTheColourThatItsSensorSaw) {
 // neighbours; beyond the border stands what a mirror on the border's pixels shows.
 class NeighbourMeans {
  public:
-  NeighbourMeans(const Image& mosaic, const char* colours) : mosaic_(mosaic), colours_(colours) {}
+  NeighbourMeans(const Image& bayer, const char* colours) : bayer_(bayer), colours_(colours) {}
 
   int at(int x, int y, char wanted) const {
     if (colour(x, y) == wanted) {
@@ -74,8 +75,8 @@ class NeighbourMeans {
     int count = 0;
     for (int dy = -1; dy <= 1; ++dy) {
       for (int dx = -1; dx <= 1; ++dx) {
-        const int column = mirrored(x + dx, mosaic_.width);
-        const int row = mirrored(y + dy, mosaic_.height);
+        const int column = mirrored(x + dx, bayer_.width);
+        const int row = mirrored(y + dy, bayer_.height);
         if (colour(column, row) == wanted) {
           sum += sample(column, row);
           ++count;
@@ -88,13 +89,13 @@ class NeighbourMeans {
  private:
   static int mirrored(int at, int size) { return at < 0 ? 1 : at == size ? size - 2 : at; }
   char colour(int x, int y) const { return colours_[2 * (y % 2) + x % 2]; }
-  int sample(int x, int y) const { return mosaic_.samples.begin()[y * mosaic_.width + x]; }
+  int sample(int x, int y) const { return bayer_.samples.begin()[y * bayer_.width + x]; }
 
-  const Image& mosaic_;
+  const Image& bayer_;
   const char* colours_;
 };
 
-TEST_P(EveryMosaic, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
+TEST_P(EveryBayerPattern, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
   for (const PixelFormat format : {PixelFormat::Raw8, PixelFormat::Raw16}) {
     for (const auto& [width, height] : {std::pair(7, 5), std::pair(6, 4), std::pair(2, 2)}) {
       const FrameLayout layout{width, height, format, GetParam()};
@@ -104,9 +105,9 @@ TEST_P(EveryMosaic, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
         noise = noise * 1664525U + 1013904223U;
         byte = static_cast<std::uint8_t>(noise >> 24U);
       }
-      const Image mosaic = imageFromFrame(frame, layout);
-      const Image image = debayer(mosaic, GetParam());
-      const NeighbourMeans expected(mosaic, mosaicName(GetParam()));
+      const Image bayer = imageFromFrame(frame, layout);
+      const Image image = debayer(bayer, GetParam());
+      const NeighbourMeans expected(bayer, bayerName(GetParam()));
       for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
           EXPECT_EQ(pixelAt(image, x, y),
@@ -118,11 +119,12 @@ TEST_P(EveryMosaic, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Debayer, EveryMosaic,
-                         ::testing::Values(Mosaic::Rggb, Mosaic::Grbg, Mosaic::Gbrg, Mosaic::Bggr),
-                         [](const auto& test) { return mosaicName(test.param); });
+INSTANTIATE_TEST_SUITE_P(Debayer, EveryBayerPattern,
+                         ::testing::Values(BayerPattern::Rggb, BayerPattern::Grbg,
+                                           BayerPattern::Gbrg, BayerPattern::Bggr),
+                         [](const auto& test) { return bayerName(test.param); });
 
-// The numbers by hand, for one mosaic of 16-bit samples:
+// The numbers by hand, for one Bayer pattern of 16-bit samples:
 //      1000   200  3000   400
 //        50    70    90   110
 //      5000   600  7000   800
@@ -133,7 +135,7 @@ Image handMade() {
 }
 
 TEST(Debayer, MeansOfTheNeighboursWithRedAtTheCorner) {
-  const Image image = debayer(handMade(), Mosaic::Rggb);
+  const Image image = debayer(handMade(), BayerPattern::Rggb);
   // Blue pixel: green from its four sides, red from its four corners.
   EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{4000, (200 + 50 + 90 + 600 + 2) / 4, 70}));
   // Red pixel.
@@ -145,24 +147,24 @@ TEST(Debayer, MeansOfTheNeighboursWithRedAtTheCorner) {
 }
 
 TEST(Debayer, MeansOfTheNeighboursWithGreenAtTheCorner) {
-  const Image grbg = debayer(handMade(), Mosaic::Grbg);
+  const Image grbg = debayer(handMade(), BayerPattern::Grbg);
   EXPECT_EQ(pixelAt(grbg, 1, 1), (Rgb{(200 + 600) / 2, 70, (50 + 90) / 2}));
   EXPECT_EQ(pixelAt(grbg, 1, 2),
             (Rgb{600, (70 + 5000 + 7000 + 150 + 2) / 4, (50 + 90 + 130 + 170 + 2) / 4}));
-  const Image gbrg = debayer(handMade(), Mosaic::Gbrg);
+  const Image gbrg = debayer(handMade(), BayerPattern::Gbrg);
   EXPECT_EQ(pixelAt(gbrg, 1, 1), (Rgb{(50 + 90) / 2, 70, (200 + 600) / 2}));
   EXPECT_EQ(pixelAt(gbrg, 1, 2),
             (Rgb{(50 + 90 + 130 + 170 + 2) / 4, (70 + 5000 + 7000 + 150 + 2) / 4, 600}));
 }
 
 TEST(Debayer, MeansOfTheNeighboursWithBlueAtTheCorner) {
-  const Image image = debayer(handMade(), Mosaic::Bggr);
+  const Image image = debayer(handMade(), BayerPattern::Bggr);
   EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{70, (200 + 50 + 90 + 600 + 2) / 4, 4000}));
   EXPECT_EQ(pixelAt(image, 2, 2), (Rgb{130, (90 + 600 + 800 + 170 + 2) / 4, 7000}));
 }
 
 TEST(Debayer, TheBorderIsContinuedAsInAMirror) {
-  const Image image = debayer(handMade(), Mosaic::Rggb);
+  const Image image = debayer(handMade(), BayerPattern::Rggb);
   // Above row 0 stands row 1 again, left of column 0 column 1, and so on.
   EXPECT_EQ(pixelAt(image, 0, 0), (Rgb{1000, (2 * 200 + 2 * 50 + 2) / 4, 70}));
   EXPECT_EQ(pixelAt(image, 3, 3), (Rgb{7000, (2 * 170 + 2 * 800 + 2) / 4, 190}));
@@ -171,13 +173,13 @@ TEST(Debayer, TheBorderIsContinuedAsInAMirror) {
 
 TEST(Debayer, MeansAreRounded) {
   // Blue pixel in the middle: corners 1, 2, 2, 2 and sides 1, 1, 1, 3.
-  const Image image = debayer({3, 3, 1, {1, 1, 2, 1, 9, 1, 2, 3, 2}}, Mosaic::Rggb);
+  const Image image = debayer({3, 3, 1, {1, 1, 2, 1, 9, 1, 2, 3, 2}}, BayerPattern::Rggb);
   EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{2, 2, 9}));
 }
 
-TEST(Debayer, ImagesTooSmallForAMosaicStayGrey) {
-  EXPECT_EQ(pixelAt(debayer({1, 1, 1, {7}}, Mosaic::Rggb), 0, 0), (Rgb{7, 7, 7}));
-  const Image column = debayer({1, 2, 1, {10, 20}}, Mosaic::Bggr);
+TEST(Debayer, ImagesTooSmallForABayerPatternStayGrey) {
+  EXPECT_EQ(pixelAt(debayer({1, 1, 1, {7}}, BayerPattern::Rggb), 0, 0), (Rgb{7, 7, 7}));
+  const Image column = debayer({1, 2, 1, {10, 20}}, BayerPattern::Bggr);
   EXPECT_EQ(pixelAt(column, 0, 0)[2], 10);
   EXPECT_EQ(pixelAt(column, 0, 1)[1], 20);
 }

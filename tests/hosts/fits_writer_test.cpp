@@ -17,10 +17,10 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t blockSize = 2880;
 
-FitsDescription description(int width, int height, PixelFormat format, Mosaic mosaic) {
+FitsDescription description(int width, int height, PixelFormat format, BayerPattern bayer) {
   using std::chrono::sys_days;
   FitsDescription description;
-  description.layout = {width, height, format, mosaic};
+  description.layout = {width, height, format, bayer};
   description.start = sys_days(std::chrono::year(2024) / 2 / 29) + std::chrono::hours(23) +
                       std::chrono::minutes(5) + std::chrono::seconds(7) +
                       std::chrono::microseconds(4200);
@@ -64,7 +64,7 @@ std::string cardOf(const Bytes& file, const std::string& keyword) {
 
 TEST(FitsWriter, WritesTheseBytes) {
   const Bytes frame{0x00, 0x00, 0x00, 0x80, 0xff, 0xff, 0x34, 0x12};
-  const Bytes file = fitsFile(frame, description(2, 2, PixelFormat::Raw16, Mosaic::Grbg));
+  const Bytes file = fitsFile(frame, description(2, 2, PixelFormat::Raw16, BayerPattern::Grbg));
   EXPECT_EQ(text(file).substr(0, blockSize),
             header({"SIMPLE  =                    T / this is a FITS file",
                     "BITPIX  =                   16 / bits of a sample",
@@ -95,7 +95,7 @@ TEST(FitsWriter, WritesTheseBytes) {
 
 TEST(FitsWriter, WritesColoursAsThreePlanes) {
   const Bytes frame{1, 2, 3, 4, 5, 6};
-  const Bytes file = fitsFile(frame, description(2, 1, PixelFormat::Rgb24, Mosaic::None));
+  const Bytes file = fitsFile(frame, description(2, 1, PixelFormat::Rgb24, BayerPattern::None));
   EXPECT_EQ(cardOf(file, "BITPIX"), "BITPIX  =                    8 / bits of a sample");
   EXPECT_EQ(cardOf(file, "NAXIS"), "NAXIS   =                    3");
   EXPECT_EQ(cardOf(file, "NAXIS3"), "NAXIS3  =                    3 / red, green, blue");
@@ -107,7 +107,7 @@ TEST(FitsWriter, WritesColoursAsThreePlanes) {
 }
 
 TEST(FitsWriter, LeavesOutWhatIsUnknown) {
-  FitsDescription unknown = description(1, 1, PixelFormat::Raw8, Mosaic::None);
+  FitsDescription unknown = description(1, 1, PixelFormat::Raw8, BayerPattern::None);
   unknown.pixelSizeUm = std::numeric_limits<double>::quiet_NaN();
   unknown.temperature.reset();
   Bytes file = fitsFile(Bytes{200}, unknown);
@@ -123,7 +123,7 @@ TEST(FitsWriter, LeavesOutWhatIsUnknown) {
 }
 
 TEST(FitsWriter, KeepsTextToTheCardAndToAscii) {
-  FitsDescription names = description(1, 1, PixelFormat::Raw8, Mosaic::None);
+  FitsDescription names = description(1, 1, PixelFormat::Raw8, BayerPattern::None);
   names.camera = std::string(67, 'c') + "''";
   names.observer = "caf\u00e9\n";
   names.telescope = "C8";
@@ -136,7 +136,7 @@ TEST(FitsWriter, KeepsTextToTheCardAndToAscii) {
 TEST(FitsWriter, WritesTheFile) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("caf\u00e9.fits");
-  const FitsDescription small = description(1, 1, PixelFormat::Raw8, Mosaic::None);
+  const FitsDescription small = description(1, 1, PixelFormat::Raw8, BayerPattern::None);
   writeFits(path, Bytes{9}, small);
   EXPECT_EQ(contentOf(path), text(fitsFile(Bytes{9}, small)));
   EXPECT_THROW(writeFits(scratch.file("missing") / "a.fits", Bytes{9}, small), std::runtime_error);

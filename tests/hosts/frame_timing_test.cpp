@@ -5,8 +5,6 @@
 
 #include <cstdint>
 
-#include "session/distribution.hpp"
-
 namespace orvane::host {
 
 namespace {

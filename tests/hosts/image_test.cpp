@@ -12,7 +12,7 @@ using Samples = std::vector<std::uint16_t>;
 
 TEST(ImageFromFrame, SpreadsEightBitsOverSixteen) {
   for (const PixelFormat format : {PixelFormat::Raw8, PixelFormat::Mono8}) {
-    const Image image = imageFromFrame(Bytes{0, 1, 128, 255}, {2, 2, format, Mosaic::None});
+    const Image image = imageFromFrame(Bytes{0, 1, 128, 255}, {2, 2, format, BayerPattern::None});
     EXPECT_EQ(image.width, 2);
     EXPECT_EQ(image.height, 2);
     EXPECT_EQ(image.channels, 1);
@@ -22,14 +22,14 @@ TEST(ImageFromFrame, SpreadsEightBitsOverSixteen) {
 
 TEST(ImageFromFrame, ReadsSixteenBitsFromTheLowByteOn) {
   const Image image =
-      imageFromFrame(Bytes{0x34, 0x12, 0xff, 0xff}, {2, 1, PixelFormat::Raw16, Mosaic::Rggb});
+      imageFromFrame(Bytes{0x34, 0x12, 0xff, 0xff}, {2, 1, PixelFormat::Raw16, BayerPattern::Rggb});
   EXPECT_EQ(image.channels, 1);
   EXPECT_EQ(image.samples, (Samples{0x1234, 0xffff}));
 }
 
 TEST(ImageFromFrame, KeepsRedGreenAndBlueTogether) {
   const Image image =
-      imageFromFrame(Bytes{1, 2, 3, 4, 5, 6}, {1, 2, PixelFormat::Rgb24, Mosaic::None});
+      imageFromFrame(Bytes{1, 2, 3, 4, 5, 6}, {1, 2, PixelFormat::Rgb24, BayerPattern::None});
   EXPECT_EQ(image.channels, 3);
   EXPECT_EQ(image.samples, (Samples{257, 514, 771, 1028, 1285, 1542}));
 }

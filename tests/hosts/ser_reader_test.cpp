@@ -70,7 +70,7 @@ class SerReaderTest : public ::testing::Test {
 
 TEST_F(SerReaderTest, ReadsWhatTheWriterWrites) {
   SerDescription description;
-  description.layout = {2, 2, PixelFormat::Raw16, Mosaic::Gbrg};
+  description.layout = {2, 2, PixelFormat::Raw16, BayerPattern::Gbrg};
   description.observer = "Anna";
   description.instrument = "Camera 1";
   description.telescope = std::string(40, 't');
@@ -87,7 +87,7 @@ TEST_F(SerReaderTest, ReadsWhatTheWriterWrites) {
   EXPECT_EQ(reader.facts().width, 2);
   EXPECT_EQ(reader.facts().height, 2);
   EXPECT_EQ(reader.facts().depth, 16);
-  EXPECT_EQ(reader.facts().mosaic, Mosaic::Gbrg);
+  EXPECT_EQ(reader.facts().bayer, BayerPattern::Gbrg);
   EXPECT_EQ(reader.facts().frames, 2);
   EXPECT_EQ(reader.facts().observer, "Anna");
   EXPECT_EQ(reader.facts().instrument, "Camera 1");

@@ -45,7 +45,7 @@ class SerRecorderTest : public ::testing::Test {
     }
   }
 
-  const FrameLayout layout{side, side, PixelFormat::Raw8, Mosaic::None};
+  const FrameLayout layout{side, side, PixelFormat::Raw8, BayerPattern::None};
   const ScratchDirectory scratch;
   const std::filesystem::path path = scratch.file("recording.ser");
 };

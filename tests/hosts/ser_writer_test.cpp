@@ -15,9 +15,9 @@ using orvane::testing::ScratchDirectory;
 using orvane::testing::SerFile;
 using Bytes = std::vector<std::uint8_t>;
 
-SerDescription description(int width, int height, PixelFormat format, Mosaic mosaic) {
+SerDescription description(int width, int height, PixelFormat format, BayerPattern bayer) {
   SerDescription description;
-  description.layout = {width, height, format, mosaic};
+  description.layout = {width, height, format, bayer};
   return description;
 }
 
@@ -28,7 +28,7 @@ std::string nuls(std::size_t count) {
 TEST(SerWriter, WritesTheseBytes) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("known.ser");
-  SerDescription known = description(2, 1, PixelFormat::Raw16, Mosaic::Gbrg);
+  SerDescription known = description(2, 1, PixelFormat::Raw16, BayerPattern::Gbrg);
   known.observer = "Anna";
   known.instrument = "Camera 1";
   known.telescope = "80/480";
@@ -62,19 +62,20 @@ TEST(SerWriter, WritesTheseBytes) {
 TEST(SerWriter, NamesTheColoursAndTheDepth) {
   struct Case {
     PixelFormat format;
-    Mosaic mosaic;
+    BayerPattern bayer;
     int colorId;
     int depth;
   };
   const ScratchDirectory scratch;
-  for (const Case& expected :
-       {Case{PixelFormat::Raw8, Mosaic::None, 0, 8}, Case{PixelFormat::Raw8, Mosaic::Rggb, 8, 8},
-        Case{PixelFormat::Raw8, Mosaic::Grbg, 9, 8}, Case{PixelFormat::Raw16, Mosaic::Gbrg, 10, 16},
-        Case{PixelFormat::Raw16, Mosaic::Bggr, 11, 16},
-        Case{PixelFormat::Raw16, Mosaic::None, 0, 16},
-        Case{PixelFormat::Rgb24, Mosaic::None, 100, 8},
-        Case{PixelFormat::Mono8, Mosaic::None, 0, 8}}) {
-    const SerDescription frame = description(4, 3, expected.format, expected.mosaic);
+  for (const Case& expected : {Case{PixelFormat::Raw8, BayerPattern::None, 0, 8},
+                               Case{PixelFormat::Raw8, BayerPattern::Rggb, 8, 8},
+                               Case{PixelFormat::Raw8, BayerPattern::Grbg, 9, 8},
+                               Case{PixelFormat::Raw16, BayerPattern::Gbrg, 10, 16},
+                               Case{PixelFormat::Raw16, BayerPattern::Bggr, 11, 16},
+                               Case{PixelFormat::Raw16, BayerPattern::None, 0, 16},
+                               Case{PixelFormat::Rgb24, BayerPattern::None, 100, 8},
+                               Case{PixelFormat::Mono8, BayerPattern::None, 0, 8}}) {
+    const SerDescription frame = description(4, 3, expected.format, expected.bayer);
     const auto path = scratch.file("colours.ser");
     SerWriter writer(path, frame);
     const Bytes content(frameBytes(frame.layout), 7);
@@ -91,7 +92,7 @@ TEST(SerWriter, NamesTheColoursAndTheDepth) {
 
 TEST(SerWriter, CutsLongNamesBetweenCharacters) {
   const ScratchDirectory scratch;
-  SerDescription longNames = description(1, 1, PixelFormat::Raw8, Mosaic::None);
+  SerDescription longNames = description(1, 1, PixelFormat::Raw8, BayerPattern::None);
   longNames.observer = std::string(40, 'o');
   longNames.instrument = std::string(41, 'i');
   longNames.telescope = std::string(39, 't') + "\u00e9";
@@ -107,7 +108,7 @@ TEST(SerWriter, CutsLongNamesBetweenCharacters) {
 TEST(SerWriter, ACrashCostsNoMoreThanTheFramesSinceTheCheckpoint) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("crash.ser");
-  SerWriter writer(path, description(2, 1, PixelFormat::Raw8, Mosaic::None));
+  SerWriter writer(path, description(2, 1, PixelFormat::Raw8, BayerPattern::None));
   EXPECT_EQ(SerFile(path).frameCount, 0);
   writer.addFrame(Bytes{1, 2}, 10);
   writer.addFrame(Bytes{3, 4}, 20);
@@ -124,7 +125,7 @@ TEST(SerWriter, IsFinishedWhereItGoesOutOfSight) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("caf\u00e9 \U0001F52D.ser");
   {
-    SerWriter writer(path, description(2, 1, PixelFormat::Raw8, Mosaic::None));
+    SerWriter writer(path, description(2, 1, PixelFormat::Raw8, BayerPattern::None));
     writer.addFrame(Bytes{1, 2}, 10);
     EXPECT_EQ(writer.frameCount(), 1);
   }
@@ -136,7 +137,8 @@ TEST(SerWriter, IsFinishedWhereItGoesOutOfSight) {
 
 TEST(SerWriter, RefusesAFrameOfAnotherSize) {
   const ScratchDirectory scratch;
-  SerWriter writer(scratch.file("size.ser"), description(2, 1, PixelFormat::Raw8, Mosaic::None));
+  SerWriter writer(scratch.file("size.ser"),
+                   description(2, 1, PixelFormat::Raw8, BayerPattern::None));
   EXPECT_THROW(writer.addFrame(Bytes{1}, 0), std::runtime_error);
   EXPECT_THROW(writer.addFrame(Bytes{1, 2, 3}, 0), std::runtime_error);
   EXPECT_EQ(writer.frameCount(), 0);

@@ -75,8 +75,8 @@ TEST(NumberRange, StepsArePartsOfTheRange) {
 
 TEST(NumberRange, NumbersAndPlacesFitEachOther) {
   const NumberRange range{100, 500};
-  EXPECT_EQ(range.held(99), 100);
-  EXPECT_EQ(range.held(5000000000), 500);
+  EXPECT_EQ(range.clamped(99), 100);
+  EXPECT_EQ(range.clamped(5000000000), 500);
   EXPECT_EQ(range.place(100), 0);
   EXPECT_EQ(range.place(300), 0.5);
   EXPECT_EQ(range.place(9999), 1);

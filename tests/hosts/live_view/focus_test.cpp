@@ -1,5 +1,5 @@
 // The focus figure, on stars of known width.
-#include "imaging/focus.hpp"
+#include "live_view/focus.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ using orvane::testing::frame16;
 using orvane::testing::grain;
 using orvane::testing::starLight;
 
-constexpr FrameLayout mono{400, 300, PixelFormat::Raw16, Mosaic::None};
+constexpr FrameLayout mono{400, 300, PixelFormat::Raw16, BayerPattern::None};
 
 Focus focusOf(const std::vector<std::uint8_t>& frame, const FrameLayout& layout, int factor,
               const std::optional<Star>& before = std::nullopt) {
@@ -34,8 +34,8 @@ class StarOfWidth : public ::testing::TestWithParam<double> {};
 
 TEST_P(StarOfWidth, IsMeasuredWhereItIs) {
   const double width = GetParam();
-  for (const Mosaic mosaic : {Mosaic::None, Mosaic::Gbrg}) {
-    const FrameLayout layout{400, 300, PixelFormat::Raw16, mosaic};
+  for (const BayerPattern bayer : {BayerPattern::None, BayerPattern::Gbrg}) {
+    const FrameLayout layout{400, 300, PixelFormat::Raw16, bayer};
     const auto frame = frame16(layout, [&](int x, int y) {
       return 1000 + 20 * grain(x, y) + starLight(x, y, 123.3, 77.8, width, 40000);
     });
@@ -44,8 +44,8 @@ TEST_P(StarOfWidth, IsMeasuredWhereItIs) {
       ASSERT_TRUE(focus.star);
       EXPECT_NEAR(focus.star->x, 123.3, 0.1);
       EXPECT_NEAR(focus.star->y, 77.8, 0.1);
-      // A mosaic's squares of two make a star a little wider.
-      const double seen = mosaic == Mosaic::None ? width : std::hypot(width, 0.5);
+      // A Bayer pattern's squares of two make a star a little wider.
+      const double seen = bayer == BayerPattern::None ? width : std::hypot(width, 0.5);
       EXPECT_NEAR(focus.star->halfFluxDiameter, diameterOfBell(seen), 0.05 * diameterOfBell(seen))
           << factor;
     }
@@ -55,7 +55,7 @@ TEST_P(StarOfWidth, IsMeasuredWhereItIs) {
 INSTANTIATE_TEST_SUITE_P(Focus, StarOfWidth, ::testing::Values(1.0, 1.5, 2.5, 4.0, 6.0));
 
 TEST(Focus, OfEightBitsIsTheSame) {
-  const FrameLayout layout{200, 200, PixelFormat::Raw8, Mosaic::None};
+  const FrameLayout layout{200, 200, PixelFormat::Raw8, BayerPattern::None};
   std::vector<std::uint8_t> frame;
   for (int y = 0; y < 200; ++y) {
     for (int x = 0; x < 200; ++x) {
@@ -151,9 +151,9 @@ TEST(Focus, StarsAtTheBorderDoNotLeadOutOfTheFrame) {
 }
 
 TEST(Focus, OfTinyAndOfEmptyImagesIsNothing) {
-  const FrameLayout tiny{1, 1, PixelFormat::Raw8, Mosaic::Rggb};
+  const FrameLayout tiny{1, 1, PixelFormat::Raw8, BayerPattern::Rggb};
   EXPECT_FALSE(measureFocus(std::vector<std::uint8_t>{9}, tiny, Image{0, 0, 3, {}}, 2).star);
-  const FrameLayout one{1, 1, PixelFormat::Raw8, Mosaic::None};
+  const FrameLayout one{1, 1, PixelFormat::Raw8, BayerPattern::None};
   EXPECT_FALSE(focusOf({200}, one, 1).star);
 }
 

@@ -37,7 +37,7 @@ TEST_F(LiveCameraTest, FramesAndStatesArrive) {
     LiveCamera camera(options(), [&] { ++news; });
     ASSERT_TRUE(soon([&] { return camera.takeFrame(frame); }));
     EXPECT_EQ(frame.layout.width, 320);
-    EXPECT_EQ(frame.layout.mosaic, Mosaic::Rggb);
+    EXPECT_EQ(frame.layout.bayer, BayerPattern::Rggb);
     EXPECT_EQ(frame.bytes().size(), 64000U);
     ASSERT_TRUE(soon([&] { return camera.state()->framesPerSecond > 1; }));
     EXPECT_EQ(camera.state()->phase, LivePhase::Streaming);
@@ -58,7 +58,7 @@ TEST_F(LiveCameraTest, RequestsAreCarriedOut) {
   ASSERT_TRUE(soon([&] { return camera.state()->cameraName == "Mono Two"; }));
   LiveFrame frame;
   ASSERT_TRUE(soon([&] { return camera.takeFrame(frame) && frame.opening == 2; }));
-  EXPECT_EQ(frame.layout.mosaic, Mosaic::None);
+  EXPECT_EQ(frame.layout.bayer, BayerPattern::None);
 }
 
 TEST_F(LiveCameraTest, EndingItFinishesTheRecording) {

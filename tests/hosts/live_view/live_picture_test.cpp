@@ -19,7 +19,7 @@ constexpr std::uint32_t background = 0x010203;
 
 LiveFrame frameWithStar(double x0, double y0, std::uint64_t opening, double width = 2) {
   LiveFrame frame;
-  frame.layout = {320, 200, PixelFormat::Raw16, Mosaic::None};
+  frame.layout = {320, 200, PixelFormat::Raw16, BayerPattern::None};
   frame.bitDepth = 12;
   frame.opening = opening;
   frame.buffer = frame16(frame.layout, [&](int x, int y) {
@@ -214,9 +214,9 @@ TEST(LivePicture, ClearedItShowsNothing) {
   EXPECT_FALSE(picture.measure(start));
 }
 
-TEST(LivePicture, FramesTooSmallForAMosaicShowNothingAndDoNoHarm) {
+TEST(LivePicture, FramesTooSmallForABayerPatternShowNothingAndDoNoHarm) {
   LiveFrame frame;
-  frame.layout = {1, 1, PixelFormat::Raw8, Mosaic::Rggb};
+  frame.layout = {1, 1, PixelFormat::Raw8, BayerPattern::Rggb};
   frame.opening = 1;
   frame.buffer = {9};
   frame.size = 1;

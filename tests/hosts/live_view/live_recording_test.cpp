@@ -54,7 +54,7 @@ TEST(LiveRecording, IsAValidFile) {
   const ScratchDirectory scratch;
   CameraDescription camera;
   camera.name = "Camera: one";
-  const FrameLayout layout{4, 2, PixelFormat::Raw8, Mosaic::Gbrg};
+  const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::Gbrg};
   const std::vector<std::uint8_t> frame = {1, 2, 3, 4, 5, 6, 7, 8};
   LiveRecording recording(scratch.path(), camera, layout);
   recording.addFrame(frame);
@@ -78,8 +78,9 @@ TEST(LiveRecording, IsAValidFile) {
 
 TEST(LiveRecording, NeedsItsDirectory) {
   const ScratchDirectory scratch;
-  EXPECT_THROW(LiveRecording(scratch.file("missing"), {}, {4, 2, PixelFormat::Raw8, Mosaic::None}),
-               std::runtime_error);
+  EXPECT_THROW(
+      LiveRecording(scratch.file("missing"), {}, {4, 2, PixelFormat::Raw8, BayerPattern::None}),
+      std::runtime_error);
 }
 
 }  // namespace

@@ -22,10 +22,10 @@ TEST(LiveTexts, Format) {
   LiveState state;
   EXPECT_EQ(formatText(state), "");
   state.phase = LivePhase::Streaming;
-  state.layout = {1280, 960, PixelFormat::Raw16, Mosaic::Grbg};
+  state.layout = {1280, 960, PixelFormat::Raw16, BayerPattern::Grbg};
   state.settings.bin = 2;
   EXPECT_EQ(formatText(state), "1280 \u00d7 960   GRBG   raw16   bin 2");
-  state.layout.mosaic = Mosaic::None;
+  state.layout.bayer = BayerPattern::None;
   EXPECT_EQ(formatText(state), "1280 \u00d7 960   raw16   bin 2");
 }
 
@@ -118,7 +118,7 @@ TEST(LiveTexts, CameraDetails) {
   EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   mono");
   camera.isColor = true;
   EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   colour");
-  camera.mosaic = Mosaic::Bggr;
+  camera.bayer = BayerPattern::Bggr;
   camera.isCooled = true;
   EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   BGGR   cooled");
 }

@@ -5,14 +5,14 @@
 
 #include <array>
 
-#include "imaging/debayer.hpp"
+#include "imaging/image.hpp"
 
 namespace orvane::host {
 
 namespace {
 
 TEST(ReductionFactor, KeepsTheImageAtLeastAsLargeAsThePlaceForIt) {
-  const FrameLayout mono{1936, 1096, PixelFormat::Raw8, Mosaic::None};
+  const FrameLayout mono{1936, 1096, PixelFormat::Raw8, BayerPattern::None};
   EXPECT_EQ(reductionFactor(mono, 1936, 1096), 1);
   EXPECT_EQ(reductionFactor(mono, 4000, 3000), 1);
   EXPECT_EQ(reductionFactor(mono, 969, 549), 1);
@@ -20,15 +20,15 @@ TEST(ReductionFactor, KeepsTheImageAtLeastAsLargeAsThePlaceForIt) {
   EXPECT_EQ(reductionFactor(mono, 600, 340), 3);
 }
 
-TEST(ReductionFactor, IsEvenForMosaics) {
-  const FrameLayout mosaic{1936, 1096, PixelFormat::Raw8, Mosaic::Rggb};
-  EXPECT_EQ(reductionFactor(mosaic, 1936, 1096), 2);
-  EXPECT_EQ(reductionFactor(mosaic, 600, 340), 2);
-  EXPECT_EQ(reductionFactor(mosaic, 480, 270), 4);
+TEST(ReductionFactor, IsEvenForBayerPatterns) {
+  const FrameLayout bayer{1936, 1096, PixelFormat::Raw8, BayerPattern::Rggb};
+  EXPECT_EQ(reductionFactor(bayer, 1936, 1096), 2);
+  EXPECT_EQ(reductionFactor(bayer, 600, 340), 2);
+  EXPECT_EQ(reductionFactor(bayer, 480, 270), 4);
 }
 
 TEST(ReductionFactor, HasAnAnswerForAPlaceWithoutRoom) {
-  EXPECT_EQ(reductionFactor({10000, 10000, PixelFormat::Raw16, Mosaic::None}, 0, 0), 256);
+  EXPECT_EQ(reductionFactor({10000, 10000, PixelFormat::Raw16, BayerPattern::None}, 0, 0), 256);
 }
 
 TEST(ReduceFrame, MonoPixelsAreMeans) {
@@ -38,7 +38,7 @@ TEST(ReduceFrame, MonoPixelsAreMeans) {
       9,  9,  9,  9,
   };
   Image reduced;
-  reduceFrame(frame, {4, 3, PixelFormat::Mono8, Mosaic::None}, 2, reduced);
+  reduceFrame(frame, {4, 3, PixelFormat::Mono8, BayerPattern::None}, 2, reduced);
   EXPECT_EQ(reduced.width, 2);
   EXPECT_EQ(reduced.height, 1);  // the last row does not fill a square
   EXPECT_EQ(reduced.channels, 1);
@@ -48,7 +48,7 @@ TEST(ReduceFrame, MonoPixelsAreMeans) {
 TEST(ReduceFrame, WithFactorOneNothingChanges) {
   const std::vector<std::uint8_t> frame = {0x34, 0x12, 0xFF, 0xFF};
   Image reduced;
-  reduceFrame(frame, {2, 1, PixelFormat::Raw16, Mosaic::None}, 1, reduced);
+  reduceFrame(frame, {2, 1, PixelFormat::Raw16, BayerPattern::None}, 1, reduced);
   EXPECT_EQ(reduced.samples, (std::vector<std::uint16_t>{0x1234, 0xFFFF}));
 }
 
@@ -56,26 +56,27 @@ TEST(ReduceFrame, RgbChannelsStayApart) {
   const std::vector<std::uint8_t> frame = {1, 10, 100, 3, 30, 102,  //
                                            5, 50, 104, 7, 70, 106};
   Image reduced;
-  reduceFrame(frame, {2, 2, PixelFormat::Rgb24, Mosaic::None}, 2, reduced);
+  reduceFrame(frame, {2, 2, PixelFormat::Rgb24, BayerPattern::None}, 2, reduced);
   EXPECT_EQ(reduced.channels, 3);
   EXPECT_EQ(reduced.samples, (std::vector<std::uint16_t>{4 * 257, 40 * 257, 103 * 257}));
 }
 
 TEST(ReduceFrame, MemoryOfAnEarlierImageDoesNotMatter) {
   Image reduced{7, 7, 3, std::vector<std::uint16_t>(147, 9)};
-  reduceFrame(std::vector<std::uint8_t>{1, 2}, {2, 1, PixelFormat::Raw8, Mosaic::None}, 1, reduced);
+  reduceFrame(std::vector<std::uint8_t>{1, 2}, {2, 1, PixelFormat::Raw8, BayerPattern::None}, 1,
+              reduced);
   EXPECT_EQ(reduced.width, 2);
   EXPECT_EQ(reduced.samples.size(), 2U);
 }
 
-class EveryMosaicReduced : public ::testing::TestWithParam<Mosaic> {};
+class EveryBayerPatternReduced : public ::testing::TestWithParam<BayerPattern> {};
 
-// Where a mosaic has its colours, written as its name reads.
-char colourAt(Mosaic mosaic, int x, int y) {
-  return mosaicName(mosaic)[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
+// Where a Bayer pattern has its colours, written as its name reads.
+char colourAt(BayerPattern bayer, int x, int y) {
+  return bayerName(bayer)[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
 }
 
-TEST_P(EveryMosaicReduced, EachColourIsTheMeanOfItsPixels) {
+TEST_P(EveryBayerPatternReduced, EachColourIsTheMeanOfItsPixels) {
   const FrameLayout layout{8, 4, PixelFormat::Raw16, GetParam()};
   std::vector<std::uint8_t> frame;
   for (int y = 0; y < 4; ++y) {
@@ -106,7 +107,7 @@ TEST_P(EveryMosaicReduced, EachColourIsTheMeanOfItsPixels) {
   }
 }
 
-TEST_P(EveryMosaicReduced, APartLooksAsInTheWholeFrame) {
+TEST_P(EveryBayerPatternReduced, APartLooksAsInTheWholeFrame) {
   const FrameLayout layout{12, 10, PixelFormat::Raw8, GetParam()};
   std::vector<std::uint8_t> frame(120);
   for (std::size_t index = 0; index < frame.size(); ++index) {
@@ -115,7 +116,7 @@ TEST_P(EveryMosaicReduced, APartLooksAsInTheWholeFrame) {
   const Image whole = debayer(imageFromFrame(frame, layout), GetParam());
   Image part;
   const PixelRect where = cutFrame(frame, layout, {3, 5, 6, 4}, part);
-  EXPECT_EQ(where, (PixelRect{2, 4, 6, 4}));  // where the mosaic begins anew
+  EXPECT_EQ(where, (PixelRect{2, 4, 6, 4}));  // where the Bayer pattern begins anew
   ASSERT_EQ(part.samples.size(), 6U * 4 * 3);
   // Pixels at the border see a mirror in place of their neighbours.
   for (int y = 1; y < 3; ++y) {
@@ -129,12 +130,13 @@ TEST_P(EveryMosaicReduced, APartLooksAsInTheWholeFrame) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(ReduceFrame, EveryMosaicReduced,
-                         ::testing::Values(Mosaic::Rggb, Mosaic::Grbg, Mosaic::Gbrg, Mosaic::Bggr),
-                         [](const auto& test) { return mosaicName(test.param); });
+INSTANTIATE_TEST_SUITE_P(ReduceFrame, EveryBayerPatternReduced,
+                         ::testing::Values(BayerPattern::Rggb, BayerPattern::Grbg,
+                                           BayerPattern::Gbrg, BayerPattern::Bggr),
+                         [](const auto& test) { return bayerName(test.param); });
 
 TEST(CutFrame, IsMovedIntoTheFrame) {
-  const FrameLayout layout{4, 2, PixelFormat::Raw8, Mosaic::None};
+  const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::None};
   const std::vector<std::uint8_t> frame = {0, 1, 2, 3, 4, 5, 6, 7};
   Image part;
   EXPECT_EQ(cutFrame(frame, layout, {-5, -5, 2, 1}, part), (PixelRect{0, 0, 2, 1}));
@@ -147,10 +149,10 @@ TEST(CutFrame, IsMovedIntoTheFrame) {
 TEST(CutFrame, KeepsTheBytesOfAPixelTogether) {
   Image part;
   const std::vector<std::uint8_t> rgb = {1, 2, 3, 4, 5, 6};
-  cutFrame(rgb, {2, 1, PixelFormat::Rgb24, Mosaic::None}, {1, 0, 1, 1}, part);
+  cutFrame(rgb, {2, 1, PixelFormat::Rgb24, BayerPattern::None}, {1, 0, 1, 1}, part);
   EXPECT_EQ(part.samples, (std::vector<std::uint16_t>{4 * 257, 5 * 257, 6 * 257}));
   const std::vector<std::uint8_t> words = {1, 2, 3, 4};
-  cutFrame(words, {2, 1, PixelFormat::Raw16, Mosaic::None}, {1, 0, 1, 1}, part);
+  cutFrame(words, {2, 1, PixelFormat::Raw16, BayerPattern::None}, {1, 0, 1, 1}, part);
   EXPECT_EQ(part.samples, (std::vector<std::uint16_t>{0x0403}));
 }
 

@@ -1,5 +1,5 @@
 // How sharp a frame is: the size of its brightest star, or else the steepness of its edges.
-#include "imaging/focus.hpp"
+#include "live_view/focus.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -27,8 +27,8 @@ struct Candidate {
   int brightness = 0;
 };
 
-// The frame's brightness, pixel by pixel. Each value of a mosaic is the mean of a square of two,
-// which has every colour wherever it lies.
+// The frame's brightness, pixel by pixel. With a Bayer pattern it is the mean of 2 x 2 pixels,
+// which have every colour wherever they are.
 class Brightness {
  public:
   Brightness(std::span<const std::uint8_t> frame, const FrameLayout& layout)
@@ -36,10 +36,10 @@ class Brightness {
 
   int width() const { return layout_.width; }
   int height() const { return layout_.height; }
-  bool isMosaic() const { return layout_.mosaic != Mosaic::None; }
+  bool isBayer() const { return layout_.bayer != BayerPattern::None; }
 
   double at(int x, int y) const {
-    if (!isMosaic()) {
+    if (!isBayer()) {
       return sample(x, y);
     }
     return (sample(x, y) + sample(x + 1, y) + sample(x, y + 1) + sample(x + 1, y + 1)) / 4;
@@ -50,17 +50,12 @@ class Brightness {
     const auto column = static_cast<std::size_t>(std::clamp(x, 0, layout_.width - 1));
     const auto row = static_cast<std::size_t>(std::clamp(y, 0, layout_.height - 1));
     const std::size_t pixel = row * static_cast<std::size_t>(layout_.width) + column;
-    switch (layout_.format) {
-      case PixelFormat::Raw16:
-        return frame_[2 * pixel] | frame_[2 * pixel + 1] << 8;
-      case PixelFormat::Rgb24:
-        return (frame_[3 * pixel] + frame_[3 * pixel + 1] + frame_[3 * pixel + 2]) / 3.0;
-      default:
-        return frame_[pixel];
-    }
+    return layout_.format == PixelFormat::Rgb24
+               ? (frame_[3 * pixel] + frame_[3 * pixel + 1] + frame_[3 * pixel + 2]) / 3.0
+               : sampleAt(frame_, layout_.format, pixel);
   }
 
-  Point heldInside(Point point) const {
+  Point clamped(Point point) const {
     return {std::clamp(point.x, 0, width() - 1), std::clamp(point.y, 0, height() - 1)};
   }
 
@@ -133,10 +128,10 @@ Point inFrame(const Candidate& candidate, int factor) {
 
 // The brightest pixel in the surroundings.
 Point brightestNear(const Brightness& brightness, Point around, int reach) {
-  Point best = brightness.heldInside(around);
+  Point best = brightness.clamped(around);
   for (int y = around.y - reach; y <= around.y + reach; ++y) {
     for (int x = around.x - reach; x <= around.x + reach; ++x) {
-      const Point point = brightness.heldInside({x, y});
+      const Point point = brightness.clamped({x, y});
       if (brightness.at(point.x, point.y) > brightness.at(best.x, best.y)) {
         best = point;
       }
@@ -162,7 +157,7 @@ Sky skyAround(const Brightness& brightness, Point centre, int reach) {
   for (int step = -reach; step < reach; ++step) {
     for (const Point& offset :
          {Point{step, -reach}, Point{reach, step}, Point{-step, reach}, Point{-reach, -step}}) {
-      const Point point = brightness.heldInside({centre.x + offset.x, centre.y + offset.y});
+      const Point point = brightness.clamped({centre.x + offset.x, centre.y + offset.y});
       border.push_back(brightness.at(point.x, point.y));
     }
   }
@@ -259,8 +254,8 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
   if (light.halfFluxDiameter > starReach * 0.9) {
     return std::nullopt;
   }
-  // The squares of a mosaic have their middle at their pixels' common corner.
-  const double middle = brightness.isMosaic() ? 1.0 : 0.5;
+  // The middle of 2 x 2 pixels is their common corner.
+  const double middle = brightness.isBayer() ? 1.0 : 0.5;
   return Star{light.x + middle, light.y + middle, light.halfFluxDiameter};
 }
 

@@ -10,7 +10,7 @@
 
 namespace orvane::host {
 
-/// A star, in pixels of the frame.
+/// A star; coordinates are pixels of the frame.
 struct Star {
   double x = 0;  ///< of its centre; 0.5 is the middle of the first pixel
   double y = 0;
@@ -19,15 +19,15 @@ struct Star {
 
 struct Focus {
   std::optional<Star> star;  ///< the brightest that is one; no hot pixel, nothing larger
-  double sharpness = 0;      ///< of the brightest object's surroundings; more is sharper, 0 none
+  double sharpness = 0;      ///< around the brightest object; more is sharper, 0 none
 };
 
-/// Where a star is looked for in the surroundings of a place: pixels in each direction.
+/// How far around a place a star is searched: pixels in each direction.
 constexpr int starSearchReach = 12;
 
-/// Measures a frame. A star near the place of `before` is preferred to the brightest, so that the
-/// figures of one frame and the next are of the same star. `reduced` is the frame made smaller by
-/// `factor`, as reduceFrame() does it; it tells where to look. `frame` holds frameBytes(layout)
+/// Measures a frame. Prefers a star near `before` to the brightest one, so that the figures of
+/// successive frames are of the same star. `reduced` is the frame reduced by reduceFrame() with
+/// `factor`; stars are searched in it. `frame` holds frameBytes(layout)
 /// bytes.
 Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const Image& reduced, int factor,

@@ -1,5 +1,5 @@
-// A picture in memory that the window is drawn into and that the screen is filled from.
-#include "live_view/canvas_windows.hpp"
+// The window's contents: a bitmap in memory that GDI draws into.
+#include "live_view/gdi_canvas_windows.hpp"
 
 #include <algorithm>
 #include <string_view>
@@ -23,10 +23,6 @@ COLORREF colorRef(std::uint32_t color) {
   return RGB(color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF);
 }
 
-RECT rectOf(const PixelRect& rect) {
-  return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
-}
-
 std::wstring wideOf(const std::string& utf8) {
   const int length =
       MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
@@ -37,7 +33,7 @@ std::wstring wideOf(const std::string& utf8) {
 
 }  // namespace
 
-Canvas::~Canvas() {
+GdiCanvas::~GdiCanvas() {
   release();
   for (const HFONT made : fonts_) {
     if (made != nullptr) {
@@ -46,7 +42,7 @@ Canvas::~Canvas() {
   }
 }
 
-void Canvas::resize(int width, int height, int dpi) {
+void GdiCanvas::resize(int width, int height, int dpi) {
   if (width == width_ && height == height_ && dpi == dpi_) {
     return;
   }
@@ -78,7 +74,7 @@ void Canvas::resize(int width, int height, int dpi) {
   SetBkMode(memory_, TRANSPARENT);
 }
 
-void Canvas::release() {
+void GdiCanvas::release() {
   if (memory_ != nullptr) {
     SelectObject(memory_, firstBitmap_);
     SelectObject(memory_, GetStockObject(BLACK_PEN));
@@ -96,7 +92,7 @@ void Canvas::release() {
   bits_ = nullptr;
 }
 
-void Canvas::makeFonts() {
+void GdiCanvas::makeFonts() {
   for (std::size_t size = 0; size < fonts_.size(); ++size) {
     if (fonts_.at(size) != nullptr) {
       DeleteObject(fonts_.at(size));
@@ -108,30 +104,30 @@ void Canvas::makeFonts() {
   }
 }
 
-void Canvas::show(HDC screen, const RECT& part) const {
+void GdiCanvas::show(HDC screen, const RECT& part) const {
   BitBlt(screen, part.left, part.top, part.right - part.left, part.bottom - part.top, memory_,
          part.left, part.top, SRCCOPY);
 }
 
-ScreenTarget Canvas::pixelsOf(const PixelRect& part) {
-  GdiFlush();  // what is being drawn by the system must be there
+ScreenTarget GdiCanvas::pixelsOf(const PixelRect& part) {
+  GdiFlush();  // GDI may queue its drawing
   return {bits_ + static_cast<std::ptrdiff_t>(part.top) * width_ + part.left, width_, part.width,
           part.height};
 }
 
-void Canvas::fill(const PixelRect& rect, std::uint32_t color) {
+void GdiCanvas::fill(const PixelRect& rect, std::uint32_t color) {
   const RECT area = rectOf(rect);
   SetDCBrushColor(memory_, colorRef(color));
   FillRect(memory_, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-void Canvas::outline(const PixelRect& rect, std::uint32_t color) {
+void GdiCanvas::outline(const PixelRect& rect, std::uint32_t color) {
   const RECT area = rectOf(rect);
   SetDCBrushColor(memory_, colorRef(color));
   FrameRect(memory_, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-void Canvas::dim(const PixelRect& rect) {
+void GdiCanvas::dim(const PixelRect& rect) {
   const ScreenTarget target = pixelsOf(rect);
   for (int y = 0; y < target.height; ++y) {
     std::uint32_t* const row = target.pixels + y * target.pitch;
@@ -140,26 +136,26 @@ void Canvas::dim(const PixelRect& rect) {
   }
 }
 
-void Canvas::dot(const PixelRect& rect, std::uint32_t color) {
+void GdiCanvas::dot(const PixelRect& rect, std::uint32_t color) {
   useLine(color);
   SelectObject(memory_, GetStockObject(DC_BRUSH));
   SetDCBrushColor(memory_, colorRef(color));
   Ellipse(memory_, rect.left, rect.top, rect.left + rect.width, rect.top + rect.height);
 }
 
-void Canvas::circle(int x, int y, int radius, std::uint32_t color) {
+void GdiCanvas::circle(int x, int y, int radius, std::uint32_t color) {
   useLine(color);
   SelectObject(memory_, GetStockObject(NULL_BRUSH));
   Ellipse(memory_, x - radius, y - radius, x + radius + 1, y + radius + 1);
 }
 
-void Canvas::polyline(const std::vector<POINT>& points, std::uint32_t color) {
+void GdiCanvas::polyline(const std::vector<POINT>& points, std::uint32_t color) {
   useLine(color);
   Polyline(memory_, points.data(), static_cast<int>(points.size()));
 }
 
-// Lines as thick as the screen asks for.
-void Canvas::useLine(std::uint32_t color) {
+// Selects a pen; its width follows the screen's resolution.
+void GdiCanvas::useLine(std::uint32_t color) {
   if (pen_ == nullptr || color != penColor_) {
     HPEN pen = CreatePen(PS_SOLID, std::max(1, dpi_ / 96), colorRef(color));
     SelectObject(memory_, pen);
@@ -171,8 +167,8 @@ void Canvas::useLine(std::uint32_t color) {
   }
 }
 
-void Canvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,
-                  std::uint32_t color, TextAlign align) {
+void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,
+                     std::uint32_t color, TextAlign align) {
   const std::wstring wide = wideOf(utf8);
   RECT area = rectOf(rect);
   SelectObject(memory_, font(size));
@@ -184,7 +180,7 @@ void Canvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,
             side | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
-int Canvas::textWidth(const std::string& utf8, TextSize size) {
+int GdiCanvas::textWidth(const std::string& utf8, TextSize size) {
   const std::wstring wide = wideOf(utf8);
   SIZE extent = {};
   SelectObject(memory_, font(size));

@@ -1,4 +1,4 @@
-// A picture in memory that the window is drawn into and that the screen is filled from.
+// The window's contents: a bitmap in memory that GDI draws into.
 #pragma once
 
 #include <windows.h>
@@ -13,19 +13,23 @@
 
 namespace orvane::host {
 
+inline RECT rectOf(const PixelRect& rect) {
+  return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
+}
+
 enum class TextSize { Small, Normal, Title, Figure };
 enum class TextAlign { Left, Centre, Right };
 
 /// Colours are 0x00RRGGBB.
-class Canvas {
+class GdiCanvas {
  public:
-  Canvas() = default;
-  ~Canvas();
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
+  GdiCanvas() = default;
+  ~GdiCanvas();
+  GdiCanvas(const GdiCanvas&) = delete;
+  GdiCanvas& operator=(const GdiCanvas&) = delete;
 
-  /// Makes the canvas as large as the window and its fonts as large as the screen asks for. What
-  /// was drawn is lost.
+  /// Adapts the bitmap to the window's size and the fonts to the screen's resolution. Erases the
+  /// bitmap.
   void resize(int width, int height, int dpi);
 
   int dpi() const { return dpi_; }
@@ -34,20 +38,20 @@ class Canvas {
   /// Copies a part to the screen.
   void show(HDC screen, const RECT& part) const;
 
-  /// The pixels themselves, for a part of the canvas.
+  /// Direct access to the pixels of a part.
   ScreenTarget pixelsOf(const PixelRect& part);
 
   void fill(const PixelRect& rect, std::uint32_t color);
   void outline(const PixelRect& rect, std::uint32_t color);
 
-  /// Dims what has been drawn, as if seen through dark glass.
+  /// Darkens what has been drawn.
   void dim(const PixelRect& rect);
 
   void dot(const PixelRect& rect, std::uint32_t color);
   void circle(int x, int y, int radius, std::uint32_t color);
   void polyline(const std::vector<POINT>& points, std::uint32_t color);
 
-  /// One line in the middle of the rectangle's height; what is too long ends in an ellipsis.
+  /// One line of text, vertically centred. Text that is too long ends in an ellipsis.
   void text(const PixelRect& rect, const std::string& utf8, TextSize size, std::uint32_t color,
             TextAlign align = TextAlign::Left);
 
@@ -65,7 +69,7 @@ class Canvas {
   HGDIOBJ firstBitmap_ = nullptr;
   std::uint32_t* bits_ = nullptr;
   std::array<HFONT, 4> fonts_{};
-  HPEN pen_ = nullptr;  // of the colour that was used last
+  HPEN pen_ = nullptr;  // of the last colour used
   std::uint32_t penColor_ = 0;
   int width_ = 0;
   int height_ = 0;

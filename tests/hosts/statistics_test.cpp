@@ -1,5 +1,5 @@
-// The distribution of a frame's samples, and the range that they have.
-#include "imaging/histogram.hpp"
+// What is counted in a frame's samples, and which of them are saturated.
+#include "imaging/statistics.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,10 @@ namespace orvane::host {
 
 namespace {
 
-std::vector<std::uint8_t> words(const std::vector<int>& samples) {
-  std::vector<std::uint8_t> bytes;
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes words(const std::vector<int>& samples) {
+  Bytes bytes;
   for (const int sample : samples) {
     bytes.push_back(static_cast<std::uint8_t>(sample % 256));
     bytes.push_back(static_cast<std::uint8_t>(sample / 256));
@@ -41,11 +43,22 @@ TEST(SampleRange, FindsSamplesInTheLowerBits) {
   EXPECT_EQ(fullScaleOf(10, {1, 2, 3}), 1023);
 }
 
-TEST(SampleRange, OfOtherSamplesIsWhole) {
-  EXPECT_EQ(fullScaleOf(12, {17, 4096}), 65535);
+TEST(SampleRange, OfAveragedSamplesIsThatOfTheUpperBits) {
+  EXPECT_EQ(fullScaleOf(12, {17, 4096}), 0xFFF0);
+  EXPECT_EQ(fullScaleOf(12, {0, 0}), 0xFFF0);  // nothing to be told from
+}
+
+TEST(SampleRange, OfOtherDepthsIsWhole) {
   EXPECT_EQ(fullScaleOf(16, {17, 40}), 65535);
-  EXPECT_EQ(fullScaleOf(12, {0, 0}), 65535);  // nothing to be told from
-  EXPECT_EQ(fullScaleOf(0, {1}), 65535);      // no depth that makes sense
+  EXPECT_EQ(fullScaleOf(0, {1}), 65535);
+  EXPECT_EQ(fullScaleOf(99, {1}), 65535);
+}
+
+TEST(SampleRange, LooksAtEverySample) {
+  std::vector<int> samples(1000000, 16);
+  EXPECT_EQ(fullScaleOf(12, samples), 0xFFF0);
+  samples[123457] = 17;
+  EXPECT_EQ(fullScaleOf(12, samples), 4095);
 }
 
 TEST(SampleRange, KeepsWhatEarlierFramesShowed) {
@@ -55,12 +68,66 @@ TEST(SampleRange, KeepsWhatEarlierFramesShowed) {
   range.add(words({16, 32}));
   EXPECT_EQ(range.fullScale(), 4095);
   range.add(words({8192}));
-  EXPECT_EQ(range.fullScale(), 65535);
+  EXPECT_EQ(range.fullScale(), 0xFFF0);
+}
+
+FrameLayout row(int width, PixelFormat format) {
+  return {width, 1, format, BayerPattern::None};
+}
+
+TEST(FrameStatistics, OfEightBits) {
+  const auto statistics = frameStatistics(Bytes{3, 255, 255, 7}, row(4, PixelFormat::Raw8), 12);
+  EXPECT_DOUBLE_EQ(statistics.mean, 130);
+  EXPECT_EQ(statistics.smallest, 3);
+  EXPECT_EQ(statistics.largest, 255);
+  EXPECT_EQ(statistics.saturated, 2);
+  EXPECT_EQ(frameStatistics(Bytes{254}, row(1, PixelFormat::Mono8), 12).saturated, 0);
+}
+
+TEST(FrameStatistics, CountsPixelsOfRgbOnce) {
+  const auto statistics =
+      frameStatistics(Bytes{255, 255, 0, 1, 2, 255, 9, 9, 9}, row(3, PixelFormat::Rgb24), 8);
+  EXPECT_EQ(statistics.saturated, 2);
+  EXPECT_EQ(statistics.smallest, 0);
+}
+
+TEST(FrameStatistics, OfSixteenBitsShiftedUp) {
+  const auto statistics =
+      frameStatistics(words({0xfff0, 0xffe0, 16, 0}), row(4, PixelFormat::Raw16), 12);
+  EXPECT_DOUBLE_EQ(statistics.mean, (0xfff0 + 0xffe0 + 16) / 4.0);
+  EXPECT_EQ(statistics.largest, 0xfff0);
+  EXPECT_EQ(statistics.saturated, 1);
+}
+
+TEST(FrameStatistics, OfSixteenBitsAtTheLowEnd) {
+  EXPECT_EQ(frameStatistics(words({4095, 4094, 4095}), row(3, PixelFormat::Raw16), 12).saturated,
+            2);
+  EXPECT_EQ(frameStatistics(words({4094}), row(1, PixelFormat::Raw16), 12).saturated, 0);
+  EXPECT_EQ(frameStatistics(words({65535, 65534}), row(2, PixelFormat::Raw16), 16).saturated, 1);
+  // A depth that makes no sense is brought to one that does.
+  EXPECT_EQ(frameStatistics(words({65535}), row(1, PixelFormat::Raw16), 99).saturated, 1);
+}
+
+TEST(FrameStatistics, OfNothing) {
+  EXPECT_EQ(frameStatistics({}, row(0, PixelFormat::Raw8), 8).saturated, 0);
+}
+
+// One rule for both: what the averaged samples of a binned 12-bit camera reach is saturated, too.
+TEST(Saturation, IsTheSameInStatisticsAndHistogram) {
+  const FrameLayout layout = row(4, PixelFormat::Raw16);
+  for (const Bytes& frame : {words({0xfff0, 0xfff0, 0xffe0, 16}), words({4095, 4095, 4094, 1}),
+                             words({0xfff3, 0xfff0, 0xffef, 4})}) {
+    SampleRange range(PixelFormat::Raw16, 12);
+    range.add(frame);
+    EXPECT_EQ(frameStatistics(frame, layout, 12).saturated, 2);
+    EXPECT_DOUBLE_EQ(histogramOf(frame, layout, range.fullScale()).saturated, 0.5);
+  }
 }
 
 TEST(Histogram, CountsEverySampleOfASmallFrame) {
   const std::vector<std::uint8_t> frame = {0, 7, 7, 255, 255, 100};
-  const Histogram histogram = histogramOf(frame, {3, 2, PixelFormat::Mono8, Mosaic::None}, 255);
+  const Histogram histogram =
+      histogramOf(frame, {3, 2, PixelFormat::Mono8, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channels, 1);
   const ChannelHistogram& grey = histogram.channel[0];
   EXPECT_EQ(grey.bins[0], 1U);
@@ -76,7 +143,7 @@ TEST(Histogram, CountsEverySampleOfASmallFrame) {
 
 TEST(Histogram, BinsAreEqualPartsOfTheFullScale) {
   const Histogram histogram =
-      histogramOf(words({0, 15, 16, 4095}), {4, 1, PixelFormat::Raw16, Mosaic::None}, 4095);
+      histogramOf(words({0, 15, 16, 4095}), {4, 1, PixelFormat::Raw16, BayerPattern::None}, 4095);
   EXPECT_EQ(histogram.channel[0].bins[0], 2U);
   EXPECT_EQ(histogram.channel[0].bins[1], 1U);
   EXPECT_EQ(histogram.channel[0].bins[255], 1U);
@@ -86,15 +153,15 @@ TEST(Histogram, BinsAreEqualPartsOfTheFullScale) {
 
 TEST(Histogram, SamplesBeyondTheFullScaleAreInTheLastBin) {
   const Histogram histogram =
-      histogramOf(words({5000}), {1, 1, PixelFormat::Raw16, Mosaic::None}, 4095);
+      histogramOf(words({5000}), {1, 1, PixelFormat::Raw16, BayerPattern::None}, 4095);
   EXPECT_EQ(histogram.channel[0].bins[255], 1U);
   EXPECT_EQ(histogram.channel[0].largest, 5000);
 }
 
-class EveryMosaicCounted : public ::testing::TestWithParam<Mosaic> {};
+class EveryBayerPatternCounted : public ::testing::TestWithParam<BayerPattern> {};
 
-TEST_P(EveryMosaicCounted, ColoursApart) {
-  const std::string name = mosaicName(GetParam());
+TEST_P(EveryBayerPatternCounted, ColoursApart) {
+  const std::string name = bayerName(GetParam());
   std::vector<std::uint8_t> frame;
   for (int y = 0; y < 4; ++y) {
     for (int x = 0; x < 4; ++x) {
@@ -110,20 +177,21 @@ TEST_P(EveryMosaicCounted, ColoursApart) {
   EXPECT_DOUBLE_EQ(histogram.channel[1].mean, 20);
 }
 
-INSTANTIATE_TEST_SUITE_P(Histogram, EveryMosaicCounted,
-                         ::testing::Values(Mosaic::Rggb, Mosaic::Grbg, Mosaic::Gbrg, Mosaic::Bggr),
-                         [](const auto& test) { return mosaicName(test.param); });
+INSTANTIATE_TEST_SUITE_P(Histogram, EveryBayerPatternCounted,
+                         ::testing::Values(BayerPattern::Rggb, BayerPattern::Grbg,
+                                           BayerPattern::Gbrg, BayerPattern::Bggr),
+                         [](const auto& test) { return bayerName(test.param); });
 
 TEST(Histogram, OfRgbHasThreeChannels) {
   const Histogram histogram = histogramOf(std::vector<std::uint8_t>{1, 2, 3, 4, 5, 6},
-                                          {2, 1, PixelFormat::Rgb24, Mosaic::None}, 255);
+                                          {2, 1, PixelFormat::Rgb24, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channel[0].largest, 4);
   EXPECT_EQ(histogram.channel[1].largest, 5);
   EXPECT_EQ(histogram.channel[2].smallest, 3);
 }
 
 TEST(Histogram, LargeFramesAreLookedAtInPartButEvenly) {
-  const FrameLayout layout{3000, 2000, PixelFormat::Raw8, Mosaic::Rggb};
+  const FrameLayout layout{3000, 2000, PixelFormat::Raw8, BayerPattern::Rggb};
   std::vector<std::uint8_t> frame(6000000);
   for (std::size_t index = 0; index < frame.size(); ++index) {
     const std::size_t x = index % 3000;
@@ -141,7 +209,7 @@ TEST(Histogram, LargeFramesAreLookedAtInPartButEvenly) {
 }
 
 TEST(Histogram, OfNothingIsEmpty) {
-  const Histogram histogram = histogramOf({}, {0, 0, PixelFormat::Raw8, Mosaic::None}, 255);
+  const Histogram histogram = histogramOf({}, {0, 0, PixelFormat::Raw8, BayerPattern::None}, 255);
   EXPECT_EQ(histogram.channel[0].smallest, 0);
   EXPECT_EQ(histogram.channel[0].largest, 0);
   EXPECT_EQ(histogram.saturated, 0);
