@@ -10,8 +10,8 @@ namespace orvane {
 
 namespace {
 
-// Ours to the SDK's and back: both exchange 1 and 2 and leave every other code alone.
-int exchangeFormatCode(int format) {
+// Maps PixelFormat to ASI_IMG_* and back. The mapping is its own inverse: it swaps 1 and 2.
+int swapFormatCode(int format) {
   switch (format) {
     case Raw16:
       return ASI_IMG_RAW16;
@@ -39,7 +39,7 @@ CameraInfo describe(const ASI_CAMERA_INFO& sdkInfo) {
   camera.bins = boundedList(sdkInfo.SupportedBins, 0);
   camera.formats = boundedList(sdkInfo.SupportedVideoFormat, ASI_IMG_END);
   for (std::int32_t& format : camera.formats) {
-    format = exchangeFormatCode(format);
+    format = swapFormatCode(format);
   }
   return camera;
 }
@@ -70,7 +70,7 @@ void scanAsiCameras() {
     ASI_CAMERA_INFO sdkInfo{};
     ASIGetCameraProperty.check(&sdkInfo, i);
     CameraInfo camera = describe(sdkInfo);
-    // A camera that another program holds is listed all the same, without its limits.
+    // A camera that another program has open is listed, too, but without its limits.
     if (ASIOpenCamera(camera.vendorIndex) == 0) {
       quietly([&] { readLimits(camera); });
       ASICloseCamera(camera.vendorIndex);
@@ -86,8 +86,8 @@ void open(ActiveCamera& camera) {
 void configure(ActiveCamera& camera, std::int32_t bin) {
   const int id = camera.info.vendorIndex;
   ASIInitCamera.check(id);
-  ASISetROIFormat.check(id, camera.width, camera.height, bin, exchangeFormatCode(camera.format));
-  // Setting the format has moved the region to the sensor's centre.
+  ASISetROIFormat.check(id, camera.width, camera.height, bin, swapFormatCode(camera.format));
+  // ASISetROIFormat has moved the region to the sensor's centre.
   ASISetStartPos.check(id, 0, 0);
   int ignoredBin = 0;
   int ignoredType = 0;
