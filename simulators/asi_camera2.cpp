@@ -1,6 +1,6 @@
 // ZWO's ASICamera2, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other
+// Exposure, gain and offset change the picture, and the cooler's controls the temperature. Other
 // controls only keep their value.
 
 #include <algorithm>
@@ -212,7 +212,7 @@ FrameSettings frameSettings(const Camera& camera) {
   return settings;
 }
 
-// The present value of a control, which for some is a measurement.
+// The present value of a control. For some controls it is a measurement.
 long reading(const Camera& camera, const Control& control) {
   const std::int64_t now = stage().clock.now();
   switch (control.id) {
@@ -225,7 +225,7 @@ long reading(const Camera& camera, const Control& control) {
   }
 }
 
-// The region after opening: the whole sensor, as far as the steps of 8 and 2 pixels allow.
+// Sets the region after opening: the whole sensor, rounded down to multiples of 8 and 2 pixels.
 void showWholeSensor(Camera& camera) {
   const SimCamera& model = camera.model;
   camera.device.bin = 1;
@@ -233,18 +233,18 @@ void showWholeSensor(Camera& camera) {
   camera.device.region = {0, 0, binnedWidth(model, 1) & ~7, binnedHeight(model, 1) & ~1};
 }
 
-// Whether the camera can show a region of this size after binning.
+// Whether the camera supports a region of this size after binning.
 bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
       width > binnedWidth(model, bin) || height > binnedHeight(model, bin)) {
     return false;
   }
-  // The ASI120 models for USB 2 send blocks of 1024 pixels.
+  // The ASI120 models for USB 2 send frames in blocks of 1024 pixels.
   const bool sendsBlocks = model.isUsb3Camera == 0 && textOf(model.name).starts_with("ZWO ASI120");
   return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
 }
 
-// Carries out a call that needs an open camera.
+// Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
   return call.carryOut([&]() -> int {
@@ -257,7 +257,7 @@ int onOpenCamera(Call& call, int cameraId, const Body& body) {
   });
 }
 
-// Carries out a call that needs an open and initialised camera.
+// Runs a call that needs an open and initialised camera.
 template <class Body>
 int onReadyCamera(Call& call, int cameraId, const Body& body) {
   return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
@@ -438,7 +438,7 @@ int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType)
     }
     device.bin = bin;
     device.format = imageType;
-    // An even start keeps the mosaic's first filter in the frame's first pixel.
+    // An even start keeps the Bayer pattern the same.
     device.region = {(binnedWidth(model, bin) - width) / 2 & ~1,
                      (binnedHeight(model, bin) - height) / 2 & ~1, width, height};
     return ASI_SUCCESS;

@@ -1,6 +1,6 @@
 // Player One's PlayerOneCamera, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's settings the temperature; other
+// Exposure, gain and offset change the picture, and the cooler's settings the temperature. Other
 // settings only keep their value.
 
 #include <algorithm>
@@ -184,7 +184,7 @@ int valueTypeOf(int configId) {
   }
 }
 
-// The number in the member that counts for a setting.
+// Reads the union's member that a setting uses.
 double numberIn(const POAConfigValue& value, int configId) {
   switch (valueTypeOf(configId)) {
     case VAL_FLOAT:
@@ -196,7 +196,7 @@ double numberIn(const POAConfigValue& value, int configId) {
   }
 }
 
-// Sets the member that counts for a setting.
+// Sets the union's member that a setting uses.
 void setNumber(Call& call, const char* name, POAConfigValue& value, int configId, double number) {
   value = {};
   switch (valueTypeOf(configId)) {
@@ -236,7 +236,7 @@ FrameSettings frameSettings(const Camera& camera) {
   return settings;
 }
 
-// The present value of a setting, which for some is a measurement.
+// The present value of a setting. For some settings it is a measurement.
 double reading(const Camera& camera, const Control& control) {
   const std::int64_t now = stage().clock.now();
   switch (control.id) {
@@ -249,7 +249,7 @@ double reading(const Camera& camera, const Control& control) {
   }
 }
 
-// Sizes are rounded down to multiples of 4 and 2, starts likewise, instead of being refused.
+// The SDK does not refuse sizes and starts, but rounds them down to multiples of 4 and 2.
 int roundedWidth(int width) {
   return std::max(width & ~3, 4);
 }
@@ -267,7 +267,7 @@ bool isExposing(const Camera& camera) {
   return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
 }
 
-// Carries out a call that needs an open camera.
+// Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
   return call.carryOut([&]() -> int {
@@ -280,7 +280,7 @@ int onOpenCamera(Call& call, int cameraId, const Body& body) {
   });
 }
 
-// Carries out a call that needs an open and initialised camera.
+// Runs a call that needs an open and initialised camera.
 template <class Body>
 int onReadyCamera(Call& call, int cameraId, const Body& body) {
   return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {

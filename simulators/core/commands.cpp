@@ -1,4 +1,4 @@
-// Commands given as text, by sim_command() or in the environment variable ORVANE_SIMULATOR.
+// Text commands, from sim_command() or from the environment variable ORVANE_SIMULATOR.
 
 #include <algorithm>
 #include <charconv>
@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-// The text up to the first of some separators, which is cut off with it.
+// Removes the text up to the first separator, and the separator, and returns the text.
 std::string_view cutOff(std::string_view& text, std::string_view separators) {
   const std::size_t length = std::min(text.find_first_of(separators), text.size());
   const std::string_view part = text.substr(0, length);
@@ -42,7 +42,8 @@ bool readWord(std::string_view word, Number& field) {
   return !word.empty() && read.ec == std::errc() && read.ptr == end;
 }
 
-// Reads all words of a command's arguments; false when there are too few, too many or wrong ones.
+// Reads all words of a command's arguments. Returns false if one is invalid or their number is
+// wrong.
 template <class... Fields>
 bool read(std::string_view arguments, Fields&... fields) {
   const auto readNext = [&arguments](auto& field) {
@@ -52,8 +53,7 @@ bool read(std::string_view arguments, Fields&... fields) {
   return (readNext(fields) && ...) && trimmed(arguments).empty();
 }
 
-// One kind of command: carries it out when it `isMeant` for this SDK, and returns whether it was
-// understood.
+// A command: runs it if it `isMeant` for this SDK, and returns whether it was understood.
 using Carry = bool (*)(std::string_view arguments, bool isMeant);
 
 bool carryClock(std::string_view arguments, bool isMeant) {
@@ -113,7 +113,7 @@ bool carryOutput(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-// "FUNCTION NTH TIMES KIND [TEXT]"; the text may have blanks in it.
+// "FUNCTION NTH TIMES KIND [TEXT]"; the text may contain spaces.
 bool carryThrow(std::string_view arguments, bool isMeant) {
   constexpr std::pair<std::string_view, ThrownKind> kinds[] = {{"standard", ThrownKind::Standard},
                                                                {"number", ThrownKind::Number},
@@ -129,7 +129,7 @@ bool carryThrow(std::string_view arguments, bool isMeant) {
       return false;
     }
     if (isMeant) {
-      static std::deque<std::string> texts;  // for as long as an exception may be read
+      static std::deque<std::string> texts;  // kept, because an exception may be read later
       texts.emplace_back(trimmed(arguments.substr(place + name.size())));
       stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
     }
