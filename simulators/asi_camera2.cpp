@@ -153,8 +153,8 @@ std::vector<Control> controlsOf(const SimCamera& model) {
        Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
-    add({ASI_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
-         Access::ByHand, "Offset", "Offset"});
+    add({ASI_OFFSET, model.offsetMin, model.offsetMax,
+         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
   }
   add({ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
        "The total data transfer rate percentage"});
@@ -247,7 +247,7 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
 // Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
       stage().countCallOnClosed();
@@ -274,7 +274,7 @@ extern "C" {
 
 int ASIGetNumOfConnectedCameras() {
   Call call("ASIGetNumOfConnectedCameras");
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     stage().enumerate();
     return static_cast<int>(stage().enumerated());
   });
@@ -282,7 +282,7 @@ int ASIGetNumOfConnectedCameras() {
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
   Call call("ASIGetCameraProperty", index);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr || info == nullptr) {
       return ASI_ERROR_INVALID_INDEX;
@@ -316,7 +316,7 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
 
 int ASIOpenCamera(int cameraId) {
   Call call("ASIOpenCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
@@ -345,7 +345,7 @@ int ASIInitCamera(int cameraId) {
 
 int ASICloseCamera(int cameraId) {
   Call call("ASICloseCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
@@ -411,7 +411,7 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     if (!control->isWritable()) {
       return ASI_ERROR_GENERAL_ERROR;
     }
-    control->value = held(static_cast<double>(value), control->minimum, control->maximum);
+    control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
     control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
       device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,

@@ -152,8 +152,8 @@ std::vector<Control> controlsOf(const SimCamera& model) {
        "Part of the USB bandwidth (percent)"}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
-    add({POA_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
-         Access::ByHand, "Offset", "Offset"});
+    add({POA_OFFSET, model.offsetMin, model.offsetMax,
+         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
   }
   if (model.hasTemperature != 0) {
     add({POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature", "Sensor temperature (C)"});
@@ -270,7 +270,7 @@ bool isExposing(const Camera& camera) {
 // Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
       stage().countCallOnClosed();
@@ -297,7 +297,7 @@ extern "C" {
 
 int POAGetCameraCount() {
   Call call("POAGetCameraCount");
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     stage().enumerate();
     return static_cast<int>(stage().enumerated());
   });
@@ -305,7 +305,7 @@ int POAGetCameraCount() {
 
 int POAGetCameraProperties(int index, POACameraProperties* properties) {
   Call call("POAGetCameraProperties", index);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_INDEX;
@@ -339,7 +339,7 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
 
 int POAOpenCamera(int cameraId) {
   Call call("POAOpenCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;
@@ -369,7 +369,7 @@ int POAInitCamera(int cameraId) {
 
 int POACloseCamera(int cameraId) {
   Call call("POACloseCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;

@@ -153,7 +153,7 @@ std::vector<Control> controlsOf(const SimCamera& model) {
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
     add({CONTROL_OFFSET, model.offsetMin, model.offsetMax,
-         held(10, model.offsetMin, model.offsetMax)});
+         clamped(10, model.offsetMin, model.offsetMax)});
   }
   if (model.hasTemperature != 0) {
     add({CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly});
@@ -229,7 +229,7 @@ std::string_view textIn(const char* buffer) {
 // Runs a call that needs an open camera. The body returns the call's result.
 template <class Result, class Body>
 Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
-  return call.carryOut([&]() -> Result {
+  return call.run([&]() -> Result {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       stage().countCallOnClosed();
@@ -264,7 +264,7 @@ extern "C" {
 
 std::uint32_t InitQHYCCDResource() {
   Call call("InitQHYCCDResource");
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     stage().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
@@ -272,7 +272,7 @@ std::uint32_t InitQHYCCDResource() {
 
 std::uint32_t ScanQHYCCD() {
   Call call("ScanQHYCCD");
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     if (!stage().isSdkInitialised) {
       return 0;
     }
@@ -283,7 +283,7 @@ std::uint32_t ScanQHYCCD() {
 
 std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
   Call call("GetQHYCCDId", index);
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr || !camera->isPlugged || id == nullptr) {
       return QHYCCD_ERROR;
@@ -296,7 +296,7 @@ std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
 
 std::uint32_t GetQHYCCDModel(char* id, char* model) {
   Call call("GetQHYCCDModel", Quoted{textIn(id)});
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     const Camera* camera = stage().enumeratedByKey(textIn(id));
     if (camera == nullptr || model == nullptr) {
       return QHYCCD_ERROR;
@@ -309,7 +309,7 @@ std::uint32_t GetQHYCCDModel(char* id, char* model) {
 
 void* OpenQHYCCD(char* id) {
   Call call("OpenQHYCCD", Quoted{textIn(id)});
-  return call.carryOut([&]() -> void* {
+  return call.run([&]() -> void* {
     Camera* camera = stage().enumeratedByKey(textIn(id));
     if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
         camera->device.isOpen) {
@@ -322,7 +322,7 @@ void* OpenQHYCCD(char* id) {
 
 std::uint32_t CloseQHYCCD(void* handle) {
   Call call("CloseQHYCCD", Handle{handle});
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       return QHYCCD_ERROR;

@@ -246,7 +246,7 @@ void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
 }
 
 std::vector<Control> controlsOf(const SimCamera& model) {
-  const double initialGain = held(100, model.gainMin, model.gainMax);
+  const double initialGain = clamped(100, model.gainMin, model.gainMax);
   std::vector<Control> controls{
       {TOUPCAM_OPTION_RAW, 0, 1, 0},
       {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
@@ -348,7 +348,7 @@ void showWholeSensor(Camera& camera) {
 // Runs a call that needs an open camera.
 template <class Body>
 Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
-  return call.carryOut([&]() -> Hresult {
+  return call.run([&]() -> Hresult {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       stage().countCallOnClosed();
@@ -418,7 +418,7 @@ extern "C" {
 
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
   Call call("Toupcam_EnumV2", Buffer{devices});
-  return call.carryOut([&]() -> unsigned {
+  return call.run([&]() -> unsigned {
     stage().enumerate();
     const auto count = static_cast<unsigned>(stage().enumerated());
     for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
@@ -438,7 +438,7 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
   const ToupcamText wanted = id == nullptr ? ToupcamText() : textIn(id);
   const std::string wantedName = plainText(wanted);
   Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
-  return call.carryOut([&]() -> HToupcam {
+  return call.run([&]() -> HToupcam {
     stage().enumerate();
     for (std::size_t i = 0; i < stage().enumerated(); ++i) {
       Camera& camera = *stage().enumerated(static_cast<std::int64_t>(i));
@@ -458,7 +458,7 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
 
 void Toupcam_Close(HToupcam handle) {
   Call call("Toupcam_Close", Handle{handle});
-  call.carryOut([&] {
+  call.run([&] {
     if (Camera* camera = stage().cameraOf(handle)) {
       stage().close(*camera);
       stage().endHandle(handle);

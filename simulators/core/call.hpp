@@ -38,7 +38,7 @@ class Call {
 
   // Runs the body and returns its result, unless the call is to throw or its result is forced.
   template <class Body>
-  std::invoke_result_t<Body> carryOut(const Body& body) {
+  std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
     throwIfAsked();
     const std::optional<std::int64_t> forced = stage().faults.result();

@@ -75,6 +75,6 @@ double usualGain(const SimCamera& model);
 double usualExposureUs(const SimCamera& model);
 
 // A value clamped to a range, or unchanged if the range is empty.
-double held(double value, double minimum, double maximum);
+double clamped(double value, double minimum, double maximum);
 
 }  // namespace orvane::sim

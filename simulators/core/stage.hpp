@@ -180,6 +180,6 @@ class Stage {
 Stage& stage();
 
 // sim_command().
-bool carryOutCommands(std::string_view commands);
+bool runCommands(std::string_view commands);
 
 }  // namespace orvane::sim
