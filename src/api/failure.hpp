@@ -1,4 +1,5 @@
-// Failures: exceptions inside the library, return values at its boundary.
+// Failures. Inside the library they are exceptions. At its boundary they become return values and
+// error texts.
 #pragma once
 
 #include <algorithm>

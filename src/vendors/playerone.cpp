@@ -73,7 +73,7 @@ void configure(ActiveCamera& camera, std::int32_t bin) {
 }
 
 void start(const ActiveCamera& camera) {
-  POAStartExposure.check(camera.info.vendorIndex, POA_FALSE);  // false: video, not a single frame
+  POAStartExposure.check(camera.info.vendorIndex, POA_FALSE);  // not a single frame
 }
 
 bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs) {
