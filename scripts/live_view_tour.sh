@@ -129,7 +129,7 @@ stop
 unset ORVANE_SIMULATOR
 
 start --camera 99
-shot 16-wrong-camera "no camera fits what was asked for"
+shot 16-wrong-camera "no camera matches the request"
 stop
 
 # magnify DPI: sets the screen's resolution, in the Wine prefix of this project only.

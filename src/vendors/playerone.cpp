@@ -20,7 +20,7 @@ CameraInfo describe(const POACameraProperties& properties) {
   camera.pixelSizeUm = properties.pixelSize;
   camera.isColor = properties.isColorCamera != 0;
   camera.isCooled = properties.isHasCooler != 0;
-  // The SDK tells the speed of the connection only, not those of the camera and the port.
+  // The SDK reports the speed of the connection only, not those of the camera and the port.
   camera.isUsb3Camera = properties.isUSB3Speed != 0;
   camera.isUsb3Host = camera.isUsb3Camera;
   camera.bayer = camera.isColor ? bayerOfPattern(properties.bayerPattern) : BayerNone;
