@@ -47,7 +47,7 @@ for ((run = 1; run <= runs; ++run)); do
     "$dll" "$windows/instant-sdks"
   part "scan and description, Linux" env ORVANE_INSTANT_CAMERAS=128 \
     "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
-  part "exchange of red and blue" "$linux/benchmarks/byte_exchange"
+  part "exchange of red and blue" "$linux/benchmarks/swap_red_and_blue"
   part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
     "$linux/benchmarks/copy_and_write" /dev/shm "$linux"
   part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \

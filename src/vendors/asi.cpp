@@ -1,9 +1,9 @@
 // ZWO ASI cameras. They are addressed by the SDK's camera id, `vendorIndex`.
 #include "api/failure.hpp"
-#include "capture/byte_exchange.hpp"
 #include "vendors/bayer_pattern.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk_text.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 #include "vendors/vendor_rows.hpp"
 
 namespace orvane {

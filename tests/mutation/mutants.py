@@ -23,12 +23,12 @@ MUTANTS = [
     # capture/active_camera.hpp
     ("capture/active_camera.hpp", "format == Raw16 ? 2 : format == Rgb24 ? 3 : 1", "format == Raw16 ? 2 : format == Rgb24 ? 2 : 1", "two bytes for RGB"),
     ("capture/active_camera.hpp", "format == Raw16 ? 2 : format == Rgb24 ? 3 : 1", "format == Raw16 ? 2 : format >= Rgb24 ? 3 : 1", "three bytes for mono"),
-    # capture/byte_exchange.cpp
-    ("capture/byte_exchange.cpp", "std::swap(pixels[0], pixels[2]);", "std::swap(pixels[0], pixels[1]);", "the wrong byte is exchanged"),
-    ("capture/byte_exchange.cpp", "(byteCount + 2) / 3", "byteCount / 3", "the last group is left out"),
-    ("capture/byte_exchange.cpp", "  if (pixelCount >= pixelsInBlock + 6) {", "  if (pixelCount >= pixelsInBlock + 5) {", "reads a byte behind the buffer"),
-    ("capture/byte_exchange.cpp", "for (; pixelCount >= 32; pixelCount", "for (; pixelCount >= 31; pixelCount", "writes behind the buffer"),
-    ("capture/byte_exchange.cpp", "pixelCount -= peeled;", "pixelCount -= peeled - 1;", "one pixel too many"),
+    # vendors/swap_red_and_blue.cpp
+    ("vendors/swap_red_and_blue.cpp", "std::swap(pixels[0], pixels[2]);", "std::swap(pixels[0], pixels[1]);", "the wrong byte is exchanged"),
+    ("vendors/swap_red_and_blue.cpp", "(byteCount + 2) / 3", "byteCount / 3", "the last group is left out"),
+    ("vendors/swap_red_and_blue.cpp", "  if (pixelCount >= pixelsInBlock + 6) {", "  if (pixelCount >= pixelsInBlock + 5) {", "reads a byte behind the buffer"),
+    ("vendors/swap_red_and_blue.cpp", "for (; pixelCount >= 32; pixelCount", "for (; pixelCount >= 31; pixelCount", "writes behind the buffer"),
+    ("vendors/swap_red_and_blue.cpp", "pixelCount -= peeled;", "pixelCount -= peeled - 1;", "one pixel too many"),
     # capture/close.cpp
     ("capture/close.cpp", "if (camera.streaming) {", "if (true) {", "stop without a start"),
     ("capture/close.cpp", "camera.openIndex < 0", "camera.openIndex <= 0", "camera 0 is never closed"),

@@ -1,6 +1,6 @@
 // Turning blue-green-red pixels into red-green-blue ones. Compilers make nothing of the plain loop,
 // so the two vector ways are written out.
-#include "capture/byte_exchange.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 // Exchanging the first and third byte of pixels, in every way that this processor has.
-#include "capture/byte_exchange.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 
 #include <gtest/gtest.h>
 

@@ -2,11 +2,11 @@
 // libraries that a host might use instead, and the physical limit, which is the fastest pass over
 // the same bytes that reads and writes each of them once.
 //
-//     byte_exchange [GOOGLE-BENCHMARK-OPTIONS]
+//     swap_red_and_blue [GOOGLE-BENCHMARK-OPTIONS]
 //
 // All contenders of a size work in place on one buffer, interleaved in random order; what counts is
 // the ratio of their medians. Ends with status 1 when a gate is missed.
-#include "capture/byte_exchange.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
@@ -312,7 +312,7 @@ int main(int count, char** arguments) {
   try {
     return orvane::run(count, arguments) ? 0 : 1;
   } catch (const std::exception& failure) {
-    std::fprintf(stderr, "byte_exchange: %s\n", failure.what());
+    std::fprintf(stderr, "swap_red_and_blue: %s\n", failure.what());
     return 2;
   }
 }
