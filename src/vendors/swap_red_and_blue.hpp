@@ -1,4 +1,4 @@
-// Turning blue-green-red pixels into red-green-blue ones, as fast as the processor allows.
+// Swaps red and blue: turns blue-green-red pixels into red-green-blue ones.
 #pragma once
 
 #include <cstddef>
@@ -6,25 +6,24 @@
 
 namespace orvane {
 
-/// The ways to do it, each with what it needs of the processor.
-enum class ByteExchange {
-  Scalar,  ///< nothing
-  Ssse3,   ///< byte shuffles in 16-byte registers
-  Avx2,    ///< byte shuffles in 32-byte registers
+/// The implementations of the swap.
+enum class SwapImplementation {
+  Scalar,  ///< runs on every processor
+  Ssse3,   ///< needs SSSE3: shuffles 16-byte registers
 };
 
-/// Whether this processor, under this operating system, can do it in this way.
-bool isSupported(ByteExchange way);
+/// Whether this processor can run the implementation.
+bool isSupported(SwapImplementation implementation);
 
-/// The fastest supported way for so many bytes.
-ByteExchange fastestByteExchange(std::size_t byteCount);
+/// The fastest implementation that this processor supports.
+SwapImplementation fastestSwap();
 
-/// Exchanges, in place, the first and the third byte of every 3-byte group that starts below
-/// `byteCount`, in the fastest way. The buffer holds the whole of its last group and may lie at any
-/// address; nothing outside the groups is touched.
-void exchangeRedAndBlue(std::uint8_t* pixels, std::size_t byteCount);
+/// Swaps, in place, the first and the third byte of every 3-byte group that starts below
+/// `byteCount`, with the fastest implementation. The buffer holds the whole last group and may have
+/// any address; nothing outside the groups is touched.
+void swapRedAndBlue(std::uint8_t* pixels, std::size_t byteCount);
 
-/// The same in a given way, which must be supported.
-void exchangeRedAndBlue(ByteExchange way, std::uint8_t* pixels, std::size_t byteCount);
+/// The same with a given implementation, which must be supported.
+void swapRedAndBlue(SwapImplementation implementation, std::uint8_t* pixels, std::size_t byteCount);
 
 }  // namespace orvane
