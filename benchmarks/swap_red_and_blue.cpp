@@ -240,15 +240,18 @@ void report(FrameSize size, Alignment alignment, Collector& collector, Gates& ga
   if (isPlanetary) {
     gates.hold(where + "library of the limit", library / limit, 0.40);
   }
-  if (size.width == largest.width) {
-    gates.hold(where + "library of the limit", library / limit, 0.85);
+  const bool isLargest = size.width == largest.width;
+  if (isLargest) {
+    gates.hold(where + "library of the limit", library / limit, 0.70);
   }
   for (const Contender& contender : contenders) {
     if (contender.kind == Kind::Other) {
-      // 1.5 times another library's speed, but where that one comes so near to the limit that there
-      // is no room: there nine tenths of what is possible.
-      const double wanted =
-          isPlanetary ? std::max(1.0, std::min(1.5, 0.9 * limit / speed(contender))) : 1.0;
+      // 1.5 times another library's speed, or nine tenths of the limit if that library is too near
+      // to the limit. In the largest frame all of them run at the speed of memory, which varies.
+      const double wanted = isPlanetary
+                                ? std::max(1.0, std::min(1.5, 0.9 * limit / speed(contender)))
+                            : isLargest ? 0.85
+                                        : 1.0;
       gates.hold(where + "library against " + contender.name, library / speed(contender), wanted);
     }
   }

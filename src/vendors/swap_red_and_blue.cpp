@@ -33,9 +33,6 @@ ORVANE_SSSE3 void swapSsse3(std::uint8_t* pixels, std::size_t pixelCount) {
   constexpr std::ptrdiff_t window = 15;
   constexpr int windowsInBlock = 8;
   constexpr std::size_t pixelsInBlock = 40;
-  // Prefetching helps with frames that are larger than the caches. The address may lie beyond the
-  // frame: a prefetch never faults.
-  constexpr std::ptrdiff_t prefetchDistance = 3072;
   const __m128i order = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15);
   const auto load = [](const std::uint8_t* from) ORVANE_SSSE3 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
@@ -44,9 +41,6 @@ ORVANE_SSSE3 void swapSsse3(std::uint8_t* pixels, std::size_t pixelCount) {
   if (pixelCount >= pixelsInBlock + 6) {
     __m128i windows[windowsInBlock + 1] = {load(pixels)};
     do {
-      const char* const ahead = reinterpret_cast<const char*>(pixels + prefetchDistance);
-      _mm_prefetch(ahead, _MM_HINT_T0);
-      _mm_prefetch(ahead + 60, _MM_HINT_T0);
       for (int i = 1; i <= windowsInBlock; ++i) {
         windows[i] = load(pixels + i * window);
       }
