@@ -1,17 +1,17 @@
 // ZWO ASI cameras. They are addressed by the SDK's camera id, `vendorIndex`.
 #include "api/failure.hpp"
-#include "capture/byte_exchange.hpp"
 #include "vendors/bayer_pattern.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk_text.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 #include "vendors/vendor_rows.hpp"
 
 namespace orvane {
 
 namespace {
 
-// Ours to the SDK's and back: both exchange 1 and 2 and leave every other code alone.
-int exchangeFormatCode(int format) {
+// Maps PixelFormat to ASI_IMG_* and back. The mapping is its own inverse: it swaps 1 and 2.
+int swapFormatCode(int format) {
   switch (format) {
     case Raw16:
       return ASI_IMG_RAW16;
@@ -39,7 +39,7 @@ CameraInfo describe(const ASI_CAMERA_INFO& sdkInfo) {
   camera.bins = boundedList(sdkInfo.SupportedBins, 0);
   camera.formats = boundedList(sdkInfo.SupportedVideoFormat, ASI_IMG_END);
   for (std::int32_t& format : camera.formats) {
-    format = exchangeFormatCode(format);
+    format = swapFormatCode(format);
   }
   return camera;
 }
@@ -86,7 +86,7 @@ void open(ActiveCamera& camera) {
 void configure(ActiveCamera& camera, std::int32_t bin) {
   const int id = camera.info.vendorIndex;
   ASIInitCamera.check(id);
-  ASISetROIFormat.check(id, camera.width, camera.height, bin, exchangeFormatCode(camera.format));
+  ASISetROIFormat.check(id, camera.width, camera.height, bin, swapFormatCode(camera.format));
   // Setting the format has moved the region to the sensor's centre.
   ASISetStartPos.check(id, 0, 0);
   int ignoredBin = 0;
@@ -106,7 +106,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs
   }
   ASIGetVideoData.checkResultOf(result);
   if (camera.format == Rgb24) {
-    exchangeRedAndBlue(buffer.data, static_cast<std::size_t>(frameBytes(camera)));
+    swapRedAndBlue(buffer.data, static_cast<std::size_t>(frameBytes(camera)));
   }
   return true;
 }

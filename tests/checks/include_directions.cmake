@@ -4,9 +4,9 @@
 
 # From the ground up. A source file stands where it is listed, whatever its header's floor.
 set(floors
-  "platform/path_join.hpp|windows_dll/gcc_runtime.hpp|windows_dll/microsoft_exceptions.hpp|catalogue/camera_info.hpp|capture/byte_exchange.hpp|vendors/sdk_text.hpp|vendors/closing_afterwards.hpp"
+  "platform/path_join.hpp|windows_dll/gcc_runtime.hpp|windows_dll/microsoft_exceptions.hpp|catalogue/camera_info.hpp|vendors/swap_red_and_blue.hpp|vendors/sdk_text.hpp|vendors/closing_afterwards.hpp"
   "platform/platform.hpp|capture/active_camera.hpp|vendors/sdk_call.hpp|windows_dll/microsoft_exceptions.cpp|capture/capture.hpp|catalogue/camera_json.hpp|catalogue/scan.hpp"
-  "platform/platform_windows.cpp|platform/platform_linux.cpp|windows_dll/library_entry.cpp|windows_dll/gcc_runtime.cpp|capture/byte_exchange.cpp|catalogue/camera_json.cpp|vendors/vendor_library.hpp|vendors/vendor_family.hpp|vendors/bayer_pattern.hpp"
+  "platform/platform_windows.cpp|platform/platform_linux.cpp|windows_dll/library_entry.cpp|windows_dll/gcc_runtime.cpp|vendors/swap_red_and_blue.cpp|catalogue/camera_json.cpp|vendors/vendor_library.hpp|vendors/vendor_family.hpp|vendors/bayer_pattern.hpp"
   "vendors/vendor_library.cpp|vendors/vendor_rows.hpp|api/state.hpp"
   "api/failure.hpp|vendors/sdk_function.hpp|vendors/vendor_table.cpp"
   "vendors/sdk/asi_sdk.hpp|vendors/sdk/playerone_sdk.hpp|vendors/sdk/qhyccd_sdk.hpp|vendors/sdk/toupcam_sdk.hpp"

@@ -1,5 +1,6 @@
-// Exchanging the first and third byte of pixels, in every way that this processor has.
-#include "capture/byte_exchange.hpp"
+// Swapping the first and third byte of pixels, with every implementation that this processor
+// supports.
+#include "vendors/swap_red_and_blue.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,7 @@ namespace orvane {
 namespace {
 
 // The rule, word for word.
-void exchangeByTheRule(std::uint8_t* pixels, std::size_t byteCount) {
+void swapByTheRule(std::uint8_t* pixels, std::size_t byteCount) {
   for (std::size_t i = 0; i < byteCount; i += 3) {
     std::swap(pixels[i], pixels[i + 2]);
   }
@@ -31,7 +32,7 @@ constexpr std::size_t wholeGroups(std::size_t byteCount) {
   return (byteCount + 2) / 3 * 3;
 }
 
-class ByteExchangeWays : public ::testing::TestWithParam<ByteExchange> {
+class SwapRedAndBlue : public ::testing::TestWithParam<SwapImplementation> {
  protected:
   void SetUp() override {
     if (!isSupported(GetParam())) {
@@ -43,13 +44,13 @@ class ByteExchangeWays : public ::testing::TestWithParam<ByteExchange> {
     constexpr std::size_t margin = 40;
     std::vector<std::uint8_t> actual = testBytes(start + wholeGroups(length) + margin);
     std::vector<std::uint8_t> expected = actual;
-    exchangeByTheRule(expected.data() + start, length);
-    exchangeRedAndBlue(GetParam(), actual.data() + start, length);
+    swapByTheRule(expected.data() + start, length);
+    swapRedAndBlue(GetParam(), actual.data() + start, length);
     ASSERT_EQ(actual, expected) << "start " << start << ", length " << length;
   }
 };
 
-TEST_P(ByteExchangeWays, EveryLengthFromManyStartsLeavesItsNeighboursAlone) {
+TEST_P(SwapRedAndBlue, EveryLengthFromManyStartsLeavesItsNeighboursAlone) {
   for (std::size_t start = 0; start < 64; ++start) {
     for (std::size_t length = 0; length <= 700; ++length) {
       check(start, length);
@@ -57,7 +58,7 @@ TEST_P(ByteExchangeWays, EveryLengthFromManyStartsLeavesItsNeighboursAlone) {
   }
 }
 
-TEST_P(ByteExchangeWays, LargeFramesAtAlignedAndOddAddresses) {
+TEST_P(SwapRedAndBlue, LargeFramesAtAlignedAndOddAddresses) {
   for (const std::size_t length : {640U * 480 * 3, 1936U * 1096 * 3, 100003U}) {
     for (const std::size_t start : {0U, 1U, 31U}) {
       check(start, length);
@@ -65,73 +66,65 @@ TEST_P(ByteExchangeWays, LargeFramesAtAlignedAndOddAddresses) {
   }
 }
 
-TEST_P(ByteExchangeWays, NothingBehindTheBufferIsTouched) {
+TEST_P(SwapRedAndBlue, NothingBehindTheBufferIsTouched) {
   GuardedMemory memory(4096);
   for (std::size_t length = 0; length <= 700; ++length) {
     const std::size_t size = wholeGroups(length);
     std::uint8_t* const pixels = memory.end() - size;
     const std::vector<std::uint8_t> original = testBytes(size);
     std::copy(original.begin(), original.end(), pixels);
-    exchangeRedAndBlue(GetParam(), pixels, length);
+    swapRedAndBlue(GetParam(), pixels, length);
     std::vector<std::uint8_t> expected = original;
-    exchangeByTheRule(expected.data(), length);
+    swapByTheRule(expected.data(), length);
     ASSERT_EQ(std::vector<std::uint8_t>(pixels, pixels + size), expected) << length;
   }
 }
 
-TEST_P(ByteExchangeWays, NothingBeforeTheBufferIsTouched) {
+TEST_P(SwapRedAndBlue, NothingBeforeTheBufferIsTouched) {
   GuardedMemory memory(4096);
   for (std::size_t length = 0; length <= 700; ++length) {
     const std::size_t size = wholeGroups(length);
     const std::vector<std::uint8_t> original = testBytes(size);
     std::copy(original.begin(), original.end(), memory.begin());
-    exchangeRedAndBlue(GetParam(), memory.begin(), length);
+    swapRedAndBlue(GetParam(), memory.begin(), length);
     std::vector<std::uint8_t> expected = original;
-    exchangeByTheRule(expected.data(), length);
+    swapByTheRule(expected.data(), length);
     ASSERT_EQ(std::vector<std::uint8_t>(memory.begin(), memory.begin() + size), expected) << length;
   }
 }
 
-std::string nameOf(const ::testing::TestParamInfo<ByteExchange>& instance) {
-  const char* const names[] = {"Scalar", "Ssse3", "Avx2"};
+std::string nameOf(const ::testing::TestParamInfo<SwapImplementation>& instance) {
+  const char* const names[] = {"Scalar", "Ssse3"};
   return names[static_cast<int>(instance.param)];
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, ByteExchangeWays,
-                         ::testing::Values(ByteExchange::Scalar, ByteExchange::Ssse3,
-                                           ByteExchange::Avx2),
+INSTANTIATE_TEST_SUITE_P(Implementations, SwapRedAndBlue,
+                         ::testing::Values(SwapImplementation::Scalar, SwapImplementation::Ssse3),
                          nameOf);
 
-TEST(ByteExchangeChoice, IsSupportedAndUsed) {
-  for (const std::size_t byteCount : {std::size_t{6}, std::size_t{200} << 20}) {
-    EXPECT_TRUE(isSupported(fastestByteExchange(byteCount)));
-  }
-  EXPECT_TRUE(isSupported(ByteExchange::Scalar));
+TEST(SwapRedAndBlueChoice, IsSupportedAndUsed) {
+  EXPECT_TRUE(isSupported(fastestSwap()));
+  EXPECT_TRUE(isSupported(SwapImplementation::Scalar));
+  EXPECT_EQ(fastestSwap() == SwapImplementation::Ssse3, isSupported(SwapImplementation::Ssse3));
   std::vector<std::uint8_t> pixels{1, 2, 3, 4, 5, 6};
-  exchangeRedAndBlue(pixels.data(), pixels.size());
+  swapRedAndBlue(pixels.data(), pixels.size());
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4}));
 }
 
-TEST(ByteExchangeChoice, NarrowerRegistersForWhatNoCacheHolds) {
-  if (!isSupported(ByteExchange::Avx2)) {
-    GTEST_SKIP() << "this processor has no wider ones";
-  }
-  constexpr std::size_t most = std::size_t{16} << 20;
-  EXPECT_EQ(fastestByteExchange(most), ByteExchange::Avx2);
-  EXPECT_EQ(fastestByteExchange(most + 1), ByteExchange::Ssse3);
-  std::vector<std::uint8_t> pixels(most + 2, 1);  // whole pixels
+TEST(SwapRedAndBlueChoice, SwapsAFrameThatNoCacheHolds) {
+  std::vector<std::uint8_t> pixels((std::size_t{16} << 20) + 2, 1);  // whole pixels
   for (std::size_t at = 0; at < pixels.size(); at += 3) {
     pixels[at] = 3;
   }
-  exchangeRedAndBlue(pixels.data(), pixels.size());
+  swapRedAndBlue(pixels.data(), pixels.size());
   for (std::size_t at = 0; at < pixels.size(); ++at) {
     ASSERT_EQ(pixels[at], at % 3 == 2 ? 3 : 1) << at;
   }
 }
 
-TEST(ByteExchangeChoice, AGroupThatStartsBelowTheLengthIsExchangedWhole) {
+TEST(SwapRedAndBlueChoice, AGroupThatStartsBelowTheLengthIsSwappedWhole) {
   std::vector<std::uint8_t> pixels{1, 2, 3, 4, 5, 6, 7, 8, 9};
-  exchangeRedAndBlue(pixels.data(), 4);
+  swapRedAndBlue(pixels.data(), 4);
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4, 7, 8, 9}));
 }
 
