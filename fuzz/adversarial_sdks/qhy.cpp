@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "lying_sdks/handles.hpp"
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
+#include "adversarial_sdks/handles.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 
 namespace orvane::fuzz {
@@ -14,11 +14,11 @@ namespace {
 using Text = char[256];
 
 Device& used(void* handle, const char* call) {
-  return liar().used(Vendor::Qhy, keyOf(handle), call);
+  return adversary().used(Vendor::Qhy, keyOf(handle), call);
 }
 
 std::uint32_t result() {
-  return static_cast<std::uint32_t>(liar().result());
+  return static_cast<std::uint32_t>(adversary().result());
 }
 
 }  // namespace
@@ -29,37 +29,37 @@ void addQhy(Sdk& sdk) {
   sdk.closeFunction = "CloseQHYCCD";
 
   ORVANE_SCRIPT(
-      sdk, InitQHYCCDResource, +[]() -> std::uint32_t { return liar().qhyResourceResult; });
+      sdk, InitQHYCCDResource, +[]() -> std::uint32_t { return adversary().qhyResourceResult; });
   ORVANE_SCRIPT(
       sdk, ScanQHYCCD, +[]() -> std::uint32_t {
-        return liar().isSound() ? 1U + liar().input.byte() % 3U
-                                : static_cast<std::uint32_t>(liar().input.number());
+        return adversary().isSound() ? 1U + adversary().input.byte() % 3U
+                                     : static_cast<std::uint32_t>(adversary().input.number());
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDId, +[](std::uint32_t /*index*/, char* id) -> std::uint32_t {
-        liar().fill(*reinterpret_cast<Text*>(id));
+        adversary().fill(*reinterpret_cast<Text*>(id));
         return result();
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDModel, +[](char* id, char* model) -> std::uint32_t {
-        liar().require(std::strlen(id) <= sizeof(Text), "id without an end");
-        liar().fill(*reinterpret_cast<Text*>(model));
+        adversary().require(std::strlen(id) <= sizeof(Text), "id without an end");
+        adversary().fill(*reinterpret_cast<Text*>(model));
         return result();
       });
   ORVANE_SCRIPT(
       sdk, OpenQHYCCD, +[](char* id) -> void* {
-        liar().require(std::strlen(id) <= sizeof(Text), "id without an end");
+        adversary().require(std::strlen(id) <= sizeof(Text), "id without an end");
         return openHandle(Vendor::Qhy);
       });
   ORVANE_SCRIPT(
       sdk, CloseQHYCCD, +[](void* handle) -> std::uint32_t {
-        liar().closed(Vendor::Qhy, keyOf(handle));
-        return liar().input.word();
+        adversary().closed(Vendor::Qhy, keyOf(handle));
+        return adversary().input.word();
       });
   ORVANE_SCRIPT(
       sdk, SetQHYCCDStreamMode, +[](void* handle, std::uint8_t mode) -> std::uint32_t {
         used(handle, "SetQHYCCDStreamMode");
-        liar().require(mode == 1, "stream mode that is not live");
+        adversary().require(mode == 1, "stream mode that is not live");
         return result();
       });
   ORVANE_SCRIPT(
@@ -72,54 +72,55 @@ void addQhy(Sdk& sdk) {
       +[](void* handle, double* chipWidth, double* chipHeight, std::uint32_t* imageWidth,
           std::uint32_t* imageHeight, double* pixelWidth, double* pixelHeight,
           std::uint32_t* bitsPerPixel) -> std::uint32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         used(handle, "GetQHYCCDChipInfo");
-        *chipWidth = lie.input.real();
-        *chipHeight = lie.input.real();
-        *imageWidth = static_cast<std::uint32_t>(lie.length());
-        *imageHeight = static_cast<std::uint32_t>(lie.length());
-        *pixelWidth = lie.input.real();
-        *pixelHeight = lie.input.real();
-        *bitsPerPixel = static_cast<std::uint32_t>(lie.input.number());
+        *chipWidth = answers.input.real();
+        *chipHeight = answers.input.real();
+        *imageWidth = static_cast<std::uint32_t>(answers.length());
+        *imageHeight = static_cast<std::uint32_t>(answers.length());
+        *pixelWidth = answers.input.real();
+        *pixelHeight = answers.input.real();
+        *bitsPerPixel = static_cast<std::uint32_t>(answers.input.number());
         return result();
       });
   ORVANE_SCRIPT(
       sdk, IsQHYCCDControlAvailable, +[](void* handle, int /*controlId*/) -> std::uint32_t {
         used(handle, "IsQHYCCDControlAvailable");
-        return liar().isSound() ? liar().input.byte() % 6U : liar().input.word();
+        return adversary().isSound() ? adversary().input.byte() % 6U : adversary().input.word();
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDParamMinMaxStep,
       +[](void* handle, int /*controlId*/, double* minimum, double* maximum,
           double* step) -> std::uint32_t {
         used(handle, "GetQHYCCDParamMinMaxStep");
-        *minimum = liar().input.real();
-        *maximum = liar().input.real();
-        *step = liar().input.real();
+        *minimum = adversary().input.real();
+        *maximum = adversary().input.real();
+        *step = adversary().input.real();
         return result();
       });
   ORVANE_SCRIPT(
       sdk, SetQHYCCDParam, +[](void* handle, int /*controlId*/, double value) -> std::uint32_t {
         used(handle, "SetQHYCCDParam");
-        liar().require(value == value, "parameter that is no number");
+        adversary().require(value == value, "parameter that is no number");
         return result();
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDParam, +[](void* handle, int /*controlId*/) -> double {
         used(handle, "GetQHYCCDParam");
-        return liar().input.real();
+        return adversary().input.real();
       });
   ORVANE_SCRIPT(
       sdk, SetQHYCCDBinMode,
       +[](void* handle, std::uint32_t horizontal, std::uint32_t vertical) -> std::uint32_t {
         used(handle, "SetQHYCCDBinMode");
-        liar().require(horizontal == vertical && horizontal >= 1 && horizontal <= 4, "bin mode");
+        adversary().require(horizontal == vertical && horizontal >= 1 && horizontal <= 4,
+                            "bin mode");
         return result();
       });
   ORVANE_SCRIPT(
       sdk, SetQHYCCDBitsMode, +[](void* handle, std::uint32_t bits) -> std::uint32_t {
         used(handle, "SetQHYCCDBitsMode").bytesPerPixel = bits / 8;
-        liar().require(bits == 8 || bits == 16, "bits mode");
+        adversary().require(bits == 8 || bits == 16, "bits mode");
         return result();
       });
   ORVANE_SCRIPT(
@@ -129,16 +130,16 @@ void addQhy(Sdk& sdk) {
         Device& device = used(handle, "SetQHYCCDResolution");
         device.frameWidth = width;
         device.frameHeight = height;
-        liar().require(x == 0 && y == 0, "region that is not at the corner");
-        liar().require(width >= 1 && height >= 1, "region of no pixels");
+        adversary().require(x == 0 && y == 0, "region that is not at the corner");
+        adversary().require(width >= 1 && height >= 1, "region of no pixels");
         return result();
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDMemLength, +[](void* handle) -> std::uint32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         Device& device = used(handle, "GetQHYCCDMemLength");
-        const auto length = lie.isSound() ? lie.input.byte() * 1024U
-                                          : static_cast<std::uint32_t>(lie.input.number());
+        const auto length = answers.isSound() ? answers.input.byte() * 1024U
+                                              : static_cast<std::uint32_t>(answers.input.number());
         device.frameMemory = length;
         return length;
       });
@@ -151,22 +152,22 @@ void addQhy(Sdk& sdk) {
       });
   ORVANE_SCRIPT(
       sdk, StopQHYCCDLive, +[](void* handle) -> std::uint32_t {
-        liar().stopped(Vendor::Qhy, keyOf(handle));
-        return liar().input.word();
+        adversary().stopped(Vendor::Qhy, keyOf(handle));
+        return adversary().input.word();
       });
   ORVANE_SCRIPT(
       sdk, GetQHYCCDLiveFrame,
       +[](void* handle, std::uint32_t* width, std::uint32_t* height, std::uint32_t* bitsPerPixel,
           std::uint32_t* channels, std::uint8_t* data) -> std::uint32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         const Device& device = used(handle, "GetQHYCCDLiveFrame");
-        lie.require(device.isStreaming, "frame asked for without a stream");
-        const bool isSound = lie.isSound();
-        *width = static_cast<std::uint32_t>(isSound ? device.frameWidth : lie.length());
-        *height = static_cast<std::uint32_t>(isSound ? device.frameHeight : lie.length());
+        answers.require(device.isStreaming, "frame asked for without a stream");
+        const bool isSound = answers.isSound();
+        *width = static_cast<std::uint32_t>(isSound ? device.frameWidth : answers.length());
+        *height = static_cast<std::uint32_t>(isSound ? device.frameHeight : answers.length());
         *bitsPerPixel =
-            static_cast<std::uint32_t>(isSound ? device.bytesPerPixel * 8 : lie.input.number());
-        *channels = isSound ? 1 : static_cast<std::uint32_t>(lie.input.number());
+            static_cast<std::uint32_t>(isSound ? device.bytesPerPixel * 8 : answers.input.number());
+        *channels = isSound ? 1 : static_cast<std::uint32_t>(answers.input.number());
         // All that it may: what it said a frame takes, or the frame where that is more.
         const std::int64_t bytes = std::max(
             device.frameMemory, device.frameWidth * device.frameHeight * device.bytesPerPixel);

@@ -1,7 +1,7 @@
-// The platform layer of the lying SDKs: its libraries are the four of the liar.
+// The platform layer of the adversarial SDKs: its libraries are the adversary's four.
 #include "platform/platform.hpp"
 
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
 
 namespace orvane::platform {
 
@@ -10,7 +10,7 @@ NativeString libraryPath(std::string_view /*directory*/, std::string_view baseNa
 }
 
 Module loadLibrary(const NativeString& path) noexcept {
-  for (fuzz::Sdk& sdk : fuzz::liar().sdks) {
+  for (fuzz::Sdk& sdk : fuzz::adversary().sdks) {
     const std::string_view name = sdk.baseName;
     if (sdk.canLoad && path == NativeString(name.begin(), name.end())) {
       return &sdk;
@@ -20,7 +20,7 @@ Module loadLibrary(const NativeString& path) noexcept {
 }
 
 FunctionAddress findFunction(Module library, const char* name) noexcept {
-  return fuzz::liar().find(*static_cast<fuzz::Sdk*>(library), name);
+  return fuzz::adversary().find(*static_cast<fuzz::Sdk*>(library), name);
 }
 
 std::string utf8FromDisplayName(const NativeChar* text) {

@@ -1,7 +1,7 @@
 // Player One's SDK, answering whatever the input says.
 #include <cstring>
 
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
 namespace orvane::fuzz {
@@ -13,16 +13,16 @@ std::uintptr_t keyOf(int cameraId) {
 }
 
 Device& used(int cameraId, const char* call) {
-  return liar().used(Vendor::PlayerOne, keyOf(cameraId), call);
+  return adversary().used(Vendor::PlayerOne, keyOf(cameraId), call);
 }
 
 // Any eight bytes, as a number or as a double.
 POAConfigValue anyValue() {
   POAConfigValue value{.floatValue = 0.0};
-  if (liar().isSound()) {
-    value.intValue = liar().input.number();
+  if (adversary().isSound()) {
+    value.intValue = adversary().input.number();
   } else {
-    value.floatValue = liar().input.real();
+    value.floatValue = adversary().input.real();
   }
   return value;
 }
@@ -36,42 +36,43 @@ void addPlayerOne(Sdk& sdk) {
 
   ORVANE_SCRIPT(
       sdk, POAGetCameraCount, +[]() -> int {
-        return liar().isSound() ? 1 + liar().input.byte() % 3 : liar().input.number();
+        return adversary().isSound() ? 1 + adversary().input.byte() % 3
+                                     : adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, POAGetCameraProperties, +[](int /*index*/, POACameraProperties* properties) -> int {
-        Liar& lie = liar();
-        lie.fill(properties->cameraModelName);
-        properties->cameraID = lie.input.number();
-        properties->maxWidth = lie.length();
-        properties->maxHeight = lie.length();
-        properties->bitDepth = lie.input.number();
-        properties->isColorCamera = lie.input.number();
-        properties->isHasCooler = lie.input.number();
-        properties->isUSB3Speed = lie.input.number();
-        properties->bayerPattern = lie.input.number();
-        properties->pixelSize = lie.input.real();
-        lie.fill(properties->bins, 0, 1);
-        lie.fill(properties->imgFormats, POA_END, 0);
-        return lie.result();
+        Adversary& answers = adversary();
+        answers.fill(properties->cameraModelName);
+        properties->cameraID = answers.input.number();
+        properties->maxWidth = answers.length();
+        properties->maxHeight = answers.length();
+        properties->bitDepth = answers.input.number();
+        properties->isColorCamera = answers.input.number();
+        properties->isHasCooler = answers.input.number();
+        properties->isUSB3Speed = answers.input.number();
+        properties->bayerPattern = answers.input.number();
+        properties->pixelSize = answers.input.real();
+        answers.fill(properties->bins, 0, 1);
+        answers.fill(properties->imgFormats, POA_END, 0);
+        return answers.result();
       });
   ORVANE_SCRIPT(
       sdk, POAOpenCamera, +[](int cameraId) -> int {
-        const int result = liar().result();
+        const int result = adversary().result();
         if (result == 0) {
-          liar().opened(Vendor::PlayerOne, keyOf(cameraId));
+          adversary().opened(Vendor::PlayerOne, keyOf(cameraId));
         }
         return result;
       });
   ORVANE_SCRIPT(
       sdk, POAInitCamera, +[](int cameraId) -> int {
         used(cameraId, "POAInitCamera");
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POACloseCamera, +[](int cameraId) -> int {
-        liar().closed(Vendor::PlayerOne, keyOf(cameraId));
-        return liar().input.number();
+        adversary().closed(Vendor::PlayerOne, keyOf(cameraId));
+        return adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, POAGetConfigAttributesByConfigID,
@@ -79,87 +80,87 @@ void addPlayerOne(Sdk& sdk) {
         used(cameraId, "POAGetConfigAttributesByConfigID");
         attributes->minValue = anyValue();
         attributes->maxValue = anyValue();
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POASetConfig,
       +[](int cameraId, int /*configId*/, POAConfigValue /*value*/, int /*isAuto*/) -> int {
         used(cameraId, "POASetConfig");
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POAGetConfig,
       +[](int cameraId, int /*configId*/, POAConfigValue* value, int* isAuto) -> int {
         used(cameraId, "POAGetConfig");
         *value = anyValue();
-        *isAuto = liar().input.number();
-        return liar().result();
+        *isAuto = adversary().input.number();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POASetImageStartPos, +[](int cameraId, int x, int y) -> int {
         used(cameraId, "POASetImageStartPos");
-        liar().require(x == 0 && y == 0, "region that is not at the corner");
-        return liar().result();
+        adversary().require(x == 0 && y == 0, "region that is not at the corner");
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POASetImageSize, +[](int cameraId, int width, int height) -> int {
         Device& device = used(cameraId, "POASetImageSize");
         device.frameWidth = width;
         device.frameHeight = height;
-        liar().require(width >= 1 && height >= 1, "region of no pixels");
-        return liar().result();
+        adversary().require(width >= 1 && height >= 1, "region of no pixels");
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POAGetImageSize, +[](int cameraId, int* width, int* height) -> int {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         Device& device = used(cameraId, "POAGetImageSize");
-        if (!lie.isSound()) {
-          device.frameWidth = lie.length();
-          device.frameHeight = lie.length();
+        if (!answers.isSound()) {
+          device.frameWidth = answers.length();
+          device.frameHeight = answers.length();
         }
         *width = static_cast<int>(device.frameWidth);
         *height = static_cast<int>(device.frameHeight);
-        return lie.result();
+        return answers.result();
       });
   ORVANE_SCRIPT(
       sdk, POASetImageBin, +[](int cameraId, int bin) -> int {
         used(cameraId, "POASetImageBin");
-        liar().require(bin != 0, "bin 0");
-        return liar().result();
+        adversary().require(bin != 0, "bin 0");
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POASetImageFormat, +[](int cameraId, int format) -> int {
         used(cameraId, "POASetImageFormat").bytesPerPixel = format == 1 ? 2 : format == 2 ? 3 : 1;
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POAStartExposure, +[](int cameraId, int isSingleFrame) -> int {
         Device& device = used(cameraId, "POAStartExposure");
-        liar().require(isSingleFrame == POA_FALSE, "single frame started");
-        const int result = liar().result();
+        adversary().require(isSingleFrame == POA_FALSE, "single frame started");
+        const int result = adversary().result();
         device.isStreaming = result == 0;
         return result;
       });
   ORVANE_SCRIPT(
       sdk, POAStopExposure, +[](int cameraId) -> int {
-        liar().stopped(Vendor::PlayerOne, keyOf(cameraId));
-        return liar().input.number();
+        adversary().stopped(Vendor::PlayerOne, keyOf(cameraId));
+        return adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, POAImageReady, +[](int cameraId, int* isReady) -> int {
         used(cameraId, "POAImageReady");
-        *isReady = liar().isSound() ? POA_TRUE : liar().input.number();
-        return liar().result();
+        *isReady = adversary().isSound() ? POA_TRUE : adversary().input.number();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, POAGetImageData,
       +[](int cameraId, unsigned char* buffer, long length, int /*waitMs*/) -> int {
         const Device& device = used(cameraId, "POAGetImageData");
-        liar().require(device.isStreaming, "frame asked for without a stream");
-        liar().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
-                       "buffer shorter than a frame");
+        adversary().require(device.isStreaming, "frame asked for without a stream");
+        adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
+                            "buffer shorter than a frame");
         std::memset(buffer, 0x5A, static_cast<std::size_t>(length));  // all that it may
-        return liar().result();
+        return adversary().result();
       });
 }
 

@@ -1,23 +1,23 @@
 // What the scripted SDKs of all makers share.
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
 
 #include <stdexcept>
 
 namespace orvane::fuzz {
 
-Liar& liar() {
-  static Liar instance;
+Adversary& adversary() {
+  static Adversary instance;
   return instance;
 }
 
-Liar::Liar() {
+Adversary::Adversary() {
   addAsi(of(Vendor::Asi));
   addPlayerOne(of(Vendor::PlayerOne));
   addQhy(of(Vendor::Qhy));
   addToupTek(of(Vendor::ToupTek));
 }
 
-void Liar::begin(std::span<const std::uint8_t> bytes) {
+void Adversary::begin(std::span<const std::uint8_t> bytes) {
   input = Input(bytes);
   violations.clear();
   calls_ = 0;
@@ -28,11 +28,11 @@ void Liar::begin(std::span<const std::uint8_t> bytes) {
   }
 }
 
-void Liar::noteViolation(const char* rule, const char* culprit) {
+void Adversary::noteViolation(const char* rule, const char* culprit) {
   violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
 }
 
-platform::FunctionAddress Liar::find(Sdk& sdk, const char* name) {
+platform::FunctionAddress Adversary::find(Sdk& sdk, const char* name) {
   const bool stops = name == std::string_view(sdk.stopFunction);
   const bool closes = name == std::string_view(sdk.closeFunction);
   const bool isOver = ++calls_ > maxCalls && !stops && !closes;
@@ -52,7 +52,7 @@ platform::FunctionAddress Liar::find(Sdk& sdk, const char* name) {
   return nullptr;
 }
 
-std::int32_t Liar::result() {
+std::int32_t Adversary::result() {
   const std::uint8_t choice = input.byte();
   if (choice < 236) {
     return 0;
@@ -66,42 +66,42 @@ std::int32_t Liar::result() {
   return input.number();
 }
 
-std::int32_t Liar::length() {
+std::int32_t Adversary::length() {
   const std::uint8_t choice = input.byte();
   return choice < 200 ? 16 + choice : input.number();
 }
 
-std::size_t Liar::fillLength(std::size_t size) {
+std::size_t Adversary::fillLength(std::size_t size) {
   const std::uint8_t choice = input.byte();
   return choice < 128 ? choice % 8 : choice < 192 ? size : choice % size;
 }
 
-void Liar::opened(Vendor vendor, std::uintptr_t key) {
+void Adversary::opened(Vendor vendor, std::uintptr_t key) {
   Sdk& sdk = of(vendor);
   require(!sdk.open.contains(key), "opened twice", sdk.baseName);
   sdk.open[key] = Device{};
 }
 
-Device& Liar::used(Vendor vendor, std::uintptr_t key, const char* call) {
+Device& Adversary::used(Vendor vendor, std::uintptr_t key, const char* call) {
   auto& open = of(vendor).open;
   const auto found = open.find(key);
   require(found != open.end(), "call on a device that is not open", call);
   return found != open.end() ? found->second : none_;
 }
 
-void Liar::stopped(Vendor vendor, std::uintptr_t key) {
+void Adversary::stopped(Vendor vendor, std::uintptr_t key) {
   Device& device = used(vendor, key, of(vendor).stopFunction);
   require(device.isStreaming, "stop without a start", of(vendor).baseName);
   device.isStreaming = false;
 }
 
-void Liar::closed(Vendor vendor, std::uintptr_t key) {
+void Adversary::closed(Vendor vendor, std::uintptr_t key) {
   const Device& device = used(vendor, key, of(vendor).closeFunction);
   require(!device.isStreaming, "closed while streaming", of(vendor).baseName);
   of(vendor).open.erase(key);
 }
 
-std::size_t Liar::openDevices() const {
+std::size_t Adversary::openDevices() const {
   std::size_t count = 0;
   for (const Sdk& sdk : sdks) {
     count += sdk.open.size();
@@ -109,7 +109,7 @@ std::size_t Liar::openDevices() const {
   return count;
 }
 
-std::size_t Liar::runningStreams() const {
+std::size_t Adversary::runningStreams() const {
   std::size_t count = 0;
   for (const Sdk& sdk : sdks) {
     for (const auto& [key, device] : sdk.open) {

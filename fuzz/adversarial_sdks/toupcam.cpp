@@ -1,8 +1,8 @@
 // ToupTek's SDK, answering whatever the input says.
 #include <cstring>
 
-#include "lying_sdks/handles.hpp"
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
+#include "adversarial_sdks/handles.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
 namespace orvane::fuzz {
@@ -10,12 +10,12 @@ namespace orvane::fuzz {
 namespace {
 
 Device& used(HToupcam handle, const char* call) {
-  return liar().used(Vendor::ToupTek, keyOf(handle), call);
+  return adversary().used(Vendor::ToupTek, keyOf(handle), call);
 }
 
 // A failure of this SDK is negative, and positive is success.
 std::int32_t result() {
-  const std::int32_t code = liar().result();
+  const std::int32_t code = adversary().result();
   return code > 0 && code < 8 ? -code : code;
 }
 
@@ -23,13 +23,13 @@ std::int32_t result() {
 const ToupcamModelV2* anyModel() {
   static std::array<ToupcamModelV2, TOUPCAM_MAX> models{};
   static std::size_t next = 0;
-  Liar& lie = liar();
+  Adversary& answers = adversary();
   ToupcamModelV2& model = models[next++ % models.size()];
   model.name = nullptr;  // not the library's business
-  model.flag = lie.isSound() ? lie.input.byte() : lie.input.longWord();
-  model.xpixsz = static_cast<float>(lie.input.number());
-  model.res[0].width = static_cast<unsigned>(lie.length());
-  model.res[0].height = static_cast<unsigned>(lie.length());
+  model.flag = answers.isSound() ? answers.input.byte() : answers.input.longWord();
+  model.xpixsz = static_cast<float>(answers.input.number());
+  model.res[0].width = static_cast<unsigned>(answers.length());
+  model.res[0].height = static_cast<unsigned>(answers.length());
   return &model;
 }
 
@@ -42,14 +42,14 @@ void addToupTek(Sdk& sdk) {
 
   ORVANE_SCRIPT(
       sdk, Toupcam_EnumV2, +[](ToupcamDeviceV2* devices) -> unsigned {
-        Liar& lie = liar();
-        const auto count =
-            lie.isSound() ? 1U + lie.input.byte() % 3U : static_cast<unsigned>(lie.input.number());
+        Adversary& answers = adversary();
+        const auto count = answers.isSound() ? 1U + answers.input.byte() % 3U
+                                             : static_cast<unsigned>(answers.input.number());
         // Claims as many as it likes, and fills no more than there is room for.
         for (unsigned i = 0; i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
-          lie.fill(devices[i].displayname);
-          lie.fill(devices[i].id);
-          devices[i].model = lie.isSound() ? anyModel() : nullptr;
+          answers.fill(devices[i].displayname);
+          answers.fill(devices[i].id);
+          devices[i].model = answers.isSound() ? anyModel() : nullptr;
         }
         return count;
       });
@@ -59,24 +59,25 @@ void addToupTek(Sdk& sdk) {
         while (id[length] != ToupcamChar{}) {
           ++length;
         }
-        liar().require(length <= 64, "id without an end");
+        adversary().require(length <= 64, "id without an end");
         return openHandle(Vendor::ToupTek);
       });
   ORVANE_SCRIPT(
-      sdk, Toupcam_Close, +[](HToupcam handle) { liar().closed(Vendor::ToupTek, keyOf(handle)); });
+      sdk, Toupcam_Close,
+      +[](HToupcam handle) { adversary().closed(Vendor::ToupTek, keyOf(handle)); });
   ORVANE_SCRIPT(
       sdk, Toupcam_get_MaxBitDepth, +[](HToupcam handle) -> std::int32_t {
         used(handle, "Toupcam_get_MaxBitDepth");
-        return liar().isSound() ? 12 : liar().input.number();
+        return adversary().isSound() ? 12 : adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, Toupcam_get_RawFormat,
       +[](HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) -> std::int32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         used(handle, "Toupcam_get_RawFormat");
         constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
-        *fourCc = lie.isSound() ? codes[lie.input.byte() % 4U] : lie.input.word();
-        *bitsPerPixel = static_cast<unsigned>(lie.input.number());
+        *fourCc = answers.isSound() ? codes[answers.input.byte() % 4U] : answers.input.word();
+        *bitsPerPixel = static_cast<unsigned>(answers.input.number());
         return result();
       });
   ORVANE_SCRIPT(
@@ -84,7 +85,7 @@ void addToupTek(Sdk& sdk) {
       +[](HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) -> std::int32_t {
         used(handle, "Toupcam_get_ExpTimeRange");
         for (unsigned* out : {nMin, nMax, nDef}) {
-          *out = static_cast<unsigned>(liar().input.number());
+          *out = static_cast<unsigned>(adversary().input.number());
         }
         return result();
       });
@@ -94,7 +95,7 @@ void addToupTek(Sdk& sdk) {
           unsigned short* nDef) -> std::int32_t {
         used(handle, "Toupcam_get_ExpoAGainRange");
         for (unsigned short* out : {nMin, nMax, nDef}) {
-          *out = static_cast<unsigned short>(liar().input.number());
+          *out = static_cast<unsigned short>(adversary().input.number());
         }
         return result();
       });
@@ -113,17 +114,17 @@ void addToupTek(Sdk& sdk) {
         Device& device = used(handle, "Toupcam_put_Roi");
         device.frameWidth = width;
         device.frameHeight = height;
-        liar().require(x == 0 && y == 0, "region that is not at the corner");
-        liar().require(width >= 1 && height >= 1, "region of no pixels");
+        adversary().require(x == 0 && y == 0, "region that is not at the corner");
+        adversary().require(width >= 1 && height >= 1, "region of no pixels");
         return result();
       });
   ORVANE_SCRIPT(
       sdk, Toupcam_get_FinalSize, +[](HToupcam handle, int* width, int* height) -> std::int32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         Device& device = used(handle, "Toupcam_get_FinalSize");
-        if (!lie.isSound()) {
-          device.frameWidth = lie.length();
-          device.frameHeight = lie.length();
+        if (!answers.isSound()) {
+          device.frameWidth = answers.length();
+          device.frameHeight = answers.length();
         }
         *width = static_cast<int>(device.frameWidth);
         *height = static_cast<int>(device.frameHeight);
@@ -133,7 +134,7 @@ void addToupTek(Sdk& sdk) {
       sdk, Toupcam_StartPullModeWithCallback,
       +[](HToupcam handle, ToupcamEventCallback callback, void* context) -> std::int32_t {
         Device& device = used(handle, "Toupcam_StartPullModeWithCallback");
-        liar().require(callback == nullptr && context == nullptr, "callback registered");
+        adversary().require(callback == nullptr && context == nullptr, "callback registered");
         const std::int32_t code = result();
         device.isStreaming = code >= 0;
         return code;
@@ -142,32 +143,33 @@ void addToupTek(Sdk& sdk) {
       sdk, Toupcam_PullImageWithRowPitch,
       +[](HToupcam handle, void* data, int bits, int rowPitch, unsigned* width,
           unsigned* height) -> std::int32_t {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         const Device& device = used(handle, "Toupcam_PullImageWithRowPitch");
-        lie.require(device.isStreaming, "frame asked for without a stream");
-        lie.require(bits == device.bytesPerPixel * 8 && rowPitch == -1, "rows that do not fit");
-        const bool isSound = lie.isSound();
-        *width = static_cast<unsigned>(isSound ? device.frameWidth : lie.length());
-        *height = static_cast<unsigned>(isSound ? device.frameHeight : lie.length());
+        answers.require(device.isStreaming, "frame asked for without a stream");
+        answers.require(bits == device.bytesPerPixel * 8 && rowPitch == -1, "rows that do not fit");
+        const bool isSound = answers.isSound();
+        *width = static_cast<unsigned>(isSound ? device.frameWidth : answers.length());
+        *height = static_cast<unsigned>(isSound ? device.frameHeight : answers.length());
         const std::int64_t bytes = device.frameWidth * device.frameHeight * device.bytesPerPixel;
         std::memset(data, 0x5A, static_cast<std::size_t>(bytes));
-        return lie.isSound() ? result() : TOUPCAM_E_PENDING;
+        return answers.isSound() ? result() : TOUPCAM_E_PENDING;
       });
   ORVANE_SCRIPT(
       sdk, Toupcam_Stop, +[](HToupcam handle) -> std::int32_t {
-        liar().stopped(Vendor::ToupTek, keyOf(handle));
-        return liar().input.number();
+        adversary().stopped(Vendor::ToupTek, keyOf(handle));
+        return adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, Toupcam_put_AutoExpoEnable, +[](HToupcam handle, int mode) -> std::int32_t {
         used(handle, "Toupcam_put_AutoExpoEnable");
-        liar().require(mode == 0, "automatic exposure switched on");
+        adversary().require(mode == 0, "automatic exposure switched on");
         return result();
       });
   ORVANE_SCRIPT(
       sdk, Toupcam_put_ExpoTime, +[](HToupcam handle, unsigned microseconds) -> std::int32_t {
         used(handle, "Toupcam_put_ExpoTime");
-        liar().require(microseconds >= 1 && microseconds <= 2147483647U, "exposure out of range");
+        adversary().require(microseconds >= 1 && microseconds <= 2147483647U,
+                            "exposure out of range");
         return result();
       });
   ORVANE_SCRIPT(
@@ -178,7 +180,7 @@ void addToupTek(Sdk& sdk) {
   ORVANE_SCRIPT(
       sdk, Toupcam_get_Temperature, +[](HToupcam handle, short* tenths) -> std::int32_t {
         used(handle, "Toupcam_get_Temperature");
-        *tenths = static_cast<short>(liar().input.number());
+        *tenths = static_cast<short>(adversary().input.number());
         return result();
       });
 }

@@ -1,7 +1,7 @@
 // ZWO's SDK, answering whatever the input says.
 #include <cstring>
 
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
 namespace orvane::fuzz {
@@ -13,7 +13,7 @@ std::uintptr_t keyOf(int cameraId) {
 }
 
 Device& used(int cameraId, const char* call) {
-  return liar().used(Vendor::Asi, keyOf(cameraId), call);
+  return adversary().used(Vendor::Asi, keyOf(cameraId), call);
 }
 
 std::int64_t bytesOfType(int imageType) {
@@ -29,75 +29,76 @@ void addAsi(Sdk& sdk) {
 
   ORVANE_SCRIPT(
       sdk, ASIGetNumOfConnectedCameras, +[]() -> int {
-        return liar().isSound() ? 1 + liar().input.byte() % 3 : liar().input.number();
+        return adversary().isSound() ? 1 + adversary().input.byte() % 3
+                                     : adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetCameraProperty, +[](ASI_CAMERA_INFO* info, int /*index*/) -> int {
-        Liar& lie = liar();
-        lie.fill(info->Name);
-        info->CameraID = lie.input.number();
-        info->MaxWidth = lie.length();
-        info->MaxHeight = lie.length();
-        info->IsColorCam = lie.input.number();
-        info->BayerPattern = lie.input.number();
-        lie.fill(info->SupportedBins, 0, 1);
-        lie.fill(info->SupportedVideoFormat, ASI_IMG_END, 0);
-        info->PixelSize = lie.input.real();
-        info->IsCoolerCam = lie.input.number();
-        info->IsUSB3Host = lie.input.number();
-        info->IsUSB3Camera = lie.input.number();
-        info->BitDepth = lie.input.number();
-        return lie.result();
+        Adversary& answers = adversary();
+        answers.fill(info->Name);
+        info->CameraID = answers.input.number();
+        info->MaxWidth = answers.length();
+        info->MaxHeight = answers.length();
+        info->IsColorCam = answers.input.number();
+        info->BayerPattern = answers.input.number();
+        answers.fill(info->SupportedBins, 0, 1);
+        answers.fill(info->SupportedVideoFormat, ASI_IMG_END, 0);
+        info->PixelSize = answers.input.real();
+        info->IsCoolerCam = answers.input.number();
+        info->IsUSB3Host = answers.input.number();
+        info->IsUSB3Camera = answers.input.number();
+        info->BitDepth = answers.input.number();
+        return answers.result();
       });
   ORVANE_SCRIPT(
       sdk, ASIOpenCamera, +[](int cameraId) -> int {
-        const int result = liar().result();
+        const int result = adversary().result();
         if (result == 0) {
-          liar().opened(Vendor::Asi, keyOf(cameraId));
+          adversary().opened(Vendor::Asi, keyOf(cameraId));
         }
         return result;
       });
   ORVANE_SCRIPT(
       sdk, ASIInitCamera, +[](int cameraId) -> int {
         used(cameraId, "ASIInitCamera");
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASICloseCamera, +[](int cameraId) -> int {
-        liar().closed(Vendor::Asi, keyOf(cameraId));
-        return liar().input.number();
+        adversary().closed(Vendor::Asi, keyOf(cameraId));
+        return adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetNumOfControls, +[](int cameraId, int* count) -> int {
         used(cameraId, "ASIGetNumOfControls");
-        *count = liar().isSound() ? 3 : liar().input.number();
-        return liar().result();
+        *count = adversary().isSound() ? 3 : adversary().input.number();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetControlCaps, +[](int cameraId, int index, ASI_CONTROL_CAPS* caps) -> int {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         used(cameraId, "ASIGetControlCaps");
         constexpr int types[] = {ASI_GAIN, ASI_EXPOSURE, ASI_OFFSET};
-        const bool isOrdinary = index >= 0 && index < 3 && lie.isSound();
-        lie.fill(caps->Name);
-        caps->ControlType = isOrdinary ? types[index] : lie.input.number();
-        caps->IsWritable = isOrdinary ? 1 : lie.input.number();
-        caps->MinValue = lie.input.number();
-        caps->MaxValue = lie.input.number();
-        return lie.result();
+        const bool isOrdinary = index >= 0 && index < 3 && answers.isSound();
+        answers.fill(caps->Name);
+        caps->ControlType = isOrdinary ? types[index] : answers.input.number();
+        caps->IsWritable = isOrdinary ? 1 : answers.input.number();
+        caps->MinValue = answers.input.number();
+        caps->MaxValue = answers.input.number();
+        return answers.result();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetControlValue, +[](int cameraId, int /*type*/, long* value, int* isAuto) -> int {
         used(cameraId, "ASIGetControlValue");
-        *value = liar().input.number();
-        *isAuto = liar().input.number();
-        return liar().result();
+        *value = adversary().input.number();
+        *isAuto = adversary().input.number();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASISetControlValue,
       +[](int cameraId, int /*type*/, long /*value*/, int /*isAuto*/) -> int {
         used(cameraId, "ASISetControlValue");
-        return liar().result();
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASISetROIFormat,
@@ -106,53 +107,53 @@ void addAsi(Sdk& sdk) {
         device.frameWidth = width;
         device.frameHeight = height;
         device.bytesPerPixel = bytesOfType(imageType);
-        liar().require(!device.isStreaming, "format set while streaming");
-        liar().require(width >= 1 && width % 8 == 0 && height >= 1 && height % 2 == 0,
-                       "region that is not in steps of 8 x 2");
-        return liar().result();
+        adversary().require(!device.isStreaming, "format set while streaming");
+        adversary().require(width >= 1 && width % 8 == 0 && height >= 1 && height % 2 == 0,
+                            "region that is not in steps of 8 x 2");
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetROIFormat,
       +[](int cameraId, int* width, int* height, int* bin, int* imageType) -> int {
-        Liar& lie = liar();
+        Adversary& answers = adversary();
         Device& device = used(cameraId, "ASIGetROIFormat");
-        if (!lie.isSound()) {
-          device.frameWidth = lie.length();
-          device.frameHeight = lie.length();
+        if (!answers.isSound()) {
+          device.frameWidth = answers.length();
+          device.frameHeight = answers.length();
         }
         *width = static_cast<int>(device.frameWidth);
         *height = static_cast<int>(device.frameHeight);
-        *bin = lie.input.number();
-        *imageType = lie.input.number();
-        return lie.result();
+        *bin = answers.input.number();
+        *imageType = answers.input.number();
+        return answers.result();
       });
   ORVANE_SCRIPT(
       sdk, ASISetStartPos, +[](int cameraId, int x, int y) -> int {
         used(cameraId, "ASISetStartPos");
-        liar().require(x == 0 && y == 0, "region that is not at the corner");
-        return liar().result();
+        adversary().require(x == 0 && y == 0, "region that is not at the corner");
+        return adversary().result();
       });
   ORVANE_SCRIPT(
       sdk, ASIStartVideoCapture, +[](int cameraId) -> int {
         Device& device = used(cameraId, "ASIStartVideoCapture");
-        const int result = liar().result();
+        const int result = adversary().result();
         device.isStreaming = result == 0;
         return result;
       });
   ORVANE_SCRIPT(
       sdk, ASIStopVideoCapture, +[](int cameraId) -> int {
-        liar().stopped(Vendor::Asi, keyOf(cameraId));
-        return liar().input.number();
+        adversary().stopped(Vendor::Asi, keyOf(cameraId));
+        return adversary().input.number();
       });
   ORVANE_SCRIPT(
       sdk, ASIGetVideoData,
       +[](int cameraId, unsigned char* buffer, long length, int /*waitMs*/) -> int {
         const Device& device = used(cameraId, "ASIGetVideoData");
-        liar().require(device.isStreaming, "frame asked for without a stream");
-        liar().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
-                       "buffer shorter than a frame");
+        adversary().require(device.isStreaming, "frame asked for without a stream");
+        adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
+                            "buffer shorter than a frame");
         std::memset(buffer, 0x5A, static_cast<std::size_t>(length));  // all that it may
-        return liar().result();
+        return adversary().result();
       });
 }
 

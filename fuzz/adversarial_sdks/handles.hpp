@@ -3,18 +3,18 @@
 
 #include <cstdint>
 
-#include "lying_sdks/liar.hpp"
+#include "adversarial_sdks/adversary.hpp"
 
 namespace orvane::fuzz {
 
 /// Null now and then; else a new handle of a device that is now open.
 inline void* openHandle(Vendor vendor) {
   static std::uintptr_t last = 0x1000;
-  if (!liar().isSound()) {
+  if (!adversary().isSound()) {
     return nullptr;
   }
   last += 16;
-  liar().opened(vendor, last);
+  adversary().opened(vendor, last);
   return reinterpret_cast<void*>(last);  // NOLINT(performance-no-int-to-ptr): never followed
 }
 

@@ -41,14 +41,14 @@ struct Sdk {
 };
 
 /// All four SDKs of one run.
-class Liar {
+class Adversary {
  public:
   /// More calls than this and every SDK lacks all functions but those that stop and close: an SDK
   /// may claim any number of cameras and controls, and a run must come to an end.
   static constexpr int maxCalls = 2000;
 
-  /// A liar whose four SDKs are complete and loadable.
-  Liar();
+  /// An adversary whose four SDKs are complete and loadable.
+  Adversary();
 
   /// Starts a run: everything is closed, nothing is missing, answers come from these bytes.
   void begin(std::span<const std::uint8_t> bytes);
@@ -122,8 +122,8 @@ class Liar {
   Device none_;
 };
 
-/// The one liar of the process.
-Liar& liar();
+/// The one adversary of the process.
+Adversary& adversary();
 
 /// Adds a function to an SDK under the name and the type that the library declares for it: one that
 /// differs does not compile.
