@@ -151,7 +151,7 @@ const SimCamera& Contract::shown(std::size_t family, const std::string& name) co
       return camera;
     }
   }
-  throw Breach{"no camera is named " + name};
+  throw Violation{"no camera is named " + name};
 }
 
 void Contract::discoverAsi(Transcript& did) {

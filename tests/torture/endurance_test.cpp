@@ -5,9 +5,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "doubles/sdk_families.hpp"
 #include "library/library_test.hpp"
 #include "support/process_usage.hpp"
-#include "torture/families.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {

@@ -9,9 +9,9 @@
 #include <random>
 #include <set>
 
+#include "doubles/sdk_families.hpp"
 #include "library/library_test.hpp"
 #include "torture/checked_library.hpp"
-#include "torture/families.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {
@@ -234,7 +234,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     ++counts_[*bytes > 0 ? "frames" : *bytes == 0 ? "no frame yet" : "reads failed"];
     const auto end = buffer_.begin() + std::max(length, 0);
     if (std::any_of(end, buffer_.end(), [](std::uint8_t byte) { return byte != untouched; })) {
-      throw Breach{"written past the buffer"};
+      throw Violation{"written past the buffer"};
     }
   }
 
@@ -340,8 +340,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
       const SimInvariants now = sdk.invariants();
       if ((now.devicesOpen > 0 && !mayHaveLeftOpen_) || now.streamsRunning > now.devicesOpen ||
           (now.streamsRunning > 0 && !mayHaveLeftOpen_)) {
-        throw Breach{"left open: devices " + std::to_string(now.devicesOpen) + ", streams " +
-                     std::to_string(now.streamsRunning)};
+        throw Violation{"left open: devices " + std::to_string(now.devicesOpen) + ", streams " +
+                        std::to_string(now.streamsRunning)};
       }
     }
   }
@@ -381,9 +381,9 @@ TEST_P(RandomSessions, KeepTheContract) {
   for (long i = 0; i < steps; ++i) {
     try {
       step();
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       FAIL() << "step " << i << " with seed " << seed << " (ORVANE_RANDOM_SEED=" << seed / 1000
-             << "): " << breach.text;
+             << "): " << violation.text;
     }
   }
   library_->close();

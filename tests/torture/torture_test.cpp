@@ -1,5 +1,5 @@
 // Everything that can fail, failing in turn: in a full session with one camera, each call into the
-// SDK once with each of the maker's codes, each function once missing, each look-up once in vain,
+// SDK once with each of the maker's codes, each function once missing, each look-up once failing,
 // each allocation once out of memory, the camera once unplugged before each call. Every run must
 // keep the contract, leave nothing open, lose no memory, and be followed by a session in which all
 // is well.
@@ -14,12 +14,12 @@
 #include <set>
 
 #include "api/state.hpp"
+#include "doubles/sdk_directory.hpp"
+#include "doubles/sdk_families.hpp"
+#include "doubles/sdk_gate.hpp"
 #include "support/message_table.hpp"
-#include "support/sdk_directory.hpp"
 #include "torture/checked_library.hpp"
 #include "torture/failing_allocation.hpp"
-#include "torture/families.hpp"
-#include "torture/sdk_gate.hpp"
 
 namespace orvane::testing {
 namespace {
@@ -58,8 +58,9 @@ struct Fault {
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-  constexpr const char* kinds[] = {"nothing",          "failed call",  "failed calls", "remark",
-                                   "missing function", "vain look-up", "allocation",   "unplugged"};
+  constexpr const char* kinds[] = {"nothing",    "failed call",      "failed calls",
+                                   "remark",     "missing function", "failed look-up",
+                                   "allocation", "unplugged"};
   return stream << kinds[static_cast<std::size_t>(fault.kind)] << " " << fault.function
                 << ", number " << fault.nth << ", code " << fault.result;
 }
@@ -113,9 +114,9 @@ class TortureTest : public ::testing::Test {
       countAllocations(0);
       expectAllWell(session(library, 0));
       isQhyReady_ = true;
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      FAIL() << breach.text;
+      FAIL() << violation.text;
     }
     // Only now the SDK is in the state in which all further sessions find it.
     startAnew();
@@ -149,9 +150,9 @@ class TortureTest : public ::testing::Test {
       repair(leftOpen);
       expectAllWell(session(library, 0));
       expectNothingOpen(0);
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      ADD_FAILURE() << breach.text;
+      ADD_FAILURE() << violation.text;
     }
     forgetEverything();
     EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
@@ -415,7 +416,7 @@ TEST_P(Torture, EveryLookupFindsNothing) {
   for (std::size_t k = 0; k < recorded_.size(); ++k) {
     ASSERT_TRUE(run({Fault::Kind::MissingOnce, recorded_[k].function, static_cast<int>(k + 1), 0}));
   }
-  EXPECT_EQ(report("vain look-ups"), static_cast<int>(recorded_.size()));
+  EXPECT_EQ(report("failed look-ups"), static_cast<int>(recorded_.size()));
   EXPECT_GE(failedScans_ + failedOpens_, 10);
 }
 
@@ -458,9 +459,9 @@ class TortureOfTheFirstScan : public TortureTest {
       }
       expectNothingOpen(0);
       expectClosed(library);
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      ADD_FAILURE() << breach.text;
+      ADD_FAILURE() << violation.text;
     }
     forgetEverything();
     EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
@@ -490,9 +491,9 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
     EXPECT_STREQ(::oc_error(), "");
     sdk_.set_plugged(0, 1);
     expectAllWell(session(library, 0));
-  } catch (const Breach& breach) {
+  } catch (const Violation& violation) {
     leaveLibrary();
-    ADD_FAILURE() << breach.text;
+    ADD_FAILURE() << violation.text;
   }
 }
 

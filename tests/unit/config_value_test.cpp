@@ -5,7 +5,7 @@
 
 #include "api/state.hpp"
 #include "capture/capture.hpp"
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
 namespace orvane {

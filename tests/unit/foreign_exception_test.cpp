@@ -7,8 +7,8 @@
 #include <stdexcept>
 
 #include "api/state.hpp"
+#include "doubles/scripted_asi_sdk.hpp"
 #include "orvane_desktop_camera.h"
-#include "support/scripted_asi_sdk.hpp"
 
 namespace orvane {
 namespace {

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "api/state.hpp"
+#include "doubles/scripted_asi_sdk.hpp"
 #include "orvane_desktop_camera.h"
-#include "support/scripted_asi_sdk.hpp"
 
 namespace orvane {
 namespace {

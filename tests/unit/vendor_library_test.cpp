@@ -6,7 +6,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 
 namespace orvane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
 namespace orvane::scripted {

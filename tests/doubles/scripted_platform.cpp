@@ -1,5 +1,5 @@
 // A platform layer whose libraries are tables in the test.
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 
 namespace orvane {
 

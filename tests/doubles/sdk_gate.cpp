@@ -1,5 +1,5 @@
 // The gate: the platform layer of the torture tests.
-#include "torture/sdk_gate.hpp"
+#include "doubles/sdk_gate.hpp"
 
 #include <exception>
 
@@ -31,12 +31,12 @@ std::vector<Event> SdkGate::takeEvents() {
     } else if (used < calls.size() && calls[used].function == one.name) {
       event.call = calls[used++];
     } else {
-      throw Breach{std::string("looked up, but not called: ") + one.name};
+      throw Violation{std::string("looked up, but not called: ") + one.name};
     }
     events.push_back(std::move(event));
   }
   if (used != calls.size()) {
-    throw Breach{"called without a look-up of its own: " + calls[used].function};
+    throw Violation{"called without a look-up of its own: " + calls[used].function};
   }
   passed.clear();
   return events;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/simulated_sdk.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "torture/transcript.hpp"
 
 namespace orvane::testing {
@@ -23,7 +23,7 @@ struct SdkGate {
   /// Every look-up since the last reset, by name.
   std::vector<const char*> lookups;
 
-  /// The events since the last time. Throws a Breach where calls and look-ups do not belong
+  /// The events since the last time. Throws a Violation where calls and look-ups do not belong
   /// together one to one.
   std::vector<Event> takeEvents();
 
