@@ -2,8 +2,24 @@
 #include "adversarial_sdks/adversary.hpp"
 
 #include <stdexcept>
+#include <string_view>
+
+#include "vendors/vendor_family.hpp"
 
 namespace orvane::fuzz {
+
+// Each adds the functions of one SDK.
+void addAsi(Sdk& sdk);
+void addPlayerOne(Sdk& sdk);
+void addQhy(Sdk& sdk);
+void addToupTek(Sdk& sdk);
+
+namespace {
+
+// In the order of Vendor.
+constexpr void (*families[vendorCount])(Sdk& sdk) = {addAsi, addPlayerOne, addQhy, addToupTek};
+
+}  // namespace
 
 Adversary& adversary() {
   static Adversary instance;
@@ -11,10 +27,15 @@ Adversary& adversary() {
 }
 
 Adversary::Adversary() {
-  addAsi(of(Vendor::Asi));
-  addPlayerOne(of(Vendor::PlayerOne));
-  addQhy(of(Vendor::Qhy));
-  addToupTek(of(Vendor::ToupTek));
+  scripted::Platform& script = scripted::platform();
+  for (std::size_t i = 0; i < vendorCount; ++i) {
+    sdks[i].baseName = vendorTable[i]->baseName;
+    sdks[i].library = &script.libraries[sdks[i].baseName];
+    families[i](sdks[i]);
+  }
+  script.admits = [this](const scripted::Library& library, const char* name) {
+    return admits(library, name);
+  };
 }
 
 void Adversary::begin(std::span<const std::uint8_t> bytes) {
@@ -22,34 +43,35 @@ void Adversary::begin(std::span<const std::uint8_t> bytes) {
   violations.clear();
   calls_ = 0;
   for (Sdk& sdk : sdks) {
-    sdk.canLoad = true;
-    sdk.missing.clear();
+    sdk.library->canLoad = true;
+    sdk.library->missing.clear();
     sdk.open.clear();
   }
+  scripted::platform().passed.clear();
 }
 
 void Adversary::noteViolation(const char* rule, const char* culprit) {
   violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
 }
 
-platform::FunctionAddress Adversary::find(Sdk& sdk, const char* name) {
+bool Adversary::admits(const scripted::Library& library, const char* name) {
+  Sdk& sdk = *std::find_if(sdks.begin(), sdks.end(),
+                           [&](const Sdk& one) { return one.library == &library; });
   const bool stops = name == std::string_view(sdk.stopFunction);
   const bool closes = name == std::string_view(sdk.closeFunction);
   const bool isOver = ++calls_ > maxCalls && !stops && !closes;
-  const auto found = sdk.functions.find(std::string_view(name));
-  require(found != sdk.functions.end(), "looked up no function of the SDK", name);
-  if (found != sdk.functions.end() && !isOver && !sdk.missing.contains(std::string_view(name))) {
-    return found->second;
-  }
-  if (stops) {
+  require(library.functions.contains(name), "looked up no function of the SDK", name);
+  // Where the function that stops or closes is missing, the library is not to blame for what stays
+  // running or open.
+  if (stops && library.missing.contains(name)) {
     for (auto& [key, device] : sdk.open) {
       device.isStreaming = false;
     }
   }
-  if (closes) {
+  if (closes && library.missing.contains(name)) {
     sdk.open.clear();
   }
-  return nullptr;
+  return !isOver;
 }
 
 std::int32_t Adversary::result() {
@@ -80,6 +102,15 @@ void Adversary::opened(Vendor vendor, std::uintptr_t key) {
   Sdk& sdk = of(vendor);
   require(!sdk.open.contains(key), "opened twice", sdk.baseName);
   sdk.open[key] = Device{};
+}
+
+void* Adversary::openedHandle(Vendor vendor) {
+  if (!isSound()) {
+    return nullptr;
+  }
+  lastHandle_ += 16;
+  opened(vendor, lastHandle_);
+  return reinterpret_cast<void*>(lastHandle_);  // NOLINT(performance-no-int-to-ptr): never followed
 }
 
 Device& Adversary::used(Vendor vendor, std::uintptr_t key, const char* call) {

@@ -8,14 +8,6 @@ namespace orvane::fuzz {
 
 namespace {
 
-std::uintptr_t keyOf(int cameraId) {
-  return static_cast<std::uintptr_t>(static_cast<unsigned>(cameraId));
-}
-
-Device& used(int cameraId, const char* call) {
-  return adversary().used(Vendor::PlayerOne, keyOf(cameraId), call);
-}
-
 // Any eight bytes, as a number or as a double.
 POAConfigValue anyValue() {
   POAConfigValue value{.floatValue = 0.0};
@@ -30,132 +22,113 @@ POAConfigValue anyValue() {
 }  // namespace
 
 void addPlayerOne(Sdk& sdk) {
-  sdk.baseName = "PlayerOneCamera";
-  sdk.stopFunction = "POAStopExposure";
-  sdk.closeFunction = "POACloseCamera";
+  sdk.stopFunction = POAStopExposure.name();
+  sdk.closeFunction = POACloseCamera.name();
 
-  ORVANE_SCRIPT(
-      sdk, POAGetCameraCount, +[]() -> int {
-        return adversary().isSound() ? 1 + adversary().input.byte() % 3
-                                     : adversary().input.number();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAGetCameraProperties, +[](int /*index*/, POACameraProperties* properties) -> int {
-        Adversary& answers = adversary();
-        answers.fill(properties->cameraModelName);
-        properties->cameraID = answers.input.number();
-        properties->maxWidth = answers.length();
-        properties->maxHeight = answers.length();
-        properties->bitDepth = answers.input.number();
-        properties->isColorCamera = answers.input.number();
-        properties->isHasCooler = answers.input.number();
-        properties->isUSB3Speed = answers.input.number();
-        properties->bayerPattern = answers.input.number();
-        properties->pixelSize = answers.input.real();
-        answers.fill(properties->bins, 0, 1);
-        answers.fill(properties->imgFormats, POA_END, 0);
-        return answers.result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAOpenCamera, +[](int cameraId) -> int {
-        const int result = adversary().result();
-        if (result == 0) {
-          adversary().opened(Vendor::PlayerOne, keyOf(cameraId));
-        }
-        return result;
-      });
-  ORVANE_SCRIPT(
-      sdk, POAInitCamera, +[](int cameraId) -> int {
-        used(cameraId, "POAInitCamera");
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POACloseCamera, +[](int cameraId) -> int {
-        adversary().closed(Vendor::PlayerOne, keyOf(cameraId));
-        return adversary().input.number();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAGetConfigAttributesByConfigID,
-      +[](int cameraId, int /*configId*/, POAConfigAttributes* attributes) -> int {
-        used(cameraId, "POAGetConfigAttributesByConfigID");
-        attributes->minValue = anyValue();
-        attributes->maxValue = anyValue();
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POASetConfig,
-      +[](int cameraId, int /*configId*/, POAConfigValue /*value*/, int /*isAuto*/) -> int {
-        used(cameraId, "POASetConfig");
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAGetConfig,
-      +[](int cameraId, int /*configId*/, POAConfigValue* value, int* isAuto) -> int {
-        used(cameraId, "POAGetConfig");
-        *value = anyValue();
-        *isAuto = adversary().input.number();
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POASetImageStartPos, +[](int cameraId, int x, int y) -> int {
-        used(cameraId, "POASetImageStartPos");
-        adversary().require(x == 0 && y == 0, "region that is not at the corner");
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POASetImageSize, +[](int cameraId, int width, int height) -> int {
-        Device& device = used(cameraId, "POASetImageSize");
-        device.frameWidth = width;
-        device.frameHeight = height;
-        adversary().require(width >= 1 && height >= 1, "region of no pixels");
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAGetImageSize, +[](int cameraId, int* width, int* height) -> int {
-        Adversary& answers = adversary();
-        Device& device = used(cameraId, "POAGetImageSize");
-        if (!answers.isSound()) {
-          device.frameWidth = answers.length();
-          device.frameHeight = answers.length();
-        }
-        *width = static_cast<int>(device.frameWidth);
-        *height = static_cast<int>(device.frameHeight);
-        return answers.result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POASetImageBin, +[](int cameraId, int bin) -> int {
-        used(cameraId, "POASetImageBin");
-        adversary().require(bin != 0, "bin 0");
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POASetImageFormat, +[](int cameraId, int format) -> int {
-        used(cameraId, "POASetImageFormat").bytesPerPixel = format == 1 ? 2 : format == 2 ? 3 : 1;
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAStartExposure, +[](int cameraId, int isSingleFrame) -> int {
-        Device& device = used(cameraId, "POAStartExposure");
-        adversary().require(isSingleFrame == POA_FALSE, "single frame started");
-        const int result = adversary().result();
-        device.isStreaming = result == 0;
-        return result;
-      });
-  ORVANE_SCRIPT(
-      sdk, POAStopExposure, +[](int cameraId) -> int {
-        adversary().stopped(Vendor::PlayerOne, keyOf(cameraId));
-        return adversary().input.number();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAImageReady, +[](int cameraId, int* isReady) -> int {
-        used(cameraId, "POAImageReady");
-        *isReady = adversary().isSound() ? POA_TRUE : adversary().input.number();
-        return adversary().result();
-      });
-  ORVANE_SCRIPT(
-      sdk, POAGetImageData,
-      +[](int cameraId, unsigned char* buffer, long length, int /*waitMs*/) -> int {
-        const Device& device = used(cameraId, "POAGetImageData");
+  sdk.add(POAGetCameraCount, []() -> int {
+    return adversary().isSound() ? 1 + adversary().input.byte() % 3 : adversary().input.number();
+  });
+  sdk.add(POAGetCameraProperties, [](int /*index*/, POACameraProperties* properties) -> int {
+    Adversary& answers = adversary();
+    answers.fill(properties->cameraModelName);
+    properties->cameraID = answers.input.number();
+    properties->maxWidth = answers.length();
+    properties->maxHeight = answers.length();
+    properties->bitDepth = answers.input.number();
+    properties->isColorCamera = answers.input.number();
+    properties->isHasCooler = answers.input.number();
+    properties->isUSB3Speed = answers.input.number();
+    properties->bayerPattern = answers.input.number();
+    properties->pixelSize = answers.input.real();
+    answers.fill(properties->bins, 0, 1);
+    answers.fill(properties->imgFormats, POA_END, 0);
+    return answers.result();
+  });
+  sdk.add(POAOpenCamera, [](int cameraId) -> int {
+    const int result = adversary().result();
+    if (result == 0) {
+      adversary().opened(Vendor::PlayerOne, keyOf(cameraId));
+    }
+    return result;
+  });
+  sdk.add(POAInitCamera, [](int cameraId) -> int {
+    used(cameraId, POAInitCamera);
+    return adversary().result();
+  });
+  sdk.add(POACloseCamera, [](int cameraId) -> int {
+    adversary().closed(Vendor::PlayerOne, keyOf(cameraId));
+    return adversary().input.number();
+  });
+  sdk.add(POAGetConfigAttributesByConfigID,
+          [](int cameraId, int /*configId*/, POAConfigAttributes* attributes) -> int {
+            used(cameraId, POAGetConfigAttributesByConfigID);
+            attributes->minValue = anyValue();
+            attributes->maxValue = anyValue();
+            return adversary().result();
+          });
+  sdk.add(POASetConfig,
+          [](int cameraId, int /*configId*/, POAConfigValue /*value*/, int /*isAuto*/) -> int {
+            used(cameraId, POASetConfig);
+            return adversary().result();
+          });
+  sdk.add(POAGetConfig,
+          [](int cameraId, int /*configId*/, POAConfigValue* value, int* isAuto) -> int {
+            used(cameraId, POAGetConfig);
+            *value = anyValue();
+            *isAuto = adversary().input.number();
+            return adversary().result();
+          });
+  sdk.add(POASetImageStartPos, [](int cameraId, int x, int y) -> int {
+    used(cameraId, POASetImageStartPos);
+    adversary().require(x == 0 && y == 0, "region that is not at the corner");
+    return adversary().result();
+  });
+  sdk.add(POASetImageSize, [](int cameraId, int width, int height) -> int {
+    Device& device = used(cameraId, POASetImageSize);
+    device.frameWidth = width;
+    device.frameHeight = height;
+    adversary().require(width >= 1 && height >= 1, "region of no pixels");
+    return adversary().result();
+  });
+  sdk.add(POAGetImageSize, [](int cameraId, int* width, int* height) -> int {
+    Adversary& answers = adversary();
+    Device& device = used(cameraId, POAGetImageSize);
+    if (!answers.isSound()) {
+      device.frameWidth = answers.length();
+      device.frameHeight = answers.length();
+    }
+    *width = static_cast<int>(device.frameWidth);
+    *height = static_cast<int>(device.frameHeight);
+    return answers.result();
+  });
+  sdk.add(POASetImageBin, [](int cameraId, int bin) -> int {
+    used(cameraId, POASetImageBin);
+    adversary().require(bin != 0, "bin 0");
+    return adversary().result();
+  });
+  sdk.add(POASetImageFormat, [](int cameraId, int format) -> int {
+    used(cameraId, POASetImageFormat).bytesPerPixel = format == 1 ? 2 : format == 2 ? 3 : 1;
+    return adversary().result();
+  });
+  sdk.add(POAStartExposure, [](int cameraId, int isSingleFrame) -> int {
+    Device& device = used(cameraId, POAStartExposure);
+    adversary().require(isSingleFrame == POA_FALSE, "single frame started");
+    const int result = adversary().result();
+    device.isStreaming = result == 0;
+    return result;
+  });
+  sdk.add(POAStopExposure, [](int cameraId) -> int {
+    adversary().stopped(Vendor::PlayerOne, keyOf(cameraId));
+    return adversary().input.number();
+  });
+  sdk.add(POAImageReady, [](int cameraId, int* isReady) -> int {
+    used(cameraId, POAImageReady);
+    *isReady = adversary().isSound() ? POA_TRUE : adversary().input.number();
+    return adversary().result();
+  });
+  sdk.add(
+      POAGetImageData, [](int cameraId, unsigned char* buffer, long length, int /*waitMs*/) -> int {
+        const Device& device = used(cameraId, POAGetImageData);
         adversary().require(device.isStreaming, "frame asked for without a stream");
         adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
                             "buffer shorter than a frame");

@@ -183,11 +183,12 @@ void changeFunctions() {
   Sdk& sdk = adversary().sdks[input.byte() % vendorCount];
   const std::uint8_t choice = input.byte();
   if (choice % 4 == 0) {
-    sdk.missing.clear();
+    sdk.library->missing.clear();
     return;
   }
-  const auto offset = static_cast<std::ptrdiff_t>(choice % sdk.functions.size());
-  sdk.missing.insert(std::next(sdk.functions.begin(), offset)->first);
+  const auto& functions = sdk.library->functions;
+  const auto offset = static_cast<std::ptrdiff_t>(choice % functions.size());
+  sdk.library->missing.insert(std::next(functions.begin(), offset)->first);
 }
 
 void step() {
@@ -228,7 +229,7 @@ void step() {
     case 22:
       return changeFunctions();
     default:
-      adversary().sdks[adversary().input.byte() % vendorCount].canLoad ^= true;
+      adversary().sdks[adversary().input.byte() % vendorCount].library->canLoad ^= true;
       return;
   }
 }
@@ -240,7 +241,7 @@ std::vector<std::string> runSession(std::span<const std::uint8_t> bytes) {
   state = LibraryState{};
   const std::uint8_t setting = adversary().input.byte();
   for (std::size_t i = 0; i < vendorCount; ++i) {
-    adversary().sdks[i].canLoad = (setting >> i & 1U) == 0;
+    adversary().sdks[i].library->canLoad = (setting >> i & 1U) == 0;
   }
   adversary().qhyResourceResult = (setting & 0x10U) != 0 ? 0xFFFFFFFF : 0;
 

@@ -1,4 +1,4 @@
-// A platform layer whose libraries are tables in the test.
+// The platform layer of the tests.
 #include "doubles/scripted_platform.hpp"
 
 namespace orvane {
@@ -10,9 +10,31 @@ Platform& platform() {
   return instance;
 }
 
+std::vector<std::string> Platform::namesOf(bool loads) const {
+  std::vector<std::string> names;
+  for (const Passage& one : passed) {
+    if (one.isLoad == loads) {
+      names.push_back(one.name);
+    }
+  }
+  return names;
+}
+
 }  // namespace scripted
 
 namespace platform {
+
+namespace {
+
+class OwnWork {
+ public:
+  OwnWork() { scripted::platform().begins(); }
+  ~OwnWork() { scripted::platform().ends(); }
+  OwnWork(const OwnWork&) = delete;
+  OwnWork& operator=(const OwnWork&) = delete;
+};
+
+}  // namespace
 
 NativeString libraryPath(std::string_view directory, std::string_view baseName) {
   NativeString path(directory.begin(), directory.end());
@@ -21,25 +43,37 @@ NativeString libraryPath(std::string_view directory, std::string_view baseName) 
 }
 
 Module loadLibrary(const NativeString& path) noexcept {
-  std::string name;
-  for (const NativeChar unit : path) {
-    name += static_cast<char>(unit);
-  }
+  const OwnWork ownWork;
   scripted::Platform& script = scripted::platform();
-  script.loads.push_back(name);
-  const auto found = script.libraries.find(name);
-  return found != script.libraries.end() ? &found->second : nullptr;
+  const std::string name = utf8FromDisplayName(path.c_str());
+  auto found = script.libraries.find(name);
+  if (found == script.libraries.end()) {
+    found = script.libraries.find(name.substr(name.rfind('/') + 1));
+  }
+  const bool isFound = found != script.libraries.end() && found->second.canLoad;
+  script.passed.push_back({true, name, isFound});
+  return isFound ? &found->second : nullptr;
 }
 
-FunctionAddress findFunction(Module library, const char* name) noexcept {
-  scripted::platform().lookups.emplace_back(name);
-  const auto& functions = static_cast<scripted::Library*>(library)->functions;
-  const auto found = functions.find(name);
-  return found != functions.end() ? found->second : nullptr;
+FunctionAddress findFunction(Module module, const char* name) noexcept {
+  const OwnWork ownWork;
+  scripted::Platform& script = scripted::platform();
+  const scripted::Library& library = *static_cast<scripted::Library*>(module);
+  const bool isAdmitted = !script.admits || script.admits(library, name);
+  const auto found = library.functions.find(name);
+  const bool isFound =
+      isAdmitted && found != library.functions.end() && !library.missing.contains(name);
+  script.passed.push_back({false, name, isFound});
+  return isFound ? found->second : nullptr;
 }
 
+// Byte for byte: the names in tests are ASCII, or any bytes of an adversarial SDK's.
 std::string utf8FromDisplayName(const NativeChar* text) {
-  return {text, text + NativeString(text).size()};
+  std::string bytes;
+  for (; *text != NativeChar{}; ++text) {
+    bytes += static_cast<char>(*text);
+  }
+  return bytes;
 }
 
 }  // namespace platform

@@ -21,7 +21,7 @@ constexpr std::int64_t noFrameWaiting = -2147483638;  // ToupTek: 0x8000000A
 using Inputs = std::initializer_list<std::string>;
 
 const SdkCall& ask(Transcript& did, std::size_t family, const char* function, Inputs inputs) {
-  return did.call(sdkNameOf[family], function, inputs);
+  return did.call(sdkNames[family], function, inputs);
 }
 
 // The same where the library may allocate before the call.
@@ -113,8 +113,8 @@ int Contract::scan(Transcript& did) {
   catalogue_.clear();
   error_.clear();
   libraries_.clear();
-  for (std::size_t family = 0; family < 4; ++family) {
-    const std::string name = sdkNameOf[family];
+  for (std::size_t family = 0; family < sdkCount; ++family) {
+    const std::string name = sdkNames[family];
     if (!isLoaded_[family]) {
       did.allocate();
       isLoaded_[family] = did.load(name);

@@ -10,17 +10,14 @@
 #include <utility>
 #include <vector>
 
-#include "simulator_control.h"
+#include "doubles/sdk_families.hpp"
 #include "torture/transcript.hpp"
 
 namespace orvane::testing {
 
 /// The cameras that each simulated SDK can show, by the SDK's place in the scan. Names, and ids or
 /// keys, differ within an SDK.
-using World = std::array<std::vector<SimCamera>, 4>;
-
-/// The base names of the SDKs, by their place in the scan.
-inline constexpr const char* sdkNameOf[] = {"ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"};
+using World = std::array<std::vector<SimCamera>, sdkCount>;
 
 /// The arguments of oc_open().
 struct OpenArguments {
@@ -118,7 +115,7 @@ class Contract {
   double temperatureOrThrow(Transcript& did) const;
 
   World world_;
-  std::array<bool, 4> isLoaded_{};
+  std::array<bool, sdkCount> isLoaded_{};
   bool isQhyReady_;
   std::string error_;
   std::string libraries_;
