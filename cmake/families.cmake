@@ -9,6 +9,7 @@ set(families
 # From these rows:
 #   ORVANE_FAMILIES          the names of the families' files
 #   ORVANE_SDKS              the base names of the SDKs
+#   ORVANE_SDKS_JOINED       the same as oc_libraries() joins them
 #   ORVANE_SIMULATED_SDKS    the targets of the simulated SDKs, for add_dependencies()
 #   ORVANE_SIMULATOR_<sdk>   the source file of one of them
 foreach(row IN LISTS families)
@@ -21,6 +22,7 @@ foreach(row IN LISTS families)
   list(APPEND ORVANE_SIMULATED_SDKS simulated_${sdk})
   set(ORVANE_SIMULATOR_${sdk} ${simulator}.cpp)
 endforeach()
+list(JOIN ORVANE_SDKS ", " ORVANE_SDKS_JOINED)
 
 # The families' files in a directory, one each: PREFIX<family>SUFFIX.
 function(orvane_family_files result prefix suffix)

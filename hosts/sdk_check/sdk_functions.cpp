@@ -40,4 +40,7 @@ std::span<const Sdk> allSdks() {
   static const host::Listed name##IsListed(Vendor::vendor, #name)
 #define SDK_HRESULT_FUNCTION(vendor, name, ...) SDK_FUNCTION(vendor, name, __VA_ARGS__)
 
-#include "vendors/sdk/all_sdks.hpp"
+#include "vendors/sdk/asi_sdk.hpp"
+#include "vendors/sdk/playerone_sdk.hpp"
+#include "vendors/sdk/qhyccd_sdk.hpp"
+#include "vendors/sdk/toupcam_sdk.hpp"

@@ -34,7 +34,7 @@ set(src_others
   "api/exports.cpp orvane_desktop_camera.h")
 set(hosts_others
   "sdk_check/sdk_functions.cpp catalogue/camera_info.hpp"
-  "sdk_check/sdk_functions.cpp vendors/sdk/all_sdks.hpp"
+  "sdk_check/sdk_functions.cpp vendors/sdk/*_sdk.hpp"
   "session/* orvane_desktop_camera.h"
   "session/* orvane_desktop_camera.hpp"
   "oc_capture/* orvane_desktop_camera.h"

@@ -17,6 +17,7 @@
 namespace orvane::testing {
 
 struct SdkFamily {
+  const char* maker;
   const char* baseName;
   std::int32_t rggb;  ///< the maker's code of this Bayer pattern, SimCamera::mosaic
   int richFormat;     ///< of the formats, for oc_open(), one of more than a byte a pixel
@@ -47,13 +48,14 @@ inline constexpr std::int64_t hresults[] = {-2147418113, -2147467263, -214746726
 
 /// In the order in which the library scans them.
 inline constexpr SdkFamily sdkFamilies[] = {
-    {"ASICamera2", 0, 2, smallCodes, 5, "ASIGetCameraProperty", "ASIOpenCamera", false,
+    {"ZWO ASI", "ASICamera2", 0, 2, smallCodes, 5, "ASIGetCameraProperty", "ASIOpenCamera", false,
      "ASICloseCamera", true, 80, 15},
-    {"PlayerOneCamera", 0, 1, std::span(smallCodes).first(17), 4, "POAGetCameraProperties",
-     "POAOpenCamera", false, "POACloseCamera", false, 40, 17},
-    {"qhyccd", 4, 1, qhyCodes, 13, "GetQHYCCDId", "OpenQHYCCD", true, "CloseQHYCCD", false, 55, 19},
-    {"toupcam", 0x42474752, 1, hresults, 5, "Toupcam_get_RawFormat", "Toupcam_Open", true,
-     "Toupcam_Close", false, 34, 17},
+    {"Player One", "PlayerOneCamera", 0, 1, std::span(smallCodes).first(17), 4,
+     "POAGetCameraProperties", "POAOpenCamera", false, "POACloseCamera", false, 40, 17},
+    {"QHYCCD", "qhyccd", 4, 1, qhyCodes, 13, "GetQHYCCDId", "OpenQHYCCD", true, "CloseQHYCCD",
+     false, 55, 19},
+    {"ToupTek", "toupcam", 0x42474752, 1, hresults, 5, "Toupcam_get_RawFormat", "Toupcam_Open",
+     true, "Toupcam_Close", false, 34, 17},
 };
 
 inline constexpr std::size_t sdkCount = std::size(sdkFamilies);
