@@ -1,5 +1,5 @@
 // A simulated SDK's control functions, and how a test uses them.
-#include "support/simulated_sdk.hpp"
+#include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

@@ -1,5 +1,5 @@
 // Directories of SDK libraries made for one test.
-#include "support/sdk_directory.hpp"
+#include "doubles/sdk_directory.hpp"
 
 #include <gtest/gtest.h>
 

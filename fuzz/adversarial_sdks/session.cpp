@@ -1,13 +1,13 @@
-// One run of the library against SDKs that lie: what a host may do, in any order, and what must
+// One run of the library against adversarial SDKs: what a host may do, in any order, and what must
 // hold after each step.
-#include "lying_sdks/session.hpp"
+#include "adversarial_sdks/session.hpp"
 
 #include <cstring>
 #include <iterator>
 #include <memory>
 
+#include "adversarial_sdks/adversary.hpp"
 #include "api/state.hpp"
-#include "lying_sdks/liar.hpp"
 #include "orvane_desktop_camera.h"
 
 namespace orvane::fuzz {
@@ -19,14 +19,15 @@ constexpr int largestFrame = 1 << 20;
 constexpr int maxSteps = 100;
 
 void require(bool holds, const char* rule) {
-  liar().require(holds, rule);
+  adversary().require(holds, rule);
 }
 
 void checkText(const char* text, const char* function) {
-  liar().require(text != nullptr, "null text", function);
+  adversary().require(text != nullptr, "null text", function);
   if (text != nullptr) {
     // Reading to the end finds a text that has none.
-    liar().require(std::strlen(text) < (std::size_t{1} << 24U), "text without an end", function);
+    adversary().require(std::strlen(text) < (std::size_t{1} << 24U), "text without an end",
+                        function);
   }
 }
 
@@ -51,13 +52,13 @@ void checkState() {
   const int size = oc_buffer_size();
   if (camera.openIndex < 0) {
     require(!camera.streaming && camera.handle == nullptr && size == 0, "closed is not closed");
-    require(liar().openDevices() == 0, "a device stays open");
+    require(adversary().openDevices() == 0, "a device stays open");
   } else {
     require(camera.streaming, "open and not streaming");
     require(size >= 1 && size <= 1 << 30, "buffer size out of range");
-    require(liar().openDevices() <= 1, "two devices are open");
+    require(adversary().openDevices() <= 1, "two devices are open");
   }
-  require(liar().runningStreams() <= 1, "two streams run");
+  require(adversary().runningStreams() <= 1, "two streams run");
 }
 
 void checkFailed(const char* rule) {
@@ -93,12 +94,13 @@ void open(int index, int width, int height, int bin, int format, std::int64_t ex
 }
 
 std::int64_t anyExposure() {
-  Input& input = liar().input;
-  return liar().isSound() ? 1 + input.byte() * 1000 : static_cast<std::int64_t>(input.longWord());
+  Input& input = adversary().input;
+  return adversary().isSound() ? 1 + input.byte() * 1000
+                               : static_cast<std::int64_t>(input.longWord());
 }
 
 void openAnything() {
-  Input& input = liar().input;
+  Input& input = adversary().input;
   const int index = input.number();
   const int width = input.number();
   const int height = input.number();
@@ -111,7 +113,7 @@ void openAnything() {
 
 // Something that the description of a camera offers.
 void openOffered() {
-  Input& input = liar().input;
+  Input& input = adversary().input;
   if (state.catalogue.empty()) {
     open(0, 1, 1, 1, 0, 1, 0, 0);
     return;
@@ -123,21 +125,21 @@ void openOffered() {
   };
   const int bin = pick(camera.bins);
   const int format = pick(camera.formats);
-  const int width = liar().isSound() ? camera.maxWidth : input.number();
-  const int height = liar().isSound() ? camera.maxHeight : input.number();
+  const int width = adversary().isSound() ? camera.maxWidth : input.number();
+  const int height = adversary().isSound() ? camera.maxHeight : input.number();
   const std::int64_t exposureUs = anyExposure();
   open(static_cast<int>(index), width, height, bin, format, exposureUs, input.number(),
        input.number());
 }
 
 void read() {
-  Input& input = liar().input;
+  Input& input = adversary().input;
   const int size = oc_buffer_size();
   if (size > largestFrame) {
     return;
   }
   // Exactly as large as it must be, now and then a little larger.
-  const int length = size + (liar().isSound() ? 0 : input.byte());
+  const int length = size + (adversary().isSound() ? 0 : input.byte());
   const auto buffer = std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(length));
   const int result = oc_read(buffer.get(), length, input.number());
   require(result >= -1 && result <= size, "result of oc_read");
@@ -159,7 +161,7 @@ void readWithABadBuffer() {
 }
 
 void apply() {
-  Input& input = liar().input;
+  Input& input = adversary().input;
   const bool isOpen = state.active.streaming;
   const std::int64_t exposureUs = anyExposure();
   const int gain = input.number();
@@ -172,24 +174,25 @@ void apply() {
 
 void setDirectory() {
   constexpr const char* directories[] = {"sdk", "", "\xff\xfe", "C:", nullptr};
-  oc_library_dir(directories[liar().input.byte() % std::size(directories)]);
+  oc_library_dir(directories[adversary().input.byte() % std::size(directories)]);
 }
 
 // An SDK loses a function, or gets all of them back.
 void changeFunctions() {
-  Input& input = liar().input;
-  Sdk& sdk = liar().sdks[input.byte() % vendorCount];
+  Input& input = adversary().input;
+  Sdk& sdk = adversary().sdks[input.byte() % vendorCount];
   const std::uint8_t choice = input.byte();
   if (choice % 4 == 0) {
-    sdk.missing.clear();
+    sdk.library->missing.clear();
     return;
   }
-  const auto offset = static_cast<std::ptrdiff_t>(choice % sdk.functions.size());
-  sdk.missing.insert(std::next(sdk.functions.begin(), offset)->first);
+  const auto& functions = sdk.library->functions;
+  const auto offset = static_cast<std::ptrdiff_t>(choice % functions.size());
+  sdk.library->missing.insert(std::next(functions.begin(), offset)->first);
 }
 
 void step() {
-  switch (liar().input.byte() % 24) {
+  switch (adversary().input.byte() % 24) {
     case 0:
     case 1:
       return scan();
@@ -219,14 +222,14 @@ void step() {
     case 18:
       return oc_close();
     case 19:
-      return checkDescription(liar().input.number());
+      return checkDescription(adversary().input.number());
     case 20:
       return setDirectory();
     case 21:
     case 22:
       return changeFunctions();
     default:
-      liar().sdks[liar().input.byte() % vendorCount].canLoad ^= true;
+      adversary().sdks[adversary().input.byte() % vendorCount].library->canLoad ^= true;
       return;
   }
 }
@@ -234,24 +237,24 @@ void step() {
 }  // namespace
 
 std::vector<std::string> runSession(std::span<const std::uint8_t> bytes) {
-  liar().begin(bytes);
+  adversary().begin(bytes);
   state = LibraryState{};
-  const std::uint8_t setting = liar().input.byte();
+  const std::uint8_t setting = adversary().input.byte();
   for (std::size_t i = 0; i < vendorCount; ++i) {
-    liar().sdks[i].canLoad = (setting >> i & 1U) == 0;
+    adversary().sdks[i].library->canLoad = (setting >> i & 1U) == 0;
   }
-  liar().qhyResourceResult = (setting & 0x10U) != 0 ? 0xFFFFFFFF : 0;
+  adversary().qhyResourceResult = (setting & 0x10U) != 0 ? 0xFFFFFFFF : 0;
 
   scan();
   checkState();
-  for (int i = 0; i < maxSteps && !liar().input.empty(); ++i) {
+  for (int i = 0; i < maxSteps && !adversary().input.empty(); ++i) {
     step();
     checkState();
   }
   oc_close();
   checkState();
   require(state.active.openIndex == -1, "close left the camera open");
-  return liar().violations;
+  return adversary().violations;
 }
 
 }  // namespace orvane::fuzz

@@ -5,10 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace orvane::testing {
+#include "doubles/sdk_families.hpp"
 
-/// The base names of the four SDKs, in the order in which the library scans them.
-inline constexpr const char* sdkNames[] = {"ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"};
+namespace orvane::testing {
 
 /// A directory of the running test's own, empty at first. It is left behind for a look after a
 /// failure, and emptied when the test runs again.

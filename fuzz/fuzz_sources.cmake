@@ -1,3 +1,19 @@
+# What the fuzzers and the replay of their corpus are made of.
+
+# The library against adversarial SDKs: one run, without a program.
+orvane_family_files(families adversarial_sdks/ .cpp)
+set(ORVANE_ADVERSARIAL_SOURCES
+  adversarial_sdks/adversary.cpp
+  adversarial_sdks/session.cpp
+  ${families})
+list(TRANSFORM ORVANE_ADVERSARIAL_SOURCES PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
+list(APPEND ORVANE_ADVERSARIAL_SOURCES ${PROJECT_SOURCE_DIR}/tests/doubles/scripted_platform.cpp)
+set(ORVANE_FUZZ_INCLUDES
+  ${CMAKE_CURRENT_LIST_DIR}
+  ${PROJECT_SOURCE_DIR}/include
+  ${PROJECT_SOURCE_DIR}/src
+  ${PROJECT_SOURCE_DIR}/tests)
+
 # orvane_fuzz_json: the header of the JSON parser that descriptions are read back with. It lies in a
 # system directory, which must not become an include directory of a build for another system, so a
 # directory with nothing but a link to it does.

@@ -1,8 +1,8 @@
-// The fuzzer of the library against SDKs that lie.
+// The fuzzer of the library against SDKs that answers.
 #include <cstdio>
 #include <cstdlib>
 
-#include "lying_sdks/session.hpp"
+#include "adversarial_sdks/session.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto violations = orvane::fuzz::runSession({data, size});

@@ -2,7 +2,7 @@
 // reports one camera and then fails with a number that only the second library knows.
 #include <cstdlib>
 
-#include "sdk_dependency.hpp"
+#include "doubles/sdk_dependency.hpp"
 
 #if defined(_WIN32)
 #  include <windows.h>

@@ -6,17 +6,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
-#include <set>
 #include <string>
-#include <string_view>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "common/input.hpp"
-#include "vendors/sdk_function.hpp"
+#include "doubles/scripted_platform.hpp"
 
 namespace orvane::fuzz {
 
@@ -29,26 +24,38 @@ struct Device {
   std::int64_t frameMemory = 0;  ///< as last reported, for the SDK that does
 };
 
-/// One SDK: its functions by name, and those that it lacks at present.
+/// One SDK: its functions, and the devices that are open in it.
 struct Sdk {
   const char* baseName = "";
+  scripted::Library* library = nullptr;  ///< of the platform layer
   const char* stopFunction = "";
   const char* closeFunction = "";
-  bool canLoad = true;
-  std::map<std::string, platform::FunctionAddress, std::less<>> functions;
-  std::set<std::string, std::less<>> missing;
-  std::map<std::uintptr_t, Device> open;  ///< by camera id or handle
+  std::map<std::uintptr_t, Device> open;  ///< by key
+
+  /// Adds a function: its declaration in the library, and a body.
+  template <class Declared, class Body>
+  void add(const Declared& declared, Body body) {
+    library->add(declared, body);
+  }
 };
 
-/// All four SDKs of one run.
-class Liar {
+/// What tells the open devices of an SDK apart: the camera id, or the handle.
+inline std::uintptr_t keyOf(int cameraId) {
+  return static_cast<std::uintptr_t>(static_cast<unsigned>(cameraId));
+}
+inline std::uintptr_t keyOf(const void* handle) {
+  return reinterpret_cast<std::uintptr_t>(handle);
+}
+
+/// All SDKs of one run.
+class Adversary {
  public:
   /// More calls than this and every SDK lacks all functions but those that stop and close: an SDK
   /// may claim any number of cameras and controls, and a run must come to an end.
   static constexpr int maxCalls = 2000;
 
-  /// A liar whose four SDKs are complete and loadable.
-  Liar();
+  /// Puts the SDKs of all families, complete and loadable, into the platform layer.
+  Adversary();
 
   /// Starts a run: everything is closed, nothing is missing, answers come from these bytes.
   void begin(std::span<const std::uint8_t> bytes);
@@ -66,10 +73,6 @@ class Liar {
       noteViolation(rule, culprit);
     }
   }
-
-  /// The function, unless the SDK lacks it. Where it cannot be closed or stopped for want of a
-  /// function, the library is not to blame for what stays open or running.
-  platform::FunctionAddress find(Sdk& sdk, const char* name);
 
   /// The result of a call: success as a rule, else any code; now and then an exception, as SDKs
   /// written in C++ let them pass.
@@ -105,6 +108,9 @@ class Liar {
 
   /// A device is opened; a device that is open cannot be opened again.
   void opened(Vendor vendor, std::uintptr_t key);
+  /// The same for an SDK that gives handles: null now and then, else a new handle. No handle is
+  /// given twice, so that a stale one is noticed.
+  void* openedHandle(Vendor vendor);
   /// The device of a call, which has to be open; never null.
   Device& used(Vendor vendor, std::uintptr_t key, const char* call);
   /// A device's stream is stopped, or the device closed.
@@ -115,30 +121,22 @@ class Liar {
   std::size_t runningStreams() const;
 
  private:
+  bool admits(const scripted::Library& library, const char* name);
   void noteViolation(const char* rule, const char* culprit);
   std::size_t fillLength(std::size_t size);
 
   int calls_ = 0;
+  std::uintptr_t lastHandle_ = 0x1000;
   Device none_;
 };
 
-/// The one liar of the process.
-Liar& liar();
+/// The one adversary of the process.
+Adversary& adversary();
 
-/// Adds a function to an SDK under the name and the type that the library declares for it: one that
-/// differs does not compile.
-template <Vendor vendor, void (*check)(std::int64_t, const char*), class Signature>
-void script(Sdk& sdk, const char* name, const SdkFunction<vendor, check, Signature>& /*declared*/,
-            std::type_identity_t<Signature>* body) {
-  sdk.functions[name] = reinterpret_cast<platform::FunctionAddress>(body);
+/// The device of a call of this function, by camera id or handle.
+template <Vendor vendor, void (*check)(std::int64_t, const char*), class Signature, class Id>
+Device& used(Id id, const SdkFunction<vendor, check, Signature>& function) {
+  return adversary().used(vendor, keyOf(id), function.name());
 }
-
-#define ORVANE_SCRIPT(sdk, function, ...) script(sdk, #function, function, __VA_ARGS__)
-
-/// Add all functions of one maker.
-void addAsi(Sdk& sdk);
-void addPlayerOne(Sdk& sdk);
-void addQhy(Sdk& sdk);
-void addToupTek(Sdk& sdk);
 
 }  // namespace orvane::fuzz

@@ -1,4 +1,4 @@
-// One run of the library against SDKs that lie.
+// One run of the library against SDKs that answers.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // The library that the stand-in SDK needs.
-#include "sdk_dependency.hpp"
+#include "doubles/sdk_dependency.hpp"
 
 int numberOfTheDependency() {
   return 4711;
