@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the benchmarks and runs them all: the cost of a call, of a scan, of
-# recording, of loading, and the exchange of red and blue against other libraries. Prints ratios taken
+# recording, of loading, and the swap of red and blue against other libraries. Prints ratios taken
 # inside one run, with the processor's name. Ends with status 1 when a gate is missed.
 #   bench.sh [RUNS]      that often, one after the other; 1 without an argument
 set -eu
@@ -47,7 +47,7 @@ for ((run = 1; run <= runs; ++run)); do
     "$dll" "$windows/instant-sdks"
   part "scan and description, Linux" env ORVANE_INSTANT_CAMERAS=128 \
     "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
-  part "exchange of red and blue" "$linux/benchmarks/byte_exchange"
+  part "swap red and blue; implementations" "$linux/benchmarks/swap_red_and_blue"
   part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
     "$linux/benchmarks/copy_and_write" /dev/shm "$linux"
   part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the fuzzers with clang and runs both, the library against SDKs that
-# lie for most of the time and the description of a camera for the rest.
+# Installs what is missing, builds the fuzzers with clang and runs both, the library against adversarial
+# SDKs for most of the time and the description of a camera for the rest.
 #   fuzz.sh [SECONDS]        60 without an argument
 # What is new goes to build/linux-x64-fuzz/corpus/; an input that breaks a rule is kept beside it as
 # findings/, and the exit status is then 1.
@@ -16,7 +16,7 @@ configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
   -D CMAKE_C_COMPILER=clang -D CMAKE_CXX_COMPILER=clang++ -D ORVANE_BUILD_FUZZERS=ON \
   -D ORVANE_BUILD_TESTS=OFF -D ORVANE_BUILD_SIMULATORS=OFF -D ORVANE_BUILD_HOSTS=OFF \
   -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
-cmake --build "$build" --target fuzz_lying_sdks fuzz_camera_json
+cmake --build "$build" --target fuzz_adversarial_sdks fuzz_camera_json
 
 # run NAME SECONDS LARGEST-INPUT
 run() {
@@ -32,7 +32,7 @@ run() {
 }
 failed=0
 json=$((seconds / 5 + 1))
-run lying_sdks $((seconds - json > 0 ? seconds - json : 1)) 2048
+run adversarial_sdks $((seconds - json > 0 ? seconds - json : 1)) 2048
 run camera_json "$json" 700
 if [ "$failed" -ne 0 ]; then
   echo "== findings in $build/findings; the whole story stands in $build/*.log"

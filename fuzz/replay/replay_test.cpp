@@ -6,9 +6,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "adversarial_sdks/adversary.hpp"
+#include "adversarial_sdks/session.hpp"
 #include "camera_json/json_check.hpp"
-#include "lying_sdks/liar.hpp"
-#include "lying_sdks/session.hpp"
 
 namespace orvane::fuzz {
 namespace {
@@ -34,8 +34,8 @@ int replay(const char* corpus, Check* check) {
   return count;
 }
 
-TEST(FuzzReplay, LyingSdks) {
-  EXPECT_GE(replay("lying_sdks", runSession), 50);
+TEST(FuzzReplay, AdversarialSdks) {
+  EXPECT_GE(replay("adversarial_sdks", runSession), 50);
 }
 
 TEST(FuzzReplay, CameraJson) {
@@ -44,22 +44,22 @@ TEST(FuzzReplay, CameraJson) {
 
 TEST(FuzzReplay, NoBytesAtAllAreASessionOfOrdinaryAnswers) {
   EXPECT_EQ(runSession({}), std::vector<std::string>{});
-  EXPECT_EQ(liar().openDevices(), 0U);
+  EXPECT_EQ(adversary().openDevices(), 0U);
   EXPECT_EQ(checkDescriptionOf({}), std::vector<std::string>{});
 }
 
 // The rules themselves must be able to fail.
-TEST(FuzzReplay, LiarNoticesWhatALibraryMustNotDo) {
-  Liar& lie = liar();
-  lie.begin({});
-  lie.used(Vendor::Asi, 1, "ASIInitCamera");
-  lie.closed(Vendor::Asi, 1);
-  lie.opened(Vendor::Asi, 1);
-  lie.opened(Vendor::Asi, 1);
-  lie.stopped(Vendor::Asi, 1);
-  lie.used(Vendor::Asi, 1, "ASIStartVideoCapture").isStreaming = true;
-  lie.closed(Vendor::Asi, 1);
-  EXPECT_EQ(lie.violations,
+TEST(FuzzReplay, AdversaryNoticesWhatALibraryMustNotDo) {
+  Adversary& answers = adversary();
+  answers.begin({});
+  answers.used(Vendor::Asi, 1, "ASIInitCamera");
+  answers.closed(Vendor::Asi, 1);
+  answers.opened(Vendor::Asi, 1);
+  answers.opened(Vendor::Asi, 1);
+  answers.stopped(Vendor::Asi, 1);
+  answers.used(Vendor::Asi, 1, "ASIStartVideoCapture").isStreaming = true;
+  answers.closed(Vendor::Asi, 1);
+  EXPECT_EQ(answers.violations,
             (std::vector<std::string>{
                 "call on a device that is not open: ASIInitCamera",
                 "call on a device that is not open: ASICloseCamera", "opened twice: ASICamera2",

@@ -1,26 +1,31 @@
-// Which SDKs the library uses, and which functions of each it calls: the names come out of the
-// declarations that the library itself calls them by, so that none can be forgotten here.
+// Which SDKs the library uses, and which functions of each it calls. The names come out of the
+// declarations by which the library itself calls the functions, so that none is forgotten here.
 #include "sdk_check/sdk_functions.hpp"
 
 #include <array>
+
+#include "catalogue/camera_info.hpp"
 
 namespace orvane::host {
 
 namespace {
 
-enum Position : std::size_t { Asi, PlayerOne, Qhy, ToupTek, sdkCount };
-
-// A function's own variable: what is static in a file may be needed before it has been made.
-std::array<Sdk, sdkCount>& sdks() {
-  static std::array<Sdk, sdkCount> all{{{"ZWO ASI", "ASICamera2", {}},
-                                        {"Player One", "PlayerOneCamera", {}},
-                                        {"QHYCCD", "qhyccd", {}},
-                                        {"ToupTek", "toupcam", {}}}};
+// In a function: the lists are filled before main(), in no order that could be relied on. The rows
+// are in the order of Vendor.
+std::array<Sdk, vendorCount>& sdks() {
+  static std::array<Sdk, vendorCount> all{{
+      {"ZWO ASI", "ASICamera2", {}},
+      {"Player One", "PlayerOneCamera", {}},
+      {"QHYCCD", "qhyccd", {}},
+      {"ToupTek", "toupcam", {}},
+  }};
   return all;
 }
 
 struct Listed {
-  Listed(Position sdk, const char* function) { sdks().at(sdk).functions.emplace_back(function); }
+  Listed(Vendor vendor, const char* function) {
+    sdks().at(static_cast<std::size_t>(vendor)).functions.emplace_back(function);
+  }
 };
 
 }  // namespace
@@ -31,10 +36,9 @@ std::span<const Sdk> allSdks() {
 
 }  // namespace orvane::host
 
-// The declarations name the SDK and the function; from here on they list them.
-#define SDK_FUNCTION(sdk, name, ...) \
-  static const host::Listed name##IsListed(host::Position::sdk, #name)
-#define SDK_HRESULT_FUNCTION(sdk, name, ...) SDK_FUNCTION(sdk, name, __VA_ARGS__)
+#define SDK_FUNCTION(vendor, name, ...) \
+  static const host::Listed name##IsListed(Vendor::vendor, #name)
+#define SDK_HRESULT_FUNCTION(vendor, name, ...) SDK_FUNCTION(vendor, name, __VA_ARGS__)
 
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"

@@ -11,7 +11,7 @@ namespace orvane::host {
 struct Sdk {
   const char* maker;
   const char* baseName;                ///< of its library, without prefix and ending
-  std::vector<std::string> functions;  ///< that the library calls, in no special order
+  std::vector<std::string> functions;  ///< that the library calls
 };
 
 /// All SDKs, in the order in which the library loads them.

@@ -1,9 +1,9 @@
 // ZWO ASI cameras. They are addressed by the SDK's camera id, `vendorIndex`.
 #include "api/failure.hpp"
-#include "capture/byte_exchange.hpp"
 #include "vendors/bayer_pattern.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk_text.hpp"
+#include "vendors/swap_red_and_blue.hpp"
 #include "vendors/vendor_rows.hpp"
 
 namespace orvane {
@@ -106,7 +106,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs
   }
   ASIGetVideoData.checkResultOf(result);
   if (camera.format == Rgb24) {
-    exchangeRedAndBlue(buffer.data, static_cast<std::size_t>(frameBytes(camera)));
+    swapRedAndBlue(buffer.data, static_cast<std::size_t>(frameBytes(camera)));
   }
   return true;
 }

@@ -33,6 +33,8 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
     std::copy_n(name, size, name_);
   }
 
+  constexpr const char* name() const { return name_; }
+
   /// Calls the function and returns its result.
   Result operator()(Arguments... arguments) const {
     const auto function =

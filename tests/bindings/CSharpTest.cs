@@ -16,6 +16,7 @@ static class CSharpTest
     [DllImport("ASICamera2")] static extern int sim_get_camera(int index, byte[] camera);
     [DllImport("ASICamera2")] static extern int sim_set_cameras(byte[] camera, int count);
 
+    const int CameraCount = 15; // of all simulated SDKs
     static string sdks;
     static IReadOnlyList<CameraInfo> cameras;
 
@@ -71,8 +72,8 @@ static class CSharpTest
     static void CamerasOfEveryMaker()
     {
         ScanResult found = CameraLibrary.Scan(sdks);
-        CheckEqual("ASICamera2, PlayerOneCamera, qhyccd, toupcam", string.Join(", ", found.Libraries));
-        CheckEqual(15, found.Cameras.Count);
+        CheckEqual(Environment.GetEnvironmentVariable("ORVANE_SDKS"), string.Join(", ", found.Libraries));
+        CheckEqual(CameraCount, found.Cameras.Count);
         CheckEqual("", found.Error);
         CameraInfo first = found.Cameras[0];
         CheckEqual("0 ZWO ASI120MC-S 1280 960 12 3.75", string.Format(
@@ -128,7 +129,7 @@ static class CSharpTest
     {
         Command("force ASIGetCameraProperty 2 1 4");
         ScanResult found = CameraLibrary.Scan(sdks);
-        CheckEqual(12, found.Cameras.Count);
+        CheckEqual(CameraCount - 3, found.Cameras.Count);
         Check(found.Error.StartsWith("ASI"), found.Error);
     }
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <thread>
 
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "library/family_test.hpp"
 #include "orvane_desktop_camera.hpp"
-#include "support/sdk_directory.hpp"
-#include "support/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

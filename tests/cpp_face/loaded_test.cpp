@@ -4,9 +4,9 @@
 #include <chrono>
 #include <filesystem>
 
+#include "doubles/sdk_directory.hpp"
 #include "orvane_desktop_camera.hpp"
 #include "orvane_desktop_camera_loader.h"
-#include "support/sdk_directory.hpp"
 
 namespace orvane::testing {
 namespace {

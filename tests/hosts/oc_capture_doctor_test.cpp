@@ -2,6 +2,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <span>
 
 #include "oc_capture_test.hpp"
 
@@ -24,6 +25,8 @@ constexpr bool hasErrorCodes = false;
 const std::string thisSystem = "Linux";
 const std::string otherSystem = "Windows";
 #endif
+
+const std::string sdkTotal = std::to_string(sdkCount);
 
 const std::string notAsked =
     "The library itself\n"
@@ -56,8 +59,11 @@ class OcCaptureDoctor : public OcCaptureTest {
   }
 
   std::string othersNotThere() const {
-    return notThere("Player One", "PlayerOneCamera") + notThere("QHYCCD", "qhyccd") +
-           notThere("ToupTek", "toupcam");
+    std::string text;
+    for (const SdkFamily& family : std::span(sdkFamilies).subspan(1)) {
+      text += notThere(family.maker, family.baseName);
+    }
+    return text;
   }
 
   // Only the problem is known of the file in ZWO's place. The system's message may be any.
@@ -87,7 +93,7 @@ class OcCaptureDoctor : public OcCaptureTest {
                   "  Functions     not known\n"
                   "  Needs         not known\n"
                   "\n" +
-                  othersNotThere() + notAsked + "Found 1 of 4 SDKs, 0 healthy.\n");
+                  othersNotThere() + notAsked + "Found 1 of " + sdkTotal + " SDKs, 0 healthy.\n");
   }
 
   // The simulated SDK, relabelled for another processor.
@@ -130,11 +136,15 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
            "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
            " there\n  Needs         N of N libraries found\n\n";
   };
+  std::string allHealthy;
+  for (const SdkFamily& family : sdkFamilies) {
+    allHealthy +=
+        healthy(family.maker, family.baseName, std::to_string(functionsOf(family.baseName).size()));
+  }
   const std::regex counts(R"((\d+) of \1 libraries found)");
   EXPECT_EQ(std::regex_replace(result.out, counts, "N of N libraries found"),
-            healthy("ZWO ASI", "ASICamera2", "15") +
-                healthy("Player One", "PlayerOneCamera", "17") + healthy("QHYCCD", "qhyccd", "20") +
-                healthy("ToupTek", "toupcam", "17") + notAsked + "Found 4 of 4 SDKs, 4 healthy.\n");
+            allHealthy + notAsked + "Found " + sdkTotal + " of " + sdkTotal + " SDKs, " + sdkTotal +
+                " healthy.\n");
 }
 
 TEST_F(OcCaptureDoctor, EmptyDirectoryIsNoFailure) {
@@ -152,7 +162,8 @@ TEST_F(OcCaptureDoctor, OneSdkThatIsMissingIsNoFailure) {
   const ProgramResult result = doctor();
   EXPECT_EQ(result.status, 0);
   EXPECT_NE(result.out.find(notThere("QHYCCD", "qhyccd")), std::string::npos) << result.out;
-  EXPECT_NE(result.out.find("\nFound 3 of 4 SDKs, 3 healthy.\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("\nFound 3 of " + sdkTotal + " SDKs, 3 healthy.\n"), std::string::npos)
+      << result.out;
 }
 
 TEST_F(OcCaptureDoctor, DirectoryThatDoesNotExist) {
@@ -228,7 +239,7 @@ TEST_F(OcCaptureDoctor, SdkThatLacksFunctions) {
                             "                missing: GetQHYCCDLiveFrame\n"),
             std::string::npos)
       << result.out;
-  EXPECT_NE(result.out.find("\nFound 1 of 4 SDKs, 0 healthy.\n"), std::string::npos);
+  EXPECT_NE(result.out.find("\nFound 1 of " + sdkTotal + " SDKs, 0 healthy.\n"), std::string::npos);
 
   const ordered_json json = doctorJson(1);
   EXPECT_EQ(json["sdks"][2]["missingFunctions"],
@@ -304,7 +315,8 @@ TEST_F(OcCaptureDoctor, OpensNoCameraUnlessAsked) {
                              "  oc_libraries  \"ASICamera2\"\n"
                              "  oc_error      \"\"\n"
                              "\n"
-                             "Found 1 of 4 SDKs, 1 healthy.\n"),
+                             "Found 1 of " +
+                             sdkTotal + " SDKs, 1 healthy.\n"),
             std::string::npos)
       << scanned.out;
 }
@@ -340,7 +352,7 @@ TEST_F(OcCaptureDoctor, JsonHasTheseKeysInThisOrder) {
   EXPECT_EQ(keysOf(json), "directory healthy sdks library ");
   EXPECT_EQ(json["directory"], sdks.utf8());
   EXPECT_EQ(json["healthy"], true);
-  ASSERT_EQ(json["sdks"].size(), 4U);
+  ASSERT_EQ(json["sdks"].size(), sdkCount);
   const std::string sdkKeys =
       "maker name file present healthy problem bits processor fileVersion soname loads loadError "
       "loadErrorCode functions missingFunctions imports ";

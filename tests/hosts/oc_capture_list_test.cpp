@@ -47,8 +47,7 @@ TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
   const ordered_json document = ordered_json::parse(result.out);
-  EXPECT_EQ(document["libraries"],
-            (ordered_json{"ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"}));
+  EXPECT_EQ(document["libraries"], ordered_json(sdkNames));
   EXPECT_EQ(document["error"], "");
 
   // The library in this process tells the same about them.

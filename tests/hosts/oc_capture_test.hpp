@@ -11,8 +11,8 @@
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
 #include "support/library_under_test.hpp"
-#include "support/sdk_directory.hpp"
-#include "support/simulated_sdk.hpp"
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

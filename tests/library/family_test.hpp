@@ -36,6 +36,13 @@ inline SimCamera smallCamera() {
   return camera;
 }
 
+/// The same for the SDK of this family: its pattern is RGGB.
+inline SimCamera smallCamera(const SdkFamily& family) {
+  SimCamera camera = smallCamera();
+  camera.mosaic = family.rggb;
+  return camera;
+}
+
 /// One call that is made to fail, and the label under which the failure is reported.
 struct FailingCall {
   const char* function;

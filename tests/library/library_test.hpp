@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "support/library_under_test.hpp"
-#include "support/sdk_directory.hpp"
-#include "support/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

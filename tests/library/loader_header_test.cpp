@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "support/sdk_directory.hpp"
+#include "doubles/sdk_directory.hpp"
 
 namespace orvane::testing {
 namespace {

@@ -23,8 +23,7 @@ class MissingFunction : public LibraryTest, public ::testing::WithParamInterface
   // Scans and opens the only camera of an SDK without this function.
   int openWithout(const char* function) {
     sdk.emplace(install(GetParam().sdk, {function}));
-    SimCamera camera = smallCamera();
-    camera.mosaic = std::string(GetParam().sdk) == "toupcam" ? 0x42474752 : 0;
+    SimCamera camera = smallCamera(familyNamed(GetParam().sdk));
     camera.gainMax = 1000;
     sdk->setCameras({camera});
     EXPECT_EQ(oc.scan(), 1) << error();

@@ -6,22 +6,21 @@ namespace {
 
 using MixedScan = LibraryTest;
 
-TEST_F(MixedScan, AllFourInTheirFixedOrder) {
+constexpr int familyCount = static_cast<int>(sdkCount);
+
+TEST_F(MixedScan, AllInTheirFixedOrder) {
   std::vector<SimulatedSdk> sdks;
-  for (const char* name : {"toupcam", "qhyccd", "PlayerOneCamera", "ASICamera2"}) {
-    sdks.push_back(install(name));
-    SimCamera camera = smallCamera();
-    setText(camera.name, name);
-    if (std::string(name) == "toupcam") {
-      camera.mosaic = 0x42474752;
-    }
+  for (std::size_t i = sdkCount; i-- > 0;) {
+    sdks.push_back(install(sdkNames[i]));
+    SimCamera camera = smallCamera(sdkFamilies[i]);
+    setText(camera.name, sdkNames[i]);
     sdks.back().setCameras({camera});
   }
-  EXPECT_EQ(oc.scan(), 4);
-  EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, qhyccd, toupcam");
+  EXPECT_EQ(oc.scan(), familyCount);
+  EXPECT_EQ(libraries(), joinedSdkNames());
   EXPECT_EQ(error(), "");
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(infoValue(i, "name"), '"' + std::string(sdkNames[i]) + '"');
+  for (int i = 0; i < familyCount; ++i) {
+    EXPECT_EQ(infoValue(i, "name"), '"' + std::string(sdkNames[static_cast<std::size_t>(i)]) + '"');
     EXPECT_EQ(infoValue(i, "id"), std::to_string(i));
   }
   for (const SimulatedSdk& sdk : sdks) {
@@ -128,23 +127,23 @@ TEST_F(MixedScan, BadDirectoryDoesNotMatterOnceAllLibrariesAreLoaded) {
 
 TEST_F(MixedScan, CamerasOfAllFamiliesInTurnWithoutClosingInBetween) {
   std::vector<SimulatedSdk> sdks;
-  for (const char* name : sdkNames) {
-    sdks.push_back(install(name));
-    SimCamera camera = smallCamera();
-    camera.mosaic = std::string(name) == "toupcam" ? 0x42474752 : 0;
+  for (const SdkFamily& family : sdkFamilies) {
+    sdks.push_back(install(family.baseName));
+    SimCamera camera = smallCamera(family);
     camera.gainMax = 1000;
     sdks.back().setCameras({camera});
   }
-  ASSERT_EQ(oc.scan(), 4);
+  ASSERT_EQ(oc.scan(), familyCount);
   for (int round = 0; round < 2; ++round) {
-    for (int i = 0; i < 4; ++i) {
-      ASSERT_EQ(oc.open(i, 320, 202, 1, 0, 20000, 150, 5), 1) << sdkNames[i] << ": " << error();
-      for (int other = 0; other < 4; ++other) {
-        const SimInvariants now = sdks[static_cast<std::size_t>(other)].invariants();
+    for (std::size_t i = 0; i < sdkCount; ++i) {
+      ASSERT_EQ(oc.open(static_cast<int>(i), 320, 202, 1, 0, 20000, 150, 5), 1)
+          << sdkNames[i] << ": " << error();
+      for (std::size_t other = 0; other < sdkCount; ++other) {
+        const SimInvariants now = sdks[other].invariants();
         EXPECT_EQ(now.streamsRunning, other == i ? 1 : 0) << sdkNames[other];
         EXPECT_EQ(now.devicesOpen, other == i ? 1 : 0) << sdkNames[other];
       }
-      sdks[static_cast<std::size_t>(i)].advance_clock(100000);
+      sdks[i].advance_clock(100000);
       EXPECT_EQ(readFrame(), 320 * 202) << sdkNames[i] << ": " << error();
       EXPECT_EQ(oc.apply(10000, 200, 6), 1) << sdkNames[i] << ": " << error();
     }

@@ -71,7 +71,7 @@ for file in INSTALL.md README.md LICENSE include/orvane_desktop_camera.h simulat
 done
 ! grep -rIl -e '@PROJECT_' -e "$build" "$package" || fail "files that were not filled in, or name the build"
 sdks=$(windows_path "$package/simulated-sdks")
-names="ASICamera2, PlayerOneCamera, qhyccd, toupcam"
+names=$ORVANE_SDKS
 
 echo "== programs"
 program="$package/bin/oc_capture$([ -n "$emulator" ] && echo .exe || true)"

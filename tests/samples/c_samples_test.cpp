@@ -8,7 +8,7 @@
 
 #include "program.hpp"
 #include "scratch_directory.hpp"
-#include "support/sdk_directory.hpp"
+#include "doubles/sdk_directory.hpp"
 
 namespace orvane::testing {
 namespace {

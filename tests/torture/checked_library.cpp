@@ -95,8 +95,8 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
       } else if (remembered() != toBeRemembered()) {
         difference = mismatch("remembers", remembered(), toBeRemembered());
       }
-    } catch (const Breach& breach) {
-      difference = breach.text;
+    } catch (const Violation& violation) {
+      difference = violation.text;
     }
     const bool isExplained = !failedAfter || did.hasFailed();
     if (difference.empty() && isExplained) {
@@ -105,7 +105,7 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
     differences += "\n  ";
     differences += difference.empty() ? "an allocation where none belongs" : difference;
     if (!failedAfter || !did.hasFailed()) {
-      throw Breach{std::string(function) + ":" + differences};
+      throw Violation{std::string(function) + ":" + differences};
     }
   }
 }

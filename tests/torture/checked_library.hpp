@@ -33,7 +33,7 @@ struct Exports {
 
 /// What a checked library needs to know of its surroundings.
 struct Surroundings {
-  /// Hands out what happened since the last time. Throws a Breach where that cannot be told.
+  /// Hands out what happened since the last time. Throws a Violation where that cannot be told.
   std::function<std::vector<Event>()> takeEvents;
   /// Called right before and right after each function; the second tells after which event an
   /// allocation failed meanwhile. Both may be empty.
@@ -42,7 +42,7 @@ struct Surroundings {
 };
 
 /// Calls the functions one by one. After each, what it returned, what it asked of the SDKs and what
-/// the library now remembers must be what the contract says; a Breach is thrown otherwise. The
+/// the library now remembers must be what the contract says; a Violation is thrown otherwise. The
 /// results are handed on; where std::bad_alloc left the function, and had to, the result is empty.
 class CheckedLibrary {
  public:

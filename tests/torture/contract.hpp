@@ -10,17 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "simulator_control.h"
-#include "torture/transcript.hpp"
+#include "torture/contract_family.hpp"
 
 namespace orvane::testing {
 
 /// The cameras that each simulated SDK can show, by the SDK's place in the scan. Names, and ids or
 /// keys, differ within an SDK.
-using World = std::array<std::vector<SimCamera>, 4>;
-
-/// The base names of the SDKs, by their place in the scan.
-inline constexpr const char* sdkNameOf[] = {"ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"};
+using World = std::array<std::vector<SimCamera>, sdkCount>;
 
 /// The arguments of oc_open().
 struct OpenArguments {
@@ -36,9 +32,9 @@ struct OpenArguments {
 
 class Contract {
  public:
-  /// `isQhyReady`: this process has initialised QHYCCD's SDK already, which is done once only.
-  explicit Contract(World world, bool isQhyReady = false)
-      : world_(std::move(world)), isQhyReady_(isQhyReady) {}
+  /// `isInitialised`: the SDK that is initialised once in a process has been.
+  explicit Contract(World world, bool isInitialised = false)
+      : world_(std::move(world)), isInitialised_(isInitialised) {}
 
   // What the functions must return. Where std::bad_alloc leaves one of these, it must have left the
   // function, too.
@@ -70,60 +66,17 @@ class Contract {
   const std::vector<int>& formats(std::size_t index) const { return catalogue_[index].formats; }
 
  private:
-  struct Camera {
-    std::size_t family = 0;
-    std::string id;  // as the log writes what names the camera in calls: a number or quoted text
-    std::string name;
-    int maxWidth = 0;
-    int maxHeight = 0;
-    int bitDepth = 8;
-    double pixelSizeUm = 0;
-    bool isColor = false;
-    bool isCooled = false;
-    bool isUsb3Camera = false;
-    bool isUsb3Host = false;
-    std::vector<int> bins{1};
-    std::vector<int> formats{0};
-    std::int64_t maxExposureUs = 0;
-    int minGain = 0;
-    int maxGain = 0;
-    int bayer = 0;
-  };
-
-  struct Active {
-    int openIndex = -1;
-    bool isStreaming = false;
-    Camera camera;
-    int width = 0;
-    int height = 0;
-    int format = 0;
-    int bufferSize = 0;
-    std::string device;  // as the log writes it: the id, or the handle
-  };
-
-  // The four discoveries.
-  void discoverAsi(Transcript& did);
-  void discoverPlayerOne(Transcript& did);
-  void discoverQhy(Transcript& did);
-  void examineQhy(const std::string& handle, Camera& camera, Transcript& did);
-  void discoverToupTek(Transcript& did);
-  static void examineToupTek(const std::string& handle, Camera& camera, Transcript& did);
-  const SimCamera& shown(std::size_t family, const std::string& name) const;
-
   void openOrThrow(const OpenArguments& arguments, Transcript& did);
-  std::int64_t configure(int bin, Transcript& did);
-  void start(Transcript& did) const;
   int readOrThrow(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did) const;
   void applyOrThrow(std::int64_t exposureUs, int gain, int offset, Transcript& did) const;
-  double temperatureOrThrow(Transcript& did) const;
 
   World world_;
-  std::array<bool, 4> isLoaded_{};
-  bool isQhyReady_;
+  std::array<bool, sdkCount> isLoaded_{};
+  bool isInitialised_;
   std::string error_;
   std::string libraries_;
-  std::vector<Camera> catalogue_;
-  Active active_;
+  std::vector<ContractCamera> catalogue_;
+  ContractActive active_;
 };
 
 }  // namespace orvane::testing

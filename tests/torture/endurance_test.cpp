@@ -5,9 +5,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "doubles/sdk_families.hpp"
 #include "library/library_test.hpp"
 #include "support/process_usage.hpp"
-#include "torture/families.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {
@@ -23,10 +23,10 @@ long grown(std::size_t before, std::size_t after) {
   return static_cast<long>(after) - static_cast<long>(before);
 }
 
-class Endurance : public LibraryTest, public ::testing::WithParamInterface<TorturedFamily> {
+class Endurance : public LibraryTest, public ::testing::WithParamInterface<SdkFamily> {
  protected:
   Endurance() : family_(GetParam()), sdk_(install(family_.baseName)) {
-    camera_ = torturedCamera(family_.mosaic);
+    camera_ = torturedCamera(family_);
     camera_.width = 8;
     camera_.height = 32;
     sdk_.setCameras({camera_});
@@ -35,7 +35,8 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<Tortu
   }
 
   void open() {
-    ASSERT_EQ(oc.open(0, camera_.width, camera_.height, 1, family_.format, exposureUs, 100, 5), 1)
+    ASSERT_EQ(oc.open(0, camera_.width, camera_.height, 1, family_.richFormat, exposureUs, 100, 5),
+              1)
         << error();
   }
 
@@ -45,7 +46,7 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<Tortu
     ASSERT_EQ(bytes, oc.width() * oc.height() * bytesPerPixel()) << error();
   }
 
-  int bytesPerPixel() const { return family_.format == 2 ? 3 : 2; }
+  int bytesPerPixel() const { return family_.richFormat == 2 ? 3 : 2; }
 
   // Runs the body so many times and holds what the process uses against what it used after a first
   // part, in which everything that is made once has been made.
@@ -93,13 +94,13 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<Tortu
 #endif
   static constexpr int exposureUs = 1000;
 
-  TorturedFamily family_;
+  SdkFamily family_;
   SimulatedSdk sdk_;
   SimCamera camera_{};
 };
 
 TEST_P(Endurance, OpenReadCloseAgainAndAgain) {
-  const bool hasHandles = !family_.handleCalls.empty();
+  const bool hasHandles = family_.givesHandle;
   endure("sessions", chosen("ORVANE_SOAK_CYCLES", 200), hasHandles ? 24 : 0, [&] {
     open();
     frame.resize(static_cast<std::size_t>(oc.buffer_size()));
@@ -117,7 +118,7 @@ TEST_P(Endurance, ReadAgainAndAgain) {
   expectClean(sdk_);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sdks, Endurance, ::testing::ValuesIn(torturedFamilies()),
+INSTANTIATE_TEST_SUITE_P(Sdks, Endurance, ::testing::ValuesIn(sdkFamilies),
                          [](const auto& instance) { return std::string(instance.param.baseName); });
 
 }  // namespace

@@ -72,14 +72,6 @@ void leaveLibrary() {
   isInLibrary = false;
 }
 
-Uncounted::Uncounted() : wasInLibrary_(isInLibrary) {
-  isInLibrary = false;
-}
-
-Uncounted::~Uncounted() {
-  isInLibrary = wasInLibrary_;
-}
-
 void countAllocations(long failing) {
   counted = 0;
   failingOne = failing;

@@ -11,18 +11,6 @@ namespace orvane::testing {
 void enterLibrary();
 void leaveLibrary();
 
-/// Allocations that are made although the library is at work, but not by it.
-class Uncounted {
- public:
-  Uncounted();
-  ~Uncounted();
-  Uncounted(const Uncounted&) = delete;
-  Uncounted& operator=(const Uncounted&) = delete;
-
- private:
-  bool wasInLibrary_;
-};
-
 /// Begins to count the library's allocations anew. The `failing`th of them (1 is the first) throws
 /// std::bad_alloc; 0 lets all succeed.
 void countAllocations(long failing);

@@ -1,17 +1,19 @@
 // Sessions that no host would think of: random calls with random arguments to the library with all
-// four SDKs beside it, while cameras are plugged out and in, calls of the SDKs fail, and
+// SDKs beside it, while cameras are plugged out and in, calls of the SDKs fail, and
 // directories come and go. Every step is held against the contract. ORVANE_RANDOM_STEPS and
 // ORVANE_RANDOM_SEED choose another length and other sessions; a failure tells its seed.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iostream>
 #include <map>
+#include <numeric>
 #include <random>
 #include <set>
 
+#include "doubles/sdk_families.hpp"
 #include "library/library_test.hpp"
 #include "torture/checked_library.hpp"
-#include "torture/families.hpp"
 #include "torture/run_length.hpp"
 
 namespace orvane::testing {
@@ -25,7 +27,6 @@ constexpr long usualSteps = 4000;  // through Wine
 constexpr long usualSteps = 25000;
 #endif
 
-constexpr std::size_t sdkCount = 4;
 constexpr int bareNames = -1;  // no directory
 
 // Whether a bare name finds a library that the process has loaded from somewhere. Windows need not
@@ -36,55 +37,14 @@ constexpr bool bareNamesAreFound = false;
 constexpr bool bareNamesAreFound = true;
 #endif
 
-// The functions of the four SDKs, for making their calls fail.
-const std::vector<std::vector<const char*>>& sdkFunctions() {
-  static const std::vector<std::vector<const char*>> functions{
-      {"ASIGetNumOfConnectedCameras", "ASIGetCameraProperty", "ASIOpenCamera", "ASIInitCamera",
-       "ASICloseCamera", "ASIGetNumOfControls", "ASIGetControlCaps", "ASIGetControlValue",
-       "ASISetControlValue", "ASISetROIFormat", "ASIGetROIFormat", "ASISetStartPos",
-       "ASIStartVideoCapture", "ASIStopVideoCapture", "ASIGetVideoData"},
-      {"POAGetCameraCount", "POAGetCameraProperties", "POAOpenCamera", "POAInitCamera",
-       "POACloseCamera", "POAGetConfigAttributesByConfigID", "POASetConfig", "POAGetConfig",
-       "POASetImageStartPos", "POASetImageSize", "POAGetImageSize", "POASetImageBin",
-       "POASetImageFormat", "POAStartExposure", "POAStopExposure", "POAImageReady",
-       "POAGetImageData"},
-      {"InitQHYCCDResource",
-       "ScanQHYCCD",
-       "GetQHYCCDId",
-       "GetQHYCCDModel",
-       "OpenQHYCCD",
-       "CloseQHYCCD",
-       "SetQHYCCDStreamMode",
-       "InitQHYCCD",
-       "GetQHYCCDChipInfo",
-       "IsQHYCCDControlAvailable",
-       "GetQHYCCDParamMinMaxStep",
-       "SetQHYCCDParam",
-       "GetQHYCCDParam",
-       "SetQHYCCDBinMode",
-       "SetQHYCCDBitsMode",
-       "SetQHYCCDResolution",
-       "GetQHYCCDMemLength",
-       "BeginQHYCCDLive",
-       "StopQHYCCDLive",
-       "GetQHYCCDLiveFrame"},
-      {"Toupcam_EnumV2", "Toupcam_Open", "Toupcam_Close", "Toupcam_get_MaxBitDepth",
-       "Toupcam_get_RawFormat", "Toupcam_get_ExpTimeRange", "Toupcam_get_ExpoAGainRange",
-       "Toupcam_put_Option", "Toupcam_put_Roi", "Toupcam_get_FinalSize",
-       "Toupcam_StartPullModeWithCallback", "Toupcam_PullImageWithRowPitch", "Toupcam_Stop",
-       "Toupcam_put_AutoExpoEnable", "Toupcam_put_ExpoTime", "Toupcam_put_ExpoAGain",
-       "Toupcam_get_Temperature"}};
-  return functions;
-}
-
 class RandomSessions : public ::testing::TestWithParam<int> {
  protected:
-  RandomSessions() : families_(torturedFamilies()) {
+  RandomSessions() {
     // Each SDK has one place only; a host that names the other directory does not find it.
     for (std::size_t family = 0; family < sdkCount; ++family) {
       const SdkDirectory& directory = family % 2 == 0 ? even_ : odd_;
-      directory.add(sdkNameOf[family]);
-      sdks_.emplace_back(directory.file(sdkNameOf[family]));
+      directory.add(sdkNames[family]);
+      sdks_.emplace_back(directory.file(sdkNames[family]));
       world_[family] = camerasOf(family);
       sdks_[family].setCameras(world_[family]);
     }
@@ -94,12 +54,12 @@ class RandomSessions : public ::testing::TestWithParam<int> {
   // Three cameras: one that can do everything, a plain one, and one of odd sizes.
   std::vector<SimCamera> camerasOf(std::size_t family) const {
     const auto named = [&](SimCamera camera, const char* kind, int id) {
-      setText(camera.name, std::string(kind) + " of " + sdkNameOf[family]);
-      setText(camera.key, std::string(sdkNameOf[family]) + "-" + kind);
+      setText(camera.name, std::string(kind) + " of " + sdkNames[family]);
+      setText(camera.key, std::string(sdkNames[family]) + "-" + kind);
       camera.id = id;
       return camera;
     };
-    const SimCamera rich = torturedCamera(families_[family].mosaic);
+    const SimCamera rich = torturedCamera(sdkFamilies[family]);
     SimCamera plain = rich;
     plain.width = 48;
     plain.height = 32;
@@ -139,7 +99,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
   // The SDKs' logs, in the order in which the calls were made: an open closes the camera that is
   // open first, whosever it is; all else goes in the SDKs' order.
   std::vector<Event> takeEvents() {
-    std::vector<std::size_t> order{0, 1, 2, 3};
+    std::array<std::size_t, sdkCount> order;
+    std::iota(order.begin(), order.end(), 0);
     const Contract& contract = library_->contract();
     if (contract.isOpen()) {
       std::swap(order[0], order[contract.family()]);
@@ -149,7 +110,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
       if (isScanning_ && !contract.isOpen() && !contract.isLoaded(family)) {
         Event load;
         load.kind = Event::Kind::Load;
-        load.name = sdkNameOf[family];
+        load.name = sdkNames[family];
         load.isLoaded = directory_ == bareNames || directory_ == static_cast<int>(family % 2);
         events.push_back(load);
       }
@@ -168,8 +129,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     return least + static_cast<long>(random_() % range);
   }
   bool oneIn(long many) { return pick(1, many) == 1; }
-  template <class Type>
-  const Type& pickOf(const std::vector<Type>& list) {
+  template <class List>
+  const auto& pickOf(const List& list) {
     return list[static_cast<std::size_t>(pick(0, static_cast<long>(list.size()) - 1))];
   }
 
@@ -234,30 +195,30 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     ++counts_[*bytes > 0 ? "frames" : *bytes == 0 ? "no frame yet" : "reads failed"];
     const auto end = buffer_.begin() + std::max(length, 0);
     if (std::any_of(end, buffer_.end(), [](std::uint8_t byte) { return byte != untouched; })) {
-      throw Breach{"written past the buffer"};
+      throw Violation{"written past the buffer"};
     }
   }
 
   // Lets a call fail some calls from now, for once or for some time.
   void force() {
     const auto family = static_cast<std::size_t>(pick(0, sdkCount - 1));
-    const std::string function = pickOf(sdkFunctions()[family]);
-    const bool isHandle = function == "OpenQHYCCD" || function == "Toupcam_Open";
-    const std::int64_t code = isHandle ? 0 : pickOf(families_[family].codes);
+    const std::string function = pickOf(functionsOf(sdkNames[family]));
+    const bool isHandle =
+        sdkFamilies[family].givesHandle && function == sdkFamilies[family].openCall;
+    const std::int64_t code = isHandle ? 0 : pickOf(sdkFamilies[family].codes);
     sdks_[family].forceResult(function.c_str(), code, static_cast<int>(pick(1, 6)),
                               static_cast<int>(pick(1, 3)));
-    mayHaveLeftOpen_ = mayHaveLeftOpen_ || function == families_[family].closeCall;
+    mayHaveLeftOpen_ = mayHaveLeftOpen_ || function == sdkFamilies[family].closeCall;
     ++counts_["faults"];
   }
 
   // Lets the next scan fail for several SDKs, each in the middle of its cameras.
   void failDiscoveries() {
-    constexpr const char* functions[] = {"ASIGetCameraProperty", "POAGetCameraProperties",
-                                         "GetQHYCCDId", "Toupcam_get_RawFormat"};
     for (std::size_t family = 0; family < sdkCount; ++family) {
       if (oneIn(2)) {
-        sdks_[family].forceResult(functions[family], pickOf(families_[family].codes),
-                                  static_cast<int>(pick(1, 3)), 1);
+        sdks_[family].forceResult(sdkFamilies[family].examineCall,
+                                  pickOf(sdkFamilies[family].codes), static_cast<int>(pick(1, 3)),
+                                  1);
       }
     }
   }
@@ -340,8 +301,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
       const SimInvariants now = sdk.invariants();
       if ((now.devicesOpen > 0 && !mayHaveLeftOpen_) || now.streamsRunning > now.devicesOpen ||
           (now.streamsRunning > 0 && !mayHaveLeftOpen_)) {
-        throw Breach{"left open: devices " + std::to_string(now.devicesOpen) + ", streams " +
-                     std::to_string(now.streamsRunning)};
+        throw Violation{"left open: devices " + std::to_string(now.devicesOpen) + ", streams " +
+                        std::to_string(now.streamsRunning)};
       }
     }
   }
@@ -356,7 +317,6 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     }
   }
 
-  std::vector<TorturedFamily> families_;
   SdkDirectory even_{"even"};
   SdkDirectory odd_{"odd"};
   std::vector<std::string> directories_;
@@ -381,9 +341,9 @@ TEST_P(RandomSessions, KeepTheContract) {
   for (long i = 0; i < steps; ++i) {
     try {
       step();
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       FAIL() << "step " << i << " with seed " << seed << " (ORVANE_RANDOM_SEED=" << seed / 1000
-             << "): " << breach.text;
+             << "): " << violation.text;
     }
   }
   library_->close();

@@ -1,5 +1,5 @@
 // Everything that can fail, failing in turn: in a full session with one camera, each call into the
-// SDK once with each of the maker's codes, each function once missing, each look-up once in vain,
+// SDK once with each of the maker's codes, each function once missing, each look-up once failing,
 // each allocation once out of memory, the camera once unplugged before each call. Every run must
 // keep the contract, leave nothing open, lose no memory, and be followed by a session in which all
 // is well.
@@ -14,12 +14,13 @@
 #include <set>
 
 #include "api/state.hpp"
+#include "doubles/scripted_platform.hpp"
+#include "doubles/sdk_directory.hpp"
+#include "doubles/sdk_families.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "support/message_table.hpp"
-#include "support/sdk_directory.hpp"
 #include "torture/checked_library.hpp"
 #include "torture/failing_allocation.hpp"
-#include "torture/families.hpp"
-#include "torture/sdk_gate.hpp"
 
 namespace orvane::testing {
 namespace {
@@ -58,8 +59,9 @@ struct Fault {
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-  constexpr const char* kinds[] = {"nothing",          "failed call",  "failed calls", "remark",
-                                   "missing function", "vain look-up", "allocation",   "unplugged"};
+  constexpr const char* kinds[] = {"nothing",    "failed call",      "failed calls",
+                                   "remark",     "missing function", "failed look-up",
+                                   "allocation", "unplugged"};
   return stream << kinds[static_cast<std::size_t>(fault.kind)] << " " << fault.function
                 << ", number " << fault.nth << ", code " << fault.result;
 }
@@ -80,6 +82,9 @@ struct Outcome {
   std::optional<int> rescanned;
 };
 
+// How much had passed the platform layer when the allocation failed.
+std::size_t passedBeforeFailure = 0;
+
 // Assigning a new state would let its strings keep their memory.
 void forgetEverything() {
   std::destroy_at(&state);
@@ -88,21 +93,28 @@ void forgetEverything() {
 
 class TortureTest : public ::testing::Test {
  protected:
-  explicit TortureTest(TorturedFamily family)
-      : family_(std::move(family)),
-        camera_(torturedCamera(family_.mosaic)),
+  explicit TortureTest(SdkFamily family)
+      : family_(family),
+        camera_(torturedCamera(family_)),
         sdk_(installed()),
         isQhy_(std::string(family_.baseName) == "qhyccd") {
-    SdkGate& gate = sdkGate();
-    gate.directory = directory_.utf8();
-    gate.baseName = family_.baseName;
-    gate.sdk = &sdk_;
+    scripted::Platform& script = scripted::platform();
+    library_ = &script.libraries[directory_.utf8() + "/" + family_.baseName];
+    for (const std::string& function : functionsOf(family_.baseName)) {
+      library_->add(function, sdk_.module.function<void()>(function.c_str()));
+    }
+    script.admits = [this](const scripted::Library&, const char* function) {
+      lookups_.emplace_back(function);
+      return lookups_.size() != failingLookup_;
+    };
+    script.begins = leaveLibrary;
+    script.ends = enterLibrary;
     for (std::size_t i = 0; i < world_.size(); ++i) {
-      if (gate.baseName == sdkNameOf[i]) {
+      if (family_.baseName == std::string(sdkNames[i])) {
         world_[i] = {camera_};
       }
     }
-    whenAllocationFails([] { sdkGate().eventsBeforeFailure = sdkGate().passed.size(); });
+    whenAllocationFails([] { passedBeforeFailure = scripted::platform().passed.size(); });
   }
 
   // Records the calls of a session in which nothing goes wrong.
@@ -113,9 +125,9 @@ class TortureTest : public ::testing::Test {
       countAllocations(0);
       expectAllWell(session(library, 0));
       isQhyReady_ = true;
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      FAIL() << breach.text;
+      FAIL() << violation.text;
     }
     // Only now the SDK is in the state in which all further sessions find it.
     startAnew();
@@ -124,7 +136,7 @@ class TortureTest : public ::testing::Test {
     session(library, 0);
     allocations_ = allocationCount();
     std::map<std::string, int> calls;
-    for (const char* function : sdkGate().lookups) {
+    for (const std::string& function : lookups_) {
       recorded_.push_back({function, ++calls[function]});
     }
     functions_ = static_cast<int>(calls.size());
@@ -149,9 +161,9 @@ class TortureTest : public ::testing::Test {
       repair(leftOpen);
       expectAllWell(session(library, 0));
       expectNothingOpen(0);
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      ADD_FAILURE() << breach.text;
+      ADD_FAILURE() << violation.text;
     }
     forgetEverything();
     EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
@@ -185,22 +197,55 @@ class TortureTest : public ::testing::Test {
       sdk_.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk_.log_enable(1);
-    sdkGate().reset();
+    library_->missing.clear();
+    failingLookup_ = 0;
+    lookups_.clear();
+    scripted::platform().passed.clear();
+    sdk_.takeLog();
   }
 
   CheckedLibrary checkedLibrary() {
     Surroundings surroundings;
-    surroundings.takeEvents = [] { return sdkGate().takeEvents(); };
+    surroundings.takeEvents = [this] { return takeEvents(); };
     surroundings.enter = [this] {
       hadFailed_ = hasAllocationFailed();
       enterLibrary();
     };
     surroundings.leave = [this]() -> std::optional<std::size_t> {
       leaveLibrary();
-      return !hadFailed_ && hasAllocationFailed() ? std::optional(sdkGate().eventsBeforeFailure)
+      return !hadFailed_ && hasAllocationFailed() ? std::optional(passedBeforeFailure)
                                                   : std::nullopt;
     };
     return {linked, Contract(world_, isQhyReady_), surroundings};
+  }
+
+  // What passed the platform layer and the SDK's log are one story: each look-up that found its
+  // function is followed by one call of it.
+  std::vector<Event> takeEvents() {
+    const std::vector<SdkCall> calls = parseLog(sdk_.takeLog());
+    std::size_t used = 0;
+    std::vector<Event> events;
+    for (const scripted::Passage& one : scripted::platform().passed) {
+      Event event;
+      if (one.isLoad) {
+        event.kind = Event::Kind::Load;
+        event.name = one.name.substr(one.name.rfind('/') + 1);
+        event.isLoaded = one.isFound;
+      } else if (!one.isFound) {
+        event.kind = Event::Kind::Missing;
+        event.name = one.name;
+      } else if (used < calls.size() && calls[used].function == one.name) {
+        event.call = calls[used++];
+      } else {
+        throw Violation{"looked up, but not called: " + one.name};
+      }
+      events.push_back(std::move(event));
+    }
+    if (used != calls.size()) {
+      throw Violation{"called without a look-up of its own: " + calls[used].function};
+    }
+    scripted::platform().passed.clear();
+    return events;
   }
 
   void inject(const Fault& fault) {
@@ -218,10 +263,10 @@ class TortureTest : public ::testing::Test {
         sdk_.forceOutput(function, "result", static_cast<double>(fault.result), fault.nth, 1);
         break;
       case Fault::Kind::Missing:
-        sdkGate().hidden = fault.function;
+        library_->missing = {fault.function};
         break;
       case Fault::Kind::MissingOnce:
-        sdkGate().hiddenLookup = static_cast<std::size_t>(fault.nth);
+        failingLookup_ = static_cast<std::size_t>(fault.nth);
         break;
       case Fault::Kind::Allocation:
         countAllocations(fault.nth);
@@ -236,8 +281,8 @@ class TortureTest : public ::testing::Test {
   void repair(int leftOpen) {
     countAllocations(0);
     sdk_.clear_faults();
-    sdkGate().hidden.clear();
-    sdkGate().hiddenLookup = 0;
+    library_->missing.clear();
+    failingLookup_ = 0;
     sdk_.set_plugged(0, 1);
     if (leftOpen > 0) {
       sdk_.setCameras({camera_});  // as if the camera had been plugged out and in again
@@ -256,7 +301,7 @@ class TortureTest : public ::testing::Test {
   Outcome session(CheckedLibrary& library, int leftOpen) {
     Outcome outcome;
     const auto note = [&] { messages_.insert(library.contract().error()); };
-    library.libraryDir(sdkGate().directory.c_str());
+    library.libraryDir(directory_.utf8().c_str());
     outcome.scanned = library.scan();
     note();
     expectNothingOpen(leftOpen);
@@ -266,7 +311,7 @@ class TortureTest : public ::testing::Test {
     OpenArguments arguments;
     arguments.width = camera_.width;
     arguments.height = camera_.height;
-    arguments.format = family_.format;
+    arguments.format = family_.richFormat;
     arguments.exposureUs = exposureUs;
     arguments.gain = 100;
     arguments.offset = 5;
@@ -345,11 +390,14 @@ class TortureTest : public ::testing::Test {
     return SimulatedSdk(directory_.file(family_.baseName));
   }
 
-  TorturedFamily family_;
+  SdkFamily family_;
   SimCamera camera_;
   SdkDirectory directory_;
   SimulatedSdk sdk_;
   bool isQhy_;
+  scripted::Library* library_ = nullptr;  // of the platform layer
+  std::vector<std::string> lookups_;      // all of a session
+  std::size_t failingLookup_ = 0;         // counted from 1; 0 for none
   World world_;
   std::vector<std::uint8_t> buffer_;
   std::vector<RecordedCall> recorded_;
@@ -364,7 +412,7 @@ class TortureTest : public ::testing::Test {
   std::set<std::string> messages_;
 };
 
-class Torture : public TortureTest, public ::testing::WithParamInterface<TorturedFamily> {
+class Torture : public TortureTest, public ::testing::WithParamInterface<SdkFamily> {
  protected:
   Torture() : TortureTest(GetParam()) {}
 
@@ -372,8 +420,7 @@ class Torture : public TortureTest, public ::testing::WithParamInterface<Torture
 
   // The codes by which a call of the function can fail.
   std::vector<std::int64_t> codesOf(const std::string& function) const {
-    const auto& handleCalls = family_.handleCalls;
-    if (std::find(handleCalls.begin(), handleCalls.end(), function) != handleCalls.end()) {
+    if (family_.givesHandle && function == family_.openCall) {
       return {0};
     }
     std::vector<std::int64_t> codes;
@@ -415,7 +462,7 @@ TEST_P(Torture, EveryLookupFindsNothing) {
   for (std::size_t k = 0; k < recorded_.size(); ++k) {
     ASSERT_TRUE(run({Fault::Kind::MissingOnce, recorded_[k].function, static_cast<int>(k + 1), 0}));
   }
-  EXPECT_EQ(report("vain look-ups"), static_cast<int>(recorded_.size()));
+  EXPECT_EQ(report("failed look-ups"), static_cast<int>(recorded_.size()));
   EXPECT_GE(failedScans_ + failedOpens_, 10);
 }
 
@@ -441,7 +488,7 @@ TEST_P(Torture, CameraIsUnpluggedBeforeEveryCall) {
 // QHYCCD's SDK is initialised once per process; until that has succeeded, each scan tries again.
 class TortureOfTheFirstScan : public TortureTest {
  protected:
-  TortureOfTheFirstScan() : TortureTest(torturedFamilies()[2]) {}
+  TortureOfTheFirstScan() : TortureTest(familyNamed("qhyccd")) {}
 
   // One run in which the initialisation does not succeed.
   void runWithout(const Fault& fault, const std::string& message) {
@@ -449,7 +496,7 @@ class TortureOfTheFirstScan : public TortureTest {
     inject(fault);
     try {
       CheckedLibrary library = checkedLibrary();
-      library.libraryDir(sdkGate().directory.c_str());
+      library.libraryDir(directory_.utf8().c_str());
       for (int scan = 0; scan < 2; ++scan) {
         EXPECT_EQ(library.scan(), 0);
         EXPECT_STREQ(::oc_error(), message.c_str());
@@ -458,9 +505,9 @@ class TortureOfTheFirstScan : public TortureTest {
       }
       expectNothingOpen(0);
       expectClosed(library);
-    } catch (const Breach& breach) {
+    } catch (const Violation& violation) {
       leaveLibrary();
-      ADD_FAILURE() << breach.text;
+      ADD_FAILURE() << violation.text;
     }
     forgetEverything();
     EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
@@ -485,21 +532,21 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   inject({Fault::Kind::Unplugged, function, 1, 0});
   try {
     CheckedLibrary library = checkedLibrary();
-    library.libraryDir(sdkGate().directory.c_str());
+    library.libraryDir(directory_.utf8().c_str());
     EXPECT_EQ(library.scan(), 0);
     EXPECT_STREQ(::oc_error(), "");
     sdk_.set_plugged(0, 1);
     expectAllWell(session(library, 0));
-  } catch (const Breach& breach) {
+  } catch (const Violation& violation) {
     leaveLibrary();
-    ADD_FAILURE() << breach.text;
+    ADD_FAILURE() << violation.text;
   }
 }
 
 // ToupTek's SDK has a second code for success.
 class TortureByRemarks : public TortureTest {
  protected:
-  TortureByRemarks() : TortureTest(torturedFamilies()[3]) {}
+  TortureByRemarks() : TortureTest(familyNamed("toupcam")) {}
 };
 
 TEST_F(TortureByRemarks, EveryCallSucceedsWithOne) {
@@ -516,7 +563,7 @@ TEST_F(TortureByRemarks, EveryCallSucceedsWithOne) {
   EXPECT_EQ(failedScans_, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sdks, Torture, ::testing::ValuesIn(torturedFamilies()),
+INSTANTIATE_TEST_SUITE_P(Sdks, Torture, ::testing::ValuesIn(sdkFamilies),
                          [](const auto& instance) { return std::string(instance.param.baseName); });
 
 }  // namespace

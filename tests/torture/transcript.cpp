@@ -38,7 +38,7 @@ const SdkCall& Transcript::call(const std::string& library, const std::string& f
   }
   if (event.kind != Event::Kind::Call || event.call.function != function ||
       event.call.inputs != joined(inputs)) {
-    throw Breach{"demanded " + demanded + ", found " + described(event)};
+    throw Violation{"demanded " + demanded + ", found " + described(event)};
   }
   return event.call;
 }
@@ -46,7 +46,7 @@ const SdkCall& Transcript::call(const std::string& library, const std::string& f
 bool Transcript::load(const std::string& library) {
   const Event& event = next("an attempt to load " + library);
   if (event.kind != Event::Kind::Load || event.name != library) {
-    throw Breach{"demanded an attempt to load " + library + ", found " + described(event)};
+    throw Violation{"demanded an attempt to load " + library + ", found " + described(event)};
   }
   return event.isLoaded;
 }
@@ -61,13 +61,13 @@ void Transcript::allocate() {
 
 void Transcript::expectEnd() const {
   if (position_ < events_.size()) {
-    throw Breach{"demanded nothing more, found " + described(events_[position_])};
+    throw Violation{"demanded nothing more, found " + described(events_[position_])};
   }
 }
 
 const Event& Transcript::next(const std::string& demanded) {
   if (position_ >= events_.size()) {
-    throw Breach{"demanded " + demanded + ", found nothing more"};
+    throw Violation{"demanded " + demanded + ", found nothing more"};
   }
   return events_[position_++];
 }

@@ -1,5 +1,5 @@
-// What one call of an export did to the outside: the libraries that it tried to load, the SDK
-// functions that it looked for in vain, the calls that it made. The contract reads it back.
+// What one call of an export did to the outside: the libraries that it tried to load, the failed
+// look-ups of SDK functions, the calls that it made. The contract reads it back.
 #pragma once
 
 #include <cstddef>
@@ -29,7 +29,7 @@ struct Event {
 
 /// What the library did is not what the contract says. Deliberately no std::exception: the
 /// contract's own handlers must let it pass.
-struct Breach {
+struct Violation {
   std::string text;
 };
 
@@ -47,7 +47,7 @@ class Transcript {
       : events_(std::move(events)), failure_(failure) {}
 
   /// The contract demands this call: its outputs and result. A function that was missing throws
-  /// std::runtime_error "<library>: missing <function>", any other event a Breach.
+  /// std::runtime_error "<library>: missing <function>", any other event a Violation.
   const SdkCall& call(const std::string& library, const std::string& function,
                       std::initializer_list<std::string> inputs);
 
@@ -60,7 +60,7 @@ class Transcript {
   /// Whether allocate() has thrown.
   bool hasFailed() const { return hasFailed_; }
 
-  /// Nothing happened that the contract did not demand; throws a Breach otherwise.
+  /// Nothing happened that the contract did not demand; throws a Violation otherwise.
   void expectEnd() const;
 
  private:

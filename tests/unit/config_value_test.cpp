@@ -5,7 +5,7 @@
 
 #include "api/state.hpp"
 #include "capture/capture.hpp"
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
 namespace orvane {
@@ -17,7 +17,7 @@ TEST(ConfigValue, AllEightBytesAreDefined) {
   scripted::platform() = {};
   state = LibraryState{};
   scripted::platform().libraries["sdk/PlayerOneCamera"].add(
-      "POASetConfig", +[](int, int, POAConfigValue value, int) {
+      POASetConfig, [](int, int, POAConfigValue value, int) {
         std::uint64_t bytes = 0;
         std::memcpy(&bytes, &value, sizeof bytes);
         sent.push_back(bytes);

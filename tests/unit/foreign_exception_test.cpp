@@ -7,8 +7,8 @@
 #include <stdexcept>
 
 #include "api/state.hpp"
+#include "doubles/scripted_asi_sdk.hpp"
 #include "orvane_desktop_camera.h"
-#include "support/scripted_asi_sdk.hpp"
 
 namespace orvane {
 namespace {
@@ -32,13 +32,11 @@ class ForeignException : public ::testing::Test {
 
 TEST_F(ForeignException, StandardOnesBecomeTheErrorText) {
   ASSERT_EQ(open(), 1);
-  sdk().add(
-      "ASIGetVideoData",
-      +[](int, unsigned char*, long, int) -> int { throw std::length_error("from the SDK"); });
+  sdk().add(ASIGetVideoData,
+            [](int, unsigned char*, long, int) -> int { throw std::length_error("from the SDK"); });
   EXPECT_EQ(oc_read(frame, sizeof frame, 0), -1);
   EXPECT_STREQ(oc_error(), "from the SDK");
-  sdk().add(
-      "ASISetControlValue", +[](int, int, long, int) -> int { throw std::bad_alloc(); });
+  sdk().add(ASISetControlValue, [](int, int, long, int) -> int { throw std::bad_alloc(); });
   EXPECT_EQ(oc_apply(1000, 1, 1), 0);
   EXPECT_STREQ(oc_error(), std::bad_alloc().what());
   EXPECT_EQ(open(), 0);
@@ -48,42 +46,36 @@ TEST_F(ForeignException, StandardOnesBecomeTheErrorText) {
 
 TEST_F(ForeignException, OthersLeaveReadApplyAndOpenWithoutAMessage) {
   ASSERT_EQ(open(), 1);
-  sdk().add(
-      "ASIGetVideoData", +[](int, unsigned char*, long, int) -> int { throw 7; });
+  sdk().add(ASIGetVideoData, [](int, unsigned char*, long, int) -> int { throw 7; });
   EXPECT_THROW(oc_read(frame, sizeof frame, 0), int);
-  sdk().add(
-      "ASISetControlValue", +[](int, int, long, int) -> int { throw 7; });
+  sdk().add(ASISetControlValue, [](int, int, long, int) -> int { throw 7; });
   EXPECT_THROW(oc_apply(1000, 1, 1), int);
   EXPECT_THROW(open(), int);
   EXPECT_STREQ(oc_error(), "");
 }
 
 TEST_F(ForeignException, HalfOpenCameraIsAskedForItsTemperatureAndClosedWithoutAStop) {
-  sdk().add(
-      "ASIStartVideoCapture", +[](int) -> int { throw 7; });
+  sdk().add(ASIStartVideoCapture, [](int) -> int { throw 7; });
   EXPECT_THROW(open(), int);
   EXPECT_EQ(state.active.openIndex, 0);
   EXPECT_FALSE(state.active.streaming);
   EXPECT_EQ(oc_temperature(), -10.5);
   EXPECT_EQ(oc_scan(), -1) << "a half-open camera is open";
-  scripted::platform().lookups.clear();
+  scripted::platform().passed.clear();
   oc_close();
-  EXPECT_EQ(scripted::platform().lookups, std::vector<std::string>{"ASICloseCamera"});
+  EXPECT_EQ(scripted::platform().lookups(), std::vector<std::string>{"ASICloseCamera"});
   EXPECT_EQ(state.active.openIndex, -1);
 }
 
 TEST_F(ForeignException, CloseAndTemperatureSwallowAll) {
   ASSERT_EQ(open(), 1);
-  sdk().add(
-      "ASIGetControlValue", +[](int, int, long*, int*) -> int { throw 7; });
+  sdk().add(ASIGetControlValue, [](int, int, long*, int*) -> int { throw 7; });
   EXPECT_TRUE(std::isnan(oc_temperature()));
-  sdk().add(
-      "ASIStopVideoCapture", +[](int) -> int { throw 7; });
-  sdk().add(
-      "ASICloseCamera", +[](int) -> int { throw std::runtime_error("x"); });
-  scripted::platform().lookups.clear();
+  sdk().add(ASIStopVideoCapture, [](int) -> int { throw 7; });
+  sdk().add(ASICloseCamera, [](int) -> int { throw std::runtime_error("x"); });
+  scripted::platform().passed.clear();
   oc_close();
-  EXPECT_EQ(scripted::platform().lookups,
+  EXPECT_EQ(scripted::platform().lookups(),
             (std::vector<std::string>{"ASIStopVideoCapture", "ASICloseCamera"}));
   EXPECT_STREQ(oc_error(), "");
   EXPECT_EQ(state.active.openIndex, -1);
@@ -91,21 +83,19 @@ TEST_F(ForeignException, CloseAndTemperatureSwallowAll) {
 }
 
 TEST_F(ForeignException, ScanKeepsTheMessageOfStandardOnesAndPassesOthers) {
-  sdk().add(
-      "ASIGetCameraProperty", +[](ASI_CAMERA_INFO*, int) -> int { throw std::logic_error("odd"); });
+  sdk().add(ASIGetCameraProperty,
+            [](ASI_CAMERA_INFO*, int) -> int { throw std::logic_error("odd"); });
   EXPECT_EQ(oc_scan(), 0);
   EXPECT_STREQ(oc_error(), "odd");
-  sdk().add(
-      "ASIGetCameraProperty", +[](ASI_CAMERA_INFO*, int) -> int { throw 7; });
+  sdk().add(ASIGetCameraProperty, [](ASI_CAMERA_INFO*, int) -> int { throw 7; });
   EXPECT_THROW(oc_scan(), int);
 }
 
 TEST_F(ForeignException, DiscoveryGuardSwallowsAllAndClosesTheCamera) {
-  sdk().add(
-      "ASIInitCamera", +[](int) -> int { throw 7; });
+  sdk().add(ASIInitCamera, [](int) -> int { throw 7; });
   EXPECT_EQ(oc_scan(), 1);
   EXPECT_STREQ(oc_error(), "");
-  EXPECT_EQ(scripted::platform().lookups.back(), "ASICloseCamera");
+  EXPECT_EQ(scripted::platform().lookups().back(), "ASICloseCamera");
 }
 
 }  // namespace

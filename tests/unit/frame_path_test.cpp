@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "api/state.hpp"
+#include "doubles/scripted_asi_sdk.hpp"
 #include "orvane_desktop_camera.h"
-#include "support/scripted_asi_sdk.hpp"
 
 namespace orvane {
 namespace {
@@ -21,14 +21,13 @@ TEST(FramePath, SdkWritesStraightIntoTheHostsBuffer) {
   state = LibraryState{};
   scripted::Library& sdk = scripted::platform().libraries["sdk/ASICamera2"];
   scripted::addWorkingAsiSdk(sdk);
-  sdk.add(
-      "ASIGetVideoData", +[](int cameraId, unsigned char* buffer, long length, int waitMs) {
-        lastCall = {cameraId, buffer, length, waitMs};
-        buffer[0] = 1;
-        buffer[1] = 2;
-        buffer[2] = 3;
-        return 0;
-      });
+  sdk.add(ASIGetVideoData, [](int cameraId, unsigned char* buffer, long length, int waitMs) {
+    lastCall = {cameraId, buffer, length, waitMs};
+    buffer[0] = 1;
+    buffer[1] = 2;
+    buffer[2] = 3;
+    return 0;
+  });
   oc_library_dir("sdk");
   ASSERT_EQ(oc_scan(), 1);
   ASSERT_EQ(oc_open(0, 64, 48, 1, 0, 1000, 1, 1), 1);

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "api/state.hpp"
+#include "doubles/scripted_asi_sdk.hpp"
 #include "orvane_desktop_camera.h"
-#include "support/scripted_asi_sdk.hpp"
 
 namespace orvane {
 namespace {
@@ -67,7 +67,7 @@ TEST_F(MissingAsiFunction, DiscoveryIsSilentForTheFunctionsInsideTheGuard) {
     EXPECT_EQ(error(), "");
     EXPECT_EQ(state.catalogue[0].maxGain, 0);
     EXPECT_EQ(state.catalogue[0].maxExposureUs, 0);
-    EXPECT_EQ(scripted::platform().lookups.back(), "ASICloseCamera");
+    EXPECT_EQ(scripted::platform().lookups().back(), "ASICloseCamera");
   }
 }
 
@@ -78,14 +78,15 @@ TEST_F(MissingAsiFunction, OpenFailsWithTheMessageAndClosesWhatIsOpen) {
     SetUp();
     ASSERT_EQ(oc_scan(), 1);
     remove(function);
-    scripted::platform().lookups.clear();
+    scripted::platform().passed.clear();
     EXPECT_EQ(open(), 0) << function;
     EXPECT_EQ(error(), std::string("ASICamera2: missing ") + function);
     EXPECT_EQ(state.active.openIndex, -1);
     EXPECT_FALSE(state.active.streaming);
     EXPECT_EQ(oc_buffer_size(), 0);
     const bool wasOpened = std::string(function) != "ASIOpenCamera";
-    EXPECT_EQ(scripted::platform().lookups.back(), wasOpened ? "ASICloseCamera" : "ASIOpenCamera");
+    EXPECT_EQ(scripted::platform().lookups().back(),
+              wasOpened ? "ASICloseCamera" : "ASIOpenCamera");
   }
 }
 
@@ -121,9 +122,9 @@ TEST_F(MissingAsiFunction, CloseResetsTheStateWhateverIsMissing) {
     ASSERT_EQ(oc_scan(), 1);
     ASSERT_EQ(open(), 1);
     remove(function);
-    scripted::platform().lookups.clear();
+    scripted::platform().passed.clear();
     oc_close();
-    EXPECT_EQ(scripted::platform().lookups,
+    EXPECT_EQ(scripted::platform().lookups(),
               (std::vector<std::string>{"ASIStopVideoCapture", "ASICloseCamera"}));
     EXPECT_EQ(error(), "");
     EXPECT_EQ(state.active.openIndex, -1);
@@ -134,11 +135,11 @@ TEST_F(MissingAsiFunction, CloseResetsTheStateWhateverIsMissing) {
 TEST_F(MissingAsiFunction, EveryCallLooksItsFunctionUpAfresh) {
   ASSERT_EQ(oc_scan(), 1);
   ASSERT_EQ(open(), 1);
-  scripted::platform().lookups.clear();
+  scripted::platform().passed.clear();
   for (int i = 0; i < 3; ++i) {
     EXPECT_GT(oc_read(frame, sizeof frame, 0), 0);
   }
-  EXPECT_EQ(scripted::platform().lookups, std::vector<std::string>(3, "ASIGetVideoData"));
+  EXPECT_EQ(scripted::platform().lookups(), std::vector<std::string>(3, "ASIGetVideoData"));
 }
 
 }  // namespace

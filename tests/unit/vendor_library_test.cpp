@@ -6,7 +6,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "support/scripted_platform.hpp"
+#include "doubles/scripted_platform.hpp"
 
 namespace orvane {
 namespace {
@@ -43,14 +43,14 @@ TEST_F(VendorLibraryTest, LoadsFromTheDirectoryAndKeepsTheBaseName) {
   loadVendorLibrary(library, "qhyccd", "dir");
   EXPECT_NE(library.module, nullptr);
   EXPECT_EQ(library.name, "qhyccd");
-  EXPECT_EQ(script.loads, std::vector<std::string>{"dir/qhyccd"});
+  EXPECT_EQ(script.loads(), std::vector<std::string>{"dir/qhyccd"});
 }
 
 TEST_F(VendorLibraryTest, ALoadedLibraryIsNotLoadedAgainEvenFromAnotherDirectory) {
   script.libraries["dir/qhyccd"];
   loadVendorLibrary(library, "qhyccd", "dir");
   loadVendorLibrary(library, "qhyccd", "elsewhere");
-  EXPECT_EQ(script.loads.size(), 1U);
+  EXPECT_EQ(script.loads().size(), 1U);
 }
 
 TEST_F(VendorLibraryTest, AFailedLoadIsSilentAndTriedAgainWithTheDirectoryOfThen) {
@@ -60,7 +60,7 @@ TEST_F(VendorLibraryTest, AFailedLoadIsSilentAndTriedAgainWithTheDirectoryOfThen
   script.libraries["elsewhere/qhyccd"];
   loadVendorLibrary(library, "qhyccd", "elsewhere");
   EXPECT_NE(library.module, nullptr);
-  EXPECT_EQ(script.loads, (std::vector<std::string>{"dir/qhyccd", "elsewhere/qhyccd"}));
+  EXPECT_EQ(script.loads(), (std::vector<std::string>{"dir/qhyccd", "elsewhere/qhyccd"}));
 }
 
 TEST_F(VendorLibraryTest, ResolveSymbolFindsAFunctionAfreshEveryTime) {
@@ -69,7 +69,7 @@ TEST_F(VendorLibraryTest, ResolveSymbolFindsAFunctionAfreshEveryTime) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(reinterpret_cast<int (*)()>(resolveSymbol(library, "answer"))(), 42);
   }
-  EXPECT_EQ(script.lookups.size(), 3U);
+  EXPECT_EQ(script.lookups().size(), 3U);
 }
 
 TEST_F(VendorLibraryTest, ResolveSymbolReportsAMissingFunction) {
@@ -82,7 +82,7 @@ TEST_F(VendorLibraryTest, ResolveSymbolReportsAMissingFunction) {
 TEST_F(VendorLibraryTest, ResolveSymbolReportsAnUnloadedLibraryInTheSameForm) {
   loadVendorLibrary(library, "qhyccd", "dir");
   EXPECT_EQ(messageOf([&] { resolveSymbol(library, "ScanQHYCCD"); }), "qhyccd: missing ScanQHYCCD");
-  EXPECT_TRUE(script.lookups.empty());
+  EXPECT_TRUE(script.lookups().empty());
 }
 
 TEST_F(VendorLibraryTest, ResolveSymbolOnARecordNeverTriedHasNoName) {

@@ -12,8 +12,8 @@
 #include "live_view/live_session.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
-#include "support/sdk_directory.hpp"
-#include "support/simulated_sdk.hpp"
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

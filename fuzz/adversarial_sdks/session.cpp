@@ -1,0 +1,260 @@
+// One run of the library against adversarial SDKs: what a host may do, in any order, and what must
+// hold after each step.
+#include "adversarial_sdks/session.hpp"
+
+#include <cstring>
+#include <iterator>
+#include <memory>
+
+#include "adversarial_sdks/adversary.hpp"
+#include "api/state.hpp"
+#include "orvane_desktop_camera.h"
+
+namespace orvane::fuzz {
+
+namespace {
+
+// Frames beyond this are not read: writing them costs more than it shows.
+constexpr int largestFrame = 1 << 20;
+constexpr int maxSteps = 100;
+
+void require(bool holds, const char* rule) {
+  adversary().require(holds, rule);
+}
+
+void checkText(const char* text, const char* function) {
+  adversary().require(text != nullptr, "null text", function);
+  if (text != nullptr) {
+    // Reading to the end finds a text that has none.
+    adversary().require(std::strlen(text) < (std::size_t{1} << 24U), "text without an end",
+                        function);
+  }
+}
+
+void checkDescription(int index) {
+  const char* const text = oc_info(index);
+  checkText(text, "oc_info");
+  const std::string description = text;
+  const bool exists = index >= 0 && index < static_cast<int>(state.catalogue.size());
+  require((description == "{}") != exists, "description of a camera that is not there");
+  require(description.front() == '{' && description.back() == '}', "description that is no object");
+  for (const char byte : description) {
+    require(static_cast<unsigned char>(byte) >= 0x20, "description with control characters");
+  }
+}
+
+// What holds after every call.
+void checkState() {
+  const ActiveCamera& camera = state.active;
+  checkText(oc_error(), "oc_error");
+  checkText(oc_libraries(), "oc_libraries");
+  require(oc_width() == camera.width && oc_height() == camera.height, "sizes are the state's");
+  const int size = oc_buffer_size();
+  if (camera.openIndex < 0) {
+    require(!camera.streaming && camera.handle == nullptr && size == 0, "closed is not closed");
+    require(adversary().openDevices() == 0, "a device stays open");
+  } else {
+    require(camera.streaming, "open and not streaming");
+    require(size >= 1 && size <= 1 << 30, "buffer size out of range");
+    require(adversary().openDevices() <= 1, "two devices are open");
+  }
+  require(adversary().runningStreams() <= 1, "two streams run");
+}
+
+void checkFailed(const char* rule) {
+  require(oc_error()[0] != '\0', rule);
+}
+
+void scan() {
+  const bool wasOpen = state.active.openIndex >= 0;
+  const int count = oc_scan();
+  if (wasOpen) {
+    require(count == -1, "scan while a camera is open");
+    checkFailed("refused scan without a message");
+    return;
+  }
+  require(count == static_cast<int>(state.catalogue.size()), "count is not the catalogue's size");
+  checkDescription(-1);
+  checkDescription(count);
+  for (int i = 0; i < std::min(count, 16); ++i) {
+    checkDescription(i);
+  }
+}
+
+void open(int index, int width, int height, int bin, int format, std::int64_t exposureUs, int gain,
+          int offset) {
+  const int opened = oc_open(index, width, height, bin, format, exposureUs, gain, offset);
+  require(opened == 0 || opened == 1, "result of oc_open");
+  require((opened == 1) == (state.active.openIndex >= 0), "open against its result");
+  if (opened == 0) {
+    checkFailed("failed open without a message");
+  } else {
+    require(state.active.openIndex == index, "another camera was opened");
+  }
+}
+
+std::int64_t anyExposure() {
+  Input& input = adversary().input;
+  return adversary().isSound() ? 1 + input.byte() * 1000
+                               : static_cast<std::int64_t>(input.longWord());
+}
+
+void openAnything() {
+  Input& input = adversary().input;
+  const int index = input.number();
+  const int width = input.number();
+  const int height = input.number();
+  const int bin = input.number();
+  const int format = input.number();
+  const std::int64_t exposureUs = anyExposure();
+  const int gain = input.number();
+  open(index, width, height, bin, format, exposureUs, gain, input.number());
+}
+
+// Something that the description of a camera offers.
+void openOffered() {
+  Input& input = adversary().input;
+  if (state.catalogue.empty()) {
+    open(0, 1, 1, 1, 0, 1, 0, 0);
+    return;
+  }
+  const auto index = input.byte() % state.catalogue.size();
+  const CameraInfo& camera = state.catalogue[index];
+  const auto pick = [&](const std::vector<std::int32_t>& list) {
+    return list.empty() ? 0 : list[input.byte() % list.size()];
+  };
+  const int bin = pick(camera.bins);
+  const int format = pick(camera.formats);
+  const int width = adversary().isSound() ? camera.maxWidth : input.number();
+  const int height = adversary().isSound() ? camera.maxHeight : input.number();
+  const std::int64_t exposureUs = anyExposure();
+  open(static_cast<int>(index), width, height, bin, format, exposureUs, input.number(),
+       input.number());
+}
+
+void read() {
+  Input& input = adversary().input;
+  const int size = oc_buffer_size();
+  if (size > largestFrame) {
+    return;
+  }
+  // Exactly as large as it must be, now and then a little larger.
+  const int length = size + (adversary().isSound() ? 0 : input.byte());
+  const auto buffer = std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(length));
+  const int result = oc_read(buffer.get(), length, input.number());
+  require(result >= -1 && result <= size, "result of oc_read");
+  if (result < 0) {
+    checkFailed("failed read without a message");
+  }
+  require(size > 0 || result == -1, "frame of no camera");
+}
+
+void readWithABadBuffer() {
+  const int size = oc_buffer_size();
+  std::uint8_t byte = 0;
+  require(oc_read(nullptr, size, 0) == -1, "read into nowhere");
+  if (size > 0) {
+    require(oc_read(&byte, size - 1, 0) == -1, "read into a short buffer");
+  }
+  require(oc_read(&byte, -1, 0) == -1, "read into a buffer of negative length");
+  require(byte == 0, "refused read wrote");
+}
+
+void apply() {
+  Input& input = adversary().input;
+  const bool isOpen = state.active.streaming;
+  const std::int64_t exposureUs = anyExposure();
+  const int gain = input.number();
+  const int applied = oc_apply(exposureUs, gain, input.number());
+  require(applied == 0 || (applied == 1 && isOpen), "result of oc_apply");
+  if (applied == 0) {
+    checkFailed("failed apply without a message");
+  }
+}
+
+void setDirectory() {
+  constexpr const char* directories[] = {"sdk", "", "\xff\xfe", "C:", nullptr};
+  oc_library_dir(directories[adversary().input.byte() % std::size(directories)]);
+}
+
+// An SDK loses a function, or gets all of them back.
+void changeFunctions() {
+  Input& input = adversary().input;
+  Sdk& sdk = adversary().sdks[input.byte() % vendorCount];
+  const std::uint8_t choice = input.byte();
+  if (choice % 4 == 0) {
+    sdk.library->missing.clear();
+    return;
+  }
+  const auto& functions = sdk.library->functions;
+  const auto offset = static_cast<std::ptrdiff_t>(choice % functions.size());
+  sdk.library->missing.insert(std::next(functions.begin(), offset)->first);
+}
+
+void step() {
+  switch (adversary().input.byte() % 24) {
+    case 0:
+    case 1:
+      return scan();
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+      return openOffered();
+    case 7:
+      return openAnything();
+    case 8:
+    case 9:
+    case 10:
+    case 11:
+      return read();
+    case 12:
+      return readWithABadBuffer();
+    case 13:
+    case 14:
+      return apply();
+    case 15:
+    case 16:
+      static_cast<void>(oc_temperature());
+      return;
+    case 17:
+    case 18:
+      return oc_close();
+    case 19:
+      return checkDescription(adversary().input.number());
+    case 20:
+      return setDirectory();
+    case 21:
+    case 22:
+      return changeFunctions();
+    default:
+      adversary().sdks[adversary().input.byte() % vendorCount].library->canLoad ^= true;
+      return;
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> runSession(std::span<const std::uint8_t> bytes) {
+  adversary().begin(bytes);
+  state = LibraryState{};
+  const std::uint8_t setting = adversary().input.byte();
+  for (std::size_t i = 0; i < vendorCount; ++i) {
+    adversary().sdks[i].library->canLoad = (setting >> i & 1U) == 0;
+  }
+  adversary().qhyResourceResult = (setting & 0x10U) != 0 ? 0xFFFFFFFF : 0;
+
+  scan();
+  checkState();
+  for (int i = 0; i < maxSteps && !adversary().input.empty(); ++i) {
+    step();
+    checkState();
+  }
+  oc_close();
+  checkState();
+  require(state.active.openIndex == -1, "close left the camera open");
+  return adversary().violations;
+}
+
+}  // namespace orvane::fuzz

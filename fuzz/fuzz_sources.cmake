@@ -1,0 +1,34 @@
+# What the fuzzers and the replay of their corpus are made of.
+
+# The library against adversarial SDKs: one run, without a program.
+orvane_family_files(families adversarial_sdks/ .cpp)
+set(ORVANE_ADVERSARIAL_SOURCES
+  adversarial_sdks/adversary.cpp
+  adversarial_sdks/session.cpp
+  ${families})
+list(TRANSFORM ORVANE_ADVERSARIAL_SOURCES PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
+list(APPEND ORVANE_ADVERSARIAL_SOURCES ${PROJECT_SOURCE_DIR}/tests/doubles/scripted_platform.cpp)
+set(ORVANE_FUZZ_INCLUDES
+  ${CMAKE_CURRENT_LIST_DIR}
+  ${PROJECT_SOURCE_DIR}/include
+  ${PROJECT_SOURCE_DIR}/src
+  ${PROJECT_SOURCE_DIR}/tests)
+
+# orvane_fuzz_json: the header of the JSON parser that descriptions are read back with. It lies in a
+# system directory, which must not become an include directory of a build for another system, so a
+# directory with nothing but a link to it does.
+
+if(NOT TARGET orvane_fuzz_json)
+  find_path(ORVANE_NLOHMANN_JSON_DIR nlohmann/json.hpp
+    PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH
+    DOC "Directory with nlohmann/json.hpp")
+  if(NOT ORVANE_NLOHMANN_JSON_DIR)
+    message(FATAL_ERROR "ORVANE_NLOHMANN_JSON_DIR is not set: install nlohmann-json3-dev.")
+  endif()
+  set(directory ${PROJECT_BINARY_DIR}/fuzz-headers)
+  file(MAKE_DIRECTORY ${directory})
+  file(CREATE_LINK ${ORVANE_NLOHMANN_JSON_DIR}/nlohmann ${directory}/nlohmann
+    COPY_ON_ERROR SYMBOLIC)
+  add_library(orvane_fuzz_json INTERFACE)
+  target_include_directories(orvane_fuzz_json SYSTEM INTERFACE ${directory})
+endif()

@@ -1,0 +1,53 @@
+// The makers' SDKs as the tests need to know them.
+#include "doubles/sdk_families.hpp"
+
+#include <cstring>
+#include <stdexcept>
+
+#include "sdk_check/sdk_functions.hpp"
+
+namespace orvane::testing {
+
+std::string joinedSdkNames() {
+  std::string names;
+  for (const char* name : sdkNames) {
+    names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  return names;
+}
+
+const std::vector<std::string>& functionsOf(const std::string& baseName) {
+  for (const host::Sdk& sdk : host::allSdks()) {
+    if (sdk.baseName == baseName) {
+      return sdk.functions;
+    }
+  }
+  throw std::runtime_error("no SDK " + baseName);
+}
+
+SimCamera torturedCamera(const SdkFamily& family) {
+  SimCamera camera{};
+  std::strcpy(camera.name, "a camera with a rather long name");
+  std::strcpy(camera.key, "a-camera-with-a-rather-long-key-0123456789");
+  camera.id = 7;
+  camera.width = 16;
+  camera.height = 96;
+  camera.pixelSizeUm = 3.75;
+  camera.bitDepth = 12;
+  camera.isColor = 1;
+  camera.mosaic = family.rggb;
+  camera.isUsb3Camera = 1;
+  camera.isUsb3Host = 1;
+  const std::int32_t bins[] = {1, 2, 3, 4};
+  std::memcpy(camera.bins, bins, sizeof bins);
+  const std::int32_t formats[8] = {0, 1, 2, 3, -1, -1, -1, -1};
+  std::memcpy(camera.formats, formats, sizeof formats);
+  camera.gainMax = 1000;
+  camera.exposureMinUs = 32;
+  camera.exposureMaxUs = 1e9;
+  camera.offsetMax = 20;
+  camera.hasTemperature = 1;
+  return camera;
+}
+
+}  // namespace orvane::testing

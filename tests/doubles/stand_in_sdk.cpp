@@ -1,0 +1,27 @@
+// A stand-in for ZWO's SDK that needs a second library, and that can refuse to be loaded. It
+// reports one camera and then fails with a number that only the second library knows.
+#include <cstdlib>
+
+#include "doubles/sdk_dependency.hpp"
+
+#if defined(_WIN32)
+#  include <windows.h>
+#  define ORVANE_STAND_IN_EXPORT extern "C" __declspec(dllexport)
+#else
+#  define ORVANE_STAND_IN_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+ORVANE_STAND_IN_EXPORT int ASIGetNumOfConnectedCameras() {
+  return 1;
+}
+
+ORVANE_STAND_IN_EXPORT int ASIGetCameraProperty(void* /*info*/, int /*index*/) {
+  return numberOfTheDependency();
+}
+
+#if defined(_WIN32)
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID /*reserved*/) {
+  const bool refuses = GetEnvironmentVariableW(L"ORVANE_STAND_IN_REFUSES", nullptr, 0) != 0;
+  return reason != DLL_PROCESS_ATTACH || !refuses ? TRUE : FALSE;
+}
+#endif

@@ -1,6 +1,0 @@
-// The library that the stand-in SDK needs.
-#include "sdk_dependency.hpp"
-
-int numberOfTheDependency() {
-  return 4711;
-}

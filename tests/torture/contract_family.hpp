@@ -1,0 +1,179 @@
+// What the contract has to know of a camera family: one row each, at the end of
+// contract_<family>.cpp. Nothing here comes from the library.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "doubles/sdk_families.hpp"
+#include "torture/transcript.hpp"
+
+namespace orvane::testing {
+
+/// The formats as hosts name them.
+enum HostFormat : int { hostRaw8 = 0, hostRaw16 = 1, hostRgb24 = 2 };
+
+/// The Bayer patterns as hosts name them.
+enum HostBayer : int {
+  hostNoBayer = 0,
+  hostRggb = 8,
+  hostGrbg = 9,
+  hostGbrg = 10,
+  hostBggr = 11,
+};
+
+/// A camera of the catalogue.
+struct ContractCamera {
+  std::size_t family = 0;
+  std::string id;  ///< as the log writes what names the camera in calls: a number or quoted text
+  std::string name;
+  int maxWidth = 0;
+  int maxHeight = 0;
+  int bitDepth = 8;
+  double pixelSizeUm = 0;
+  bool isColor = false;
+  bool isCooled = false;
+  bool isUsb3Camera = false;
+  bool isUsb3Host = false;
+  std::vector<int> bins{1};
+  std::vector<int> formats{hostRaw8};
+  std::int64_t maxExposureUs = 0;
+  int minGain = 0;
+  int maxGain = 0;
+  int bayer = hostNoBayer;
+};
+
+/// The open camera, or the last one.
+struct ContractActive {
+  int openIndex = -1;
+  bool isStreaming = false;
+  ContractCamera camera;
+  int width = 0;
+  int height = 0;
+  int format = hostRaw8;
+  int bufferSize = 0;
+  std::string device;  ///< as the log writes it: the id, or the handle
+
+  std::string widthText() const { return std::to_string(width); }
+  std::string heightText() const { return std::to_string(height); }
+  int bits() const { return format == hostRaw16 ? 16 : 8; }
+  /// Takes over the size that a call has reported.
+  void takeSizeFrom(const SdkCall& size) {
+    width = static_cast<int>(size.number(0, width));
+    height = static_cast<int>(size.number(1, height));
+  }
+};
+
+struct FamilyContract;
+
+/// The calls into one SDK, demanded in turn.
+class SdkCalls {
+ public:
+  using Inputs = std::initializer_list<std::string>;
+
+  SdkCalls(const FamilyContract& family, Transcript& did) : family_(family), did_(did) {}
+
+  /// A call of this function with these inputs, whatever its result.
+  const SdkCall& ask(const std::string& function, Inputs inputs);
+  /// The same where the library may allocate before the call.
+  const SdkCall& askFreely(const std::string& function, Inputs inputs);
+  /// The same where a failed result ends what was being done, under the function's name or a label.
+  const SdkCall& demand(const std::string& function, Inputs inputs) {
+    return demandAs(function, function, inputs);
+  }
+  const SdkCall& demandAs(const std::string& label, const std::string& function, Inputs inputs);
+
+  bool hasFailed(const SdkCall& call) const;
+  /// Throws where the call has failed.
+  const SdkCall& checked(const SdkCall& call, const std::string& label) const;
+
+  /// What the library itself refuses; there may be no memory for its words.
+  [[noreturn]] void refuse(const char* message);
+  void allocate() { did_.allocate(); }
+
+  /// Runs the body and closes the device, also where the body throws.
+  template <class Body>
+  void closingAfterwards(const std::string& device, Body body) {
+    try {
+      body();
+    } catch (const std::exception&) {
+      close(device);
+      throw;
+    }
+    close(device);
+  }
+  void close(const std::string& device);
+
+ private:
+  const FamilyContract& family_;
+  Transcript& did_;
+};
+
+/// The discovery of an SDK's cameras.
+struct Discovery {
+  const std::vector<SimCamera>& models;  ///< the cameras that the simulated SDK can show
+  bool& isInitialised;                   ///< of an SDK that is initialised once in a process
+  std::vector<ContractCamera>& catalogue;
+  std::size_t family;
+
+  /// The camera of this name, with everything that the SDKs report as the simulator was told.
+  ContractCamera cameraNamed(const std::string& name) const;
+  const SimCamera& modelNamed(const std::string& name) const;
+  /// Lists a camera.
+  void add(SdkCalls& calls, const ContractCamera& camera) const;
+};
+
+/// One family. Every function throws where the library has to report a failure.
+struct FamilyContract {
+  const SdkFamily& sdk;
+  const char* stopCall;
+  bool (*isFailure)(std::int64_t code);
+  int widthStep;
+  int heightStep;
+
+  void (*discover)(SdkCalls& calls, const Discovery& discovery);
+  /// Returns the frame memory that the SDK asks for; 0 where it asks for none.
+  std::int64_t (*configure)(SdkCalls& calls, ContractActive& active, int bin);
+  void (*start)(SdkCalls& calls, const std::string& device);
+  /// Returns whether there was a frame.
+  bool (*read)(SdkCalls& calls, const ContractActive& active, const std::string& bufferLength,
+               const std::string& timeoutMs);
+  void (*apply)(SdkCalls& calls, const std::string& device, std::int64_t exposureUs, int gain,
+                int offset);
+  double (*temperature)(SdkCalls& calls, const std::string& device);
+};
+
+/// Failures in here cost what is in here, and nobody hears of them.
+template <class Body>
+void swallowing(Body body) {
+  try {
+    body();
+  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): that is the purpose
+  }
+}
+
+/// Any code but 0 is a failure.
+constexpr bool isNotZero(std::int64_t code) {
+  return code != 0;
+}
+
+/// The text of a simulated camera's field.
+std::string textOf(const char (&field)[256]);
+
+/// The numbers before `end`, `most` at most.
+template <std::size_t size>
+std::vector<int> listOf(const std::int32_t (&numbers)[size], int end, std::size_t most) {
+  std::vector<int> list;
+  for (std::size_t i = 0; i < size && i < most && numbers[i] != end; ++i) {
+    list.push_back(numbers[i]);
+  }
+  return list;
+}
+
+/// The Bayer pattern of the SDKs that number them RGGB, BGGR, GRBG, GBRG.
+int bayerOfNumber(int number);
+
+}  // namespace orvane::testing
