@@ -67,9 +67,9 @@ void examine(void* handle, CameraInfo& camera) {
   camera.pixelSizeUm = pixelWidthUm;
 
   constexpr BayerCode codes[] = {BayerNone, BayerGbrg, BayerGrbg, BayerBggr, BayerRggb};
-  const std::uint32_t mosaic = IsQHYCCDControlAvailable(handle, CAM_COLOR);
-  camera.isColor = mosaic >= 1 && mosaic < std::size(codes);
-  camera.bayer = camera.isColor ? codes[mosaic] : BayerNone;
+  const std::uint32_t pattern = IsQHYCCDControlAvailable(handle, CAM_COLOR);
+  camera.isColor = pattern >= 1 && pattern < std::size(codes);
+  camera.bayer = camera.isColor ? codes[pattern] : BayerNone;
   camera.isCooled = IsQHYCCDControlAvailable(handle, CONTROL_COOLER) == QHYCCD_SUCCESS;
   if (IsQHYCCDControlAvailable(handle, CAM_16BITS) == QHYCCD_SUCCESS) {
     camera.formats.push_back(Raw16);
