@@ -1,12 +1,12 @@
-// What a call of the library costs beside the SDK's own: oc_read, oc_apply and oc_temperature with
-// SDKs whose functions return at once, against the floor, which is the same look-ups by name and
-// the same calls and nothing else.
+// The cost of the library's own part of oc_read, oc_apply and oc_temperature. The SDKs' functions
+// return at once. The library is compared with the floor: the same look-ups by name and the same
+// calls, and nothing else.
 //
 //     call_overhead LIBRARY_FILE INSTANT_SDK_DIRECTORY
 //
-// Both contenders run in one process in random order, many short rounds each; what counts is the
-// ratio of their medians. Prints a row for each call: SDK, call, nanoseconds of the library, of the
-// floor, ratio. call_overhead.py runs it several times.
+// Both contenders run in one process in random order, in many short rounds. The result is the ratio
+// of their medians. Prints a row for each call: SDK, call, nanoseconds of the library, nanoseconds
+// of the floor, ratio. call_overhead.py runs it several times.
 #include <cstdio>
 #include <functional>
 #include <stdexcept>
@@ -24,7 +24,7 @@ constexpr int rounds = 101;
 constexpr int callsInRound = 2000;
 
 std::uint8_t frame[64 * 48];
-int camera[1];  // stands for any handle: the instant SDKs look at none
+int camera[1];  // used as every handle: the instant SDKs ignore handles
 
 using benchmarks::LibraryByName;
 

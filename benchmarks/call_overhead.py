@@ -1,10 +1,10 @@
-"""What a call of the library costs beside the SDK's own, from several runs of call_overhead.
+"""The cost of the library's own part of a call, from several runs of call_overhead.
 
-    call_overhead.py COMMAND...      call_overhead with its arguments, and what runs it before them
+    call_overhead.py COMMAND...      call_overhead with its arguments, with its launcher before it if it needs one
 
-Where the system puts a library in memory is left to chance, and some places cost half a call more: so
-one process says little. Prints the medians over the processes; status 1 when oc_read costs more than
-1.10 of its floor.
+The address at which the system loads a library is random, and at some addresses a call takes half as long
+again. So the result of one process is not enough. Prints the medians over the processes. The exit status is
+1 if oc_read costs more than 1.10 of its floor.
 """
 import statistics
 import subprocess

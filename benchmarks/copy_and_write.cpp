@@ -1,5 +1,5 @@
-// What recording costs at least: frames, copied into a buffer and written to a file, in a plain
-// loop.
+// The lower bound of the cost of recording: a plain loop that copies frames into a buffer and
+// writes them to a file.
 //
 //     copy_and_write FILE FRAME_BYTES FRAMES
 //

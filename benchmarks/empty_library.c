@@ -1,4 +1,4 @@
-// A library with nothing in it: what loading costs at least.
+// An empty library: the lower bound of the cost of loading.
 
 int orvane_empty_library(void);
 

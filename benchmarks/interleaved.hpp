@@ -1,4 +1,4 @@
-// Timing two contenders side by side: in one process, in random order, many short rounds each.
+// Measures two contenders side by side: in one process, in random order, in many short rounds.
 #pragma once
 
 #include <algorithm>
@@ -29,8 +29,8 @@ inline double nanosecondsOf(const std::function<void()>& round) {
   return spent.count();
 }
 
-/// Runs both `rounds` times. Which one comes first in a round is left to chance, so that neither
-/// gains by what the other leaves in the caches.
+/// Runs both `rounds` times. The order in a round is random, so that neither contender always
+/// profits from what the other leaves in the caches.
 inline Medians timeSideBySide(int rounds, const std::function<void()>& ours,
                               const std::function<void()>& floor) {
   static std::minstd_rand random(1);

@@ -1,4 +1,4 @@
-// A shared library whose functions are found by name, as the library itself finds its SDKs'.
+// A shared library whose functions are looked up by name, as the library looks up those of an SDK.
 #pragma once
 
 #include <filesystem>
@@ -9,12 +9,12 @@
 
 namespace orvane::benchmarks {
 
-/// With drive and all: Windows searches a library's directory only when its path is full.
+/// The full path. Windows searches a library's own directory only if the path is full.
 inline std::filesystem::path fullPath(const std::string& path) {
   return std::filesystem::absolute(path).make_preferred();
 }
 
-/// Stays loaded.
+/// The library stays loaded.
 struct LibraryByName {
   explicit LibraryByName(const platform::NativeString& file) : module(platform::loadLibrary(file)) {
     if (module == nullptr) {

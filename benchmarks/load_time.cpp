@@ -1,4 +1,4 @@
-// How long it takes to load the library and let it go again, against a library with nothing in it.
+// The time that loading and unloading the library takes, compared with an empty library.
 //
 //     load_time LIBRARY_FILE EMPTY_LIBRARY_FILE
 #include <cstdio>

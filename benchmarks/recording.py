@@ -1,11 +1,12 @@
-"""How fast oc_capture records, against a plain loop of copy and write of the same sizes.
+"""The speed of recording with oc_capture, compared with a plain loop of copy and write of the same sizes.
 
 usage: recording.py OC_CAPTURE INSTANT_SDK_DIRECTORY COPY_AND_WRITE MEMORY_DIRECTORY DISK_DIRECTORY
 
-The camera's frames are prepared beforehand, so that delivering one is a copy; it delivers whenever it is
-asked, whatever the exposure, and what finds no room in the recorder's memory is dropped. What counts is the time from
-the first poll until the last frame is in the file. Both contenders run in turn, in random order, and the
-medians are compared. The exit status is 1 when recording into memory is slower than GATE times the loop.
+The camera's frames are prepared in advance, so that delivering one is only a copy. The camera delivers a
+frame at every poll, whatever the exposure. The recorder drops frames when its memory is full. The measured
+time is that from the first poll until the last frame is in the file. The contenders run one after the other
+in random order, and the medians are compared. The exit status is 1 if recording into memory is slower than
+GATE times the loop.
 """
 
 import json
@@ -57,7 +58,7 @@ def measure(program, sdk, loop, directory, pixel_format, frames):
     try:
         for _ in range(ROUNDS):
             for contender in random.sample(list(speeds), 2):
-                file.unlink(missing_ok=True)  # writing anew, not over what is there
+                file.unlink(missing_ok=True)  # measure writing a new file, not overwriting one
                 if contender == "loop":
                     text, _ = run([loop, str(file), str(frame_bytes), str(frames)])
                     speeds["loop"].append(float(text))

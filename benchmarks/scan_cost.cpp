@@ -1,10 +1,10 @@
-// What oc_scan costs for each camera beside the SDK's own functions, and a call of oc_info.
+// The cost of the library's own part of oc_scan, per camera, and of a call of oc_info.
 //
 //     scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]
 //
-// The instant SDKs show 128 cameras each (ORVANE_INSTANT_CAMERAS=128). The floor makes the same SDK
-// calls, each function found beforehand; the rest is the library's: look-ups, descriptions, memory.
-// Ends with status 1 when a camera costs more than GATE_NS.
+// The instant SDKs have 128 cameras each (ORVANE_INSTANT_CAMERAS=128). The floor makes the same SDK
+// calls with functions that were looked up before. The difference is the library's own part:
+// look-ups, descriptions, memory. The exit status is 1 if a camera costs more than GATE_NS.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +25,7 @@ constexpr int rounds = 301;
 constexpr int camerasPerSdk = 128;
 constexpr int cameraCount = 4 * camerasPerSdk;
 
-// SDK functions, found once.
+// SDK functions, looked up once.
 #define SDK_CALL(name) name##Signature* const name = sdk.find<name##Signature>(#name)
 
 void scanAsi(const LibraryByName& sdk) {

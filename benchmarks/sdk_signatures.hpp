@@ -1,4 +1,4 @@
-// The makers' functions as types, name##Signature; the floors look each one up by name themselves.
+// The types of the makers' functions, name##Signature. The floors look up each function by name.
 #pragma once
 
 #define SDK_FUNCTION(maker, name, ...) using name##Signature = __VA_ARGS__
@@ -8,6 +8,6 @@
 #include "vendors/sdk/qhyccd_sdk.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
-/// One SDK call of a floor: looked up, then called.
+/// One SDK call of a floor: a look-up and a call.
 #define FLOOR_CALL(sdk, name) \
   (reinterpret_cast<name##Signature*>(platform::findFunction((sdk).module, #name)))

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Runs a Windows program through Wine, quietly and in a prefix of the project's own.
+# Runs a Windows program through Wine, without Wine's own messages and in a prefix for this project.
 #   run_with_wine.sh PROGRAM.exe [ARGUMENT...]
-# WINEPREFIX names the prefix; without it, wine-prefix/ beside this checkout's builds is used.
-# ORVANE_WINE_TRIES starts a program that ends in failure without a word as often as that; what it
-# prints then comes at its end, and in one stream. The tests use it: theirs always say something.
-# Nothing is added to what a program prints; started-again.log in the prefix tells of such starts.
+# WINEPREFIX is the prefix; default: build/wine-prefix/ of this checkout.
+# ORVANE_WINE_TRIES is the number of times that a program is started while it fails without printing
+# anything. Its output then appears at its end, in one stream. The tests set it, because their
+# programs always print something. The output is not changed; started-again.log in the prefix lists
+# the retries.
 set -eu
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export WINEPREFIX="${WINEPREFIX:-$here/../build/wine-prefix}"
@@ -12,25 +13,25 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 export WINEARCH=win64
 
-# Debian's wine may lie outside root's PATH under this name only.
+# Debian may install Wine outside root's PATH, only under this name.
 wine=("$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)")
 
-# Newer kernels put a program's heap anywhere in the GiB behind it. For Debian's Wine, a program at
-# 0x7c000000, that is now and then where Windows has its shared user data, 0x7ffe0000: such a start
-# ends before the program's first instruction, and quietly so with WINEDEBUG=-all. A container may
-# forbid to choose the addresses; then there are the tries below.
+# Newer kernels put a program's heap at a random address in the GiB after the program. Debian's Wine
+# is a program at 0x7c000000, so its heap sometimes covers 0x7ffe0000, where Windows has its shared
+# user data. Such a start fails before the program's first instruction, and with WINEDEBUG=-all it
+# prints nothing. A container may forbid setarch; the retries below are for that case.
 if setarch -R true 2>/dev/null; then
   wine=(setarch -R "${wine[@]}")
 fi
 
-# Several programs may start at once: one starts the server and makes the prefix, the others wait.
+# If several programs start at once, one starts the server and makes the prefix, and the others wait.
 mkdir -p "$WINEPREFIX"
 (
   flock 9
-  # A server that stays for some seconds; says no when one is there already. Debian's Wine starts one
-  # that ends with its last program: the next may then meet it on its way out, and fail. The first
-  # program starts services, which hold its output open for as long as the server is there: so that
-  # is one of no interest.
+  # Start a server that stays for some seconds; this fails if a server is running already. The server
+  # that Debian's Wine starts ends with its last program, and a program that starts while the server
+  # ends may fail. The first program starts services that keep its output open until the server ends,
+  # so the first program is a dummy.
   if wineserver -p20 >/dev/null 2>&1 </dev/null 9>&- && [ -f "$WINEPREFIX/.ready" ]; then
     "${wine[@]}" cmd /c exit >/dev/null 2>&1 </dev/null 9>&- || true
   fi
@@ -50,7 +51,7 @@ if [ -z "${ORVANE_WINE_TRIES:-}" ]; then
   exec "${wine[@]}" "$@"
 fi
 
-# A program that failed and has printed nothing is started again; one that has said anything is not.
+# Only a program that fails and has printed nothing is started again.
 output=$(mktemp)
 trap 'rm -f "$output"' EXIT
 for ((try = 1; ; ++try)); do
@@ -60,5 +61,5 @@ for ((try = 1; ; ++try)); do
     cat "$output"
     exit "$status"
   fi
-  echo "$(date -u +%FT%TZ) no word from $1 (status $status, try $try)" >>"$WINEPREFIX/started-again.log"
+  echo "$(date -u +%FT%TZ) no output from $1 (status $status, try $try)" >>"$WINEPREFIX/started-again.log"
 done

@@ -1,6 +1,5 @@
-# Packs once more what cpack has packed, where SOURCE_DATE_EPOCH names a time: sorted by name, with this
-# time for every file, and without the user's and the time zone's traces. So the same files always give
-# the same archive.
+# If SOURCE_DATE_EPOCH is set, packs again what cpack has packed: sorted by name, with this time for every
+# file, and without the user's name and the time zone. So the same files always give the same archive.
 
 if("$ENV{SOURCE_DATE_EPOCH}" STREQUAL "")
   return()

@@ -1,5 +1,5 @@
-# Writes SHA256SUMS into the directory that is about to be packed: one line a file, sorted by name, in
-# the form that `sha256sum -c` reads.
+# Writes SHA256SUMS into the directory that will be packed: one line per file, sorted by name, in the
+# form that `sha256sum -c` reads.
 
 set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
 file(GLOB_RECURSE names LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
@@ -10,6 +10,6 @@ foreach(name IN LISTS names)
   string(APPEND lines "${sum}  ${name}\n")
 endforeach()
 file(WRITE "${root}/SHA256SUMS" "${lines}")
-# Whatever the user's umask.
+# The mode must not depend on the user's umask.
 file(CHMOD "${root}/SHA256SUMS"
   PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Clones the last commit into two directories of different names and lengths, makes the packages in both
-# and compares them, and every file in them, byte for byte.
-#   check_reproducible.sh [PRESET...]      of windows-x64, linux-x64; without any, windows-x64
+# Clones the last commit into two directories with names of different lengths, makes the packages in both,
+# and compares the packages and all their files byte for byte.
+#   check_reproducible.sh [PRESET...]      windows-x64, linux-x64; default: windows-x64
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 presets=("$@")
@@ -9,19 +9,19 @@ if [ ${#presets[@]} -eq 0 ]; then
   presets=(windows-x64)
 fi
 if [ -n "$(git status --porcelain)" ]; then
-  echo "note: what is not committed is not part of the check"
+  echo "note: changes that are not committed are not checked"
 fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 clones=("$work/one" "$work/a second directory elsewhere")
-# The second differs in what must not matter.
+# The second build runs in an environment that must make no difference.
 zones=(UTC Asia/Tokyo)
 masks=(022 002)
 for number in 0 1; do
   git clone -q . "${clones[number]}"
   echo "== build $((number + 1)) of $(git rev-parse --short HEAD) in ${clones[number]}"
-  # A compiler's cache would make the second build a copy of the first.
+  # With a compiler cache the second build would only copy the first one's objects.
   (umask "${masks[number]}" && cd "${clones[number]}" &&
     TZ=${zones[number]} CCACHE_DISABLE=1 scripts/package.sh "${presets[@]}" >"$work/log" 2>&1) ||
     { cat "$work/log"; exit 1; }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds with GCC's counters, runs the tests on this system and measures which
-# lines and branches of src/ they reach. Prints a table and every line that was not reached; a report to
-# click through goes to build/coverage/report/.
+# Installs what is missing, builds with GCC's coverage counters, runs the tests on this system and reports
+# which lines and branches of src/ they reach. Prints a table and every line that was not reached, and
+# writes an HTML report to build/coverage/report/.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -10,7 +10,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_header
 
 build=build/coverage
 echo "== build"
-# Without optimisation and inlining, so that a line's count is the line's own.
+# Without optimisation and inlining, so that the counts belong to the right lines.
 configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Debug \
   -D CMAKE_CXX_FLAGS_DEBUG="--coverage -O0 -g -fno-inline" -D ORVANE_BUILD_HOSTS=OFF \
   -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
@@ -18,13 +18,13 @@ cmake --build "$build"
 find "$build" -name '*.gcda' -delete
 
 echo "== test"
-# One at a time: the counters of a library are shared by all processes that load it.
+# One test at a time, because all processes that load a library share its counters.
 (cd "$build" && ctest --output-on-failure -E ThirteenExports >"test.log" 2>&1) ||
   { tail -n 40 "$build/test.log"; exit 1; }
 
 echo "== coverage of src/"
 mkdir -p "$build/report"
-# Throw-branches are the compiler's: an exception may leave every call.
+# Without the branches that the compiler adds for exceptions, one at every call.
 root=$(pwd -P)
 gcovr --root "$root" --filter "$(cd src && pwd -P)/" --exclude-throw-branches \
   --exclude-unreachable-branches --gcov-ignore-parse-errors --html-details "$build/report/index.html" \

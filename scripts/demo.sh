@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the Windows library, its host program and the simulated SDKs, and
-# runs them through Wine: lists the cameras, records from one camera of each maker into demo-output/,
-# and records once more from a camera that looks at one of these recordings.
+# Installs what is missing, builds the Windows library, oc_capture and the simulated SDKs, and runs
+# oc_capture through Wine: lists the cameras, records from one camera of each maker into demo-output/,
+# and records from a camera that sees one of these recordings.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -25,7 +25,7 @@ echo
 echo "== cameras"
 capture list --sdk "$sdk"
 
-# One camera of each maker; every format of the first.
+# One camera of each maker, and every format of the first camera.
 recordings=(
   "ASI120MC-S|raw8|zwo-raw8"
   "ASI120MC-S|raw16|zwo-raw16"
@@ -52,10 +52,10 @@ done
 
 echo
 echo "== a camera that looks at a recording"
-# In the middle of its gain range, with 20 ms and no offset, a camera shows a recording as it is.
+# With the middle of the gain range, 20 ms and no offset, a camera delivers the recording's samples.
 ORVANE_SIMULATOR="clock stopped" capture record --sdk "$sdk" --camera ASI120MC-S --format raw16 \
   --gain 50 --offset 0 --frames 10 --scene "$out/zwo-raw16.ser" --out "$out/zwo-played.ser"
-# All samples stand behind a header of 178 bytes.
+# The samples begin after a header of 178 bytes.
 if cmp --ignore-initial=178 --bytes=$((10 * 1280 * 960 * 2)) "$out"/zwo-{raw16,played}.ser; then
   echo "$out/zwo-played.ser has the samples of $out/zwo-raw16.ser."
 else
@@ -66,4 +66,4 @@ fi
 echo
 echo "$table"
 echo
-echo "Beside each recording lies a .png of its last frame, brightened: $PWD/$out"
+echo "The recordings, each with a .png of its last frame, brightened, are in $PWD/$out"

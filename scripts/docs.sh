@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, then makes pages of the public headers in build/docs/html. A function,
+# Installs what is missing, then makes HTML pages of the public headers in build/docs/html. A function,
 # parameter or result without a description is an error.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

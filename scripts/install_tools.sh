@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs, on Debian 12, what the build needs and the machine lacks.
+# Installs those of the packages that are missing, on Debian 12.
 #   install_tools.sh PACKAGE...
 set -eu
 missing=()

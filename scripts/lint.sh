@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, then holds the sources against clang-format and clang-tidy and compiles
-# them with clang, whose warnings are errors.
+# Installs what is missing, then checks the sources with clang-format and clang-tidy and compiles them
+# with clang. Warnings are errors.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -18,7 +18,7 @@ cmake --build --preset linux-x64-clang
 
 echo "== clang-tidy"
 git ls-files '*.cpp' | grep -v windows | while read -r source; do
-  # Only what this build compiles has a command line.
+  # clang-tidy needs a compile command, and only the sources of this build have one.
   grep -q "\"file\": \".*/$source\"" build/linux-x64-clang/compile_commands.json && echo "$source"
 done | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-x64-clang
 echo "== clean"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds live_view and the simulated SDKs, runs live_view through Wine on a
-# screen in memory, presses its keys and takes pictures of it. Fails when the program ends by itself
-# or a recording is not a valid SER file.
-#   live_view_tour.sh [DIRECTORY]      where the pictures go; live-view-tour/ if not given
+# virtual screen, presses its keys and takes screenshots. Fails if the program ends by itself or a
+# recording is not a valid SER file.
+#   live_view_tour.sh [DIRECTORY]      for the screenshots; default: live-view-tour/
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -20,7 +20,7 @@ cmake --build --preset windows-x64 --target live_view \
   simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
 sdk=build/windows-x64/simulated-sdks
 
-# A screen of its own, whose number the server chooses.
+# A separate screen. The server chooses its number.
 number=$(mktemp)
 Xvfb -displayfd 3 -screen 0 2600x1700x24 -dpi 96 3>"$number" 2>/dev/null &
 screen=$!
@@ -32,7 +32,7 @@ finish() {
 }
 trap finish EXIT
 until [ -s "$number" ]; do
-  kill -0 "$screen"  # ends the script when the server did not start
+  kill -0 "$screen"  # ends the script if the server did not start
   sleep 0.1
 done
 DISPLAY=:$(cat "$number")
@@ -69,7 +69,7 @@ shot() {
   echo "   $1.png: $2"
 }
 
-# stop: closes the window as its user would.
+# stop: closes the window with Alt+F4, as a user does.
 stop() {
   xdotool key alt+F4 || true
   for ((attempt = 0; attempt < 100; ++attempt)); do
@@ -129,14 +129,14 @@ stop
 unset ORVANE_SIMULATOR
 
 start --camera 99
-shot 16-wrong-camera "no camera fits what was asked for"
+shot 16-wrong-camera "no camera matches the request"
 stop
 
-# The same on a screen with magnification; the setting is the project's own Wine's.
+# magnify DPI: sets the screen's resolution, in the Wine prefix of this project only.
 magnify() {
   cmake/run_with_wine.sh reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$1" /f \
     >/dev/null
-  sleep 4  # until what runs with the old setting has ended
+  sleep 4  # wait until the processes with the old setting have ended
 }
 magnify 192
 start --camera QHY5III462C
@@ -145,8 +145,8 @@ shot 17-magnified "at 192 dots per inch"
 stop
 magnify 96
 
-# usage SECONDS: the processor time of the window's thread, of the thread that calls the library (in
-# which the simulated SDK makes its frames), and of the whole process, in percent of one core.
+# usage SECONDS: the processor time of the window's thread, of the thread that calls the library (and in
+# which the simulated SDK renders its frames), and of the whole process, in percent of one core.
 usage() {
   local before after
   before=$(thread_times)
@@ -163,7 +163,7 @@ usage() {
 
 thread_times() {
   for task in /proc/"$program"/task/*; do
-    # What stands behind the name, which may have blanks in it.
+    # The fields after the name. The name may contain spaces.
     sed -E 's/.*\) //' "$task/stat" | awk -v id="${task##*/}" '{ print id, $12 + $13 }'
   done | sort
 }

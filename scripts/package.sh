@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library, the programs and the simulated SDKs for Windows and for
-# Linux, and makes a package of each: build/<preset>/packages/. The files carry the time of the last
-# commit, so the same commit always gives the same archives.
-#   package.sh [PRESET...]      of windows-x64, linux-x64; without any, both
+# Linux, and makes a package for each in build/<preset>/packages/. The files have the time of the last
+# commit, so that the same commit always gives the same archives.
+#   package.sh [PRESET...]      windows-x64, linux-x64; default: both
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh

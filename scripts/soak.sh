@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the endurance tests and runs them for long: sessions and reads with
-# each maker's simulated SDK, and random sessions. Fails when memory or handles grow, or when the last
+# Installs what is missing, builds the endurance tests and runs them for a long time: sessions and reads
+# with each maker's simulated SDK, and random sessions. Fails if memory or handles grow, or if the last
 # tenth of a run takes more than twice as long as the first.
-#   soak.sh [PRESET...]      of linux-x64, windows-x64; without any, both
-# SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (250000) choose other lengths.
+#   soak.sh [PRESET...]      linux-x64, windows-x64; default: both
+# SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (250000) set the lengths.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -26,7 +26,7 @@ for preset in "${presets[@]}"; do
   configured=$(cmake --preset "$preset" 2>&1) || { echo "$configured"; exit 1; }
   cmake --build --preset "$preset" --target session_tests
   echo "== $preset: run"
-  # One after the other: timings are compared.
+  # One test at a time, because timings are compared.
   ctest --preset "$preset" --verbose --timeout 36000 -R '/(Endurance|RandomSessions)\.' \
     >"$logs/$preset" 2>&1 || { cat "$logs/$preset"; exit 1; }
 done

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and tests everything: the Windows library through Wine, the
 # Linux build, and the Linux build under the sanitizers.
-#   test.sh [PRESET...]      only these of windows-x64, linux-x64, linux-x64-sanitize
+#   test.sh [PRESET...]      windows-x64, linux-x64, linux-x64-sanitize; default: all
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -15,10 +15,10 @@ fi
 summary=()
 started_again="${WINEPREFIX:-build/wine-prefix}/started-again.log"
 rm -f "$started_again"
-# cmake/run_with_wine.sh says what this is about: not to be passed over in silence.
+# Prints the starts that cmake/run_with_wine.sh retried, so that nobody overlooks them.
 show_started_again() {
   [ -s "$started_again" ] || return 0
-  echo "== Wine was asked once more, since there was no word from a program:"
+  echo "== retried under Wine: the first run printed nothing"
   cat "$started_again"
 }
 for preset in "${presets[@]}"; do
@@ -29,7 +29,7 @@ for preset in "${presets[@]}"; do
   echo "== $preset: test"
   ctest --preset "$preset" --progress -j "$(nproc)" || {
     status=$?
-    echo "== $preset: what failed, once more by itself, so that it is seen here what it said"
+    echo "== $preset: failed tests, run again with their output"
     ctest --preset "$preset" --rerun-failed --extra-verbose || true
     show_started_again
     exit "$status"

@@ -1,4 +1,4 @@
-# The Debian packages that each job needs; sourced by the other scripts.
+# The Debian packages that each job needs. The other scripts source this file.
 build_tools=(cmake ninja-build)
 windows_tools=(g++-mingw-w64-x86-64-posix wine wine64)
 native_tools=(g++)

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the tests for Linux with line numbers and runs the unit and library
-# tests under Valgrind's memcheck, where any error or definite leak is a failure.
-#   valgrind.sh [TEST...]    only these of the test programs
-# There are no suppressions.
+# Installs what is missing, builds the tests for Linux with line numbers and runs the unit, library,
+# loading and replay tests under Valgrind's memcheck. Any error or definite leak is a failure. There are
+# no suppressions.
+#   valgrind.sh [TEST...]    test programs; default: all four
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
@@ -20,12 +20,12 @@ configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
   -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
 cmake --build "$build" --target orvane_desktop_camera "${programs[@]}"
 
-# The C library's AVX2 way to compare wide texts reads whole registers, past a text's end though never
-# into another page, and memcheck takes that for an error. This switches off the C library's only: what
-# the library under test finds of the processor stays as it is.
+# The C library's AVX2 comparison of wide texts reads whole registers: past a text's end, but never into
+# the next page. Memcheck reports that as an error. This setting switches off AVX2 in the C library only;
+# the library under test still detects it.
 export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2
 
-# A library test changes its process for good, so every case runs in one of its own.
+# A library test changes its process's state for good, so every case runs in a process of its own.
 one_case() {
   local log="$2/$(basename "$1").$3.log"
   local name

@@ -1,6 +1,6 @@
 // ZWO's ASICamera2, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other
+// Exposure, gain and offset change the picture, and the cooler's controls the temperature. Other
 // controls only keep their value.
 
 #include <algorithm>
@@ -153,8 +153,8 @@ std::vector<Control> controlsOf(const SimCamera& model) {
        Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
-    add({ASI_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
-         Access::ByHand, "Offset", "Offset"});
+    add({ASI_OFFSET, model.offsetMin, model.offsetMax,
+         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
   }
   add({ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
        "The total data transfer rate percentage"});
@@ -212,7 +212,7 @@ FrameSettings frameSettings(const Camera& camera) {
   return settings;
 }
 
-// The present value of a control, which for some is a measurement.
+// The present value of a control. For some controls it is a measurement.
 long reading(const Camera& camera, const Control& control) {
   const std::int64_t now = stage().clock.now();
   switch (control.id) {
@@ -225,7 +225,7 @@ long reading(const Camera& camera, const Control& control) {
   }
 }
 
-// The region after opening: the whole sensor, as far as the steps of 8 and 2 pixels allow.
+// Sets the region after opening: the whole sensor, rounded down to multiples of 8 and 2 pixels.
 void showWholeSensor(Camera& camera) {
   const SimCamera& model = camera.model;
   camera.device.bin = 1;
@@ -233,21 +233,21 @@ void showWholeSensor(Camera& camera) {
   camera.device.region = {0, 0, binnedWidth(model, 1) & ~7, binnedHeight(model, 1) & ~1};
 }
 
-// Whether the camera can show a region of this size after binning.
+// Whether the camera supports a region of this size after binning.
 bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
       width > binnedWidth(model, bin) || height > binnedHeight(model, bin)) {
     return false;
   }
-  // The ASI120 models for USB 2 send blocks of 1024 pixels.
+  // The ASI120 models for USB 2 send frames in blocks of 1024 pixels.
   const bool sendsBlocks = model.isUsb3Camera == 0 && textOf(model.name).starts_with("ZWO ASI120");
   return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
 }
 
-// Carries out a call that needs an open camera.
+// Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
       stage().countCallOnClosed();
@@ -257,7 +257,7 @@ int onOpenCamera(Call& call, int cameraId, const Body& body) {
   });
 }
 
-// Carries out a call that needs an open and initialised camera.
+// Runs a call that needs an open and initialised camera.
 template <class Body>
 int onReadyCamera(Call& call, int cameraId, const Body& body) {
   return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
@@ -274,7 +274,7 @@ extern "C" {
 
 int ASIGetNumOfConnectedCameras() {
   Call call("ASIGetNumOfConnectedCameras");
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     stage().enumerate();
     return static_cast<int>(stage().enumerated());
   });
@@ -282,7 +282,7 @@ int ASIGetNumOfConnectedCameras() {
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
   Call call("ASIGetCameraProperty", index);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr || info == nullptr) {
       return ASI_ERROR_INVALID_INDEX;
@@ -316,7 +316,7 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
 
 int ASIOpenCamera(int cameraId) {
   Call call("ASIOpenCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
@@ -345,7 +345,7 @@ int ASIInitCamera(int cameraId) {
 
 int ASICloseCamera(int cameraId) {
   Call call("ASICloseCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
@@ -411,7 +411,7 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     if (!control->isWritable()) {
       return ASI_ERROR_GENERAL_ERROR;
     }
-    control->value = held(static_cast<double>(value), control->minimum, control->maximum);
+    control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
     control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
       device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
@@ -438,7 +438,7 @@ int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType)
     }
     device.bin = bin;
     device.format = imageType;
-    // An even start keeps the mosaic's first filter in the frame's first pixel.
+    // An even start keeps the Bayer pattern the same.
     device.region = {(binnedWidth(model, bin) - width) / 2 & ~1,
                      (binnedHeight(model, bin) - height) / 2 & ~1, width, height};
     return ASI_SUCCESS;

@@ -95,7 +95,7 @@ void sim_invariants(SimInvariants* invariants) {
 }
 
 int32_t sim_command(const char* commands) {
-  return commands != nullptr && orvane::sim::carryOutCommands(commands) ? 1 : 0;
+  return commands != nullptr && orvane::sim::runCommands(commands) ? 1 : 0;
 }
 
 }  // extern "C"

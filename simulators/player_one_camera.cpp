@@ -1,6 +1,6 @@
 // Player One's PlayerOneCamera, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's settings the temperature; other
+// Exposure, gain and offset change the picture, and the cooler's settings the temperature. Other
 // settings only keep their value.
 
 #include <algorithm>
@@ -152,8 +152,8 @@ std::vector<Control> controlsOf(const SimCamera& model) {
        "Part of the USB bandwidth (percent)"}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
-    add({POA_OFFSET, model.offsetMin, model.offsetMax, held(10, model.offsetMin, model.offsetMax),
-         Access::ByHand, "Offset", "Offset"});
+    add({POA_OFFSET, model.offsetMin, model.offsetMax,
+         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
   }
   if (model.hasTemperature != 0) {
     add({POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature", "Sensor temperature (C)"});
@@ -184,7 +184,7 @@ int valueTypeOf(int configId) {
   }
 }
 
-// The number in the member that counts for a setting.
+// Reads the union's member that a setting uses.
 double numberIn(const POAConfigValue& value, int configId) {
   switch (valueTypeOf(configId)) {
     case VAL_FLOAT:
@@ -196,7 +196,7 @@ double numberIn(const POAConfigValue& value, int configId) {
   }
 }
 
-// Sets the member that counts for a setting.
+// Sets the union's member that a setting uses.
 void setNumber(Call& call, const char* name, POAConfigValue& value, int configId, double number) {
   value = {};
   switch (valueTypeOf(configId)) {
@@ -236,7 +236,7 @@ FrameSettings frameSettings(const Camera& camera) {
   return settings;
 }
 
-// The present value of a setting, which for some is a measurement.
+// The present value of a setting. For some settings it is a measurement.
 double reading(const Camera& camera, const Control& control) {
   const std::int64_t now = stage().clock.now();
   switch (control.id) {
@@ -249,7 +249,7 @@ double reading(const Camera& camera, const Control& control) {
   }
 }
 
-// Sizes are rounded down to multiples of 4 and 2, starts likewise, instead of being refused.
+// The SDK does not refuse sizes and starts, but rounds them down to multiples of 4 and 2.
 int roundedWidth(int width) {
   return std::max(width & ~3, 4);
 }
@@ -267,10 +267,10 @@ bool isExposing(const Camera& camera) {
   return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
 }
 
-// Carries out a call that needs an open camera.
+// Runs a call that needs an open camera.
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
       stage().countCallOnClosed();
@@ -280,7 +280,7 @@ int onOpenCamera(Call& call, int cameraId, const Body& body) {
   });
 }
 
-// Carries out a call that needs an open and initialised camera.
+// Runs a call that needs an open and initialised camera.
 template <class Body>
 int onReadyCamera(Call& call, int cameraId, const Body& body) {
   return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
@@ -297,7 +297,7 @@ extern "C" {
 
 int POAGetCameraCount() {
   Call call("POAGetCameraCount");
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     stage().enumerate();
     return static_cast<int>(stage().enumerated());
   });
@@ -305,7 +305,7 @@ int POAGetCameraCount() {
 
 int POAGetCameraProperties(int index, POACameraProperties* properties) {
   Call call("POAGetCameraProperties", index);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_INDEX;
@@ -339,7 +339,7 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
 
 int POAOpenCamera(int cameraId) {
   Call call("POAOpenCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;
@@ -369,7 +369,7 @@ int POAInitCamera(int cameraId) {
 
 int POACloseCamera(int cameraId) {
   Call call("POACloseCamera", cameraId);
-  return call.carryOut([&]() -> int {
+  return call.run([&]() -> int {
     Camera* camera = stage().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;

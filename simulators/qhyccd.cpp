@@ -1,6 +1,6 @@
 // QHYCCD's qhyccd, simulated.
 //
-// Exposure, gain and offset shape the picture, the cooler's controls the temperature; other
+// Exposure, gain and offset change the picture, and the cooler's controls the temperature. Other
 // controls only keep their value. A value out of range is refused.
 
 #include <algorithm>
@@ -47,8 +47,8 @@ enum : std::int32_t {
 
 constexpr int liveMode = 1;
 
-// Ids and models go into buffers whose length the maker's functions are not told; users are advised
-// to give this much.
+// The size of a buffer for an id or a model name. The maker's functions get no length; this size is
+// the usual one.
 constexpr std::size_t textBufferSize = 256;
 
 constexpr std::array believableCameras{
@@ -147,13 +147,13 @@ std::vector<Control> controlsOf(const SimCamera& model) {
       {CONTROL_GAIN, model.gainMin, model.gainMax, usualGain(model)},
       {CONTROL_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
       {CONTROL_SPEED, 0, 2, 0},
-      // Set by SetQHYCCDBitsMode alone.
+      // Set by SetQHYCCDBitsMode only.
       {CONTROL_TRANSFERBIT, 8, model.bitDepth > 8 ? 16.0 : 8.0, 8, Access::ReadOnly},
       {CONTROL_USBTRAFFIC, 0, 60, 10}};
   const auto add = [&controls](const Control& control) { controls.push_back(control); };
   if (hasOffset(model)) {
     add({CONTROL_OFFSET, model.offsetMin, model.offsetMax,
-         held(10, model.offsetMin, model.offsetMax)});
+         clamped(10, model.offsetMin, model.offsetMax)});
   }
   if (model.hasTemperature != 0) {
     add({CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly});
@@ -194,8 +194,8 @@ FrameSettings frameSettings(const Camera& camera) {
   return settings;
 }
 
-// The memory that a user must have for any frame of the camera: the largest one, in 16 bits or in
-// three colours.
+// The memory that a user needs for any frame of the camera: that of the largest frame, in 16 bits
+// or in three colours.
 std::uint32_t memoryLength(const SimCamera& model) {
   const double bytes = model.isColor != 0 ? 3 : 2;
   return wholeNumber<std::uint32_t>(bytes * binnedWidth(model, 1) * binnedHeight(model, 1));
@@ -206,8 +206,8 @@ void showWholeSensor(Camera& camera, std::int32_t bin) {
   camera.device.region = {0, 0, binnedWidth(camera.model, bin), binnedHeight(camera.model, bin)};
 }
 
-// Writes text and its NUL into a buffer of unknown length; the longest text there is fills the
-// usual buffer and leaves no room for the NUL.
+// Writes text and its NUL into a buffer of unknown length. The longest possible text fills the
+// usual buffer and gets no NUL.
 void writeText(char* buffer, std::string_view text) {
   char* end = std::copy(text.begin(), text.end(), buffer);
   if (text.size() < textBufferSize) {
@@ -215,7 +215,7 @@ void writeText(char* buffer, std::string_view text) {
   }
 }
 
-// The text in a buffer that a user was to fill: it ends with a NUL or with the usual buffer.
+// The text in a user's buffer, up to its NUL or to the usual buffer's size.
 std::string_view textIn(const char* buffer) {
   if (buffer == nullptr) {
     return {};
@@ -226,10 +226,10 @@ std::string_view textIn(const char* buffer) {
                       : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
 }
 
-// Carries out a call that needs an open camera; the body says what the call returns.
+// Runs a call that needs an open camera. The body returns the call's result.
 template <class Result, class Body>
 Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
-  return call.carryOut([&]() -> Result {
+  return call.run([&]() -> Result {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       stage().countCallOnClosed();
@@ -239,7 +239,7 @@ Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) 
   });
 }
 
-// Carries out a call that needs an open and initialised camera.
+// Runs a call that needs an open and initialised camera.
 template <class Body>
 std::uint32_t onReadyCamera(Call& call, void* handle, const Body& body) {
   return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
@@ -247,7 +247,7 @@ std::uint32_t onReadyCamera(Call& call, void* handle, const Body& body) {
   });
 }
 
-// Carries out a call that also needs the live stream to stand still.
+// Runs a call that also needs the live stream to be stopped.
 template <class Body>
 std::uint32_t onIdleCamera(Call& call, void* handle, const Body& body) {
   return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
@@ -264,7 +264,7 @@ extern "C" {
 
 std::uint32_t InitQHYCCDResource() {
   Call call("InitQHYCCDResource");
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     stage().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
@@ -272,7 +272,7 @@ std::uint32_t InitQHYCCDResource() {
 
 std::uint32_t ScanQHYCCD() {
   Call call("ScanQHYCCD");
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     if (!stage().isSdkInitialised) {
       return 0;
     }
@@ -283,7 +283,7 @@ std::uint32_t ScanQHYCCD() {
 
 std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
   Call call("GetQHYCCDId", index);
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     const Camera* camera = stage().enumerated(index);
     if (camera == nullptr || !camera->isPlugged || id == nullptr) {
       return QHYCCD_ERROR;
@@ -296,7 +296,7 @@ std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
 
 std::uint32_t GetQHYCCDModel(char* id, char* model) {
   Call call("GetQHYCCDModel", Quoted{textIn(id)});
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     const Camera* camera = stage().enumeratedByKey(textIn(id));
     if (camera == nullptr || model == nullptr) {
       return QHYCCD_ERROR;
@@ -309,7 +309,7 @@ std::uint32_t GetQHYCCDModel(char* id, char* model) {
 
 void* OpenQHYCCD(char* id) {
   Call call("OpenQHYCCD", Quoted{textIn(id)});
-  return call.carryOut([&]() -> void* {
+  return call.run([&]() -> void* {
     Camera* camera = stage().enumeratedByKey(textIn(id));
     if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
         camera->device.isOpen) {
@@ -322,7 +322,7 @@ void* OpenQHYCCD(char* id) {
 
 std::uint32_t CloseQHYCCD(void* handle) {
   Call call("CloseQHYCCD", Handle{handle});
-  return call.carryOut([&]() -> std::uint32_t {
+  return call.run([&]() -> std::uint32_t {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       return QHYCCD_ERROR;

@@ -1,10 +1,9 @@
-// Turns a maker's declarations into the ones that a simulated SDK defines.
+// Turns the declarations of a maker's functions into exports of a simulated SDK.
 //
 // The declarations in src/vendors/sdk/ are written once, for the library that calls the SDKs. A
-// file that includes this header first gets, for each SDK_FUNCTION line there, the declaration of
-// an exported C function. Its definition follows in the simulated SDK, inside extern "C": two C
-// functions of one name cannot differ, so a simulation that drifts from what the library calls does
-// not compile.
+// file that includes this header first gets the declaration of an exported C function for each
+// SDK_FUNCTION line there. The simulated SDK defines the functions inside extern "C". C functions
+// cannot be overloaded, so a definition that differs from what the library calls does not compile.
 #pragma once
 
 #include "simulator_control.h"

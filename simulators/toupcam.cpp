@@ -1,8 +1,8 @@
 // ToupTek's toupcam, simulated.
 //
-// Frames are to be polled for: a callback is refused, because the simulators have no threads. Raw
-// frames come as the depth option says; colour-processed ones come with 24 bits a pixel from colour
-// cameras and with 8 from monochrome ones.
+// The user must poll for frames: a callback is refused, because the simulators have no threads. The
+// depth option determines the depth of raw frames. Colour-processed frames have 24 bits per pixel
+// from colour cameras and 8 from monochrome ones.
 
 #include <algorithm>
 #include <array>
@@ -64,7 +64,7 @@ constexpr Hresult E_INVALIDARG = -2147024809;   // 0x80070057
 constexpr Hresult E_GEN_FAILURE = -2147024865;  // 0x8007001F: cable or power
 constexpr Hresult E_BUSY = -2147024726;         // 0x800700AA
 
-// Settings that have functions of their own instead of an option number.
+// Settings with their own functions instead of an option number.
 enum : int {
   settingAutoExposure = 0x10000,
   settingExposure,
@@ -85,7 +85,7 @@ constexpr std::int32_t rawGrbg = fourCc("GRBG");
 constexpr std::int32_t rawGbrg = fourCc("GBRG");
 constexpr std::int32_t rawYyyy = fourCc("YYYY");
 
-// The mosaic is that of the frames as they are delivered unless the upside-down option is changed.
+// The Bayer pattern is that of frames delivered with the default of the upside-down option.
 constexpr std::array believableCameras{
     SimCamera{.name = "ATR3CMOS26000KPA",
               .key = "tp-2-7-16-1204-1a5f",
@@ -213,8 +213,8 @@ bool isSame(const ModelEntry& entry, const ToupcamText& name, const ToupcamModel
          entry.model.res[0].height == model.res[0].height;
 }
 
-// The maker's model data. It stays valid while the library is loaded, even when the simulated
-// cameras are changed, so nothing is ever taken out.
+// The maker's model data. It must stay valid while the library is loaded, even if the simulated
+// cameras change, so no entry is ever removed.
 const ToupcamModelV2* lastingModel(const ToupcamText& name, const ToupcamModelV2& model) {
   static std::deque<ModelEntry> models;
   const auto known = std::find_if(models.begin(), models.end(), [&](const ModelEntry& entry) {
@@ -246,7 +246,7 @@ void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
 }
 
 std::vector<Control> controlsOf(const SimCamera& model) {
-  const double initialGain = held(100, model.gainMin, model.gainMax);
+  const double initialGain = clamped(100, model.gainMin, model.gainMax);
   std::vector<Control> controls{
       {TOUPCAM_OPTION_RAW, 0, 1, 0},
       {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
@@ -266,14 +266,14 @@ bool isOn(const Device& device, int option) {
   return device.value(option, 0) != 0;
 }
 
-// Bits of the samples by the present depth option.
+// Bits per sample with the present depth option.
 int sampleBits(const Camera& camera) {
   return isOn(camera.device, TOUPCAM_OPTION_BITDEPTH) ? std::clamp(camera.model.bitDepth, 8, 16)
                                                       : 8;
 }
 
-// The mosaic of the frames by the present upside-down option: other rows come first when it differs
-// from the usual, but for an odd number of rows.
+// The frames' Bayer pattern with the present upside-down option. If the option differs from its
+// default, the first row has the other colours, unless the number of rows is odd.
 std::int32_t deliveredMosaic(const Camera& camera) {
   const SimCamera& model = camera.model;
   const bool isUsual = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) == isWindows;
@@ -328,7 +328,7 @@ FrameSettings frameSettings(const Camera& camera) {
   settings.isTurned = settings.isUpsideDown != isWindows;
   settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING, 1));
   if (settings.bin > 1) {
-    // The region is set in unbinned pixels. Binned ones come in even numbers, like the mosaic.
+    // The region is in unbinned pixels. Binned lengths are even, like the Bayer pattern.
     const auto binned = [&](std::int32_t length) { return length / settings.bin & ~1; };
     const Region& region = device.region;
     settings.region = {binned(region.x), binned(region.y), binned(region.width),
@@ -345,10 +345,10 @@ void showWholeSensor(Camera& camera) {
   camera.device.region = {0, 0, binnedWidth(camera.model, 1), binnedHeight(camera.model, 1)};
 }
 
-// Carries out a call that needs an open camera.
+// Runs a call that needs an open camera.
 template <class Body>
 Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
-  return call.carryOut([&]() -> Hresult {
+  return call.run([&]() -> Hresult {
     Camera* camera = stage().cameraOf(handle);
     if (camera == nullptr) {
       stage().countCallOnClosed();
@@ -372,7 +372,7 @@ Hresult put(Camera& camera, int id, double value) {
   return S_OK;
 }
 
-// Sets an option that changes the frames' geometry or samples.
+// Sets an option that changes the frames' geometry or depth.
 Hresult putGeometry(Camera& camera, int option, double value) {
   const Hresult result = put(camera, option, value);
   if (result == S_OK) {
@@ -418,7 +418,7 @@ extern "C" {
 
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
   Call call("Toupcam_EnumV2", Buffer{devices});
-  return call.carryOut([&]() -> unsigned {
+  return call.run([&]() -> unsigned {
     stage().enumerate();
     const auto count = static_cast<unsigned>(stage().enumerated());
     for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
@@ -438,7 +438,7 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
   const ToupcamText wanted = id == nullptr ? ToupcamText() : textIn(id);
   const std::string wantedName = plainText(wanted);
   Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
-  return call.carryOut([&]() -> HToupcam {
+  return call.run([&]() -> HToupcam {
     stage().enumerate();
     for (std::size_t i = 0; i < stage().enumerated(); ++i) {
       Camera& camera = *stage().enumerated(static_cast<std::int64_t>(i));
@@ -458,7 +458,7 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
 
 void Toupcam_Close(HToupcam handle) {
   Call call("Toupcam_Close", Handle{handle});
-  call.carryOut([&] {
+  call.run([&] {
     if (Camera* camera = stage().cameraOf(handle)) {
       stage().close(*camera);
       stage().endHandle(handle);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t replacement = 0xFFFD;
 
-// Bytes of the character that begins with this one; 0 when none does.
+// The length in bytes of the character that begins with this byte; 0 if none does.
 std::size_t encodedLength(std::uint32_t lead) {
   if (lead < 0x80) {
     return 1;
@@ -22,7 +22,7 @@ std::size_t encodedLength(std::uint32_t lead) {
   return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 }
 
-// Cuts the first character off, or the first byte when no character begins with it.
+// Removes and returns the first character, or the first byte if no character begins with it.
 std::uint32_t cutCharacter(std::string_view& utf8) {
   const auto byteAt = [&utf8](std::size_t i) -> std::uint32_t {
     return static_cast<unsigned char>(utf8[i]);

@@ -14,19 +14,19 @@ using ToupcamText = std::basic_string<ToupcamChar>;
 
 constexpr std::size_t textFieldLength = 64;
 
-// Text of the maker's kind. On Windows the three bytes that a lone surrogate would have give that
-// surrogate, so that a test can have a name that is no valid text; other invalid bytes become
-// replacement characters.
+// Converts UTF-8 to the maker's text. On Windows the three bytes that encode a lone surrogate give
+// that surrogate, so that a test can have a name that is not valid UTF-16. Other invalid bytes
+// become replacement characters.
 ToupcamText nativeText(std::string_view utf8);
 
-// Copies text into a field of a device entry. Text that is as long as the field or longer fills it
-// and leaves no NUL.
+// Copies text into a field of a device entry. Text that is at least as long as the field fills it
+// without a NUL.
 void setText(ToupcamChar (&field)[textFieldLength], const ToupcamText& text);
 
-// The text in a field that a user hands back, up to its NUL or, without one, to the field's end.
+// The text in a field that a user passes back, up to its NUL, or the whole field if it has none.
 ToupcamText textIn(const ToupcamChar* field);
 
-// For the log: what is not plain ASCII becomes a question mark.
+// Text for the log: every character outside ASCII becomes a question mark.
 std::string plainText(const ToupcamText& text);
 
 }  // namespace orvane::sim

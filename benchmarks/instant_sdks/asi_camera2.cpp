@@ -1,5 +1,5 @@
 // ZWO's ASICamera2 with functions that return at once: cameras of 64 x 48 pixels, or of any size
-// with frames that are prepared beforehand.
+// with prepared frames.
 #include "instant_cameras.hpp"
 #include "prepared_frames.hpp"
 #include "simulated_sdk.hpp"

@@ -1,12 +1,12 @@
-// How many cameras each instant SDK has.
+// The number of cameras of each instant SDK.
 #pragma once
 
 #include <cstdlib>
 
 namespace orvane::benchmarks {
 
-/// 1, or what the environment variable ORVANE_INSTANT_CAMERAS says, at most 128: asked once, for a
-/// benchmark times the functions that call this.
+/// 1, or the value of the environment variable ORVANE_INSTANT_CAMERAS, at most 128. Read once,
+/// because a benchmark measures the functions that call this one.
 inline int instantCameraCount() {
   static const int count = [] {
     const char* const text =

@@ -1,4 +1,5 @@
-// Frames that a benchmark of recording needs: filled beforehand, so that delivering one is a copy.
+// Frames for the benchmark of recording. They are filled in advance, so that delivering one is only
+// a copy.
 #pragma once
 
 #include <array>
@@ -37,7 +38,7 @@ class PreparedFrames {
   }
   bool arePrepared() const { return !frames_[0].empty(); }
 
-  /// Copies the next frame, of as many bytes, into the buffer.
+  /// Copies the next frame, of this many bytes, into the buffer.
   void deliver(std::uint8_t* buffer, std::size_t bytes) {
     std::memcpy(buffer, frames_[next_].data(), bytes);
     next_ = (next_ + 1) % frames_.size();

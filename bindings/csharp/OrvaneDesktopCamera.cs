@@ -11,8 +11,8 @@
 //
 // It needs Span: .NET Core 2.1 or newer, Mono 6, or .NET Framework with the System.Memory package.
 //
-// The library has one state in a process and at most one open camera. Its calls wait for each
-// other, so any thread may make them. A program disposes of its camera before it ends: ending closes none.
+// A process has one library state and at most one open camera. These classes make one call at a
+// time, so any thread may use them. Dispose of the camera before the program ends.
 //
 // Units: exposure in microseconds, temperature in degrees Celsius, gain and offset in the maker's
 // own.
@@ -27,24 +27,25 @@ using System.Threading;
 
 namespace Orvane.DesktopCamera
 {
-    /// <summary>A call failed; the message is the library's own text.</summary>
+    /// <summary>A call failed. The message is the library's error text.</summary>
     public class CameraException : Exception
     {
         public CameraException(string message) : base(message) { }
     }
 
-    /// <summary>No frame came in time. The camera goes on streaming.</summary>
+    /// <summary>No frame came in time. The camera still streams.</summary>
     public sealed class FrameTimeoutException : CameraException
     {
         public FrameTimeoutException(string message) : base(message) { }
     }
 
-    /// <summary>What a pixel of a frame is.</summary>
+    /// <summary>The format of a frame's pixels.</summary>
     public enum Format
     {
         /// <summary>8 bits; a colour camera delivers its Bayer pattern.</summary>
         Raw8 = 0,
-        /// <summary>16 bits, low byte first, likewise; left-aligned, for ToupTek right-aligned.</summary>
+        /// <summary>The same with 16 bits, low byte first; left-aligned, for ToupTek right-aligned.
+        /// </summary>
         Raw16 = 1,
         /// <summary>Red, green, blue for ZWO ASI; blue, green, red for Player One.</summary>
         Rgb24 = 2,
@@ -64,7 +65,7 @@ namespace Orvane.DesktopCamera
         Bggr = 11
     }
 
-    /// <summary>One camera of the last scan. Index is void after the next one.</summary>
+    /// <summary>One camera of the last scan. The next scan makes Index invalid.</summary>
     public sealed class CameraInfo
     {
         public int Index { get; private set; }
@@ -74,14 +75,14 @@ namespace Orvane.DesktopCamera
         public int MaxHeight { get; private set; }
         /// <summary>Of the sensor's converter, or only of the transfer (QHYCCD).</summary>
         public int BitDepth { get; private set; }
-        /// <summary>Micrometres; NaN or infinite where the SDK says so.</summary>
+        /// <summary>Micrometres; NaN or infinite if the SDK reports that.</summary>
         public double PixelSizeUm { get; private set; }
         public bool IsColor { get; private set; }
         public bool IsCooled { get; private set; }
         public bool IsUsb3Camera { get; private set; }
         public bool IsUsb3Host { get; private set; }
         public IReadOnlyList<int> Bins { get; private set; }
-        /// <summary>An SDK can list a format that the enumeration has no name for.</summary>
+        /// <summary>May contain values that the enumeration has no name for.</summary>
         public IReadOnlyList<Format> Formats { get; private set; }
         public IReadOnlyList<int> Depths { get; private set; }
         /// <summary>This and the two gains are 0 for a camera that could not be opened.</summary>
@@ -129,8 +130,8 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        // "key": then a text, a list, or a word or number. A text is taken whole, so nothing in a
-        // name counts as a key.
+        // "key": then a text, a list, or a word or number. A text is matched as a whole, so nothing
+        // inside a name is taken for a key.
         private static readonly Regex Field =
             new Regex("\"([A-Za-z0-9]+)\":(\"(?:[^\"\\\\]|\\\\.)*\"|\\[[^\\]]*\\]|[^,}]*)");
 
@@ -161,47 +162,48 @@ namespace Orvane.DesktopCamera
             return inside.Length == 0 ? new int[0] : Array.ConvertAll(inside.Split(','), Number);
         }
 
-        // Control characters are left out of names, so these are all that a name can hold.
+        // The library removes control characters from names, so there are no other escapes.
         private static string Text(string quoted)
         {
             return Regex.Replace(quoted.Substring(1, quoted.Length - 2), "\\\\(.)", "$1");
         }
     }
 
-    /// <summary>What a scan found.</summary>
+    /// <summary>The result of a scan.</summary>
     public sealed class ScanResult
     {
         public IReadOnlyList<CameraInfo> Cameras { get; internal set; }
         /// <summary>The base names of the SDKs that were found.</summary>
         public IReadOnlyList<string> Libraries { get; internal set; }
-        /// <summary>What could not be read, or "". A camera that cannot be opened is not told here:
-        /// ZWO ASI and Player One cameras are listed with limits of 0, others are left out.</summary>
+        /// <summary>The failures of the scan, or "". A camera that cannot be opened is not
+        /// reported: a ZWO ASI or Player One camera is listed with limits of 0, and others are
+        /// left out.</summary>
         public string Error { get; internal set; }
     }
 
-    /// <summary>How a camera is to be opened.</summary>
+    /// <summary>The settings for opening a camera.</summary>
     public sealed class CameraSettings
     {
-        /// <summary>Without a width or a height the whole sensor.</summary>
+        /// <summary>Default width and height: the whole sensor.</summary>
         public int? Width { get; set; }
         public int? Height { get; set; }
         public int Bin { get; set; } = 1;
         public Format Format { get; set; } = Format.Raw8;
         public long ExposureUs { get; set; } = 20000;
-        /// <summary>Without one the lowest.</summary>
+        /// <summary>Default: the lowest gain.</summary>
         public int? Gain { get; set; }
         public int Offset { get; set; }
     }
 
-    /// <summary>The library: looks for cameras and opens one.</summary>
+    /// <summary>The library: scans for cameras and opens one.</summary>
     public static class CameraLibrary
     {
         internal static readonly object OneCall = new object();
         internal static Camera OpenCamera;
 
-        /// <summary>Looks for cameras with the makers' SDKs in this directory. Throws
-        /// CameraException while a camera is open. A maker whose cameras could not all be read
-        /// is told in ScanResult.Error.</summary>
+        /// <summary>Scans for cameras with the makers' SDKs in this directory. Throws
+        /// CameraException if a camera is open. ScanResult.Error reports a maker whose cameras
+        /// could not all be read.</summary>
         public static ScanResult Scan(string sdkDirectory)
         {
             byte[] directory = Native.Utf8(System.IO.Path.GetFullPath(sdkDirectory));
@@ -231,7 +233,7 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Opens a camera, which streams from here on; one that is open is closed first.
+        /// <summary>Opens a camera, which then streams. Closes the open camera first.
         /// Throws CameraException with the library's text.</summary>
         public static Camera Open(CameraInfo camera, CameraSettings settings)
         {
@@ -259,10 +261,10 @@ namespace Orvane.DesktopCamera
         }
     }
 
-    /// <summary>An open camera that streams; from CameraLibrary.Open, until Dispose.</summary>
+    /// <summary>An open camera that streams, from CameraLibrary.Open. Dispose closes it.</summary>
     public sealed class Camera : IDisposable
     {
-        // Nothing interrupts a call, and other threads' calls wait for it.
+        // Nothing interrupts a call, and the calls of other threads wait for it.
         private const int LongestCallMs = 1000;
 
         private long exposureUs;
@@ -279,16 +281,16 @@ namespace Orvane.DesktopCamera
 
         public CameraInfo Info { get; }
         public Format Format { get; }
-        /// <summary>Of a frame, in pixels, as the camera rounded it.</summary>
+        /// <summary>Width of a frame in pixels, as the camera rounded it.</summary>
         public int Width { get; }
         public int Height { get; }
-        /// <summary>Bytes that a buffer must have at least.</summary>
+        /// <summary>The smallest permitted buffer, in bytes.</summary>
         public int BufferSize { get; }
         public bool IsClosed { get; private set; }
 
-        /// <summary>Asks once for the next frame; returns the filled part of the buffer, or an
-        /// empty span where none is ready. Nothing is copied. Only ZWO ASI's SDK waits. Nothing
-        /// interrupts it: let it wait for a second at most.</summary>
+        /// <summary>Polls once for the next frame. Returns the filled part of the buffer, or an
+        /// empty span if none is ready. Copies nothing. Only ZWO ASI's SDK waits. Nothing
+        /// interrupts the wait, so use a timeout of at most a second.</summary>
         public unsafe ReadOnlySpan<byte> Poll(Span<byte> buffer, int timeoutMs)
         {
             lock (CameraLibrary.OneCall)
@@ -306,17 +308,17 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Waits for a frame, twice the exposure and half a second at most. That much
-        /// silence is normal: after five time-outs in a row take the camera for lost, because one
-        /// that was unplugged may cause no other error.</summary>
+        /// <summary>Waits for a frame, at most twice the exposure plus half a second. One such
+        /// timeout is normal. After five in a row assume that the camera is lost, because an
+        /// unplugged camera may cause no other error.</summary>
         public ReadOnlySpan<byte> Read(Span<byte> buffer)
         {
             return Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
         }
 
         /// <summary>Waits for the next frame and returns the filled part of the buffer: rows without
-        /// padding, from the top (ToupTek on Windows: from the bottom). Throws FrameTimeoutException
-        /// where none comes.</summary>
+        /// padding, from the top (ToupTek on Windows: from the bottom). Throws
+        /// FrameTimeoutException if none comes.</summary>
         public ReadOnlySpan<byte> Read(Span<byte> buffer, int timeoutMs)
         {
             var waited = Stopwatch.StartNew();
@@ -337,14 +339,14 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Sets exposure, gain and offset, in this order; the stream goes on. What was set
-        /// before a failure stays in force.</summary>
+        /// <summary>Sets exposure, gain and offset, in this order. The camera still streams. Values
+        /// that were set before a failure stay set.</summary>
         public void Apply(long exposureUs, int gain, int offset)
         {
             lock (CameraLibrary.OneCall)
             {
                 DemandOpen();
-                // The maker may have taken the exposure even when a later setting fails.
+                // The SDK may have set the exposure even if a later setting fails.
                 if (exposureUs >= 1 && exposureUs <= int.MaxValue)
                 {
                     this.exposureUs = exposureUs;
@@ -356,9 +358,9 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Of the sensor, in degrees Celsius; NaN where the SDK gives none or the camera
-        /// is closed. An SDK can also give a number that is no temperature, such as 4294967295.0 or
-        /// -300.</summary>
+        /// <summary>The sensor's temperature in degrees Celsius; NaN if the SDK reports none or the
+        /// camera is closed. An SDK can also return a number that is not a temperature, such as
+        /// 4294967295.0 or -300.</summary>
         public double Temperature
         {
             get
@@ -370,7 +372,7 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Stops the stream and releases the camera. Doing so twice is no error.</summary>
+        /// <summary>Stops the stream and releases the camera. A second call does nothing.</summary>
         public void Dispose()
         {
             lock (CameraLibrary.OneCall)
@@ -393,8 +395,8 @@ namespace Orvane.DesktopCamera
         }
     }
 
-    /// <summary>The thirteen functions, and text in UTF-8, which the runtime marshals differently
-    /// on each system.</summary>
+    /// <summary>The thirteen functions. They pass text as bytes, because the runtime marshals UTF-8
+    /// differently on each system.</summary>
     internal static unsafe class Native
     {
         private const string Library = "orvane_desktop_camera";
@@ -428,7 +430,7 @@ namespace Orvane.DesktopCamera
         [DllImport(Library, CallingConvention = Cdecl)]
         internal static extern IntPtr oc_error();
 
-        /// <summary>A NUL-terminated copy. Refuses what has no form in UTF-8.</summary>
+        /// <summary>A NUL-terminated copy. Refuses text that UTF-8 cannot represent.</summary>
         internal static byte[] Utf8(string text)
         {
             if (text.IndexOf('\0') >= 0)
@@ -438,7 +440,7 @@ namespace Orvane.DesktopCamera
             return new UTF8Encoding(false, true).GetBytes(text + "\0");
         }
 
-        /// <summary>A copy of a text of the library's. A name need not be valid UTF-8.</summary>
+        /// <summary>A copy of the library's text. A name need not be valid UTF-8.</summary>
         internal static string Text(IntPtr text)
         {
             byte* start = (byte*)text;

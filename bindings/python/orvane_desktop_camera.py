@@ -7,8 +7,8 @@
     with library.open(cameras[0], exposure_us=20000, gain=100) as camera:
         frame = camera.read()           # an array: rows, columns, and three colours for RGB
 
-The library has one state in a process and at most one open camera. Its calls wait for each other,
-so any thread may make them; while one waits for a frame, other Python threads run.
+A process has one library state and at most one open camera. This module makes one call at a time,
+so any thread may use it. While one thread waits for a frame, other Python threads run.
 
 Units: exposure in microseconds, temperature in degrees Celsius, gain and offset in the maker's own.
 """
@@ -35,18 +35,18 @@ __all__ = ["Bayer", "Camera", "CameraError", "CameraInfo", "Format", "FrameTimeo
 
 
 class CameraError(Exception):
-    """A call failed; the text is the library's own."""
+    """A call failed. The text is the library's error text."""
 
 
 class FrameTimeout(CameraError):
-    """No frame came in time. The camera goes on streaming: read again, or close it."""
+    """No frame came in time. The camera still streams: read again, or close it."""
 
 
 class Format(enum.IntEnum):
-    """What a pixel of a frame is."""
+    """The format of a frame's pixels."""
 
     RAW8 = 0  #: 8 bits; a colour camera delivers its Bayer pattern
-    RAW16 = 1  #: 16 bits, likewise; left-aligned, for ToupTek right-aligned
+    RAW16 = 1  #: the same with 16 bits; left-aligned, for ToupTek right-aligned
     RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI, blue, green, red for Player One
     MONO8 = 3  #: 8 bits of brightness
 
@@ -67,14 +67,14 @@ class Bayer(enum.IntEnum):
 
 @dataclass(frozen=True)
 class CameraInfo:
-    """One camera of the last scan. `index` is void after the next one."""
+    """One camera of the last scan. The next scan makes `index` invalid."""
 
     index: int
     name: str
     max_width: int  #: of the sensor at bin 1, pixels
     max_height: int
     bit_depth: int  #: of the sensor's converter, or only of the transfer (QHYCCD)
-    pixel_size_um: float  #: micrometres; may be NaN or infinite where the SDK says so
+    pixel_size_um: float  #: micrometres; NaN or infinite if the SDK reports that
     is_color: bool
     is_cooled: bool
     is_usb3_camera: bool
@@ -90,8 +90,8 @@ class CameraInfo:
     @staticmethod
     def from_json(text: str) -> "CameraInfo":
         """Reads the library's description of a camera."""
-        # An SDK may state a pixel size that JSON has no form for. Inside a name every quotation
-        # mark has a backslash before it, so this finds the key only.
+        # An SDK may report a pixel size that JSON cannot represent. Inside a name every quotation
+        # mark has a backslash before it, so this matches the key only.
         text = re.sub(r'(?<!\\)"pixelSizeUm":-?nan', '"pixelSizeUm":NaN', text)
         text = re.sub(r'(?<!\\)"pixelSizeUm":(-?)inf', r'"pixelSizeUm":\1Infinity', text)
         fields = json.loads(text)
@@ -116,7 +116,7 @@ class CameraInfo:
         )
 
 
-# What the one state of the library in this process asks of us: one call at a time, and one camera.
+# The library has one state in this process: it allows one call at a time and one open camera.
 _one_call = threading.RLock()
 _open_camera: Optional["weakref.ref[Camera]"] = None  # weak, so that a forgotten camera is closed
 
@@ -124,8 +124,8 @@ _open_camera: Optional["weakref.ref[Camera]"] = None  # weak, so that a forgotte
 class Library:
     """The loaded library.
 
-    file  the library; without it, it is looked for in ORVANE_DESKTOP_CAMERA_LIBRARY, in the package
-          that this module lies in, and beside this module
+    file  the library's path. Default: the environment variable ORVANE_DESKTOP_CAMERA_LIBRARY, else
+          the library in the package that contains this module, else beside this module.
     """
 
     def __init__(self, file: Union[str, os.PathLike, None] = None):
@@ -137,11 +137,11 @@ class Library:
             raise CameraError(f"Cannot load {self.file}: {error}") from error
 
     def scan(self, sdk_directory: Union[str, os.PathLike]) -> list[CameraInfo]:
-        """Looks for cameras with the makers' SDKs in this directory.
+        """Scans for cameras with the makers' SDKs in this directory.
 
-        Raises CameraError while a camera is open. A maker whose cameras could not all be read is no
-        exception: see `scan_error`. A camera that cannot be opened is told by neither: ZWO ASI and
-        Player One cameras are listed with limits of 0, others are left out.
+        Raises CameraError if a camera is open. If a maker's cameras cannot all be read, no exception
+        is raised: see `scan_error`. A camera that cannot be opened is not reported there: a ZWO ASI
+        or Player One camera is listed with limits of 0, and others are left out.
         """
         directory = _utf8(os.fspath(Path(sdk_directory).absolute()))
         with _one_call:
@@ -156,7 +156,9 @@ class Library:
 
     @property
     def scan_error(self) -> str:
-        """What the last scan could not read, or "". It does not tell every camera: see scan()."""
+        """The failures of the last scan, or "". They do not include every missing camera: see
+        scan().
+        """
         return self._scan_error
 
     @property
@@ -178,11 +180,11 @@ class Library:
         gain: Optional[int] = None,
         offset: int = 0,
     ) -> "Camera":
-        """Opens a camera, which streams from here on; one that is open is closed first.
+        """Opens a camera, which then streams. Closes the open camera first.
 
-        `format` is a Format. Without a width or a height the whole sensor, without a gain the
-        lowest. Raises CameraError with the library's text, and OverflowError for a number that the
-        library's types cannot hold.
+        `format` is a Format. Default width and height: the whole sensor; default gain: the lowest.
+        Raises CameraError with the library's text, and OverflowError for a number that the library's
+        types cannot hold.
         """
         global _open_camera
         index = camera.index if isinstance(camera, CameraInfo) else _int32(camera)
@@ -222,7 +224,7 @@ class Library:
 
 
 class Camera:
-    """An open camera that streams. Library.open() makes it; `with` closes it."""
+    """An open camera that streams. Library.open() returns it; `with` closes it."""
 
     def __init__(self, library: Library, info: CameraInfo, format: Format, exposure_us: int):
         self._library = library
@@ -255,13 +257,13 @@ class Camera:
     def poll(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> Optional[np.ndarray]:
-        """Asks once for the next frame; returns None where none is ready.
+        """Polls once for the next frame. Returns None if none is ready.
 
-        buffer      bytes that the frame is written into: one-dimensional, contiguous, writable,
-                    buffer_size long or longer. The result is a view of it, not a copy, and so is
-                    overwritten when the buffer is used again. Without it a new one each time.
-        timeout_ms  how long the SDK may wait; only ZWO ASI's does. Without it twice the exposure
-                    and half a second, but a second at most.
+        buffer      bytes for the frame: one-dimensional, contiguous, writable, at least buffer_size
+                    long. The result is a view of it, not a copy: the next use of the buffer
+                    overwrites the frame. Default: a new buffer each time.
+        timeout_ms  how long the SDK may wait; only ZWO ASI's does. Default: twice the exposure plus
+                    half a second, but at most a second.
         """
         if buffer is None:
             buffer = self.new_buffer()
@@ -284,10 +286,10 @@ class Camera:
     def read(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> np.ndarray:
-        """Waits for the next frame; raises FrameTimeout where none comes within `timeout_ms`, or
-        without it within twice the exposure and half a second. That much silence is normal: after
-        five in a row take the camera for lost, because one that was unplugged may raise no other
-        error. `buffer` as for poll().
+        """Waits for the next frame. Raises FrameTimeout if none comes within `timeout_ms`; default:
+        twice the exposure plus half a second. One such timeout is normal. After five in a row assume
+        that the camera is lost, because an unplugged camera may raise no other error. `buffer` as
+        for poll().
         """
         timeout = self._timeout_ms() if timeout_ms is None else timeout_ms
         if buffer is None:
@@ -306,19 +308,19 @@ class Camera:
     def frames(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> Iterator[np.ndarray]:
-        """One frame after the other, as read() returns them, until the camera is closed."""
+        """Yields frames as read() returns them, until the camera is closed."""
         while not self._closed:
             yield self.read(buffer, timeout_ms)
 
     def apply(self, *, exposure_us: int, gain: int, offset: int) -> None:
-        """Sets exposure, gain and offset, in this order; the stream goes on.
+        """Sets exposure, gain and offset, in this order. The camera still streams.
 
-        Raises CameraError; what was set before the failure stays in force.
+        Raises CameraError. Values that were set before the failure stay set.
         """
         numbers = (_int64(exposure_us), _int32(gain), _int32(offset))
         with _one_call:
             self._demand_open()
-            # The maker may have taken the exposure even when a later setting fails.
+            # The SDK may have set the exposure even if a later setting fails.
             if 1 <= exposure_us <= _INT32_MAX:
                 self._exposure_us = exposure_us
             if not self._c.oc_apply(*numbers):
@@ -326,8 +328,9 @@ class Camera:
 
     @property
     def temperature(self) -> float:
-        """Of the sensor, degrees Celsius; NaN where the SDK gives none or the camera is closed. An
-        SDK can also give a number that is no temperature, such as 4294967295.0 or -300.
+        """The sensor's temperature in degrees Celsius; NaN if the SDK reports none or the camera is
+        closed. An SDK can also return a number that is not a temperature, such as 4294967295.0 or
+        -300.
         """
         with _one_call:
             return math.nan if self._closed else self._c.oc_temperature()
@@ -364,7 +367,7 @@ def _int64(value: int) -> int:
 
 
 def _integer(value: int, bits: int) -> int:
-    # ctypes would cut a larger number down silently.
+    # ctypes would silently truncate a larger number.
     number = value.__index__()
     if not -(2**bits) <= number < 2**bits:
         raise OverflowError(f"{number} does not fit in {bits + 1} bits")

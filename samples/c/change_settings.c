@@ -1,4 +1,4 @@
-/* Doubles the exposure of the first camera while it streams, and tells how bright frames become.
+/* Doubles the exposure of the first camera while it streams, and prints how bright the frames are.
  *   change_settings SDK-DIRECTORY */
 #include "sample.h"
 
@@ -25,13 +25,13 @@ int main(int argc, char** argv) {
   frame = malloc((size_t)oc_buffer_size());
   for (exposureUs = 5000; frame != NULL && exposureUs <= 80000; exposureUs *= 2) {
     int stale;
-    /* Exposure, gain and offset at once. The stream goes on. */
+    /* Sets exposure, gain and offset. The camera still streams. */
     if (!oc_apply(exposureUs, 100, 10)) {
       fprintf(stderr, "Cannot change the settings: %s\n", oc_error());
       bytes = 0;
       break;
     }
-    /* A frame or two may have been exposed with the settings before. */
+    /* The next one or two frames may still have the previous settings. */
     for (stale = 0; stale < 3; ++stale) {
       bytes = waitForFrame(frame, oc_buffer_size(), (int)(2 * exposureUs / 1000) + 500);
     }

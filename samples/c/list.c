@@ -16,13 +16,14 @@ int main(int argc, char** argv) {
   count = oc_scan();
   printf("SDKs: %s\n", oc_libraries()[0] != '\0' ? oc_libraries() : "none");
 
-  /* A maker whose cameras could not all be read says why here, whatever the count. A camera that
-   * another program holds gives no message: it is missing, or listed with limits of 0. */
+  /* If a maker's cameras could not all be read, the error text says why, whatever the count. A
+   * camera that another program has open gives no message: it is missing, or listed with limits
+   * of 0. */
   if (oc_error()[0] != '\0') {
     printf("Some cameras are missing: %s\n", oc_error());
   }
 
-  /* One line of JSON a camera. The text is the library's, and gone with the next oc_info(). */
+  /* One line of JSON per camera. The text is valid until the next oc_info(). */
   printf("Cameras: %d\n", count);
   for (i = 0; i < count; ++i) {
     printf("%s\n", oc_info(i));

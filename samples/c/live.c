@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
       break;
     }
     if (bytes > 0) {
-      ++frames; /* here a program shows or stores the frame */
+      ++frames; /* show or store the frame here */
     } else {
       pauseOneMillisecond();
     }

@@ -1,4 +1,4 @@
-/* Loads the library at run time: a program that also starts where the library is missing.
+/* Loads the library at run time, so that the program starts even if the library is missing.
  *   load_at_run_time LIBRARY-FILE SDK-DIRECTORY */
 #include <stdio.h>
 
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     return 2;
   }
 
-  /* On Windows the path must be a full one. */
+  /* On Windows this must be a full path. */
   if (!orvane_desktop_camera_load(&camera, utf8Argument(argv[1], text, sizeof text), message,
                                   sizeof message)) {
     fprintf(stderr, "%s\nGoing on without cameras.\n", message);

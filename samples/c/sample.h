@@ -1,4 +1,4 @@
-/* What the samples share: a pause, opening the first camera, and a frame. */
+/* Code that the samples share: pauses, opens the first camera, waits for a frame. */
 #ifndef SAMPLE_H
 #define SAMPLE_H
 
@@ -13,7 +13,7 @@
 #  include <windows.h>
 #endif
 
-/* Only ZWO's SDK waits for a frame: a program that polls the others pauses after a 0. */
+/* Only ZWO's SDK waits for a frame, so a program must pause after a 0. */
 static inline void pauseOneMillisecond(void) {
 #if defined(_WIN32)
   Sleep(1);
@@ -39,8 +39,8 @@ static inline int openFirstCamera(const char* sdkDirectory, int64_t exposureUs, 
   return 1;
 }
 
-/* Waits for a frame, timeoutMs and two seconds at most. Returns its bytes, or 0 after printing what
- * went wrong. */
+/* Waits for a frame, at most timeoutMs plus two seconds. Returns the number of its bytes, or 0
+ * after printing what went wrong. */
 static inline int waitForFrame(uint8_t* buffer, int length, int timeoutMs) {
   const time_t end = time(NULL) + 2 + timeoutMs / 1000;
   while (time(NULL) <= end) {

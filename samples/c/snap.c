@@ -1,4 +1,4 @@
-/* Takes one frame of the first camera and writes it as a grey picture (PGM).
+/* Takes one frame of the first camera and writes it as a greyscale picture (PGM).
  *   snap SDK-DIRECTORY FILE.pgm */
 #include "sample.h"
 
@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  /* The buffer may have to be larger than a frame; only the library knows. */
+  /* The buffer may have to be larger than a frame, so ask the library. */
   frame = malloc((size_t)oc_buffer_size());
   if (frame == NULL) {
     fprintf(stderr, "Out of memory.\n");

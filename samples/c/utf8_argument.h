@@ -6,8 +6,8 @@
 #  include <windows.h>
 #endif
 
-/* A program's argument in UTF-8, as the library takes every text. Windows hands main() its
- * arguments in the system's own code page. `buffer` holds the result where it differs. */
+/* A program's argument in UTF-8, because the library takes all text in UTF-8. On Windows the
+ * arguments of main() are in the system's code page, and `buffer` receives the converted text. */
 static inline const char* utf8Argument(const char* argument, char* buffer, int length) {
 #if defined(_WIN32)
   wchar_t wide[1024];

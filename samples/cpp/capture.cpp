@@ -21,26 +21,26 @@ int main(int argc, char** argv) try {
     std::fprintf(stderr, "No camera found. %s\n", found.error.c_str());
     return 1;
   }
-  oc::Settings settings;  // without a size, a gain: the whole sensor, the lowest gain
+  oc::Settings settings;  // default: the whole sensor, the lowest gain
   settings.exposureUs = 10000;
   oc::CaptureThread capture(found.cameras[0], settings);  // opens, streams, reads
 
-  // Every frame, for example for a file. No more than 20 wait here, and none is copied.
+  // A queue that gets every frame, for example to write a file. It holds up to 20 and copies none.
   oc::FrameQueue every = capture.frames(oc::Delivery::Every, 20);
   long frames = 0;
   std::thread writer([&] {
     try {
       while (const oc::Frame frame = every.next()) {
-        ++frames;  // here a program writes frame.pixels() and frame.arrivalTime()
+        ++frames;  // write frame.pixels() and frame.arrivalTime() here
       }
-    } catch (const oc::Error&) {  // the camera was lost; the main thread says so
+    } catch (const oc::Error&) {  // the camera was lost; the main thread reports it
     }
   });
   int status = 0;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::stoi(argv[2]));
   try {
     do {
-      const oc::Frame newest = capture.next(500ms);  // here a program shows the newest frame
+      const oc::Frame newest = capture.next(500ms);  // show the newest frame here
     } while (std::chrono::steady_clock::now() < end);
   } catch (const oc::Error& lost) {
     std::fprintf(stderr, "The camera is lost: %s\n", lost.what());

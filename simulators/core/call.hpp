@@ -1,5 +1,5 @@
-// One call of a maker's function: counts it for the faults, logs it, and answers it, as its body
-// says or as a test has asked.
+// One call of a maker's function: counts it for the faults, logs it, and answers it with its body
+// or with the fault that a test has set.
 #pragma once
 
 #include <cmath>
@@ -12,20 +12,20 @@
 
 namespace orvane::sim {
 
-// How pieces of a log line are written. Numbers stand as they are.
-struct Quoted {  // in quotation marks; "null" without them when there is no text at all
+// How the pieces of a log line are written. Numbers are written unchanged.
+struct Quoted {  // in quotation marks; a null text as "null" without them
   std::string_view text;
 };
 struct Buffer {  // "buffer" or "null"
   const void* address;
 };
-struct Handle {  // "h1", "h2", ..., "h?" for one that is none, or "null"
+struct Handle {  // "h1", "h2", ..., "h?" for an unknown handle, or "null"
   const void* address;
 };
 
 class Call {
  public:
-  // Counts the call and carries out what is to happen just before it. `inputs` are logged.
+  // Counts the call and makes the plug changes that are due before it. `inputs` are logged.
   template <class... Inputs>
   explicit Call(const char* function, const Inputs&... inputs) : isLogged_(begin(function)) {
     if (isLogged_) {
@@ -36,9 +36,9 @@ class Call {
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
 
-  // Runs the body, unless the call is to throw or its result is forced, and returns the result.
+  // Runs the body and returns its result, unless the call is to throw or its result is forced.
   template <class Body>
-  std::invoke_result_t<Body> carryOut(const Body& body) {
+  std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
     throwIfAsked();
     const std::optional<std::int64_t> forced = stage().faults.result();
@@ -60,7 +60,7 @@ class Call {
     }
   }
 
-  // Sets an output, or a field of one, to the value or to what is forced in its place.
+  // Sets an output, or a field of one, to the value, or to the forced value if there is one.
   template <class Type>
   void set(const char* name, Type& output, std::type_identity_t<Type> value) {
     output = overridden(name, value);
@@ -75,7 +75,7 @@ class Call {
     }
   }
 
-  // Logs one output; the pieces are written one behind the other.
+  // Logs one output, made of these pieces.
   template <class... Pieces>
   void wrote(const Pieces&... pieces) {
     if (isLogged_) {
@@ -84,7 +84,7 @@ class Call {
     }
   }
 
-  // The forced value of an output, for outputs that are no numbers.
+  // The forced value of an output, for outputs that are not numbers.
   static std::optional<double> forcedOutput(const char* name) {
     return stage().faults.output(name);
   }
@@ -93,11 +93,11 @@ class Call {
   static bool begin(const char* function);
   void throwIfAsked() const;
 
-  // A number cut to the type's width.
+  // A number converted to the type, truncated to its width.
   template <class Type, class Number>
   static Type numberAs(Number number) {
     if constexpr (std::is_pointer_v<Type>) {
-      // A test may want a handle of any value; nothing ever reads through it.
+      // A test may force a handle to any value. The simulator never dereferences it.
       return reinterpret_cast<Type>(  // NOLINT(performance-no-int-to-ptr)
           static_cast<std::uintptr_t>(wholeOf(number)));
     } else if constexpr (std::is_floating_point_v<Type>) {

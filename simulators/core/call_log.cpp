@@ -29,7 +29,7 @@ void CallLog::clear() {
 void CallLog::endLine() {
   text_ += '\n';
   if (file_) {
-    // A log that cannot be written, on a full disk for example, must not disturb what it is about.
+    // A failed write, on a full disk for example, must not disturb the simulation.
     static_cast<void>(std::fputs(text_.c_str() + lineStart_, file_.get()));
     static_cast<void>(std::fflush(file_.get()));
   }

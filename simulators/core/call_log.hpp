@@ -9,16 +9,16 @@
 
 namespace orvane::sim {
 
-// While it is off, nothing is written and nothing allocated.
+// While it is off, it writes nothing and allocates nothing.
 class CallLog {
  public:
   bool isEnabled() const { return isEnabled_; }
 
-  // Switches the log on or off. Switching it off also ends the writing to a file.
+  // Switches the log on or off. Switching it off also closes the log file.
   void enable(bool enabled);
 
-  // Switches the log on and from now on also appends every line to a file, at once. Returns false,
-  // and changes nothing, when the file cannot be opened.
+  // Switches the log on and also appends every line to a file, without buffering. Returns false and
+  // changes nothing if the file cannot be opened.
   bool enableFile(const std::string& path);
 
   void clear();
@@ -26,7 +26,7 @@ class CallLog {
   // All lines so far.
   const char* text() const { return text_.c_str(); }
 
-  // The line of one call: its pieces in order, then the end of the line.
+  // A call's line is written as its pieces in order, then the line's end.
   void append(std::string_view piece) { text_ += piece; }
   void endLine();
 

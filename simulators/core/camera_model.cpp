@@ -10,12 +10,12 @@ double gainInDecibelSteps(const SimCamera& model, double gain) {
     return 1;
   }
   const double stepsPerDecade = range < 200 ? range / 1.5 : 200;
-  return std::pow(10, held((gain - usualGain(model)) / stepsPerDecade, -6, 6));
+  return std::pow(10, clamped((gain - usualGain(model)) / stepsPerDecade, -6, 6));
 }
 
 double gainInPercent(const SimCamera& model, double gain) {
   const double middle = usualGain(model);
-  return middle > 0 ? held(gain / middle, 0, 1e6) : 1;
+  return middle > 0 ? clamped(gain / middle, 0, 1e6) : 1;
 }
 
 double usualGain(const SimCamera& model) {
@@ -23,10 +23,10 @@ double usualGain(const SimCamera& model) {
 }
 
 double usualExposureUs(const SimCamera& model) {
-  return held(20'000, model.exposureMinUs, model.exposureMaxUs);
+  return clamped(20'000, model.exposureMinUs, model.exposureMaxUs);
 }
 
-double held(double value, double minimum, double maximum) {
+double clamped(double value, double minimum, double maximum) {
   return minimum <= maximum ? std::clamp(value, minimum, maximum) : value;
 }
 

@@ -1,5 +1,5 @@
-// Reading a SimCamera, whose fields may hold nonsense: text without an end, lists without an end,
-// limits that are no numbers.
+// Reads a SimCamera. Its fields may be invalid: text without a NUL, lists without an end, limits
+// that are not numbers.
 #pragma once
 
 #include <algorithm>
@@ -13,15 +13,15 @@
 
 namespace orvane::sim {
 
-// The text of a character field, up to its NUL or, without one, to the field's end.
+// The text of a character field, up to its NUL, or the whole field if it has none.
 template <std::size_t Size>
 std::string_view textOf(const char (&field)[Size]) {
   const char* end = std::find(field, field + Size, '\0');
   return {field, static_cast<std::size_t>(end - field)};
 }
 
-// Copies text into a maker's field and fills the rest with zeros. Text that is as long as the field
-// or longer fills it and leaves no NUL, as the makers do.
+// Copies text into a maker's field and fills the rest with zeros. Text that is at least as long as
+// the field fills it without a NUL, as in the makers' SDKs.
 template <std::size_t Size>
 void copyText(char (&field)[Size], std::string_view text) {
   char* end = std::copy_n(text.data(), std::min(text.size(), Size), field);
@@ -51,7 +51,7 @@ inline bool hasOffset(const SimCamera& model) {
   return model.offsetMax >= model.offsetMin;
 }
 
-// The whole part of a number, held to what the type can take; 0 for what is no number.
+// The whole part of a number, clamped to the type's range; 0 for NaN.
 template <class Integer>
 Integer wholeNumber(double value) {
   static_assert(std::is_integral_v<Integer>);
@@ -62,19 +62,19 @@ Integer wholeNumber(double value) {
   return value < static_cast<double>(Limits::max()) ? static_cast<Integer>(value) : Limits::max();
 }
 
-// Brightness at a gain against that in the middle of the gain range, for gains in steps of 0.1 dB.
-// A range of fewer than 200 steps counts as one of 30 dB.
+// Brightness at a gain relative to the middle of the gain range, for gains in steps of 0.1 dB. A
+// range of fewer than 200 steps counts as 30 dB.
 double gainInDecibelSteps(const SimCamera& model, double gain);
 
-// Brightness at a gain against that in the middle of the gain range, for gains in percent.
+// Brightness at a gain relative to the middle of the gain range, for gains in percent.
 double gainInPercent(const SimCamera& model, double gain);
 
-// The middle of the gain range, and an exposure of 20 ms or the nearest that the camera can: with
-// them the picture is well exposed.
+// Settings for a well exposed picture: the middle of the gain range, and an exposure of 20 ms,
+// clamped to the camera's range.
 double usualGain(const SimCamera& model);
 double usualExposureUs(const SimCamera& model);
 
-// A value held to a range, as it is when the range is empty.
-double held(double value, double minimum, double maximum);
+// A value clamped to a range, or unchanged if the range is empty.
+double clamped(double value, double minimum, double maximum);
 
 }  // namespace orvane::sim

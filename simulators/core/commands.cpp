@@ -1,4 +1,4 @@
-// Commands given as text, by sim_command() or in the environment variable ORVANE_SIMULATOR.
+// Text commands, from sim_command() or from the environment variable ORVANE_SIMULATOR.
 
 #include <algorithm>
 #include <charconv>
@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-// The text up to the first of some separators, which is cut off with it.
+// Removes the text up to the first separator, and the separator, and returns the text.
 std::string_view cutOff(std::string_view& text, std::string_view separators) {
   const std::size_t length = std::min(text.find_first_of(separators), text.size());
   const std::string_view part = text.substr(0, length);
@@ -42,7 +42,8 @@ bool readWord(std::string_view word, Number& field) {
   return !word.empty() && read.ec == std::errc() && read.ptr == end;
 }
 
-// Reads all words of a command's arguments; false when there are too few, too many or wrong ones.
+// Reads all words of a command's arguments. Returns false if one is invalid or their number is
+// wrong.
 template <class... Fields>
 bool read(std::string_view arguments, Fields&... fields) {
   const auto readNext = [&arguments](auto& field) {
@@ -52,11 +53,10 @@ bool read(std::string_view arguments, Fields&... fields) {
   return (readNext(fields) && ...) && trimmed(arguments).empty();
 }
 
-// One kind of command: carries it out when it `isMeant` for this SDK, and returns whether it was
-// understood.
-using Carry = bool (*)(std::string_view arguments, bool isMeant);
+// A command: runs it if it `isMeant` for this SDK, and returns whether it was understood.
+using Command = bool (*)(std::string_view arguments, bool isMeant);
 
-bool carryClock(std::string_view arguments, bool isMeant) {
+bool runClock(std::string_view arguments, bool isMeant) {
   std::string_view state;
   if (!read(arguments, state) || (state != "stopped" && state != "running")) {
     return false;
@@ -67,7 +67,7 @@ bool carryClock(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-bool carrySeed(std::string_view arguments, bool isMeant) {
+bool runSeed(std::string_view arguments, bool isMeant) {
   std::uint64_t seed = 0;
   if (!read(arguments, seed)) {
     return false;
@@ -78,15 +78,15 @@ bool carrySeed(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-bool carryLog(std::string_view arguments, bool isMeant) {
+bool runLog(std::string_view arguments, bool isMeant) {
   return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
 }
 
-bool carryScene(std::string_view arguments, bool isMeant) {
+bool runScene(std::string_view arguments, bool isMeant) {
   return !arguments.empty() && (!isMeant || stage().playRecording(std::string(arguments).c_str()));
 }
 
-bool carryForce(std::string_view arguments, bool isMeant) {
+bool runForce(std::string_view arguments, bool isMeant) {
   std::string_view function;
   CallRange range;
   std::int64_t result = 0;
@@ -99,7 +99,7 @@ bool carryForce(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-bool carryOutput(std::string_view arguments, bool isMeant) {
+bool runOutput(std::string_view arguments, bool isMeant) {
   std::string_view function;
   std::string_view output;
   CallRange range;
@@ -113,8 +113,8 @@ bool carryOutput(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-// "FUNCTION NTH TIMES KIND [TEXT]"; the text may have blanks in it.
-bool carryThrow(std::string_view arguments, bool isMeant) {
+// "FUNCTION NTH TIMES KIND [TEXT]"; the text may contain spaces.
+bool runThrow(std::string_view arguments, bool isMeant) {
   constexpr std::pair<std::string_view, ThrownKind> kinds[] = {{"standard", ThrownKind::Standard},
                                                                {"number", ThrownKind::Number},
                                                                {"object", ThrownKind::Object}};
@@ -129,7 +129,7 @@ bool carryThrow(std::string_view arguments, bool isMeant) {
       return false;
     }
     if (isMeant) {
-      static std::deque<std::string> texts;  // for as long as an exception may be read
+      static std::deque<std::string> texts;  // kept, because an exception may be read later
       texts.emplace_back(trimmed(arguments.substr(place + name.size())));
       stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
     }
@@ -154,11 +154,11 @@ bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
   return true;
 }
 
-bool carryUnplug(std::string_view arguments, bool isMeant) {
+bool runUnplug(std::string_view arguments, bool isMeant) {
   return changePlug(arguments, isMeant, false);
 }
 
-bool carryPlug(std::string_view arguments, bool isMeant) {
+bool runPlug(std::string_view arguments, bool isMeant) {
   std::int32_t camera = 0;
   if (!read(arguments, camera)) {
     return changePlug(arguments, isMeant, true);
@@ -169,30 +169,30 @@ bool carryPlug(std::string_view arguments, bool isMeant) {
   return true;
 }
 
-Carry carryOf(std::string_view verb) {
-  constexpr std::pair<std::string_view, Carry> verbs[] = {
-      {"clock", carryClock}, {"seed", carrySeed},     {"scene", carryScene},
-      {"log", carryLog},     {"force", carryForce},   {"output", carryOutput},
-      {"throw", carryThrow}, {"unplug", carryUnplug}, {"plug", carryPlug}};
+Command commandOf(std::string_view verb) {
+  constexpr std::pair<std::string_view, Command> verbs[] = {
+      {"clock", runClock}, {"seed", runSeed},     {"scene", runScene},
+      {"log", runLog},     {"force", runForce},   {"output", runOutput},
+      {"throw", runThrow}, {"unplug", runUnplug}, {"plug", runPlug}};
   const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
                                          [&](const auto& known) { return known.first == verb; });
   return found == std::end(verbs) ? nullptr : found->second;
 }
 
-bool carryOutEnvironment() {
-  const bool isCarriedOut = carryOutCommands(environmentVariable("ORVANE_SIMULATOR"));
-  if (!isCarriedOut) {
+bool runEnvironment() {
+  const bool isRun = runCommands(environmentVariable("ORVANE_SIMULATOR"));
+  if (!isRun) {
     static_cast<void>(std::fprintf(
         stderr, "%s: a command in ORVANE_SIMULATOR was not carried out\n", maker.sdkName));
   }
-  return isCarriedOut;
+  return isRun;
 }
 
-const bool environmentIsCarriedOut = carryOutEnvironment();
+const bool environmentIsRun = runEnvironment();
 
 }  // namespace
 
-bool carryOutCommands(std::string_view commands) {
+bool runCommands(std::string_view commands) {
   bool isMeant = true;
   while (!commands.empty()) {
     std::string_view arguments = trimmed(cutOff(commands, ";\n"));
@@ -209,8 +209,8 @@ bool carryOutCommands(std::string_view commands) {
       isMeant = name == "*" || name == maker.sdkName;
       continue;
     }
-    const Carry carry = carryOf(verb);
-    if (carry == nullptr || !carry(arguments, isMeant)) {
+    const Command run = commandOf(verb);
+    if (run == nullptr || !run(arguments, isMeant)) {
       return false;
     }
   }

@@ -8,8 +8,8 @@ namespace orvane::sim {
 namespace {
 
 constexpr double air = 18;           // degrees Celsius
-constexpr double selfHeating = 8.5;  // of a running sensor above the air
-constexpr double deepest = 40;       // of the cooler below the air
+constexpr double selfHeating = 8.5;  // degrees that a running sensor is above the air
+constexpr double deepest = 40;       // degrees that the cooler can reach below the air
 constexpr double warmingSeconds = 240;
 constexpr double coolingSeconds = 45;
 constexpr double tremble = 0.06;

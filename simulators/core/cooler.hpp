@@ -5,20 +5,20 @@
 
 namespace orvane::sim {
 
-// The temperature follows from the clock and from when the cooler was told what: it drifts towards
-// where it belongs, fast at first, and trembles a little.
+// The temperature depends on the clock and on the time and value of the last setting only. It
+// approaches its goal exponentially and fluctuates a little.
 class Cooler {
  public:
-  // The camera has been opened; the sensor is as warm as the air and begins to warm up.
+  // Call it when the camera is opened: the sensor starts at the air's temperature and warms up.
   void start(std::int64_t now);
 
-  // Cools towards `target` degrees Celsius, as far as the cooler can, or stops cooling.
+  // Cools to `target` degrees Celsius, as far as the cooler can, or stops cooling.
   void set(std::int64_t now, bool isOn, double target);
 
   // Degrees Celsius.
   double temperature(std::int64_t now) const;
 
-  // The part of its full power that the cooler takes, percent.
+  // The cooler's power, in percent of its full power.
   double power(std::int64_t now) const;
 
  private:

@@ -1,5 +1,5 @@
-// What a test has asked to go wrong: forced results, forced outputs, exceptions, and cameras that
-// are unplugged and plugged in, each at a chosen call of a maker's function.
+// The faults that a test has set: forced results, forced outputs, exceptions, and cameras that are
+// unplugged and plugged in, each at a chosen call of a maker's function.
 #pragma once
 
 #include <cstddef>
@@ -13,10 +13,10 @@
 
 namespace orvane::sim {
 
-// Which calls of a function are meant, counted from when the fault was added.
+// The calls of a function that a fault applies to, counted from when it was added.
 struct CallRange {
-  std::int32_t nth = 1;    // 1 is the next call, as is anything below
-  std::int32_t times = 1;  // calls from there on; below 0: all
+  std::int32_t nth = 1;    // 1 or less: the next call
+  std::int32_t times = 1;  // number of calls from there on; negative: all
 };
 
 // A camera whose cable is pulled out or put in.
@@ -39,11 +39,11 @@ class Faults {
   void throwFrom(std::string_view function, CallRange range, ThrownFault thrown);
   void plug(std::string_view function, std::int32_t nth, PlugChange change);
 
-  // Forgets the forced results, outputs and exceptions; plugging is kept.
+  // Removes the forced results, outputs and exceptions, but not the plug changes.
   void clearForced();
   void clear() { faults_.clear(); }
 
-  // Counts a call. Its faults are those in force until the next call is counted.
+  // Counts a call. The functions below then return this call's faults.
   void count(std::string_view function);
 
   // The forced result of the counted call.
@@ -55,7 +55,7 @@ class Faults {
   // The forced value of an output of the counted call.
   std::optional<double> output(std::string_view name) const;
 
-  // Hands out, one at a time, what is to be done with cables before the counted call.
+  // Returns the plug changes that are due before the counted call, one at a time.
   std::optional<PlugChange> nextPlugChange();
 
  private:

@@ -6,7 +6,7 @@
 namespace orvane::sim {
 namespace {
 
-// The clock goes no further. A frame that would be complete later never is.
+// The clock stops here. A frame that would be complete later never becomes complete.
 constexpr std::int64_t lastMoment = std::int64_t{1} << 61;
 constexpr std::int64_t never = lastMoment + 1;
 
@@ -114,7 +114,7 @@ void FrameStream::catchUp(std::int64_t now) {
   }
 }
 
-// The exposed frame joins the queue, and the next one begins.
+// Adds the exposed frame to the queue and begins the next one.
 void FrameStream::completeFrame() {
   if (queued_ == rule_.length) {
     std::move(queue_.begin() + 1, queue_.end(), queue_.begin());
@@ -127,8 +127,8 @@ void FrameStream::completeFrame() {
   isExposing_ = !isSingleFrame_ && !(rule_.whenFull == WhenFull::Pause && queued_ == rule_.length);
 }
 
-// After a long time nobody asked, only the last frames can still be in the queue: those before them
-// are counted, not made.
+// After a long time without a call, only the last frames can still be in the queue. The frames
+// before them are only counted.
 void FrameStream::skipFrames(std::int64_t now) {
   if (!isExposing_ || rule_.whenFull == WhenFull::Pause || completion_ > now) {
     return;

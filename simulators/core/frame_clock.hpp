@@ -1,4 +1,4 @@
-// Time in a simulated SDK: the clock, and the stream of frames that it paces.
+// Time in a simulated SDK: the clock and the stream of frames that depends on it.
 #pragma once
 
 #include <array>
@@ -11,20 +11,20 @@
 
 namespace orvane::sim {
 
-// Microseconds since the clock was made. It runs with the computer's clock, or stands still until
-// it is moved.
+// Microseconds since the clock was constructed. It runs with the computer's clock, or is stopped
+// and moves only when it is told to.
 class Clock {
  public:
   std::int64_t now() const;
 
-  // Stops the clock, or lets it run on from where it stands.
+  // Stops the clock, or lets it run on from its present time.
   void stop(bool stopped);
 
-  // Moves the clock forward. A negative time is no time.
+  // Moves the clock forward. A negative time counts as 0.
   void advance(std::int64_t microseconds);
 
-  // Waits for a moment; a stopped clock is moved there at once. A moment in the past is not waited
-  // for.
+  // Waits until this time, or returns at once if it is past. A stopped clock is set to this time
+  // instead.
   void waitUntil(std::int64_t moment);
 
  private:
@@ -32,14 +32,14 @@ class Clock {
 
   bool isStopped_ = false;
   std::int64_t stoppedAt_ = 0;
-  std::int64_t shift_ = 0;  // of the running clock against the computer's
+  std::int64_t shift_ = 0;  // the running clock's difference to the computer's
   Steady::time_point start_ = Steady::now();
 };
 
-// What a maker's SDK does with a frame that finds the queue full.
+// What a maker's SDK does when the queue is full.
 enum class WhenFull {
-  DropOldest,  // the frame takes the place of the oldest one
-  Pause,       // the camera exposes no further frame until one is taken
+  DropOldest,  // the new frame replaces the oldest one
+  Pause,       // the camera exposes no frame until one is taken
 };
 
 struct QueueRule {
@@ -47,45 +47,45 @@ struct QueueRule {
   WhenFull whenFull;
 };
 
-// A frame that the camera has exposed: its number since the stream's start, counting also those
-// that were dropped, and the settings it was exposed with.
+// An exposed frame: its number since the stream's start, including dropped frames, and the settings
+// of its exposure.
 struct Frame {
   std::int64_t number = 0;
   FrameSettings settings;
 };
 
-// The frames of a streaming camera. They follow each other without a gap; each takes its exposure
-// time or, when that is longer, the time of reading the sensor. New settings hold from the next
+// The frames of a streaming camera. They follow each other without a gap. Each takes the longer of
+// its exposure time and the time that reading the sensor takes. New settings apply from the next
 // frame on. Frames wait in a short queue.
 //
-// Nothing runs in the background: every call first catches up with the clock.
+// There is no thread: every call first completes the frames that are due by the clock.
 class FrameStream {
  public:
   static constexpr std::size_t longestQueue = 4;
 
-  // From start() to stop().
+  // True between start() and stop().
   bool isRunning() const { return isRunning_; }
 
-  // Whether a stream of one frame has exposed it and handed it out.
+  // Whether a stream of one frame has exposed and delivered it.
   bool isFinished() const { return isSingleFrame_ && !isExposing_ && queued_ == 0; }
 
-  // Begins to expose frame 0. A stream of one frame exposes no other.
+  // Begins to expose frame 0. A stream of one frame exposes no further one.
   void start(std::int64_t now, QueueRule rule, bool isSingleFrame, const FrameSettings& settings);
   void stop();
 
-  // Takes over new settings, for the frame after the one that is being exposed.
+  // Applies new settings to the frame after the one that is being exposed.
   void change(std::int64_t now, const FrameSettings& settings);
 
-  // Takes over new settings at once: what waits and what is being exposed is thrown away.
+  // Applies new settings at once: drops the waiting frames and the one that is being exposed.
   void restartFrame(std::int64_t now, const FrameSettings& settings);
 
-  // The oldest waiting frame; null when none is there.
+  // The oldest waiting frame; null if there is none.
   const Frame* waiting(std::int64_t now);
 
-  // When the frame that is being exposed will be complete; nothing when no frame is.
+  // When the frame that is being exposed will be complete; empty if none is being exposed.
   std::optional<std::int64_t> nextCompletion() const;
 
-  // Removes the oldest waiting frame, of which there must be one.
+  // Removes the oldest waiting frame. There must be one.
   void take(std::int64_t now);
 
  private:

@@ -1,5 +1,5 @@
-// What Microsoft's compiler for x64 puts behind a `throw`, written out by hand: for simulators and
-// tests that another compiler builds.
+// Throws C++ exceptions as Microsoft's compiler for x64 does, for simulators and tests that another
+// compiler builds. The compiler's tables are written by hand.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +12,7 @@
 
 namespace orvane::sim {
 
-// Offsets in the tables count from here: the start of the module that has them.
+// The start of the module. Offsets in the tables are relative to it.
 extern "C" char __ImageBase;
 
 template <class Type>
@@ -24,7 +24,7 @@ std::int32_t imageOffset(Type* address) {
 struct MicrosoftThrow {
   using Destructor = void (*)(void* object);
 
-  // `names` are the decorated names of the types by which it can be caught, its own first.
+  // `names` are the decorated names of the types by which it can be caught, its own type first.
   MicrosoftThrow(std::initializer_list<const char*> names, std::size_t objectSize,
                  Destructor destructor = nullptr) {
     info.destructor = destructor != nullptr ? imageOffset(reinterpret_cast<char*>(destructor)) : 0;
@@ -38,7 +38,7 @@ struct MicrosoftThrow {
     }
   }
 
-  // Throws the object, which lies on the caller's stack or elsewhere.
+  // Throws the object. It may be on the caller's stack or anywhere else.
   [[noreturn]] void raise(void* object) const {
     const ULONG_PTR parameters[] = {0x19930520, reinterpret_cast<ULONG_PTR>(object),
                                     reinterpret_cast<ULONG_PTR>(&info),
@@ -76,7 +76,7 @@ struct MicrosoftThrow {
   } descriptors[mostTypes];
 };
 
-// An object that derives from std::exception, as far as its virtual table tells.
+// An object whose virtual table is that of a class derived from std::exception.
 struct MicrosoftStandardObject {
   using What = const char* (*)(const MicrosoftStandardObject* object);
 

@@ -8,10 +8,10 @@
 namespace orvane::sim {
 namespace {
 
-// How the recording's light becomes a count.
+// Converts the recording's light to a count.
 struct Scale {
   double factor;
-  double pedestal;  // with the half that rounds
+  double pedestal;  // including 0.5 for rounding
   double largest;
 
   std::int32_t countOf(double light) const {
@@ -28,13 +28,13 @@ Scale scaleOf(const FrameSettings& settings) {
           settings.pedestal * largest + 0.5, static_cast<double>(largest)};
 }
 
-// The first pixel of the recording that a longer or shorter row or column of the sensor sees; even,
-// so that a mosaic stays as it is.
+// The first pixel of the recording's row or column that the sensor sees. It is even, so that the
+// Bayer pattern stays the same.
 std::int32_t firstSeen(std::int32_t recorded, std::int32_t sensor) {
   return recorded > sensor ? (recorded - std::max(sensor, 0)) / 2 & ~1 : 0;
 }
 
-// What one frame sees of the recording.
+// The part of the recording that one frame shows.
 class View {
  public:
   View(const Recording& recording, const FrameSettings& settings)
@@ -46,7 +46,7 @@ class View {
         step_(isMosaic(settings) ? 2 : 1),
         area_(static_cast<double>(bin_) * bin_) {}
 
-  // The light on a sample of a row of the frame; both counted as delivered.
+  // The light on a sample of the frame. Row and sample are counted in the order of delivery.
   double light(std::int32_t row, std::int32_t sample) const {
     const std::int32_t samples = samplesPerPixel(settings_.layout);
     const Region& region = settings_.region;
@@ -63,7 +63,8 @@ class View {
  private:
   static constexpr std::size_t anyColor = 3;
 
-  // The pixels behind a binned one; those of a mosaic are every second one, of the same filter.
+  // The first pixel of a binned one. With a Bayer pattern, every second pixel belongs to it: those
+  // with the same filter.
   std::int64_t firstBehind(std::int64_t binned) const {
     return step_ == 2 ? (binned & ~std::int64_t{1}) * bin_ + (binned & 1) : binned * bin_;
   }

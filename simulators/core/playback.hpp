@@ -1,11 +1,10 @@
-// The sensor in front of a recording: what a frame looks like for given settings.
+// The sensor in front of a recording: makes a frame for given settings.
 //
-// The recording takes the place of the light, the optics and the noise, since it has all three in
-// it: none is added. With the usual exposure and gain and without a black level a sample is the
-// recording's own; other settings scale it.
+// The recording already contains light, optics and noise, so none is added. With the usual exposure
+// and gain and without a black level, a sample has the recording's value. Other settings scale it.
 //
-// A recording that is smaller than the sensor lies at the sensor's top left corner, where the
-// library's regions lie, and the rest is dark. Of a larger one the sensor sees the middle.
+// A recording that is smaller than the sensor fills the sensor's top left corner, where the
+// library's regions begin; the rest is dark. Of a larger one the sensor sees the middle.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Numbers that look random and follow from a counter alone, so that any part of a frame can be made
+// Pseudo-random numbers that depend on a counter only, so that any part of a frame can be rendered
 // again, in any order.
 #pragma once
 

@@ -57,7 +57,7 @@ std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int
   if (format.depth < 1 || format.depth > 16) {
     return "its samples have a depth that is not from 1 to 16 bits";
   }
-  // The header of an interrupted recording may say more frames than there are, or none.
+  // The header of an interrupted recording may state too many frames, or none.
   const std::int64_t promised = number(offset::frameCount);
   const std::int64_t present =
       (fileSize - static_cast<std::int64_t>(ser::headerSize)) / format.frameBytes();
@@ -139,13 +139,13 @@ float Recording::light(std::size_t plane, std::int32_t x, std::int32_t y) const 
   return isOwn ? sample(x, y, 0) : ofNeighbours(plane, x, y);
 }
 
-// The average of the pixels around that have the filter.
+// The average of the neighbouring pixels with the filter of this colour.
 float Recording::ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
   const bool isInside = x > 0 && y > 0 && x + 1 < format_.width && y + 1 < format_.height;
   return isInside ? ofAllNeighbours(plane, x, y) : ofNeighboursAtTheEdge(plane, x, y);
 }
 
-// They lie left and right, above and below, or in the corners.
+// The neighbours with a filter are left and right, above and below, or at the corners.
 float Recording::ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
   const bool isBeside = filterPlane(format_.mosaic, x + 1, y) == plane;
   const bool isAbove = filterPlane(format_.mosaic, x, y + 1) == plane;
@@ -171,7 +171,7 @@ float Recording::ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::i
       }
     }
   }
-  return count > 0 ? sum / count : 0;  // a recording one pixel wide has no such neighbour
+  return count > 0 ? sum / count : 0;  // no such neighbour in a recording one pixel wide
 }
 
 float Recording::brightness(std::int32_t x, std::int32_t y) const {

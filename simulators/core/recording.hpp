@@ -1,5 +1,4 @@
-// A recording that plays in front of the cameras in place of the synthetic sky: the frames of a SER
-// file.
+// A recording that the cameras see instead of the synthetic sky: the frames of a SER file.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +15,8 @@ namespace orvane::sim {
 // The header is checked against the file's size.
 class Recording {
  public:
-  // Opens the file of this name, in UTF-8, in place of the one before. Returns "", or, as half a
-  // sentence, why it cannot be played; the one before then goes on.
+  // Opens the file of this name, in UTF-8, instead of the previous one. Returns "", or the reason
+  // why the file cannot be played; the previous one then stays open.
   std::string open(const std::string& path);
 
   void close();
@@ -26,20 +25,19 @@ class Recording {
   std::int32_t width() const { return format_.width; }
   std::int32_t height() const { return format_.height; }
 
-  // Makes a frame the present one. The recording plays again and again: frame numbers beyond its
-  // end begin anew. A frame that cannot be read any more is black.
+  // Makes a frame the present one. The recording repeats: frame numbers beyond its end start again
+  // at its first frame. A frame that can no longer be read is black.
   void show(std::int64_t frameNumber);
 
-  // What the present frame shows in one colour (0 red, 1 green, 2 blue) at a place that lies in it;
-  // 65536 is full scale. With a Bayer pattern, the colour is that of the pixel or of its
-  // neighbours.
+  // The present frame's light in one colour (0 red, 1 green, 2 blue) at a pixel inside the frame.
+  // 65536 is full scale. With a Bayer pattern, the value comes from the pixel or its neighbours.
   float light(std::size_t plane, std::int32_t x, std::int32_t y) const;
 
-  // The same without regard to colour.
+  // The present frame's light at a pixel, whatever its colour.
   float brightness(std::int32_t x, std::int32_t y) const;
 
  private:
-  // What the header says.
+  // The contents of the header.
   struct Format {
     std::int32_t width = 0;
     std::int32_t height = 0;
@@ -64,9 +62,9 @@ class Recording {
 
   File file_;
   Format format_;
-  std::int64_t present_ = -1;  // the frame that has been read; -1 is none
+  std::int64_t present_ = -1;  // the frame that has been read; -1 if none
   std::vector<std::uint8_t> bytes_;
-  std::vector<std::uint16_t> samples_;  // with all 16 bits in use, red first
+  std::vector<std::uint16_t> samples_;  // scaled to 16 bits, red first
 };
 
 }  // namespace orvane::sim

@@ -10,18 +10,18 @@
 namespace orvane::sim {
 namespace {
 
-// Stars are Moffat profiles (1 + (d / starWidth)^2)^-3 with the peak given.
+// Stars are Moffat profiles: peak * (1 + (d / starWidth)^2)^-3.
 constexpr double starWidth = 0.0038;
-constexpr double faintestLight = 0.0003;  // a profile is followed out to here
+constexpr double faintestLight = 0.0003;  // fainter parts of a profile are not drawn
 constexpr double skyCell = 0.012;
-constexpr int starCount = 3200;   // over all that the widest frame can show
+constexpr int starCount = 3200;   // on the widest frame's sky
 constexpr double skyWidth = 2.8;  // frame heights
 
 constexpr double planetRadius = 0.1;
 constexpr double planetY = 0.45;
 constexpr double planetFlattening = 0.93;
 constexpr double planetRoll = -0.32;  // radians
-constexpr double ringOpening = 0.34;  // sine of the angle that we look down on the ring by
+constexpr double ringOpening = 0.34;  // sine of the angle between the line of sight and the ring
 constexpr double ringInner = 1.26;    // planet radii
 constexpr double ringOuter = 2.24;
 constexpr double planetReach = ringOuter + 0.1;
@@ -50,7 +50,7 @@ double smoothStep(double low, double high, double value) {
   return t * t * (3 - 2 * t);
 }
 
-// Smooth random hills between 0 and 1, about one to a unit of length.
+// Smooth noise between 0 and 1, with about one hill per unit of length.
 double hills(double x, double y, std::uint64_t seed) {
   const double left = std::floor(x);
   const double top = std::floor(y);
@@ -71,8 +71,8 @@ double clouds(double x, double y, std::uint64_t seed) {
          1.75;
 }
 
-// How much of the star cloud lies in a direction; it crosses the frame as a broad slanting band.
-// `x` counts from the frame's middle.
+// The density of the star cloud at a point. The cloud is a broad slanting band across the frame.
+// `x` is relative to the frame's middle.
 double starCloud(double x, double y) {
   const double across = 0.55 * x + 0.83 * (y - 0.62) + 0.08 * std::sin(3 * x);
   const double band = std::exp(-square(across / 0.24));
@@ -81,7 +81,7 @@ double starCloud(double x, double y) {
   return band * (0.35 + 1.1 * texture) * (1 - 0.65 * lane * clouds(9 * x, 9 * y, 23));
 }
 
-// From a red dwarf (0) to a blue giant (1).
+// The colour of a star, from a red dwarf (0) to a blue giant (1).
 Light starColor(double heat) {
   constexpr Light red{1.0F, 0.55F, 0.30F};
   constexpr Light yellow{1.0F, 0.90F, 0.72F};
@@ -89,8 +89,8 @@ Light starColor(double heat) {
   return heat < 0.5 ? mixed(red, yellow, heat * 2) : mixed(yellow, blue, heat * 2 - 1);
 }
 
-// A point of the planet's disc: `u` along the equator, `v` towards the south pole, in radii, within
-// the disc.
+// The light of a point on the planet's disc: `u` along the equator, `v` towards the south pole, in
+// radii.
 Light planetSurface(double u, double v) {
   const double depth = std::sqrt(std::max(0.0, 1 - u * u - v * v));
   const double latitude = std::asin(
@@ -109,7 +109,7 @@ Light planetSurface(double u, double v) {
   return scaled(light, 0.12 + 0.88 * std::pow(depth, 0.55));
 }
 
-// How much of the light behind it the ring hides at a distance of so many planet radii.
+// The part of the light behind the ring that it blocks, at a distance in planet radii.
 double ringDensity(double radius) {
   if (radius < ringInner || radius > ringOuter) {
     return 0;
@@ -149,7 +149,7 @@ void Scene::set(std::uint64_t seed, double aspect, double pixel) {
     const double rarity = next();
     const double heat = next();
     const bool isInCloud = next() < 0.22 + 0.8 * starCloud(fromMiddle, y);
-    // Each step down in brightness has more stars, as in the sky.
+    // Fainter stars are more frequent, as in the sky.
     const double brightness = std::min(0.0050 * std::pow(1 - rarity, -0.85), 0.6);
     const double x = aspect / 2 + fromMiddle;
     if (isInCloud && x > -0.05 && x < aspect + 0.05) {
@@ -158,7 +158,7 @@ void Scene::set(std::uint64_t seed, double aspect, double pixel) {
   }
 }
 
-// A pixel that is large against a star blurs it; the star's whole light stays.
+// A pixel that is large relative to a star blurs it. The star's total light stays the same.
 void Scene::addStar(double x, double y, const Light& peak) {
   const double dilution = (starWidth * starWidth) / (starWidth_ * starWidth_);
   const Light diluted = scaled(peak, dilution);
@@ -192,7 +192,7 @@ void Scene::light(const SceneRow& row, float* red, float* green, float* blue) co
 void Scene::setSky() {
   constexpr double mostColumns = 1000;
   skyCell_ = std::max(skyCell, aspect_ / mostColumns);
-  // One corner more than cells, and one for the last row and column to lie before.
+  // One more corner than cells, and one more so that the last row and column have a next corner.
   skyColumns_ = static_cast<std::size_t>(aspect_ / skyCell_) + 2;
   const auto rows = static_cast<std::size_t>(1 / skyCell_) + 2;
   sky_.clear();
@@ -277,7 +277,7 @@ void Scene::addPlanet(const SceneRow& row, float* red, float* green, float* blue
     const double ring = ringDensity(std::sqrt(square(u) + square(v / ringOpening)));
     const bool isInFront = v > 0;
 
-    // The far half of the ring passes behind the planet and, on one side, through its shadow.
+    // The far half of the ring is behind the planet and, on one side, in its shadow.
     if (!isInFront && ring > 0) {
       const bool isInShadow = u > 0.25 && square(u - 0.35) + square(discV) < 1;
       cover(scaled(ringColor, isInShadow ? 0.04 : 0.95), ring);

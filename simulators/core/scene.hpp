@@ -1,9 +1,9 @@
-// The sky in front of every simulated camera: a night sky with airglow and a star cloud, several
+// The sky that every simulated camera sees: a night sky with airglow and a star cloud, several
 // hundred stars, a banded planet with a ring and moons, and a wide pair of one red and one blue
 // star that are brighter than all others.
 //
-// Places are measured in heights of the sensor's full frame, so every camera shows the same sky:
-// the planet in the middle, the bright pair near the top left corner, where a small region of any
+// Positions are in heights of the sensor's full frame, so every camera shows the same sky: the
+// planet in the middle, and the bright pair near the top left corner, where a small region of any
 // sensor shows it.
 #pragma once
 
@@ -20,7 +20,7 @@ struct Light {
   float blue = 0;
 };
 
-// A row of pixels to be lit.
+// A row of pixels whose light is computed.
 struct SceneRow {
   double x = 0;            // the first pixel's centre, frame heights from the left edge
   double y = 0;            // frame heights from the top edge
@@ -29,11 +29,11 @@ struct SceneRow {
 
 class Scene {
  public:
-  // The stars of one seed, for a frame that is `aspect` frame heights wide and whose pixels are
-  // `pixel` frame heights wide.
+  // Sets the stars from the seed, for a frame that is `aspect` frame heights wide and whose pixels
+  // are `pixel` frame heights wide.
   void set(std::uint64_t seed, double aspect, double pixel);
 
-  // The light on each pixel of a row, one plane a colour.
+  // Computes the light on each pixel of a row, one plane per colour.
   void light(const SceneRow& row, float* red, float* green, float* blue) const;
 
  private:
@@ -41,7 +41,7 @@ class Scene {
     double x;  // frame heights from the frame's left edge
     double y;
     Light peak;
-    double reach;  // its light is followed so far
+    double reach;  // its light is drawn up to this distance
   };
 
   void setSky();
@@ -55,8 +55,8 @@ class Scene {
   double pixel_ = 1;
   double starWidth_ = 1;
   std::vector<Star> stars_;
-  // The sky on the corners of square cells, row by row; it is even enough to be drawn straight
-  // between them.
+  // The sky at the corners of square cells, row by row. It is smooth enough for linear
+  // interpolation between them.
   std::vector<Light> sky_;
   std::size_t skyColumns_ = 0;
   double skyCell_ = 1;  // frame heights

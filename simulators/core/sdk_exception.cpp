@@ -1,4 +1,4 @@
-// Exceptions thrown as this compiler throws them.
+// Throws exceptions in the usual way of the compiler that builds the simulator.
 #include "core/sdk_exception.hpp"
 
 #include <stdexcept>
@@ -8,7 +8,7 @@ namespace {
 
 std::int32_t alive = 0;
 
-// Counts an object that may be copied while it is thrown.
+// Counts its live objects, including copies that a throw makes.
 struct Counted {
   Counted() { ++alive; }
   Counted(const Counted&) { ++alive; }

@@ -1,5 +1,5 @@
-// Exceptions that a simulated SDK throws on request, as the maker's SDK for this system would: on
-// Windows as Microsoft's compiler throws them, whichever compiler built the simulator.
+// Exceptions that a simulated SDK throws on request, as the maker's SDK for this system would. On
+// Windows they are those of Microsoft's compiler, whichever compiler built the simulator.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@ enum class ThrownKind {
   Object,    // an object of a class of its own
 };
 
-// Throws. `text` is what a standard exception's what() returns, as it is: also null, or a text
-// that cannot be read.
+// Throws. A standard exception's what() returns `text` unchanged, even if it is null or not
+// readable.
 [[noreturn]] void throwSdkException(ThrownKind kind, const char* text);
 
-// Objects that have been thrown and not been destroyed. Negative after one was destroyed twice, or
-// at another place than where it was thrown.
+// The number of thrown objects that have not been destroyed. Negative if one was destroyed twice or
+// at an address other than its own.
 std::int32_t exceptionsAlive();
 
 }  // namespace orvane::sim

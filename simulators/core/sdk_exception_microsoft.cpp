@@ -1,4 +1,4 @@
-// Exceptions thrown as Microsoft's compiler throws them, from a simulator that GCC built.
+// Throws exceptions as Microsoft's compiler does, from a simulator that GCC built.
 #include "core/microsoft_exception.hpp"
 #include "core/sdk_exception.hpp"
 
@@ -13,12 +13,12 @@ const char* whatOf(const MicrosoftStandardObject* object) {
 
 const void* const standardTable[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
 
-// Knows where it was thrown.
+// Stores the address at which it was thrown.
 struct PlainObject {
   const PlainObject* self;
 };
 
-// A destructor that does not find its object where it was thrown counts twice.
+// Counts twice if the object is not at the address at which it was thrown.
 template <class Object>
 void destroy(void* address) {
   const auto* object = static_cast<Object*>(address);

@@ -11,8 +11,8 @@
 namespace orvane::sim {
 namespace {
 
-// With the usual exposure and the middle of the gain range, the planet's brightest part fills half
-// of the sensor's range.
+// The planet's brightest part, as a part of full scale, at the usual exposure and in the middle of
+// the gain range.
 constexpr double planetPart = 0.5;
 constexpr double electronsAtFullScale = 6000;
 constexpr float readNoise = 3;  // electrons
@@ -24,16 +24,16 @@ constexpr std::uint64_t spansPerHotPixel = 20;
 constexpr double usb3BytesPerUs = 350;
 constexpr double usb2BytesPerUs = 40;
 
-// More samples than any camera has: their light is worked out row by row instead of being kept.
+// More samples than any camera has. For larger frames the light is computed row by row, not kept.
 constexpr std::size_t mostKeptSamples = 100'000'000;
 
-// Normally distributed numbers, equally likely each.
+// The size of the table of normally distributed numbers. Each entry is equally likely.
 constexpr std::size_t normalCount = 4096;
 
 std::array<float, normalCount> makeNormals() {
   std::array<float, normalCount> normals{};
   for (std::size_t i = 0; i < normalCount / 2; ++i) {
-    // The quantile of the middle of each of the equal parts, by bisection of the distribution.
+    // The quantile at the middle of each of the equal parts, found by bisection.
     const double part = (static_cast<double>(i) + 0.5) / static_cast<double>(normalCount);
     double low = -6;
     double high = 0;
@@ -47,7 +47,7 @@ std::array<float, normalCount> makeNormals() {
   return normals;
 }
 
-// Fills `noise` with normally distributed numbers that follow from the key alone.
+// Fills `noise` with normally distributed numbers that depend on the key only.
 void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
   static const std::array<float, normalCount> normals = makeNormals();
   constexpr std::int32_t perHash = 5;
@@ -62,7 +62,7 @@ void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
   }
 }
 
-// The part of the light that the optics let through to each pixel of a row.
+// The part of the light that the optics pass to each pixel of a row.
 void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
   const double corner = (aspect * aspect + 1) / 4;
   const double dy = row.y - 0.5;
@@ -72,7 +72,7 @@ void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
   }
 }
 
-// Hot pixels belong to the sensor, so they stay where they are when the region moves.
+// Hot pixels belong to the sensor: their positions do not depend on the region.
 void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t samples, float* light) {
   for (std::int32_t span = region.x / hotPixelSpan;
        span <= (region.x + region.width) / hotPixelSpan; ++span) {
@@ -88,14 +88,14 @@ void addHotPixels(std::uint64_t rowKey, const Region& region, std::int32_t sampl
   }
 }
 
-// How a sample becomes a count.
+// Converts a sample's light to a count.
 struct Conversion {
-  float electrons;   // of light 1
-  float noiseScale;  // binned samples are an average of several
-  float counts;      // of one electron
-  float pedestal;    // counts, with the half that rounds
+  float electrons;   // for light 1
+  float noiseScale;  // below 1 for binned samples, which are averages
+  float counts;      // per electron
+  float pedestal;    // counts, including 0.5 for rounding
   float largest;
-  std::int32_t shift;  // left, from the converter's bits to the sample's; negative is right
+  std::int32_t shift;  // to the left, from the converter's bits to the sample's; negative: right
 };
 
 Conversion conversionOf(const FrameSettings& settings) {
@@ -202,7 +202,7 @@ void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
   }
 }
 
-// Works out the light on all samples of one row of the frame, counted as delivered.
+// Computes the light on all samples of one row of the frame. Rows are in the order of delivery.
 void Renderer::lightRow(std::int32_t row, float* light) {
   const Region& region = key_.region;
   const std::int32_t sensorRow = region.y + (key_.isUpsideDown ? region.height - 1 - row : row);

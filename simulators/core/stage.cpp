@@ -139,7 +139,7 @@ Stage::Handle* Stage::find(const void* handle) {
 }
 
 std::size_t Stage::numberOf(const void* handle) const {
-  // The one in use is nearly always the last.
+  // Backwards, because the handle is nearly always the last one.
   for (std::size_t i = handles_.size(); i > forgottenHandles_; --i) {
     if (&handles_[i - 1] == handle) {
       return i - forgottenHandles_;

@@ -72,7 +72,7 @@ bool seek(std::FILE* file, std::int64_t position) {
 }
 
 std::string environmentVariable(const char* name) {
-  // Asked while the library is being loaded, before anybody can be changing the environment.
+  // Called while the library is being loaded, when no other thread changes the environment.
   const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
   return value == nullptr ? "" : value;
 }

@@ -1,5 +1,5 @@
-// Raising a failure, out of line: what builds an exception stays out of the functions that a frame
-// passes through.
+// throwFailure(). It is out of line so that the code that builds the exception does not become part
+// of the functions on the frame path.
 #include "api/failure.hpp"
 
 #include <stdexcept>

@@ -1,5 +1,5 @@
-// Failures: how they begin inside the library, as exceptions, and end at its boundary, as return
-// values.
+// Failures. Inside the library they are exceptions. At its boundary they become return values and
+// error texts.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace orvane {
 /// Throws std::runtime_error with the message.
 [[noreturn]] void throwFailure(const char* message);
 
-/// Keeps the message for oc_error(), cut to the memory at hand where there is no more.
+/// Stores the message for oc_error(), truncated to the existing capacity if allocation fails.
 inline void keepMessage(std::string_view message) noexcept {
   try {
     state.lastError = message;
@@ -24,8 +24,8 @@ inline void keepMessage(std::string_view message) noexcept {
   }
 }
 
-/// The body's result, or `failure` with the message kept when it throws an exception of the
-/// standard family. Any other exception passes, one of an SDK as the SDK threw it.
+/// Returns the body's result. If the body throws an exception derived from std::exception, stores
+/// its message and returns `failure`. Any other exception passes unchanged.
 template <class Result, class Body>
 Result orFailure(Result failure, Body body) {
   return passingSdkExceptions([&]() -> Result {
@@ -38,7 +38,7 @@ Result orFailure(Result failure, Body body) {
   });
 }
 
-/// Runs the body and forgets whatever it throws.
+/// Runs the body and ignores whatever it throws.
 template <class Body>
 void quietly(Body body) noexcept {
   try {

@@ -1,4 +1,4 @@
-// Everything that the library remembers between two calls.
+// All state that the library keeps between calls.
 #pragma once
 
 #include <array>
@@ -10,8 +10,8 @@
 
 namespace orvane {
 
-/// Constructed empty when the library is loaded; only its memory is released at unload. Used by one
-/// caller at a time.
+/// Empty when the library is loaded. Unloading frees its memory and does nothing else. Not locked:
+/// the library has one caller at a time.
 struct LibraryState {
   LibraryState() { lastError.reserve(ordinaryMessageLength); }
 
@@ -24,7 +24,7 @@ struct LibraryState {
   ActiveCamera active;                               ///< the one open camera
 
  private:
-  /// Room for any ordinary message, so that running out of memory can still be reported.
+  /// Capacity reserved for error messages, so that running out of memory can still be reported.
   static constexpr std::size_t ordinaryMessageLength = 511;
 };
 

@@ -1,5 +1,5 @@
-// Everything that is done with the one open camera. Failures leave as exceptions of the standard
-// family, as a rule std::runtime_error with the message for the host.
+// The operations on the one open camera. Failures are exceptions derived from std::exception,
+// usually std::runtime_error with the message for the host.
 #pragma once
 
 #include <cstdint>
@@ -18,21 +18,21 @@ struct CaptureRequest {
   std::int32_t offset;
 };
 
-/// Closes the camera that is open, then opens, configures and starts the requested one. After a
-/// failure the camera may be half open: close it.
+/// Closes the open camera, then opens, configures and starts the requested one. After a failure the
+/// device may still be open: call closeCamera().
 void openCamera(const CaptureRequest& request);
 
-/// Asks for one frame, as oc_read() describes: the number of bytes, or 0 when none is ready.
+/// Reads one frame as oc_read() describes. Returns the number of bytes, or 0 when none is ready.
 std::int32_t readFrame(std::uint8_t* buffer, std::int32_t bufferLength, std::int32_t timeoutMs);
 
 /// Sets exposure (1 to 2^31 - 1 microseconds), gain and offset of the open camera, in this order.
-/// What was set before a failure stays set.
+/// After a failure, the values that were already set stay set.
 void applyCameraSettings(std::int64_t exposureUs, std::int32_t gain, std::int32_t offset);
 
-/// The open camera's sensor temperature in degrees Celsius, NaN when none is open.
+/// The open camera's sensor temperature in degrees Celsius, or NaN when no camera is open.
 double sensorTemperature();
 
-/// Stops and releases whatever is open; never fails.
+/// Stops the stream and closes the device, as far as they were started and opened. Never fails.
 void closeCamera() noexcept;
 
 }  // namespace orvane

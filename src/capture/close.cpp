@@ -12,7 +12,7 @@ void closeCamera() noexcept {
     return;
   }
   const VendorFamily& family = familyOf(camera.info.vendor);
-  // Each quietly by itself: a stop function that is missing must not keep the device open.
+  // Two separate calls of quietly(): a missing stop function must not prevent the close.
   if (camera.streaming) {
     quietly([&] { family.stop(camera); });
   }

@@ -9,7 +9,7 @@
 namespace orvane {
 
 void applyCameraSettings(std::int64_t exposureUs, std::int32_t gain, std::int32_t offset) {
-  // What every SDK can take: an SDK's own limit is for the SDK to enforce.
+  // The range that every SDK's parameter type can hold. Each SDK enforces its camera's own limits.
   if (exposureUs < 1 || exposureUs > std::numeric_limits<std::int32_t>::max()) {
     throwFailure("Exposure out of range");
   }

@@ -1,4 +1,4 @@
-// The open sequence: what is asked for, what the sensor allows, and the order of the steps.
+// The open sequence: checks the request, computes the frame size, and runs the steps in order.
 #include <algorithm>
 #include <vector>
 
@@ -17,7 +17,8 @@ bool contains(const std::vector<std::int32_t>& list, std::int32_t value) {
   return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-// One side of the frame: the requested length, no more than the binned sensor has, in whole steps.
+// Width or height of the frame: the requested length, clamped to the binned sensor and rounded down
+// to a multiple of the step.
 std::int32_t binnedLength(std::int32_t sensor, std::int32_t bin, std::int32_t requested,
                           std::int32_t step) {
   const std::int32_t length = std::min(sensor / bin, requested);
@@ -37,12 +38,12 @@ void openCamera(const CaptureRequest& request) {
   camera.info = state.catalogue[static_cast<std::size_t>(request.index)];
   const CameraInfo& info = camera.info;
 
-  // An SDK that lists a bin of 0 must not make us divide by it.
+  // An SDK may list a bin of 0, and we divide by the bin below.
   if (request.bin == 0 || !contains(info.bins, request.bin) ||
       !contains(info.formats, request.format)) {
     throwFailure("Unsupported bin or format");
   }
-  // The request is held against the unbinned sensor, so that the full sensor is always a valid one.
+  // Compared with the unbinned sensor, so that a request for the full sensor is valid at every bin.
   if (request.width <= 0 || request.height <= 0 || request.width > info.maxWidth ||
       request.height > info.maxHeight) {
     throwFailure("Invalid capture dimensions");

@@ -1,4 +1,4 @@
-// Reading a frame: the hot path, without a copy and without an allocation.
+// Reading a frame: the hot path. It copies no frame and allocates no memory.
 #include "api/failure.hpp"
 #include "api/state.hpp"
 #include "capture/capture.hpp"

@@ -1,4 +1,4 @@
-// What is known of one discovered camera, and the catalogue of all of them.
+// The description of one discovered camera, and the catalogue of all of them.
 #pragma once
 
 #include <array>
@@ -22,7 +22,7 @@ enum PixelFormat : std::int32_t {
   Mono8 = 3,
 };
 
-/// CameraInfo::bayer: the colour ids of the SER video format.
+/// Values of CameraInfo::bayer: the colour ids of the SER video format.
 enum BayerCode : std::int32_t {
   BayerNone = 0,
   BayerRggb = 8,
@@ -31,20 +31,20 @@ enum BayerCode : std::int32_t {
   BayerBggr = 11,
 };
 
-/// One discovered camera; a value type. A discovery that cannot read a value leaves its default.
+/// One discovered camera; a value type. A value that the scan cannot read keeps its default.
 struct CameraInfo {
   Vendor vendor{};
   std::int32_t vendorIndex = 0;  ///< the SDK's camera id, for the SDKs that number their cameras
   std::int32_t maxWidth = 0;     ///< sensor size at bin 1, pixels
   std::int32_t maxHeight = 0;
   std::int32_t bitDepth = 8;       ///< of the sensor's converter
-  std::int32_t bayer = BayerNone;  ///< colour mosaic, a BayerCode
+  std::int32_t bayer = BayerNone;  ///< Bayer pattern, a BayerCode
   bool isColor = false;
   bool isCooled = false;
   bool isUsb3Camera = false;  ///< the camera is a USB 3 device
   bool isUsb3Host = false;    ///< it is attached through a USB 3 port
   double pixelSizeUm = 0.0;   ///< pixel pitch, micrometres
-  std::string name;           ///< for the user; UTF-8 as far as the SDK keeps to it
+  std::string name;           ///< for the user; UTF-8 unless the SDK delivers other bytes
   std::string deviceKey;      ///< the SDK's camera id, for the SDKs that name their cameras
   /// The SDK's own device entry, byte for byte, for the SDKs that open a camera by one.
   std::array<std::byte, 264> toupDevice{};

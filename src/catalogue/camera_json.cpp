@@ -1,4 +1,4 @@
-// The text by which a camera is described to the host.
+// The JSON description of a camera.
 #include "catalogue/camera_json.hpp"
 
 #include <algorithm>
@@ -15,8 +15,8 @@ void appendInteger(std::string& text, std::int64_t number) {
   text.append(digits.data(), end);
 }
 
-// Six significant digits in general notation, as streams write a double. A host's locale must not
-// turn the point into a comma, so no stream is used.
+// Six significant digits in general notation, the default format of a stream. No stream is used,
+// because a host's locale could turn the point into a comma.
 void appendReal(std::string& text, double number) {
   std::array<char, 32> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,

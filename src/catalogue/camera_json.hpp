@@ -1,4 +1,4 @@
-// The text by which a camera is described to the host. Pure text: nothing is asked of any camera.
+// The JSON description of a camera. Pure text functions: they call no SDK.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@
 
 namespace orvane {
 
-/// The text between double quotes: quote and backslash escaped, bytes below 0x20 left out, all
-/// others as they are.
+/// The text in double quotes. Escapes quote and backslash, drops bytes below 0x20 and keeps all
+/// others.
 std::string jsonString(std::string_view text);
 
-/// The numbers as a JSON array without blanks, "[]" for none.
+/// The numbers as a JSON array without spaces, "[]" for none.
 std::string jsonIntArray(std::span<const std::int32_t> numbers);
 
 /// The description that oc_info() returns: one JSON object on one line, in a fixed order of keys.

@@ -1,4 +1,4 @@
-// The scan driver: which libraries load, whose cameras are listed, what failed.
+// The scan driver: loads the libraries, lists their cameras, collects the failures.
 #include "catalogue/scan.hpp"
 
 #include <exception>

@@ -3,10 +3,10 @@
 
 namespace orvane {
 
-/// Empties and rebuilds the catalogue: loads the SDKs that are not loaded yet and lets every family
-/// that has one append its cameras. Returns the number of cameras, or -1 with a message in the
-/// error text while a camera is open. A family's failure becomes part of the error text; a library
-/// directory that cannot be converted leaves as std::system_error.
+/// Rebuilds the catalogue: loads the SDKs that are not loaded yet, then lets every family whose SDK
+/// is loaded append its cameras. Returns the number of cameras, or -1 with a message in the error
+/// text if a camera is open. A family's failure is added to the error text. Throws
+/// std::system_error if the library directory cannot be converted to the system's form.
 int scanCameras();
 
 }  // namespace orvane

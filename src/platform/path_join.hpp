@@ -1,5 +1,5 @@
-// Joining a directory and a file name by the rules of each system: pure text, no file is looked at.
-// The rules of both systems stand here, so that both can be tested on either.
+// Joins a directory and a file name by the rules of each system. Pure text functions: they look at
+// no file. Both are here so that each system's tests cover both.
 #pragma once
 
 #include <string>
@@ -7,9 +7,8 @@
 
 namespace orvane::platform {
 
-/// Joins by the rules of Windows: a backslash goes in between, unless the directory is empty, ends
-/// with a backslash or a slash, or is a bare drive ("C:", whose meaning is the drive's current
-/// directory).
+/// Joins by the rules of Windows: inserts a backslash unless the directory is empty, ends with a
+/// backslash or a slash, or is a bare drive ("C:", which means the drive's current directory).
 inline std::wstring joinWindowsPath(std::wstring_view directory, std::wstring_view fileName) {
   const bool isBareDrive = directory.size() == 2 && directory[1] == L':' &&
                            ((directory[0] >= L'A' && directory[0] <= L'Z') ||
@@ -23,8 +22,7 @@ inline std::wstring joinWindowsPath(std::wstring_view directory, std::wstring_vi
   return path += fileName;
 }
 
-/// Joins by the rules of POSIX: a slash goes in between, unless the directory is empty or ends with
-/// one.
+/// Joins by the rules of POSIX: inserts a slash unless the directory is empty or ends with one.
 inline std::string joinPosixPath(std::string_view directory, std::string_view fileName) {
   std::string path(directory);
   if (!directory.empty() && directory.back() != '/') {

@@ -1,5 +1,5 @@
-// The four operations that are asked of an operating system, and nothing else. One source file per
-// system implements them; tests put a scripted one in its place at link time.
+// The four operations that the library needs from an operating system. Each system has a source
+// file that implements them; unit tests link a scripted implementation instead.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace orvane::platform {
 
-/// The unit of a path and of a wide display name as the system's own functions take them.
+/// The character type that the system's functions use for paths and display names.
 #ifdef _WIN32
 using NativeChar = wchar_t;
 #else
@@ -15,30 +15,29 @@ using NativeChar = char;
 #endif
 using NativeString = std::basic_string<NativeChar>;
 
-/// A loaded library; null is none.
+/// A loaded library, or null.
 using Module = void*;
 
-/// The address of a function of unknown type: cast it to the function's own type before the call.
+/// The address of a function. Cast it to the function's real type before the call.
 using FunctionAddress = void (*)();
 
-/// The full path of the library with the given base name: the directory joined with the name that
-/// the system gives to such a library ("sdk" is sdk.dll or libsdk.so). An empty directory gives the
-/// bare file name.
+/// The full path of a library: the directory joined with the system's file name for the base name
+/// ("sdk" becomes sdk.dll or libsdk.so). An empty directory gives the bare file name.
 ///
-/// Windows reads the directory as UTF-8 and throws std::system_error with the Windows error code
-/// where it is not valid. Elsewhere a path is bytes, and every path is valid.
+/// On Windows the directory is UTF-8; if it is not valid, throws std::system_error with the Windows
+/// error code. On other systems a path is bytes, and every path is valid.
 NativeString libraryPath(std::string_view directory, std::string_view baseName);
 
-/// Loads the library, which then stays loaded until the process ends. Null where that fails, for
-/// whatever reason. What the library itself needs is looked for beside it and in the system's own
-/// directories, on Windows never in the current directory or on PATH.
+/// Loads the library, which then stays loaded until the process ends. Returns null on any failure.
+/// The libraries that it depends on are searched for beside it and in the system's directories, on
+/// Windows never in the current directory or on PATH.
 Module loadLibrary(const NativeString& path) noexcept;
 
-/// The exported function of this name in a loaded library, or null.
+/// Looks up an exported function in a loaded library. Returns null if there is none.
 FunctionAddress findFunction(Module library, const char* name) noexcept;
 
-/// A NUL-terminated display name as UTF-8; what cannot be converted becomes U+FFFD. Empty where the
-/// conversion yields nothing.
+/// A NUL-terminated display name as UTF-8. Characters that cannot be converted become U+FFFD. Empty
+/// if the conversion yields nothing.
 std::string utf8FromDisplayName(const NativeChar* text);
 
 }  // namespace orvane::platform

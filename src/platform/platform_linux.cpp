@@ -1,4 +1,4 @@
-// The operating system's part on Linux: dlopen and dlsym; paths and display names are bytes.
+// The platform layer for Linux: dlopen and dlsym; paths and display names are bytes.
 #include "platform/platform.hpp"
 
 #include <dlfcn.h>
@@ -12,7 +12,7 @@ NativeString libraryPath(std::string_view directory, std::string_view baseName) 
 }
 
 Module loadLibrary(const NativeString& path) noexcept {
-  // A library with an unresolvable symbol fails here, as on Windows, and not at a call later on.
+  // RTLD_NOW: a library with an unresolvable symbol fails here, as on Windows, not at a later call.
   return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 

@@ -1,4 +1,4 @@
-// The operating system's part on Windows: LoadLibraryExW, GetProcAddress and the code pages.
+// The platform layer for Windows: LoadLibraryExW, GetProcAddress and code pages.
 #include "platform/platform.hpp"
 
 #include <windows.h>
@@ -38,7 +38,7 @@ std::wstring wideFromBytes(std::string_view bytes, UINT codePage) {
   return wide;
 }
 
-// The code page in which narrow file names are read in this process.
+// The code page of this process's narrow file functions.
 UINT fileNameCodePage() {
   if (___lc_codepage_func() == CP_UTF8) {
     return CP_UTF8;

@@ -70,7 +70,7 @@ void scanAsiCameras() {
     ASI_CAMERA_INFO sdkInfo{};
     ASIGetCameraProperty.check(&sdkInfo, i);
     CameraInfo camera = describe(sdkInfo);
-    // A camera that another program holds is listed all the same, without its limits.
+    // A camera that another program has open is listed, too, but without its limits.
     if (ASIOpenCamera(camera.vendorIndex) == 0) {
       quietly([&] { readLimits(camera); });
       ASICloseCamera(camera.vendorIndex);
@@ -87,7 +87,7 @@ void configure(ActiveCamera& camera, std::int32_t bin) {
   const int id = camera.info.vendorIndex;
   ASIInitCamera.check(id);
   ASISetROIFormat.check(id, camera.width, camera.height, bin, swapFormatCode(camera.format));
-  // Setting the format has moved the region to the sensor's centre.
+  // ASISetROIFormat has moved the region to the sensor's centre.
   ASISetStartPos.check(id, 0, 0);
   int ignoredBin = 0;
   int ignoredType = 0;

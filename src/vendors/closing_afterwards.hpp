@@ -1,10 +1,10 @@
-// Closing a device that was opened for a moment, whatever happens in between.
+// Closes a device that a scan opened, also when an exception is thrown in between.
 #pragma once
 
 namespace orvane {
 
-/// Runs the body, then the close, also when the body throws; the body's exception then passes on. A
-/// close that throws is not swallowed, as it would be in a destructor: it is the failure reported.
+/// Runs the body, then the close. If the body throws, the close runs and the exception passes on.
+/// Not a scope guard: the close may throw, and then its exception is the one that is reported.
 template <class Close, class Body>
 void closingAfterwards(Close close, Body body) {
   try {

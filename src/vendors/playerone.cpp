@@ -20,16 +20,16 @@ CameraInfo describe(const POACameraProperties& properties) {
   camera.pixelSizeUm = properties.pixelSize;
   camera.isColor = properties.isColorCamera != 0;
   camera.isCooled = properties.isHasCooler != 0;
-  // The SDK knows the speed of the connection and nothing of camera and port apart.
+  // The SDK reports the speed of the connection only, not those of the camera and the port.
   camera.isUsb3Camera = properties.isUSB3Speed != 0;
   camera.isUsb3Host = camera.isUsb3Camera;
   camera.bayer = camera.isColor ? bayerOfPattern(properties.bayerPattern) : BayerNone;
   camera.bins = boundedList(properties.bins, 0);
-  camera.formats = boundedList(properties.imgFormats, POA_END);  // the SDK's numbers are ours
+  camera.formats = boundedList(properties.imgFormats, POA_END);  // the same numbers as PixelFormat
   return camera;
 }
 
-// Reads the limits of an open camera; one that cannot be read stays 0.
+// Reads the limits of an open camera. A limit that cannot be read stays 0.
 void readLimits(CameraInfo& camera) {
   const int id = camera.vendorIndex;
   POAInitCamera.check(id);
@@ -49,7 +49,7 @@ void scanPlayerOneCameras() {
     POACameraProperties properties{};
     POAGetCameraProperties.check(i, &properties);
     CameraInfo camera = describe(properties);
-    // A camera that another program holds is listed all the same, without its limits.
+    // A camera that another program has open is listed, too, but without its limits.
     if (POAOpenCamera(camera.vendorIndex) == 0) {
       quietly([&] { readLimits(camera); });
       POACloseCamera(camera.vendorIndex);
@@ -93,7 +93,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs
 
 void apply(const ActiveCamera& camera, CameraSettings settings) {
   const int id = camera.info.vendorIndex;
-  // All eight bytes travel; intValue may be four of them.
+  // The union is passed by value. Initialising floatValue clears all of its eight bytes.
   POAConfigValue value{.floatValue = 0.0};
   value.intValue = settings.exposureUs;
   POASetConfig.checkAs("POA exposure", id, POA_EXPOSURE, value, POA_FALSE);

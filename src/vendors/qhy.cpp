@@ -21,20 +21,20 @@ constexpr std::uint8_t liveStreamMode = 1;
 // The SDK's resources are initialised once per process and never released.
 bool qhyResourceReady = false;
 
-// A text that the SDK writes without being told how long it may be. The byte behind the array keeps
-// one that fills it from being read on by the SDK.
+// Text that the SDK writes without knowing the buffer's size. The byte after the array ends a text
+// that fills it, for the SDK functions that read it.
 struct SdkText {
   char text[256] = {};
   char terminator = '\0';
 };
 
-// The SDK states limits as doubles: cut to whole numbers, and to what the target holds.
+// The SDK reports limits as doubles. Truncates to a whole number, clamped to the target type.
 template <class Integer>
 Integer truncated(double number) {
   if (number != number) {
     return 0;
   }
-  // The limits as doubles; the upper one is the first number too large for 64 bits.
+  // The type's limits as doubles. For 64 bits the upper one rounds up to the first value too large.
   constexpr auto lowest = static_cast<double>(std::numeric_limits<Integer>::min());
   constexpr double beyond = -lowest;
   if (number <= lowest) {
@@ -49,7 +49,7 @@ std::uint32_t bitsOf(const ActiveCamera& camera) {
 
 // Reads what an open camera can do.
 void examine(void* handle, CameraInfo& camera) {
-  SetQHYCCDStreamMode.check(handle, liveStreamMode);  // before the init, which depends on it
+  SetQHYCCDStreamMode.check(handle, liveStreamMode);  // InitQHYCCD depends on the mode
   InitQHYCCD.check(handle);
 
   double chipWidthMm = 0.0;
@@ -67,9 +67,9 @@ void examine(void* handle, CameraInfo& camera) {
   camera.pixelSizeUm = pixelWidthUm;
 
   constexpr BayerCode codes[] = {BayerNone, BayerGbrg, BayerGrbg, BayerBggr, BayerRggb};
-  const std::uint32_t mosaic = IsQHYCCDControlAvailable(handle, CAM_COLOR);
-  camera.isColor = mosaic >= 1 && mosaic < std::size(codes);
-  camera.bayer = camera.isColor ? codes[mosaic] : BayerNone;
+  const std::uint32_t pattern = IsQHYCCDControlAvailable(handle, CAM_COLOR);
+  camera.isColor = pattern >= 1 && pattern < std::size(codes);
+  camera.bayer = camera.isColor ? codes[pattern] : BayerNone;
   camera.isCooled = IsQHYCCDControlAvailable(handle, CONTROL_COOLER) == QHYCCD_SUCCESS;
   if (IsQHYCCDControlAvailable(handle, CAM_16BITS) == QHYCCD_SUCCESS) {
     camera.formats.push_back(Raw16);
@@ -100,7 +100,7 @@ void scanQhyCameras() {
     qhyResourceReady = true;
   }
   const std::uint32_t count = ScanQHYCCD();
-  if (count > maxCameraCount) {  // the SDK's error value among others
+  if (count > maxCameraCount) {  // includes the SDK's error value
     throwFailure("QHY scan failed");
   }
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -155,7 +155,7 @@ bool read(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t /*timeout
   std::uint32_t height = 0;
   std::uint32_t bitsPerPixel = 0;
   std::uint32_t channels = 0;
-  // No frame yet and a failure look the same here.
+  // The SDK returns the same value for "no frame yet" and for a failure.
   if (GetQHYCCDLiveFrame(camera.handle, &width, &height, &bitsPerPixel, &channels, buffer.data) !=
       QHYCCD_SUCCESS) {
     return false;
@@ -177,8 +177,8 @@ void apply(const ActiveCamera& camera, CameraSettings settings) {
   }
 }
 
-// An error number that the SDK returns in place of a temperature is passed on: it cannot be told
-// from one.
+// The SDK returns an error code in place of the temperature. It cannot be distinguished from a
+// temperature, so it is passed on.
 double temperature(const ActiveCamera& camera) {
   return GetQHYCCDParam(camera.handle, CONTROL_CURTEMP);
 }

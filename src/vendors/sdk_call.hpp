@@ -1,9 +1,9 @@
-// Calling an SDK's function, whichever compiler built the SDK, and letting its exceptions leave the
-// library as they came.
+// Calls SDK functions, whichever compiler built the SDK, and lets an SDK's exceptions leave the
+// library unchanged.
 #pragma once
 
-// The makers build their SDKs for Windows with Microsoft's compiler. GCC's code does not see the
-// exceptions of that compiler's.
+// The makers build their Windows SDKs with Microsoft's compiler. Code that GCC built cannot catch
+// the exceptions of that compiler.
 #if defined(__MINGW32__) && !defined(__clang__)
 #  include "windows_dll/microsoft_exceptions.hpp"
 
@@ -25,14 +25,14 @@ auto passingSdkExceptions(Body body) {
 
 namespace orvane {
 
-/// Calls an SDK's function and returns what it returns. An exception of the SDK's arrives as a C++
-/// exception: one that derives from std::exception as such, any other as one that does not.
+/// Calls an SDK's function and returns its result. The SDK's exceptions become C++ exceptions that
+/// our code can catch; they derive from std::exception if the original does.
 template <class Result, class... Arguments>
 Result callSdk(Result (*function)(Arguments...), Arguments... arguments) {
   return function(arguments...);
 }
 
-/// Runs the body of an export. An SDK's exception that leaves it leaves as the SDK threw it.
+/// Runs the body of an export. An SDK's exception leaves it as the SDK threw it.
 template <class Body>
 auto passingSdkExceptions(Body body) {
   return body();

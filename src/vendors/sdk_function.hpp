@@ -6,8 +6,8 @@
 //                                                            "InitCamera: <code>" on failure
 //     SetControl.checkAs("gain", id, ...)                    the same under another label
 //
-// Every call looks the name up afresh in the maker's library and keeps nothing; a function that the
-// library lacks throws "<library>: missing <function>".
+// Every call looks up the name in the maker's library again and caches nothing. If the library
+// lacks the function, the call throws "<library>: missing <function>".
 #pragma once
 
 #include <algorithm>
@@ -26,7 +26,7 @@ template <Vendor vendor, void (*checkResult)(std::int64_t code, const char* labe
           class... Arguments>
 class SdkFunction<vendor, checkResult, Result(Arguments...)> {
  public:
-  /// Keeps the name, of at most 63 characters.
+  /// Stores the name, of at most 63 characters.
   template <std::size_t size>
   explicit constexpr SdkFunction(const char (&name)[size]) {
     static_assert(size <= sizeof name_, "the name is too long");
@@ -35,7 +35,7 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
 
   constexpr const char* name() const { return name_; }
 
-  /// Calls the function and returns what it returns.
+  /// Calls the function and returns its result.
   Result operator()(Arguments... arguments) const {
     const auto function =
         reinterpret_cast<Result (*)(Arguments...)>(resolveSymbol(libraryOf(vendor), name_));
@@ -55,8 +55,8 @@ class SdkFunction<vendor, checkResult, Result(Arguments...)> {
   }
 
  private:
-  // At the start of a cache line: the system compares it at every call, and a name that lies across
-  // two lines makes a look-up up to a tenth longer.
+  // Aligned to a cache line: the system compares the name at every call, and a look-up takes up to
+  // a tenth longer if the name crosses two lines.
   alignas(64) char name_[64] = {};
 };
 

@@ -1,4 +1,4 @@
-// Text and lists in the fixed arrays of SDK structures, read no further than the array reaches.
+// Reads text and lists from the fixed arrays of SDK structures, never past the array's end.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace orvane {
 
-/// The text up to its NUL, or the whole array where it has none.
+/// The text up to its NUL, or the whole array if it has none.
 template <class Char, std::size_t size>
 std::basic_string<Char> boundedText(const Char (&text)[size]) {
   std::size_t length = 0;
@@ -18,7 +18,7 @@ std::basic_string<Char> boundedText(const Char (&text)[size]) {
   return {text, length};
 }
 
-/// The numbers before the first `end`, or the whole array where there is none.
+/// The numbers before the first `end`, or the whole array if there is none.
 template <std::size_t size>
 std::vector<std::int32_t> boundedList(const int (&numbers)[size], int end) {
   std::vector<std::int32_t> list;

@@ -19,7 +19,7 @@ namespace {
 using DeviceBytes = decltype(CameraInfo::toupDevice);
 static_assert(sizeof(ToupcamDeviceV2) <= sizeof(DeviceBytes));
 
-// The SDK's code for a mosaic: its four letters, the first in the lowest byte.
+// The SDK's code for a Bayer pattern: its four letters, the first in the lowest byte.
 constexpr unsigned fourCcOf(std::string_view letters) {
   unsigned code = 0;
   for (std::size_t i = 0; i < 4; ++i) {
@@ -47,7 +47,7 @@ int bitsOf(const ActiveCamera& camera) {
   return camera.format == Raw16 ? 16 : 8;
 }
 
-// The entry's id is copied: one that fills its field has no end there.
+// The entry's id is copied, because an id that fills its field has no NUL there.
 HToupcam openDevice(const ToupcamDeviceV2& device) {
   return Toupcam_Open(boundedText(device.id).c_str());
 }

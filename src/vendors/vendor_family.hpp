@@ -1,5 +1,4 @@
-// What a camera family can do: one constant row of functions per family. A family has no state of
-// its own and no lifetime, so a row says everything about it.
+// A camera family is one constant row of functions. It has no state and no lifetime of its own.
 #pragma once
 
 #include <array>
@@ -10,13 +9,13 @@
 
 namespace orvane {
 
-/// Where a frame goes: the host's buffer and its length in bytes.
+/// The host's buffer for a frame, and its length in bytes.
 struct FrameBuffer {
   std::uint8_t* data;
   std::int32_t length;
 };
 
-/// What is set on an open camera. The exposure is checked: 1 microsecond or more.
+/// Settings of an open camera. The caller has checked that the exposure is 1 microsecond or more.
 struct CameraSettings {
   std::int32_t exposureUs;
   std::int32_t gain;    ///< in the SDK's own units
@@ -24,10 +23,10 @@ struct CameraSettings {
 };
 
 /// One family. Columns are references: a row that lacks one does not compile. Every function
-/// reports failure by throwing; nothing is retried or taken back.
+/// reports failure by throwing, and neither retries nor rolls back.
 struct VendorFamily {
   Vendor vendor;
-  const char* baseName;  ///< of the SDK library, without prefix and ending
+  const char* baseName;  ///< of the SDK library, without prefix and extension
 
   /// A frame's width and height are whole multiples of these.
   std::int32_t widthStep;
@@ -35,36 +34,35 @@ struct VendorFamily {
 
   /// Appends every camera that the SDK sees to the catalogue; leaves none open.
   void (&scan)();
-  /// Opens the device of `camera.info` and sets `camera.handle` where the SDK gives one. After a
+  /// Opens the device of `camera.info` and sets `camera.handle` if the SDK uses handles. After a
   /// failure nothing is open.
   void (&open)(ActiveCamera& camera);
   /// Sets binning, format and the region camera.width x camera.height at the sensor's top left
-  /// corner, and writes back to `camera` the size that the SDK made of it, where it tells.
+  /// corner. If the SDK reports the size that it really set, stores it in `camera`.
   void (&configure)(ActiveCamera& camera, std::int32_t bin);
-  /// Bytes that the SDK may write for a frame, where it can be more than the frame has; 0
-  /// elsewhere.
+  /// Bytes that the SDK may write for a frame if it can write more than the frame's size; else 0.
   std::int64_t (&frameMemory)(const ActiveCamera& camera);
   /// Starts the stream.
   void (&start)(const ActiveCamera& camera);
-  /// Has one frame written into the buffer; false when none is ready within the wait.
+  /// Reads one frame into the buffer; false if none becomes ready within the timeout.
   bool (&read)(const ActiveCamera& camera, FrameBuffer buffer, std::int32_t timeoutMs);
-  /// Sets exposure, gain and offset, in this order; the first failure ends it.
+  /// Sets exposure, gain and offset, in this order; stops at the first failure.
   void (&apply)(const ActiveCamera& camera, CameraSettings settings);
   /// Degrees Celsius.
   double (&temperature)(const ActiveCamera& camera);
-  /// Stops the stream. The SDK's result does not matter.
+  /// Stops the stream. The SDK's result is ignored.
   void (&stop)(const ActiveCamera& camera);
-  /// Releases the device. The SDK's result does not matter.
+  /// Closes the device. The SDK's result is ignored.
   void (&close)(const ActiveCamera& camera);
 };
 
-/// The `frameMemory` of families whose SDKs write the frame's own size and no more.
+/// The `frameMemory` of families whose SDKs never write more than the frame's size.
 std::int64_t frameSizeOnly(const ActiveCamera& camera);
 
 /// All families, in the order in which they are scanned: the order of Vendor.
 extern const std::array<const VendorFamily*, vendorCount> vendorTable;
 
-/// The family of a camera. A code that is none of Vendor's counts as the last family.
+/// The family of a camera. An unknown code counts as the last family.
 inline const VendorFamily& familyOf(Vendor vendor) {
   const auto position = static_cast<std::size_t>(vendor);
   return *vendorTable[position < vendorCount ? position : vendorCount - 1];

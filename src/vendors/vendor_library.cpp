@@ -1,5 +1,4 @@
-// One maker's SDK library: loading it, finding its functions, and turning its result codes into
-// exceptions.
+// Loads an SDK library and throws the exceptions for missing functions and failed results.
 #include "vendors/vendor_library.hpp"
 
 #include <stdexcept>

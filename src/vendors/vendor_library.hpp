@@ -1,5 +1,4 @@
-// One maker's SDK library: loading it, finding its functions, and turning its result codes into
-// exceptions.
+// One maker's SDK library: loads it, looks up its functions, turns result codes into exceptions.
 #pragma once
 
 #include <cstdint>
@@ -10,24 +9,24 @@
 
 namespace orvane {
 
-/// One SDK library. Once loaded it stays loaded, so that what it handed out stays valid.
+/// One SDK library. Once loaded it stays loaded, so that its pointers stay valid.
 struct VendorLibrary {
   platform::Module module = nullptr;
   std::string name;  ///< base name of the last attempt to load it; empty before the first
 };
 
 /// Loads the library from the directory (UTF-8) unless it is loaded already. A library that is
-/// missing or cannot be loaded is no failure: `module` stays null and the next call tries again.
-/// Throws std::system_error where the directory cannot be converted to the system's form.
+/// missing or cannot be loaded is no failure: `module` stays null, and the next call tries again.
+/// Throws std::system_error if the directory cannot be converted to the system's form.
 void loadVendorLibrary(VendorLibrary& library, std::string_view baseName,
                        std::string_view directory);
 
-/// Throws std::runtime_error "<library>: missing <function>". Apart from the look-up, which stays
-/// on the hot path.
+/// Throws std::runtime_error "<library>: missing <function>". Out of line, to keep the look-up,
+/// which is on the hot path, small.
 [[noreturn]] void throwMissingSymbol(const VendorLibrary& library, const char* symbolName);
 
-/// The address of the function of this name, never null: where the library is not loaded or lacks
-/// it, the exception above.
+/// Looks up a function. Never returns null: throws the exception above if the library is not loaded
+/// or lacks the function.
 inline platform::FunctionAddress resolveSymbol(const VendorLibrary& library,
                                                const char* symbolName) {
   const platform::FunctionAddress address =
@@ -38,18 +37,18 @@ inline platform::FunctionAddress resolveSymbol(const VendorLibrary& library,
   return address;
 }
 
-/// Throws std::runtime_error "<label>: <code>". Apart from the checks, which stay on the hot path.
+/// Throws std::runtime_error "<label>: <code>". Out of line for the same reason.
 [[noreturn]] void throwVendorResult(std::int64_t code, const char* label);
 
-/// The check for SDKs whose functions return 0 for success. Signed codes are passed with their
-/// sign, unsigned ones without: the general error of an unsigned SDK prints as 4294967295.
+/// The check for SDKs whose functions return 0 for success. Pass signed codes with their sign and
+/// unsigned ones without: the general error of an unsigned SDK prints as 4294967295.
 inline void checkVendorResult(std::int64_t code, const char* label) {
   if (code != 0) {
     throwVendorResult(code, label);
   }
 }
 
-/// The check for SDKs whose functions return an HRESULT: negative is failure.
+/// The check for SDKs whose functions return an HRESULT: a negative one is a failure.
 inline void checkToupResult(std::int64_t code, const char* label) {
   if (code < 0) {
     throwVendorResult(code, label);

@@ -1,4 +1,4 @@
-// The names of the families' rows, each of which stands at the end of its family's file.
+// The families' rows. Each is defined at the end of its family's file.
 #pragma once
 
 #include "vendors/vendor_family.hpp"

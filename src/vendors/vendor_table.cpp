@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-// In the order of Vendor: a code is a position.
+// In the order of Vendor, because its codes are the indices.
 constinit const std::array<const VendorFamily*, vendorCount> vendorTable{
     &asiFamily, &playerOneFamily, &qhyFamily, &toupTekFamily};
 

@@ -1,7 +1,6 @@
-// What the library does for GCC's runtime, which is linked into it on Windows, so that nothing of
-// it is left when the library is unloaded. Left to itself, the runtime keeps 75 KB from every load,
-// and once an exception has been thrown also four handles and one of the process's 1088 slots of
-// thread-local storage: the 1085th time would end the host.
+// Frees what the statically linked GCC runtime would leak on every load and unload: 75 KB and, once
+// an exception has been thrown, four handles and one of the process's 1088 slots of thread-local
+// storage. Without this, the 1085th such load would end the host.
 #include "windows_dll/gcc_runtime.hpp"
 
 #include <windows.h>
@@ -10,7 +9,7 @@
 
 namespace __cxxabiv1 {
 
-// The exceptions that a thread has under way, laid out as the Itanium C++ ABI has it.
+// A thread's exceptions in flight, in the layout of the Itanium C++ ABI.
 struct __cxa_eh_globals {
   void* caughtExceptions;
   unsigned int uncaughtExceptions;
@@ -22,12 +21,12 @@ namespace {
 
 using ExceptionState = __cxxabiv1::__cxa_eh_globals;
 
-// Fiber-local, because then the system itself frees each thread's state: at the thread's end, or
-// when the slot is given back.
+// Fiber-local storage, because the system then frees each thread's state itself: when the thread
+// ends or when the slot is freed.
 DWORD slot = FLS_OUT_OF_INDEXES;
 
-// For all threads, where the system has no slot or no memory left. The library has one caller at a
-// time, and between two calls no exception is under way.
+// Shared by all threads if the system has no slot or no memory left. This works because the library
+// has one caller at a time, and no exception is in flight between two calls.
 ExceptionState sharedState{};
 
 void WINAPI freeState(void* state) {
@@ -53,7 +52,7 @@ ExceptionState* stateOfThread() noexcept {
 
 namespace __cxxabiv1 {
 
-// These two stand in for the runtime's own: they are all that needs its thread-local storage.
+// These two replace the runtime's functions, the only ones that need its thread-local storage.
 extern "C" __cxa_eh_globals* __cxa_get_globals() noexcept {
   return stateOfThread();
 }
@@ -66,14 +65,15 @@ extern "C" __cxa_eh_globals* __cxa_get_globals_fast() noexcept {
 
 namespace __gnu_cxx {
 
-// Frees the memory that is set aside for exceptions. Made for memory checkers; no header has it.
+// Frees the runtime's reserve memory for exceptions. It exists for memory checkers, and no header
+// declares it.
 void __freeres();
 
 }  // namespace __gnu_cxx
 
-// The C runtime calls this at its start, where it is not null. Its own definition would also bring
-// a table of thread-local storage into the library, which nothing here uses, and
-// DisableThreadLibraryCalls() fails for a library that has one.
+// The C runtime calls this at its start unless it is null. The runtime's own definition would add a
+// TLS directory to the library, which nothing here uses, and DisableThreadLibraryCalls() fails for
+// a library that has one.
 extern "C" const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback = nullptr;
 
 namespace orvane {

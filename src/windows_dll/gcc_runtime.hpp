@@ -1,15 +1,14 @@
-// What the library does for GCC's runtime, which is linked into it on Windows, so that nothing of
-// it is left when the library is unloaded.
+// Frees what the statically linked GCC runtime would leak on every load and unload.
 #pragma once
 
 namespace orvane {
 
-/// Takes the slot in which the runtime's state of each thread is kept. Call it when the library has
-/// been loaded. Without a slot, all threads share one state.
+/// Allocates the slot for the runtime's state of each thread. Call it when the library has been
+/// loaded. Without a slot, all threads share one state.
 void prepareGccRuntime() noexcept;
 
-/// Gives back all memory that the runtime still holds. Call it at the end of an unload: no
-/// exception may be thrown afterwards.
+/// Frees all memory that the runtime still holds. Call it at the end of an unload: no exception may
+/// be thrown afterwards.
 void releaseGccRuntime() noexcept;
 
 }  // namespace orvane

@@ -8,15 +8,15 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason,
                                [[maybe_unused]] LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
-    // The library keeps nothing per thread, so it need not hear of threads. This succeeds because
-    // the library has no table of thread-local storage (gcc_runtime.cpp).
+    // The library needs no notifications of threads. The call succeeds because the library has no
+    // TLS directory (see gcc_runtime.cpp).
     DisableThreadLibraryCalls(module);
 #ifdef ORVANE_HAS_GCC_RUNTIME
     orvane::prepareGccRuntime();
 #endif
   }
 #ifdef ORVANE_HAS_GCC_RUNTIME
-  // Where the process ends, everything goes with it.
+  // When the process ends, the system frees everything.
   if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
     orvane::releaseGccRuntime();
   }

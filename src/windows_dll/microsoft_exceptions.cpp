@@ -1,4 +1,4 @@
-// Exceptions of SDKs that Microsoft's compiler built: what is done with one where it is caught.
+// Catches C++ exceptions of SDKs that Microsoft's compiler built.
 #include "windows_dll/microsoft_exceptions.hpp"
 
 #include <windows.h>
@@ -8,13 +8,13 @@
 #include <new>
 #include <stdexcept>
 
-// The three guards differ in how many arguments they hand on from the stack. Each has 1544 bytes in
-// its frame for a CaughtException. The system looks a return address up in the handler's table of
-// ranges, so the range of a call ends behind a `nop`.
+// The three guards differ in how many arguments they copy from the caller's stack. Each frame has
+// 1544 bytes for a CaughtException. The system looks up the return address in the handler's table
+// of ranges, so the range of a call includes a `nop` after the call.
 //
-// The handler of the first kind goes by the filter's answer: for a Microsoft C++ exception it
-// continues, after the SDK's frames have been unwound, at `caught`. A frame this large also keeps
-// what the SDK threw, which lies below it, out of the way of the frames that take over.
+// The handler acts on the filter's answer: for a Microsoft C++ exception, the system unwinds the
+// SDK's frames and continues at label 3. The SDK's exception object lies below the guard's frame.
+// The frame is this large also to keep the functions that run next from overwriting the object.
 #define ORVANE_GUARD_BEGIN(places)                 \
   "  .globl orvane_guarded_call_" #places          \
   "\n"                                             \
@@ -56,8 +56,8 @@ asm("  .text\n"  //
     ORVANE_GUARD_BEGIN(8) ORVANE_HAND_ON(1648, 32) ORVANE_HAND_ON(1656, 40) ORVANE_HAND_ON(1664, 48)
         ORVANE_HAND_ON(1672, 56) ORVANE_GUARD_CALL(1680)
 
-    // int orvane_attempt(void (*function)(void*), void* context): 1, or 0 where it failed with a
-    // structured exception.
+    // int orvane_attempt(void (*function)(void*), void* context): returns 1, or 0 if the function
+    // raised a structured exception.
     "  .p2align 4\n"
     "  .seh_proc orvane_attempt\n"
     "orvane_attempt:\n"
@@ -92,24 +92,25 @@ namespace {
 
 constexpr DWORD microsoftCppException = 0xE06D7363;
 
-// What the parameters of such an exception are, in their order.
+// The indices of the exception's parameters.
 enum Parameter { MagicNumber, Object, ThrowInfoAddress, ImageBase, ParameterCount };
 
-// The compiler's description of what was thrown. Offsets count from the image's base; 0 is none.
+// The compiler's description of what was thrown. Offsets are relative to the image's base; 0 means
+// none.
 using Offset = std::int32_t;
 
 struct TypeDescriptor {
   const void* virtualTable;
   void* spare;
-  char name[1];  // decorated, as long as it is
+  char name[1];  // decorated, NUL-terminated, of any length
 };
 
 struct CatchableType {
   std::uint32_t properties;
   Offset typeDescriptor;
-  // Where in the object the type's part lies.
+  // The position of the base class's part in the object.
   std::int32_t memberOffset;
-  std::int32_t virtualTableOffset;  // of the table of virtual bases; -1 without one
+  std::int32_t virtualTableOffset;  // of the pointer to the table of virtual bases; -1 if none
   std::int32_t virtualBaseOffset;   // of the entry in that table
   std::int32_t objectSize;
   Offset copyFunction;
@@ -117,7 +118,7 @@ struct CatchableType {
 
 struct CatchableTypes {
   std::int32_t count;
-  Offset types[1];  // as many as there are, the object's own type first
+  Offset types[1];  // `count` entries, the object's own type first
 };
 
 struct ThrowInfo {
@@ -131,12 +132,12 @@ struct CaughtException {
   ThrownException thrown;
   bool isStandard;
   bool isOutOfMemory;
-  // Of what(), cut off where it is longer. Without one: what Microsoft's own library says then.
+  // The text of what(), truncated. The default is the text that Microsoft's own library uses.
   char text[1024] = "Unknown exception";
 };
 static_assert(sizeof(CaughtException) <= 1544, "the guards have no more room for it");
 
-// On its way out of the library.
+// Kept by PassingException::keep() for raiseKept().
 ThrownException leaving{};
 
 template <class Type>
@@ -155,7 +156,7 @@ const ThrowInfo* throwInfoOf(const ThrownException& thrown) {
              : nullptr;
 }
 
-// The part of the object that is of this type.
+// The object's base class part of this type.
 char* partOf(char* object, const CatchableType& type) {
   char* part = object + type.memberOffset;
   if (type.virtualTableOffset >= 0) {
@@ -168,7 +169,7 @@ char* partOf(char* object, const CatchableType& type) {
   return part;
 }
 
-// Complete after every byte, so that as much as can be read is there when one cannot.
+// Terminates the copy after every byte: if a byte cannot be read, the copy has all bytes before it.
 void copyText(const char* from, char* to, std::size_t size) {
   for (std::size_t i = 0; i + 1 < size; ++i) {
     const char next = from[i];
@@ -180,8 +181,8 @@ void copyText(const char* from, char* to, std::size_t size) {
   }
 }
 
-// Finds out whether the object is of the standard family and what it says, and how large it is.
-// Reads what an SDK left behind: run it as an attempt.
+// Finds the object's size, whether it derives from std::exception, and the text of its what().
+// Reads the SDK's data, which may be invalid: call it through orvane_attempt().
 void examine(void* context) {
   constexpr std::int32_t mostTypes = 256;
   auto& caught = *static_cast<CaughtException*>(context);
@@ -204,7 +205,7 @@ void examine(void* context) {
       using What = const char* (*)(const void*);
       const What* virtualTable = nullptr;
       std::memcpy(&virtualTable, exception, sizeof virtualTable);
-      const char* const text = virtualTable[1](exception);  // behind the destructor
+      const char* const text = virtualTable[1](exception);  // [0] is the destructor
       if (text != nullptr) {
         copyText(text, caught.text, sizeof caught.text);
       }
@@ -213,7 +214,8 @@ void examine(void* context) {
   }
 }
 
-// Runs the object's destructor, where it has one. Runs an SDK's code: run it as an attempt.
+// Runs the object's destructor, if it has one. This is the SDK's code, which may fail: call it
+// through orvane_attempt().
 void destroy(void* context) {
   const auto& thrown = *static_cast<const ThrownException*>(context);
   const ThrowInfo* const info = throwInfoOf(thrown);
@@ -227,7 +229,7 @@ void attemptToDestroy(const ThrownException& thrown) {
   orvane_attempt(destroy, const_cast<ThrownException*>(&thrown));
 }
 
-// Copies the object where the frames that take over will overwrite it.
+// Copies the object if it lies where the functions that run next would overwrite it.
 void keepObject(CaughtException& caught, const char* guardFrame) {
   ThrownException& thrown = caught.thrown;
   const char* const object = objectOf(thrown);
@@ -245,8 +247,8 @@ void keepObject(CaughtException& caught, const char* guardFrame) {
   std::memcpy(thrown.objectCopy, object, thrown.objectSize);
 }
 
-// Runs an action for which the object is where it was. The stack is made to reach below that
-// place first: nothing that is called from here overwrites it.
+// Runs an action with the object back at its original address. First extends the stack to below
+// that address, so that no called function overwrites the object.
 template <class Action>
 [[gnu::noinline]] void withObjectInPlace(const ThrownException& kept, Action action) {
   ThrownException thrown = kept;
@@ -267,7 +269,8 @@ template <class Action>
 
 }  // namespace
 
-// While the frames of the SDK are still there: everything that needs its object or its code.
+// Runs before the SDK's frames are unwound, so everything that needs the SDK's object or code
+// happens here.
 extern "C" [[gnu::used]] long orvane_filter_microsoft_exception(EXCEPTION_POINTERS* raised,
                                                                 char* guardFrame) {
   const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
@@ -291,14 +294,14 @@ extern "C" [[gnu::used]] long orvane_filter_microsoft_exception(EXCEPTION_POINTE
   return EXCEPTION_EXECUTE_HANDLER;
 }
 
-// Errors of an SDK's data or code. A stack overflow is none that could be survived here.
+// Catches errors in the SDK's data or code. A stack overflow cannot be handled here.
 extern "C" [[gnu::used]] long orvane_filter_error(EXCEPTION_POINTERS* raised, char*) {
   const DWORD code = raised->ExceptionRecord->ExceptionCode;
   return code >= 0xC0000000 && code != EXCEPTION_STACK_OVERFLOW ? EXCEPTION_EXECUTE_HANDLER
                                                                 : EXCEPTION_CONTINUE_SEARCH;
 }
 
-// Where a guard continues once the frames of the SDK are gone.
+// A guard continues here after the SDK's frames have been unwound.
 extern "C" [[gnu::used, noreturn]] void orvane_throw_caught(const CaughtException* caught) {
   if (caught->isStandard) {
     throw std::runtime_error(caught->text);
@@ -324,7 +327,7 @@ void raiseKept() {
   withObjectInPlace(leaving, [](const ThrownException& raised) {
     RaiseException(raised.code, raised.flags, raised.parameterCount, raised.parameters);
   });
-  std::abort();  // the flags of such an exception say that nobody may continue it
+  std::abort();  // never reached: such an exception is flagged as noncontinuable
 }
 
 }  // namespace orvane

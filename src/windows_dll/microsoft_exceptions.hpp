@@ -1,13 +1,14 @@
-// Exceptions of SDKs that Microsoft's compiler built, in a DLL that GCC built.
+// Lets a DLL that GCC built catch C++ exceptions of SDKs that Microsoft's compiler built.
 //
-// On Windows x64 such an exception is a structured exception (code 0xE06D7363), which GCC's `catch`
-// and clean-ups do not see. callGuarded() stops it at the call and throws a C++ exception in its
-// place: std::runtime_error with the text of what() if the object derives from std::exception, and
-// PassingException otherwise. raisingAsItCame() turns the latter back at the library's boundary.
-// All other structured exceptions (access violations, breakpoints) and GCC's own pass untouched.
+// On Windows x64 such an exception is a structured exception (code 0xE06D7363). GCC's `catch` does
+// not catch it, and GCC's clean-ups do not run. callGuarded() catches it at the call and throws a
+// C++ exception instead: std::runtime_error with the text of what() if the object derives from
+// std::exception, PassingException otherwise. At the library's boundary, raisingAsItCame() raises
+// the original exception again. All other structured exceptions (access violations, breakpoints)
+// and GCC's own exceptions pass unchanged.
 //
-// The layout of the exception's description is that of Microsoft's compiler for x64, the same since
-// Visual Studio 2012 and in Wine; no header has it.
+// No header declares the layout of the exception's description. It is that of Microsoft's compiler
+// for x64, the same since Visual Studio 2012 and in Wine.
 #pragma once
 
 #include <cstddef>
@@ -17,17 +18,17 @@
 
 namespace orvane {
 
-// In assembler, since the unwind information of a function that C++ describes names C++'s handler.
-// Each takes up to so many arguments, and behind them, in the next place on the stack, the address
-// of the function to be called with them. Arguments in registers are left alone.
+// Written in assembler, because the unwind information of a C++ function names GCC's own handler.
+// Each takes the given number of arguments and, in the next stack slot, the address of the function
+// to call with them. Arguments in registers are passed on unchanged.
 extern "C" {
 void orvane_guarded_call_4();
 void orvane_guarded_call_6();
 void orvane_guarded_call_8();
 }
 
-/// A structured exception as it was raised. Its object lay on the stack of the function that threw
-/// it, which is gone; its bytes are kept.
+/// A structured exception as it was raised. Its object lay in the stack frame of the function that
+/// threw it, which has been unwound, so the object's bytes are kept.
 struct ThrownException {
   std::uint32_t code;
   std::uint32_t flags;
@@ -37,8 +38,8 @@ struct ThrownException {
   std::size_t objectSize;
 };
 
-/// A Microsoft C++ exception outside the standard family, on its way through the library. The
-/// SDK's object is destroyed with it, unless it leaves the library.
+/// A Microsoft C++ exception that does not derive from std::exception, while it passes through the
+/// library. Its destructor destroys the SDK's object, unless keep() was called.
 class PassingException {
  public:
   explicit PassingException(const ThrownException& thrown) noexcept : thrown_(thrown) {}
@@ -56,12 +57,10 @@ class PassingException {
   bool ownsObject_ = true;
 };
 
-/// Raises the exception that was kept: the same code, the same parameters, and its object at the
-/// same place.
+/// Raises the kept exception again: same code, same parameters, object at the same address.
 [[noreturn]] void raiseKept();
 
-/// Runs the body. A PassingException that leaves it goes on as the structured exception that it
-/// was.
+/// Runs the body. If a PassingException leaves it, raises the original structured exception.
 template <class Body>
 std::invoke_result_t<Body> raisingAsItCame(Body body) {
   try {
@@ -69,7 +68,7 @@ std::invoke_result_t<Body> raisingAsItCame(Body body) {
   } catch (PassingException& passing) {
     passing.keep();
   }
-  raiseKept();  // outside the handler, so that C++ is through with its own exception
+  raiseKept();  // outside the handler, so that the C++ exception has already been destroyed
 }
 
 namespace guarded_call {
@@ -101,7 +100,7 @@ Result call(std::index_sequence<fillers...>, Result (*function)(Arguments...),
 
 }  // namespace guarded_call
 
-/// Calls an SDK's function and returns what it returns. Throws what is described above.
+/// Calls an SDK's function and returns its result. Throws the exceptions described above.
 template <class Result, class... Arguments>
 Result callGuarded(Result (*function)(Arguments...), Arguments... arguments) {
   constexpr std::size_t count = sizeof...(Arguments);

@@ -31,7 +31,7 @@ static class LiveStatistics
         using (Camera camera = CameraLibrary.Open(found.Cameras[0], settings))
         {
             Console.WriteLine("{0}: {1} x {2}", camera.Info.Name, camera.Width, camera.Height);
-            byte[] buffer = new byte[camera.BufferSize]; // every frame is written into the same one
+            byte[] buffer = new byte[camera.BufferSize]; // used for every frame
             foreach (long exposureUs in new[] { 5000L, 20000L, 80000L })
             {
                 camera.Apply(exposureUs, 100, 10);

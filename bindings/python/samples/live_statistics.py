@@ -20,7 +20,7 @@ def watch(directory: str, count: int) -> None:
         cameras[0], width=640, height=480, format=Format.RAW16, exposure_us=5000, gain=100
     ) as camera:
         print(f"{camera.info.name}: {camera.width} x {camera.height}")
-        buffer = camera.new_buffer()  # every frame is written into the same one
+        buffer = camera.new_buffer()  # used for every frame
         for exposure_us in (5000, 20000, 80000):
             camera.apply(exposure_us=exposure_us, gain=100, offset=10)
             for _ in range(count):
