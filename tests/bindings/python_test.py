@@ -52,7 +52,7 @@ def rendered(number, size):
 class BindingTest(unittest.TestCase):
     def setUp(self):
         for name, control in CONTROLS.items():
-            # A reset would also undo the QHYCCD SDK's initialisation, which the library does once per process.
+            # A reset would undo the initialisation that the library does once per process.
             control.sim_clear_faults() if name == "qhyccd" else control.sim_reset()
         self.camera_library = Library(LIBRARY)
         self.cameras = self.camera_library.scan(SDKS)

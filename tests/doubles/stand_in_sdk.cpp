@@ -1,5 +1,5 @@
-// A stand-in for ZWO's SDK that needs a second library, and that can refuse to be loaded. It
-// reports one camera and then fails with a number that only the second library knows.
+// A test double of ZWO's SDK that depends on a second library and can refuse to load. It reports
+// one camera and then fails with a number that only the second library knows.
 #include <cstdlib>
 
 #include "doubles/sdk_dependency.hpp"

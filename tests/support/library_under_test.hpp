@@ -1,4 +1,4 @@
-// The built library, loaded into this process as a host that knows it by name only would.
+// The built library, loaded into this process by a host that looks its functions up by name.
 #pragma once
 
 #include <string>
