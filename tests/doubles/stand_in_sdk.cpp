@@ -1,7 +1,5 @@
 // A test double of ZWO's SDK that depends on a second library and can refuse to load. It reports
 // one camera and then fails with a number that only the second library knows.
-#include <cstdlib>
-
 #include "doubles/sdk_dependency.hpp"
 
 #if defined(_WIN32)

@@ -1,7 +1,5 @@
 // The exports before, between and after sessions with cameras: their results, and which of them
 // change the error text.
-#include <cmath>
-
 #include "library/asi_test.hpp"
 
 namespace orvane::testing {

@@ -2,7 +2,7 @@
 // causes.
 #include <system_error>
 
-#include "library/asi_test.hpp"
+#include "library/library_test.hpp"
 
 namespace orvane::testing {
 namespace {

@@ -1,5 +1,4 @@
 // Simulated cameras that play a recording back.
-#include <cmath>
 #include <fstream>
 #include <optional>
 #include <random>

@@ -16,13 +16,7 @@ namespace {
 
 class Unload : public LibraryTest, public ::testing::WithParamInterface<const char*> {
  protected:
-  static SimCamera camera() {
-    SimCamera shown = smallCamera();
-    if (std::string(GetParam()) == "toupcam") {
-      shown.mosaic = 0x42474752;  // RGGB
-    }
-    return shown;
-  }
+  static SimCamera camera() { return smallCamera(familyNamed(GetParam())); }
 
   static void stream(LibraryUnderTest& library, const SdkDirectory& place) {
     library.library_dir(place.utf8().c_str());

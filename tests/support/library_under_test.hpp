@@ -1,8 +1,6 @@
 // The built library, loaded into this process by a host that looks its functions up by name.
 #pragma once
 
-#include <string>
-
 #include "orvane_desktop_camera.h"
 #include "support/shared_library.hpp"
 

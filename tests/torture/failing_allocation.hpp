@@ -2,9 +2,6 @@
 // is linked into it, and the tests, but not the SDKs.
 #pragma once
 
-#include <cstddef>
-#include <optional>
-
 namespace orvane::testing {
 
 /// Between these two calls the library runs: allocations are counted and may fail.
