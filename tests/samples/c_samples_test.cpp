@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "doubles/sdk_directory.hpp"
 #include "program.hpp"
 #include "scratch_directory.hpp"
-#include "doubles/sdk_directory.hpp"
 
 namespace orvane::testing {
 namespace {
