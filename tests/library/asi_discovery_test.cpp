@@ -145,8 +145,7 @@ TEST_F(AsiDiscovery, ControlThatFailsIsSkippedSilently) {
 }
 
 TEST_F(AsiDiscovery, LaterControlOfATypeWins) {
-  sdk.forceOutput("ASIGetControlCaps", "ControlType", 0, 3,
-                  1);  // the offset control reports the type of gain
+  sdk.forceOutput("ASIGetControlCaps", "ControlType", 0, 3, 1);  // offset reports the type of gain
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "maxGain"), "20");
 }

@@ -145,8 +145,7 @@ TEST_F(ToupTekDiscovery, UsbFlagsDistinguishCameraAndPort) {
   EXPECT_EQ(infoValue(0, "isUsb3Camera"), "true");
   EXPECT_EQ(infoValue(0, "isUsb3Host"), "false");
   EXPECT_EQ(infoValue(0, "isCooled"), "true");
-  sdk.forceOutput("Toupcam_EnumV2", "flag",
-                  0x100);  // a USB 2 connection flag without the USB 3 camera flag
+  sdk.forceOutput("Toupcam_EnumV2", "flag", 0x100);  // on a USB 2 port, no USB 3 camera
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "isUsb3Camera"), "false");
   EXPECT_EQ(infoValue(0, "isUsb3Host"), "false");

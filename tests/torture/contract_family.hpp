@@ -28,8 +28,8 @@ enum HostBayer : int {
 /// A camera of the catalogue.
 struct ContractCamera {
   std::size_t family = 0;
-  std::string
-      id;  ///< what names the camera in calls, as the log writes it: a number or quoted text
+  /// Names the camera in calls: a number or quoted text, as the log writes it.
+  std::string id;
   std::string name;
   int maxWidth = 0;
   int maxHeight = 0;
