@@ -110,8 +110,7 @@ void* Adversary::openedHandle(Vendor vendor) {
   }
   lastHandle_ += 16;
   opened(vendor, lastHandle_);
-  return reinterpret_cast<void*>(
-      lastHandle_);  // NOLINT(performance-no-int-to-ptr): never dereferenced
+  return reinterpret_cast<void*>(lastHandle_);  // NOLINT(performance-no-int-to-ptr): never read
 }
 
 Device& Adversary::used(Vendor vendor, std::uintptr_t key, const char* call) {

@@ -63,8 +63,8 @@ class Adversary {
 
   Input input;
   std::array<Sdk, vendorCount> sdks;  ///< in the order of Vendor
-  std::uint32_t qhyResourceResult =
-      0;  ///< not from the input: the library asks for it once per process
+  /// Not from the input, because the library asks for it only once per process.
+  std::uint32_t qhyResourceResult = 0;
   std::vector<std::string> violations;  ///< the rules that the library broke
 
   Sdk& of(Vendor vendor) { return sdks[static_cast<std::size_t>(vendor)]; }
