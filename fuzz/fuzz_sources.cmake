@@ -1,6 +1,6 @@
-# What the fuzzers and the replay of their corpus are made of.
+# The sources of the fuzzers and of the replay of their corpus.
 
-# The library against adversarial SDKs: one run, without a program.
+# One run of the library against adversarial SDKs, without main().
 orvane_family_files(families adversarial_sdks/ .cpp)
 set(ORVANE_ADVERSARIAL_SOURCES
   adversarial_sdks/adversary.cpp
@@ -14,9 +14,9 @@ set(ORVANE_FUZZ_INCLUDES
   ${PROJECT_SOURCE_DIR}/src
   ${PROJECT_SOURCE_DIR}/tests)
 
-# orvane_fuzz_json: the header of the JSON parser that descriptions are read back with. It lies in a
-# system directory, which must not become an include directory of a build for another system, so a
-# directory with nothing but a link to it does.
+# orvane_fuzz_json: the header of the JSON parser for the descriptions. The header is in a system
+# directory, which must not be an include directory of a cross build. Therefore the include
+# directory is a new one that contains only a link to it.
 
 if(NOT TARGET orvane_fuzz_json)
   find_path(ORVANE_NLOHMANN_JSON_DIR nlohmann/json.hpp

@@ -8,7 +8,7 @@
 
 namespace orvane::fuzz {
 
-// Each adds the functions of one SDK.
+// Each adds the functions of one SDK. Defined in the file of that SDK.
 void addAsi(Sdk& sdk);
 void addPlayerOne(Sdk& sdk);
 void addQhy(Sdk& sdk);
@@ -61,8 +61,8 @@ bool Adversary::admits(const scripted::Library& library, const char* name) {
   const bool closes = name == std::string_view(sdk.closeFunction);
   const bool isOver = ++calls_ > maxCalls && !stops && !closes;
   require(library.functions.contains(name), "looked up no function of the SDK", name);
-  // Where the function that stops or closes is missing, the library is not to blame for what stays
-  // running or open.
+  // If the stop or close function is missing, the library cannot stop or close: what stays running
+  // or open is not its fault.
   if (stops && library.missing.contains(name)) {
     for (auto& [key, device] : sdk.open) {
       device.isStreaming = false;
@@ -80,7 +80,7 @@ std::int32_t Adversary::result() {
     return 0;
   }
   if (choice < 246) {
-    return choice - 235;  // small codes, the makers' time-outs among them
+    return choice - 235;  // small codes, which include the makers' time-outs
   }
   if (choice == 255) {
     throw std::runtime_error("thrown by the SDK");
@@ -110,7 +110,7 @@ void* Adversary::openedHandle(Vendor vendor) {
   }
   lastHandle_ += 16;
   opened(vendor, lastHandle_);
-  return reinterpret_cast<void*>(lastHandle_);  // NOLINT(performance-no-int-to-ptr): never followed
+  return reinterpret_cast<void*>(lastHandle_);  // NOLINT(performance-no-int-to-ptr): never read
 }
 
 Device& Adversary::used(Vendor vendor, std::uintptr_t key, const char* call) {

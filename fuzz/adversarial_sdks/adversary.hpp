@@ -1,5 +1,5 @@
-// What the scripted SDKs of all makers share: where their answers come from, which devices are
-// open, and what the library did that it must not.
+// What the scripted SDKs of all makers share: the source of their answers, the open devices, and
+// the violations by the library.
 #pragma once
 
 #include <algorithm>
@@ -15,31 +15,31 @@
 
 namespace orvane::fuzz {
 
-/// What an SDK knows of a device while it is open.
+/// The state of an open device.
 struct Device {
   bool isStreaming = false;
   std::int64_t frameWidth = 0;  ///< as last set or reported
   std::int64_t frameHeight = 0;
   std::int64_t bytesPerPixel = 1;
-  std::int64_t frameMemory = 0;  ///< as last reported, for the SDK that does
+  std::int64_t frameMemory = 0;  ///< as last reported, for SDKs that report it
 };
 
-/// One SDK: its functions, and the devices that are open in it.
+/// One SDK: its functions and its open devices.
 struct Sdk {
   const char* baseName = "";
-  scripted::Library* library = nullptr;  ///< of the platform layer
+  scripted::Library* library = nullptr;  ///< in the scripted platform layer
   const char* stopFunction = "";
   const char* closeFunction = "";
   std::map<std::uintptr_t, Device> open;  ///< by key
 
-  /// Adds a function: its declaration in the library, and a body.
+  /// Adds a function under the name and type of `declared`.
   template <class Declared, class Body>
   void add(const Declared& declared, Body body) {
     library->add(declared, body);
   }
 };
 
-/// What tells the open devices of an SDK apart: the camera id, or the handle.
+/// A device's key: the camera id or the handle.
 inline std::uintptr_t keyOf(int cameraId) {
   return static_cast<std::uintptr_t>(static_cast<unsigned>(cameraId));
 }
@@ -50,41 +50,43 @@ inline std::uintptr_t keyOf(const void* handle) {
 /// All SDKs of one run.
 class Adversary {
  public:
-  /// More calls than this and every SDK lacks all functions but those that stop and close: an SDK
-  /// may claim any number of cameras and controls, and a run must come to an end.
+  /// After this many calls every SDK loses all functions except stop and close. This ends the run:
+  /// an SDK may claim any number of cameras and controls.
   static constexpr int maxCalls = 2000;
 
   /// Puts the SDKs of all families, complete and loadable, into the platform layer.
   Adversary();
 
-  /// Starts a run: everything is closed, nothing is missing, answers come from these bytes.
+  /// Starts a run: closes everything, restores all functions, and takes the answers from these
+  /// bytes.
   void begin(std::span<const std::uint8_t> bytes);
 
   Input input;
-  std::array<Sdk, vendorCount> sdks;    ///< in the order of Vendor
-  std::uint32_t qhyResourceResult = 0;  ///< the library asks for it once in a process: no input
-  std::vector<std::string> violations;  ///< what the library did wrong
+  std::array<Sdk, vendorCount> sdks;  ///< in the order of Vendor
+  /// Not from the input, because the library asks for it only once per process.
+  std::uint32_t qhyResourceResult = 0;
+  std::vector<std::string> violations;  ///< the rules that the library broke
 
   Sdk& of(Vendor vendor) { return sdks[static_cast<std::size_t>(vendor)]; }
 
-  /// Notes a rule that is broken, and what broke it.
+  /// Records a violation unless the rule holds.
   void require(bool holds, const char* rule, const char* culprit = nullptr) {
     if (!holds) {
       noteViolation(rule, culprit);
     }
   }
 
-  /// The result of a call: success as a rule, else any code; now and then an exception, as SDKs
-  /// written in C++ let them pass.
+  /// The result of a call: usually success, else any code. Sometimes throws, as an SDK written in
+  /// C++ may do.
   std::int32_t result();
 
-  /// A side of a sensor or frame: as a rule small enough for real frames, else anything.
+  /// A width or height of a sensor or frame: usually small enough for real frames, else any number.
   std::int32_t length();
 
-  /// True as a rule.
+  /// Usually true.
   bool isSound() { return input.byte() < 224; }
 
-  /// Writes any text into an array: none, a short one, or one that fills it without an end.
+  /// Fills an array with any text: empty, short, or without a terminator.
   template <class Char, std::size_t size>
   void fill(Char (&text)[size]) {
     const std::size_t written = fillLength(size);
@@ -93,7 +95,7 @@ class Adversary {
     }
   }
 
-  /// Writes any numbers into a list: an ordinary one, an empty one, or one without an end.
+  /// Fills a list with any numbers: an ordinary list, an empty one, or one without an end mark.
   template <std::size_t size>
   void fill(int (&list)[size], int end, int first) {
     const std::uint8_t choice = input.byte();
@@ -106,14 +108,14 @@ class Adversary {
     }
   }
 
-  /// A device is opened; a device that is open cannot be opened again.
+  /// Opens a device. It is a violation if the device is already open.
   void opened(Vendor vendor, std::uintptr_t key);
-  /// The same for an SDK that gives handles: null now and then, else a new handle. No handle is
-  /// given twice, so that a stale one is noticed.
+  /// The same for an SDK that returns handles: sometimes null, else a new handle. No handle is used
+  /// twice, so a stale one is detected.
   void* openedHandle(Vendor vendor);
-  /// The device of a call, which has to be open; never null.
+  /// The device of a call. It is a violation if the device is not open. Never null.
   Device& used(Vendor vendor, std::uintptr_t key, const char* call);
-  /// A device's stream is stopped, or the device closed.
+  /// Stops the stream of a device, or closes the device.
   void stopped(Vendor vendor, std::uintptr_t key);
   void closed(Vendor vendor, std::uintptr_t key);
 
@@ -130,10 +132,10 @@ class Adversary {
   Device none_;
 };
 
-/// The one adversary of the process.
+/// The only instance in the process.
 Adversary& adversary();
 
-/// The device of a call of this function, by camera id or handle.
+/// The device of a call to this function, by camera id or handle.
 template <Vendor vendor, void (*check)(std::int64_t, const char*), class Signature, class Id>
 Device& used(Id id, const SdkFunction<vendor, check, Signature>& function) {
   return adversary().used(vendor, keyOf(id), function.name());

@@ -1,4 +1,4 @@
-// ZWO's SDK, answering whatever the input says.
+// An adversarial version of ZWO's SDK: the input determines every answer.
 #include <cstring>
 
 #include "adversarial_sdks/adversary.hpp"
@@ -127,7 +127,8 @@ void addAsi(Sdk& sdk) {
         adversary().require(device.isStreaming, "frame asked for without a stream");
         adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
                             "buffer shorter than a frame");
-        std::memset(buffer, 0x5A, static_cast<std::size_t>(length));  // all that it may
+        std::memset(buffer, 0x5A,
+                    static_cast<std::size_t>(length));  // the whole length that it was given
         return adversary().result();
       });
 }

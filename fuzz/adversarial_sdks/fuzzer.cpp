@@ -1,4 +1,4 @@
-// The fuzzer of the library against SDKs that answers.
+// The fuzzer of the library against adversarial SDKs.
 #include <cstdio>
 #include <cstdlib>
 

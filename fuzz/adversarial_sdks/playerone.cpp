@@ -1,4 +1,4 @@
-// Player One's SDK, answering whatever the input says.
+// An adversarial version of Player One's SDK: the input determines every answer.
 #include <cstring>
 
 #include "adversarial_sdks/adversary.hpp"
@@ -8,7 +8,7 @@ namespace orvane::fuzz {
 
 namespace {
 
-// Any eight bytes, as a number or as a double.
+// Any eight bytes, read as an integer or as a double.
 POAConfigValue anyValue() {
   POAConfigValue value{.floatValue = 0.0};
   if (adversary().isSound()) {
@@ -132,7 +132,8 @@ void addPlayerOne(Sdk& sdk) {
         adversary().require(device.isStreaming, "frame asked for without a stream");
         adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
                             "buffer shorter than a frame");
-        std::memset(buffer, 0x5A, static_cast<std::size_t>(length));  // all that it may
+        std::memset(buffer, 0x5A,
+                    static_cast<std::size_t>(length));  // the whole length that it was given
         return adversary().result();
       });
 }

@@ -1,4 +1,4 @@
-// QHYCCD's SDK, answering whatever the input says.
+// An adversarial version of QHYCCD's SDK: the input determines every answer.
 #include <algorithm>
 #include <cstring>
 
@@ -9,7 +9,7 @@ namespace orvane::fuzz {
 
 namespace {
 
-// The SDK is told no length; this many bytes are what its callers provide by agreement.
+// The function takes no length. Callers must provide this many bytes.
 using Text = char[256];
 
 std::uint32_t result() {
@@ -142,7 +142,8 @@ void addQhy(Sdk& sdk) {
             *bitsPerPixel = static_cast<std::uint32_t>(isSound ? device.bytesPerPixel * 8
                                                                : answers.input.number());
             *channels = isSound ? 1 : static_cast<std::uint32_t>(answers.input.number());
-            // All that it may: what it said a frame takes, or the frame where that is more.
+            // The most that it may write: the reported memory length, or the frame if that is
+            // larger.
             const std::int64_t bytes = std::max(
                 device.frameMemory, device.frameWidth * device.frameHeight * device.bytesPerPixel);
             std::memset(data, 0x5A, static_cast<std::size_t>(bytes));

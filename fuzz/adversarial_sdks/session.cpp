@@ -1,5 +1,5 @@
-// One run of the library against adversarial SDKs: what a host may do, in any order, and what must
-// hold after each step.
+// One run of the library against adversarial SDKs: calls that a host may make, in any order, with
+// checks after each.
 #include "adversarial_sdks/session.hpp"
 
 #include <cstring>
@@ -14,7 +14,7 @@ namespace orvane::fuzz {
 
 namespace {
 
-// Frames beyond this are not read: writing them costs more than it shows.
+// Larger frames are not read: writing them takes long and finds nothing more.
 constexpr int largestFrame = 1 << 20;
 constexpr int maxSteps = 100;
 
@@ -25,7 +25,7 @@ void require(bool holds, const char* rule) {
 void checkText(const char* text, const char* function) {
   adversary().require(text != nullptr, "null text", function);
   if (text != nullptr) {
-    // Reading to the end finds a text that has none.
+    // If the text has no terminator, strlen() reads past its end, which the sanitizers report.
     adversary().require(std::strlen(text) < (std::size_t{1} << 24U), "text without an end",
                         function);
   }
@@ -43,7 +43,7 @@ void checkDescription(int index) {
   }
 }
 
-// What holds after every call.
+// Checks what must hold after every call.
 void checkState() {
   const ActiveCamera& camera = state.active;
   checkText(oc_error(), "oc_error");
@@ -111,7 +111,7 @@ void openAnything() {
   open(index, width, height, bin, format, exposureUs, gain, input.number());
 }
 
-// Something that the description of a camera offers.
+// Opens with arguments that the camera supports.
 void openOffered() {
   Input& input = adversary().input;
   if (state.catalogue.empty()) {
@@ -138,7 +138,7 @@ void read() {
   if (size > largestFrame) {
     return;
   }
-  // Exactly as large as it must be, now and then a little larger.
+  // Usually exactly the required size, sometimes a little larger.
   const int length = size + (adversary().isSound() ? 0 : input.byte());
   const auto buffer = std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(length));
   const int result = oc_read(buffer.get(), length, input.number());
@@ -177,7 +177,7 @@ void setDirectory() {
   oc_library_dir(directories[adversary().input.byte() % std::size(directories)]);
 }
 
-// An SDK loses a function, or gets all of them back.
+// Removes a function from an SDK, or restores all of its functions.
 void changeFunctions() {
   Input& input = adversary().input;
   Sdk& sdk = adversary().sdks[input.byte() % vendorCount];

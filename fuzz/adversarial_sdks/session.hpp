@@ -1,4 +1,4 @@
-// One run of the library against SDKs that answers.
+// One run of the library against adversarial SDKs.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace orvane::fuzz {
 
-/// Calls the thirteen functions in an order, with arguments, and with answers of the SDKs that all
-/// follow from the bytes. Returns the rules that were broken, none when all is well.
+/// Calls the thirteen functions. Their order, their arguments and the answers of the SDKs follow
+/// from the bytes. Returns the violations, empty if there are none.
 std::vector<std::string> runSession(std::span<const std::uint8_t> bytes);
 
 }  // namespace orvane::fuzz

@@ -1,4 +1,4 @@
-// ToupTek's SDK, answering whatever the input says.
+// An adversarial version of ToupTek's SDK: the input determines every answer.
 #include <cstring>
 
 #include "adversarial_sdks/adversary.hpp"
@@ -8,19 +8,19 @@ namespace orvane::fuzz {
 
 namespace {
 
-// A failure of this SDK is negative, and positive is success.
+// Negative codes are failures, positive ones are successes.
 std::int32_t result() {
   const std::int32_t code = adversary().result();
   return code > 0 && code < 8 ? -code : code;
 }
 
-// Models as the SDK would hold them: constant data that outlives every call.
+// A model as the SDK would hold it: constant data that outlives every call.
 const ToupcamModelV2* anyModel() {
   static std::array<ToupcamModelV2, TOUPCAM_MAX> models{};
   static std::size_t next = 0;
   Adversary& answers = adversary();
   ToupcamModelV2& model = models[next++ % models.size()];
-  model.name = nullptr;  // not the library's business
+  model.name = nullptr;  // the library does not read it
   model.flag = answers.isSound() ? answers.input.byte() : answers.input.longWord();
   model.xpixsz = static_cast<float>(answers.input.number());
   model.res[0].width = static_cast<unsigned>(answers.length());
@@ -38,7 +38,7 @@ void addToupTek(Sdk& sdk) {
     Adversary& answers = adversary();
     const auto count = answers.isSound() ? 1U + answers.input.byte() % 3U
                                          : static_cast<unsigned>(answers.input.number());
-    // Claims as many as it likes, and fills no more than there is room for.
+    // Reports any count, but fills at most TOUPCAM_MAX entries.
     for (unsigned i = 0; i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
       answers.fill(devices[i].displayname);
       answers.fill(devices[i].id);

@@ -1,4 +1,4 @@
-// The fuzzer of the description of a camera.
+// The fuzzer of the JSON description of a camera.
 #include <cstdio>
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-// Holds the description of a camera against an independent JSON parser.
+// Checks the JSON description of a camera with an independent parser.
 #include "camera_json/json_check.hpp"
 
 #include <cmath>
@@ -46,11 +46,11 @@ CameraInfo anyCamera(Input& input) {
   camera.minGain = input.number();
   camera.maxGain = input.number();
   camera.bayer = input.number();
-  camera.name = anyBytes(input, 512);  // all that is left
+  camera.name = anyBytes(input, 512);  // the rest of the input
   return camera;
 }
 
-// What of a name may be seen in a description.
+// The part of a name that a description keeps.
 std::string visible(const std::string& name) {
   std::string kept;
   for (const char byte : name) {
@@ -61,7 +61,7 @@ std::string visible(const std::string& name) {
   return kept;
 }
 
-// The parser's own opinion, from the direction of writing.
+// Whether the independent library accepts the text when it writes JSON.
 bool isUtf8(const std::string& text) {
   try {
     return !Json(text).dump().empty();
@@ -70,7 +70,7 @@ bool isUtf8(const std::string& text) {
   }
 }
 
-// Reads a quoted text back byte by byte; nothing where it is no such text.
+// Removes the quotes and escapes. Returns an empty text if a quote inside is not escaped.
 std::string unquoted(const std::string& quoted) {
   std::string text;
   for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
@@ -137,7 +137,7 @@ std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes)
           "name is not in its place");
 
   Json read = Json::parse(description, nullptr, false);
-  // A number that is none has no form in JSON.
+  // JSON cannot represent infinity or not-a-number.
   const bool isJson = isUtf8(name) && std::isfinite(camera.pixelSizeUm);
   require(read.is_discarded() != isJson, "readable against expectation");
   if (isJson && !read.is_discarded()) {

@@ -1,4 +1,4 @@
-// Holds the description of a camera against an independent JSON parser.
+// Checks the JSON description of a camera with an independent parser.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace orvane::fuzz {
 
-/// Makes a camera of the bytes, describes it, and reads the description back. Returns the rules
-/// that were broken, none when all is well.
+/// Makes a camera from the bytes, describes it, and parses the description. Returns the violations,
+/// empty if there are none.
 std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes);
 
 }  // namespace orvane::fuzz

@@ -1,5 +1,5 @@
-// The bytes of one run, read as decisions. Every value that is made up comes from here, so that the
-// same bytes always give the same run.
+// Reads the bytes of one run as decisions. All random values come from here, so the same bytes
+// always give the same run.
 #pragma once
 
 #include <bit>
@@ -10,8 +10,8 @@
 
 namespace orvane::fuzz {
 
-/// Bytes that are consumed from the front; behind the end all of them are 0, which every reader
-/// takes for its most ordinary answer.
+/// Consumes the bytes from the front. After the last byte it returns 0, which selects the most
+/// ordinary answer everywhere.
 class Input {
  public:
   Input() = default;
@@ -41,7 +41,7 @@ class Input {
     return high << 32U | word();
   }
 
-  /// Any number of 32 bits: mostly a small one, often one at an edge.
+  /// Any 32-bit number: usually small, often an edge case.
   std::int32_t number() {
     constexpr std::int32_t edges[] = {
         -1,      std::numeric_limits<std::int32_t>::min(),
@@ -62,7 +62,7 @@ class Input {
     return edge < std::size(edges) ? edges[edge] : static_cast<std::int32_t>(word());
   }
 
-  /// Any double, not-a-number and the infinities among them.
+  /// Any double, including not-a-number and the infinities.
   double real() {
     constexpr double edges[] = {0.0,
                                 -0.0,

@@ -1,5 +1,4 @@
-// The fuzzers' corpus, run through once: every input that ever taught them something, and the rules
-// that they check.
+// Runs the corpus of the fuzzers: the inputs that they kept, with the same checks.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -42,14 +41,14 @@ TEST(FuzzReplay, CameraJson) {
   EXPECT_GE(replay("camera_json", checkDescriptionOf), 20);
 }
 
-TEST(FuzzReplay, NoBytesAtAllAreASessionOfOrdinaryAnswers) {
+TEST(FuzzReplay, EmptyInputGivesOrdinaryAnswers) {
   EXPECT_EQ(runSession({}), std::vector<std::string>{});
   EXPECT_EQ(adversary().openDevices(), 0U);
   EXPECT_EQ(checkDescriptionOf({}), std::vector<std::string>{});
 }
 
-// The rules themselves must be able to fail.
-TEST(FuzzReplay, AdversaryNoticesWhatALibraryMustNotDo) {
+// Shows that the checks can fail.
+TEST(FuzzReplay, AdversaryReportsViolations) {
   Adversary& answers = adversary();
   answers.begin({});
   answers.used(Vendor::Asi, 1, "ASIInitCamera");

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compiles the C# binding, its samples and its test with Mono's compiler, warnings being errors, and runs
+# Compiles the C# binding, its samples and its test with Mono's compiler (warnings are errors), and runs
 # them with the simulated SDKs.
 #   csharp_test.sh MCS MONO LIBRARY-DIRECTORY SDK-DIRECTORY BINDING-DIRECTORY SCRATCH
 set -euo pipefail
@@ -12,10 +12,10 @@ for source in "$binding/samples/ListCameras.cs" "$binding/samples/LiveStatistics
   "$mcs" -warnaserror -warn:4 -unsafe -out:"$scratch/$(basename "$source" .cs).exe" \
     "$binding/OrvaneDesktopCamera.cs" "$source"
 done
-# The simulated SDKs too: the test gives them commands.
+# The SDK directory too, because the test loads the simulated SDKs to send them commands.
 export LD_LIBRARY_PATH="$library:$sdks"
 
-# run STATUS TEXT PROGRAM ARGUMENT...: the exit status must be this one, and the output hold the text.
+# run STATUS TEXT PROGRAM ARGUMENT...: expects this exit status, and the text in the output.
 run() {
   local status=$1 text=$2 got=0 output
   shift 2

@@ -43,7 +43,7 @@ class Invariants(ctypes.Structure):
 
 
 def rendered(number, size):
-    """Frame `number` of the streaming ZWO camera, as its SDK delivers it."""
+    """Frame `number` of the streaming ZWO camera, as the SDK delivers it."""
     frame = np.empty(size, np.uint8)
     assert ASI.sim_render_frame(number, frame.ctypes.data_as(ctypes.c_void_p), size) == size
     return frame
@@ -52,7 +52,7 @@ def rendered(number, size):
 class BindingTest(unittest.TestCase):
     def setUp(self):
         for name, control in CONTROLS.items():
-            # A reset would also forget that the QHYCCD SDK is initialised, once a process.
+            # A reset would undo the initialisation that the library does once per process.
             control.sim_clear_faults() if name == "qhyccd" else control.sim_reset()
         self.camera_library = Library(LIBRARY)
         self.cameras = self.camera_library.scan(SDKS)

@@ -1,4 +1,4 @@
-// The header for C++ programs compiles by itself, and its codes are those of the C header.
+// The C++ header compiles by itself, and its constants equal those of the C header.
 #include "orvane_desktop_camera.hpp"
 
 #include <type_traits>

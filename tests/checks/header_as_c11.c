@@ -1,7 +1,7 @@
 /* The public header compiles as C11, on its own and twice. */
 #include "orvane_desktop_camera.h"
 
-/* The guard holds. */
+/* A second include has no effect. */
 #include "orvane_desktop_camera.h"
 
 _Static_assert(OC_FORMAT_RAW8 == 0 && OC_FORMAT_RAW16 == 1 && OC_FORMAT_RGB24 == 2 &&

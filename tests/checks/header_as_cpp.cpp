@@ -1,5 +1,5 @@
-// The public header compiles as C++, and declares exactly the signatures that hosts look up by
-// name.
+// The public header compiles as C++, and its declarations have exactly the signatures that hosts
+// use when they look the functions up by name.
 #include "orvane_desktop_camera.h"
 
 #include <cstdint>

@@ -1,12 +1,12 @@
 # Checks the direction of the includes in src/, hosts/ and simulators/: a file includes only files of
-# lower floors, or of its own folder and floor, and no files include one another in a circle. Floors
-# are folders; single files are named where they stand on another floor than their folder. Prints
-# the arrows between folders.
+# lower floors, or of its own folder and floor, and there are no include cycles. A floor is a list of
+# folders, and of single files that are on another floor than their folder. Prints the includes
+# between folders.
 #   SOURCE_DIR   the source tree
 cmake_minimum_required(VERSION 3.25)
 
-# Each from the ground up: a line is a floor, with the patterns of its files. A file belongs to the
-# pattern that names it, or else to that of its folder; * stands for any file of one folder.
+# The floors of each tree, lowest first: a line is a floor with the patterns of its files. The
+# pattern of a file takes precedence over that of its folder; * stands for any file of one folder.
 set(src_floors
   "platform/* windows_dll/*"
   "catalogue/*"
@@ -29,7 +29,7 @@ set(simulators_floors
   "core/*"
   "*")
 
-# Files of other trees: who includes them, and which.
+# Allowed includes from other trees: the including files, and the file that they include.
 set(src_others
   "api/exports.cpp orvane_desktop_camera.h")
 set(hosts_others
@@ -55,7 +55,7 @@ function(matches file pattern result)
   endif()
 endfunction()
 
-# Sets `level`, and `pattern`, the longest that matches; both empty for a file without a floor.
+# Sets `level` and `pattern`, the longest that matches. Both are empty for a file without a floor.
 function(find_floor tree file)
   set(best "")
   set(best_level "")
@@ -131,7 +131,7 @@ foreach(tree IN ITEMS src hosts simulators)
     endforeach()
   endforeach()
 
-  # Takes away what includes nothing that is left; a circle stays.
+  # Repeatedly removes the files that include no remaining file. If files remain, they form a cycle.
   set(left ${sources})
   while(left)
     set(next)

@@ -1,5 +1,5 @@
-# Checks the built library from the outside: exactly the thirteen functions, by their plain names,
-# and nothing needed beyond the operating system.
+# Checks the exports and imports of the built library: it exports exactly the thirteen functions, by
+# their plain names, and imports only libraries of the operating system.
 #   OBJDUMP, LIBRARY, WINDOWS (1 for a DLL), SANITIZED (1: sanitizer runtimes are allowed)
 
 set(expected oc_apply oc_buffer_size oc_close oc_error oc_height oc_info oc_libraries oc_library_dir
@@ -13,7 +13,8 @@ if(WINDOWS)
   list(TRANSFORM lines REPLACE "^\\[ *[0-9]+\\] " "" OUTPUT_VARIABLE exports)
   string(REGEX MATCHALL "DLL Name: [^\n\r]+" lines "${dump}")
   list(TRANSFORM lines REPLACE "DLL Name: " "" OUTPUT_VARIABLE imports)
-  # Without it DisableThreadLibraryCalls() succeeds. objdump writes nothing else after the zeros.
+  # DisableThreadLibraryCalls() fails for a library with such a table. For an absent table objdump
+  # prints only zeros.
   if(NOT dump MATCHES "Entry 9 0+ 0+ Thread Storage Directory")
     message(FATAL_ERROR "the library has a table of thread-local storage")
   endif()
@@ -22,7 +23,7 @@ else()
   execute_process(COMMAND ${OBJDUMP} -T ${LIBRARY} OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX MATCHALL "[^\n]* g [^\n]*\\.text[^\n]*" lines "${dump}")
   list(TRANSFORM lines REPLACE "^.* " "" OUTPUT_VARIABLE exports)
-  # Whatever else is defined and visible counts too.
+  # Exported data is an error, too.
   string(REGEX MATCHALL "[^\n]* [gwu] [^\n]*\\.(data|bss|rodata|data\\.rel\\.ro)[^\n]*" lines "${dump}")
   list(TRANSFORM lines REPLACE "^.* " "" OUTPUT_VARIABLE data)
   list(APPEND exports ${data})

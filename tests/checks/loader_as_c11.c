@@ -1,8 +1,7 @@
-/* The header for programs that load the library at run time compiles as C11, on its own and twice.
- */
+/* The loader header compiles as C11, on its own and twice. */
 #include "orvane_desktop_camera_loader.h"
 
-/* The guard holds. */
+/* A second include has no effect. */
 #include "orvane_desktop_camera_loader.h"
 
 int loadAndScan(const char* file);

@@ -1,5 +1,4 @@
-// The header for programs that load the library at run time compiles as C++, and its members have
-// the types of the functions they stand for.
+// The loader header compiles as C++, and its members have the types of the functions.
 #include "orvane_desktop_camera_loader.h"
 
 #include <type_traits>

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Holds the links of all Markdown files: every file and every heading that one names is there.
+"""Checks the links of all Markdown files: every file and every heading that a link names exists.
 
     markdown_links.py DIRECTORY
 
-Links to other places on the net are not looked at. Directories of builds are passed over."""
+Links to other sites are not checked. Build directories are skipped."""
 
 import os
 import re
@@ -27,7 +27,7 @@ def markdown_files(root):
 
 
 def lines_of_text(path):
-    """The lines that are no code, numbered from 1."""
+    """The lines outside code blocks, numbered from 1."""
     is_code = False
     with open(path, encoding="utf-8") as file:
         for number, line in enumerate(file, 1):
@@ -38,7 +38,7 @@ def lines_of_text(path):
 
 
 def anchor_of(heading):
-    """The name that a heading gets on the project's page."""
+    """The anchor of a heading in the rendered page."""
     text = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", heading).replace("`", "")
     kept = "".join(c for c in text.lower() if c.isalnum() or c in " -_")
     return kept.replace(" ", "-")

@@ -1,11 +1,11 @@
-# Holds docs/messages.md against the sources: every message that the library can make has a row
-# there, and every row a place in the sources. A throw of a form that this script does not know
-# fails, so that no message passes it by.
+# Compares docs/messages.md with the sources: every message in the sources has a row, and every row has
+# a message in the sources. A throw in a form that this script cannot parse is an error, so no message
+# is missed.
 #   SOURCE_DIR   the library's sources
 #   TABLE        docs/messages.md
 cmake_minimum_required(VERSION 3.25)
 
-# "@" stands for ";", and "(" for brackets, which mean something in CMake's lists.
+# ";" and brackets are special in CMake lists: replaces ";" with "@" and brackets with parentheses.
 function(read_plain file result)
   file(READ ${file} text)
   if(text MATCHES "@")
@@ -17,7 +17,7 @@ function(read_plain file result)
   set(${result} "${text}" PARENT_SCOPE)
 endfunction()
 
-# Takes the messages of one form out of `text` and adds them to `found`.
+# Moves the messages of one form from `text` to `found`.
 function(collect pattern template)
   string(REGEX MATCHALL "${pattern}" matches "${text}")
   foreach(match IN LISTS matches)
@@ -31,7 +31,7 @@ endfunction()
 
 set(found)
 file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/*.hpp ${SOURCE_DIR}/*.cpp)
-# Only hands on the texts of SDKs' exceptions; the document says so below its tables.
+# Passes on the texts of the SDKs' exceptions only; the document says so below its tables.
 list(REMOVE_ITEM sources windows_dll/microsoft_exceptions.cpp)
 foreach(source IN LISTS sources)
   read_plain(${SOURCE_DIR}/${source} text)
@@ -43,18 +43,18 @@ foreach(source IN LISTS sources)
   collect("check(Vendor|Toup)Result\\([^\"@]*\"([^\"]*)\"\\)" "\\2: <code>")
   collect("([A-Za-z_0-9]+)\\.check(ResultOf)?\\(" "\\1: <code>")
 
-  # The two composed messages, at the one place where each is made.
+  # The two composed messages. Each is made in one place.
   if(source STREQUAL "vendors/vendor_library.cpp")
     collect("throw std::runtime_error\\(library.name . \": missing \" . symbolName\\)@"
       "<library>: missing <function>")
     string(REPLACE "throw std::runtime_error(label + (\": \" + std::to_string(code)))@" "" text
       "${text}")
   endif()
-  # Where every throwFailure() throws.
+  # The implementation of throwFailure().
   if(source STREQUAL "api/failure.cpp")
     string(REPLACE "throw std::runtime_error(message)@" "" text "${text}")
   endif()
-  # What leaves oc_scan() as an exception, a rethrow, and the keeping of a caught message.
+  # The exception that leaves oc_scan(), a rethrow, and the assignment that keeps a caught message.
   if(source STREQUAL "platform/platform_windows.cpp")
     string(REPLACE "throw std::system_error(" "" text "${text}")
   elseif(source STREQUAL "api/failure.hpp")
@@ -71,7 +71,7 @@ foreach(source IN LISTS sources)
   if(NOT source MATCHES "^api/failure\\." AND text MATCHES "throwFailure\\([^@]*@")
     message(SEND_ERROR "${source}: a failure whose message cannot be read: ${CMAKE_MATCH_0}")
   endif()
-  # Labels are literals, but where the checks themselves are defined.
+  # Labels are literals, except where the checks themselves are defined.
   if(NOT source MATCHES "^vendors/(sdk_function|vendor_library)\\.hpp$" AND
      text MATCHES "(checkAs|checkVendorResult|checkToupResult)\\([^@]*@")
     message(SEND_ERROR "${source}: a label that cannot be read: ${CMAKE_MATCH_0}")
@@ -90,7 +90,7 @@ foreach(match IN LISTS matches)
   endif()
   list(APPEND rows "${row}")
 endforeach()
-list(REMOVE_ITEM rows "std::bad_alloc")  # the C++ library's
+list(REMOVE_ITEM rows "std::bad_alloc")  # its text comes from the C++ standard library
 
 if(NOT found OR NOT rows)
   message(FATAL_ERROR "no messages found")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# How a Windows program is started through Wine, with a Wine of its own in place of the real one: the
-# program fails without a word as often as told, then speaks.
+# Tests cmake/run_with_wine.sh with a fake Wine: its program fails and prints nothing a given number of
+# times, then prints.
 #   run_with_wine_test.sh WRAPPER SCRATCH
 set -euo pipefail
 wrapper=$1 scratch=$2
@@ -16,12 +16,12 @@ scratch=$(cd "$scratch" && pwd -P)
 export WINEPREFIX="$scratch/prefix" PATH="$scratch/bin:$PATH"
 again="$WINEPREFIX/started-again.log"
 
-# The server is there already, so that the wrapper starts nothing by itself but the prefix's making.
+# This fake reports that a server runs already, so the wrapper only makes the prefix.
 cat >"$scratch/bin/wineserver" <<'END'
 #!/bin/sh
 exit 2
 END
-# Of wineboot's starts and of programs' the first ones, as many as a file says, fail in silence.
+# The first starts of wineboot and of the program print nothing and fail; files hold how many.
 cat >"$scratch/bin/wine64" <<'END'
 #!/bin/sh
 here=$(dirname "$0")
@@ -59,14 +59,14 @@ if [ -n "$unrandomized" ]; then
   (((0x$(cat "$scratch/bin/personality") & ADDR_NO_RANDOMIZE) != 0)) ||
     fail "personality $(cat "$scratch/bin/personality")"
 fi
-expect "a program that speaks is started once" 0 0 0 : 0 1 "$said" 0
-expect "a program that speaks and fails is started once" 0 0 5 : 5 1 "$said" 0
-expect "what is silent once is started again, and nothing is added to what it prints" 0 1 0 : 0 2 "$said" 1
-expect "what is silent twice gets its third start" 0 2 5 : 5 3 "$said" 2
-expect "what stays silent fails with its status" 0 9 0 : 7 3 "" 2
-expect "a prefix that is not made at the first attempt is made at the next" 2 0 0 : 0 1 "$said" 0
-expect "a prefix that cannot be made is said" 9 0 0 : 1 0 \
+expect "a program that prints is started once" 0 0 0 : 0 1 "$said" 0
+expect "a program that prints and fails is started once" 0 0 5 : 5 1 "$said" 0
+expect "a program that prints nothing once is retried, and its output stays unchanged" 0 1 0 : 0 2 "$said" 1
+expect "a program that prints nothing twice gets a third start" 0 2 5 : 5 3 "$said" 2
+expect "a program that never prints fails with its exit status" 0 9 0 : 7 3 "" 2
+expect "making the prefix is retried after a failure" 2 0 0 : 0 1 "$said" 0
+expect "a prefix that cannot be made is reported" 9 0 0 : 1 0 \
   "run_with_wine.sh: ${unrandomized}$scratch/bin/wine64 wineboot --init failed; the prefix is $WINEPREFIX" 0
 [ ! -e "$WINEPREFIX/.ready" ] || fail "a prefix that was not made counts as ready"
 unset ORVANE_WINE_TRIES
-expect "without tries a silent program is not started again" 0 1 0 : 7 1 "" 0
+expect "without ORVANE_WINE_TRIES a program that prints nothing is not retried" 0 1 0 : 7 1 "" 0

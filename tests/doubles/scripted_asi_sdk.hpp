@@ -1,5 +1,5 @@
-// ZWO's SDK as a table of functions that do whatever they are told: one camera of 64 x 48 pixels
-// with the id 5. Single functions can be replaced or taken away.
+// A test double of ZWO's SDK: one camera of 64 x 48 pixels with the id 5. A test can replace or
+// remove single functions.
 #pragma once
 
 #include <cstring>

@@ -67,7 +67,7 @@ FunctionAddress findFunction(Module module, const char* name) noexcept {
   return isFound ? found->second : nullptr;
 }
 
-// Byte for byte: the names in tests are ASCII, or any bytes of an adversarial SDK's.
+// Copies bytes: names in tests are ASCII, or arbitrary bytes of an adversarial SDK.
 std::string utf8FromDisplayName(const NativeChar* text) {
   std::string bytes;
   for (; *text != NativeChar{}; ++text) {

@@ -1,5 +1,6 @@
-// The platform layer of the tests. Its libraries are tables of functions: a test's own, or those of
-// a simulated SDK. A test sets what loads and what is missing, and sees what was asked for.
+// The platform layer of the tests. Its libraries are tables of functions, the test's own or those
+// of a simulated SDK. A test sets which libraries load and which functions are missing, and reads
+// the recorded loads and look-ups.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +18,16 @@ namespace orvane::scripted {
 struct Library {
   bool canLoad = true;
   std::map<std::string, platform::FunctionAddress, std::less<>> functions;
-  std::set<std::string, std::less<>> missing;  ///< functions that no look-up finds at present
+  std::set<std::string, std::less<>> missing;  ///< functions whose look-up fails
 
-  /// Adds a function, whatever its type.
+  /// Adds a function of any type.
   template <class Function>
   void add(const std::string& name, Function* function) {
     functions[name] = reinterpret_cast<platform::FunctionAddress>(function);
   }
 
-  /// Adds an SDK function under the name and the type that the library declares for it: a body of
-  /// another type does not compile.
+  /// Adds an SDK function under the name and type that the library declares. A body of another type
+  /// does not compile.
   template <Vendor vendor, void (*check)(std::int64_t, const char*), class Signature>
   void add(const SdkFunction<vendor, check, Signature>& declared,
            std::type_identity_t<Signature>* body) {
@@ -37,25 +38,25 @@ struct Library {
 /// One attempt to load a library, or one look-up of a function.
 struct Passage {
   bool isLoad;
-  std::string name;  ///< "directory/base name", or the function's
+  std::string name;  ///< of the library as "directory/base name", or of the function
   bool isFound;
 };
 
 struct Platform {
-  /// By "directory/base name", or by base name alone for a library that lies in every directory.
+  /// By "directory/base name", or by base name alone for a library that exists in every directory.
   std::map<std::string, Library, std::less<>> libraries;
 
-  /// Asked at every look-up, where it is set: false lets the look-up fail.
+  /// If set, called for every look-up; the look-up fails if it returns false.
   std::function<bool(const Library& library, const char* function)> admits;
 
-  /// Called around the work of this layer: a test that counts the library's allocations stops
-  /// counting meanwhile.
+  /// Called before and after the work of this layer. A test that counts the library's allocations
+  /// pauses its count in between.
   void (*begins)() = [] {};
   void (*ends)() = [] {};
 
-  std::vector<Passage> passed;  ///< everything so far, for the test to clear
+  std::vector<Passage> passed;  ///< all loads and look-ups so far; the test clears it
 
-  /// The names of the loads, and of the look-ups, that passed.
+  /// The names of the successful loads, and of the successful look-ups.
   std::vector<std::string> loads() const { return namesOf(true); }
   std::vector<std::string> lookups() const { return namesOf(false); }
 
@@ -63,7 +64,7 @@ struct Platform {
   std::vector<std::string> namesOf(bool loads) const;
 };
 
-/// The one instance, for the test to fill and to read.
+/// The only instance.
 Platform& platform();
 
 }  // namespace orvane::scripted

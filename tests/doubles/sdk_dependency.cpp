@@ -1,4 +1,4 @@
-// The library that the stand-in SDK needs.
+// The library on which the stand-in SDK depends.
 #include "doubles/sdk_dependency.hpp"
 
 int numberOfTheDependency() {

@@ -1,4 +1,5 @@
-// The library that the stand-in SDK needs: it knows the one number that shows that it was called.
+// The library on which the stand-in SDK depends. It returns a number that proves that it was
+// called.
 #pragma once
 
 #if defined(_WIN32)

@@ -35,8 +35,8 @@ void writeAll(const std::filesystem::path& file, const std::string& content) {
   }
 }
 
-// Takes a function away by renaming it where the file keeps its name. The last letter becomes "!",
-// which sorts before every other: Windows looks names up in sorted order, and it must stay sorted.
+// Removes a function by renaming it in the name table of the file. The last letter becomes "!", the
+// lowest character in use: Windows searches the names by bisection, so they must stay sorted.
 void removeFunction(std::string& image, const std::string& function) {
   const std::string name = '\0' + function + '\0';
   std::size_t found = 0;
@@ -53,7 +53,8 @@ void removeFunction(std::string& image, const std::string& function) {
 
 SdkDirectory::SdkDirectory(const std::string& name) {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-  // Full, with its drive: Windows searches beside a library only when it is named by a full path.
+  // An absolute path with its drive: Windows searches the directory of a library for its
+  // dependencies only if the library is loaded by an absolute path.
   path_ = std::filesystem::absolute(ORVANE_SCRATCH_DIR) /
           (std::string(test->test_suite_name()) + "." + test->name()) / name;
   path_.make_preferred();

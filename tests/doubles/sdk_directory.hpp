@@ -9,24 +9,24 @@
 
 namespace orvane::testing {
 
-/// A directory of the running test's own, empty at first. It is left behind for a look after a
-/// failure, and emptied when the test runs again.
+/// A directory of the running test, initially empty. It is kept after the test for inspection, and
+/// emptied when the test runs again.
 class SdkDirectory {
  public:
-  /// `name` tells several directories of one test apart.
+  /// `name` distinguishes several directories of one test.
   explicit SdkDirectory(const std::string& name = "sdk");
 
-  /// Copies the simulated SDK of this base name into the directory; without the functions in
+  /// Copies the simulated SDK of this base name into the directory, without the functions in
   /// `missing`.
   void add(const std::string& baseName, const std::vector<std::string>& missing = {}) const;
 
-  /// Writes a file of this content in place of an SDK library.
+  /// Writes a file with this content under the name of an SDK library.
   void addFile(const std::string& baseName, const std::string& content) const;
 
-  /// The file that a library of this base name has in the directory.
+  /// The path of the library with this base name in the directory.
   std::filesystem::path file(const std::string& baseName) const;
 
-  /// The directory as oc_library_dir() takes it.
+  /// The directory in the form that oc_library_dir() takes.
   std::string utf8() const;
 
   const std::filesystem::path& path() const { return path_; }

@@ -1,4 +1,4 @@
-// The makers' SDKs as the tests need to know them.
+// Facts about the makers' SDKs that the tests need.
 #include "doubles/sdk_families.hpp"
 
 #include <cstring>

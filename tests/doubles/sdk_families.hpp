@@ -1,6 +1,5 @@
-// The makers' SDKs as the tests need to know them: names, the codes by which calls fail, what
-// answers with something else than a code. One row a family; every test that lists SDKs takes them
-// from here.
+// Facts about the makers' SDKs that the tests need: names, failure codes, and the results that are
+// not codes. One row per family; every test that lists SDKs uses these rows.
 #pragma once
 
 #include <array>
@@ -19,17 +18,17 @@ namespace orvane::testing {
 struct SdkFamily {
   const char* maker;
   const char* baseName;
-  std::int32_t rggb;  ///< the maker's code of this Bayer pattern, SimCamera::mosaic
-  int richFormat;     ///< of the formats, for oc_open(), one of more than a byte a pixel
-  /// All codes that the maker lists for failures; where time is short, one in `codeStep` will do.
+  std::int32_t rggb;  ///< the maker's code of the Bayer pattern RGGB, for SimCamera::mosaic
+  int richFormat;     ///< a format for oc_open() with more than one byte per pixel
+  /// All failure codes that the maker lists. A short run uses only every `codeStep`th.
   std::span<const std::int64_t> codes;
   std::size_t codeStep;
-  const char* examineCall;  ///< made once for each camera of a scan
+  const char* examineCall;  ///< called once for each camera of a scan
   const char* openCall;
-  bool givesHandle;  ///< the open call does: it fails with null and in no other way
+  bool givesHandle;  ///< the open call returns a handle and fails only with null
   const char* closeCall;
-  bool waitsForFrames;  ///< the SDK does, so that the clock need not be moved
-  int leastCalls;       ///< of the SDK in a session: below, something is amiss
+  bool waitsForFrames;  ///< the SDK waits, so a test need not advance the clock
+  int leastCalls;       ///< lower bound for the SDK calls of one session
   int leastFunctions;
 };
 
@@ -79,14 +78,14 @@ constexpr const SdkFamily& familyNamed(std::string_view baseName) {
   throw "no such family";
 }
 
-/// All base names as oc_libraries() joins them.
+/// All base names, joined as oc_libraries() joins them.
 std::string joinedSdkNames();
 
 /// The functions of an SDK that the library declares.
 const std::vector<std::string>& functionsOf(const std::string& baseName);
 
-/// A colour camera of 16 x 96 pixels: so narrow a sensor spares the simulator most of its sky. Its
-/// names are too long for any string's own room.
+/// A colour camera of 16 x 96 pixels: a narrow sensor saves the simulator time. Its names are too
+/// long for the small-string buffer of std::string.
 SimCamera torturedCamera(const SdkFamily& family);
 
 }  // namespace orvane::testing

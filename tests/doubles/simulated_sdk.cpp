@@ -1,4 +1,4 @@
-// A simulated SDK's control functions, and how a test uses them.
+// Controls a simulated SDK from a test.
 #include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {

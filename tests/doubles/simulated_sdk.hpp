@@ -1,4 +1,4 @@
-// A simulated SDK's control functions, and how a test uses them.
+// Controls a simulated SDK from a test.
 #pragma once
 
 #include <filesystem>
@@ -10,36 +10,36 @@
 
 namespace orvane::testing {
 
-/// One simulated SDK, loaded into this process before the library under test loads it: both then
-/// share it. Starts reset, with its clock stopped and its log on.
+/// One simulated SDK. The test loads it before the library under test does, so both share one
+/// instance. Starts reset, with its clock stopped and its log enabled.
 class SimulatedSdk {
  public:
   explicit SimulatedSdk(const std::filesystem::path& file);
 
-  /// The calls since the last look, a line each; empties the log.
+  /// The calls since the last takeLog(), one per line; empties the log.
   std::string takeLog() const;
 
-  /// What is open and what went wrong.
+  /// The open devices and streams, and the violations so far.
   SimInvariants invariants() const;
 
-  /// Replaces the cameras by these.
+  /// Replaces the cameras of the SDK by these.
   void setCameras(const std::vector<SimCamera>& cameras) const {
     set_cameras(cameras.data(), static_cast<std::int32_t>(cameras.size()));
   }
 
-  /// The call returns this and does nothing: the nth call from now, and `times` in all (-1: for
-  /// ever).
+  /// The call does nothing and returns this result: from the nth call on, `times` times (-1:
+  /// always).
   void forceResult(const char* function, std::int64_t result, int nth = 1, int times = -1) const {
     force_result(function, nth, times, result);
   }
 
-  /// The call throws: one of SIM_THROW_STANDARD and its like.
+  /// The call throws. `kind` is SIM_THROW_STANDARD or another SIM_THROW_ constant.
   void throwFrom(const char* function, int kind, const char* text, int nth = 1,
                  int times = -1) const {
     throw_from(function, nth, times, kind, text);
   }
 
-  /// The call is carried out but reports this value.
+  /// The call runs, but reports this value in the named output.
   void forceOutput(const char* function, const char* output, double value, int nth = 1,
                    int times = -1) const {
     force_output(function, output, nth, times, value);

@@ -1,7 +1,5 @@
-// A stand-in for ZWO's SDK that needs a second library, and that can refuse to be loaded. It
-// reports one camera and then fails with a number that only the second library knows.
-#include <cstdlib>
-
+// A test double of ZWO's SDK that depends on a second library and can refuse to load. It reports
+// one camera and then fails with a number that only the second library knows.
 #include "doubles/sdk_dependency.hpp"
 
 #if defined(_WIN32)

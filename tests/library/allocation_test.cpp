@@ -1,5 +1,5 @@
-// Calls on a streaming camera that allocate nothing: this program's operator new, which the library
-// and the SDKs use too, counts.
+// Calls on a streaming camera must not allocate. This program replaces operator new, which the
+// library and the SDKs also use, with one that counts.
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -45,7 +45,7 @@ namespace {
 
 class Allocations : public AsiTest {
  protected:
-  // Allocations during the call. The SDK's own first frame may set things up: it is not counted.
+  // Counts the allocations of one call.
   template <class Body>
   static long during(Body body) {
     const long before = allocations;
@@ -56,11 +56,11 @@ class Allocations : public AsiTest {
   void startSession(int format) {
     openSmall(format);
     sdk.log_enable(0);
-    ASSERT_GT(readFrame(), 0);
+    ASSERT_GT(readFrame(), 0);  // not counted: the SDK may allocate for the first frame
   }
 };
 
-TEST_F(Allocations, CounterSeesTheLibrarysOwn) {
+TEST_F(Allocations, OfTheLibraryAreCounted) {
   ASSERT_EQ(oc.scan(), 1);
   EXPECT_GT(during([&] { oc.info(0); }), 0);
 }

@@ -9,7 +9,7 @@ namespace {
 using AsiApply = AsiTest;
 using AsiTemperature = AsiTest;
 
-// The calls that set something.
+// The calls that set a control.
 std::string settings(const std::string& log) {
   std::string found;
   for (std::size_t start = 0; start < log.size();) {
@@ -32,7 +32,7 @@ TEST_F(AsiApply, ExposureThenGainThenOffsetEachNotAutomatic) {
   EXPECT_EQ(error(), "");
 }
 
-TEST_F(AsiApply, EveryControlIsVisitedEvenAfterTheOffset) {
+TEST_F(AsiApply, EveryControlIsQueriedEvenAfterTheOffset) {
   openSmall();
   EXPECT_EQ(oc.apply(5000, 20, 7), 1);
   const std::string log = sdk.takeLog();
@@ -107,7 +107,7 @@ TEST_F(AsiApply, NegativeGainAndOffsetArePassedOn) {
             "ASISetControlValue(7, 5, -2147483648, 0) = 0\n");
 }
 
-TEST_F(AsiApply, FirstFailureEndsItAndWhatWasSetStays) {
+TEST_F(AsiApply, FirstFailureEndsItAndEarlierSettingsStay) {
   openSmall();
   const struct {
     const char* function;
@@ -130,7 +130,7 @@ TEST_F(AsiApply, FirstFailureEndsItAndWhatWasSetStays) {
     EXPECT_EQ(static_cast<std::size_t>(std::count(log.begin(), log.end(), '\n')),
               failure.settingsTried)
         << failure.message;
-    EXPECT_EQ(readFrame(), 320 * 202) << "the camera streams on";
+    EXPECT_EQ(readFrame(), 320 * 202) << "the camera must still stream";
   }
 }
 
@@ -168,7 +168,7 @@ TEST_F(AsiTemperature, NanBeforeAnyOpenAndAfterCloseWithoutACall) {
   EXPECT_EQ(sdk.takeLog(), "");
 }
 
-TEST_F(AsiTemperature, UncooledCameraIsAskedJustTheSame) {
+TEST_F(AsiTemperature, UncooledCameraIsAskedToo) {
   openSmall();
   const double celsius = oc.temperature();
   EXPECT_GT(celsius, -60.0);

@@ -1,4 +1,5 @@
-// Finding ZWO ASI cameras: calls in order, what becomes of each property, and what a failure costs.
+// Discovery of ZWO ASI cameras: the order of the calls, the description of each property, and the
+// effect of each failure.
 #include "library/asi_test.hpp"
 
 namespace orvane::testing {
@@ -144,7 +145,7 @@ TEST_F(AsiDiscovery, ControlThatFailsIsSkippedSilently) {
 }
 
 TEST_F(AsiDiscovery, LaterControlOfATypeWins) {
-  sdk.forceOutput("ASIGetControlCaps", "ControlType", 0, 3, 1);  // offset says that it is gain
+  sdk.forceOutput("ASIGetControlCaps", "ControlType", 0, 3, 1);  // offset reports the type of gain
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "maxGain"), "20");
 }
@@ -172,7 +173,7 @@ TEST_F(AsiDiscovery, CodesArePrintedSigned) {
   EXPECT_EQ(error(), "ASIGetCameraProperty: -3");
 }
 
-TEST_F(AsiDiscovery, AnotherScanStartsFromNothing) {
+TEST_F(AsiDiscovery, AnotherScanStartsWithAnEmptyCatalogue) {
   sdk.setCameras({namedCamera("first", 4), namedCamera("second", 2)});
   EXPECT_EQ(oc.scan(), 2);
   sdk.set_plugged(0, 0);
@@ -181,7 +182,7 @@ TEST_F(AsiDiscovery, AnotherScanStartsFromNothing) {
   EXPECT_EQ(info(1), "{}");
 }
 
-TEST_F(AsiDiscovery, BayerCodesOfAllPatternsAndNoneForOthers) {
+TEST_F(AsiDiscovery, BayerCodesOfAllPatternsAndZeroForOthers) {
   const int expected[][2] = {{0, 8}, {1, 11}, {2, 9}, {3, 10}, {4, 0}, {-1, 0}, {2147483647, 0}};
   for (const auto& [pattern, bayer] : expected) {
     SimCamera camera = smallAsiCamera();
@@ -196,13 +197,14 @@ TEST_F(AsiDiscovery, BayerCodesOfAllPatternsAndNoneForOthers) {
   }
 }
 
-TEST_F(AsiDiscovery, FormatsAreTranslatedAndOthersKept) {
+TEST_F(AsiDiscovery, FormatsAreTranslatedAndUnknownOnesKept) {
   SimCamera camera = smallAsiCamera();
   const std::int32_t formats[8] = {0, 1, 2, 3, -2, 4, 77, 1};
   std::memcpy(camera.formats, formats, sizeof formats);
   sdk.setCameras({camera});
   ASSERT_EQ(oc.scan(), 1);
-  EXPECT_EQ(infoValue(0, "formats"), "[0,2,1,3,-2,4,77,2]") << "all eight, without an end";
+  EXPECT_EQ(infoValue(0, "formats"), "[0,2,1,3,-2,4,77,2]")
+      << "all eight, although no end mark follows";
 }
 
 TEST_F(AsiDiscovery, BinsEndAtTheFirstZeroOrAfterSixteen) {
@@ -233,7 +235,7 @@ TEST_F(AsiDiscovery, EmptyListsStayEmpty) {
   EXPECT_EQ(error(), "Unsupported bin or format");
 }
 
-TEST_F(AsiDiscovery, NameThatFillsItsFieldIsReadNoFurther) {
+TEST_F(AsiDiscovery, NameWithoutANulIsReadToTheEndOfItsField) {
   SimCamera camera = smallAsiCamera();
   setText(camera.name, std::string(200, 'x'));
   sdk.setCameras({camera});
@@ -261,7 +263,7 @@ TEST_F(AsiDiscovery, PixelSizesInTheRuntimesNumberFormat) {
   }
 }
 
-TEST_F(AsiDiscovery, BelievableCamerasAreListed) {
+TEST_F(AsiDiscovery, DefaultCamerasAreListed) {
   sdk.reset();
   EXPECT_GE(oc.scan(), 3);
   EXPECT_EQ(error(), "");

@@ -1,4 +1,5 @@
-// Opening ZWO ASI cameras: validation in its order, geometry, the calls, and what a failure leaves.
+// Opening ZWO ASI cameras: the order of validation, the geometry, the calls, and the state after a
+// failure.
 #include "library/asi_test.hpp"
 
 namespace orvane::testing {
@@ -79,7 +80,7 @@ TEST_F(AsiOpen, BadIndexClosesTheCameraThatWasStreaming) {
 }
 
 TEST_F(AsiOpen, OpenWithoutAScanFindsNoCamera) {
-  LibraryUnderTest fresh;  // the same process, so the same catalogue: empty it
+  LibraryUnderTest fresh;  // shares the catalogue of the process, so empty it
   sdk.setCameras({});
   ASSERT_EQ(fresh.scan(), 0);
   expectOpenFailed(fresh.open(0, 1, 1, 1, 0, 1, 0, 0), "Camera not found; rescan");
@@ -107,7 +108,7 @@ TEST_F(AsiOpen, NegativeBinThatIsListedLeavesNoRegion) {
   expectOpenFailed(open(320, 202, -2147483647 - 1), "ROI is too small for binning");
 }
 
-TEST_F(AsiOpen, DimensionsAreHeldAgainstTheUnbinnedSensor) {
+TEST_F(AsiOpen, DimensionsAreComparedWithTheUnbinnedSensor) {
   for (const auto& [width, height] : std::vector<std::pair<int, int>>{
            {0, 202}, {320, 0}, {-8, 202}, {320, -2}, {321, 202}, {320, 203}, {2147483647, 202}}) {
     expectOpenFailed(open(width, height), "Invalid capture dimensions");
@@ -148,7 +149,7 @@ TEST_F(AsiOpen, SizeThatTheSdkReportsBackIsUsed) {
   ASSERT_EQ(open(320, 202, 1, 1), 1) << error();
   EXPECT_EQ(oc.width(), 160);
   EXPECT_EQ(oc.height(), 100);
-  EXPECT_EQ(oc.buffer_size(), 160 * 100 * 2) << "the format that was asked for";
+  EXPECT_EQ(oc.buffer_size(), 160 * 100 * 2) << "in the requested format";
 }
 
 TEST_F(AsiOpen, FrameOfExactlyTwoToThe30BytesIsAccepted) {
@@ -165,7 +166,7 @@ TEST_F(AsiOpen, FrameOfOneByteMoreFails) {
   expectOpenFailed(open(320, 202), "Invalid frame buffer size");
 }
 
-TEST_F(AsiOpen, SizesThatOverflowOrVanishFail) {
+TEST_F(AsiOpen, SizesThatOverflowOrAreZeroFail) {
   const double sizes[][2] = {{2147483647, 2147483647},
                              {-2147483648.0, -2147483648.0},
                              {65536, 65536},
@@ -242,7 +243,7 @@ TEST_F(AsiOpen, SecondOpenClosesTheFirstCamera) {
   EXPECT_EQ(oc.width(), 160);
 }
 
-TEST_F(AsiOpen, FailedOpenLeavesWhatItHadReached) {
+TEST_F(AsiOpen, FailedOpenLeavesTheSizeItHadReached) {
   ASSERT_EQ(open(160, 100), 1);
   expectOpenFailed(open(0, 0), "Invalid capture dimensions");
   EXPECT_EQ(oc.width(), 160) << "geometry was not valid";

@@ -13,7 +13,7 @@ TEST_F(AsiRead, OneCallAFrameWithTheHostsBufferLengthAndWait) {
   EXPECT_EQ(sdk.takeLog(), "ASIGetVideoData(7, buffer, 65640, 540) = 0\n");
 }
 
-TEST_F(AsiRead, FramesOfEveryFormatReachTheHostAsTheSdkMadeThem) {
+TEST_F(AsiRead, FramesOfEveryFormatReachTheHostUnchanged) {
   for (const int format : {0, 1, 3}) {
     openSmall(format);
     for (int number = 0; number < 3; ++number) {
@@ -25,7 +25,7 @@ TEST_F(AsiRead, FramesOfEveryFormatReachTheHostAsTheSdkMadeThem) {
   }
 }
 
-TEST_F(AsiRead, ColourFramesHaveTheirRedAndBlueExchanged) {
+TEST_F(AsiRead, ColourFramesHaveRedAndBlueSwapped) {
   openSmall(2);
   ASSERT_EQ(readFrame(), 320 * 202 * 3);
   const std::vector<std::uint8_t> sdkBytes = sdkFrame(0, oc.buffer_size());
@@ -52,7 +52,7 @@ TEST_F(AsiRead, FrameThatDoesNotComeInTimeIsATimeOut) {
   EXPECT_EQ(readFrame(100), 320 * 202);
 }
 
-TEST_F(AsiRead, EveryOtherCodeIsAnErrorAndTheCameraStreamsOn) {
+TEST_F(AsiRead, EveryOtherCodeIsAnErrorAndTheCameraKeepsStreaming) {
   openSmall();
   for (const int code : {5, 9, 16, -3}) {
     sdk.clear_faults();
@@ -64,7 +64,7 @@ TEST_F(AsiRead, EveryOtherCodeIsAnErrorAndTheCameraStreamsOn) {
   }
 }
 
-TEST_F(AsiRead, UnpluggedCameraSaysSo) {
+TEST_F(AsiRead, UnpluggedCameraIsAnError) {
   openSmall();
   sdk.set_plugged(0, 0);
   EXPECT_EQ(readFrame(), -1);
@@ -115,8 +115,8 @@ TEST_F(AsiRead, NothingIsWrittenPastTheFrame) {
 TEST_F(AsiRead, MissingFunctionIsAnErrorOfTheRead) {
   const SdkDirectory lacking("lacking");
   lacking.add("ASICamera2", {"ASIGetVideoData"});
-  // This process has loaded the complete library as a module of another path; only the lacking one
-  // is known to the library under test.
+  // The test has loaded the complete SDK from another path. The library under test knows only the
+  // incomplete one.
   oc.library_dir(lacking.utf8().c_str());
   const SimulatedSdk other(lacking.file("ASICamera2"));
   other.setCameras({smallAsiCamera()});

@@ -1,7 +1,5 @@
-// The exports before, between and after cameras: what they return and which of them touch the error
-// text.
-#include <cmath>
-
+// The exports before, between and after sessions with cameras: their results, and which of them
+// change the error text.
 #include "library/asi_test.hpp"
 
 namespace orvane::testing {
@@ -83,7 +81,7 @@ TEST_F(Boundary, FailingOpenReturnsZeroKeepsItsMessageAndLeavesNoCameraOpen) {
   EXPECT_EQ(error(), "ASIInitCamera: 16");
   expectClosed();
   expectClean(sdk);
-  EXPECT_EQ(oc.scan(), 1) << "not refused";
+  EXPECT_EQ(oc.scan(), 1) << "a failed open must not block a scan";
 }
 
 TEST_F(Boundary, ApplyWithoutACameraFails) {
@@ -98,7 +96,7 @@ TEST_F(Boundary, ApplyAfterCloseFails) {
   EXPECT_EQ(error(), "Camera closed");
 }
 
-TEST_F(Boundary, ApplyWithoutACameraFailsBeforeTheExposureIsLookedAt) {
+TEST_F(Boundary, ApplyWithoutACameraFailsBeforeTheExposureIsChecked) {
   EXPECT_EQ(oc.apply(-1, 1, 1), 0);
   EXPECT_EQ(error(), "Camera closed");
 }

@@ -1,5 +1,4 @@
-// What the tests of all camera families share: one SDK beside the library, showing one small
-// camera.
+// Shared by the tests of all camera families: the library and one SDK with one small camera.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +8,8 @@
 
 namespace orvane::testing {
 
-/// A small colour camera with everything, 320 x 202 pixels; the maker's codes are still to be set.
+/// A small colour camera of 320 x 202 pixels with every feature. The caller sets the maker's own
+/// codes.
 inline SimCamera smallCamera() {
   SimCamera camera{};
   setText(camera.name, "small");
@@ -36,20 +36,20 @@ inline SimCamera smallCamera() {
   return camera;
 }
 
-/// The same for the SDK of this family: its pattern is RGGB.
+/// The same for the SDK of this family, with the Bayer pattern RGGB.
 inline SimCamera smallCamera(const SdkFamily& family) {
   SimCamera camera = smallCamera();
   camera.mosaic = family.rggb;
   return camera;
 }
 
-/// One call that is made to fail, and the label under which the failure is reported.
+/// A call to fail, and the label under which the library reports the failure.
 struct FailingCall {
   const char* function;
   const char* label;
 };
 
-/// The library with one maker's SDK beside it.
+/// The library and one maker's SDK.
 class FamilyTest : public LibraryTest {
  protected:
   FamilyTest(const std::string& baseName, const SimCamera& shown)
@@ -57,26 +57,26 @@ class FamilyTest : public LibraryTest {
     sdk.setCameras({small});
   }
 
-  /// Opens the only camera: exposure 20 ms, gain 10 (or the given one), offset 5.
+  /// Opens the only camera with exposure 20 ms, gain 10 (or the given one) and offset 5.
   int open(int width, int height, int bin = 1, int format = 0) {
     return oc.open(0, width, height, bin, format, 20000, gain, 5);
   }
 
-  /// Scans, opens the whole of the small camera and empties the log.
+  /// Scans, opens the small camera with its full size, and empties the log.
   void openSmall(int format = 0, int bin = 1) {
     ASSERT_EQ(oc.scan(), 1) << error();
     ASSERT_EQ(open(small.width, small.height, bin, format), 1) << error();
     sdk.takeLog();
   }
 
-  /// Shows another camera, scans it and empties the log.
+  /// Replaces the camera, scans, and empties the log.
   void rescanWith(const SimCamera& camera) {
     sdk.setCameras({camera});
     ASSERT_EQ(oc.scan(), 1) << error();
     sdk.takeLog();
   }
 
-  /// The result of an open that is to fail: message and state are right and nothing is left open.
+  /// Checks a failed open: result, message and state are right, and nothing is left open.
   void expectOpenFailed(int result, const std::string& message) {
     EXPECT_EQ(result, 0);
     EXPECT_EQ(error(), message);
@@ -84,8 +84,8 @@ class FamilyTest : public LibraryTest {
     expectClean(sdk);
   }
 
-  /// Lets each call of an open fail in turn: the open fails under the call's label, makes no call
-  /// behind the failing one but the one that closes, and leaves nothing open.
+  /// Fails each call of an open in turn. Each open must fail under the label of the call, make no
+  /// later call except the one that closes, and leave nothing open.
   void expectOpenFailsAtEachOf(const std::vector<FailingCall>& calls, std::int64_t result,
                                const std::string& printed, const std::string& lastCall) {
     for (const auto& [function, label] : calls) {

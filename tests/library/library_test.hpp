@@ -1,4 +1,4 @@
-// What the library tests share: the library, a directory of simulated SDKs, small cameras.
+// Shared by the library tests: the library and a directory of simulated SDKs.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,13 +14,13 @@
 
 namespace orvane::testing {
 
-/// The library, freshly loaded, and an empty directory that it is told to load SDKs from.
+/// The library, newly loaded, and an empty directory from which it loads SDKs.
 class LibraryTest : public ::testing::Test {
  protected:
   LibraryTest() { oc.library_dir(directory.utf8().c_str()); }
 
-  /// Puts a simulated SDK into the directory, without the functions in `missing`, and loads it for
-  /// the test to control.
+  /// Puts a simulated SDK without the functions in `missing` into the directory, and loads it so
+  /// that the test can control it.
   SimulatedSdk install(const std::string& baseName, const std::vector<std::string>& missing = {}) {
     directory.add(baseName, missing);
     return SimulatedSdk(directory.file(baseName));
@@ -30,7 +30,7 @@ class LibraryTest : public ::testing::Test {
   std::string info(int index) const { return oc.info(index); }
   std::string libraries() const { return oc.libraries(); }
 
-  /// The text of one value in a camera's description.
+  /// The text of one value in the description of a camera.
   std::string infoValue(int index, const std::string& key) const {
     const std::string json = info(index);
     const std::size_t found = json.find("\"" + key + "\":");
@@ -44,13 +44,13 @@ class LibraryTest : public ::testing::Test {
     return json.substr(start, end - start);
   }
 
-  /// Reads one frame into `frame`, which holds exactly oc_buffer_size() bytes.
+  /// Reads one frame into `frame`, which has exactly oc_buffer_size() bytes.
   int readFrame(int timeoutMs = 1000) {
     frame.assign(static_cast<std::size_t>(oc.buffer_size()), 0xA5);
     return oc.read(frame.data(), static_cast<int>(frame.size()), timeoutMs);
   }
 
-  /// No camera is open, as far as a host can see.
+  /// Checks that no camera is open, by all that a host can call.
   void expectClosed() const {
     EXPECT_EQ(oc.buffer_size(), 0);
     std::uint8_t byte = 0;
@@ -64,14 +64,14 @@ class LibraryTest : public ::testing::Test {
   std::vector<std::uint8_t> frame;
 };
 
-/// Copies text into a fixed array; text that fills the array gets no NUL.
+/// Copies text into a fixed array. Text that fills the array gets no NUL.
 template <std::size_t size>
 void setText(char (&array)[size], const std::string& text) {
   std::memset(array, 0, size);
   std::memcpy(array, text.data(), text.size() < size ? text.size() : size);
 }
 
-/// Nothing went wrong inside the SDK, and nothing is open in it.
+/// Checks that nothing is open in the SDK and that it saw no violation.
 inline void expectClean(const SimulatedSdk& sdk) {
   const SimInvariants now = sdk.invariants();
   EXPECT_EQ(now.devicesOpen, 0);

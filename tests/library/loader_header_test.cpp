@@ -71,14 +71,14 @@ TEST_F(LoaderHeader, LoadsFromAPathWithBlanksAndAccentsAndEveryMemberWorks) {
   expectNothingLoaded(camera_);
 }
 
-TEST_F(LoaderHeader, AFileThatIsNotThereIsNamed) {
+TEST_F(LoaderHeader, AMissingFileIsNamed) {
   const std::filesystem::path file = SdkDirectory().path() / "nowhere.dll";
   EXPECT_FALSE(load(file));
   EXPECT_EQ(message_, "Cannot load " + utf8(file));
   expectNothingLoaded(camera_);
 }
 
-TEST_F(LoaderHeader, TheFirstFunctionThatALibraryLacksIsNamed) {
+TEST_F(LoaderHeader, TheFirstMissingFunctionIsNamed) {
   const SdkDirectory sdks;
   sdks.add("toupcam");
   const std::filesystem::path file = sdks.file("toupcam");
@@ -87,7 +87,7 @@ TEST_F(LoaderHeader, TheFirstFunctionThatALibraryLacksIsNamed) {
   expectNothingLoaded(camera_);
 }
 
-TEST_F(LoaderHeader, AMessageIsCutDownToFitAndMayBeLeftOut) {
+TEST_F(LoaderHeader, AMessageIsTruncatedToFitAndIsOptional) {
   EXPECT_EQ(orvane_desktop_camera_load(&camera_, "/nowhere", message_, 12), 0);
   EXPECT_STREQ(message_, "Cannot load");
   EXPECT_EQ(orvane_desktop_camera_load(&camera_, "/nowhere", nullptr, 0), 0);

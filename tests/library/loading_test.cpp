@@ -1,14 +1,15 @@
-// Loading SDKs from real files: which directory, when, how often, and what a bad one leads to.
+// Loading SDKs from real files: from which directory, when, how often, and what a bad directory
+// causes.
 #include <system_error>
 
-#include "library/asi_test.hpp"
+#include "library/library_test.hpp"
 
 namespace orvane::testing {
 namespace {
 
 using Loading = LibraryTest;
 
-// Scans with the SDK's directory written in some way; expects its four default cameras or more.
+// Scans the SDK's directory, written in some form; expects its four default cameras or more.
 #define EXPECT_SDK_FOUND()              \
   EXPECT_GE(oc.scan(), 3);              \
   EXPECT_EQ(libraries(), "ASICamera2"); \
@@ -66,7 +67,7 @@ TEST_F(Loading, TrailingBackslashMakesNoDifference) {
 TEST_F(Loading, DirectoryWithBlanksAccentsAndOtherScripts) {
   const std::u8string name = u8"caméra 天文 🔭";
   const SdkDirectory odd(std::string(name.begin(), name.end()));
-  // The directory's name is made from UTF-8 as the library would read it.
+  // Makes the name from UTF-8, as the library does.
   const std::filesystem::path real = directory.path() / std::filesystem::path(name);
   std::filesystem::create_directories(real);
   directory.add("ASICamera2");
@@ -76,7 +77,7 @@ TEST_F(Loading, DirectoryWithBlanksAccentsAndOtherScripts) {
   EXPECT_SDK_FOUND();
 }
 
-TEST_F(Loading, FailedLoadIsTriedAgainAtTheNextScanFromTheDirectoryOfThen) {
+TEST_F(Loading, FailedLoadIsRetriedAtTheNextScanFromTheLatestDirectory) {
   directory.add("ASICamera2");
   oc.library_dir((directory.utf8() + "/elsewhere").c_str());
   EXPECT_EQ(oc.scan(), 0);
@@ -115,7 +116,7 @@ TEST_F(Loading, OpenOfACameraWhoseLibraryLacksAFunctionNamesBoth) {
 }
 
 #ifdef _WIN32
-TEST_F(Loading, DirectoryThatIsNotUtf8LeavesTheScanAsASystemErrorWithTheWindowsCode) {
+TEST_F(Loading, DirectoryThatIsNotUtf8MakesTheScanThrowTheWindowsError) {
   directory.add("ASICamera2");
   oc.library_dir("C:\\sdk\\\xff\xfe");
   try {

@@ -1,6 +1,6 @@
-// The table of messages in the documents, held against the library: each message is brought about
-// from each of the exports that its row names, and must read as it stands there. A row that nothing
-// brings about fails, and so does a message without a row.
+// Compares the message tables in docs/messages.md with the library. Each message is provoked from
+// each export that its row names, and must equal the row. A row that no case provokes is a failure,
+// and so is a message without a row.
 #include <cmath>
 #include <functional>
 #include <string_view>
@@ -12,7 +12,7 @@
 namespace orvane::testing {
 namespace {
 
-// How one message is brought about from one export.
+// How to provoke one message from one export.
 struct Provocation {
   std::string row;
   std::string from;
@@ -27,7 +27,7 @@ std::string filled(std::string text, std::string_view placeholder, std::string_v
 
 class Messages : public LibraryTest {
  protected:
-  // The SDK's only camera, with the maker's own mosaic code.
+  // Installs the SDK with one camera. `mosaic` is the maker's code of its Bayer pattern.
   SimulatedSdk installWithCamera(const std::string& baseName, std::int32_t mosaic,
                                  const std::vector<std::string>& missing = {}) {
     SimulatedSdk sdk = install(baseName, missing);
@@ -50,7 +50,7 @@ class Messages : public LibraryTest {
 
   int apply(int gain = 100) { return oc.apply(20000, gain, 5); }
 
-  // Brings about every message of one heading.
+  // Provokes every message under one heading.
   void expectTableHolds(const std::string& heading, const std::vector<Provocation>& provocations,
                         const std::function<void()>& prepare) {
     std::vector<std::pair<std::string, std::string>> listed;
@@ -72,7 +72,7 @@ class Messages : public LibraryTest {
       }
     }
     for (const auto& [row, from] : listed) {
-      ADD_FAILURE() << "in the table, but nothing brings it about: " << row << " from " << from;
+      ADD_FAILURE() << "in the table, but nothing provokes it: " << row << " from " << from;
     }
   }
 
@@ -139,7 +139,7 @@ TEST_F(Messages, OfEveryMaker) {
 }
 
 TEST_F(Messages, OfMissingFunctions) {
-  // One SDK for each export: it lacks a function that the export is the first to need.
+  // One SDK per export. It lacks a function that no earlier export needs.
   const SimulatedSdk asi = installWithCamera("ASICamera2", 0, {"ASIGetControlCaps"});
   const SimulatedSdk playerOne = installWithCamera("PlayerOneCamera", 0, {"POAGetImageData"});
   const SimulatedSdk qhy = installWithCamera("qhyccd", 4, {"ScanQHYCCD"});
@@ -166,7 +166,7 @@ TEST_F(Messages, OfMissingFunctions) {
                }),
        missing("oc_apply", "ASICamera2", "ASIGetControlCaps",
                [&] {
-                 // An open already asks for the controls, unless there are none.
+                 // If the camera had controls, the open would make this call and fail first.
                  asi.forceOutput("ASIGetNumOfControls", "count", 0);
                  EXPECT_EQ(openCamera(0), 1) << error();
                  asi.clear_faults();
@@ -177,15 +177,15 @@ TEST_F(Messages, OfMissingFunctions) {
   expectClean(toupTek);
 }
 
-// One call that fails, and where.
+// A call to fail, and the exports that make it.
 struct SpoiltCall {
-  const char* label;  // nullptr: the function's own name
+  const char* label;  // nullptr: the name of the function
   const char* function;
   std::vector<const char*> from;
-  int nth = 1;  // of the function's calls
+  int nth = 1;  // which call of the function fails
 };
 
-// A sentence that one maker alone has.
+// A message that only one family has.
 struct Sentence {
   const char* text;
   const char* from;
@@ -208,7 +208,7 @@ std::ostream& operator<<(std::ostream& stream, const Family& family) {
 
 class MessagesOf : public Messages, public ::testing::WithParamInterface<Family> {
  protected:
-  // Makes the export fail, with whatever `spoil` does right before it.
+  // Makes the export fail: calls `spoil` right before it.
   void fail(const std::string& from, const std::function<void()>& spoil) {
     if (from == "oc_scan") {
       spoil();
@@ -256,10 +256,10 @@ class MessagesOf : public Messages, public ::testing::WithParamInterface<Family>
   const SimulatedSdk sdk_ = installWithCamera(GetParam().baseName, GetParam().mosaic);
 };
 
-TEST_P(MessagesOf, AreThoseOfTheTable) {
+TEST_P(MessagesOf, EqualTheTable) {
   std::vector<Provocation> all = provocations();
   if (std::string_view(GetParam().baseName) == "toupcam") {
-    // A gain is no fault of the SDK's.
+    // The SDK does not cause this failure, so no call is forced to fail.
     all.push_back({"ToupTek gain out of range", "oc_open", [&] {
                      scan();
                      EXPECT_EQ(oc.open(0, 320, 202, 1, 0, 20000, 65536, 5), 0);
@@ -275,7 +275,7 @@ TEST_P(MessagesOf, AreThoseOfTheTable) {
   });
 }
 
-TEST_F(Messages, OfTheTemperatureAreNeverSeen) {
+TEST_F(Messages, OfTheTemperatureNeverReachTheHost) {
   const SimulatedSdk asi = installWithCamera("ASICamera2", 0);
   const SimulatedSdk playerOne = installWithCamera("PlayerOneCamera", 0);
   const SimulatedSdk toupTek = installWithCamera("toupcam", 0x42474752);
@@ -343,7 +343,7 @@ INSTANTIATE_TEST_SUITE_P(
                4,
                4294967295,
                "4294967295",
-               {{nullptr, "InitQHYCCDResource", inScan},  // the first: a process does it once
+               {{nullptr, "InitQHYCCDResource", inScan},  // first: only called once per process
                 {nullptr, "GetQHYCCDId", inScan},
                 {nullptr, "SetQHYCCDStreamMode", inScan},
                 {nullptr, "InitQHYCCD", {"oc_scan", "oc_open"}},

@@ -1,4 +1,4 @@
-// Real SDK files that lack one function: what the library says of each family's.
+// Real SDK files that lack one function: the library's results and messages for each family.
 #include <cmath>
 #include <optional>
 
@@ -7,7 +7,7 @@
 namespace orvane::testing {
 namespace {
 
-// One function of each kind, by family.
+// One function for each step of a session.
 struct Functions {
   const char* sdk;
   const char* configure;
@@ -20,7 +20,7 @@ struct Functions {
 
 class MissingFunction : public LibraryTest, public ::testing::WithParamInterface<Functions> {
  protected:
-  // Scans and opens the only camera of an SDK without this function.
+  // Scans and opens the only camera of an SDK that lacks this function.
   int openWithout(const char* function) {
     sdk.emplace(install(GetParam().sdk, {function}));
     SimCamera camera = smallCamera(familyNamed(GetParam().sdk));
@@ -45,7 +45,7 @@ TEST_P(MissingFunction, OfTheConfigurationFailsTheOpenAndClosesTheDevice) {
   expectClosed();
 }
 
-TEST_P(MissingFunction, OfTheFrameFailsTheReadAndTheCameraStreamsOn) {
+TEST_P(MissingFunction, OfTheFrameFailsTheReadAndTheCameraKeepsStreaming) {
   ASSERT_EQ(openWithout(GetParam().read), 1) << error();
   sdk->advance_clock(100000);
   EXPECT_EQ(readFrame(), -1);
@@ -102,7 +102,7 @@ TEST_F(LibraryTest, QhyAndToupTekScansCloseTheCameraWhenAFunctionIsMissingWhileI
 TEST_F(LibraryTest, QhyAndToupTekRecordsStayWhenTheCloseIsMissingAfterwards) {
   install("qhyccd", {"CloseQHYCCD"});
   install("toupcam", {"Toupcam_Close"});
-  EXPECT_EQ(oc.scan(), 2) << "one of each: the rest are not examined";
+  EXPECT_EQ(oc.scan(), 2) << "one of each; the scan does not examine the others";
   EXPECT_EQ(error(), "qhyccd: missing CloseQHYCCD; toupcam: missing Toupcam_Close");
 }
 

@@ -1,4 +1,4 @@
-// Several SDKs at once: which are found, whose failures are told, and cameras of each in turn.
+// Several SDKs together: which are found, whose failures are reported, and cameras of each in turn.
 #include "library/family_test.hpp"
 
 namespace orvane::testing {

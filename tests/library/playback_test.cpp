@@ -1,5 +1,4 @@
-// Simulated cameras that look at a recording.
-#include <cmath>
+// Simulated cameras that play a recording back.
 #include <fstream>
 #include <optional>
 #include <random>
@@ -13,7 +12,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Pixels = std::vector<int>;
 
-// A SER file in the making. Whatever is not set is as in a good one.
+// The content of a SER file. The defaults make a valid one.
 struct Recording {
   std::string mark = "LUCAM-RECORDER";
   std::int32_t color = 0;
@@ -21,7 +20,7 @@ struct Recording {
   std::int32_t width = 0;
   std::int32_t height = 0;
   std::int32_t depth = 8;
-  std::int32_t frameCount = -1;  // -1: as many as there are
+  std::int32_t frameCount = -1;  // -1: frames.size()
   std::vector<Pixels> frames;    // the samples, row by row
 
   Bytes frame(std::size_t number) const {
@@ -60,7 +59,7 @@ struct Recording {
   }
 };
 
-// Frames of random samples with so many low bits at 0.
+// Frames of random samples whose lowest `lowZeros` bits are 0.
 Recording randomRecording(std::int32_t color, std::int32_t width, std::int32_t height,
                           std::int32_t depth, unsigned lowZeros = 0, int frames = 3) {
   std::mt19937 random(7);
@@ -81,7 +80,7 @@ Recording randomRecording(std::int32_t color, std::int32_t width, std::int32_t h
   return recording;
 }
 
-// One frame whose samples follow from their places.
+// A recording of one frame. Each sample is a function of its position.
 template <class SampleAt>
 Recording drawnRecording(std::int32_t color, std::int32_t width, std::int32_t height,
                          SampleAt sampleAt) {
@@ -96,13 +95,13 @@ Recording drawnRecording(std::int32_t color, std::int32_t width, std::int32_t he
   return recording;
 }
 
-// A family, and what its small camera needs to see a mosaic of red, green, green, blue unchanged.
+// A family, and what its small camera needs to show a Bayer pattern RGGB unchanged.
 struct Family {
   const char* sdk;
   std::int32_t rggb;     // the maker's code
-  std::int32_t gainMax;  // whose half is the usual gain
-  std::int32_t depth16;  // of a recording with the samples of the 12-bit camera in 16 bits
-  unsigned lowZeros;     // bits at 0 below them
+  std::int32_t gainMax;  // half of it is the default gain
+  std::int32_t depth16;  // depth of a recording that holds the 12-bit samples in 16 bits
+  unsigned lowZeros;     // zero bits below the samples
 };
 
 constexpr Family asi{"ASICamera2", 0, 100, 16, 4};
@@ -121,7 +120,7 @@ class PlaybackTest : public LibraryTest {
     ASSERT_EQ(oc.scan(), 1) << error();
   }
 
-  // The file's path in UTF-8.
+  // Writes a file and returns its path in UTF-8.
   std::string write(const std::string& content, const char8_t* name = u8"recording.ser") const {
     const std::filesystem::path path = directory.path() / name;
     std::ofstream(path, std::ios::binary) << content;
@@ -146,7 +145,7 @@ class PlaybackTest : public LibraryTest {
     return bytes;
   }
 
-  // The samples of the first frame of an 8-bit format.
+  // A sample of the first frame, in a format with 8 bits per channel.
   int sampleAt(int x, int y, int channel = 0, int channels = 1) const {
     const Bytes bytes = rendered(0);
     return bytes.begin()[(y * oc.width() + x) * channels + channel];
@@ -188,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(Families, PlaybackOfEachFamily,
                                            Family{"qhyccd", 4, 100, 16, 4}, toupTek),
                          [](const auto& instance) { return std::string(instance.param.sdk); });
 
-TEST_F(PlaybackTest, RegionSeesItsPartOfTheRecording) {
+TEST_F(PlaybackTest, RegionShowsItsPartOfTheRecording) {
   start(asi);
   ASSERT_EQ(play(drawnRecording(8, 320, 202, [](int x, int y) { return (x + 3 * y) & 0xff; })), 1);
   ASSERT_EQ(open(0, 64, 48), 1) << error();
@@ -208,16 +207,17 @@ TEST_F(PlaybackTest, SmallerRecordingLiesAtTheTopLeftAndTheRestIsDark) {
   EXPECT_EQ(sampleAt(319, 201), 0);
 }
 
-TEST_F(PlaybackTest, OfALargerRecordingTheMiddleIsSeen) {
+TEST_F(PlaybackTest, LargerRecordingShowsItsMiddle) {
   start(asi);
-  // 20 columns and 7 rows more: 10 and, to keep the mosaic, 2 of them come first.
+  // 20 columns and 7 rows too many. The camera skips 10 columns and, to keep the Bayer pattern, 2
+  // rows.
   ASSERT_EQ(play(drawnRecording(8, 340, 209, [](int x, int y) { return (x + 3 * y) & 0xff; })), 1);
   ASSERT_EQ(open(0), 1) << error();
   EXPECT_EQ(sampleAt(0, 0), (10 + 3 * 2) & 0xff);
   EXPECT_EQ(sampleAt(319, 201), (329 + 3 * 203) & 0xff);
 }
 
-TEST_F(PlaybackTest, ExposureGainAndOffsetWorkAsOnLight) {
+TEST_F(PlaybackTest, ExposureGainAndOffsetScaleTheSamples) {
   start(asi);
   ASSERT_EQ(play(drawnRecording(8, 320, 202, [](int x, int) { return x < 160 ? 40 : 200; })), 1);
   ASSERT_EQ(open(0, 320, 202, 1, 40000), 1) << error();
@@ -228,7 +228,7 @@ TEST_F(PlaybackTest, ExposureGainAndOffsetWorkAsOnLight) {
   EXPECT_EQ(sampleAt(160, 0), 100);
   ASSERT_EQ(oc.apply(20000, gain + 20, 0), 1) << error();
   EXPECT_EQ(sampleAt(0, 0), 79) << "20 of 100 steps are 6 dB: a factor of 1.995";
-  // The offset counts in 1/4096 of full scale: 16 of them are one step of 8 bits.
+  // The unit of the offset is 1/4096 of full scale: 16 are one step of 8 bits.
   ASSERT_EQ(oc.apply(20000, gain, 16), 1) << error();
   EXPECT_EQ(sampleAt(0, 0), 41);
 }
@@ -244,19 +244,19 @@ TEST_F(PlaybackTest, MonoRecordingIsGreyForAColorCamera) {
   }
 }
 
-// Red 100, green 200, blue 40 everywhere, behind the filters of a mosaic.
-int evenMosaic(int x, int y) {
+// A uniform scene of red 100, green 200, blue 40 behind a Bayer pattern.
+int uniformBayerPattern(int x, int y) {
   const int even[2][2] = {{100, 200}, {200, 40}};  // RGGB
   return even[y & 1][x & 1];
 }
 constexpr int evenBrightness = 151;  // 0.299 * 100 + 0.587 * 200 + 0.114 * 40
 
-TEST_F(PlaybackTest, MosaicGivesThreeColorFrames) {
+TEST_F(PlaybackTest, BayerPatternGivesColorFrames) {
   start(asi);
-  ASSERT_EQ(play(drawnRecording(8, 320, 202, evenMosaic)), 1);
+  ASSERT_EQ(play(drawnRecording(8, 320, 202, uniformBayerPattern)), 1);
   ASSERT_EQ(open(2), 1) << error();
   for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}, {319, 201}}) {
-    EXPECT_EQ(sampleAt(x, y, 0, 3), 40) << "the SDK's frames have blue first";
+    EXPECT_EQ(sampleAt(x, y, 0, 3), 40) << "the SDK delivers blue first";
     EXPECT_EQ(sampleAt(x, y, 1, 3), 200);
     EXPECT_EQ(sampleAt(x, y, 2, 3), 100);
   }
@@ -264,8 +264,8 @@ TEST_F(PlaybackTest, MosaicGivesThreeColorFrames) {
   EXPECT_EQ(sampleAt(5, 5), evenBrightness);
 }
 
-// Between the pixels of one filter the light is drawn straight.
-TEST_F(PlaybackTest, MosaicIsFilledInFromTheNeighbours) {
+// Linear interpolation must reproduce a linear gradient.
+TEST_F(PlaybackTest, BayerPatternIsInterpolatedFromTheNeighbours) {
   start(asi);
   ASSERT_EQ(play(drawnRecording(8, 100, 100, [](int x, int y) { return x + y; })), 1);
   ASSERT_EQ(open(2), 1) << error();
@@ -276,9 +276,9 @@ TEST_F(PlaybackTest, MosaicIsFilledInFromTheNeighbours) {
   }
 }
 
-TEST_F(PlaybackTest, MosaicIsTurnedIntoTheCamerasOwn) {
+TEST_F(PlaybackTest, BayerPatternIsConvertedToTheCamerasOwn) {
   start({"ASICamera2", 1, 100, 16, 4});  // BGGR
-  ASSERT_EQ(play(drawnRecording(8, 320, 202, evenMosaic)), 1);
+  ASSERT_EQ(play(drawnRecording(8, 320, 202, uniformBayerPattern)), 1);
   ASSERT_EQ(open(0), 1) << error();
   EXPECT_EQ(sampleAt(10, 10), 40);
   EXPECT_EQ(sampleAt(11, 10), 200);
@@ -286,16 +286,16 @@ TEST_F(PlaybackTest, MosaicIsTurnedIntoTheCamerasOwn) {
   EXPECT_EQ(sampleAt(11, 11), 100);
 }
 
-TEST_F(PlaybackTest, MosaicIsBrightnessForAMonoCamera) {
+TEST_F(PlaybackTest, BayerPatternIsBrightnessForAMonoCamera) {
   start(asi, 0);
-  ASSERT_EQ(play(drawnRecording(8, 320, 202, evenMosaic)), 1);
+  ASSERT_EQ(play(drawnRecording(8, 320, 202, uniformBayerPattern)), 1);
   ASSERT_EQ(open(0), 1) << error();
   for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}, {319, 201}}) {
     EXPECT_EQ(sampleAt(x, y), evenBrightness);
   }
 }
 
-TEST_F(PlaybackTest, ThreeColorsOfEitherOrderAreSeenThroughTheCamerasMosaic) {
+TEST_F(PlaybackTest, ColorsOfEitherOrderAreSampledByTheCamerasBayerPattern) {
   start(asi);
   for (const std::int32_t color : {100, 101}) {
     Recording recording = randomRecording(color, 320, 202, 8, 0, 1);
@@ -306,18 +306,18 @@ TEST_F(PlaybackTest, ThreeColorsOfEitherOrderAreSeenThroughTheCamerasMosaic) {
     ASSERT_EQ(play(recording), 1);
     ASSERT_EQ(open(0), 1) << error();
     for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}}) {
-      EXPECT_EQ(sampleAt(x, y), evenMosaic(x, y)) << color;
+      EXPECT_EQ(sampleAt(x, y), uniformBayerPattern(x, y)) << color;
     }
   }
 }
 
 TEST_F(PlaybackTest, BinningAveragesPixelsOfOneColor) {
   start(asi);
-  ASSERT_EQ(play(drawnRecording(8, 320, 202, evenMosaic)), 1);
+  ASSERT_EQ(play(drawnRecording(8, 320, 202, uniformBayerPattern)), 1);
   ASSERT_EQ(open(0, 320, 202, 2), 1) << error();
   EXPECT_EQ(oc.width(), 160);
   for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}, {158, 98}}) {
-    EXPECT_EQ(sampleAt(x, y), evenMosaic(x, y));
+    EXPECT_EQ(sampleAt(x, y), uniformBayerPattern(x, y));
   }
 }
 
@@ -329,7 +329,7 @@ TEST_F(PlaybackTest, BinningAveragesNeighboursOfAMonoCamera) {
   EXPECT_EQ(sampleAt(3, 3), 6);
 }
 
-TEST_F(PlaybackTest, SamplesWithTheHighByteFirstAreUnderstood) {
+TEST_F(PlaybackTest, BigEndianSamplesAreSupported) {
   start(asi);
   Recording recording = randomRecording(8, 320, 202, 16, 4);
   recording.isHighByteFirst = 1;
@@ -348,7 +348,7 @@ TEST_F(PlaybackTest, SamplesBeyondTheirDepthAreWhite) {
   EXPECT_EQ(sampleAt(0, 0), 255);
 }
 
-TEST_F(PlaybackTest, SyntheticSceneComesBack) {
+TEST_F(PlaybackTest, SyntheticSceneReturnsAfterPlayback) {
   start(asi);
   ASSERT_EQ(open(0), 1) << error();
   const Bytes synthetic = rendered(3);
@@ -377,20 +377,20 @@ TEST_F(PlaybackTest, CommandNamesAFileOfAnyName) {
   EXPECT_TRUE(rendered(0) == recording.frame(0));
   EXPECT_EQ(sdk->command("scene"), 0);
   EXPECT_EQ(sdk->command("scene no such file"), 0);
-  EXPECT_TRUE(rendered(0) == recording.frame(0)) << "everything stays as it was";
+  EXPECT_TRUE(rendered(0) == recording.frame(0)) << "a failed command must change nothing";
 }
 
-TEST_F(PlaybackTest, BrokenOffRecordingPlaysTheFramesThatAreThere) {
+TEST_F(PlaybackTest, TruncatedRecordingPlaysItsCompleteFrames) {
   start(asi);
   Recording recording = randomRecording(8, 320, 202, 8);
   for (const std::int32_t promised : {0, -5, 4, 2147483647}) {
     recording.frameCount = promised;
     const std::string content = recording.content();
-    // Half of the last frame is missing.
+    // Removes half of the last frame.
     ASSERT_EQ(sdk->play_recording(write(content.substr(0, content.size() - 30000)).c_str()), 1);
     ASSERT_EQ(open(0), 1) << error();
     EXPECT_TRUE(rendered(1) == recording.frame(1));
-    EXPECT_TRUE(rendered(2) == recording.frame(0)) << "two whole frames are there";
+    EXPECT_TRUE(rendered(2) == recording.frame(0)) << "two frames are complete";
   }
 }
 
@@ -448,8 +448,8 @@ TEST_F(PlaybackTest, FilesThatAreNoRecordingsAreRefused) {
   EXPECT_EQ(sdk->play_recording(write("this is a text file\n").c_str()), 0);
 }
 
-// Any header at all: it is refused, or frames come.
-TEST_F(PlaybackTest, HeadersOfAnyContentAreSurvived) {
+// A random header is either refused, or its frames can be read.
+TEST_F(PlaybackTest, RandomHeadersAreHarmless) {
   start(asi);
   const std::string good = randomRecording(8, 64, 48, 16).content();
   std::mt19937 random(11);

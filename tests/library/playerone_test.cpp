@@ -63,7 +63,7 @@ TEST_F(PlayerOneDiscovery, NoCamerasOrANegativeCountGiveNoRecords) {
   EXPECT_EQ(error(), "");
 }
 
-TEST_F(PlayerOneDiscovery, BayerCodesOfAllPatternsAndNoneForOthers) {
+TEST_F(PlayerOneDiscovery, BayerCodesOfAllPatternsAndZeroForOthers) {
   const int expected[][2] = {{0, 8}, {1, 11}, {2, 9}, {3, 10}, {4, 0}, {-1, 0}, {77, 0}};
   for (const auto& [pattern, bayer] : expected) {
     small.isColor = 1;
@@ -77,7 +77,7 @@ TEST_F(PlayerOneDiscovery, BayerCodesOfAllPatternsAndNoneForOthers) {
   }
 }
 
-TEST_F(PlayerOneDiscovery, ListsThatBeginWithTheirEndAreEmpty) {
+TEST_F(PlayerOneDiscovery, ListsThatBeginWithTheEndMarkAreEmpty) {
   small.bins[0] = 0;
   small.formats[0] = -1;
   rescanWith(small);
@@ -85,7 +85,7 @@ TEST_F(PlayerOneDiscovery, ListsThatBeginWithTheirEndAreEmpty) {
   EXPECT_EQ(infoValue(0, "formats"), "[]");
 }
 
-TEST_F(PlayerOneDiscovery, EightBinsAndEightFormatsWithoutAnEnd) {
+TEST_F(PlayerOneDiscovery, EightBinsAndEightFormatsWithoutAnEndMark) {
   for (int i = 0; i < 8; ++i) {
     small.bins[i] = i + 1;
     small.formats[i] = 7 - i;
@@ -96,7 +96,7 @@ TEST_F(PlayerOneDiscovery, EightBinsAndEightFormatsWithoutAnEnd) {
   EXPECT_EQ(infoValue(0, "formats"), "[7,6,5,4,3,2,1,0]");
 }
 
-TEST_F(PlayerOneDiscovery, NameThatFillsItsFieldIsReadNoFurther) {
+TEST_F(PlayerOneDiscovery, NameWithoutANulIsReadToTheEndOfItsField) {
   setText(small.name, std::string(256, 'n'));
   rescanWith(small);
   EXPECT_EQ(infoValue(0, "name"), '"' + std::string(256, 'n') + '"');
@@ -184,7 +184,7 @@ TEST_F(PlayerOneOpen, FormatsArePassedUnchanged) {
   }
 }
 
-TEST_F(PlayerOneOpen, WidthOf7IsAskedForAsItStands) {
+TEST_F(PlayerOneOpen, WidthOf7IsRequestedUnchanged) {
   ASSERT_EQ(oc.scan(), 1);
   sdk.takeLog();
   sdk.forceOutput("POAGetImageSize", "width", 7);
@@ -195,7 +195,7 @@ TEST_F(PlayerOneOpen, WidthOf7IsAskedForAsItStands) {
   EXPECT_EQ(oc.height(), 5);
 }
 
-TEST_F(PlayerOneOpen, RegionThatVanishesInBinningFails) {
+TEST_F(PlayerOneOpen, RegionThatBinsToNothingFails) {
   ASSERT_EQ(oc.scan(), 1);
   small.height = 1;
   rescanWith(small);
@@ -236,7 +236,7 @@ TEST_F(PlayerOneRead, ReadinessThenDataWithTheHostsWait) {
             "POAImageReady(7 -> 1) = 0\nPOAGetImageData(7, buffer, 64640, 540) = 0\n");
 }
 
-TEST_F(PlayerOneRead, FrameThatIsNotReadyIsNotAskedFor) {
+TEST_F(PlayerOneRead, FrameThatIsNotReadyIsNotRequested) {
   openSmall();
   EXPECT_EQ(readFrame(1000), 0);
   EXPECT_EQ(sdk.takeLog(), "POAImageReady(7 -> 0) = 0\n");
@@ -271,10 +271,10 @@ TEST_F(PlayerOneRead, TimeOutIsNoErrorAndOtherCodesAre) {
   EXPECT_EQ(error(), "POAGetImageData: 11");
   sdk.clear_faults();
   sdk.forceResult("POAImageReady", 9, 1, 1);
-  EXPECT_EQ(readFrame(), -1) << "9 is a time-out of the other call only";
+  EXPECT_EQ(readFrame(), -1) << "9 is a time-out of POAGetImageData only";
   EXPECT_EQ(error(), "POAImageReady: 9");
   sdk.clear_faults();
-  EXPECT_EQ(readFrame(), 320 * 202) << "streams on";
+  EXPECT_EQ(readFrame(), 320 * 202) << "must still stream";
 }
 
 TEST_F(PlayerOneRead, BufferOneByteTooSmallFailsWithoutACall) {
@@ -312,7 +312,7 @@ TEST_F(PlayerOneControls, ExposureOutOfRangeFailsBeforeAnyCall) {
   EXPECT_EQ(sdk.takeLog(), "");
 }
 
-TEST_F(PlayerOneControls, TemperatureIsTheDoubleUnaltered) {
+TEST_F(PlayerOneControls, TemperatureIsTheUnchangedDouble) {
   openSmall();
   sdk.forceOutput("POAGetConfig", "value", 21.37);
   EXPECT_EQ(oc.temperature(), 21.37);

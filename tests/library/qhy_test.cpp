@@ -20,10 +20,10 @@ class Qhy : public FamilyTest {
  protected:
   Qhy() : FamilyTest("qhyccd", smallQhyCamera()) {}
 
-  // The memory that the SDK asks for: three bytes a pixel on a colour camera.
+  // The memory length that the SDK reports: three bytes per pixel for a colour camera.
   static constexpr int memory = 320 * 202 * 3;
 
-  // Waits until the SDK has a frame.
+  // Waits until the SDK has a frame, and reads it.
   int nextFrame() {
     sdk.advance_clock(100000);
     return readFrame();
@@ -84,16 +84,16 @@ TEST_F(QhyDiscovery, AllCapabilitiesOrNone) {
   EXPECT_EQ(infoValue(0, "isCooled"), "false");
 }
 
-TEST_F(QhyDiscovery, CapabilityNeedsTheAnswerZero) {
+TEST_F(QhyDiscovery, CapabilityNeedsTheResultZero) {
   sdk.forceOutput("IsQHYCCDControlAvailable", "result", 1);
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "isCooled"), "false");
   EXPECT_EQ(infoValue(0, "formats"), "[0]");
   EXPECT_EQ(infoValue(0, "bins"), "[1]");
-  EXPECT_EQ(infoValue(0, "bayer"), "10") << "the colour question has other answers";
+  EXPECT_EQ(infoValue(0, "bayer"), "10") << "the query for colour has its own results";
 }
 
-TEST_F(QhyDiscovery, ColourAnswersOneToFour) {
+TEST_F(QhyDiscovery, ColourResultsOneToFour) {
   const std::pair<std::int64_t, const char*> answers[] = {
       {0, "0"}, {1, "10"}, {2, "9"},          {3, "11"},
       {4, "8"}, {5, "0"},  {2147483648, "0"}, {qhyError, "0"}};
@@ -106,7 +106,7 @@ TEST_F(QhyDiscovery, ColourAnswersOneToFour) {
   }
 }
 
-TEST_F(QhyDiscovery, LimitsAreCutTowardZero) {
+TEST_F(QhyDiscovery, LimitsAreTruncatedTowardZero) {
   small.gainMin = -1.9;
   small.gainMax = 99.9;
   small.exposureMaxUs = 3600000000.75;
@@ -212,7 +212,7 @@ TEST_F(QhyDiscovery, CameraThatCannotBeOpenedIsAbsent) {
   EXPECT_EQ(error(), "");
 }
 
-TEST_F(QhyDiscovery, FailureWhileOpenClosesTheCameraAndEndsTheScan) {
+TEST_F(QhyDiscovery, FailureOnAnOpenCameraClosesItAndEndsTheScan) {
   SimCamera second = small;
   setText(second.key, "other-1");
   for (const char* function : {"SetQHYCCDStreamMode", "InitQHYCCD", "GetQHYCCDChipInfo"}) {
@@ -221,7 +221,7 @@ TEST_F(QhyDiscovery, FailureWhileOpenClosesTheCameraAndEndsTheScan) {
     sdk.log_enable(1);
     sdk.setCameras({small, second});
     if (std::string(function) != "SetQHYCCDStreamMode") {
-      // The library initialises the SDK once only; a reset has undone it.
+      // The library initialises the SDK only once per process, but the reset has undone it.
       sdk.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk.takeLog();
@@ -236,7 +236,7 @@ TEST_F(QhyDiscovery, FailureWhileOpenClosesTheCameraAndEndsTheScan) {
   }
 }
 
-TEST_F(QhyDiscovery, TextsThatFillTheirBuffersAreReadNoFurther) {
+TEST_F(QhyDiscovery, TextsWithoutANulAreReadToTheEndOfTheirBuffers) {
   setText(small.key, std::string(256, 'k'));
   setText(small.name, std::string(256, 'm'));
   rescanWith(small);
@@ -325,7 +325,7 @@ TEST_F(QhyRead, OneCallWithoutALengthOrAWait) {
   EXPECT_EQ(sdk.takeLog(), "GetQHYCCDLiveFrame(h2, buffer -> 320, 202, 8, 1) = 0\n");
 }
 
-TEST_F(QhyRead, CountIsTheFramesAndMayBeSmallerThanTheBuffer) {
+TEST_F(QhyRead, ResultIsTheSizeOfTheFrameAndMayBeBelowTheBufferSize) {
   openSmall();
   ASSERT_EQ(nextFrame(), 320 * 202);
   EXPECT_EQ(oc.buffer_size(), memory);
@@ -335,7 +335,7 @@ TEST_F(QhyRead, CountIsTheFramesAndMayBeSmallerThanTheBuffer) {
   EXPECT_EQ(expected.size(), frame.size());
 }
 
-TEST_F(QhyRead, SixteenBitFramesReachTheHostAsTheSdkMadeThem) {
+TEST_F(QhyRead, SixteenBitFramesReachTheHostUnchanged) {
   openSmall(1);
   sdk.advance_clock(20000);
   int count = readFrame();
@@ -348,7 +348,7 @@ TEST_F(QhyRead, SixteenBitFramesReachTheHostAsTheSdkMadeThem) {
   EXPECT_EQ(frame, sdkFrame(0, 320 * 202 * 2));
 }
 
-TEST_F(QhyRead, NothingIsAnErrorOfTheRead) {
+TEST_F(QhyRead, FailedReadMeansNoFrame) {
   openSmall();
   EXPECT_EQ(readFrame(), 0) << "no frame yet";
   for (const std::int64_t code : {std::int64_t{1}, std::int64_t{4294967293}, qhyError}) {
@@ -370,7 +370,7 @@ TEST_F(QhyRead, AnyDifferenceInTheFrameIsAChangeOfGeometry) {
     EXPECT_EQ(error(), "QHY frame geometry changed") << output;
   }
   sdk.clear_faults();
-  EXPECT_EQ(nextFrame(), 320 * 202) << "streams on";
+  EXPECT_EQ(nextFrame(), 320 * 202) << "must still stream";
 }
 
 TEST_F(QhyRead, SixteenBitFramesMustHaveSixteenBits) {

@@ -1,6 +1,5 @@
-// SDK functions that throw, as the makers' own SDKs do on each system: which exceptions become
-// error texts, which are swallowed, which leave the library as they came, and what is open
-// afterwards.
+// SDK functions that throw, as the makers' SDKs do on each system: which exceptions become error
+// texts, which are swallowed, which leave the library unchanged, and what is open afterwards.
 #include <cmath>
 #include <cstdio>
 
@@ -11,7 +10,7 @@
 namespace orvane::testing {
 namespace {
 
-// Where in a session a call throws.
+// The step of a session in which a call throws.
 enum class Step { Scan, ScanOfLimits, Open, HalfOpen, Apply, Read, Temperature, Stop, Close };
 
 struct ThrowingCall {
@@ -30,7 +29,7 @@ std::ostream& operator<<(std::ostream& stream, const ThrowingFamily& family) {
   return stream << family.baseName;
 }
 
-// QHYCCD's and ToupTek's limits are read where a failure ends the scan; ToupTek has no init.
+// For QHYCCD and ToupTek a failure to read the limits ends the scan. ToupTek has no init call.
 std::vector<ThrowingFamily> throwingFamilies() {
   return {{"ASICamera2",
            0,
@@ -107,13 +106,13 @@ class SdkException : public LibraryTest, public ::testing::WithParamInterface<Th
 
   int open() { return oc.open(0, shown.width, shown.height, 1, 0, 20000, 100, 5); }
 
-  // Reads a frame, for which the SDK has had the time.
+  // Reads a frame after giving the SDK time to have one.
   int read() {
     sdk.advance_clock(100000);
     return readFrame();
   }
 
-  // Everything works, as if nothing had happened.
+  // A normal session works.
   void expectCleanSession() {
     ASSERT_EQ(oc.scan(), 1) << error();
     EXPECT_EQ(error(), "");
@@ -125,7 +124,7 @@ class SdkException : public LibraryTest, public ::testing::WithParamInterface<Th
     expectClean(sdk);
   }
 
-  // Runs one session in which the call throws; returns what left the library.
+  // Runs one session in which the call throws. Returns the exception that left the library.
   LeavingException sessionWith(const ThrowingCall& call, int kind, double& result) {
     const auto prepare = [&](bool opens) {
       ASSERT_EQ(oc.scan(), 1) << error();
@@ -169,7 +168,7 @@ class SdkException : public LibraryTest, public ::testing::WithParamInterface<Th
   SimulatedSdk sdk;
 };
 
-// One row of the table: it is also printed.
+// Checks and prints one row of the table.
 void SdkException::expectRow(const ThrowingCall& call, int kind) {
   SCOPED_TRACE(std::string(call.situation) + ", kind " + std::to_string(kind));
   const char* const kinds[] = {"standard", "int", "object"};
@@ -185,7 +184,7 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
 #ifdef _WIN32
   EXPECT_EQ(left.code, leaves ? 0xE06D7363U : 0U);
   EXPECT_EQ(left.parameters.size(), leaves ? 4U : 0U);
-  // Who handles an exception destroys its object: the handler of this test does not.
+  // A handler destroys the object when it is done. The test's handler does not.
   const int kept = leaves && kind == SIM_THROW_OBJECT ? 1 : 0;
 #else
   const int kept = 0;
@@ -207,8 +206,9 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
     EXPECT_EQ(infoValue(0, "maxExposureUs") + infoValue(0, "maxGain"), "00");
   }
 
-  // What is open: a camera whose settings, frame or temperature failed streams on; one that was
-  // left half open by an exception is closed by the host; one whose close threw is the SDK's.
+  // A camera still streams after a failure of its settings, frame or temperature. A camera that an
+  // exception left half open stays open until the host closes it. A camera whose close threw stays
+  // open in the SDK.
   const int openAfter = sdk.invariants().devicesOpen;
   const bool isHalfOpen = call.step == Step::HalfOpen && leaves;
   const bool streamsOn =
@@ -232,12 +232,12 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
               GetParam().baseName, call.situation, kinds[kind], number,
               isReported ? "usb lost" : "", left.code, openAfter, openAtEnd);
   if (call.step == Step::Close) {
-    sdk.setCameras({shown});  // as if it had been plugged in anew
+    sdk.setCameras({shown});  // as if it were plugged in again
   }
   expectCleanSession();
 }
 
-TEST_P(SdkException, HasItsResultAndLeavesNothingBehindWhereverItIsThrown) {
+TEST_P(SdkException, InEveryStepGivesItsResultAndLeavesNothingOpen) {
   for (const int kind : {SIM_THROW_STANDARD, SIM_THROW_NUMBER, SIM_THROW_OBJECT}) {
     for (const ThrowingCall& call : GetParam().calls) {
       expectRow(call, kind);
@@ -245,10 +245,10 @@ TEST_P(SdkException, HasItsResultAndLeavesNothingBehindWhereverItIsThrown) {
   }
 }
 
-// The text belongs to the SDK; null is what a careless one may give. (That GCC's library and
-// others allow it nowhere is no help.)
+// what() may return null, or a pointer that cannot be read. Windows only: GCC's library does not
+// support a null text.
 #ifdef _WIN32
-TEST_P(SdkException, WithoutATextThatCanBeReadIsToldAllTheSame) {
+TEST_P(SdkException, WithoutReadableTextIsReported) {
   ASSERT_EQ(oc.scan(), 1);
   ASSERT_EQ(open(), 1);
   const char* const frameCall = GetParam().calls[10].function;
@@ -267,7 +267,7 @@ TEST_P(SdkException, WithoutATextThatCanBeReadIsToldAllTheSame) {
 }
 #endif
 
-TEST_P(SdkException, TenThousandTimesCostsNoMemoryAndNoHandle) {
+TEST_P(SdkException, TenThousandTimesLeaksNothing) {
   ASSERT_EQ(oc.scan(), 1);
   ASSERT_EQ(open(), 1);
   sdk.log_enable(0);
@@ -278,7 +278,7 @@ TEST_P(SdkException, TenThousandTimesCostsNoMemoryAndNoHandle) {
     int result = 0;
     const LeavingException left = leavingException([&] {
       result = oc.read(buffer.data(), static_cast<int>(buffer.size()), 0);
-      // Not every SDK asks for a frame that is not there.
+      // Some families check for a frame first, and make the throwing call only if there is one.
       if (result == 0) {
         sdk.advance_clock(100000);
         result = oc.read(buffer.data(), static_cast<int>(buffer.size()), 0);
@@ -301,7 +301,7 @@ TEST_P(SdkException, TenThousandTimesCostsNoMemoryAndNoHandle) {
     const auto growth = static_cast<std::ptrdiff_t>(heapBytes() - bytesBefore);
     std::printf("exception| %s, kind %d, %d times: %td bytes\n", GetParam().baseName, kind, times,
                 growth);
-    EXPECT_LT(growth, std::ptrdiff_t{times}) << "less than a byte each";
+    EXPECT_LT(growth, std::ptrdiff_t{times}) << "less than one byte per exception";
     EXPECT_EQ(openHandles(), handlesBefore);
   }
   oc.close();

@@ -9,7 +9,7 @@ namespace {
 constexpr std::int64_t failure = -2147467259;  // E_FAIL
 constexpr std::int64_t pending = -2147483638;  // E_PENDING
 
-// The SDK's code of a mosaic, as its own headers form it.
+// The SDK's code of a Bayer pattern, formed as in its headers.
 constexpr std::int32_t fourCc(char a, char b, char c, char d) {
   return a | b << 8 | c << 16 | d << 24;
 }
@@ -64,7 +64,7 @@ TEST_F(ToupTekDiscovery, EveryPropertyIsDescribed) {
                      R"("maxExposureUs":1000000000,"minGain":100,"maxGain":1000,"bayer":8})");
 }
 
-TEST_F(ToupTekDiscovery, MosaicsOfAllFourTexts) {
+TEST_F(ToupTekDiscovery, BayerPatternsOfAllFourTexts) {
   const std::pair<std::int32_t, const char*> expected[] = {{fourCc('R', 'G', 'G', 'B'), "8"},
                                                            {fourCc('B', 'G', 'G', 'R'), "11"},
                                                            {fourCc('G', 'R', 'B', 'G'), "9"},
@@ -77,7 +77,7 @@ TEST_F(ToupTekDiscovery, MosaicsOfAllFourTexts) {
   }
 }
 
-TEST_F(ToupTekDiscovery, ColourCameraWithAnotherMosaicFailsTheScanAfterItsCameraIsClosed) {
+TEST_F(ToupTekDiscovery, ColourCameraWithAnotherBayerPatternIsClosedAndFailsTheScan) {
   SimCamera second = small;
   setText(second.key, "other");
   sdk.setCameras({small, second});
@@ -89,7 +89,8 @@ TEST_F(ToupTekDiscovery, ColourCameraWithAnotherMosaicFailsTheScanAfterItsCamera
     EXPECT_EQ(error(), "Unsupported ToupTek raw mosaic");
     const std::string log = sdk.takeLog();
     EXPECT_NE(log.find("Toupcam_Close("), std::string::npos);
-    EXPECT_EQ(log.find("\"other\") ="), std::string::npos) << "the others are not examined";
+    EXPECT_EQ(log.find("\"other\") ="), std::string::npos)
+        << "the scan must not examine the others";
     expectClean(sdk);
   }
 }
@@ -137,14 +138,14 @@ TEST_F(ToupTekDiscovery, BitDepthDecidesTheFormats) {
   }
 }
 
-TEST_F(ToupTekDiscovery, UsbFlagsTellCameraAndPortApart) {
+TEST_F(ToupTekDiscovery, UsbFlagsDistinguishCameraAndPort) {
   small.isUsb3Host = 0;
   small.isCooled = 1;
   rescanWith(small);
   EXPECT_EQ(infoValue(0, "isUsb3Camera"), "true");
   EXPECT_EQ(infoValue(0, "isUsb3Host"), "false");
   EXPECT_EQ(infoValue(0, "isCooled"), "true");
-  sdk.forceOutput("Toupcam_EnumV2", "flag", 0x100);  // over USB 2, but no USB 3 camera
+  sdk.forceOutput("Toupcam_EnumV2", "flag", 0x100);  // on a USB 2 port, no USB 3 camera
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "isUsb3Camera"), "false");
   EXPECT_EQ(infoValue(0, "isUsb3Host"), "false");
@@ -167,7 +168,7 @@ TEST_F(ToupTekDiscovery, RangesThatFailStayZero) {
   EXPECT_EQ(error(), "");
 }
 
-TEST_F(ToupTekDiscovery, RangesAreWidenedWithoutSign) {
+TEST_F(ToupTekDiscovery, RangesAreUnsigned) {
   sdk.forceOutput("Toupcam_get_ExpTimeRange", "nMax", 4294967295.0);
   sdk.forceOutput("Toupcam_get_ExpoAGainRange", "nMin", 40000);
   sdk.forceOutput("Toupcam_get_ExpoAGainRange", "nMax", 65535);
@@ -226,7 +227,7 @@ TEST_F(ToupTekDiscovery, DisplayNamesOfOtherScripts) {
   }
 }
 
-TEST_F(ToupTekDiscovery, NameAndIdThatFillTheirFieldsAreReadNoFurther) {
+TEST_F(ToupTekDiscovery, NameAndIdWithoutANulAreReadToTheEndOfTheirFields) {
   setText(small.name, std::string(64, 'n'));
   setText(small.key, std::string(64, 'k'));
   rescanWith(small);
@@ -291,7 +292,7 @@ TEST_F(ToupTekOpen, OnlyBin1IsOffered) {
   expectOpenFailed(open(320, 202, 2), "Unsupported bin or format");
 }
 
-TEST_F(ToupTekOpen, OddRegionIsTheSdksToRefuse) {
+TEST_F(ToupTekOpen, OddRegionIsRefusedByTheSdk) {
   ASSERT_EQ(oc.scan(), 1);
   expectOpenFailed(open(319, 202), "ToupTek ROI: -2147024809");
 }
@@ -353,7 +354,7 @@ TEST_F(ToupTekRead, OneCallWithPackedRowsAndTheFormatsBits) {
   EXPECT_EQ(sdk.takeLog(), "Toupcam_PullImageWithRowPitch(h4, buffer, 16, -1 -> 320, 202) = 0\n");
 }
 
-TEST_F(ToupTekRead, FramesReachTheHostAsTheSdkMadeThem) {
+TEST_F(ToupTekRead, FramesReachTheHostUnchanged) {
   for (const int format : {0, 1}) {
     openSmall(format);
     ASSERT_EQ(nextFrame(), oc.buffer_size());
@@ -392,7 +393,7 @@ TEST_F(ToupTekRead, AnotherSizeIsAChangeOfGeometry) {
     EXPECT_EQ(error(), "ToupTek frame geometry changed");
   }
   sdk.clear_faults();
-  EXPECT_EQ(nextFrame(), 320 * 202) << "streams on";
+  EXPECT_EQ(nextFrame(), 320 * 202) << "must still stream";
 }
 
 TEST_F(ToupTekRead, SizesStartAtZeroForASdkThatWritesNone) {

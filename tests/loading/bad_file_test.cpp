@@ -1,5 +1,5 @@
-// Files under an SDK's name that are no library for this process: they contribute nothing,
-// silently.
+// Files with the name of an SDK that this process cannot load. They contribute no cameras and no
+// message.
 #include "library/library_test.hpp"
 #include "loading/surroundings.hpp"
 
@@ -8,8 +8,7 @@ namespace {
 
 class BadFile : public LibraryTest {
  protected:
-  // The simulated SDK as it would be if it were built for the machine with this number in the
-  // system's file format; nothing else about it is wrong.
+  // The simulated SDK, changed only in the machine number of its file header.
   std::string sdkForMachine(unsigned windowsNumber, unsigned linuxNumber) const {
     directory.add("ASICamera2");
     std::string image = contentOf(directory.file("ASICamera2"));
@@ -56,7 +55,7 @@ TEST_F(BadFile, ForAnotherProcessor) {
 }
 
 TEST_F(BadFile, ForThisProcessorIsLoaded) {
-  // The same change with the right number: what the cases above change is what they are about.
+  // A control: the same change with the right number loads.
   directory.addFile("ASICamera2", sdkForMachine(0x8664, 62));
   EXPECT_GE(oc.scan(), 3);
   EXPECT_EQ(libraries(), "ASICamera2");
@@ -112,7 +111,8 @@ TEST_F(BadFile, ReplacedByAGoodOneIsLoadedByTheSecondScan) {
   EXPECT_EQ(libraries(), "ASICamera2");
 }
 
-// A library of another purpose under the SDK's name is loaded, and then lacks its functions.
+// A library for another purpose under the name of an SDK is loaded, and lacks the functions of the
+// SDK.
 TEST_F(BadFile, LibraryOfAnotherPurposeNamesItsFirstMissingFunction) {
   directory.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_DEPENDENCY));
   EXPECT_EQ(oc.scan(), 0);

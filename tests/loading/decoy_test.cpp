@@ -1,4 +1,4 @@
-// SDKs under the right name in places that nobody named: they must not be loaded.
+// SDKs with the right name in directories that the host did not name. They must not be loaded.
 #include "library/library_test.hpp"
 #include "loading/surroundings.hpp"
 
@@ -7,7 +7,7 @@ namespace {
 
 class Decoy : public LibraryTest {
  protected:
-  // An SDK of each maker in the current directory, on PATH, or both.
+  // An SDK of each maker, to be put into the current directory, on PATH, or both.
   Decoy() {
     for (const char* name : sdkNames) {
       decoys.add(name);
@@ -53,11 +53,11 @@ TEST_F(Decoy, IsNotPreferredToTheNamedDirectory) {
   named.setCameras({});
   EXPECT_EQ(oc.scan(), 0);
   EXPECT_EQ(libraries(), "ASICamera2");
-  EXPECT_NE(named.takeLog(), "") << "another file of the name was loaded";
+  EXPECT_NE(named.takeLog(), "") << "another file with this name was loaded";
 }
 
 #ifdef _WIN32
-// The system loads with these search rules from a full path only.
+// The library's search flags need an absolute path; Windows rejects them with a relative one.
 TEST_F(Decoy, RelativeDirectoryFindsNothing) {
   std::filesystem::current_path(decoys.path().parent_path());
   expectNothingFrom("decoys");
@@ -71,7 +71,7 @@ TEST_F(Decoy, BareDriveStandsForItsCurrentDirectoryAndFindsNothing) {
   const std::string drive = utf8Of(std::filesystem::absolute(decoys.path()).root_name());
   ASSERT_EQ(drive.size(), 2U) << drive;
   expectNothingFrom(drive);
-  // The same letter with a path behind it is a directory like any other.
+  // A path after the same drive letter makes it an ordinary directory.
   oc.library_dir(utf8Of(std::filesystem::absolute(decoys.path())).c_str());
   EXPECT_GE(oc.scan(), 8);
 }

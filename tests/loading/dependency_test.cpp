@@ -1,4 +1,4 @@
-// SDKs that need another library: it lies beside them, or it is missing, or it comes later.
+// SDKs that depend on another library: it is beside them, missing, or added later.
 #include "library/library_test.hpp"
 #include "loading/surroundings.hpp"
 
@@ -13,7 +13,7 @@ class SdkDependency : public LibraryTest {
     place.addFile("sdk_dependency", contentOf(ORVANE_STAND_IN_DEPENDENCY));
   }
 
-  // Both libraries are loaded, and the SDK reached the other one.
+  // Both libraries are loaded, and the SDK can call the other one.
   void expectWorking() {
     EXPECT_EQ(oc.scan(), 0);
     EXPECT_EQ(libraries(), "ASICamera2");
@@ -77,7 +77,7 @@ TEST_F(SdkDependency, ThatIsNoLibraryLeavesTheSdkOutSilently) {
 }
 
 #ifndef _WIN32
-// Windows refuses such a library, too. Wine loads it and stops the process at the call.
+// Windows refuses such an SDK, too. Wine loads it and stops the process at the call.
 TEST_F(SdkDependency, ThatLacksTheFunctionLeavesTheSdkOutSilently) {
   addSdk();
   std::string image = contentOf(ORVANE_STAND_IN_DEPENDENCY);

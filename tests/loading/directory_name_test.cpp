@@ -1,4 +1,4 @@
-// Directories of all names that a system allows, and of some that are none.
+// Directory names of all kinds that a system allows, and some invalid ones.
 #include <system_error>
 
 #include "library/library_test.hpp"
@@ -9,8 +9,8 @@ namespace {
 
 class DirectoryName : public LibraryTest {
  protected:
-  // Makes the directory below the test's own, with an SDK in it. Copying by path alone shows that
-  // the name stands on the disk as it was given.
+  // Makes the directory below the test's own, with an SDK in it. The copy uses std::filesystem
+  // paths only, so the name on disk is exactly the given one.
   std::filesystem::path makeWithSdk(const std::filesystem::path& name) const {
     std::filesystem::path made = directory.path() / name;
     std::filesystem::create_directories(made);
@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& instance) { return std::string(instance.param.label); });
 
 TEST_F(DirectoryName, OfMoreThan200CharactersIsFound) {
-  // As long as the older limit of Windows for a whole path, 259 characters, allows.
+  // As long as the traditional path limit of Windows, 259 characters, allows.
   const std::size_t used =
       directory.path().native().size() + std::string("\\\\ASICamera2.dll").size();
   ASSERT_LT(used, 200U) << "build in a directory with a shorter name";
@@ -67,13 +67,13 @@ TEST_F(DirectoryName, OfMoreThan200CharactersIsFound) {
 
 #ifdef _WIN32
 TEST_F(DirectoryName, ExtendedFormOfMoreThan260CharactersIsFound) {
-  // Beside the fixture's directory: what lies this deep cannot be removed by its ordinary path.
+  // Beside the fixture's directory, because its ordinary path is too long to remove it.
   const std::filesystem::path outer =
       L"\\\\?\\" + std::filesystem::absolute(directory.path().parent_path()).native() + L"\\" +
       std::wstring(200, L'y');
   const std::filesystem::path made = outer / std::wstring(100, L'y');
   for (const auto& left : {made / "ASICamera2.dll", made, outer}) {
-    std::filesystem::remove(left);  // by an earlier run
+    std::filesystem::remove(left);  // from an earlier run
   }
   std::filesystem::create_directory(outer);
   std::filesystem::create_directory(made);
@@ -133,18 +133,18 @@ TEST_P(DirectoryNotUtf8, LeavesTheScanAsASystemError) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, DirectoryNotUtf8,
-                         ::testing::Values("\\\x80",              // continuation without a start
-                                           "\\\xe5\xa4",          // an end in the middle
-                                           "\\\xc0\xaf",          // a slash, overlong
-                                           "\\\xed\xa0\x80",      // half a pair of surrogates
-                                           "\\\xf4\x90\x80\x80",  // beyond the last character
+                         ::testing::Values("\\\x80",      // continuation byte without a lead byte
+                                           "\\\xe5\xa4",  // truncated sequence
+                                           "\\\xc0\xaf",  // overlong slash
+                                           "\\\xed\xa0\x80",      // lone surrogate
+                                           "\\\xf4\x90\x80\x80",  // above U+10FFFF
                                            "\\caf\xe9"));         // another code page
 
 TEST_F(DirectoryNotUtf8, KeepsTheCamerasOfSdksThatWereLoadedBefore) {
   directory.add("ASICamera2");
   expectFoundIn(directory.utf8());
   expectSystemError("\xff");
-  EXPECT_EQ(libraries(), "ASICamera2") << "the next SDK's load is what failed";
+  EXPECT_EQ(libraries(), "ASICamera2") << "the load of the next SDK failed";
   EXPECT_NE(info(0), "{}");
   EXPECT_EQ(oc.open(0, 64, 48, 1, 0, 1000, 1, 1), 1) << error();
   oc.close();

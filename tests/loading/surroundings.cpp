@@ -1,4 +1,4 @@
-// What surrounds a process and must not decide which SDK is loaded.
+// The current directory and the environment of the process, and its loaded libraries.
 #include "loading/surroundings.hpp"
 
 #include <cstdlib>
@@ -46,7 +46,7 @@ bool isLoaded(const std::filesystem::path& library) {
 #else
   void* const held = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
   if (held != nullptr) {
-    dlclose(held);  // only what this look added
+    dlclose(held);  // only the reference that dlopen() added
   }
   return held != nullptr;
 #endif

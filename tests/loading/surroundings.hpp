@@ -1,5 +1,5 @@
-// What surrounds a process and must not decide which SDK is loaded: its current directory and its
-// environment. What a test changes stays changed until its process ends.
+// The current directory and the environment, which must not decide which SDK is loaded. Changes
+// stay until the process ends.
 #pragma once
 
 #include <filesystem>
@@ -10,17 +10,16 @@ namespace orvane::testing {
 /// Sets an environment variable of this process; an empty value removes it.
 void setEnvironment(const std::string& name, const std::filesystem::path& value);
 
-/// Puts the directory in front of every list of directories in which programs, or libraries, are
-/// searched.
+/// Prepends the directory to every search path for programs or libraries.
 void prependToSearchPaths(const std::filesystem::path& directory);
 
-/// Whether this process holds the library, whoever loaded it.
+/// Whether this process has loaded the library.
 bool isLoaded(const std::filesystem::path& library);
 
 /// The whole content of a file.
 std::string contentOf(const std::filesystem::path& file);
 
-/// A path in the form in which oc_library_dir() takes it.
+/// A path in the form that oc_library_dir() takes.
 std::string utf8Of(const std::filesystem::path& path);
 
 }  // namespace orvane::testing

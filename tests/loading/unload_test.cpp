@@ -16,13 +16,7 @@ namespace {
 
 class Unload : public LibraryTest, public ::testing::WithParamInterface<const char*> {
  protected:
-  static SimCamera camera() {
-    SimCamera shown = smallCamera();
-    if (std::string(GetParam()) == "toupcam") {
-      shown.mosaic = 0x42474752;  // RGGB
-    }
-    return shown;
-  }
+  static SimCamera camera() { return smallCamera(familyNamed(GetParam())); }
 
   static void stream(LibraryUnderTest& library, const SdkDirectory& place) {
     library.library_dir(place.utf8().c_str());
@@ -43,7 +37,8 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
   EXPECT_EQ(sdk.invariants().devicesOpen, 1);
   EXPECT_EQ(sdk.invariants().streamsRunning, 1);
 
-  // The device is as lost as with a program that was ended: here it is plugged in again.
+  // The device stays open in the SDK, as after a crash of a host. The reset stands for plugging it
+  // in again.
   sdk.reset();
   sdk.setCameras({camera()});
   LibraryUnderTest again;
@@ -54,7 +49,7 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
   expectClean(sdk);
 }
 
-TEST_P(Unload, AfterACloseLeavesNothingOpenHoweverOftenItHappens) {
+TEST_P(Unload, AfterACloseRepeatedlyLeavesNothingOpen) {
   const SimulatedSdk sdk = install(GetParam());
   sdk.setCameras({camera()});
   oc.module.unload();
@@ -88,9 +83,9 @@ TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
   }
 }
 
-// What a runtime keeps beyond an unload adds up: on Windows, a slot of thread-local storage each
-// time ends the process at the 1085th.
-TEST(UnloadFresh, CostsTheHostNothingHoweverOftenAndEvenAfterAFailure) {
+// What the runtime leaks at each unload adds up: on Windows, one leaked slot of thread-local
+// storage per unload ends the process at the 1085th.
+TEST(UnloadFresh, RepeatedUnloadsAfterFailuresLeakNothing) {
   const auto useOnce = [] {
     LibraryUnderTest library;
     ASSERT_EQ(library.open(0, 320, 202, 1, 0, 20000, 100, 5), 0);
@@ -107,11 +102,11 @@ TEST(UnloadFresh, CostsTheHostNothingHoweverOftenAndEvenAfterAFailure) {
     useOnce();
   }
   EXPECT_EQ(openHandles(), handlesBefore);
-  // The system's own loader may keep a little.
+  // The system's loader may keep a little memory.
   EXPECT_LT(heapBytes(), bytesBefore + 100 * times);
 }
 
-TEST(UnloadFresh, AfterFailuresInThreadsThatHaveEndedOrNot) {
+TEST(UnloadFresh, AfterFailuresInEndedAndRunningThreads) {
   for (int i = 0; i < 20; ++i) {
     LibraryUnderTest library;
     const auto fail = [&] {
@@ -135,7 +130,7 @@ TEST(UnloadFresh, AfterFailuresInThreadsThatHaveEndedOrNot) {
 }
 
 #ifdef _WIN32
-// Where the exceptions under way are kept is then one place for all threads.
+// Without a slot, all threads share one record of the exceptions in flight.
 TEST(UnloadFresh, InAProcessWithoutAFreeFiberLocalSlot) {
   std::vector<DWORD> slots;
   for (DWORD slot = 0; (slot = FlsAlloc(nullptr)) != FLS_OUT_OF_INDEXES;) {

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Makes the package of a build, unpacks it into a directory with blanks and accents in its name, and
-# builds and runs programs against it that know nothing of the source tree.
+# Makes the package of a build and unpacks it into a directory with blanks and accents in its name.
+# Builds and runs programs that use only the package.
 #   package_test.sh BUILD SCRATCH CMAKE COMPILER TOOLCHAIN-FILE EMULATOR PYTHON
 # With an emulator the package is the one for Windows. The last three may be empty.
 set -euo pipefail
 build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=$5 emulator=$6 python=$7
 export LC_ALL=C.UTF-8
-# What a user of the library may have set must not help.
+# The package must work without the user's settings.
 unset CMAKE_PREFIX_PATH PKG_CONFIG_PATH LD_LIBRARY_PATH
 
 fail() {
@@ -14,8 +14,8 @@ fail() {
   exit 1
 }
 
-# Runs a program of the package's system and writes what it wrote; arguments that are paths are given
-# by windows_path. Through a file: Wine's own processes would hold a pipe open.
+# Runs a program of the package's system and prints its output. Path arguments must come from
+# windows_path. The output goes through a file, because Wine's own processes would keep a pipe open.
 run() {
   local status=0
   ${emulator:+"$emulator"} "$@" >"$scratch/output" 2>&1 || status=$?
@@ -26,7 +26,7 @@ windows_path() {
   if [ -n "$emulator" ]; then printf 'Z:%s' "${1//\//\\}"; else printf '%s' "$1"; fi
 }
 
-# expect_start WHAT TEXT PROGRAM ARGUMENT...: what the program writes begins with this text.
+# expect_start WHAT TEXT PROGRAM ARGUMENT...: the output must begin with this text.
 expect_start() {
   local what=$1 text=$2 output
   shift 2
@@ -110,7 +110,7 @@ version=$(sed -n 's/^Version: //p' "$package/lib/pkgconfig/orvane_desktop_camera
 grep -q "^version = \"$version\"\$" "$package/bindings/python/pyproject.toml" ||
   fail "pyproject.toml states another version than $version"
 mkdir "$away/versions"
-# wants MSVC VERSION: configures a project that wants this version.
+# wants MSVC VERSION: configures a project that requires this version.
 wants() {
   printf '%s\n' "cmake_minimum_required(VERSION 3.16)" "project(versions LANGUAGES C)" \
     "set(MSVC $1)" "find_package(orvane_desktop_camera $2 CONFIG REQUIRED)" \
@@ -138,7 +138,7 @@ expect_start "list" "SDKs: $names" "$package/bin/list$exe" "$sdks"
 
 echo "== the commands of INSTALL.md"
 rm "$package/bin/list$exe"
-# The block for this system, without unpacking.
+# The commands for this system, except the one that unpacks.
 opening=$([ -n "$emulator" ] && echo '^unzip ' || echo '^tar xzf ')
 commands=$(sed -n "/$opening/,/^\`\`\`/p" "$package/INSTALL.md" | grep -v -e "$opening" -e '^cd ' -e '^```')
 [ "$(echo "$commands" | wc -l)" -eq 2 ] || fail "INSTALL.md: commands: $commands"

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "doubles/sdk_directory.hpp"
 #include "program.hpp"
 #include "scratch_directory.hpp"
-#include "doubles/sdk_directory.hpp"
 
 namespace orvane::testing {
 namespace {
@@ -29,7 +29,7 @@ class CSamples : public ::testing::Test {
     return runProgram(start);
   }
 
-  /// The numbers that stand behind this text in each line.
+  /// All numbers that follow this text.
   static std::vector<double> numbersAfter(const std::string& text, const std::string& output) {
     std::vector<double> numbers;
     const std::regex pattern(text + "([-0-9.]+)");

@@ -1,4 +1,4 @@
-// Memory with a forbidden page on each side.
+// Memory between two inaccessible pages.
 #include "support/guarded_memory.hpp"
 
 #include <new>

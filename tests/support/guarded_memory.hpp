@@ -1,4 +1,4 @@
-// Memory with a forbidden page on each side: one byte too far ends the process.
+// Memory between two inaccessible pages: an access one byte out of bounds ends the process.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// Whole pages of memory between two that may not be touched.
+/// Whole pages of memory between two inaccessible ones.
 class GuardedMemory {
  public:
   /// `size` is rounded up to whole pages. Throws std::bad_alloc.
@@ -15,9 +15,9 @@ class GuardedMemory {
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
 
-  /// The first byte; the one before it is forbidden.
+  /// The first byte. The byte before it is inaccessible.
   std::uint8_t* begin() const { return begin_; }
-  /// Behind the last byte; it is forbidden.
+  /// One past the last byte. The byte there is inaccessible.
   std::uint8_t* end() const { return end_; }
 
  private:

@@ -1,4 +1,4 @@
-// What a host sees of an exception that leaves the library and that is not GCC's.
+// Catches exceptions that leave the library and that GCC's runtime did not throw.
 #pragma once
 
 #include <cstdint>
@@ -10,17 +10,17 @@ namespace orvane::testing {
 
 /// An exception that left a body.
 struct LeavingException {
-  /// "int 7", or "object" for any other; "" when none left. On Windows also "moved object" for an
-  /// object of a simulated SDK's that does not lie where it was thrown.
+  /// "int 7" for a thrown 7, "object" for any other type, "" if nothing was thrown. On Windows
+  /// "moved object" if an object of a simulated SDK is not at the address where it was thrown.
   std::string what;
 
-  /// Windows: the structured exception. 0 and empty elsewhere.
+  /// The structured exception on Windows; 0 and empty on Linux.
   std::uint32_t code = 0;
   std::vector<std::uintptr_t> parameters;
 };
 
-/// Runs the body as a host would that a compiler of the makers' built: on Windows structured
-/// exceptions are caught, any of them, and C++ exceptions elsewhere.
+/// Runs the body as a host built with Microsoft's compiler would: on Windows it catches every
+/// structured exception but GCC's, on Linux every C++ exception.
 LeavingException leavingException(const std::function<void()>& body);
 
 }  // namespace orvane::testing

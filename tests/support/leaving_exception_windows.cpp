@@ -1,4 +1,4 @@
-// A handler for structured exceptions, which GCC has no words for.
+// A handler for structured exceptions in assembly: GCC has no syntax for one.
 #include <windows.h>
 
 #include <cstring>
@@ -6,8 +6,8 @@
 #include "core/microsoft_exception.hpp"
 #include "support/leaving_exception.hpp"
 
-// int run_with_handler(void (*function)(void*), void* context): 1 after a structured exception. The
-// context is where the filter finds it.
+// int run_with_handler(void (*function)(void*), void* context): returns 1 after a structured
+// exception. The filter finds `context` in the stack frame.
 asm("  .text\n"
     "  .p2align 4\n"
     "  .seh_proc run_with_handler\n"
@@ -74,7 +74,7 @@ std::string describe(const EXCEPTION_RECORD& record) {
 
 }  // namespace
 
-// While the object is there.
+// Runs in the filter, because the thrown object still exists there.
 extern "C" [[gnu::used]] long filter_any_exception(EXCEPTION_POINTERS* raised, char* frame) {
   constexpr DWORD gccException = 0x20474343;
   const EXCEPTION_RECORD& record = *raised->ExceptionRecord;

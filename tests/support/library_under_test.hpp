@@ -1,7 +1,5 @@
-// The built library, loaded into this process as a host that knows it by name only would.
+// The built library, loaded into this process by a host that looks its functions up by name.
 #pragma once
-
-#include <string>
 
 #include "orvane_desktop_camera.h"
 #include "support/shared_library.hpp"

@@ -1,4 +1,4 @@
-// Reads the table of messages.
+// Parses the message tables of docs/messages.md.
 #include "support/message_table.hpp"
 
 #include <fstream>
@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view headingMark = "## ";
 constexpr std::string_view rowMark = "| `";
 
-// The texts between backquotes, in order.
+// The texts in backquotes, in order.
 std::vector<std::string> quotedTexts(const std::string& cells) {
   std::vector<std::string> texts;
   std::size_t start = cells.find('`');

@@ -1,4 +1,4 @@
-// The table of messages in the documents, as the tests read it.
+// The message tables of docs/messages.md.
 #pragma once
 
 #include <string>
@@ -7,14 +7,14 @@
 
 namespace orvane::testing {
 
-/// A row: a message with its placeholders (<code>, <library>, <function>), and the exports that can
-/// leave it.
+/// A row: a message with its placeholders (<code>, <library>, <function>), and the exports that set
+/// it.
 struct MessageRow {
   std::string text;
   std::vector<std::string> exports;
 };
 
-/// The rows under one heading of docs/messages.md; none where there is no such heading.
+/// The rows under one heading of docs/messages.md; empty if there is no such heading.
 std::vector<MessageRow> messageRows(std::string_view heading);
 
 }  // namespace orvane::testing

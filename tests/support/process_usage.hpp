@@ -1,18 +1,18 @@
-// What this process uses of the machine.
+// Memory and handles of this process.
 #pragma once
 
 #include <cstddef>
 
 namespace orvane::testing {
 
-/// Bytes of memory that the process occupies.
+/// Resident memory of the process in bytes.
 std::size_t residentBytes();
 
-/// Bytes that are allocated on the heap; on Windows, where every library has a heap of its own, the
-/// memory that the process has committed.
+/// Bytes that are allocated on the heap. On Windows every library has a heap of its own, so there
+/// it is the committed memory of the process.
 std::size_t heapBytes();
 
-/// Open files and the like.
+/// Number of open file descriptors or handles.
 std::size_t openHandles();
 
 }  // namespace orvane::testing

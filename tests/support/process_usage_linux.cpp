@@ -1,4 +1,4 @@
-// What this process uses, on Linux.
+// Memory and handles of this process, on Linux.
 #include "support/process_usage.hpp"
 
 #include <malloc.h>

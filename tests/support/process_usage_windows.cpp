@@ -1,4 +1,4 @@
-// What this process uses, on Windows.
+// Memory and handles of this process, on Windows.
 #include "support/process_usage.hpp"
 
 #include <windows.h>
@@ -29,8 +29,8 @@ std::size_t heapBytes() {
 }
 
 std::size_t openHandles() {
-  // One by one: Wine's GetProcessHandleCount() is 0 whatever there is. Handles are multiples of 4,
-  // and free ones are used again.
+  // Tests each value, because Wine's GetProcessHandleCount() always returns 0. Handles are
+  // multiples of 4, and closed ones are reused.
   constexpr std::uintptr_t beyond = 0x10000;
   std::size_t count = 0;
   for (std::uintptr_t value = 4; value < beyond; value += 4) {

@@ -1,4 +1,4 @@
-// Loading a shared library from a test, the same way on both systems.
+// Loads a shared library, with the same interface on both systems.
 #include "support/shared_library.hpp"
 
 #include <stdexcept>

@@ -1,23 +1,23 @@
-// Loading a shared library from a test, the same way on both systems.
+// Loads a shared library, with the same interface on both systems.
 #pragma once
 
 #include <filesystem>
 
 namespace orvane::testing {
 
-/// A library loaded by full path; it stays loaded until unload() is called or the process ends.
+/// A library loaded by full path. It stays loaded until unload() or the end of the process.
 class SharedLibrary {
  public:
-  /// Throws std::runtime_error where the file cannot be loaded.
+  /// Throws std::runtime_error if the file cannot be loaded.
   explicit SharedLibrary(const std::filesystem::path& file);
 
-  /// The function of this name as a pointer of the given type; throws where it is missing.
+  /// The function of this name as a pointer of the given type. Throws if it is missing.
   template <class Function>
   Function* function(const char* name) const {
     return reinterpret_cast<Function*>(address(name));
   }
 
-  /// Gives back this object's hold on the library.
+  /// Releases this reference to the library.
   void unload();
 
  private:

@@ -1,4 +1,4 @@
-// Compiled for its precompiled headers only, which all test programs use.
+// Compiled only for its precompiled header, which all test programs use.
 int main() {
   return 0;
 }

@@ -1,4 +1,4 @@
-// Calling the library and holding the outcome against the contract.
+// Calls the library and compares the outcome with the contract.
 #include "torture/checked_library.hpp"
 
 #include <cstring>
@@ -8,7 +8,7 @@ namespace orvane::testing {
 
 namespace {
 
-// Results as text, in which a NaN equals itself.
+// Results as text, so that NaN compares equal to itself.
 std::string shown(int number) {
   return std::to_string(number);
 }
@@ -57,8 +57,9 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
       surroundings_.leave ? surroundings_.leave() : std::nullopt;
   const std::vector<Event> events = surroundings_.takeEvents();
 
-  // Where an allocation failed, it is known between which events, but not for what purpose: one of
-  // the contract's places there must explain everything that followed.
+  // The test knows between which events an allocation failed, but not which allocation it was. It
+  // tries the places where the contract allows one there; one of them must explain all that
+  // followed.
   const Contract before = contract_;
   std::string differences;
   for (int place = 0;; ++place) {

@@ -1,4 +1,4 @@
-// The library, with every call held against the contract.
+// The library, with every call compared with the contract.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 
 namespace orvane::testing {
 
-/// The functions under test, linked or loaded.
+/// The functions under test, linked or loaded at run time.
 struct Exports {
   decltype(::oc_library_dir)* library_dir;
   decltype(::oc_scan)* scan;
@@ -31,22 +31,22 @@ struct Exports {
   decltype(::oc_error)* error;
 };
 
-/// What a checked library needs to know of its surroundings.
+/// How a checked library observes what a call does to its surroundings.
 struct Surroundings {
-  /// Hands out what happened since the last time. Throws a Violation where that cannot be told.
+  /// Returns the events since the last call. Throws a Violation if they are inconsistent.
   std::function<std::vector<Event>()> takeEvents;
-  /// Called right before and right after each function; the second tells after which event an
-  /// allocation failed meanwhile. Both may be empty.
+  /// Called directly before and after each function. `leave` returns the number of events before a
+  /// failed allocation, if one failed. Both may be empty.
   std::function<void()> enter;
   std::function<std::optional<std::size_t>()> leave;
 };
 
-/// Calls the functions one by one. After each, what it returned, what it asked of the SDKs and what
-/// the library now remembers must be what the contract says; a Violation is thrown otherwise. The
-/// results are handed on; where std::bad_alloc left the function, and had to, the result is empty.
+/// Calls the functions. After each call the result, the calls into the SDKs and the library's state
+/// must match the contract; otherwise it throws a Violation. Returns the result, or an empty one if
+/// std::bad_alloc left the function as the contract requires.
 class CheckedLibrary {
  public:
-  /// `contract` is at the point where the library is.
+  /// `contract` must be in the same state as the library.
   CheckedLibrary(const Exports& exports, Contract contract, Surroundings surroundings)
       : oc_(exports), surroundings_(std::move(surroundings)), contract_(std::move(contract)) {}
 
@@ -59,7 +59,7 @@ class CheckedLibrary {
   std::optional<double> temperature();
   void close();
 
-  /// What the library must remember by now, and does.
+  /// The state that the contract requires, which the library matches.
   const Contract& contract() const { return contract_; }
 
  private:

@@ -9,7 +9,7 @@
 
 namespace orvane::testing {
 
-// Each stands at the end of contract_<family>.cpp.
+// Each is defined at the end of contract_<family>.cpp.
 extern const FamilyContract asiContract;
 extern const FamilyContract playerOneContract;
 extern const FamilyContract qhyContract;
@@ -17,11 +17,11 @@ extern const FamilyContract toupTekContract;
 
 namespace {
 
-// In the order in which the SDKs are scanned.
+// In scan order.
 constexpr const FamilyContract* families[sdkCount] = {&asiContract, &playerOneContract,
                                                       &qhyContract, &toupTekContract};
 
-// What the library itself refuses; there may be no memory for its words.
+// A failure that the library itself reports. The allocation of its message may fail, too.
 [[noreturn]] void refuse(Transcript& did, const char* message) {
   did.allocate();
   throw std::runtime_error(message);

@@ -1,7 +1,6 @@
-// The contract of the thirteen functions, as a small program of its own: given what the SDKs
-// answered, it says which calls had to be made, what each function had to return, and what the
-// library remembers afterwards. It shares no code with the library, so that a mistake there is not
-// repeated here.
+// A model of the thirteen functions. Given the answers of the SDKs, it says which calls the library
+// must make, what each function must return, and what state the library then has. It shares no code
+// with the library, so a mistake there is not repeated here.
 #pragma once
 
 #include <array>
@@ -14,8 +13,8 @@
 
 namespace orvane::testing {
 
-/// The cameras that each simulated SDK can show, by the SDK's place in the scan. Names, and ids or
-/// keys, differ within an SDK.
+/// The cameras that each simulated SDK can show, by the SDK's place in the scan. Within an SDK the
+/// names are unique, and so are the ids or keys.
 using World = std::array<std::vector<SimCamera>, sdkCount>;
 
 /// The arguments of oc_open().
@@ -32,12 +31,12 @@ struct OpenArguments {
 
 class Contract {
  public:
-  /// `isInitialised`: the SDK that is initialised once in a process has been.
+  /// `isInitialised`: QHYCCD's SDK was already initialised in this process.
   explicit Contract(World world, bool isInitialised = false)
       : world_(std::move(world)), isInitialised_(isInitialised) {}
 
-  // What the functions must return. Where std::bad_alloc leaves one of these, it must have left the
-  // function, too.
+  // The result that each function must return. If one of these throws std::bad_alloc, the function
+  // must have thrown it, too.
   static void libraryDir(Transcript& did) { did.allocate(); }
   int scan(Transcript& did);
   std::string info(int index, Transcript& did) const;
@@ -47,19 +46,19 @@ class Contract {
   double temperature(Transcript& did) const;
   void close(Transcript& did);
 
-  // What the others must return.
+  // The results of the other functions.
   const std::string& error() const { return error_; }
   const std::string& libraries() const { return libraries_; }
   int width() const { return active_.width; }
   int height() const { return active_.height; }
   int bufferSize() const { return active_.bufferSize; }
 
-  // For the choice of what to do next.
+  // The model's state, from which a test chooses its next step.
   bool isOpen() const { return active_.openIndex >= 0; }
-  std::size_t family() const { return active_.camera.family; }  ///< of the open camera
+  std::size_t family() const { return active_.camera.family; }  ///< family of the open camera
   bool isLoaded(std::size_t family) const { return isLoaded_[family]; }
   std::size_t cameraCount() const { return catalogue_.size(); }
-  /// Size, bins and formats of a camera of the catalogue.
+  /// Size, bins and formats of a camera in the catalogue.
   int maxWidth(std::size_t index) const { return catalogue_[index].maxWidth; }
   int maxHeight(std::size_t index) const { return catalogue_[index].maxHeight; }
   const std::vector<int>& bins(std::size_t index) const { return catalogue_[index].bins; }

@@ -7,14 +7,14 @@ namespace orvane::testing {
 
 namespace {
 
-// The SDK's own numbers.
+// The SDK's constants.
 constexpr int imgEnd = -1;
 enum Control : int { gainControl = 0, exposureControl = 1, offsetControl = 5 };
 constexpr const char* temperatureControl = "8";
 constexpr const char* notAutomatic = "0";
 constexpr std::int64_t timeOut = 11;
 
-// The SDK numbers raw 16 bit and RGB the other way round.
+// The SDK swaps the numbers of RAW16 and RGB24.
 int swappedFormat(int format) {
   return format == hostRaw16 ? hostRgb24 : format == hostRgb24 ? hostRaw16 : format;
 }

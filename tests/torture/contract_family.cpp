@@ -1,4 +1,4 @@
-// What the families' contracts share.
+// Shared by the families' contracts.
 #include "torture/contract_family.hpp"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// What the contract has to know of a camera family: one row each, at the end of
-// contract_<family>.cpp. Nothing here comes from the library.
+// What the contract knows about a camera family: one row each, at the end of contract_<family>.cpp.
+// Nothing here comes from the library.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@
 
 namespace orvane::testing {
 
-/// The formats as hosts name them.
+/// The formats in the numbering of the library.
 enum HostFormat : int { hostRaw8 = 0, hostRaw16 = 1, hostRgb24 = 2 };
 
-/// The Bayer patterns as hosts name them.
+/// The Bayer patterns in the numbering of the library.
 enum HostBayer : int {
   hostNoBayer = 0,
   hostRggb = 8,
@@ -28,7 +28,8 @@ enum HostBayer : int {
 /// A camera of the catalogue.
 struct ContractCamera {
   std::size_t family = 0;
-  std::string id;  ///< as the log writes what names the camera in calls: a number or quoted text
+  /// Names the camera in calls: a number or quoted text, as the log writes it.
+  std::string id;
   std::string name;
   int maxWidth = 0;
   int maxHeight = 0;
@@ -46,7 +47,7 @@ struct ContractCamera {
   int bayer = hostNoBayer;
 };
 
-/// The open camera, or the last one.
+/// The open camera, or the last one that was open.
 struct ContractActive {
   int openIndex = -1;
   bool isStreaming = false;
@@ -55,12 +56,12 @@ struct ContractActive {
   int height = 0;
   int format = hostRaw8;
   int bufferSize = 0;
-  std::string device;  ///< as the log writes it: the id, or the handle
+  std::string device;  ///< the id or the handle, as the log writes it
 
   std::string widthText() const { return std::to_string(width); }
   std::string heightText() const { return std::to_string(height); }
   int bits() const { return format == hostRaw16 ? 16 : 8; }
-  /// Takes over the size that a call has reported.
+  /// Stores the size that a call has reported.
   void takeSizeFrom(const SdkCall& size) {
     width = static_cast<int>(size.number(0, width));
     height = static_cast<int>(size.number(1, height));
@@ -69,32 +70,33 @@ struct ContractActive {
 
 struct FamilyContract;
 
-/// The calls into one SDK, demanded in turn.
+/// The calls into one SDK that the contract requires, in order.
 class SdkCalls {
  public:
   using Inputs = std::initializer_list<std::string>;
 
   SdkCalls(const FamilyContract& family, Transcript& did) : family_(family), did_(did) {}
 
-  /// A call of this function with these inputs, whatever its result.
+  /// Requires a call of this function with these inputs; accepts any result.
   const SdkCall& ask(const std::string& function, Inputs inputs);
-  /// The same where the library may allocate before the call.
+  /// The same, but the library may allocate before the call.
   const SdkCall& askFreely(const std::string& function, Inputs inputs);
-  /// The same where a failed result ends what was being done, under the function's name or a label.
+  /// The same, but throws if the call failed. The message begins with the function's name or the
+  /// label.
   const SdkCall& demand(const std::string& function, Inputs inputs) {
     return demandAs(function, function, inputs);
   }
   const SdkCall& demandAs(const std::string& label, const std::string& function, Inputs inputs);
 
   bool hasFailed(const SdkCall& call) const;
-  /// Throws where the call has failed.
+  /// Throws if the call has failed.
   const SdkCall& checked(const SdkCall& call, const std::string& label) const;
 
-  /// What the library itself refuses; there may be no memory for its words.
+  /// A failure that the library itself reports. The allocation of its message may fail, too.
   [[noreturn]] void refuse(const char* message);
   void allocate() { did_.allocate(); }
 
-  /// Runs the body and closes the device, also where the body throws.
+  /// Runs the body and closes the device, even if the body throws.
   template <class Body>
   void closingAfterwards(const std::string& device, Body body) {
     try {
@@ -115,18 +117,18 @@ class SdkCalls {
 /// The discovery of an SDK's cameras.
 struct Discovery {
   const std::vector<SimCamera>& models;  ///< the cameras that the simulated SDK can show
-  bool& isInitialised;                   ///< of an SDK that is initialised once in a process
+  bool& isInitialised;                   ///< for an SDK that is initialised once per process
   std::vector<ContractCamera>& catalogue;
   std::size_t family;
 
-  /// The camera of this name, with everything that the SDKs report as the simulator was told.
+  /// The camera of this name, with the values that were given to the simulator.
   ContractCamera cameraNamed(const std::string& name) const;
   const SimCamera& modelNamed(const std::string& name) const;
-  /// Lists a camera.
+  /// Adds a camera to the catalogue.
   void add(SdkCalls& calls, const ContractCamera& camera) const;
 };
 
-/// One family. Every function throws where the library has to report a failure.
+/// One family. Every function throws if the library must report a failure.
 struct FamilyContract {
   const SdkFamily& sdk;
   const char* stopCall;
@@ -135,7 +137,7 @@ struct FamilyContract {
   int heightStep;
 
   void (*discover)(SdkCalls& calls, const Discovery& discovery);
-  /// Returns the frame memory that the SDK asks for; 0 where it asks for none.
+  /// Returns the frame memory that the SDK reports; 0 if it reports none.
   std::int64_t (*configure)(SdkCalls& calls, ContractActive& active, int bin);
   void (*start)(SdkCalls& calls, const std::string& device);
   /// Returns whether there was a frame.
@@ -146,7 +148,7 @@ struct FamilyContract {
   double (*temperature)(SdkCalls& calls, const std::string& device);
 };
 
-/// Failures in here cost what is in here, and nobody hears of them.
+/// Ends the body at a failure and ignores the failure.
 template <class Body>
 void swallowing(Body body) {
   try {
@@ -155,7 +157,7 @@ void swallowing(Body body) {
   }
 }
 
-/// Any code but 0 is a failure.
+/// For SDKs where every code but 0 is a failure.
 constexpr bool isNotZero(std::int64_t code) {
   return code != 0;
 }
@@ -163,7 +165,7 @@ constexpr bool isNotZero(std::int64_t code) {
 /// The text of a simulated camera's field.
 std::string textOf(const char (&field)[256]);
 
-/// The numbers before `end`, `most` at most.
+/// The numbers before `end`, at most `most` of them.
 template <std::size_t size>
 std::vector<int> listOf(const std::int32_t (&numbers)[size], int end, std::size_t most) {
   std::vector<int> list;
@@ -173,7 +175,7 @@ std::vector<int> listOf(const std::int32_t (&numbers)[size], int end, std::size_
   return list;
 }
 
-/// The Bayer pattern of the SDKs that number them RGGB, BGGR, GRBG, GBRG.
+/// The Bayer pattern in the numbering of SDKs that use the order RGGB, BGGR, GRBG, GBRG.
 int bayerOfNumber(int number);
 
 }  // namespace orvane::testing

@@ -5,7 +5,7 @@ namespace orvane::testing {
 
 namespace {
 
-// The SDK's own numbers.
+// The SDK's constants.
 constexpr int formatEnd = -1;
 constexpr const char* exposureConfig = "0";
 constexpr const char* gainConfig = "1";
@@ -21,7 +21,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
         calls.askFreely("POAGetCameraProperties", {logged(i)}), "POAGetCameraProperties");
     const SimCamera& model = discovery.modelNamed(properties.texts.at(0));
     ContractCamera camera = discovery.cameraNamed(properties.texts.at(0));
-    camera.isUsb3Camera = camera.isUsb3Host;  // the one flag that this SDK has
+    camera.isUsb3Camera = camera.isUsb3Host;  // this SDK has only one flag
     camera.bayer = camera.isColor ? bayerOfNumber(model.mosaic) : hostNoBayer;
     camera.bins = listOf(model.bins, 0, 8);
     camera.formats = listOf(model.formats, formatEnd, 8);

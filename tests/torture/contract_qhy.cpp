@@ -7,7 +7,7 @@ namespace orvane::testing {
 
 namespace {
 
-// The SDK's own numbers.
+// The SDK's constants.
 enum Control : int {
   gainControl = 6,
   offsetControl = 7,
@@ -15,7 +15,7 @@ enum Control : int {
   temperatureControl = 14,
   coolerControl = 18,
   colorControl = 20,
-  binControls = 20,  // and the factor: 22 is binning by 2
+  binControls = 20,  // plus the factor: 22 is binning by 2
   raw16Control = 35,
 };
 constexpr const char* liveMode = "1";

@@ -8,7 +8,7 @@ namespace orvane::testing {
 
 namespace {
 
-// The SDK's own numbers.
+// The SDK's constants.
 constexpr std::int64_t mostDevices = 128;
 constexpr const char* rawOption = "4";
 constexpr const char* bitDepthOption = "6";
@@ -20,7 +20,7 @@ bool isNegative(std::int64_t code) {
   return code < 0;
 }
 
-// The four letters of the pattern, the first one in the lowest byte.
+// The four letters of the Bayer pattern, the first in the lowest byte.
 int bayerOfLetters(std::int64_t letters) {
   return letters == 0x42474752   ? hostRggb
          : letters == 0x52474742 ? hostBggr
@@ -30,7 +30,7 @@ int bayerOfLetters(std::int64_t letters) {
 }
 
 void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera) {
-  // The one result that is a value: a failure, being negative, is taken for a depth below 9.
+  // The only result that is a value, so a failure code is taken as a negative depth: below 9 bits.
   camera.bitDepth = static_cast<int>(calls.ask("Toupcam_get_MaxBitDepth", {handle}).code());
   if (camera.bitDepth > 8) {
     camera.formats.push_back(hostRaw16);
@@ -58,7 +58,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
   const SdkCall& enumeration = calls.ask("Toupcam_EnumV2", {"buffer"});
   const std::vector<std::string> names = enumeration.texts;
   const auto count = static_cast<std::size_t>(std::min(enumeration.code(), mostDevices));
-  // Entries that the SDK did not fill have no model, and are passed over.
+  // The contract skips entries without a model, which the SDK did not fill.
   for (std::size_t i = 0; i < std::min(count, names.size()); ++i) {
     const SimCamera& model = discovery.modelNamed(names[i]);
     ContractCamera camera = discovery.cameraNamed(names[i]);

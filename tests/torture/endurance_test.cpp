@@ -1,6 +1,6 @@
-// Endurance: many sessions and many reads, without growing and without slowing down. The usual
-// length is short; ORVANE_SOAK_CYCLES and ORVANE_SOAK_READS set another, and ORVANE_SOAK_RATIO, in
-// percent, the most that the last tenth may take of the first one's time.
+// Endurance: many sessions and many reads must not use more and more memory or time. The default is
+// short. ORVANE_SOAK_CYCLES and ORVANE_SOAK_READS set other lengths. ORVANE_SOAK_RATIO sets, in
+// percent, how long the last tenth may take compared with the first.
 #include <algorithm>
 #include <chrono>
 #include <iostream>
@@ -48,8 +48,8 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<SdkFa
 
   int bytesPerPixel() const { return family_.richFormat == 2 ? 3 : 2; }
 
-  // Runs the body so many times and holds what the process uses against what it used after a first
-  // part, in which everything that is made once has been made.
+  // Runs the body `times` times and compares the usage of the process with that after a warm-up,
+  // which covers everything that is allocated only once.
   template <class Body>
   void endure(const char* what, long times, long handleBytes, Body body) {
     ASSERT_GE(times, 20);
@@ -78,7 +78,7 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<SdkFa
               << std::flush;
 
     EXPECT_EQ(after.handles, before.handles);
-    // A simulated SDK never forgets a handle, so that a closed one stays recognisable.
+    // A simulated SDK keeps every handle, to detect calls on closed ones.
     constexpr long slack = 64L * 1024;
     EXPECT_LE(heap, slack * heapUnit + handleBytes * times);
     EXPECT_LE(grown(before.resident, after.resident), 8L * 1024 * 1024);
@@ -88,7 +88,7 @@ class Endurance : public LibraryTest, public ::testing::WithParamInterface<SdkFa
   }
 
 #ifdef _WIN32
-  static constexpr long heapUnit = 32;  // the heap grows by larger pieces
+  static constexpr long heapUnit = 32;  // the heap grows in larger steps
 #else
   static constexpr long heapUnit = 1;
 #endif

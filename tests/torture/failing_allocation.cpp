@@ -1,4 +1,4 @@
-// The program's operator new: counting, and failing on demand.
+// The program's operator new: it counts, and fails on request.
 #include "torture/failing_allocation.hpp"
 
 #include <cstddef>
@@ -13,7 +13,7 @@ long failingOne = 0;
 void (*failureHook)() = nullptr;
 long blocks = 0;
 
-// Stands before every block and says whose it is.
+// A header before every block. It says who allocated the block.
 struct alignas(alignof(std::max_align_t)) Owner {
   bool isLibrary;
 };

@@ -1,30 +1,27 @@
-// Memory that runs out on demand. This program's operator new serves the library's logic, which is
-// linked into it, and the tests, but none of the SDKs.
+// Allocations that fail on request. This program's operator new serves the library's logic, which
+// is linked into it, and the tests, but not the SDKs.
 #pragma once
-
-#include <cstddef>
-#include <optional>
 
 namespace orvane::testing {
 
-/// The library is at work from here to the scope's end: allocations are counted and may fail.
+/// Between these two calls the library runs: allocations are counted and may fail.
 void enterLibrary();
 void leaveLibrary();
 
-/// Begins to count the library's allocations anew. The `failing`th of them (1 is the first) throws
+/// Restarts the count of allocations by the library. The `failing`th one (from 1) throws
 /// std::bad_alloc; 0 lets all succeed.
 void countAllocations(long failing);
 
-/// The library's allocations since then.
+/// The number of allocations by the library since then.
 long allocationCount();
 
-/// Whether the failing allocation has been reached.
+/// Whether the allocation that was to fail has failed.
 bool hasAllocationFailed();
 
-/// What is done right before the failing allocation throws.
+/// Sets a function to call directly before the failing allocation throws.
 void whenAllocationFails(void (*hook)());
 
-/// Blocks of memory that the library has taken and nobody has given back.
+/// The number of blocks that the library has allocated and not freed.
 long libraryBlocks();
 
 }  // namespace orvane::testing

@@ -1,7 +1,7 @@
-// Sessions that no host would think of: random calls with random arguments to the library with all
-// SDKs beside it, while cameras are plugged out and in, calls of the SDKs fail, and
-// directories come and go. Every step is held against the contract. ORVANE_RANDOM_STEPS and
-// ORVANE_RANDOM_SEED choose another length and other sessions; a failure tells its seed.
+// Random calls with random arguments to the library with all SDKs, while cameras are unplugged and
+// plugged in, calls of the SDKs fail, and SDK directories change. Every step is compared with the
+// contract. ORVANE_RANDOM_STEPS and ORVANE_RANDOM_SEED choose another length and other sessions. A
+// failure prints its seed.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -22,15 +22,15 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__)
 constexpr long usualSteps = 5000;
 #elif defined(_WIN32)
-constexpr long usualSteps = 4000;  // through Wine
+constexpr long usualSteps = 4000;  // slower, through Wine
 #else
 constexpr long usualSteps = 25000;
 #endif
 
 constexpr int bareNames = -1;  // no directory
 
-// Whether a bare name finds a library that the process has loaded from somewhere. Windows need not
-// say so, so that nothing is scanned there without a directory.
+// Whether a name without a directory finds a library that the process has loaded from another path.
+// On Windows this is not guaranteed, so the test never scans without a directory there.
 #ifdef _WIN32
 constexpr bool bareNamesAreFound = false;
 #else
@@ -40,7 +40,7 @@ constexpr bool bareNamesAreFound = true;
 class RandomSessions : public ::testing::TestWithParam<int> {
  protected:
   RandomSessions() {
-    // Each SDK has one place only; a host that names the other directory does not find it.
+    // Each SDK is in only one of two directories. A scan of the other one does not find it.
     for (std::size_t family = 0; family < sdkCount; ++family) {
       const SdkDirectory& directory = family % 2 == 0 ? even_ : odd_;
       directory.add(sdkNames[family]);
@@ -51,7 +51,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     directories_ = {even_.utf8(), odd_.utf8(), even_.utf8() + "/nowhere"};
   }
 
-  // Three cameras: one that can do everything, a plain one, and one of odd sizes.
+  // Three cameras: one with every feature, a plain one, and one of unusual sizes.
   std::vector<SimCamera> camerasOf(std::size_t family) const {
     const auto named = [&](SimCamera camera, const char* kind, int id) {
       setText(camera.name, std::string(kind) + " of " + sdkNames[family]);
@@ -77,7 +77,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     return {named(rich, "rich", 12), named(plain, "plain", 3), named(odd, "odd", 40)};
   }
 
-  // Loads the library as a new process would.
+  // Loads the library as in a new process.
   void load() {
     if (loaded_) {
       loaded_->module.unload();
@@ -96,8 +96,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     }
   }
 
-  // The SDKs' logs, in the order in which the calls were made: an open closes the camera that is
-  // open first, whosever it is; all else goes in the SDKs' order.
+  // Returns the SDKs' calls in the order in which they were made. An open first closes the camera
+  // that is open, in whatever SDK; everything else is in the order of the SDKs.
   std::vector<Event> takeEvents() {
     std::array<std::size_t, sdkCount> order;
     std::iota(order.begin(), order.end(), 0);
@@ -123,7 +123,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     return events;
   }
 
-  // A number from `least` to `most`.
+  // A random number from `least` to `most`.
   long pick(long least, long most) {
     const auto range = static_cast<std::uint64_t>(most - least + 1);
     return least + static_cast<long>(random_() % range);
@@ -148,7 +148,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     return oneIn(30) ? pickOf(odd) : static_cast<int>(pick(0, 20));
   }
 
-  // Mostly even, because one of the SDKs takes no odd sizes.
+  // Mostly even, because one of the SDKs refuses odd sizes.
   int evenly(long size) { return static_cast<int>(oneIn(5) ? size : size / 2 * 2); }
 
   void open() {
@@ -199,7 +199,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     }
   }
 
-  // Lets a call fail some calls from now, for once or for some time.
+  // Forces a coming call to fail, one or more times.
   void force() {
     const auto family = static_cast<std::size_t>(pick(0, sdkCount - 1));
     const std::string function = pickOf(functionsOf(sdkNames[family]));
@@ -212,7 +212,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     ++counts_["faults"];
   }
 
-  // Lets the next scan fail for several SDKs, each in the middle of its cameras.
+  // Makes the discovery of several SDKs fail in the next scan, each at one of its cameras.
   void failDiscoveries() {
     for (std::size_t family = 0; family < sdkCount; ++family) {
       if (oneIn(2)) {
@@ -223,7 +223,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     }
   }
 
-  // Takes all faults back; a camera that a forced failure has kept open is plugged in anew.
+  // Removes all faults. Plugs the cameras in again that a forced failure has kept open.
   void repair() {
     for (std::size_t family = 0; family < sdkCount; ++family) {
       sdks_[family].clear_faults();
@@ -255,7 +255,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
 
   void step() {
     const Contract& contract = library_->contract();
-    // A closed library has little to say: it is opened soon, or something around it changes.
+    // Without an open camera most calls do little, so this mostly opens one or changes the
+    // surroundings.
     const bool opens = !contract.isOpen() && contract.cameraCount() > 0 && oneIn(2);
     const long kind = opens ? 700 : contract.isOpen() || oneIn(3) ? pick(1, 1000) : pick(751, 1000);
     if (kind <= 520) {
@@ -324,7 +325,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
   std::vector<SimulatedSdk> sdks_;
   std::optional<LibraryUnderTest> loaded_;
   std::optional<CheckedLibrary> library_;
-  int directory_ = bareNames;  // or 0 for the even SDKs', 1 for the others', 2 for nowhere
+  int directory_ = bareNames;  // 0: of the even SDKs, 1: of the odd ones, 2: does not exist
   bool isScanning_ = false;
   bool mayHaveLeftOpen_ = false;
   std::vector<std::uint8_t> buffer_;
@@ -355,7 +356,7 @@ TEST_P(RandomSessions, KeepTheContract) {
   }
   std::cout << "|messages " << messages_.size() << "\n" << std::flush;
   RecordProperty("steps", static_cast<int>(steps));
-  // Enough of everything, so that the steps were no idle ones.
+  // Every kind of step must occur often enough.
   for (const char* what : {"opened", "not opened", "scans", "scans refused", "applied",
                            "not applied", "temperatures", "faults"}) {
     EXPECT_GE(counts_[what], steps / 200) << what;

@@ -1,4 +1,4 @@
-// How long a test runs, where its user may choose.
+// The length of a test, which its user may choose.
 #include "torture/run_length.hpp"
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Taking apart the log of a simulated SDK.
+// Parses the log of a simulated SDK.
 #include "torture/sdk_call.hpp"
 
 #include <array>

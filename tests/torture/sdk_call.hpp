@@ -1,4 +1,4 @@
-// One call into a simulated SDK, as its log tells it.
+// One call into a simulated SDK, parsed from its log.
 #pragma once
 
 #include <cstdint>
@@ -8,29 +8,29 @@
 
 namespace orvane::testing {
 
-/// A line of the log, taken apart.
+/// A parsed line of the log.
 struct SdkCall {
   std::string function;
-  std::string inputs;              ///< as they stand in the log, ", " between them
+  std::string inputs;              ///< as in the log, separated by ", "
   std::vector<std::string> texts;  ///< the outputs in quotation marks
-  std::vector<double> numbers;     ///< all other outputs
+  std::vector<double> numbers;     ///< the numeric outputs
   std::string result;              ///< empty for a function without one
 
-  /// The result as a whole number.
+  /// The result as an integer.
   std::int64_t code() const;
-  /// The result as a real number.
+  /// The result as a floating-point number.
   double real() const;
-  /// Output number `position`, or `otherwise` for a call that wrote none.
+  /// Output number `position`, or `otherwise` if the call wrote none.
   double number(std::size_t position, double otherwise = 0) const;
 };
 
-/// Every call of a log, in order. Throws std::runtime_error for a line that is none.
+/// All calls in a log, in order. Throws std::runtime_error if a line is not a call.
 std::vector<SdkCall> parseLog(std::string_view log);
 
-/// Numbers as the log writes them.
+/// A number in the form of the log.
 std::string logged(std::int64_t number);
 std::string logged(double number);
-/// Text as the log writes it.
+/// Text in the form of the log.
 std::string quoted(const std::string& text);
 
 }  // namespace orvane::testing

@@ -1,4 +1,4 @@
-// A failure that has to be reported when there is no memory left for its message.
+// A failure whose message cannot be allocated.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,7 +17,7 @@ void keepWithoutMemory(const std::string& message) {
   leaveLibrary();
 }
 
-TEST(ShortMemory, OrdinaryMessageNeedsNone) {
+TEST(ShortMemory, OrdinaryMessageNeedsNoAllocation) {
   const std::string message(511, 'x');
   keepWithoutMemory(message);
   EXPECT_FALSE(hasAllocationFailed());
@@ -25,7 +25,7 @@ TEST(ShortMemory, OrdinaryMessageNeedsNone) {
   countAllocations(0);
 }
 
-TEST(ShortMemory, LongerMessageIsCutToTheRoomThatIsKept) {
+TEST(ShortMemory, LongerMessageIsTruncatedToTheReservedCapacity) {
   state.lastError = "the one before";
   const std::size_t room = state.lastError.capacity();
   ASSERT_GE(room, 511U);

@@ -1,8 +1,7 @@
-// Everything that can fail, failing in turn: in a full session with one camera, each call into the
-// SDK once with each of the maker's codes, each function once missing, each look-up once failing,
-// each allocation once out of memory, the camera once unplugged before each call. Every run must
-// keep the contract, leave nothing open, lose no memory, and be followed by a session in which all
-// is well.
+// A full session with one camera, run once for each possible fault: each call into the SDK fails
+// with each of the maker's codes, each function is missing, each look-up fails, each allocation
+// fails, and the camera is unplugged before each call. Every run must keep the contract, leave
+// nothing open and leak no memory. A normal session must work afterwards.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,32 +29,32 @@ constexpr Exports linked{::oc_library_dir, ::oc_scan,   ::oc_libraries,   ::oc_i
                          ::oc_temperature, ::oc_close,  ::oc_error};
 
 #if defined(_WIN32) || defined(__SANITIZE_ADDRESS__)
-constexpr bool isThorough = false;  // every run takes longer here
+constexpr bool isThorough = false;  // runs take longer here
 #else
 constexpr bool isThorough = true;
 #endif
 
 constexpr int readsInSession = 5;
 constexpr int exposureUs = 20000;
-constexpr int framePeriodUs = 1000000;  // beyond any camera's
+constexpr int framePeriodUs = 1000000;  // longer than a frame of any camera
 
-// One thing that goes wrong in a session.
+// One fault in a session.
 struct Fault {
   enum class Kind {
     None,
-    Result,       // a call does nothing but return a code
-    EveryResult,  // and so do all that follow
-    Remark,       // a call succeeds with a code that says more than that
-    Missing,      // a function, all the time
+    Result,       // one call does nothing and returns a code
+    EveryResult,  // the same for it and all later calls
+    Remark,       // one call succeeds with a code other than 0
+    Missing,      // a function, permanently
     MissingOnce,  // one look-up
     Allocation,
     Unplugged,
   };
 
   Kind kind = Kind::None;
-  std::string function;     // whose call or look-up
-  int nth = 0;              // which of its calls; which of all look-ups or allocations
-  std::int64_t result = 0;  // of the call
+  std::string function;     // the function that is called or looked up
+  int nth = 0;              // counts its calls, or all look-ups or allocations
+  std::int64_t result = 0;  // result of the call
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
@@ -66,13 +65,13 @@ std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
                 << ", number " << fault.nth << ", code " << fault.result;
 }
 
-// A call of the undisturbed session.
+// A call of the session without faults.
 struct RecordedCall {
   std::string function;
-  int nth;  // among the calls of this function
+  int nth;  // counts the calls of this function
 };
 
-// What a session came to; empty where std::bad_alloc left a function.
+// The results of a session; empty where std::bad_alloc left a function.
 struct Outcome {
   std::optional<int> scanned;
   std::optional<int> opened;
@@ -82,10 +81,11 @@ struct Outcome {
   std::optional<int> rescanned;
 };
 
-// How much had passed the platform layer when the allocation failed.
+// The number of platform events before the allocation that failed.
 std::size_t passedBeforeFailure = 0;
 
-// Assigning a new state would let its strings keep their memory.
+// Destroys and constructs the state, because after an assignment its strings would keep their
+// memory.
 void forgetEverything() {
   std::destroy_at(&state);
   std::construct_at(&state);
@@ -117,7 +117,7 @@ class TortureTest : public ::testing::Test {
     whenAllocationFails([] { passedBeforeFailure = scripted::platform().passed.size(); });
   }
 
-  // Records the calls of a session in which nothing goes wrong.
+  // Records the calls of a session without faults.
   void recordSession() {
     startAnew();
     try {
@@ -129,7 +129,7 @@ class TortureTest : public ::testing::Test {
       leaveLibrary();
       FAIL() << violation.text;
     }
-    // Only now the SDK is in the state in which all further sessions find it.
+    // Starts again, so that the SDK is in the same state as before every later session.
     startAnew();
     CheckedLibrary library = checkedLibrary();
     countAllocations(0);
@@ -145,8 +145,7 @@ class TortureTest : public ::testing::Test {
     EXPECT_GE(allocations_, 15);
   }
 
-  // One run: the disturbed session, then one in which everything works again. Returns whether all
-  // was as it must be.
+  // One run: a session with the fault, then one without. Returns whether both were as expected.
   bool run(const Fault& fault) {
     startAnew();
     inject(fault);
@@ -173,7 +172,7 @@ class TortureTest : public ::testing::Test {
     return !HasFailure();
   }
 
-  // Prints and records what a test case came to. Returns the number of runs.
+  // Prints and records the figures of a test case. Returns the number of runs.
   int report(const char* kind) {
     RecordProperty("runs", runs_);
     RecordProperty("runs_without_camera", failedScans_);
@@ -185,8 +184,8 @@ class TortureTest : public ::testing::Test {
     return runs_;
   }
 
-  // Everything as in a new process, but for the initialisation of QHYCCD's SDK: the library does
-  // that in its first scan and never again, so that a SDK that was reset has to be told.
+  // Restores the state of a new process, except that QHYCCD's SDK stays initialised: the library
+  // initialises it only in its first scan, so a reset SDK is initialised here.
   void startAnew() {
     forgetEverything();
     countAllocations(0);
@@ -219,8 +218,8 @@ class TortureTest : public ::testing::Test {
     return {linked, Contract(world_, isQhyReady_), surroundings};
   }
 
-  // What passed the platform layer and the SDK's log are one story: each look-up that found its
-  // function is followed by one call of it.
+  // Merges the look-ups of the platform layer with the SDK's log: exactly one call must follow each
+  // successful look-up.
   std::vector<Event> takeEvents() {
     const std::vector<SdkCall> calls = parseLog(sdk_.takeLog());
     std::size_t used = 0;
@@ -285,11 +284,11 @@ class TortureTest : public ::testing::Test {
     failingLookup_ = 0;
     sdk_.set_plugged(0, 1);
     if (leftOpen > 0) {
-      sdk_.setCameras({camera_});  // as if the camera had been plugged out and in again
+      sdk_.setCameras({camera_});  // as if the camera were unplugged and plugged in again
     }
   }
 
-  // A device that the SDK refuses to close stays open in it, through no fault of the library's.
+  // The most devices that may stay open: 1 if the fault prevents the call that closes the device.
   int mostLeftOpen(const Fault& fault) const {
     const bool preventsCall = fault.kind == Fault::Kind::Result ||
                               fault.kind == Fault::Kind::Missing ||
@@ -297,7 +296,8 @@ class TortureTest : public ::testing::Test {
     return preventsCall && fault.function == family_.closeCall ? 1 : 0;
   }
 
-  // A full session. At most so many devices may be open in the SDK when nothing is to be.
+  // A full session. Whenever nothing should be open, at most `leftOpen` devices may be open in the
+  // SDK.
   Outcome session(CheckedLibrary& library, int leftOpen) {
     Outcome outcome;
     const auto note = [&] { messages_.insert(library.contract().error()); };
@@ -336,7 +336,7 @@ class TortureTest : public ::testing::Test {
     return outcome;
   }
 
-  // Into a buffer of exactly the size that is demanded; the bytes behind it must stay as they are.
+  // Reads into a buffer of exactly the required size. The bytes after it must not change.
   int readFrame(CheckedLibrary& library) {
     if (!family_.waitsForFrames) {
       sdk_.advance_clock(framePeriodUs);
@@ -364,7 +364,8 @@ class TortureTest : public ::testing::Test {
   static void expectClosed(CheckedLibrary& library) {
     EXPECT_EQ(::oc_buffer_size(), 0);
     std::uint8_t byte = 0;
-    // Where memory runs out for the very message, the contract has seen to the other one.
+    // The allocation of this message may be the one that fails. The contract has then already
+    // checked the message about that.
     const auto expectRefused = [](const auto& call, int failure, const char* message) {
       const bool hadFailed = hasAllocationFailed();
       EXPECT_EQ(call(), failure);
@@ -395,9 +396,9 @@ class TortureTest : public ::testing::Test {
   SdkDirectory directory_;
   SimulatedSdk sdk_;
   bool isQhy_;
-  scripted::Library* library_ = nullptr;  // of the platform layer
-  std::vector<std::string> lookups_;      // all of a session
-  std::size_t failingLookup_ = 0;         // counted from 1; 0 for none
+  scripted::Library* library_ = nullptr;  // in the platform layer
+  std::vector<std::string> lookups_;      // all in a session
+  std::size_t failingLookup_ = 0;         // from 1; 0: none fails
   World world_;
   std::vector<std::uint8_t> buffer_;
   std::vector<RecordedCall> recorded_;
@@ -418,7 +419,7 @@ class Torture : public TortureTest, public ::testing::WithParamInterface<SdkFami
 
   void SetUp() override { recordSession(); }
 
-  // The codes by which a call of the function can fail.
+  // The codes with which a call of the function can fail.
   std::vector<std::int64_t> codesOf(const std::string& function) const {
     if (family_.givesHandle && function == family_.openCall) {
       return {0};
@@ -441,7 +442,7 @@ TEST_P(Torture, EveryCallFailsWithEveryCode) {
   }
   EXPECT_EQ(report("failed calls"), expected);
   EXPECT_GE(expected, family_.leastCalls * (isThorough ? 13 : 1));
-  // Most calls matter: the camera is not found, not opened, or both.
+  // At least a tenth of the faults must make the scan or the open fail.
   EXPECT_GE(failedScans_ + failedOpens_, expected / 10);
   EXPECT_GE(messages_.size(), static_cast<std::size_t>(functions_));
 }
@@ -458,7 +459,7 @@ TEST_P(Torture, EveryFunctionIsMissing) {
   EXPECT_GE(failedOpens_, functions_ / 2);
 }
 
-TEST_P(Torture, EveryLookupFindsNothing) {
+TEST_P(Torture, EveryLookupFails) {
   for (std::size_t k = 0; k < recorded_.size(); ++k) {
     ASSERT_TRUE(run({Fault::Kind::MissingOnce, recorded_[k].function, static_cast<int>(k + 1), 0}));
   }
@@ -485,12 +486,13 @@ TEST_P(Torture, CameraIsUnpluggedBeforeEveryCall) {
   EXPECT_GE(failedScans_ + failedOpens_, 10);
 }
 
-// QHYCCD's SDK is initialised once per process; until that has succeeded, each scan tries again.
+// The library initialises QHYCCD's SDK once per process. It retries in each scan until that
+// succeeds.
 class TortureOfTheFirstScan : public TortureTest {
  protected:
   TortureOfTheFirstScan() : TortureTest(familyNamed("qhyccd")) {}
 
-  // One run in which the initialisation does not succeed.
+  // One run in which the initialisation fails.
   void runWithout(const Fault& fault, const std::string& message) {
     startAnew();
     inject(fault);
@@ -527,7 +529,7 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   runWithout({Fault::Kind::Missing, function, 0, 0}, "qhyccd: missing " + function);
   EXPECT_EQ(report("first scans"), static_cast<int>(family_.codes.size()) + 1);
 
-  // And then, with the camera plugged out right before it, it succeeds.
+  // The initialisation then succeeds, even if the camera is unplugged directly before it.
   startAnew();
   inject({Fault::Kind::Unplugged, function, 1, 0});
   try {
@@ -543,13 +545,13 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   }
 }
 
-// ToupTek's SDK has a second code for success.
+// ToupTek has a second code for success.
 class TortureByRemarks : public TortureTest {
  protected:
   TortureByRemarks() : TortureTest(familyNamed("toupcam")) {}
 };
 
-TEST_F(TortureByRemarks, EveryCallSucceedsWithOne) {
+TEST_F(TortureByRemarks, EveryCallReturnsTheOtherSuccess) {
   constexpr std::int64_t nothingToDo = 1;  // S_FALSE
   recordSession();
   for (const auto& [function, nth] : recorded_) {
@@ -558,7 +560,7 @@ TEST_F(TortureByRemarks, EveryCallSucceedsWithOne) {
     }
   }
   EXPECT_GE(report("remarks"), 25);
-  // The depth is the one result that is a value: 1 bit leaves the camera without its format.
+  // One result is a value: MaxBitDepth 1 removes the format that the session opens.
   EXPECT_EQ(failedOpens_, 1);
   EXPECT_EQ(failedScans_, 0);
 }

@@ -1,4 +1,4 @@
-// Handing out events to the contract.
+// Gives the events of a call to the contract.
 #include "torture/transcript.hpp"
 
 #include <new>

@@ -1,5 +1,5 @@
-// What one call of an export did to the outside: the libraries that it tried to load, the failed
-// look-ups of SDK functions, the calls that it made. The contract reads it back.
+// The events of one call of an export: loads of libraries, failed look-ups and calls of SDK
+// functions. The contract reads them back.
 #pragma once
 
 #include <cstddef>
@@ -13,11 +13,11 @@
 
 namespace orvane::testing {
 
-/// One thing that happened.
+/// One event.
 struct Event {
   enum class Kind {
     Load,     ///< an attempt to load the library `name`
-    Missing,  ///< a look-up of the function `name` that found nothing
+    Missing,  ///< a failed look-up of the function `name`
     Call,     ///< `call`
   };
 
@@ -27,40 +27,41 @@ struct Event {
   SdkCall call;
 };
 
-/// What the library did is not what the contract says. Deliberately no std::exception: the
-/// contract's own handlers must let it pass.
+/// The library's behaviour differs from the contract. Not derived from std::exception, because the
+/// contract's handlers must not catch it.
 struct Violation {
   std::string text;
 };
 
-/// An allocation that failed: between which events, and which of the contract's places there.
+/// A failed allocation: the number of events before it, and which of the places for allocations
+/// there it is.
 struct FailedAllocation {
   std::size_t eventsBefore = 0;
   int place = 0;
 };
 
-/// The events of one export, handed out one by one to the contract, which asks for each in turn
-/// under the name and with the arguments that it demands.
+/// The events of one export. The contract requires them one by one, each by its name and its
+/// arguments.
 class Transcript {
  public:
   explicit Transcript(std::vector<Event> events, std::optional<FailedAllocation> failure = {})
       : events_(std::move(events)), failure_(failure) {}
 
-  /// The contract demands this call: its outputs and result. A function that was missing throws
-  /// std::runtime_error "<library>: missing <function>", any other event a Violation.
+  /// Requires this call and returns its outputs and result. Throws std::runtime_error "<library>:
+  /// missing <function>" if the look-up failed, and a Violation for any other event.
   const SdkCall& call(const std::string& library, const std::string& function,
                       std::initializer_list<std::string> inputs);
 
-  /// The contract demands an attempt to load this library; returns whether that succeeded.
+  /// Requires an attempt to load this library. Returns whether it succeeded.
   bool load(const std::string& library);
 
-  /// The contract allows an allocation here: throws std::bad_alloc if it is the one that failed.
+  /// The contract allows an allocation here. Throws std::bad_alloc if this is the one that failed.
   void allocate();
 
   /// Whether allocate() has thrown.
   bool hasFailed() const { return hasFailed_; }
 
-  /// Nothing happened that the contract did not demand; throws a Violation otherwise.
+  /// Throws a Violation if events are left that the contract did not require.
   void expectEnd() const;
 
  private:

@@ -1,4 +1,4 @@
-// The description's text: escaping, arrays, numbers, and the order of keys.
+// The JSON description: escaping, arrays, numbers, and the order of keys.
 #include "catalogue/camera_json.hpp"
 
 #include <gtest/gtest.h>
@@ -37,7 +37,7 @@ TEST(JsonString, QuoteAndBackslashGetABackslash) {
   EXPECT_EQ(jsonString("a\"b\\c"), "\"a\\\"b\\\\c\"");
 }
 
-TEST(JsonString, BytesBelowBlankAreDropped) {
+TEST(JsonString, ControlCharactersAreDropped) {
   EXPECT_EQ(jsonString("a\tb\nc\rd\x01\x1f"
                        "e f"),
             "\"abcde f\"");
@@ -52,13 +52,13 @@ TEST(JsonIntArray, EmptyListGivesEmptyBrackets) {
   EXPECT_EQ(jsonIntArray({}), "[]");
 }
 
-TEST(JsonIntArray, NumbersStandInOrderWithCommasAndSigns) {
+TEST(JsonIntArray, NumbersKeepTheirOrderAndSigns) {
   const int numbers[] = {1, -2, 0, std::numeric_limits<int>::min(),
                          std::numeric_limits<int>::max()};
   EXPECT_EQ(jsonIntArray(numbers), "[1,-2,0,-2147483648,2147483647]");
 }
 
-TEST(CameraJson, AllKeysStandInOrderWithoutBlanks) {
+TEST(CameraJson, AllKeysInOrderWithoutBlanks) {
   CameraInfo camera;
   camera.name = "ZWO ASI294MC Pro";
   camera.maxWidth = 4144;
@@ -138,7 +138,7 @@ TEST(CameraJson, PixelSizeHasUpToSixSignificantDigits) {
   EXPECT_EQ(pixelSizeText(123456.7), "123457");
 }
 
-TEST(CameraJson, PixelSizeTurnsToExponentFormAsStreamsDo) {
+TEST(CameraJson, PixelSizeUsesExponentsAsStreamsDo) {
   EXPECT_EQ(pixelSizeText(0.0000001), "1e-07");
   EXPECT_EQ(pixelSizeText(0.0001), "0.0001");
   EXPECT_EQ(pixelSizeText(0.00001), "1e-05");
@@ -148,7 +148,7 @@ TEST(CameraJson, PixelSizeTurnsToExponentFormAsStreamsDo) {
   EXPECT_EQ(pixelSizeText(999999.9), "1e+06");
 }
 
-TEST(CameraJson, PixelSizeThatIsNoNumberIsWrittenAsStreamsDo) {
+TEST(CameraJson, PixelSizeNanAndInfinityAreWrittenAsStreamsDo) {
   EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::quiet_NaN()), "nan");
   EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::infinity()), "inf");
   EXPECT_EQ(pixelSizeText(-std::numeric_limits<double>::infinity()), "-inf");

@@ -1,4 +1,5 @@
-// Player One's settings travel as eight bytes by value: what the library puts into all of them.
+// Player One's settings are passed by value in eight bytes. The library must initialise all of
+// them.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -26,7 +27,7 @@ TEST(ConfigValue, AllEightBytesAreDefined) {
   loadVendorLibrary(libraryOf(Vendor::PlayerOne), "PlayerOneCamera", "sdk");
   state.active.info.vendor = Vendor::PlayerOne;
   applyCameraSettings(2147483647, -3, -1);
-  // A long of four bytes leaves the upper four as they were zeroed.
+  // On Windows a long has four bytes; the other four must be zero.
   const std::uint64_t mask = sizeof(long) == 4 ? 0xFFFFFFFFU : ~std::uint64_t{0};
   EXPECT_EQ(sent, (std::vector<std::uint64_t>{2147483647, ~std::uint64_t{2} & mask,
                                               ~std::uint64_t{0} & mask}));

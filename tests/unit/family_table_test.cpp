@@ -1,4 +1,4 @@
-// The table of families: its order, and codes that belong to none.
+// The table of families: its order, and codes that no family has.
 #include <gtest/gtest.h>
 
 #include "doubles/sdk_families.hpp"
@@ -9,7 +9,7 @@ namespace {
 
 using testing::sdkNames;
 
-TEST(FamilyTable, RowsStandInTheOrderOfScanning) {
+TEST(FamilyTable, RowsAreInScanOrder) {
   ASSERT_EQ(vendorCount, sdkNames.size());
   for (std::size_t i = 0; i < vendorCount; ++i) {
     EXPECT_EQ(static_cast<std::size_t>(vendorTable[i]->vendor), i);
@@ -17,7 +17,7 @@ TEST(FamilyTable, RowsStandInTheOrderOfScanning) {
   }
 }
 
-TEST(FamilyTable, EveryCodeHasItsRowAndOthersTheLast) {
+TEST(FamilyTable, EveryCodeHasItsRowAndUnknownCodesGetTheLast) {
   for (std::size_t i = 0; i < vendorCount; ++i) {
     EXPECT_EQ(&familyOf(static_cast<Vendor>(i)), vendorTable[i]);
   }

@@ -1,5 +1,5 @@
-// SDK functions that throw: exceptions of the standard family become return values, others pass the
-// exports that promise only that, and stop at those that swallow everything.
+// SDK functions that throw. Standard exceptions become return values. Others leave the exports that
+// let them pass; the remaining exports swallow them.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -30,7 +30,7 @@ class ForeignException : public ::testing::Test {
   std::uint8_t frame[64 * 48] = {};
 };
 
-TEST_F(ForeignException, StandardOnesBecomeTheErrorText) {
+TEST_F(ForeignException, StandardExceptionsBecomeTheErrorText) {
   ASSERT_EQ(open(), 1);
   sdk().add(ASIGetVideoData,
             [](int, unsigned char*, long, int) -> int { throw std::length_error("from the SDK"); });
@@ -44,7 +44,7 @@ TEST_F(ForeignException, StandardOnesBecomeTheErrorText) {
   EXPECT_EQ(state.active.openIndex, -1);
 }
 
-TEST_F(ForeignException, OthersLeaveReadApplyAndOpenWithoutAMessage) {
+TEST_F(ForeignException, OtherExceptionsLeaveReadApplyAndOpenWithoutAMessage) {
   ASSERT_EQ(open(), 1);
   sdk().add(ASIGetVideoData, [](int, unsigned char*, long, int) -> int { throw 7; });
   EXPECT_THROW(oc_read(frame, sizeof frame, 0), int);
@@ -54,13 +54,13 @@ TEST_F(ForeignException, OthersLeaveReadApplyAndOpenWithoutAMessage) {
   EXPECT_STREQ(oc_error(), "");
 }
 
-TEST_F(ForeignException, HalfOpenCameraIsAskedForItsTemperatureAndClosedWithoutAStop) {
+TEST_F(ForeignException, HalfOpenCameraReportsTemperatureAndIsClosedWithoutAStop) {
   sdk().add(ASIStartVideoCapture, [](int) -> int { throw 7; });
   EXPECT_THROW(open(), int);
   EXPECT_EQ(state.active.openIndex, 0);
   EXPECT_FALSE(state.active.streaming);
   EXPECT_EQ(oc_temperature(), -10.5);
-  EXPECT_EQ(oc_scan(), -1) << "a half-open camera is open";
+  EXPECT_EQ(oc_scan(), -1) << "a half-open camera counts as open";
   scripted::platform().passed.clear();
   oc_close();
   EXPECT_EQ(scripted::platform().lookups(), std::vector<std::string>{"ASICloseCamera"});
@@ -82,7 +82,7 @@ TEST_F(ForeignException, CloseAndTemperatureSwallowAll) {
   EXPECT_FALSE(state.active.streaming);
 }
 
-TEST_F(ForeignException, ScanKeepsTheMessageOfStandardOnesAndPassesOthers) {
+TEST_F(ForeignException, ScanKeepsTheMessageOfStandardExceptionsAndPassesOthers) {
   sdk().add(ASIGetCameraProperty,
             [](ASI_CAMERA_INFO*, int) -> int { throw std::logic_error("odd"); });
   EXPECT_EQ(oc_scan(), 0);

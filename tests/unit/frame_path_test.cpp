@@ -1,4 +1,5 @@
-// The frame path: the SDK gets the host's own buffer, and nothing else happens to it.
+// The path of a frame: the SDK writes into the host's buffer, and the library changes nothing
+// there.
 #include <gtest/gtest.h>
 
 #include "api/state.hpp"
@@ -39,7 +40,7 @@ TEST(FramePath, SdkWritesStraightIntoTheHostsBuffer) {
   EXPECT_EQ(lastCall.waitMs, -1);
   EXPECT_EQ(frame[0], 1);
   EXPECT_EQ(frame[2], 3);
-  EXPECT_EQ(frame[3], 0xEE) << "nothing is touched that the SDK did not write";
+  EXPECT_EQ(frame[3], 0xEE) << "bytes that the SDK did not write must stay unchanged";
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 using orvane::bytesPerPixel;
 using orvane::frameBytes;
 
-TEST(BytesPerPixel, Raw16TakesTwoRgb24ThreeEveryOtherCodeOne) {
+TEST(BytesPerPixel, Raw16HasTwoRgb24ThreeEveryOtherCodeOne) {
   EXPECT_EQ(bytesPerPixel(0), 1);
   EXPECT_EQ(bytesPerPixel(1), 2);
   EXPECT_EQ(bytesPerPixel(2), 3);
@@ -18,7 +18,7 @@ TEST(BytesPerPixel, Raw16TakesTwoRgb24ThreeEveryOtherCodeOne) {
   EXPECT_EQ(bytesPerPixel(std::numeric_limits<int>::min()), 1);
 }
 
-TEST(FrameBytes, ProductIsFormedIn64Bits) {
+TEST(FrameBytes, ProductHas64Bits) {
   EXPECT_EQ(frameBytes(1936, 1096, 1), 1936LL * 1096 * 2);
   EXPECT_EQ(frameBytes(32768, 32768, 0), 1LL << 30);
   EXPECT_EQ(frameBytes(2147483647, 1, 2), 3LL * 2147483647);

@@ -1,5 +1,5 @@
-// Calls into an SDK that Microsoft's compiler built: arguments and results, and exceptions of every
-// make, also such that no sound SDK throws.
+// Calls into an SDK that Microsoft's compiler built: arguments, results, and exceptions of every
+// kind, including invalid ones.
 #include "windows_dll/microsoft_exceptions.hpp"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ Result callAsExport(Result (*function)(Arguments...), Arguments... arguments) {
   return raisingAsItCame([&] { return callGuarded(function, arguments...); });
 }
 
-TEST(GuardedCall, HandsOnUpToEightArgumentsAndTheResult) {
+TEST(GuardedCall, PassesUpToEightArgumentsAndTheResult) {
   const auto none = +[] { return 42; };
   const auto real = +[](void*, int id, double value) { return id + value; };
   const auto five = +[](int a, int b, int c, int d, int e) {
@@ -81,8 +81,8 @@ TEST(GuardedCall, PassesOtherStructuredExceptionsUntouched) {
   EXPECT_EQ(own.parameters, (std::vector<std::uintptr_t>{1, 2, 3}));
 }
 
-// The code alone does not make it one that can be read.
-TEST(GuardedCall, PassesAnExceptionWhoseDescriptionMakesNoSense) {
+// An exception with Microsoft's code whose parameters are not valid.
+TEST(GuardedCall, PassesAnExceptionWithInvalidParameters) {
   const auto raise = +[](const std::vector<ULONG_PTR>* parameters) {
     RaiseException(MicrosoftThrow::code, EXCEPTION_NONCONTINUABLE,
                    static_cast<DWORD>(parameters->size()), parameters->data());
@@ -100,7 +100,7 @@ TEST(GuardedCall, PassesAnExceptionWhoseDescriptionMakesNoSense) {
   }
 }
 
-// ---- the standard family
+// ---- std::exception and types derived from it
 
 const char* whatOf(const MicrosoftStandardObject* object) {
   return object->text;
@@ -123,9 +123,9 @@ std::string messageOf(void (*function)()) {
   }
 }
 
-TEST(MicrosoftException, OfTheStandardFamilyIsFoundInAVirtualBase) {
+TEST(MicrosoftException, StandardExceptionIsFoundInAVirtualBase) {
   static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
-  // The object's table of virtual bases comes first, std::exception 24 bytes behind it.
+  // The object starts with its table of virtual bases; std::exception is 24 bytes after that.
   struct WithVirtualBase {
     const std::int32_t* bases;
     std::uint64_t other[2];
@@ -145,7 +145,7 @@ TEST(MicrosoftException, OfTheStandardFamilyIsFoundInAVirtualBase) {
   EXPECT_EQ(destroyed, 1);
 }
 
-TEST(MicrosoftException, EmptyTextIsAnEmptyText) {
+TEST(MicrosoftException, EmptyTextStaysEmpty) {
   static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
   static const MicrosoftThrow thrown({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
   EXPECT_EQ(messageOf(+[] {
@@ -155,7 +155,7 @@ TEST(MicrosoftException, EmptyTextIsAnEmptyText) {
             "");
 }
 
-TEST(MicrosoftException, TextThatEndsInMemoryThatCannotBeReadIsCutThere) {
+TEST(MicrosoftException, TextIsTruncatedWhereMemoryIsUnreadable) {
   auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 8192, MEM_RESERVE, PAGE_NOACCESS));
   ASSERT_NE(VirtualAlloc(pages, 4096, MEM_COMMIT, PAGE_READWRITE), nullptr);
   std::memset(pages, 'y', 4096);
@@ -171,7 +171,7 @@ TEST(MicrosoftException, TextThatEndsInMemoryThatCannotBeReadIsCutThere) {
   VirtualFree(pages, 0, MEM_RELEASE);
 }
 
-TEST(MicrosoftException, WhoseWhatAndDestructorFailIsAFailureAllTheSame) {
+TEST(MicrosoftException, FailureInWhatOrDestructorGivesUnknownException) {
   static const void* const table[] = {
       nullptr, reinterpret_cast<const void*>(+[](const MicrosoftStandardObject*) -> const char* {
         RaiseException(static_cast<DWORD>(EXCEPTION_ILLEGAL_INSTRUCTION), 0, 0, nullptr);
@@ -196,7 +196,7 @@ TEST(MicrosoftException, WhoseWhatAndDestructorFailIsAFailureAllTheSame) {
   EXPECT_EQ(destroyed, 2);
 }
 
-// ---- outside it
+// ---- other types
 
 template <std::size_t size>
 struct Large {
@@ -217,7 +217,7 @@ void destroyWhole(void* address) {
   wholeWhenDestroyed += static_cast<Object*>(address)->isWhole() ? 1 : 0;
 }
 
-// What a clean-up that calls functions does to the stack below it.
+// What a destructor that calls functions does to the stack below it.
 [[gnu::noinline]] void overwriteStack() {
   volatile char bytes[16384];
   for (volatile char& byte : bytes) {
@@ -232,7 +232,8 @@ struct OverwritingCleanUp {
 using LargeObject = Large<3000>;
 
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Winfinite-recursion"  // the throw is not seen as an end
+#pragma GCC diagnostic ignored \
+    "-Winfinite-recursion"  // GCC does not see that the throw ends the recursion
 [[gnu::noinline]] void throwFarDown(int frames) {
   static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
                                      destroyWhole<LargeObject>);
@@ -247,7 +248,7 @@ using LargeObject = Large<3000>;
 }
 #pragma GCC diagnostic pop
 
-TEST(MicrosoftException, LeavesWithItsObjectWholeAndInItsPlaceWhateverHappensOnTheWay) {
+TEST(MicrosoftException, LeavesWithItsObjectIntactAndInPlace) {
   destroyed = 0;
   for (const int frames : {0, 50}) {
     const LeavingException left = leavingException([frames] {
@@ -257,14 +258,14 @@ TEST(MicrosoftException, LeavesWithItsObjectWholeAndInItsPlaceWhateverHappensOnT
       });
     });
     EXPECT_EQ(left.code, MicrosoftThrow::code);
-    EXPECT_EQ(left.what, "object");  // its first word says where it was
+    EXPECT_EQ(left.what, "object");  // its first word holds its original address
     ASSERT_EQ(left.parameters.size(), 4U);
     EXPECT_EQ(left.parameters[0], 0x19930520U);
   }
-  EXPECT_EQ(destroyed, 0) << "that is for who handles it";
+  EXPECT_EQ(destroyed, 0) << "the handler destroys it";
 }
 
-TEST(MicrosoftException, ThatIsSwallowedIsDestroyedOnceInItsPlace) {
+TEST(MicrosoftException, SwallowedObjectIsDestroyedOnceInPlace) {
   destroyed = 0;
   wholeWhenDestroyed = 0;
   for (const int frames : {0, 50}) {
@@ -280,7 +281,7 @@ TEST(MicrosoftException, ThatIsSwallowedIsDestroyedOnceInItsPlace) {
   EXPECT_EQ(wholeWhenDestroyed, 2);
 }
 
-TEST(MicrosoftException, OnTheHeapStaysThere) {
+TEST(MicrosoftException, ObjectOutsideTheStackStaysInPlace) {
   static LargeObject object;
   static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
                                      destroyWhole<LargeObject>);
@@ -290,7 +291,7 @@ TEST(MicrosoftException, OnTheHeapStaysThere) {
   EXPECT_EQ(left.parameters.at(1), reinterpret_cast<std::uintptr_t>(&object));
 }
 
-TEST(MicrosoftException, RaisedAnewByACleanUpReplacesTheFirst) {
+TEST(MicrosoftException, SecondExceptionReplacesTheFirst) {
   static const MicrosoftThrow number({".H"}, sizeof(int));
   destroyed = 0;
   wholeWhenDestroyed = 0;

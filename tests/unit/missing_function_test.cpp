@@ -1,4 +1,4 @@
-// ZWO's SDK with one function missing at a time: what each export then says.
+// ZWO's SDK with one function missing at a time: the results and messages of each export.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -71,7 +71,7 @@ TEST_F(MissingAsiFunction, DiscoveryIsSilentForTheFunctionsInsideTheGuard) {
   }
 }
 
-TEST_F(MissingAsiFunction, OpenFailsWithTheMessageAndClosesWhatIsOpen) {
+TEST_F(MissingAsiFunction, OpenFailsWithTheMessageAndClosesTheDevice) {
   for (const char* function :
        {"ASIOpenCamera", "ASIInitCamera", "ASISetROIFormat", "ASISetStartPos", "ASIGetROIFormat",
         "ASISetControlValue", "ASIGetNumOfControls", "ASIGetControlCaps", "ASIStartVideoCapture"}) {
@@ -99,7 +99,7 @@ TEST_F(MissingAsiFunction, ReadFailsAndLeavesTheCameraStreaming) {
   EXPECT_TRUE(state.active.streaming);
 }
 
-TEST_F(MissingAsiFunction, ApplyFailsAfterWhatCouldBeSet) {
+TEST_F(MissingAsiFunction, ApplyFailsAfterSettingWhatItCan) {
   ASSERT_EQ(oc_scan(), 1);
   ASSERT_EQ(open(), 1);
   remove("ASIGetControlCaps");
@@ -132,7 +132,7 @@ TEST_F(MissingAsiFunction, CloseResetsTheStateWhateverIsMissing) {
   }
 }
 
-TEST_F(MissingAsiFunction, EveryCallLooksItsFunctionUpAfresh) {
+TEST_F(MissingAsiFunction, EveryCallLooksItsFunctionUpAgain) {
   ASSERT_EQ(oc_scan(), 1);
   ASSERT_EQ(open(), 1);
   scripted::platform().passed.clear();

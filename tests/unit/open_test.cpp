@@ -1,4 +1,4 @@
-// Opening what no discovery lists: the catalogue is filled by hand.
+// Opens a camera that no scan lists: the test fills the catalogue itself.
 #include <gtest/gtest.h>
 
 #include "api/state.hpp"

@@ -1,4 +1,4 @@
-// Joining paths by the rules of both systems.
+// Joining paths by the rules of each system.
 #include "platform/path_join.hpp"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ TEST(WindowsPath, BareDriveGetsNoSeparator) {
   EXPECT_EQ(joinWindowsPath(L"z:", L"a.dll"), L"z:a.dll");
 }
 
-TEST(WindowsPath, WhatOnlyLooksLikeADriveGetsASeparator) {
+TEST(WindowsPath, NameThatOnlyLooksLikeADriveGetsASeparator) {
   EXPECT_EQ(joinWindowsPath(L"1:", L"a.dll"), L"1:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"@:", L"a.dll"), L"@:\\a.dll");
   EXPECT_EQ(joinWindowsPath(L"[:", L"a.dll"), L"[:\\a.dll");

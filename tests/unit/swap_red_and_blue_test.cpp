@@ -1,5 +1,4 @@
-// Swapping the first and third byte of pixels, with every implementation that this processor
-// supports.
+// Swaps the first and third byte of pixels, with every implementation that this processor supports.
 #include "vendors/swap_red_and_blue.hpp"
 
 #include <gtest/gtest.h>
@@ -12,14 +11,14 @@
 namespace orvane {
 namespace {
 
-// The rule, word for word.
+// The reference implementation.
 void swapByTheRule(std::uint8_t* pixels, std::size_t byteCount) {
   for (std::size_t i = 0; i < byteCount; i += 3) {
     std::swap(pixels[i], pixels[i + 2]);
   }
 }
 
-// Bytes that tell their neighbours and their distant relatives apart.
+// Bytes that differ from their neighbours and from bytes further away.
 std::vector<std::uint8_t> testBytes(std::size_t size) {
   std::vector<std::uint8_t> bytes(size);
   for (std::size_t i = 0; i < size; ++i) {
@@ -66,7 +65,7 @@ TEST_P(SwapRedAndBlue, LargeFramesAtAlignedAndOddAddresses) {
   }
 }
 
-TEST_P(SwapRedAndBlue, NothingBehindTheBufferIsTouched) {
+TEST_P(SwapRedAndBlue, NothingAfterTheBufferIsTouched) {
   GuardedMemory memory(4096);
   for (std::size_t length = 0; length <= 700; ++length) {
     const std::size_t size = wholeGroups(length);
@@ -111,8 +110,8 @@ TEST(SwapRedAndBlueChoice, IsSupportedAndUsed) {
   EXPECT_EQ(pixels, (std::vector<std::uint8_t>{3, 2, 1, 6, 5, 4}));
 }
 
-TEST(SwapRedAndBlueChoice, SwapsAFrameThatNoCacheHolds) {
-  std::vector<std::uint8_t> pixels((std::size_t{16} << 20) + 2, 1);  // whole pixels
+TEST(SwapRedAndBlueChoice, SwapsAFrameLargerThanTheCaches) {
+  std::vector<std::uint8_t> pixels((std::size_t{16} << 20) + 2, 1);  // a multiple of three bytes
   for (std::size_t at = 0; at < pixels.size(); at += 3) {
     pixels[at] = 3;
   }

@@ -1,4 +1,4 @@
-// Loading SDK libraries, finding functions in them, and the two result checks.
+// Loading SDK libraries, finding their functions, and the two result checks.
 #include "vendors/vendor_library.hpp"
 
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ TEST_F(VendorLibraryTest, ALoadedLibraryIsNotLoadedAgainEvenFromAnotherDirectory
   EXPECT_EQ(script.loads().size(), 1U);
 }
 
-TEST_F(VendorLibraryTest, AFailedLoadIsSilentAndTriedAgainWithTheDirectoryOfThen) {
+TEST_F(VendorLibraryTest, AFailedLoadIsSilentAndRetriedFromTheLatestDirectory) {
   loadVendorLibrary(library, "qhyccd", "dir");
   EXPECT_EQ(library.module, nullptr);
   EXPECT_EQ(library.name, "qhyccd");
@@ -63,7 +63,7 @@ TEST_F(VendorLibraryTest, AFailedLoadIsSilentAndTriedAgainWithTheDirectoryOfThen
   EXPECT_EQ(script.loads(), (std::vector<std::string>{"dir/qhyccd", "elsewhere/qhyccd"}));
 }
 
-TEST_F(VendorLibraryTest, ResolveSymbolFindsAFunctionAfreshEveryTime) {
+TEST_F(VendorLibraryTest, ResolveSymbolLooksAFunctionUpEveryTime) {
   script.libraries["dir/x"].add("answer", answer);
   loadVendorLibrary(library, "x", "dir");
   for (int i = 0; i < 3; ++i) {
@@ -85,7 +85,7 @@ TEST_F(VendorLibraryTest, ResolveSymbolReportsAnUnloadedLibraryInTheSameForm) {
   EXPECT_TRUE(script.lookups().empty());
 }
 
-TEST_F(VendorLibraryTest, ResolveSymbolOnARecordNeverTriedHasNoName) {
+TEST_F(VendorLibraryTest, ResolveSymbolOnAnUntriedRecordHasNoName) {
   EXPECT_EQ(messageOf([&] { resolveSymbol(library, "Toupcam_Close"); }), ": missing Toupcam_Close");
 }
 
