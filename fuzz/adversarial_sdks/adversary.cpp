@@ -30,7 +30,7 @@ Adversary::Adversary() {
   scripted::Platform& script = scripted::platform();
   for (std::size_t i = 0; i < vendorCount; ++i) {
     sdks[i].baseName = vendorTable[i]->baseName;
-    sdks[i].library = &script.libraries[sdks[i].baseName];
+    sdks[i].script = &script.libraries[sdks[i].baseName];
     families[i](sdks[i]);
   }
   script.admits = [this](const scripted::Library& library, const char* name) {
@@ -43,8 +43,8 @@ void Adversary::begin(std::span<const std::uint8_t> bytes) {
   violations.clear();
   calls_ = 0;
   for (Sdk& sdk : sdks) {
-    sdk.library->canLoad = true;
-    sdk.library->missing.clear();
+    sdk.script->canLoad = true;
+    sdk.script->missing.clear();
     sdk.open.clear();
   }
   scripted::platform().passed.clear();
@@ -56,7 +56,7 @@ void Adversary::noteViolation(const char* rule, const char* culprit) {
 
 bool Adversary::admits(const scripted::Library& library, const char* name) {
   Sdk& sdk = *std::find_if(sdks.begin(), sdks.end(),
-                           [&](const Sdk& one) { return one.library == &library; });
+                           [&](const Sdk& one) { return one.script == &library; });
   const bool stops = name == std::string_view(sdk.stopFunction);
   const bool closes = name == std::string_view(sdk.closeFunction);
   const bool isOver = ++calls_ > maxCalls && !stops && !closes;

@@ -27,7 +27,7 @@ struct Device {
 /// One SDK: its functions and its open devices.
 struct Sdk {
   const char* baseName = "";
-  scripted::Library* library = nullptr;  ///< in the scripted platform layer
+  scripted::Library* script = nullptr;  ///< in the scripted platform layer
   const char* stopFunction = "";
   const char* closeFunction = "";
   std::map<std::uintptr_t, Device> open;  ///< by key
@@ -35,7 +35,7 @@ struct Sdk {
   /// Adds a function under the name and type of `declared`.
   template <class Declared, class Body>
   void add(const Declared& declared, Body body) {
-    library->add(declared, body);
+    script->add(declared, body);
   }
 };
 

@@ -183,12 +183,12 @@ void changeFunctions() {
   Sdk& sdk = adversary().sdks[input.byte() % vendorCount];
   const std::uint8_t choice = input.byte();
   if (choice % 4 == 0) {
-    sdk.library->missing.clear();
+    sdk.script->missing.clear();
     return;
   }
-  const auto& functions = sdk.library->functions;
+  const auto& functions = sdk.script->functions;
   const auto offset = static_cast<std::ptrdiff_t>(choice % functions.size());
-  sdk.library->missing.insert(std::next(functions.begin(), offset)->first);
+  sdk.script->missing.insert(std::next(functions.begin(), offset)->first);
 }
 
 void step() {
@@ -229,7 +229,7 @@ void step() {
     case 22:
       return changeFunctions();
     default:
-      adversary().sdks[adversary().input.byte() % vendorCount].library->canLoad ^= true;
+      adversary().sdks[adversary().input.byte() % vendorCount].script->canLoad ^= true;
       return;
   }
 }
@@ -241,7 +241,7 @@ std::vector<std::string> runSession(std::span<const std::uint8_t> bytes) {
   state = LibraryState{};
   const std::uint8_t setting = adversary().input.byte();
   for (std::size_t i = 0; i < vendorCount; ++i) {
-    adversary().sdks[i].library->canLoad = (setting >> i & 1U) == 0;
+    adversary().sdks[i].script->canLoad = (setting >> i & 1U) == 0;
   }
   adversary().qhyResourceResult = (setting & 0x10U) != 0 ? 0xFFFFFFFF : 0;
 

@@ -15,6 +15,7 @@
 
 namespace orvane::testing {
 
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): in the order in which it is read
 struct SdkFamily {
   const char* maker;
   const char* baseName;
