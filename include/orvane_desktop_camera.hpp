@@ -611,11 +611,13 @@ struct CaptureState {
 /** How a capture thread works. */
 struct CaptureOptions {
   Delivery delivery = Delivery::Newest; /**< what CaptureThread::next() hands out */
-  std::size_t capacity = 3;             /**< of the queue behind next(); see FrameQueue */
+  std::size_t capacity = 3;             /**< of the queue behind next(); 0 if frames() is enough */
   /** How long one call may wait for a frame: the thread looks at requests between two calls. */
   std::chrono::milliseconds longestCall{1000};
   /** So many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
   int failures = 5;
+  /** So many waits of usualWait() in a row without a frame lose the camera; 0 is never. */
+  int silentWaits = patience;
   /**
    * Is called on the capture thread when there is a new frame or a new state, to wake an event
    * loop. Must return soon and wait for nothing of the CaptureThread; what it throws is ignored.
@@ -707,6 +709,8 @@ struct Queue {
   std::deque<std::shared_ptr<FrameData>> waiting;
   std::size_t held = 0;  // handed out and not dropped yet
   std::size_t mostWaiting = 0;
+  std::uint64_t accepted = 0;
+  std::uint64_t most = 0;  // closes after so many frames; 0 is never
   std::uint64_t dropped = 0;
   bool isClosed = false;
 
@@ -726,6 +730,7 @@ struct Queue {
       waiting.push_back(frame);
     }
     mostWaiting = (std::max)(mostWaiting, waiting.size());
+    isClosed = ++accepted == most;
     return true;
   }
 };
@@ -912,6 +917,8 @@ class FrameQueue {
   std::size_t waiting() const { return locked()->waiting.size(); }
   /** @return the most frames that have waited at a time */
   std::size_t mostWaiting() const { return locked()->mostWaiting; }
+  /** @return frames that were put in since the queue was made, also those replaced since */
+  std::uint64_t accepted() const { return locked()->accepted; }
   /** @return frames that were dropped since the queue was made; see Delivery */
   std::uint64_t dropped() const { return locked()->dropped; }
 
@@ -930,12 +937,16 @@ class FrameQueue {
   };
   Locked locked() const { return {hub_->mutex, *queue_}; }
 
-  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity)
+  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity,
+             std::uint64_t most)
       : hub_(std::move(hub)), queue_(std::make_shared<detail::Queue>()) {
     queue_->delivery = delivery;
-    queue_->capacity = (std::max)(capacity, std::size_t{1});
-    const std::lock_guard<std::mutex> lock(hub_->mutex);
-    hub_->queues.push_back(queue_);
+    queue_->capacity = capacity;
+    queue_->most = most;
+    if (capacity > 0) {
+      const std::lock_guard<std::mutex> lock(hub_->mutex);
+      hub_->queues.push_back(queue_);
+    }
   }
 
   Frame take(std::optional<std::chrono::milliseconds> wait) {
@@ -1282,9 +1293,9 @@ class Worker {
       hub_->state.silentWaits += static_cast<std::uint64_t>(waits - waitsInRow_);
       waitsInRow_ = waits;
     }
-    if (waits >= patience) {
-      lose("The camera has sent no frame for " + std::to_string(patience) + " waits of " +
-           std::to_string(wait.count()) + " ms.");
+    if (options_.silentWaits > 0 && waits >= options_.silentWaits) {
+      lose("The camera has sent no frame for " + std::to_string(options_.silentWaits) +
+           " waits of " + std::to_string(wait.count()) + " ms.");
     }
     tell();
   }
@@ -1353,7 +1364,8 @@ class Worker {
  * is still waiting when the CaptureThread is destroyed ends with std::future_error.
  *
  * The camera is lost, and closed, when a number of reads in a row fail (CaptureOptions::failures),
- * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(), patience).
+ * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(),
+ * CaptureOptions::silentWaits).
  * Then next() throws, and reopen() or rescan() can bring the camera back.
  */
 class CaptureThread {
@@ -1368,7 +1380,7 @@ class CaptureThread {
   explicit CaptureThread(const CaptureOptions& options = {},
                          const Library& library = Library::linked())
       : hub_(std::make_shared<detail::Hub>()),
-        frames_(hub_, options.delivery, options.capacity),
+        frames_(hub_, options.delivery, options.capacity, 0),
         thread_([hub = hub_, options, library] { detail::Worker(hub, options, library).run(); }) {}
 
   /**
@@ -1415,13 +1427,16 @@ class CaptureThread {
   std::uint64_t dropped() const { return frames_.dropped(); }
 
   /**
-   * A further queue, which takes frames from now on.
+   * A further queue, which takes frames from now on. Made before open(), it has the first frame.
    *
    * @param delivery which frames it hands out
    * @param capacity how many may wait in it or be held by its consumer, 1 or more
+   * @param most it closes when so many frames were put in; 0 is never
    * @return the queue
    */
-  FrameQueue frames(Delivery delivery, std::size_t capacity) { return {hub_, delivery, capacity}; }
+  FrameQueue frames(Delivery delivery, std::size_t capacity, std::uint64_t most = 0) {
+    return {hub_, delivery, (std::max)(capacity, std::size_t{1}), most};
+  }
 
   /** @return what the thread and its camera are doing */
   CaptureState state() const {

@@ -155,6 +155,26 @@ TEST_F(CppFaceFrames, AClosedQueueHandsOutWhatWaitsAndEnds) {
   EXPECT_EQ(queue.dropped(), 0U);
 }
 
+TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
+  oc::CaptureOptions none;
+  none.capacity = 0;
+  capture_.emplace(none, scriptedLibrary());
+  oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 2, 3);  // before the camera opens
+  capture_->open(info_, {}).get();
+  send(3);
+  EXPECT_EQ(queue.accepted(), 2U);
+  EXPECT_EQ(queue.dropped(), 1U);
+  EXPECT_EQ(queue.next(0ms).number(), 0U);
+  send(4);
+  EXPECT_EQ(queue.next().number(), 1U);
+  EXPECT_EQ(queue.next().number(), 3U);
+  EXPECT_FALSE(queue.next());
+  EXPECT_EQ(queue.accepted(), 3U);
+  EXPECT_EQ(queue.dropped(), 1U);  // what comes later is not meant for it
+  EXPECT_FALSE(capture_->next(0ms));
+  EXPECT_EQ(capture_->dropped(), 0U);
+}
+
 TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {
   start({});
   std::vector<std::uint64_t> written;
