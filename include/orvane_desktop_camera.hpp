@@ -590,21 +590,22 @@ enum class Phase {
 
 /** What a capture thread and its camera are doing. Counts begin anew when a camera is opened. */
 struct CaptureState {
-  Phase phase = Phase::Idle;         /**< what it is doing */
-  std::string text;                  /**< Lost: why. Otherwise the last failed read's text or "" */
-  CameraInfo camera;                 /**< that is open, or was last */
-  Settings settings;                 /**< in force, or for the next opening */
-  FrameLayout layout;                /**< of the frames */
-  std::size_t bufferSize = 0;        /**< bytes that a frame occupies in memory */
-  std::uint64_t opening = 0;         /**< how many times a camera was opened */
-  std::uint64_t frames = 0;          /**< that the camera has delivered */
-  std::uint64_t silentWaits = 0;     /**< waits of usualWait() without a frame */
-  std::uint64_t emptyReads = 0;      /**< calls for a frame when none was ready */
-  std::uint64_t failedReads = 0;     /**< calls for a frame that failed */
-  std::uint64_t refusals = 0;        /**< how many times apply() was refused */
-  std::string refusal;               /**< the text of the last refusal */
-  std::optional<double> temperature; /**< degrees Celsius, about a second old */
-  double framesPerSecond = 0;        /**< over about two seconds; falls while no frame comes */
+  Phase phase = Phase::Idle;  /**< what it is doing */
+  std::string text;           /**< Lost: why. Otherwise the last failed read's text or "" */
+  CameraInfo camera;          /**< that is open, or was last */
+  Settings settings;          /**< in force, or for the next opening */
+  FrameLayout layout;         /**< of the frames */
+  std::size_t bufferSize = 0; /**< bytes that a frame occupies in memory */
+  std::uint64_t opening = 0;  /**< how many times a camera was opened */
+  std::chrono::steady_clock::time_point opened; /**< when, the last time */
+  std::uint64_t frames = 0;                     /**< that the camera has delivered */
+  std::uint64_t silentWaits = 0;                /**< waits of usualWait() without a frame */
+  std::uint64_t emptyReads = 0;                 /**< calls for a frame when none was ready */
+  std::uint64_t failedReads = 0;                /**< calls for a frame that failed */
+  std::uint64_t refusals = 0;                   /**< how many times apply() was refused */
+  std::string refusal;                          /**< the text of the last refusal */
+  std::optional<double> temperature;            /**< degrees Celsius, about a second old */
+  double framesPerSecond = 0;           /**< over about two seconds; falls while no frame comes */
   std::chrono::milliseconds silence{0}; /**< since the last frame, or since the opening */
 };
 
@@ -710,6 +711,7 @@ struct Queue {
   std::size_t held = 0;  // handed out and not dropped yet
   std::size_t mostWaiting = 0;
   std::uint64_t accepted = 0;
+  std::uint64_t taken = 0;
   std::uint64_t most = 0;  // closes after so many frames; 0 is never
   std::uint64_t dropped = 0;
   bool isClosed = false;
@@ -919,6 +921,8 @@ class FrameQueue {
   std::size_t mostWaiting() const { return locked()->mostWaiting; }
   /** @return frames that were put in since the queue was made, also those replaced since */
   std::uint64_t accepted() const { return locked()->accepted; }
+  /** @return frames that were taken out since the queue was made */
+  std::uint64_t taken() const { return locked()->taken; }
   /** @return frames that were dropped since the queue was made; see Delivery */
   std::uint64_t dropped() const { return locked()->dropped; }
 
@@ -967,6 +971,7 @@ class FrameQueue {
       lease->frame = std::move(queue_->waiting.front());
       queue_->waiting.pop_front();
       ++queue_->held;
+      ++queue_->taken;
       lease->queue = queue_;
       lease->hub = hub_;
       return Frame(std::move(lease));
@@ -1035,9 +1040,10 @@ class Worker {
     temperatureRead_.reset();
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     hub_->state.phase = Phase::Streaming;
+    hub_->state.opened = Clock::now();
     hub_->state.layout = camera_->layout();
     hub_->state.bufferSize = camera_->bufferSize();
-    hub_->lastFrame = Clock::now();
+    hub_->lastFrame = hub_->state.opened;
     hub_->wait = usualWait(exposureUs_);
     hub_->arrivals.clear();
   }

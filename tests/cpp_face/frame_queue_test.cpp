@@ -73,6 +73,7 @@ TEST_F(CppFaceFrames, EveryFrameComesInItsOrder) {
     EXPECT_LE(frame.arrivalTime(), std::chrono::system_clock::now());
     EXPECT_LE(frame.arrival(), std::chrono::steady_clock::now());
     EXPECT_GE(frame.arrival(), held.front().arrival());
+    EXPECT_GE(frame.arrival(), capture_->state().opened);
   }
   EXPECT_FALSE(capture_->next(0ms));
   EXPECT_EQ(capture_->dropped(), 0U);
@@ -170,6 +171,7 @@ TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
   EXPECT_EQ(queue.next().number(), 3U);
   EXPECT_FALSE(queue.next());
   EXPECT_EQ(queue.accepted(), 3U);
+  EXPECT_EQ(queue.taken(), 3U);
   EXPECT_EQ(queue.dropped(), 1U);  // what comes later is not meant for it
   EXPECT_FALSE(capture_->next(0ms));
   EXPECT_EQ(capture_->dropped(), 0U);
