@@ -759,6 +759,13 @@ struct Hub {
   std::vector<std::weak_ptr<Queue>> queues;
   const std::shared_ptr<BufferPool> pool = std::make_shared<BufferPool>();
 
+  bool wantsFrames() const {
+    return std::any_of(queues.begin(), queues.end(), [](const std::weak_ptr<Queue>& entry) {
+      const std::shared_ptr<Queue> queue = entry.lock();
+      return queue && !queue->isClosed;
+    });
+  }
+
   void ask(Request request) {
     {
       const std::lock_guard<std::mutex> lock(mutex);
@@ -948,8 +955,11 @@ class FrameQueue {
     queue_->capacity = capacity;
     queue_->most = most;
     if (capacity > 0) {
-      const std::lock_guard<std::mutex> lock(hub_->mutex);
-      hub_->queues.push_back(queue_);
+      {
+        const std::lock_guard<std::mutex> lock(hub_->mutex);
+        hub_->queues.push_back(queue_);
+      }
+      hub_->work.notify_one();
     }
   }
 
@@ -1142,8 +1152,13 @@ class Worker {
       Hub::Request request;
       {
         std::unique_lock<std::mutex> lock(hub_->mutex);
-        if (!camera_) {
-          hub_->work.wait(lock, [this] { return hub_->mustStop || !hub_->requests.empty(); });
+        if (!camera_ || !hub_->wantsFrames()) {
+          hub_->work.wait(lock, [this] {
+            return hub_->mustStop || !hub_->requests.empty() || (camera_ && hub_->wantsFrames());
+          });
+          // The camera was not asked, which is no silence.
+          hub_->lastFrame = Clock::now();
+          waitsInRow_ = 0;
         }
         if (hub_->mustStop) {
           return;
@@ -1368,6 +1383,9 @@ class Worker {
  * and between two calls for a frame. Those that return a std::future only leave the request: get()
  * waits and throws what failed, and a host that reads state() may ignore the future. A request that
  * is still waiting when the CaptureThread is destroyed ends with std::future_error.
+ *
+ * The camera is asked for frames as long as there is a queue to put them into: the one behind
+ * next(), or one of frames() that is not closed.
  *
  * The camera is lost, and closed, when a number of reads in a row fail (CaptureOptions::failures),
  * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(),

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -112,7 +113,7 @@ class Bench {
   }
 
   void measure() {
-    CameraStream stream(camera_);
+    CameraStream stream(camera_, settings_.camera, std::nullopt);
     result_.layout = stream.state().layout;
     stream.discard(settings_.camera.discard, line_);
     stream.discard(1, line_);

@@ -25,12 +25,12 @@ std::size_t expectedBytes(const oc::Settings& settings) {
 
 }  // namespace
 
-CameraStream::CameraStream(const ChosenCamera& camera, std::int64_t waitingBytes,
-                           std::uint64_t most)
+CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
+                           std::optional<int> frames, std::int64_t waitingBytes)
     : capture_(captureOptions()),
       frames_(capture_.frames(oc::Delivery::Every,
                               recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
-                              most)) {
+                              frames ? std::uint64_t{0} + *frames + options.discard : 0)) {
   capture_.open(camera.description, camera.settings).get();
   start_ = capture_.state().opened;
 }

@@ -1,7 +1,9 @@
 // The frames of a camera for one command.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <orvane_desktop_camera.hpp>
 
 #include "oc_capture/camera_options.hpp"
@@ -13,10 +15,10 @@ namespace orvane::host {
 /// or five waits without a frame, end the stream: reading it throws oc::Error then.
 class CameraStream {
  public:
-  /// Frames that wait may take `waitingBytes`. The stream ends after `most` frames; 0 is never.
-  /// Throws oc::Error when the camera cannot be opened.
-  explicit CameraStream(const ChosenCamera& camera, std::int64_t waitingBytes = 64'000'000,
-                        std::uint64_t most = 0);
+  /// The stream ends after this number of frames behind those to discard, if there is one. Frames
+  /// that wait may take `waitingBytes`. Throws oc::Error when the camera cannot be opened.
+  CameraStream(const ChosenCamera& camera, const CameraOptions& options, std::optional<int> frames,
+               std::int64_t waitingBytes = 64'000'000);
 
   /// Waits for the next frame, but not longer than Ctrl-C and the status line can wait. Empty when
   /// none came.

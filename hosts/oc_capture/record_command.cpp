@@ -91,8 +91,8 @@ class RecordingSession {
       : settings_(settings),
         camera_(camera),
         length_(lengthOf(settings)),
-        stream_(std::in_place, camera, std::int64_t{1'000'000} * settings.memoryMegabytes,
-                length_.frames ? std::uint64_t{0} + *length_.frames + settings.camera.discard : 0),
+        stream_(std::in_place, camera, settings.camera, length_.frames,
+                std::int64_t{1'000'000} * settings.memoryMegabytes),
         layout_(correctedLayout(stream_->state().layout, settings.camera.correction)),
         line_(settings.reporting.isQuiet) {}
 

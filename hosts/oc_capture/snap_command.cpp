@@ -55,7 +55,7 @@ struct Snapshot {
 };
 
 Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
-  CameraStream stream(camera);
+  CameraStream stream(camera, settings.camera, 1);
   StatusLine line(settings.reporting.isQuiet);
   const Clock::time_point start = Clock::now();
   for (int before = settings.camera.discard; !stopRequested();) {

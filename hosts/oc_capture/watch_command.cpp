@@ -107,7 +107,7 @@ class Watch {
 
  private:
   void look() {
-    CameraStream stream(camera_);
+    CameraStream stream(camera_, settings_.camera, settings_.length.frames);
     summary_.layout = correctedLayout(stream.state().layout, settings_.camera.correction);
     stream.discard(settings_.camera.discard, line_);
     const Clock::time_point start = Clock::now();

@@ -166,15 +166,22 @@ TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
   EXPECT_EQ(queue.accepted(), 2U);
   EXPECT_EQ(queue.dropped(), 1U);
   EXPECT_EQ(queue.next(0ms).number(), 0U);
-  send(4);
+  toSend_ = 4;
   EXPECT_EQ(queue.next().number(), 1U);
   EXPECT_EQ(queue.next().number(), 3U);
   EXPECT_FALSE(queue.next());
   EXPECT_EQ(queue.accepted(), 3U);
   EXPECT_EQ(queue.taken(), 3U);
-  EXPECT_EQ(queue.dropped(), 1U);  // what comes later is not meant for it
+  EXPECT_EQ(queue.dropped(), 1U);
   EXPECT_FALSE(capture_->next(0ms));
   EXPECT_EQ(capture_->dropped(), 0U);
+  // Nobody wants more for the moment.
+  EXPECT_EQ(capture_->state().frames, 4U);
+  EXPECT_EQ(toSend_, 3);
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(toSend_, 3);
+  queue = capture_->frames(oc::Delivery::Every, 2);
+  EXPECT_EQ(queue.next(5000ms).number(), 4U);
 }
 
 TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {
