@@ -590,32 +590,35 @@ enum class Phase {
 
 /** What a capture thread and its camera are doing. Counts begin anew when a camera is opened. */
 struct CaptureState {
-  Phase phase = Phase::Idle;         /**< what it is doing */
-  std::string text;                  /**< Lost: why. Otherwise the last failed read's text or "" */
-  CameraInfo camera;                 /**< that is open, or was last */
-  Settings settings;                 /**< in force, or for the next opening */
-  FrameLayout layout;                /**< of the frames */
-  std::size_t bufferSize = 0;        /**< bytes that a frame occupies in memory */
-  std::uint64_t opening = 0;         /**< how many times a camera was opened */
-  std::uint64_t frames = 0;          /**< that the camera has delivered */
-  std::uint64_t silentWaits = 0;     /**< waits of usualWait() without a frame */
-  std::uint64_t emptyReads = 0;      /**< calls for a frame when none was ready */
-  std::uint64_t failedReads = 0;     /**< calls for a frame that failed */
-  std::uint64_t refusals = 0;        /**< how many times apply() was refused */
-  std::string refusal;               /**< the text of the last refusal */
-  std::optional<double> temperature; /**< degrees Celsius, about a second old */
-  double framesPerSecond = 0;        /**< over about two seconds; falls while no frame comes */
+  Phase phase = Phase::Idle;  /**< what it is doing */
+  std::string text;           /**< Lost: why. Otherwise the last failed read's text or "" */
+  CameraInfo camera;          /**< that is open, or was last */
+  Settings settings;          /**< in force, or for the next opening */
+  FrameLayout layout;         /**< of the frames */
+  std::size_t bufferSize = 0; /**< bytes that a frame occupies in memory */
+  std::uint64_t opening = 0;  /**< how many times a camera was opened */
+  std::chrono::steady_clock::time_point opened; /**< when, the last time */
+  std::uint64_t frames = 0;                     /**< that the camera has delivered */
+  std::uint64_t silentWaits = 0;                /**< waits of usualWait() without a frame */
+  std::uint64_t emptyReads = 0;                 /**< calls for a frame when none was ready */
+  std::uint64_t failedReads = 0;                /**< calls for a frame that failed */
+  std::uint64_t refusals = 0;                   /**< how many times apply() was refused */
+  std::string refusal;                          /**< the text of the last refusal */
+  std::optional<double> temperature;            /**< degrees Celsius, about a second old */
+  double framesPerSecond = 0;           /**< over about two seconds; falls while no frame comes */
   std::chrono::milliseconds silence{0}; /**< since the last frame, or since the opening */
 };
 
 /** How a capture thread works. */
 struct CaptureOptions {
   Delivery delivery = Delivery::Newest; /**< what CaptureThread::next() hands out */
-  std::size_t capacity = 3;             /**< of the queue behind next(); see FrameQueue */
+  std::size_t capacity = 3;             /**< of the queue behind next(); 0 if frames() is enough */
   /** How long one call may wait for a frame: the thread looks at requests between two calls. */
   std::chrono::milliseconds longestCall{1000};
   /** So many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
   int failures = 5;
+  /** So many waits of usualWait() in a row without a frame lose the camera; 0 is never. */
+  int silentWaits = patience;
   /**
    * Is called on the capture thread when there is a new frame or a new state, to wake an event
    * loop. Must return soon and wait for nothing of the CaptureThread; what it throws is ignored.
@@ -707,6 +710,9 @@ struct Queue {
   std::deque<std::shared_ptr<FrameData>> waiting;
   std::size_t held = 0;  // handed out and not dropped yet
   std::size_t mostWaiting = 0;
+  std::uint64_t accepted = 0;
+  std::uint64_t taken = 0;
+  std::uint64_t most = 0;  // closes after so many frames; 0 is never
   std::uint64_t dropped = 0;
   bool isClosed = false;
 
@@ -726,6 +732,7 @@ struct Queue {
       waiting.push_back(frame);
     }
     mostWaiting = (std::max)(mostWaiting, waiting.size());
+    isClosed = ++accepted == most;
     return true;
   }
 };
@@ -751,6 +758,13 @@ struct Hub {
   std::deque<Clock::time_point> arrivals;
   std::vector<std::weak_ptr<Queue>> queues;
   const std::shared_ptr<BufferPool> pool = std::make_shared<BufferPool>();
+
+  bool wantsFrames() const {
+    return std::any_of(queues.begin(), queues.end(), [](const std::weak_ptr<Queue>& entry) {
+      const std::shared_ptr<Queue> queue = entry.lock();
+      return queue && !queue->isClosed;
+    });
+  }
 
   void ask(Request request) {
     {
@@ -912,6 +926,10 @@ class FrameQueue {
   std::size_t waiting() const { return locked()->waiting.size(); }
   /** @return the most frames that have waited at a time */
   std::size_t mostWaiting() const { return locked()->mostWaiting; }
+  /** @return frames that were put in since the queue was made, also those replaced since */
+  std::uint64_t accepted() const { return locked()->accepted; }
+  /** @return frames that were taken out since the queue was made */
+  std::uint64_t taken() const { return locked()->taken; }
   /** @return frames that were dropped since the queue was made; see Delivery */
   std::uint64_t dropped() const { return locked()->dropped; }
 
@@ -930,12 +948,19 @@ class FrameQueue {
   };
   Locked locked() const { return {hub_->mutex, *queue_}; }
 
-  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity)
+  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity,
+             std::uint64_t most)
       : hub_(std::move(hub)), queue_(std::make_shared<detail::Queue>()) {
     queue_->delivery = delivery;
-    queue_->capacity = (std::max)(capacity, std::size_t{1});
-    const std::lock_guard<std::mutex> lock(hub_->mutex);
-    hub_->queues.push_back(queue_);
+    queue_->capacity = capacity;
+    queue_->most = most;
+    if (capacity > 0) {
+      {
+        const std::lock_guard<std::mutex> lock(hub_->mutex);
+        hub_->queues.push_back(queue_);
+      }
+      hub_->work.notify_one();
+    }
   }
 
   Frame take(std::optional<std::chrono::milliseconds> wait) {
@@ -956,6 +981,7 @@ class FrameQueue {
       lease->frame = std::move(queue_->waiting.front());
       queue_->waiting.pop_front();
       ++queue_->held;
+      ++queue_->taken;
       lease->queue = queue_;
       lease->hub = hub_;
       return Frame(std::move(lease));
@@ -1024,9 +1050,10 @@ class Worker {
     temperatureRead_.reset();
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     hub_->state.phase = Phase::Streaming;
+    hub_->state.opened = Clock::now();
     hub_->state.layout = camera_->layout();
     hub_->state.bufferSize = camera_->bufferSize();
-    hub_->lastFrame = Clock::now();
+    hub_->lastFrame = hub_->state.opened;
     hub_->wait = usualWait(exposureUs_);
     hub_->arrivals.clear();
   }
@@ -1125,8 +1152,13 @@ class Worker {
       Hub::Request request;
       {
         std::unique_lock<std::mutex> lock(hub_->mutex);
-        if (!camera_) {
-          hub_->work.wait(lock, [this] { return hub_->mustStop || !hub_->requests.empty(); });
+        if (!camera_ || !hub_->wantsFrames()) {
+          hub_->work.wait(lock, [this] {
+            return hub_->mustStop || !hub_->requests.empty() || (camera_ && hub_->wantsFrames());
+          });
+          // The camera was not asked, which is no silence.
+          hub_->lastFrame = Clock::now();
+          waitsInRow_ = 0;
         }
         if (hub_->mustStop) {
           return;
@@ -1282,9 +1314,9 @@ class Worker {
       hub_->state.silentWaits += static_cast<std::uint64_t>(waits - waitsInRow_);
       waitsInRow_ = waits;
     }
-    if (waits >= patience) {
-      lose("The camera has sent no frame for " + std::to_string(patience) + " waits of " +
-           std::to_string(wait.count()) + " ms.");
+    if (options_.silentWaits > 0 && waits >= options_.silentWaits) {
+      lose("The camera has sent no frame for " + std::to_string(options_.silentWaits) +
+           " waits of " + std::to_string(wait.count()) + " ms.");
     }
     tell();
   }
@@ -1352,8 +1384,12 @@ class Worker {
  * waits and throws what failed, and a host that reads state() may ignore the future. A request that
  * is still waiting when the CaptureThread is destroyed ends with std::future_error.
  *
+ * The camera is asked for frames as long as there is a queue to put them into: the one behind
+ * next(), or one of frames() that is not closed.
+ *
  * The camera is lost, and closed, when a number of reads in a row fail (CaptureOptions::failures),
- * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(), patience).
+ * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(),
+ * CaptureOptions::silentWaits).
  * Then next() throws, and reopen() or rescan() can bring the camera back.
  */
 class CaptureThread {
@@ -1368,7 +1404,7 @@ class CaptureThread {
   explicit CaptureThread(const CaptureOptions& options = {},
                          const Library& library = Library::linked())
       : hub_(std::make_shared<detail::Hub>()),
-        frames_(hub_, options.delivery, options.capacity),
+        frames_(hub_, options.delivery, options.capacity, 0),
         thread_([hub = hub_, options, library] { detail::Worker(hub, options, library).run(); }) {}
 
   /**
@@ -1415,13 +1451,16 @@ class CaptureThread {
   std::uint64_t dropped() const { return frames_.dropped(); }
 
   /**
-   * A further queue, which takes frames from now on.
+   * A further queue, which takes frames from now on. Made before open(), it has the first frame.
    *
    * @param delivery which frames it hands out
    * @param capacity how many may wait in it or be held by its consumer, 1 or more
+   * @param most it closes when so many frames were put in; 0 is never
    * @return the queue
    */
-  FrameQueue frames(Delivery delivery, std::size_t capacity) { return {hub_, delivery, capacity}; }
+  FrameQueue frames(Delivery delivery, std::size_t capacity, std::uint64_t most = 0) {
+    return {hub_, delivery, (std::max)(capacity, std::size_t{1}), most};
+  }
 
   /** @return what the thread and its camera are doing */
   CaptureState state() const {

@@ -49,15 +49,6 @@ std::optional<PixelFormat> formatFromName(std::string_view name) {
   return std::nullopt;
 }
 
-std::optional<PixelFormat> formatFromCode(int code) {
-  for (const Format& entry : formats) {
-    if (code == static_cast<int>(entry.format)) {
-      return entry.format;
-    }
-  }
-  return std::nullopt;
-}
-
 BayerPattern bayerFromCode(int code) {
   for (const NamedBayerPattern& entry : patterns) {
     if (code == static_cast<int>(entry.bayer)) {

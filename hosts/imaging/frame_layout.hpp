@@ -1,35 +1,25 @@
-// The layout of a frame's bytes: size, pixel format and Bayer pattern.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern. The types are the library's;
+// this room calls none of its functions.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <orvane_desktop_camera.hpp>
 #include <span>
 #include <string_view>
 
 namespace orvane::host {
 
-/// The library's format codes.
-enum class PixelFormat { Raw8 = 0, Raw16 = 1, Rgb24 = 2, Mono8 = 3 };
-
-/// The library's codes of Bayer patterns: the colours of the top left 2 x 2 pixels, row by row.
-enum class BayerPattern { None = 0, Rggb = 8, Grbg = 9, Gbrg = 10, Bggr = 11 };
-
-struct FrameLayout {
-  int width = 0;
-  int height = 0;
-  PixelFormat format = PixelFormat::Raw8;
-  BayerPattern bayer = BayerPattern::None;  ///< none for RGB and for mono
-};
+using PixelFormat = oc::Format;
+using BayerPattern = oc::Bayer;
+using FrameLayout = oc::FrameLayout;
 
 /// "raw8", "raw16", "rgb24" or "mono8".
 const char* formatName(PixelFormat format);
 
 /// The format with this name.
 std::optional<PixelFormat> formatFromName(std::string_view name);
-
-/// The format with this code of the library's.
-std::optional<PixelFormat> formatFromCode(int code);
 
 /// The Bayer pattern with this code of the library's; none for an unknown code.
 BayerPattern bayerFromCode(int code);

@@ -1,7 +1,6 @@
-// The thread that is the library's only caller, and what other threads may ask of it.
+// The thread that waits for the camera where the window must not, and what others may ask of it.
 #include "live_view/live_camera.hpp"
 
-#include <chrono>
 #include <utility>
 
 #include "system/system.hpp"
@@ -10,22 +9,18 @@ namespace orvane::host {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 // No screen needs more pictures, and each costs time to draw.
 constexpr std::chrono::milliseconds betweenFrames{25};
 
 // How often numbers are brought up to date.
 constexpr std::chrono::milliseconds betweenStates{200};
 
-// Nothing happens without a camera until somebody asks for it.
-constexpr std::chrono::milliseconds idleWait{500};
-
 }  // namespace
 
 LiveCamera::LiveCamera(LiveOptions options, std::function<void()> onNews)
     : onNews_(std::move(onNews)),
-      thread_([this, moved = std::move(options)]() mutable { run(std::move(moved)); }) {}
+      session_(std::move(options), [this] { frameOrStateCame(); }),
+      thread_([this] { run(); }) {}
 
 LiveCamera::~LiveCamera() {
   {
@@ -39,13 +34,7 @@ LiveCamera::~LiveCamera() {
 void LiveCamera::send(const LiveRequest& request) {
   {
     const std::lock_guard lock(mutex_);
-    const bool areControls = std::holds_alternative<ControlsRequest>(request);
-    if (areControls && !requests_.empty() &&
-        std::holds_alternative<ControlsRequest>(requests_.back())) {
-      requests_.back() = request;
-    } else {
-      requests_.push_back(request);
-    }
+    requests_.push_back(request);
   }
   wake_.notify_one();
 }
@@ -55,15 +44,20 @@ std::shared_ptr<const LiveState> LiveCamera::state() const {
   return state_;
 }
 
-void LiveCamera::run(LiveOptions options) {
+void LiveCamera::frameOrStateCame() {
+  const Clock::time_point now = Clock::now();
+  if (now - told_ >= betweenFrames) {
+    told_ = now;
+    onNews_();
+  }
+}
+
+void LiveCamera::run() {
   useFineSleep();
-  LiveSession session(std::move(options));
-  session.start();
-  publish(session);
-  Clock::time_point framePublished;
-  Clock::time_point statePublished = Clock::now();
+  session_.start();
+  publish();
   while (true) {
-    const std::vector<LiveRequest> requests = takeRequests(session.isStreaming());
+    const std::vector<LiveRequest> requests = takeRequests();
     {
       const std::lock_guard lock(mutex_);
       if (mustStop_) {
@@ -71,25 +65,15 @@ void LiveCamera::run(LiveOptions options) {
       }
     }
     for (const LiveRequest& request : requests) {
-      session.carryOut(request);
+      session_.run(request);
     }
-    const bool hasFrame = session.isStreaming() && session.poll();
-    const Clock::time_point now = Clock::now();
-    if (!requests.empty() || now - statePublished >= betweenStates) {
-      statePublished = now;
-      publish(session);
-    }
-    if (hasFrame && now - framePublished >= betweenFrames) {
-      framePublished = now;
-      frames_.put(session.frame());
-      onNews_();
-    }
+    publish();
   }
-  session.stop();
+  session_.stop();
 }
 
-void LiveCamera::publish(LiveSession& session) {
-  auto state = std::make_shared<const LiveState>(session.state());
+void LiveCamera::publish() {
+  auto state = std::make_shared<const LiveState>(session_.state());
   {
     const std::lock_guard lock(mutex_);
     state_ = std::move(state);
@@ -97,11 +81,9 @@ void LiveCamera::publish(LiveSession& session) {
   onNews_();
 }
 
-std::vector<LiveRequest> LiveCamera::takeRequests(bool isStreaming) {
+std::vector<LiveRequest> LiveCamera::takeRequests() {
   std::unique_lock lock(mutex_);
-  if (!isStreaming) {
-    wake_.wait_for(lock, idleWait, [this] { return mustStop_ || !requests_.empty(); });
-  }
+  wake_.wait_for(lock, betweenStates, [this] { return mustStop_ || !requests_.empty(); });
   return std::exchange(requests_, {});
 }
 

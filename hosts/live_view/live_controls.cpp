@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "session/camera_catalogue.hpp"
+
 namespace orvane::host {
 
 namespace {
@@ -14,17 +16,17 @@ constexpr NumberRange offsetKeyRange{0, 10000};
 
 }  // namespace
 
-std::int64_t longestExposureOf(const CameraDescription& camera) {
-  return camera.hasLongestExposure() ? std::min(camera.maxExposureUs, longestExposureUs)
-                                     : longestExposureUs;
+std::int64_t longestExposureOf(const oc::CameraInfo& camera) {
+  return hasLongestExposure(camera) ? std::min(camera.maxExposureUs, longestExposureUs)
+                                    : longestExposureUs;
 }
 
-NumberRange gainRangeOf(const CameraDescription& camera) {
-  return camera.hasGainRange() ? NumberRange{camera.minGain, camera.maxGain} : NumberRange{0, 500};
+NumberRange gainRangeOf(const oc::CameraInfo& camera) {
+  return hasGainRange(camera) ? NumberRange{camera.minGain, camera.maxGain} : NumberRange{0, 500};
 }
 
 std::optional<ControlsRequest> controlsAfter(ViewCommand command, const ControlsRequest& now,
-                                             const CameraDescription& camera) {
+                                             const oc::CameraInfo& camera) {
   ControlsRequest after = now;
   const auto expose = [&](int steps) {
     after.exposureUs = steppedExposure(now.exposureUs, steps, longestExposureOf(camera));
@@ -66,7 +68,7 @@ std::optional<ControlsRequest> controlsAfter(ViewCommand command, const Controls
 }
 
 ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsRequest& now,
-                              const CameraDescription& camera) {
+                              const oc::CameraInfo& camera) {
   ControlsRequest after = now;
   switch (slider) {
     case SliderKind::Exposure:
@@ -82,7 +84,7 @@ ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsReq
   return after;
 }
 
-double placeOf(SliderKind slider, const ControlsRequest& now, const CameraDescription& camera) {
+double placeOf(SliderKind slider, const ControlsRequest& now, const oc::CameraInfo& camera) {
   switch (slider) {
     case SliderKind::Exposure:
       return exposurePlace(now.exposureUs, longestExposureOf(camera));

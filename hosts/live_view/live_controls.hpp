@@ -6,7 +6,6 @@
 #include "live_view/control_steps.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_session.hpp"
-#include "session/camera_description.hpp"
 
 namespace orvane::host {
 
@@ -18,20 +17,20 @@ enum class SliderKind { Exposure, Gain, Offset };
 constexpr NumberRange offsetSliderRange{0, 300};
 
 /// The longest exposure of the camera, or the library's if the camera tells none.
-std::int64_t longestExposureOf(const CameraDescription& camera);
+std::int64_t longestExposureOf(const oc::CameraInfo& camera);
 
 /// The camera's range of gains, or a usual one if it tells none.
-NumberRange gainRangeOf(const CameraDescription& camera);
+NumberRange gainRangeOf(const oc::CameraInfo& camera);
 
 /// The controls after this command; none if it changes no control.
 std::optional<ControlsRequest> controlsAfter(ViewCommand command, const ControlsRequest& now,
-                                             const CameraDescription& camera);
+                                             const oc::CameraInfo& camera);
 
 /// The controls after a slider was moved to this place, 0 to 1.
 ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsRequest& now,
-                              const CameraDescription& camera);
+                              const oc::CameraInfo& camera);
 
 /// The slider's place, 0 to 1.
-double placeOf(SliderKind slider, const ControlsRequest& now, const CameraDescription& camera);
+double placeOf(SliderKind slider, const ControlsRequest& now, const oc::CameraInfo& camera);
 
 }  // namespace orvane::host

@@ -32,9 +32,9 @@ ScreenTarget partOf(const ScreenTarget& area, const PixelRect& rect) {
 
 }  // namespace
 
-void LivePicture::setFrame(LiveFrame& frame) {
+void LivePicture::setFrame(LiveFrame frame) {
   const bool isOtherStream = frame.opening != frame_.opening;
-  std::swap(frame_, frame);
+  frame_ = std::move(frame);
   if (isOtherStream) {
     measurements_ = {};
     followed_.reset();
@@ -47,8 +47,7 @@ void LivePicture::setFrame(LiveFrame& frame) {
 }
 
 void LivePicture::clear() {
-  frame_.size = 0;
-  frame_.opening = 0;
+  frame_ = {};
 }
 
 bool LivePicture::measure(Clock::time_point now) {
@@ -57,11 +56,11 @@ bool LivePicture::measure(Clock::time_point now) {
   }
   const Clock::time_point begin = Clock::now();
   const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
-  reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
-  range_->add(frame_.bytes());
+  reduceFrame(frame_.bytes, frame_.layout, factor, reduced_);
+  range_->add(frame_.bytes);
   measurements_.areThere = true;
-  measurements_.histogram = histogramOf(frame_.bytes(), frame_.layout, range_->fullScale());
-  measurements_.focus = measureFocus(frame_.bytes(), frame_.layout, reduced_, factor, followed_);
+  measurements_.histogram = histogramOf(frame_.bytes, frame_.layout, range_->fullScale());
+  measurements_.focus = measureFocus(frame_.bytes, frame_.layout, reduced_, factor, followed_);
   measureTrend();
   measureStretch();
   const Clock::duration taken = Clock::now() - begin;
@@ -134,7 +133,7 @@ PictureView LivePicture::drawWhole(const ScreenTarget& area) {
   const PixelRect place =
       fittedPicture({0, 0, area.width, area.height}, frame_.layout.width, frame_.layout.height);
   const int factor = reductionFactor(frame_.layout, place.width, place.height);
-  reduceFrame(frame_.bytes(), frame_.layout, factor, reduced_);
+  reduceFrame(frame_.bytes, frame_.layout, factor, reduced_);
   curves_.apply(reduced_, tint_, pixels_);
   drawScaled(pixels_, partOf(area, place));
   return {place, static_cast<double>(place.width) / frame_.layout.width, 0, 0};
@@ -148,7 +147,7 @@ PictureView LivePicture::drawPart(const ScreenTarget& area) {
   }
   const PixelRect wanted{centreX_ - area.width / 2, centreY_ - area.height / 2, area.width,
                          area.height};
-  const PixelRect shown = cutFrame(frame_.bytes(), layout, wanted, part_);
+  const PixelRect shown = cutFrame(frame_.bytes, layout, wanted, part_);
   centreX_ = shown.width < layout.width ? shown.left + area.width / 2 : layout.width / 2;
   centreY_ = shown.height < layout.height ? shown.top + area.height / 2 : layout.height / 2;
   curves_.apply(part_, tint_, pixels_);

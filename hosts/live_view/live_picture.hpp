@@ -9,7 +9,7 @@
 
 #include "imaging/statistics.hpp"
 #include "live_view/focus.hpp"
-#include "live_view/frame_exchange.hpp"
+#include "live_view/live_frame.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 
@@ -47,13 +47,13 @@ class LivePicture {
   /// The most diameters that are kept.
   static constexpr std::size_t trendLength = 120;
 
-  /// Shows this frame from now on. Swaps it with the one before, so that memory is used again.
-  void setFrame(LiveFrame& frame);
+  /// Shows this frame from now on.
+  void setFrame(LiveFrame frame);
 
   /// Forgets the frame: nothing is shown.
   void clear();
 
-  bool hasFrame() const { return frame_.size > 0; }
+  bool hasFrame() const { return !frame_.bytes.empty(); }
 
   /// Measures the frame if a measurement is due. Returns whether it did. Measuring takes an eighth
   /// of the time at most.

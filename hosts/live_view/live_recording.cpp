@@ -3,6 +3,7 @@
 
 #include <array>
 #include <system_error>
+#include <utility>
 
 #include "formats/ser_time.hpp"
 #include "system/system.hpp"
@@ -13,11 +14,11 @@ namespace orvane::host {
 namespace {
 
 std::filesystem::path newPath(const std::filesystem::path& directory,
-                              const CameraDescription& camera) {
+                              const oc::CameraInfo& camera) {
   return unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name));
 }
 
-SerDescription descriptionOf(const CameraDescription& camera, const FrameLayout& layout) {
+SerDescription descriptionOf(const oc::CameraInfo& camera, const FrameLayout& layout) {
   const auto now = std::chrono::system_clock::now();
   return {layout, "", camera.name, "", serLocalTicks(now), serTicks(now)};
 }
@@ -49,28 +50,36 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
   return path;
 }
 
-LiveRecording::LiveRecording(const std::filesystem::path& directory,
-                             const CameraDescription& camera, const FrameLayout& layout)
-    : path_(newPath(directory, camera)),
-      frameBytes_(frameBytes(layout)),
-      writer_(path_, descriptionOf(camera, layout)) {}
-
-void LiveRecording::addFrame(std::span<const std::uint8_t> frame) {
-  writer_.addFrame(frame, serTicks(std::chrono::system_clock::now()));
+std::string contentText(const RecordingProgress& recording) {
+  const std::string content = std::to_string(recording.frames) +
+                              (recording.frames == 1 ? " frame in " : " frames in ") +
+                              inQuotes(recording.file) + ".";
+  return recording.droppedFrames == 0 ? content
+                                      : content + " Dropped, since the disk did not keep up: " +
+                                            std::to_string(recording.droppedFrames) + ".";
 }
 
-void LiveRecording::keepValid() {
-  const Clock::time_point now = Clock::now();
-  if (now - checkpoint_ >= std::chrono::seconds(1)) {
-    checkpoint_ = now;
-    writer_.checkpoint();
+LiveRecording::LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
+                             const FrameLayout& layout, oc::FrameQueue frames)
+    : path_(newPath(directory, camera)),
+      frameBytes_(frameBytes(layout)),
+      recorder_(path_, descriptionOf(camera, layout), {}, std::move(frames)) {}
+
+void LiveRecording::close() {
+  recorder_.stop();
+  while (!recorder_.waitForEnd(std::chrono::hours(1))) {
+  }
+  try {
+    recorder_.requireSuccess();
+  } catch (const oc::Error&) {
+    // The camera's failure is told where it is noticed.
   }
 }
 
 RecordingProgress LiveRecording::progress() const {
-  const std::int64_t frames = writer_.frameCount();
+  const std::int64_t frames = recorder_.writtenFrames();
   return {utf8FromPath(path_.filename()), frames, frames * static_cast<std::int64_t>(frameBytes_),
-          std::chrono::duration<double>(Clock::now() - start_).count()};
+          std::chrono::duration<double>(Clock::now() - start_).count(), recorder_.droppedFrames()};
 }
 
 }  // namespace orvane::host

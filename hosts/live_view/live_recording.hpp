@@ -5,12 +5,10 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
-#include <span>
+#include <orvane_desktop_camera.hpp>
 #include <string>
 
-#include "formats/ser_writer.hpp"
-#include "imaging/frame_layout.hpp"
-#include "session/camera_description.hpp"
+#include "session/ser_recorder.hpp"
 
 namespace orvane::host {
 
@@ -23,26 +21,30 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
 
 /// How far a recording is.
 struct RecordingProgress {
-  std::string file;  ///< its name, UTF-8
-  std::int64_t frames = 0;
+  std::string file;         ///< its name, UTF-8
+  std::int64_t frames = 0;  ///< in the file
   std::int64_t bytes = 0;
   double seconds = 0;
+  std::int64_t droppedFrames = 0;  ///< the disk was too slow for them
 };
 
-/// A SER file that is being written. Members throw std::runtime_error with a sentence that names
-/// the file.
+/// "3 frames in "NAME"." and how many were dropped, if any.
+std::string contentText(const RecordingProgress& recording);
+
+/// A camera's frames on their way into a SER file in a directory.
 class LiveRecording {
  public:
-  LiveRecording(const std::filesystem::path& directory, const CameraDescription& camera,
-                const FrameLayout& layout);
+  /// Takes frames from the queue as SerRecorder does. Throws std::runtime_error with a sentence
+  /// that names the file.
+  LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
+                const FrameLayout& layout, oc::FrameQueue frames);
 
-  void addFrame(std::span<const std::uint8_t> frame);
+  /// True when it has ended by itself: the camera is lost or writing has failed.
+  bool hasEnded() { return recorder_.waitForEnd(std::chrono::milliseconds(0)); }
 
-  /// Brings the file's frame count up to date once a second.
-  void keepValid();
-
-  /// Finishes the file.
-  void close() { writer_.close(); }
+  /// Writes what waits and finishes the file. Throws what has failed but a lost camera, which is
+  /// not the recording's failure.
+  void close();
 
   RecordingProgress progress() const;
 
@@ -51,9 +53,8 @@ class LiveRecording {
 
   std::filesystem::path path_;
   std::size_t frameBytes_;
-  SerWriter writer_;
+  SerRecorder recorder_;
   Clock::time_point start_ = Clock::now();
-  Clock::time_point checkpoint_ = Clock::now();
 };
 
 }  // namespace orvane::host

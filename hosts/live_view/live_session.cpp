@@ -1,15 +1,15 @@
-// A live view's work with the library: looking for cameras, streaming, recording. All on one
-// thread.
+// A live view's work with the library: looking for cameras, streaming, recording.
 #include "live_view/live_session.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
-#include <thread>
 #include <utility>
 
 #include "live_view/control_steps.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
+#include "session/sdk_directory.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
 
@@ -17,33 +17,34 @@ namespace orvane::host {
 
 namespace {
 
-// Short, so that a key is not kept waiting by a long exposure.
-constexpr int longestWaitMs = 50;
-
-// A single failure passes; an unplugged camera's do not.
-constexpr int patience = 5;  // failures
-constexpr std::chrono::milliseconds pauseAfterFailure{50};
-
-// Not every SDK waits by itself.
-constexpr std::chrono::milliseconds pauseWithoutFrame{2};
+// For frames that wait to be written.
+constexpr std::int64_t waitingBytes = 256'000'000;
 
 constexpr std::int64_t usualExposureUs = 20000;
 constexpr int usualOffset = 10;
 
-CameraSettings usualSettings(const CameraDescription& camera) {
-  CameraSettings settings;
+oc::Settings usualSettings(const oc::CameraInfo& camera) {
+  oc::Settings settings;
   settings.width = camera.maxWidth;
   settings.height = camera.maxHeight;
   settings.bin = camera.bins.empty() ? 1 : camera.bins.front();
   settings.format = camera.formats.empty() ? PixelFormat::Raw8 : camera.formats.front();
   settings.exposureUs = usualExposureUs;
-  if (camera.hasLongestExposure()) {
+  if (hasLongestExposure(camera)) {
     settings.exposureUs = std::min(settings.exposureUs, camera.maxExposureUs);
   }
-  const std::int64_t gainRange = std::int64_t{camera.maxGain} - camera.minGain;
-  settings.gain = static_cast<int>(camera.minGain + (camera.hasGainRange() ? gainRange / 3 : 0));
+  settings.gain = usualGain(camera);
   settings.offset = usualOffset;
   return settings;
+}
+
+oc::CaptureOptions captureOptions(std::function<void()> onNews) {
+  oc::CaptureOptions options;
+  // Short, so that a key is not kept waiting by a long exposure.
+  options.longestCall = std::chrono::milliseconds(50);
+  options.silentWaits = 0;  // the user sees the silence and decides
+  options.onNews = std::move(onNews);
+  return options;
 }
 
 // The one after `now`, and after the last the first.
@@ -62,45 +63,53 @@ std::string numberOf(std::size_t count, const std::string& thing) {
 
 }  // namespace
 
-LiveSession::LiveSession(LiveOptions options) : options_(std::move(options)) {}
+LiveSession::LiveSession(LiveOptions options, std::function<void()> onNews)
+    : options_(std::move(options)), capture_(captureOptions(std::move(onNews))) {}
 
 void LiveSession::start() {
   scan();
   openFirst();
 }
 
-void LiveSession::carryOut(const LiveRequest& request) {
+void LiveSession::run(const LiveRequest& request) {
+  state();
   try {
-    std::visit([this](const auto& wanted) { carry(wanted); }, request);
+    std::visit([this](const auto& wanted) { execute(wanted); }, request);
   } catch (const std::exception& error) {
     say(NoticeKind::Error, error.what());
   }
 }
 
-bool LiveSession::poll() {
-  frame_.buffer.resize(camera_->bufferSize());  // after the exchange it is another one
+bool LiveSession::takeFrame(LiveFrame& frame) {
   try {
-    const auto frame = camera_->read(frame_.buffer, longestWaitMs);
-    failuresInRow_ = 0;
-    if (!frame.empty()) {
-      frameCame(frame.size());
+    if (oc::Frame newest = capture_.next(std::chrono::milliseconds(0))) {
+      frame = liveFrame(std::move(newest));
       return true;
     }
-    std::this_thread::sleep_for(pauseWithoutFrame);
-  } catch (const std::exception& error) {
-    readFailed(error.what());
+  } catch (const oc::Error&) {
+    // The camera is lost; state() tells.
   }
   return false;
 }
 
 const LiveState& LiveSession::state() {
-  const Clock::time_point now = Clock::now();
-  state_.framesPerSecond = camera_ ? rate_.perSecond(now) : 0;
-  state_.silentSeconds = camera_ ? std::chrono::duration<double>(now - lastFrame_).count() : 0;
-  if (camera_ && now - temperatureRead_ >= std::chrono::seconds(1)) {
-    temperatureRead_ = now;
-    state_.temperature = camera_->temperature().value_or(std::numeric_limits<double>::quiet_NaN());
+  // In this order: a recording that ended because the camera was lost is noticed with the camera.
+  const bool hasRecordingEnded = recording_ && recording_->hasEnded();
+  const oc::CaptureState now = capture_.state();
+  if (isStreaming()) {
+    noticeFailures(now);
   }
+  if (hasRecordingEnded && recording_) {
+    endRecording();
+  }
+  state_.opening = now.opening;
+  state_.settled = now.refusals;
+  state_.settings = now.settings;
+  state_.layout = now.layout;
+  state_.frames = now.frames;
+  state_.framesPerSecond = now.framesPerSecond;
+  state_.temperature = now.temperature.value_or(std::numeric_limits<double>::quiet_NaN());
+  state_.silentSeconds = std::chrono::duration<double>(now.silence).count();
   state_.recording.reset();
   if (recording_) {
     state_.recording = recording_->progress();
@@ -109,15 +118,15 @@ const LiveState& LiveSession::state() {
 }
 
 void LiveSession::stop() {
-  endRecording("");
-  close();
+  endRecording();
+  capture_.close().get();
 }
 
-void LiveSession::carry(const RescanRequest&) {
+void LiveSession::execute(const RescanRequest&) {
   if (!mayReopen()) {
     return;
   }
-  close();
+  capture_.close().get();
   scan();
   if (state_.cameraName.empty()) {
     openFirst();
@@ -130,71 +139,58 @@ void LiveSession::carry(const RescanRequest&) {
                                  numberOf(state_.cameras.size(), "camera") + ".");
     return;
   }
-  open(*position, state_.settings);
+  open(*position, wanted_);
 }
 
-// Where the camera that was open is now. Of several of a kind, it is where it was before.
+// Where the camera that was open is now.
 std::optional<std::size_t> LiveSession::positionOfBefore() const {
-  const auto isIt = [this](const CameraDescription& camera) {
-    return camera.name == state_.cameraName;
-  };
-  if (lastPosition_ < state_.cameras.size() && isIt(state_.cameras[lastPosition_])) {
-    return lastPosition_;
+  const auto again = oc::findAgain(state_.cameras, capture_.state().camera);
+  for (std::size_t position = 0; again && position < state_.cameras.size(); ++position) {
+    if (state_.cameras[position].index == again->index) {
+      return position;
+    }
   }
-  const auto found = std::find_if(state_.cameras.begin(), state_.cameras.end(), isIt);
-  if (found == state_.cameras.end()) {
-    return std::nullopt;
-  }
-  return static_cast<std::size_t>(found - state_.cameras.begin());
+  return std::nullopt;
 }
 
-void LiveSession::carry(const ChooseRequest& request) {
+void LiveSession::execute(const ChooseRequest& request) {
   if (request.position < state_.cameras.size() && mayReopen()) {
     open(request.position, usualSettings(state_.cameras[request.position]));
   }
 }
 
-void LiveSession::carry(const ControlsRequest& request) {
-  if (!camera_) {
-    return;
-  }
-  const CameraSettings before = state_.settings;
-  try {
-    camera_->apply(request.exposureUs, request.gain, request.offset);
-    state_.settings.exposureUs = request.exposureUs;
-    state_.settings.gain = request.gain;
-    state_.settings.offset = request.offset;
-  } catch (const CameraError& error) {
-    ++state_.settled;
-    say(NoticeKind::Error, std::string("The camera refused the setting: ") + error.what() + ".");
-    // Part of it may be in force; what was before was accepted as a whole.
-    camera_->apply(before.exposureUs, before.gain, before.offset);
+void LiveSession::execute(const ControlsRequest& request) {
+  if (isStreaming()) {
+    wanted_.exposureUs = request.exposureUs;
+    wanted_.gain = request.gain;
+    wanted_.offset = request.offset;
+    capture_.apply(request.exposureUs, request.gain, request.offset);
   }
 }
 
-void LiveSession::carry(const NextFormatRequest&) {
-  if (camera_ && mayReopen()) {
-    CameraSettings settings = state_.settings;
-    settings.format = nextOf(state_.camera()->formats, settings.format);
-    reopen(settings);
+void LiveSession::execute(const NextFormatRequest&) {
+  if (isStreaming() && mayReopen()) {
+    wanted_.format = nextOf(state_.camera()->formats, wanted_.format);
+    reopen();
   }
 }
 
-void LiveSession::carry(const NextBinRequest&) {
-  if (camera_ && mayReopen()) {
-    CameraSettings settings = state_.settings;
-    settings.bin = nextOf(state_.camera()->bins, settings.bin);
-    reopen(settings);
+void LiveSession::execute(const NextBinRequest&) {
+  if (isStreaming() && mayReopen()) {
+    wanted_.bin = nextOf(state_.camera()->bins, wanted_.bin);
+    reopen();
   }
 }
 
-void LiveSession::carry(const ToggleRecordingRequest&) {
+void LiveSession::execute(const ToggleRecordingRequest&) {
   if (recording_) {
-    endRecording("");
-  } else if (!camera_) {
+    endRecording();
+  } else if (!isStreaming()) {
     say(NoticeKind::Warning, "There is no camera to record from.");
   } else {
-    recording_.emplace(options_.recordings, *state_.camera(), state_.layout);
+    const std::size_t capacity = recordingCapacity(waitingBytes, capture_.state().bufferSize);
+    recording_.emplace(options_.recordings, *state_.camera(), state_.layout,
+                       capture_.frames(oc::Delivery::Every, capacity));
     say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
                                      inQuotes(utf8FromPath(options_.recordings)) + ".");
   }
@@ -213,18 +209,19 @@ void LiveSession::scan() {
   state_.cameras.clear();
   state_.chosen.reset();
   try {
-    const CameraCatalogue catalogue = readCatalogue(options_.sdkDirectory);
-    state_.cameras = catalogue.cameras;
-    const std::string found = catalogue.cameras.empty()
+    const oc::Scan scan =
+        presentable(capture_.rescan(fullSdkDirectory(options_.sdkDirectory)).get());
+    state_.cameras = scan.cameras;
+    const std::string found = scan.cameras.empty()
                                   ? "No camera was found; plug one in and press F5."
-                                  : "Found " + numberOf(catalogue.cameras.size(), "camera") + ".";
-    if (catalogue.libraries.empty()) {
+                                  : "Found " + numberOf(scan.cameras.size(), "camera") + ".";
+    if (scan.libraries.empty()) {
       say(NoticeKind::Error,
           "No SDK could be loaded from " + inQuotes(options_.sdkDirectory) + ".");
-    } else if (!catalogue.problems.empty()) {
-      say(NoticeKind::Error, found + " Some failed: " + catalogue.problems + ".");
+    } else if (!scan.error.empty()) {
+      say(NoticeKind::Error, found + " Some failed: " + scan.error + ".");
     } else {
-      say(catalogue.cameras.empty() ? NoticeKind::Warning : NoticeKind::Information, found);
+      say(scan.cameras.empty() ? NoticeKind::Warning : NoticeKind::Information, found);
     }
   } catch (const std::exception& error) {
     say(NoticeKind::Error, error.what());
@@ -242,109 +239,79 @@ void LiveSession::openFirst() {
     return;
   }
   try {
-    const CameraDescription& camera = chooseCamera(state_.cameras, options_.camera);
+    const oc::CameraInfo& camera = chooseCamera(state_.cameras, options_.camera);
     open(static_cast<std::size_t>(&camera - state_.cameras.data()), usualSettings(camera));
   } catch (const UsageError& error) {
     say(NoticeKind::Error, error.what());
   }
 }
 
-void LiveSession::open(std::size_t position, const CameraSettings& settings) {
-  close();
+void LiveSession::open(std::size_t position, const oc::Settings& settings) {
   state_.chosen = position;
-  state_.settings = settings;
-  state_.frames = 0;
-  ++state_.opening;
-  const CameraDescription& camera = state_.cameras[position];
-  state_.cameraName = camera.name;
-  lastPosition_ = position;
-  try {
-    camera_.emplace(camera, settings);
-  } catch (const CameraError& error) {
-    state_.phase = LivePhase::Lost;
-    say(NoticeKind::Error, camera.name + " cannot be opened: " + error.what() + ".");
-    return;
-  }
-  state_.phase = LivePhase::Streaming;
-  state_.layout = camera_->layout();
-  rate_.clear();
-  failuresInRow_ = 0;
-  lastFrame_ = Clock::now();
-  temperatureRead_ = {};
-  say(NoticeKind::Information, camera.name + " is streaming.");
+  state_.cameraName = state_.cameras[position].name;
+  finishOpening(capture_.open(state_.cameras[position], settings));
 }
 
 // The same camera with other settings; with those of before where it refuses them.
-void LiveSession::reopen(const CameraSettings& settings) {
-  const CameraSettings before = state_.settings;
-  const std::size_t position = *state_.chosen;
-  open(position, settings);
-  if (!camera_) {
-    const Notice failure = state_.notice;
-    open(position, before);
-    state_.notice = failure;
-  }
+void LiveSession::reopen() {
+  finishOpening(capture_.reopen(wanted_));
 }
 
-void LiveSession::close() {
-  camera_.reset();
-  state_.temperature = std::numeric_limits<double>::quiet_NaN();
-}
-
-void LiveSession::frameCame(std::size_t size) {
-  lastFrame_ = Clock::now();
-  rate_.add(lastFrame_);
-  ++state_.frames;
-  frame_.layout = state_.layout;
-  frame_.bitDepth = state_.camera()->bitDepth;
-  frame_.opening = state_.opening;
-  frame_.size = size;
-  if (!recording_) {
-    return;
-  }
+void LiveSession::finishOpening(std::future<void> opening) {
+  state_.phase = LivePhase::Streaming;
+  state_.settled = 0;
+  failuresTold_ = 0;
   try {
-    recording_->addFrame(frame_.bytes());
-    recording_->keepValid();
+    opening.get();
+    say(NoticeKind::Information, state_.cameraName + " is streaming.");
   } catch (const std::exception& error) {
-    endRecording(error.what());
+    if (capture_.state().phase == oc::Phase::Lost) {
+      state_.phase = LivePhase::Lost;
+    }
+    say(NoticeKind::Error, state_.cameraName + " cannot be opened: " + error.what() + ".");
   }
+  wanted_ = capture_.state().settings;
 }
 
-void LiveSession::readFailed(const std::string& text) {
-  const std::string name = state_.camera()->name;
-  if (++failuresInRow_ < patience) {
-    say(NoticeKind::Warning, name + ": " + text + ".");
-    std::this_thread::sleep_for(pauseAfterFailure);
-    return;
+void LiveSession::noticeFailures(const oc::CaptureState& now) {
+  if (now.refusals != state_.settled) {
+    wanted_ = now.settings;
+    say(NoticeKind::Error, "The camera refused the setting: " + now.refusal + ".");
   }
-  const bool wasRecording = recording_.has_value();
-  endRecording("");
-  const std::string saved = wasRecording ? " " + state_.notice.text : "";
-  close();
+  if (now.phase == oc::Phase::Lost) {
+    cameraIsLost(now.text);
+  } else if (now.failedReads != failuresTold_) {
+    say(NoticeKind::Warning, state_.cameraName + ": " + now.text + ".");
+  }
+  failuresTold_ = now.failedReads;
+}
+
+void LiveSession::cameraIsLost(const std::string& text) {
   state_.phase = LivePhase::Lost;
-  say(NoticeKind::Error,
-      name + " does not answer (" + text + "). Check its cable, then press F5." + saved);
+  const bool wasRecording = recording_.has_value();
+  endRecording();
+  const std::string saved = wasRecording ? " " + state_.notice.text : "";
+  say(NoticeKind::Error, state_.cameraName + " does not answer (" + text +
+                             "). Check its cable, then press F5." + saved);
 }
 
-// `because` is the failure that ended the recording, or "".
-void LiveSession::endRecording(const std::string& because) {
+void LiveSession::endRecording() {
   if (!recording_) {
     return;
   }
-  const RecordingProgress progress = recording_->progress();
-  std::string failure = because;
+  std::string failure;
   try {
     recording_->close();
   } catch (const std::exception& error) {
-    failure = failure.empty() ? error.what() : failure;
+    failure = error.what();
   }
+  const RecordingProgress progress = recording_->progress();
   recording_.reset();
-  const std::string kept = numberOf(static_cast<std::size_t>(progress.frames), "frame") + " in " +
-                           inQuotes(progress.file) + ".";
-  if (failure.empty()) {
-    say(NoticeKind::Information, "Recorded " + kept);
+  if (!failure.empty()) {
+    say(NoticeKind::Error, failure + " The recording has ended with " + contentText(progress));
   } else {
-    say(NoticeKind::Error, failure + " The recording has ended with " + kept);
+    say(progress.droppedFrames > 0 ? NoticeKind::Warning : NoticeKind::Information,
+        "Recorded " + contentText(progress));
   }
 }
 

@@ -1,22 +1,20 @@
-// A live view's work with the library: looking for cameras, streaming, recording. All on one
-// thread.
+// A live view's work with the library: looking for cameras, streaming, recording.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <future>
 #include <limits>
 #include <optional>
+#include <orvane_desktop_camera.hpp>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "live_view/frame_exchange.hpp"
+#include "live_view/live_frame.hpp"
 #include "live_view/live_recording.hpp"
-#include "live_view/rate_meter.hpp"
-#include "session/camera_description.hpp"
-#include "session/camera_session.hpp"
 
 namespace orvane::host {
 
@@ -60,14 +58,14 @@ struct Notice {
 /// What the user is shown.
 struct LiveState {
   LivePhase phase = LivePhase::Searching;
-  std::vector<CameraDescription> cameras;
+  std::vector<oc::CameraInfo> cameras;
   std::optional<std::size_t> chosen;  ///< position of the camera that is, or was last, open
   std::string cameraName;             ///< its name, which stays when a scan does not find it again
-  CameraSettings settings;            ///< in force
+  oc::Settings settings;              ///< in force
   FrameLayout layout;
   std::uint64_t opening = 0;  ///< counts how often a camera was opened
-  std::uint64_t settled = 0;  ///< counts how often settings became other than asked for
-  std::int64_t frames = 0;    ///< since the opening
+  std::uint64_t settled = 0;  ///< counts how often the camera refused settings
+  std::uint64_t frames = 0;   ///< since the opening
   double framesPerSecond = 0;
   double temperature = std::numeric_limits<double>::quiet_NaN();  ///< degrees Celsius
   double silentSeconds = 0;  ///< since the last frame, or since the opening
@@ -75,69 +73,60 @@ struct LiveState {
   std::optional<RecordingProgress> recording;
 
   /// The camera that is, or was last, open.
-  const CameraDescription* camera() const { return chosen ? &cameras[*chosen] : nullptr; }
+  const oc::CameraInfo* camera() const { return chosen ? &cameras[*chosen] : nullptr; }
 };
 
-/// Every member is called on the same thread, the library's only caller.
+/// Every member but takeFrame() is called on the same thread. Those that scan, open or end a
+/// recording wait for that.
 class LiveSession {
  public:
-  explicit LiveSession(LiveOptions options);
+  /// `onNews` is called on the capture thread as CaptureOptions::onNews says.
+  explicit LiveSession(LiveOptions options, std::function<void()> onNews = {});
 
   /// Looks for cameras the first time, and opens the one that was named or the only one.
   void start();
 
   /// Does what the user asks for. Failures become notices.
-  void carryOut(const LiveRequest& request);
+  void run(const LiveRequest& request);
 
-  /// True while a camera streams.
-  bool isStreaming() const { return camera_.has_value(); }
+  /// True while a camera streams, as far as state() has noticed.
+  bool isStreaming() const { return state_.phase == LivePhase::Streaming; }
 
-  /// Asks the streaming camera for a frame, which is recorded if a recording runs. Waits for a
-  /// twentieth of a second at most, as far as the SDK keeps to that. True when a frame came: it is
-  /// in frame().
-  bool poll();
+  /// Takes the newest frame; false when there has been none since the last call. From any thread.
+  bool takeFrame(LiveFrame& frame);
 
-  /// The frame that came last. Another buffer may be left in its place.
-  LiveFrame& frame() { return frame_; }
-
-  /// With everything that changes by itself brought up to date.
+  /// Brought up to date, with notices of what has happened in between.
   const LiveState& state();
 
   /// Ends a recording and closes the camera.
   void stop();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  void carry(const RescanRequest& request);
-  void carry(const ChooseRequest& request);
-  void carry(const ControlsRequest& request);
-  void carry(const NextFormatRequest& request);
-  void carry(const NextBinRequest& request);
-  void carry(const ToggleRecordingRequest& request);
+  void execute(const RescanRequest& request);
+  void execute(const ChooseRequest& request);
+  void execute(const ControlsRequest& request);
+  void execute(const NextFormatRequest& request);
+  void execute(const NextBinRequest& request);
+  void execute(const ToggleRecordingRequest& request);
 
   bool mayReopen();
   void scan();
   void openFirst();
   std::optional<std::size_t> positionOfBefore() const;
-  void open(std::size_t position, const CameraSettings& settings);
-  void reopen(const CameraSettings& settings);
-  void close();
-  void frameCame(std::size_t size);
-  void readFailed(const std::string& text);
-  void endRecording(const std::string& because);
+  void open(std::size_t position, const oc::Settings& settings);
+  void reopen();
+  void finishOpening(std::future<void> opening);
+  void noticeFailures(const oc::CaptureState& now);
+  void cameraIsLost(const std::string& text);
+  void endRecording();
   void say(NoticeKind kind, const std::string& text);
 
   LiveOptions options_;
   LiveState state_;
-  std::optional<CameraSession> camera_;
+  oc::Settings wanted_;  // the camera may not have them yet
+  std::uint64_t failuresTold_ = 0;
+  oc::CaptureThread capture_;
   std::optional<LiveRecording> recording_;
-  std::size_t lastPosition_ = 0;  // of the camera that was opened last
-  LiveFrame frame_;
-  RateMeter rate_;
-  Clock::time_point lastFrame_;
-  Clock::time_point temperatureRead_;
-  int failuresInRow_ = 0;
 };
 
 }  // namespace orvane::host

@@ -121,7 +121,7 @@ Notice statusLine(const LiveState& state) {
   return state.notice;
 }
 
-std::string cameraDetails(const CameraDescription& camera) {
+std::string cameraDetails(const oc::CameraInfo& camera) {
   const std::string bayer = bayerName(camera.bayer);
   return sizeText(camera.maxWidth, camera.maxHeight) + "   " + std::to_string(camera.bitDepth) +
          " bit   " + (camera.isColor ? bayer.empty() ? "colour" : bayer : "mono") +

@@ -47,6 +47,6 @@ std::string emptyPictureText(const LiveState& state);
 Notice statusLine(const LiveState& state);
 
 /// "2  ZWO ASI294MC Pro" and what the camera is, for the list of cameras.
-std::string cameraDetails(const CameraDescription& camera);
+std::string cameraDetails(const oc::CameraInfo& camera);
 
 }  // namespace orvane::host

@@ -234,9 +234,10 @@ void LiveWindow::newsCame() {
     state_ = state;
     stateCame(*state);
   }
-  if (camera_->takeFrame(frame_) && frame_.opening == state_->opening &&
+  LiveFrame frame;
+  if (camera_->takeFrame(frame) && frame.opening == state_->opening &&
       state_->phase == LivePhase::Streaming) {
-    picture_.setFrame(frame_);
+    picture_.setFrame(std::move(frame));
     if (picture_.measure(LivePicture::Clock::now())) {
       redrawPanel();
     }
@@ -248,7 +249,7 @@ void LiveWindow::stateCame(const LiveState& state) {
   if (state.opening != opening_ || state.settled != settled_) {
     opening_ = state.opening;
     settled_ = state.settled;
-    controls_ = {state.settings.exposureUs, state.settings.gain, state.settings.offset};
+    controls_ = {state.settings.exposureUs, state.settings.gain.value_or(0), state.settings.offset};
   }
   if (state.phase != LivePhase::Streaming && picture_.hasFrame()) {
     picture_.clear();
@@ -295,7 +296,7 @@ bool LiveWindow::keyInCameraList(const KeyPress& press) {
 }
 
 void LiveWindow::execute(ViewCommand command) {
-  const CameraDescription* const camera = state_->camera();
+  const oc::CameraInfo* const camera = state_->camera();
   if (camera != nullptr && state_->phase == LivePhase::Streaming) {
     if (const auto controls = controlsAfter(command, controls_, *camera)) {
       sendControls(*controls);
@@ -434,7 +435,7 @@ void LiveWindow::wheelTurned(int x, int y, int clicks) {
 }
 
 void LiveWindow::moveSlider(SliderKind slider, const PixelRect& track, int x) {
-  const CameraDescription* const camera = state_->camera();
+  const oc::CameraInfo* const camera = state_->camera();
   if (camera != nullptr && state_->phase == LivePhase::Streaming) {
     sendControls(controlsAfter(slider, placeOnTrack(track, x), controls_, *camera));
   }

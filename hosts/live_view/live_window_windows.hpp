@@ -65,7 +65,6 @@ class LiveWindow {
   GdiCanvas canvas_;
   WindowLayout layout_;
   LivePicture picture_;
-  LiveFrame frame_;
   std::shared_ptr<const LiveState> state_ = std::make_shared<LiveState>();
   ControlsRequest controls_;
   std::uint64_t opening_ = 0;

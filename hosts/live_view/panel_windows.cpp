@@ -320,7 +320,7 @@ void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette
   const int inset = scaled(8, dpi);
   for (int number = 0; number < list.rows; ++number) {
     const auto position = static_cast<std::size_t>(number);
-    const CameraDescription& camera = state.cameras[position];
+    const oc::CameraInfo& camera = state.cameras[position];
     const PixelRect row = list.row(number);
     const bool isSelected = position == selected;
     if (isSelected) {

@@ -7,18 +7,19 @@
 #include <iostream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "formats/png_writer.hpp"
 #include "oc_capture/bench_chart.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/frame_source.hpp"
+#include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/text_table.hpp"
 #include "session/camera_choice.hpp"
-#include "session/camera_session.hpp"
 #include "session/frame_timing.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -57,13 +58,13 @@ double secondsBetween(Clock::time_point start, Clock::time_point end) {
 // The measurements to make. All options are checked against their cameras before the first camera
 // is opened.
 std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
-  const CameraCatalogue catalogue = findCameras(settings.camera.sdkDirectory);
-  std::vector<CameraDescription> cameras = catalogue.cameras;
+  const oc::Scan catalogue = findCameras(settings.camera.sdkDirectory);
+  std::vector<oc::CameraInfo> cameras = catalogue.cameras;
   if (!settings.camera.camera.empty()) {
     cameras = {chooseCamera(catalogue.cameras, settings.camera.camera)};
   }
   std::vector<ChosenCamera> planned;
-  for (const CameraDescription& camera : cameras) {
+  for (const oc::CameraInfo& camera : cameras) {
     CameraOptions options = settings.camera;
     if (options.format) {
       planned.push_back({camera, settingsFor(options, camera)});
@@ -90,7 +91,7 @@ class Bench {
   Measurement run() {
     try {
       measure();
-    } catch (const CameraError& error) {
+    } catch (const oc::Error& error) {
       result_.error = error.what();
     }
     summarise();
@@ -112,24 +113,23 @@ class Bench {
   }
 
   void measure() {
-    CameraSession session(camera_.description, camera_.settings);
-    result_.layout = session.layout();
-    FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(settings_.camera.discard, line_);
-    source.discard(1, line_);
-    const std::int64_t notReadyBefore = source.notReadyAnswers();
-    const Clock::time_point start = Clock::now();
+    CameraStream stream(camera_, settings_.camera, std::nullopt);
+    result_.layout = stream.state().layout;
+    stream.discard(settings_.camera.discard, line_);
+    stream.discard(1, line_);
+    const std::uint64_t notReadyBefore = stream.state().emptyReads;
+    const Clock::time_point start = stream.start();
     const Clock::time_point end = start + std::chrono::microseconds(settings_.durationUs);
     Clock::time_point last = start;
     while (!stopRequested() && Clock::now() < end) {
-      const auto frame = source.poll();
-      if (!frame.empty()) {
-        const Clock::time_point now = Clock::now();
-        waits_.push_back(secondsBetween(last, now));
-        last = now;
-        correctFrame(frame, session.layout(), settings_.camera.correction);
+      if (const oc::Frame frame = stream.next()) {
+        waits_.push_back(secondsBetween(last, frame.arrival()));
+        last = frame.arrival();
+        correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
+                     settings_.camera.correction);
       }
-      result_.notReadyAnswers = source.notReadyAnswers() - notReadyBefore;
+      result_.notReadyAnswers =
+          static_cast<std::int64_t>(stream.state().emptyReads - notReadyBefore);
       result_.seconds = secondsBetween(start, last);
       if (line_.isDue()) {
         line_.show(result_.camera + ", " + formatName(result_.layout.format) + ": " +
@@ -138,7 +138,7 @@ class Bench {
       }
     }
     if (waits_.empty() && !stopRequested()) {
-      throw CameraError("no second frame came in time");
+      throw oc::Error("no second frame came in time");
     }
   }
 

@@ -51,7 +51,7 @@ ReadValue intoSeconds(CaptureLength& length) {
 
 // Throws unless the camera offers the value.
 template <class Value, class Text>
-void requireListed(const CameraDescription& camera, const char* what, Value wanted,
+void requireListed(const oc::CameraInfo& camera, const char* what, Value wanted,
                    const std::vector<Value>& offered, Text text) {
   if (std::find(offered.begin(), offered.end(), wanted) != offered.end()) {
     return;
@@ -61,7 +61,7 @@ void requireListed(const CameraDescription& camera, const char* what, Value want
                    "; it offers " + (list.empty() ? "none" : list) + ".");
 }
 
-int sideOf(const CameraDescription& camera, const char* option, std::optional<int> wanted,
+int sideOf(const oc::CameraInfo& camera, const char* option, std::optional<int> wanted,
            int longest) {
   if (wanted && *wanted > longest) {
     throw UsageError(std::string(option) + " can be " + std::to_string(longest) + " at most with " +
@@ -70,7 +70,7 @@ int sideOf(const CameraDescription& camera, const char* option, std::optional<in
   return wanted.value_or(longest);
 }
 
-PixelFormat formatOf(const CameraDescription& camera, std::optional<PixelFormat> wanted) {
+PixelFormat formatOf(const oc::CameraInfo& camera, std::optional<PixelFormat> wanted) {
   if (!wanted && camera.formats.empty()) {
     throw UsageError(camera.name + " offers no pixel format.");
   }
@@ -79,16 +79,12 @@ PixelFormat formatOf(const CameraDescription& camera, std::optional<PixelFormat>
   return format;
 }
 
-int gainOf(const CameraDescription& camera, std::optional<int> wanted) {
-  if (!wanted) {
-    const std::int64_t range = std::int64_t{camera.maxGain} - camera.minGain;
-    return static_cast<int>(camera.minGain + (camera.hasGainRange() ? range / 3 : 0));
-  }
-  if (camera.hasGainRange() && (*wanted < camera.minGain || *wanted > camera.maxGain)) {
+int gainOf(const oc::CameraInfo& camera, std::optional<int> wanted) {
+  if (wanted && hasGainRange(camera) && (*wanted < camera.minGain || *wanted > camera.maxGain)) {
     throw UsageError("--gain can be " + std::to_string(camera.minGain) + " to " +
                      std::to_string(camera.maxGain) + " with " + camera.name + ".");
   }
-  return *wanted;
+  return wanted.value_or(usualGain(camera));
 }
 
 }  // namespace
@@ -138,8 +134,8 @@ void addLengthOptions(CommandOptions& options, CaptureLength& length, const char
   options.add("--seconds", "S", secondsDescription, intoSeconds(length));
 }
 
-CameraSettings settingsFor(const CameraOptions& options, const CameraDescription& camera) {
-  CameraSettings settings;
+oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera) {
+  oc::Settings settings;
   settings.width = sideOf(camera, "--width", options.width, camera.maxWidth);
   settings.height = sideOf(camera, "--height", options.height, camera.maxHeight);
   settings.bin = options.bin;
@@ -147,7 +143,7 @@ CameraSettings settingsFor(const CameraOptions& options, const CameraDescription
                 [](int bin) { return std::to_string(bin); });
   settings.format = formatOf(camera, options.format);
   settings.exposureUs = options.exposureUs;
-  if (camera.hasLongestExposure() && settings.exposureUs > camera.maxExposureUs) {
+  if (hasLongestExposure(camera) && settings.exposureUs > camera.maxExposureUs) {
     throw UsageError("--exposure can be " + durationText(camera.maxExposureUs) + " at most with " +
                      camera.name + ".");
   }
@@ -159,20 +155,20 @@ CameraSettings settingsFor(const CameraOptions& options, const CameraDescription
   return settings;
 }
 
-CameraCatalogue findCameras(const std::string& sdkDirectory) {
-  CameraCatalogue catalogue = readCatalogue(sdkDirectory);
-  if (!catalogue.problems.empty()) {
-    std::cerr << "oc_capture: " << catalogue.problems << "\n";
+oc::Scan findCameras(const std::string& sdkDirectory) {
+  oc::Scan catalogue = readCatalogue(sdkDirectory);
+  if (!catalogue.error.empty()) {
+    std::cerr << "oc_capture: " << catalogue.error << "\n";
   }
   if (catalogue.cameras.empty()) {
-    throw CameraError("No camera was found.");
+    throw oc::Error("No camera was found.");
   }
   return catalogue;
 }
 
 ChosenCamera findCamera(const CameraOptions& options) {
-  const CameraCatalogue catalogue = findCameras(options.sdkDirectory);
-  const CameraDescription& camera = chooseCamera(catalogue.cameras, options.camera);
+  const oc::Scan catalogue = findCameras(options.sdkDirectory);
+  const oc::CameraInfo& camera = chooseCamera(catalogue.cameras, options.camera);
   return {camera, settingsFor(options, camera)};
 }
 

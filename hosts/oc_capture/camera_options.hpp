@@ -11,8 +11,6 @@
 #include "imaging/frame_layout.hpp"
 #include "oc_capture/command.hpp"
 #include "session/camera_catalogue.hpp"
-#include "session/camera_description.hpp"
-#include "session/camera_session.hpp"
 
 namespace orvane::host {
 
@@ -58,20 +56,20 @@ void addLengthOptions(CommandOptions& options, CaptureLength& length, const char
 
 /// A camera that was found, and the settings to open it with.
 struct ChosenCamera {
-  CameraDescription description;
-  CameraSettings settings;
+  oc::CameraInfo description;
+  oc::Settings settings;
 };
 
 /// The settings that are asked for, completed with the camera's own. Throws UsageError with
 /// a sentence that says what the camera offers.
-CameraSettings settingsFor(const CameraOptions& options, const CameraDescription& camera);
+oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
 /// Scans for cameras to use one of them. Errors of the scan go to standard error: the camera that
-/// is meant may have been found all the same. Throws CameraError when there is no camera at all.
-CameraCatalogue findCameras(const std::string& sdkDirectory);
+/// is meant may have been found all the same. Throws oc::Error when there is no camera at all.
+oc::Scan findCameras(const std::string& sdkDirectory);
 
 /// Scans and chooses. Throws UsageError when no camera, or more than one, fits the options, or when
-/// this camera cannot do what they ask, and CameraError when there is no camera at all.
+/// this camera cannot do what they ask, and oc::Error when there is no camera at all.
 ChosenCamera findCamera(const CameraOptions& options);
 
 }  // namespace orvane::host

@@ -7,7 +7,7 @@
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/doctor_report.hpp"
-#include "session/camera_session.hpp"
+#include "session/camera_catalogue.hpp"
 #include "session/sdk_directory.hpp"
 #include "system/text.hpp"
 
@@ -40,9 +40,10 @@ void scan(DoctorFindings& findings) {
   if (!canBeScanned(findings.sdks)) {
     return;
   }
-  const ScanResult result = scanCameras(utf8FromPath(findings.directory));
-  findings.scan = LibraryFindings{validUtf8(result.libraries), validUtf8(result.error),
-                                  static_cast<int>(result.infos.size())};
+  const oc::Scan found = presentable(oc::scan(findings.directory));
+  findings.scan =
+      LibraryFindings{joined(found.libraries, ", ", [](const std::string& name) { return name; }),
+                      found.error, static_cast<int>(found.cameras.size())};
 }
 
 int examineSdks(const DoctorSettings& settings) {

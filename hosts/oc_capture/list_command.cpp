@@ -13,7 +13,6 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/text_table.hpp"
 #include "session/camera_catalogue.hpp"
-#include "session/camera_description.hpp"
 #include "system/argument_values.hpp"
 #include "system/text.hpp"
 
@@ -37,7 +36,7 @@ std::string pixelPitch(double micrometres) {
   return std::isnan(micrometres) ? "-" : decimal(micrometres) + " um";
 }
 
-std::string colour(const CameraDescription& camera) {
+std::string colour(const oc::CameraInfo& camera) {
   if (!camera.isColor) {
     return "mono";
   }
@@ -45,7 +44,7 @@ std::string colour(const CameraDescription& camera) {
 }
 
 // "-" when the camera is not USB 3 or the SDK does not tell.
-std::string usb(const CameraDescription& camera) {
+std::string usb(const oc::CameraInfo& camera) {
   if (!camera.isUsb3Camera) {
     return "-";
   }
@@ -56,14 +55,14 @@ std::string orDash(const std::string& text) {
   return text.empty() ? "-" : text;
 }
 
-std::string gainRange(const CameraDescription& camera) {
-  return camera.hasGainRange()
+std::string gainRange(const oc::CameraInfo& camera) {
+  return hasGainRange(camera)
              ? std::to_string(camera.minGain) + " to " + std::to_string(camera.maxGain)
              : "-";
 }
 
-TableRow rowOf(const CameraDescription& camera) {
-  return {std::to_string(camera.id),
+TableRow rowOf(const oc::CameraInfo& camera) {
+  return {std::to_string(camera.index),
           camera.name,
           std::to_string(camera.maxWidth) + " x " + std::to_string(camera.maxHeight),
           std::to_string(camera.bitDepth),
@@ -74,25 +73,28 @@ TableRow rowOf(const CameraDescription& camera) {
           orDash(joined(camera.bins, ",", [](int bin) { return std::to_string(bin); })),
           orDash(joined(camera.formats, ",", formatName)),
           gainRange(camera),
-          camera.hasLongestExposure() ? durationText(camera.maxExposureUs) : "-"};
+          hasLongestExposure(camera) ? durationText(camera.maxExposureUs) : "-"};
 }
 
-std::string cameraTable(const std::vector<CameraDescription>& cameras) {
+std::string cameraTable(const std::vector<oc::CameraInfo>& cameras) {
   std::vector<TableRow> rows{{"Index", "Name", "Sensor", "Bits", "Pixel", "Colour", "Cooled", "USB",
                               "Bins", "Formats", "Gain", "Longest exposure"}};
   std::transform(cameras.begin(), cameras.end(), std::back_inserter(rows), rowOf);
   return textTable(rows, rows.front().size());
 }
 
-void printJson(const CameraCatalogue& catalogue) {
+void printJson(const oc::Scan& catalogue) {
   nlohmann::ordered_json document;
   document["libraries"] = catalogue.libraries;
-  document["error"] = catalogue.problems;
-  document["cameras"] = catalogue.json;
+  document["error"] = catalogue.error;
+  document["cameras"] = nlohmann::ordered_json::array();
+  for (const oc::CameraInfo& camera : catalogue.cameras) {
+    document["cameras"].push_back(descriptionOf(camera));
+  }
   std::cout << document.dump(2) << "\n";
 }
 
-void printText(const CameraCatalogue& catalogue) {
+void printText(const oc::Scan& catalogue) {
   const std::string libraries =
       joined(catalogue.libraries, ", ", [](const std::string& name) { return name; });
   std::cout << "Libraries: " << (libraries.empty() ? "none" : libraries) << "\n";
@@ -104,7 +106,7 @@ void printText(const CameraCatalogue& catalogue) {
 }
 
 int listCameras(const ListSettings& settings) {
-  const CameraCatalogue catalogue = readCatalogue(settings.sdkDirectory);
+  const oc::Scan catalogue = readCatalogue(settings.sdkDirectory);
   if (settings.asJson) {
     printJson(catalogue);
   } else if (!settings.isQuiet) {
@@ -114,8 +116,8 @@ int listCameras(const ListSettings& settings) {
   if (!std::cout) {
     throw std::runtime_error("The list could not be written.");
   }
-  if (!catalogue.problems.empty()) {
-    std::cerr << "oc_capture: " << catalogue.problems << "\n";
+  if (!catalogue.error.empty()) {
+    std::cerr << "oc_capture: " << catalogue.error << "\n";
     return 1;
   }
   return 0;

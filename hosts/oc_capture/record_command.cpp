@@ -16,10 +16,9 @@
 #include "formats/ser_writer.hpp"
 #include "imaging/stretch.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/frame_source.hpp"
+#include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
-#include "session/camera_session.hpp"
 #include "session/ser_recorder.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
@@ -62,21 +61,14 @@ struct Recording {
   FrameLayout layout;
   std::int32_t frames = 0;
   std::int64_t droppedFrames = 0;
-  std::int64_t silentWaits = 0;
+  std::uint64_t silentWaits = 0;
   std::size_t mostFramesWaiting = 0;
   std::size_t framesThatMayWait = 0;
-  double seconds = 0;              // from the first poll to the last
-  double secondsUntilWritten = 0;  // from the first poll until the file is closed
-  std::vector<std::uint8_t> lastFrame;
+  double seconds = 0;              // from the start of the stream to the last frame
+  double secondsUntilWritten = 0;  // from the start of the stream until the file is closed
+  oc::Frame lastFrame;
   std::exception_ptr failure;
 };
-
-SerDescription serDescription(const RecordSettings& settings, const CameraDescription& camera,
-                              const FrameLayout& layout) {
-  const auto now = std::chrono::system_clock::now();
-  return {layout,       settings.observer, camera.name, settings.telescope, serLocalTicks(now),
-          serTicks(now)};
-}
 
 CaptureLength lengthOf(const RecordSettings& settings) {
   CaptureLength length = settings.length;
@@ -86,6 +78,12 @@ CaptureLength lengthOf(const RecordSettings& settings) {
   return length;
 }
 
+// In the order of these calls no frame since then has an earlier time.
+std::chrono::system_clock::time_point systemTimeOf(SteadyClock::time_point start) {
+  const auto now = std::chrono::system_clock::now();
+  return now - std::chrono::ceil<std::chrono::system_clock::duration>(SteadyClock::now() - start);
+}
+
 // Records from one camera.
 class RecordingSession {
  public:
@@ -93,100 +91,96 @@ class RecordingSession {
       : settings_(settings),
         camera_(camera),
         length_(lengthOf(settings)),
-        session_(std::in_place, camera.description, camera.settings),
-        layout_(correctedLayout(session_->layout(), settings.camera.correction)),
-        source_(*session_, camera.settings.exposureUs),
-        restWhenFull_(std::clamp<std::int64_t>(camera.settings.exposureUs / 1000, 1, 50)),
+        stream_(std::in_place, camera, settings.camera, length_.frames,
+                std::int64_t{1'000'000} * settings.memoryMegabytes),
+        layout_(correctedLayout(stream_->state().layout, settings.camera.correction)),
         line_(settings.reporting.isQuiet) {}
 
   // Failures after the file was created are in the result.
   Recording run() {
-    source_.discard(settings_.camera.discard, line_);
-    SerRecorder recorder(settings_.file.path,
-                         serDescription(settings_, camera_.description, layout_),
-                         {session_->layout(), settings_.camera.correction, session_->bufferSize(),
-                          std::int64_t{1'000'000} * settings_.memoryMegabytes});
+    stream_->discard(settings_.camera.discard, line_);
+    const SteadyClock::time_point start = stream_->start();
+    SerRecorder recorder(settings_.file.path, serDescription(systemTimeOf(start)),
+                         settings_.camera.correction, stream_->takeQueue());
+    waitForFrames(recorder, start);
     Recording recording;
     recording.layout = layout_;
-    const SteadyClock::time_point start = SteadyClock::now();
-    try {
-      takeFrames(recorder, start);
-      showProgress(recorder);
-    } catch (const std::exception&) {
-      recording.failure = std::current_exception();
-    }
-    const auto secondsSoFar = [start] {
-      return std::chrono::duration<double>(SteadyClock::now() - start).count();
-    };
-    recording.seconds = secondsSoFar();
-    session_.reset();
+    recording.seconds = secondsBetween(start, SteadyClock::now());
+    showProgress(recorder);
+    recording.silentWaits = stream_->state().silentWaits;
+    stream_.reset();
     finish(recorder, recording);
-    recording.secondsUntilWritten = secondsSoFar();
+    recording.secondsUntilWritten = secondsBetween(start, SteadyClock::now());
+    if (length_.frames == recording.frames && recording.lastFrame.arrival() > start) {
+      recording.seconds = secondsBetween(start, recording.lastFrame.arrival());
+    }
     return recording;
   }
 
  private:
-  void takeFrames(SerRecorder& recorder, SteadyClock::time_point start) {
-    while (!stopRequested() && !recorder.hasFailed() &&
-           !length_.isReached(frames_, SteadyClock::now() - start)) {
-      const auto frame = source_.poll();
-      if (!frame.empty()) {
-        BufferedFrame next{std::move(source_.buffer()), frame.size(),
-                           serTicks(std::chrono::system_clock::now())};
-        if (recorder.take(next)) {
-          ++frames_;
-        } else {
-          recorder.waitForRoom(restWhenFull_);
-        }
-        source_.buffer() = std::move(next.buffer);
-      }
+  static double secondsBetween(SteadyClock::time_point start, SteadyClock::time_point end) {
+    return std::chrono::duration<double>(end - start).count();
+  }
+
+  SerDescription serDescription(std::chrono::system_clock::time_point start) const {
+    return {layout_,
+            settings_.observer,
+            camera_.description.name,
+            settings_.telescope,
+            serLocalTicks(start),
+            serTicks(start)};
+  }
+
+  bool isOver(const SerRecorder& recorder, SteadyClock::time_point start) const {
+    return stopRequested() ||
+           length_.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
+  }
+
+  void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start) {
+    constexpr std::chrono::milliseconds between{20};
+    while (!isOver(recorder, start) && !recorder.waitForEnd(between)) {
       if (line_.isDue()) {
         showProgress(recorder);
       }
     }
+    recorder.stop();
   }
 
   void showProgress(const SerRecorder& recorder) {
     const auto size = static_cast<std::int64_t>(frameBytes(layout_));
-    line_.showRecording({frames_, frames_ * size, source_.silentWaits(), recorder.droppedFrames(),
-                         session_->temperature()});
+    const oc::CaptureState state = stream_->state();
+    const std::int64_t frames = recorder.acceptedFrames();
+    line_.showRecording({frames, frames * size, static_cast<std::int64_t>(state.silentWaits),
+                         recorder.droppedFrames(), state.temperature});
   }
 
   void finish(SerRecorder& recorder, Recording& recording) const {
     StatusLine line(settings_.reporting.isQuiet);
-    recorder.stop();
     constexpr std::chrono::milliseconds between{100};
     while (!recorder.waitForEnd(between)) {
       if (line.isDue()) {
         line.show("Writing: " + std::to_string(recorder.writtenFrames()) + " of " +
-                  std::to_string(frames_) + " frames are in the file");
+                  std::to_string(recorder.acceptedFrames()) + " frames are in the file");
       }
     }
     try {
       recorder.requireSuccess();
     } catch (const std::exception&) {
-      recording.failure = recording.failure ? recording.failure : std::current_exception();
+      recording.failure = std::current_exception();
     }
     recording.frames = recorder.writtenFrames();
     recording.droppedFrames = recorder.droppedFrames();
-    recording.silentWaits = source_.silentWaits();
     recording.mostFramesWaiting = recorder.queue().mostWaiting();
-    recording.framesThatMayWait = recorder.queue().capacity();
-    const auto last = recorder.lastFrame();
-    recording.lastFrame.assign(last.begin(), last.end());
+    recording.framesThatMayWait = recorder.queue().capacity() - 1;  // one is being written
+    recording.lastFrame = recorder.lastFrame();
   }
 
   const RecordSettings& settings_;
   const ChosenCamera& camera_;
   const CaptureLength length_;
-  std::optional<CameraSession> session_;
+  std::optional<CameraStream> stream_;
   FrameLayout layout_;  // of the corrected frames
-  FrameSource source_;
-  // While the queue is full, frames are read only to be counted as dropped. Without a pause,
-  // copying them would take memory bandwidth from the writer; a new frame takes an exposure anyway.
-  const std::chrono::milliseconds restWhenFull_;
   RecordingLine line_;
-  std::int32_t frames_ = 0;  // accepted by the recorder
 };
 
 std::string messageOf(const std::exception_ptr& failure) {
@@ -254,7 +248,7 @@ std::optional<std::filesystem::path> writePreview(const RecordSettings& settings
   }
   std::filesystem::path preview = settings.file.path;
   preview.replace_extension(".png");
-  writePng(preview, previewOf(recording.lastFrame, recording.layout));
+  writePng(preview, previewOf(recording.lastFrame.pixels(), recording.layout));
   return preview;
 }
 
@@ -278,7 +272,7 @@ int record(const RecordSettings& settings) {
   Recording recording = RecordingSession(settings, camera).run();
   if (!recording.failure && recording.frames == 0 && !stopRequested()) {
     recording.failure =
-        std::make_exception_ptr(CameraError("No frame came before the recording's end."));
+        std::make_exception_ptr(oc::Error("No frame came before the recording's end."));
   }
   if (recording.failure) {
     reportFailure(settings, camera, recording);

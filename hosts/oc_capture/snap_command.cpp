@@ -5,17 +5,16 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
-#include <vector>
 
 #include "formats/fits_writer.hpp"
 #include "formats/png_writer.hpp"
 #include "imaging/stretch.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/frame_source.hpp"
+#include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
-#include "session/camera_session.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
@@ -51,25 +50,21 @@ using Clock = std::chrono::system_clock;
 // A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
   FrameLayout layout;
-  std::vector<std::uint8_t> frame;
-  Clock::time_point arrival;
+  oc::Frame frame;
   std::optional<double> temperature;
 };
 
 Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
-  CameraSession session(camera.description, camera.settings);
-  FrameSource source(session, camera.settings.exposureUs);
+  CameraStream stream(camera, settings.camera, 1);
   StatusLine line(settings.reporting.isQuiet);
   const Clock::time_point start = Clock::now();
   for (int before = settings.camera.discard; !stopRequested();) {
-    const auto frame = source.poll();
-    if (!frame.empty() && before-- == 0) {
-      const Clock::time_point arrival = Clock::now();
-      correctFrame(frame, session.layout(), settings.camera.correction);
-      return {correctedLayout(session.layout(), settings.camera.correction),
-              {frame.begin(), frame.end()},
-              arrival,
-              session.temperature()};
+    const oc::Frame frame = stream.next();
+    if (frame && before-- == 0) {
+      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
+                   settings.camera.correction);
+      return {correctedLayout(frame.layout(), settings.camera.correction), frame,
+              stream.state().temperature};
     }
     if (line.isDue()) {
       const std::chrono::duration<double> waited = Clock::now() - start;
@@ -77,16 +72,17 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
                 durationText(camera.settings.exposureUs));
     }
   }
-  throw CameraError("Stopped before a frame came.");
+  throw oc::Error("Stopped before a frame came.");
 }
 
 FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera& camera,
                                 const Snapshot& snapshot) {
   FitsDescription description;
   description.layout = snapshot.layout;
-  description.start = snapshot.arrival - std::chrono::microseconds(camera.settings.exposureUs);
+  description.start =
+      snapshot.frame.arrivalTime() - std::chrono::microseconds(camera.settings.exposureUs);
   description.exposureSeconds = static_cast<double>(camera.settings.exposureUs) / 1e6;
-  description.gain = camera.settings.gain;
+  description.gain = *camera.settings.gain;
   description.offset = camera.settings.offset;
   description.bin = camera.settings.bin;
   description.pixelSizeUm = camera.description.pixelSizeUm;
@@ -108,7 +104,7 @@ void report(const SnapSettings& settings, const ChosenCamera& camera, const Snap
     document["format"] = formatName(layout.format);
     document["bayer"] = bayerName(layout.bayer);
     document["exposureUs"] = camera.settings.exposureUs;
-    document["gain"] = camera.settings.gain;
+    document["gain"] = *camera.settings.gain;
     document["offset"] = camera.settings.offset;
     document["bin"] = camera.settings.bin;
     document["temperature"] = snapshot.temperature ? nlohmann::ordered_json(*snapshot.temperature)
@@ -129,7 +125,8 @@ int snap(const SnapSettings& settings) {
   const ChosenCamera camera = findCamera(settings.camera);
   const Snapshot snapshot = takeSnapshot(settings, camera);
   if (!hasEnding(settings.file.path, ".png")) {
-    writeFits(settings.file.path, snapshot.frame, fitsDescription(settings, camera, snapshot));
+    writeFits(settings.file.path, snapshot.frame.pixels(),
+              fitsDescription(settings, camera, snapshot));
   } else {
     StatusLine line(settings.reporting.isQuiet);
     constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
@@ -137,7 +134,7 @@ int snap(const SnapSettings& settings) {
       line.show("Making the picture");
     }
     constexpr int anySize = 1 << 20;
-    writePng(settings.file.path, previewOf(snapshot.frame, snapshot.layout, anySize));
+    writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize));
   }
   report(settings, camera, snapshot);
   return 0;

@@ -7,15 +7,15 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "formats/png_writer.hpp"
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/frame_source.hpp"
+#include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
-#include "session/camera_session.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -94,7 +94,7 @@ class Watch {
   void run() {
     try {
       look();
-    } catch (const CameraError& error) {
+    } catch (const oc::Error& error) {
       summary_.error = error.what();
     }
     if (summary_.frames > 0) {
@@ -107,18 +107,17 @@ class Watch {
 
  private:
   void look() {
-    CameraSession session(camera_.description, camera_.settings);
-    summary_.layout = correctedLayout(session.layout(), settings_.camera.correction);
-    FrameSource source(session, camera_.settings.exposureUs);
-    source.discard(settings_.camera.discard, line_);
+    CameraStream stream(camera_, settings_.camera, settings_.length.frames);
+    summary_.layout = correctedLayout(stream.state().layout, settings_.camera.correction);
+    stream.discard(settings_.camera.discard, line_);
     const Clock::time_point start = Clock::now();
     const auto elapsed = [&] { return Clock::now() - start; };
     while (!stopRequested() && !settings_.length.isReached(summary_.frames, elapsed())) {
-      const auto frame = source.poll();
-      if (!frame.empty()) {
-        correctFrame(frame, session.layout(), settings_.camera.correction);
-        last_ = {std::chrono::duration<double>(elapsed()).count(), session.temperature(),
-                 frameStatistics(frame, session.layout(), camera_.description.bitDepth)};
+      if (const oc::Frame frame = stream.next()) {
+        correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
+                     settings_.camera.correction);
+        last_ = {std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
+                 frameStatistics(frame.pixels(), frame.layout(), camera_.description.bitDepth)};
         summary_.add(last_);
         history_.add(last_);
       }
@@ -202,7 +201,7 @@ int watch(const WatchSettings& settings) {
     reportText(settings, summary, hasPlot);
   }
   if (!summary.error.empty()) {
-    throw CameraError(summary.error);
+    throw oc::Error(summary.error);
   }
   return 0;
 }

@@ -1,45 +1,47 @@
-// The cameras that a scan found, described.
+// The cameras that a scan found, and what follows from their descriptions.
 #include "session/camera_catalogue.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <utility>
 
-#include "session/camera_session.hpp"
 #include "session/sdk_directory.hpp"
-#include "system/failures.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
 
-namespace {
-
-std::vector<std::string> split(const std::string& text, const std::string& separator) {
-  std::vector<std::string> parts;
-  for (std::size_t start = 0; start < text.size();) {
-    const std::size_t end = std::min(text.find(separator, start), text.size());
-    parts.push_back(text.substr(start, end - start));
-    start = end + separator.size();
-  }
-  return parts;
-}
-
-}  // namespace
-
-CameraCatalogue readCatalogue(const std::string& sdkDirectory) {
-  const ScanResult scan = scanCameras(utf8FromPath(fullSdkDirectory(sdkDirectory)));
-
-  CameraCatalogue catalogue{
-      split(scan.libraries, ", "), validUtf8(scan.error), {}, nlohmann::ordered_json::array()};
-  for (std::size_t position = 0; position < scan.infos.size(); ++position) {
-    const int index = static_cast<int>(position);
-    try {
-      const auto json = readCameraJson(index, scan.infos[position]);
-      catalogue.cameras.push_back(describeCamera(index, json));
-      catalogue.json.push_back(json);
-    } catch (const CameraError& error) {
-      catalogue.problems += (catalogue.problems.empty() ? "" : "; ") + std::string(error.what());
+oc::Scan presentable(oc::Scan found) {
+  found.error = validUtf8(found.error);
+  for (oc::CameraInfo& camera : found.cameras) {
+    camera.name = validUtf8(camera.name);
+    if (!std::isfinite(camera.pixelSizeUm)) {
+      camera.pixelSizeUm = std::numeric_limits<double>::quiet_NaN();
     }
   }
-  return catalogue;
+  return found;
+}
+
+oc::Scan readCatalogue(const std::string& sdkDirectory) {
+  return presentable(oc::scan(utf8FromPath(fullSdkDirectory(sdkDirectory))));
+}
+
+nlohmann::ordered_json descriptionOf(const oc::CameraInfo& camera) {
+  std::string text = validUtf8(camera.json);
+  if (std::isnan(camera.pixelSizeUm)) {
+    // JSON has no such number. A quotation mark in a name has a backslash before it.
+    const std::string key = "\"pixelSizeUm\":";
+    const std::size_t start = text.find(key) + key.size();
+    text.replace(start, text.find_first_of(",}", start) - start, "null");
+  }
+  return nlohmann::ordered_json::parse(text);
+}
+
+int usualGain(const oc::CameraInfo& camera) {
+  const std::int64_t range = std::int64_t{camera.maxGain} - camera.minGain;
+  return static_cast<int>(camera.minGain + (hasGainRange(camera) ? range / 3 : 0));
 }
 
 }  // namespace orvane::host

@@ -1,23 +1,33 @@
-// The cameras that a scan found, described.
+// The cameras that a scan found, and what follows from their descriptions.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
+#include <orvane_desktop_camera.hpp>
 #include <string>
-#include <vector>
-
-#include "session/camera_description.hpp"
 
 namespace orvane::host {
 
-/// A camera whose description cannot be read is left out, with a word about it among the problems.
-struct CameraCatalogue {
-  std::vector<std::string> libraries;  ///< the SDKs that were loaded
-  std::string problems;                ///< what failed, "; " between two; "" if nothing did
-  std::vector<CameraDescription> cameras;
-  nlohmann::ordered_json json;  ///< an array with the same cameras as the library describes them
-};
+/// The scan with texts to show: names and error are valid UTF-8 (other bytes become U+FFFD), and a
+/// pixel size that is not a number is NaN.
+oc::Scan presentable(oc::Scan found);
 
-/// Scans with the SDKs in this directory. Throws UsageError when there is no such directory.
-CameraCatalogue readCatalogue(const std::string& sdkDirectory);
+/// Scans with the SDKs in this directory. Returns what was found, presentable. Throws UsageError
+/// when there is no such directory.
+oc::Scan readCatalogue(const std::string& sdkDirectory);
+
+/// A presentable camera as the library describes it, the keys in their order. A pixel size that is
+/// not a number is null.
+nlohmann::ordered_json descriptionOf(const oc::CameraInfo& camera);
+
+/// A camera that another program uses tells neither of these.
+inline bool hasGainRange(const oc::CameraInfo& camera) {
+  return camera.minGain < camera.maxGain;
+}
+inline bool hasLongestExposure(const oc::CameraInfo& camera) {
+  return camera.maxExposureUs > 0;
+}
+
+/// The gain for a user who has given none: a third of the range.
+int usualGain(const oc::CameraInfo& camera);
 
 }  // namespace orvane::host

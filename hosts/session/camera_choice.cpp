@@ -8,18 +8,18 @@ namespace orvane::host {
 
 namespace {
 
-using Candidates = std::vector<const CameraDescription*>;
+using Candidates = std::vector<const oc::CameraInfo*>;
 
 std::string listOf(const Candidates& cameras) {
-  return joined(cameras, ", ", [](const CameraDescription* camera) {
-    return std::to_string(camera->id) + " (" + camera->name + ")";
+  return joined(cameras, ", ", [](const oc::CameraInfo* camera) {
+    return std::to_string(camera->index) + " (" + camera->name + ")";
   });
 }
 
 template <class Condition>
-Candidates camerasWhere(const std::vector<CameraDescription>& cameras, Condition condition) {
+Candidates camerasWhere(const std::vector<oc::CameraInfo>& cameras, Condition condition) {
   Candidates found;
-  for (const CameraDescription& camera : cameras) {
+  for (const oc::CameraInfo& camera : cameras) {
     if (condition(camera)) {
       found.push_back(&camera);
     }
@@ -29,18 +29,18 @@ Candidates camerasWhere(const std::vector<CameraDescription>& cameras, Condition
 
 }  // namespace
 
-const CameraDescription& chooseCamera(const std::vector<CameraDescription>& cameras,
-                                      const std::string& wish) {
+const oc::CameraInfo& chooseCamera(const std::vector<oc::CameraInfo>& cameras,
+                                   const std::string& wish) {
   if (wish.empty()) {
     throw UsageError("The camera's name must not be empty.");
   }
-  const auto isIndex = [&](const CameraDescription& camera) {
-    return std::to_string(camera.id) == wish;
+  const auto isIndex = [&](const oc::CameraInfo& camera) {
+    return std::to_string(camera.index) == wish;
   };
-  const auto hasName = [&](const CameraDescription& camera) {
+  const auto hasName = [&](const oc::CameraInfo& camera) {
     return camera.name.size() == wish.size() && containsIgnoringCase(camera.name, wish);
   };
-  const auto hasPart = [&](const CameraDescription& camera) {
+  const auto hasPart = [&](const oc::CameraInfo& camera) {
     return containsIgnoringCase(camera.name, wish);
   };
 
@@ -52,7 +52,7 @@ const CameraDescription& chooseCamera(const std::vector<CameraDescription>& came
     found = camerasWhere(cameras, hasPart);
   }
   if (found.empty()) {
-    const Candidates all = camerasWhere(cameras, [](const CameraDescription&) { return true; });
+    const Candidates all = camerasWhere(cameras, [](const oc::CameraInfo&) { return true; });
     throw UsageError("No camera fits " + inQuotes(wish) + "; there are " + listOf(all) + ".");
   }
   if (found.size() > 1) {

@@ -1,10 +1,9 @@
 // Which camera a user means.
 #pragma once
 
+#include <orvane_desktop_camera.hpp>
 #include <string>
 #include <vector>
-
-#include "session/camera_description.hpp"
 
 namespace orvane::host {
 
@@ -13,7 +12,7 @@ namespace orvane::host {
 /// whose whole name is given is preferred to those that have it as a part of theirs.
 ///
 /// Throws UsageError with a sentence that lists what there is.
-const CameraDescription& chooseCamera(const std::vector<CameraDescription>& cameras,
-                                      const std::string& wish);
+const oc::CameraInfo& chooseCamera(const std::vector<oc::CameraInfo>& cameras,
+                                   const std::string& wish);
 
 }  // namespace orvane::host

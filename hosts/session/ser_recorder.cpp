@@ -1,7 +1,11 @@
-// Writes frames into a SER file on a thread of its own.
+// Writes a camera's frames into a SER file on a thread of its own.
 #include "session/ser_recorder.hpp"
 
 #include <algorithm>
+#include <span>
+#include <utility>
+
+#include "formats/ser_time.hpp"
 
 namespace orvane::host {
 
@@ -11,33 +15,25 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds betweenCheckpoints{1};
 
-std::size_t framesThatMayWait(const RecorderSetup& setup) {
-  constexpr std::size_t least = 3;
-  return std::max(least, static_cast<std::size_t>(setup.waitingBytes) / setup.bufferBytes);
-}
-
 }  // namespace
 
+std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes) {
+  constexpr std::size_t least = 3;
+  return std::max(least, static_cast<std::size_t>(waitingBytes) / frameBytes) + 1;
+}
+
 SerRecorder::SerRecorder(const std::filesystem::path& path, const SerDescription& description,
-                         const RecorderSetup& setup)
-    : setup_(setup),
-      queue_(setup.bufferBytes, framesThatMayWait(setup)),
+                         const FrameCorrection& correction, oc::FrameQueue frames)
+    : correction_(correction),
+      frames_(std::move(frames)),
+      takenBefore_(frames_.taken()),
+      droppedBefore_(frames_.dropped()),
       writer_(path, description),
       thread_([this] { run(); }) {}
 
 SerRecorder::~SerRecorder() {
   stop();
   thread_.join();
-}
-
-bool SerRecorder::take(BufferedFrame& frame) {
-  const bool isTaken = queue_.push(frame);
-  droppedFrames_ += isTaken ? 0 : 1;
-  return isTaken;
-}
-
-void SerRecorder::stop() {
-  queue_.close();
 }
 
 bool SerRecorder::waitForEnd(std::chrono::milliseconds time) {
@@ -51,17 +47,13 @@ void SerRecorder::requireSuccess() const {
   }
 }
 
-std::span<const std::uint8_t> SerRecorder::lastFrame() const {
-  return std::span(current_.buffer).first(current_.size);
-}
-
 void SerRecorder::run() {
   try {
     writeFrames();
     writer_.close();
   } catch (...) {
     failure_ = std::current_exception();
-    hasFailed_ = true;
+    frames_.close();
     try {
       writer_.close();
     } catch (const std::exception&) {
@@ -77,11 +69,12 @@ void SerRecorder::run() {
 
 void SerRecorder::writeFrames() {
   Clock::time_point checkpoint = Clock::now();
-  while (queue_.pop(current_)) {
-    const auto frame = std::span(current_.buffer).first(current_.size);
-    correctFrame(frame, setup_.delivered, setup_.correction);
-    writer_.addFrame(frame, current_.time);
+  while (oc::Frame frame = frames_.next()) {
+    const std::span bytes(frame.data(), frame.size());
+    correctFrame(bytes, frame.layout(), correction_);
+    writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
     writtenFrames_ = writer_.frameCount();
+    current_ = std::move(frame);
     if (Clock::now() - checkpoint >= betweenCheckpoints) {
       writer_.checkpoint();
       checkpoint = Clock::now();

@@ -1,4 +1,4 @@
-// The two ways in which a host program fails, so that each ends with its own exit status.
+// The failure of a host program that is the user's: it has an exit status of its own.
 #pragma once
 
 #include <stdexcept>
@@ -7,12 +7,6 @@ namespace orvane::host {
 
 /// What the user asked for cannot be done as asked; the text is one sentence for the user.
 class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-/// A camera or its SDK failed; the text is the library's own where it gave one.
-class CameraError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

@@ -70,7 +70,9 @@ TEST(CppFaceCameraInfo, NamesComeByteForByte) {
 
 TEST(CppFaceCameraInfo, APixelSizeNeedNotBeANumber) {
   EXPECT_EQ(pixelSize("1e+06"), 1e6);
+  EXPECT_EQ(pixelSize("1e-07"), 1e-07);
   EXPECT_EQ(pixelSize("-0.5"), -0.5);
+  EXPECT_TRUE(std::isnan(pixelSize("1e999")));
   EXPECT_TRUE(std::isnan(pixelSize("nan")));
   EXPECT_TRUE(std::isnan(pixelSize("-nan")));
   EXPECT_TRUE(std::isnan(pixelSize("-nan(ind)")));
@@ -92,13 +94,22 @@ TEST(CppFaceCameraInfo, WhatCannotBeReadIsNamed) {
   const std::string beginning = "The description of camera 3 cannot be read: there is no usable \"";
   EXPECT_EQ(failure("{}"), beginning + "id\".");
   EXPECT_EQ(failure(with("maxWidth", "2147483648")), beginning + "maxWidth\".");
+  EXPECT_EQ(failure(with("maxWidth", "-2147483649")), beginning + "maxWidth\".");
+  EXPECT_EQ(failure(with("maxWidth", "1280.5")), beginning + "maxWidth\".");
   EXPECT_EQ(failure(with("maxWidth", "")), beginning + "maxWidth\".");
   EXPECT_EQ(failure(with("pixelSizeUm", "")), beginning + "pixelSizeUm\".");
+  EXPECT_EQ(failure(with("isCooled", "1")), beginning + "isCooled\".");
   EXPECT_EQ(failure(with("isCooled", "yes")), beginning + "isCooled\".");
   EXPECT_EQ(failure(with("bins", "[1,x]")), beginning + "bins\".");
   EXPECT_EQ(failure(with("bins", "1")), beginning + "bins\".");
   EXPECT_EQ(failure(with("maxExposureUs", "9223372036854775808")), beginning + "maxExposureUs\".");
   const std::string whole = infoText(3, "a");
+  for (const char* key : {"id", "name", "maxWidth", "maxHeight", "bitDepth", "pixelSizeUm",
+                          "isColor", "isCooled", "isUsb3Camera", "isUsb3Host", "bins", "formats",
+                          "depths", "maxExposureUs", "minGain", "maxGain", "bayer"}) {
+    std::string without = whole;
+    EXPECT_EQ(failure(without.insert(without.find(key), "x")), beginning + key + "\".");
+  }
   for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
     const std::string text = failure(whole.substr(0, length));
     EXPECT_TRUE(text == "none" || text.rfind(beginning, 0) == 0) << length << ": " << text;

@@ -103,6 +103,16 @@ TEST_F(CppFaceCapture, SilenceIsToldAndTheCameraIsLostAfterFiveWaits) {
   EXPECT_TRUE(capture.next(5000ms));
 }
 
+TEST_F(CppFaceCapture, TheWaitsThatLoseACameraCanBeChosen) {
+  const oc::CameraInfo info = first();
+  sdk.forceResult("ASIGetVideoData", 11);
+  oc::CaptureOptions options;
+  options.silentWaits = 1;
+  oc::CaptureThread capture(info, small(), options);
+  ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
+  EXPECT_EQ(capture.state().text, "The camera has sent no frame for 1 waits of 502 ms.");
+}
+
 TEST_F(CppFaceCapture, AFailureInPassingIsPassedOver) {
   const oc::CameraInfo info = first();
   sdk.forceResult("ASIGetVideoData", 5, 3, 4);
@@ -313,6 +323,16 @@ TEST_F(CppFaceThread, AShorterExposureWaitsForTheFrameOfTheLongerOne) {
   sends = false;
   ASSERT_TRUE(comesTrue([&] { return capture.state().silence > 550ms; }));
   EXPECT_EQ(capture.state().phase, oc::Phase::Silent);
+}
+
+TEST_F(CppFaceThread, SilenceNeedNotLoseTheCamera) {
+  script().read = [](std::uint8_t*, int) { return 0; };
+  oc::CaptureOptions options;
+  options.silentWaits = 0;
+  const oc::CaptureThread capture = start(options);
+  std::this_thread::sleep_for(2700ms);  // more than five waits of 502 ms
+  EXPECT_EQ(capture.state().phase, oc::Phase::Silent);
+  EXPECT_EQ(capture.state().silentWaits, 5U);
 }
 
 TEST_F(CppFaceThread, ExceptionsBecomeTexts) {

@@ -73,6 +73,7 @@ TEST_F(CppFaceFrames, EveryFrameComesInItsOrder) {
     EXPECT_LE(frame.arrivalTime(), std::chrono::system_clock::now());
     EXPECT_LE(frame.arrival(), std::chrono::steady_clock::now());
     EXPECT_GE(frame.arrival(), held.front().arrival());
+    EXPECT_GE(frame.arrival(), capture_->state().opened);
   }
   EXPECT_FALSE(capture_->next(0ms));
   EXPECT_EQ(capture_->dropped(), 0U);
@@ -153,6 +154,34 @@ TEST_F(CppFaceFrames, AClosedQueueHandsOutWhatWaitsAndEnds) {
   EXPECT_EQ(queue.mostWaiting(), 3U);
   EXPECT_EQ(queue.capacity(), 10U);
   EXPECT_EQ(queue.dropped(), 0U);
+}
+
+TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
+  oc::CaptureOptions none;
+  none.capacity = 0;
+  capture_.emplace(none, scriptedLibrary());
+  oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 2, 3);  // before the camera opens
+  capture_->open(info_, {}).get();
+  send(3);
+  EXPECT_EQ(queue.accepted(), 2U);
+  EXPECT_EQ(queue.dropped(), 1U);
+  EXPECT_EQ(queue.next(0ms).number(), 0U);
+  toSend_ = 4;
+  EXPECT_EQ(queue.next().number(), 1U);
+  EXPECT_EQ(queue.next().number(), 3U);
+  EXPECT_FALSE(queue.next());
+  EXPECT_EQ(queue.accepted(), 3U);
+  EXPECT_EQ(queue.taken(), 3U);
+  EXPECT_EQ(queue.dropped(), 1U);
+  EXPECT_FALSE(capture_->next(0ms));
+  EXPECT_EQ(capture_->dropped(), 0U);
+  // Nobody wants more for the moment.
+  EXPECT_EQ(capture_->state().frames, 4U);
+  EXPECT_EQ(toSend_, 3);
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(toSend_, 3);
+  queue = capture_->frames(oc::Delivery::Every, 2);
+  EXPECT_EQ(queue.next(5000ms).number(), 4U);
 }
 
 TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {

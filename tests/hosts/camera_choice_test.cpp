@@ -9,30 +9,30 @@ namespace orvane::host {
 
 namespace {
 
-std::vector<CameraDescription> camerasNamed(const std::vector<std::string>& names) {
-  std::vector<CameraDescription> cameras;
+std::vector<oc::CameraInfo> camerasNamed(const std::vector<std::string>& names) {
+  std::vector<oc::CameraInfo> cameras;
   for (const std::string& name : names) {
-    CameraDescription camera;
-    camera.id = static_cast<int>(cameras.size());
+    oc::CameraInfo camera;
+    camera.index = static_cast<int>(cameras.size());
     camera.name = name;
     cameras.push_back(camera);
   }
   return cameras;
 }
 
-const std::vector<CameraDescription>& someCameras() {
+const std::vector<oc::CameraInfo>& someCameras() {
   static const auto cameras =
       camerasNamed({"ZWO ASI120MC", "ZWO ASI290MM", "ZWO ASI290MM Mini", "Neptune-C II"});
   return cameras;
 }
 
 int chosen(const std::string& wish) {
-  return chooseCamera(someCameras(), wish).id;
+  return chooseCamera(someCameras(), wish).index;
 }
 
-std::string refusal(const std::vector<CameraDescription>& cameras, const std::string& wish) {
+std::string refusal(const std::vector<oc::CameraInfo>& cameras, const std::string& wish) {
   try {
-    return "chosen: " + std::to_string(chooseCamera(cameras, wish).id);
+    return "chosen: " + std::to_string(chooseCamera(cameras, wish).index);
   } catch (const UsageError& error) {
     return error.what();
   }

@@ -216,11 +216,11 @@ TEST_F(OcCaptureRecord, AsksForNothingThatItDoesNotNeed) {
             0);
   const std::string calls = contentOf(log);
   const std::string stream = calls.substr(calls.find("ASIStartVideoCapture"));
-  // Twice the exposure and 500 ms is what the SDK may wait.
+  // Twice the exposure and 500 ms is what the SDK may wait, less what has passed.
   EXPECT_TRUE(std::regex_search(
       stream, std::regex(R"(^ASIStartVideoCapture\(0\) = 0\r?\n)"
-                         R"(ASIGetVideoData\(0, buffer, 3072, 540\) = 0\r?\n)"
                          R"((.*\r?\n)?ASIGetControlValue.*\r?\n)"
+                         R"(ASIGetVideoData\(0, buffer, 3072, (540|5[0-3]\d)\) = 0\r?\n)"
                          R"(ASIStopVideoCapture\(0\) = 0\r?\nASICloseCamera\(0\) = 0\r?\n$)")))
       << stream;
 }

@@ -1,8 +1,13 @@
-// Recording on a thread of its own.
+// Recording on a thread of its own, from a scripted camera.
 #include "session/ser_recorder.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <optional>
+
+#include "cpp_face/scripted_library.hpp"
+#include "formats/ser_time.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
 
@@ -11,79 +16,138 @@ namespace orvane::host {
 namespace {
 
 using orvane::testing::ScratchDirectory;
+using orvane::testing::script;
 using orvane::testing::SerFile;
 
-constexpr int side = 1024;
-constexpr std::size_t frameSize = std::size_t{side} * side;
+constexpr std::chrono::milliseconds longTime{20000};
+const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::Grbg};
 
 class SerRecorderTest : public ::testing::Test {
  protected:
+  // The camera sends so many frames; frame n holds the number n.
+  SerRecorderTest() {
+    script().read = [this](std::uint8_t* buffer, int size) -> int {
+      if (sent_ == toSend_) {
+        return atEnd_;
+      }
+      std::memset(buffer, sent_++, static_cast<std::size_t>(size));
+      return size;
+    };
+    oc::CaptureOptions options;
+    options.failures = 1;
+    capture_.emplace(options, testing::scriptedLibrary());
+  }
+
+  oc::FrameQueue send(int frames, std::size_t capacity, std::uint64_t most = 0) {
+    oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, capacity, most);
+    toSend_ = frames;
+    oc::Settings settings;
+    settings.exposureUs = 1;
+    capture_->open(oc::parseCameraInfo(0, testing::infoText(0, "a")), settings).get();
+    return queue;
+  }
+
+  void waitForFrames() const {
+    const auto count = static_cast<std::uint64_t>(toSend_.load());
+    while (capture_->state().frames < count) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
+
   SerDescription description() const {
     SerDescription description;
     description.layout = layout;
     return description;
   }
 
-  // Offers frames as fast as possible; frame n begins with the byte n. Returns those taken.
-  std::vector<int> offer(SerRecorder& recorder, int count) const {
-    std::vector<int> taken;
-    BufferedFrame frame{std::vector<std::uint8_t>(frameSize), frameSize, 0};
-    for (int number = 0; number < count; ++number) {
-      frame.buffer[0] = static_cast<std::uint8_t>(number);
-      frame.size = frameSize;
-      frame.time = number;
-      if (recorder.take(frame)) {
-        taken.push_back(number);
-      }
-    }
-    return taken;
-  }
-
-  static void end(SerRecorder& recorder) {
-    recorder.stop();
-    while (!recorder.waitForEnd(std::chrono::milliseconds(100))) {
-    }
-  }
-
-  const FrameLayout layout{side, side, PixelFormat::Raw8, BayerPattern::None};
   const ScratchDirectory scratch;
   const std::filesystem::path path = scratch.file("recording.ser");
+  std::atomic<int> toSend_{0};
+  std::atomic<int> sent_{0};
+  std::atomic<int> atEnd_{0};  // what the camera answers then
+  std::optional<oc::CaptureThread> capture_;
 };
+
+TEST(RecordingCapacity, IsAtLeastThreeFramesAndTheOneInWork) {
+  EXPECT_EQ(recordingCapacity(1, 1000), 4U);  // however little memory is allowed
+  EXPECT_EQ(recordingCapacity(10'500, 1000), 11U);
+}
 
 TEST_F(SerRecorderTest, WritesWhatItTakesAndCountsWhatItDrops) {
   constexpr int count = 60;
-  SerRecorder recorder(path, description(), {layout, {}, frameSize, 1});
-  EXPECT_EQ(recorder.queue().capacity(), 3U);  // however little memory is allowed
-  const std::vector<int> taken = offer(recorder, count);
-  end(recorder);
+  const auto before = serTicks(std::chrono::system_clock::now());
+  oc::FrameQueue queue = send(count, recordingCapacity(1, 8));
+  const oc::Frame held = queue.next(longTime);  // does not come back before the others are gone
+  waitForFrames();
+  SerRecorder recorder(path, description(), {}, std::move(queue));
+  EXPECT_EQ(recorder.queue().capacity(), 4U);
+  recorder.stop();
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
   recorder.requireSuccess();
-  EXPECT_FALSE(recorder.hasFailed());
-  EXPECT_EQ(recorder.droppedFrames(), count - static_cast<std::int64_t>(taken.size()));
-  EXPECT_EQ(recorder.writtenFrames(), static_cast<std::int32_t>(taken.size()));
+  EXPECT_EQ(recorder.acceptedFrames(), 3);
+  EXPECT_EQ(recorder.writtenFrames(), 3);
+  EXPECT_EQ(recorder.queue().dropped(), 56U);
+  EXPECT_EQ(recorder.droppedFrames(), 0);  // none since the recording began
 
   const SerFile file(path);
-  ASSERT_EQ(file.frames.size(), taken.size());
-  for (std::size_t frame = 0; frame < taken.size(); ++frame) {
-    EXPECT_EQ(file.frames[frame][0], taken[frame]);
-    EXPECT_EQ(file.timeStamps.at(frame), taken[frame]);
+  ASSERT_EQ(file.frames.size(), 3U);
+  for (std::size_t frame = 0; frame < 3; ++frame) {
+    EXPECT_EQ(file.frames[frame],
+              std::vector<std::uint8_t>(8, static_cast<std::uint8_t>(frame + 1)));
+    EXPECT_GE(file.timeStamps.at(frame), before);
   }
-  EXPECT_EQ(recorder.lastFrame()[0], taken.back());
+  EXPECT_EQ(recorder.lastFrame().number(), 3U);
 }
 
-TEST_F(SerRecorderTest, DropsNothingThatHasRoomToWait) {
+TEST_F(SerRecorderTest, CountsWhatIsDroppedWhileItRecords) {
+  oc::FrameQueue queue = send(0, 1);
+  std::optional<oc::Frame> held;
+  toSend_ = 1;
+  held = queue.next(longTime);
+  SerRecorder recorder(path, description(), {}, std::move(queue));
+  toSend_ = 11;
+  waitForFrames();
+  EXPECT_EQ(recorder.droppedFrames(), 10);
+  held.reset();
+  toSend_ = 12;
+  waitForFrames();
+  recorder.stop();
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
+  EXPECT_EQ(recorder.acceptedFrames(), 1);
+  EXPECT_EQ(recorder.droppedFrames(), 10);
+  EXPECT_EQ(SerFile(path).frames.at(0).at(0), 11);
+}
+
+TEST_F(SerRecorderTest, EndsByItselfWithTheFramesThatWereAskedFor) {
   constexpr int count = 40;
-  SerRecorder recorder(path, description(),
-                       {layout, {}, frameSize, std::int64_t{count} * std::int64_t{frameSize}});
-  EXPECT_EQ(offer(recorder, count).size(), std::size_t{count});
-  end(recorder);
+  SerRecorder recorder(path, description(), {}, send(2 * count, count + 1, count));
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
+  recorder.requireSuccess();
   EXPECT_EQ(recorder.droppedFrames(), 0);
-  EXPECT_EQ(SerFile(path).frameCount, count);
+  const SerFile file(path);
+  ASSERT_EQ(file.frameCount, count);
+  for (std::size_t frame = 0; frame < count; ++frame) {
+    EXPECT_EQ(file.frames.at(frame).at(0), frame);
+  }
+}
+
+TEST_F(SerRecorderTest, CorrectsFrames) {
+  FrameCorrection correction;
+  correction.flips = true;
+  script().read = [](std::uint8_t* buffer, int size) {
+    std::memset(buffer, 1, static_cast<std::size_t>(size / 2));
+    std::memset(buffer + size / 2, 2, static_cast<std::size_t>(size / 2));
+    return size;
+  };
+  SerRecorder recorder(path, description(), correction, send(1, 4, 1));
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
+  EXPECT_EQ(SerFile(path).frames.at(0), (std::vector<std::uint8_t>{2, 2, 2, 2, 1, 1, 1, 1}));
 }
 
 TEST_F(SerRecorderTest, FinishesTheFileWhereItGoesOutOfSight) {
   {
-    SerRecorder recorder(path, description(), {layout, {}, frameSize, 1});
-    EXPECT_EQ(offer(recorder, 2).size(), 2U);
+    const SerRecorder recorder(path, description(), {}, send(2, 4));
+    waitForFrames();
   }
   const SerFile file(path);
   EXPECT_EQ(file.frameCount, 2);
@@ -92,16 +156,28 @@ TEST_F(SerRecorderTest, FinishesTheFileWhereItGoesOutOfSight) {
 }
 
 TEST_F(SerRecorderTest, TellsWhatFailedAndKeepsTheFramesBefore) {
-  SerRecorder recorder(path, description(), {layout, {}, frameSize, 1});
-  BufferedFrame whole{std::vector<std::uint8_t>(frameSize), frameSize, 1};
-  BufferedFrame part{std::vector<std::uint8_t>(frameSize), frameSize - 1, 2};
-  EXPECT_TRUE(recorder.take(whole));
-  EXPECT_TRUE(recorder.take(part));
-  end(recorder);
-  EXPECT_TRUE(recorder.hasFailed());
+  atEnd_ = 7;  // the frame has a byte less
+  SerRecorder recorder(path, description(), {}, send(1, 4));
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_THROW(recorder.requireSuccess(), std::runtime_error);
   EXPECT_EQ(recorder.writtenFrames(), 1);
   EXPECT_EQ(SerFile(path).frameCount, 1);
+}
+
+TEST_F(SerRecorderTest, ALostCameraEndsItAfterTheFramesBefore) {
+  script().error = "ASIGetVideoData: 5";
+  atEnd_ = -1;
+  SerRecorder recorder(path, description(), {}, send(3, 4));
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
+  try {
+    recorder.requireSuccess();
+    FAIL();
+  } catch (const oc::Error& error) {
+    EXPECT_STREQ(error.what(), "ASIGetVideoData: 5");
+  }
+  const SerFile file(path);
+  EXPECT_EQ(file.frameCount, 3);
+  EXPECT_EQ(file.timeStamps.size(), 3U);
 }
 
 }  // namespace

@@ -7,8 +7,8 @@ namespace orvane::host {
 
 namespace {
 
-CameraDescription camera() {
-  CameraDescription description;
+oc::CameraInfo camera() {
+  oc::CameraInfo description;
   description.minGain = 0;
   description.maxGain = 400;
   description.maxExposureUs = 2000000;
@@ -50,7 +50,7 @@ TEST(ControlsAfter, StayWithinWhatTheCameraCanDo) {
 }
 
 TEST(ControlsAfter, ACameraThatTellsNoLimitsHasSomeAllTheSame) {
-  const CameraDescription unknown;
+  const oc::CameraInfo unknown;
   EXPECT_EQ(longestExposureOf(unknown), 2147483647);
   EXPECT_EQ(gainRangeOf(unknown).largest, 500);
   EXPECT_EQ(controlsAfter(ViewCommand::MoreGain, now, unknown)->gain, 105);

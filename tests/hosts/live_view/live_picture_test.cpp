@@ -17,16 +17,17 @@ using orvane::testing::starLight;
 
 constexpr std::uint32_t background = 0x010203;
 
+LiveFrame frameOf(const FrameLayout& layout, std::uint64_t opening,
+                  std::vector<std::uint8_t> bytes) {
+  const auto owner = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
+  return {layout, 12, opening, *owner, owner};
+}
+
 LiveFrame frameWithStar(double x0, double y0, std::uint64_t opening, double width = 2) {
-  LiveFrame frame;
-  frame.layout = {320, 200, PixelFormat::Raw16, BayerPattern::None};
-  frame.bitDepth = 12;
-  frame.opening = opening;
-  frame.buffer = frame16(frame.layout, [&](int x, int y) {
-    return 800 + 20 * grain(x, y) + starLight(x, y, x0, y0, width, 50000);
-  });
-  frame.size = frame.buffer.size();
-  return frame;
+  const FrameLayout layout{320, 200, PixelFormat::Raw16, BayerPattern::None};
+  return frameOf(layout, opening, frame16(layout, [&](int x, int y) {
+                   return 800 + 20 * grain(x, y) + starLight(x, y, x0, y0, width, 50000);
+                 }));
 }
 
 // A window's part for the picture.
@@ -62,8 +63,7 @@ TEST(LivePicture, WithoutAFrameThereIsBackground) {
 
 TEST(LivePicture, ShowsTheWholeFrameInItsShape) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(100, 50, 1));
   EXPECT_TRUE(picture.measure(start));
   Area area(160, 200);
   const PictureView view = picture.draw(area.target(), background);
@@ -84,8 +84,7 @@ TEST(LivePicture, ShowsTheWholeFrameInItsShape) {
 
 TEST(LivePicture, AsItIsTheSkyIsDark) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(100, 50, 1));
   picture.measure(start);
   picture.setStretched(false);
   Area area(320, 200);
@@ -98,8 +97,7 @@ TEST(LivePicture, AsItIsTheSkyIsDark) {
 
 TEST(LivePicture, InRedThereIsNoOtherColour) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(100, 50, 1));
   picture.measure(start);
   picture.setTint(ScreenTint::Red);
   Area area(320, 200);
@@ -111,8 +109,7 @@ TEST(LivePicture, InRedThereIsNoOtherColour) {
 
 TEST(LivePicture, PixelByPixelItCanBeMovedButNotAway) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(160, 100, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(160, 100, 1));
   picture.measure(start);
   picture.setPixelByPixel(true);
   Area area(100, 80);
@@ -138,8 +135,7 @@ TEST(LivePicture, PixelByPixelItCanBeMovedButNotAway) {
 
 TEST(LivePicture, PixelByPixelASmallFrameIsInTheMiddle) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(160, 100, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(160, 100, 1));
   picture.setPixelByPixel(true);
   Area area(400, 300);
   EXPECT_EQ(picture.draw(area.target(), background).onScreen, (PixelRect{40, 50, 320, 200}));
@@ -148,8 +144,7 @@ TEST(LivePicture, PixelByPixelASmallFrameIsInTheMiddle) {
 
 TEST(LivePicture, MeasuresFromTimeToTime) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(100, 50, 1));
   EXPECT_FALSE(picture.measurements().areThere);
   EXPECT_TRUE(picture.measure(start));
   EXPECT_TRUE(picture.measurements().areThere);
@@ -162,8 +157,7 @@ TEST(LivePicture, RemembersTheLeastDiameterOfOneStream) {
   LivePicture picture;
   LivePicture::Clock::time_point now = start;
   for (const double width : {3.0, 2.0, 4.0}) {
-    LiveFrame frame = frameWithStar(100, 50, 1, width);
-    picture.setFrame(frame);
+    picture.setFrame(frameWithStar(100, 50, 1, width));
     ASSERT_TRUE(picture.measure(now));
     now += std::chrono::hours(1);
   }
@@ -171,8 +165,7 @@ TEST(LivePicture, RemembersTheLeastDiameterOfOneStream) {
   EXPECT_NEAR(*picture.measurements().leastDiameter, sharp, 0.2);
   EXPECT_EQ(picture.measurements().diameters.size(), 3U);
 
-  LiveFrame other = frameWithStar(100, 50, 2, 4);
-  picture.setFrame(other);
+  picture.setFrame(frameWithStar(100, 50, 2, 4));
   EXPECT_FALSE(picture.measurements().leastDiameter);
   EXPECT_TRUE(picture.measure(start));
   EXPECT_NEAR(*picture.measurements().leastDiameter, 2 * sharp, 0.4);
@@ -181,22 +174,20 @@ TEST(LivePicture, RemembersTheLeastDiameterOfOneStream) {
 TEST(LivePicture, KeepsNoMoreDiametersThanItShows) {
   LivePicture picture;
   for (std::size_t round = 0; round < LivePicture::trendLength + 5; ++round) {
-    LiveFrame frame = frameWithStar(100, 50, 1);
-    picture.setFrame(frame);
+    picture.setFrame(frameWithStar(100, 50, 1));
     picture.measure(start + std::chrono::hours(round));
   }
   EXPECT_EQ(picture.measurements().diameters.size(), LivePicture::trendLength);
 }
 
 TEST(LivePicture, FollowsTheStarThatWasChosen) {
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  const std::vector<std::uint8_t> twoStars = frame16(frame.layout, [](int x, int y) {
+  const FrameLayout layout{320, 200, PixelFormat::Raw16, BayerPattern::None};
+  const std::vector<std::uint8_t> twoStars = frame16(layout, [](int x, int y) {
     return 800 + 20 * grain(x, y) + starLight(x, y, 100, 50, 2, 50000) +
            starLight(x, y, 250, 150, 2, 20000);
   });
-  frame.buffer = twoStars;
   LivePicture picture;
-  picture.setFrame(frame);
+  picture.setFrame(frameOf(layout, 1, twoStars));
   picture.measure(start);
   EXPECT_NEAR(picture.measurements().focus.star->x, 100, 0.2);
   picture.followStarAt(255, 146);
@@ -207,21 +198,15 @@ TEST(LivePicture, FollowsTheStarThatWasChosen) {
 
 TEST(LivePicture, ClearedItShowsNothing) {
   LivePicture picture;
-  LiveFrame frame = frameWithStar(100, 50, 1);
-  picture.setFrame(frame);
+  picture.setFrame(frameWithStar(100, 50, 1));
   picture.clear();
   EXPECT_FALSE(picture.hasFrame());
   EXPECT_FALSE(picture.measure(start));
 }
 
 TEST(LivePicture, FramesTooSmallForABayerPatternShowNothingAndDoNoHarm) {
-  LiveFrame frame;
-  frame.layout = {1, 1, PixelFormat::Raw8, BayerPattern::Rggb};
-  frame.opening = 1;
-  frame.buffer = {9};
-  frame.size = 1;
   LivePicture picture;
-  picture.setFrame(frame);
+  picture.setFrame(frameOf({1, 1, PixelFormat::Raw8, BayerPattern::Rggb}, 1, {9}));
   EXPECT_TRUE(picture.measure(start));
   Area area(10, 10);
   picture.draw(area.target(), background);

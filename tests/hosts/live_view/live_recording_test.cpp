@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fstream>
+#include <numeric>
 
+#include "cpp_face/scripted_library.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
 
@@ -50,26 +53,46 @@ TEST(UnusedPath, IsNumberedWhereThereIsAFile) {
   EXPECT_EQ(unusedPath(scratch.path(), "a.ser"), scratch.path() / "a_3.ser");
 }
 
+TEST(LiveRecording, ItsContentIsASentence) {
+  RecordingProgress recording;
+  recording.file = "a.ser";
+  recording.frames = 1;
+  EXPECT_EQ(contentText(recording), "1 frame in \"a.ser\".");
+  recording.frames = 12;
+  recording.droppedFrames = 3;
+  EXPECT_EQ(contentText(recording),
+            "12 frames in \"a.ser\". Dropped, since the disk did not keep up: 3.");
+}
+
 TEST(LiveRecording, IsAValidFile) {
   const ScratchDirectory scratch;
-  CameraDescription camera;
-  camera.name = "Camera: one";
-  const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::Gbrg};
-  const std::vector<std::uint8_t> frame = {1, 2, 3, 4, 5, 6, 7, 8};
-  LiveRecording recording(scratch.path(), camera, layout);
-  recording.addFrame(frame);
-  recording.addFrame(frame);
-  recording.keepValid();
-  const RecordingProgress progress = recording.progress();
+  oc::CameraInfo camera = oc::parseCameraInfo(0, testing::infoText(0, "Camera: one"));
+  std::atomic<int> toSend = 2;
+  testing::script().read = [&](std::uint8_t* buffer, int size) {
+    std::iota(buffer, buffer + size, std::uint8_t{1});
+    return toSend-- > 0 ? size : 0;
+  };
+  oc::CaptureThread capture({}, testing::scriptedLibrary());
+  oc::FrameQueue frames = capture.frames(oc::Delivery::Every, 4);
+  capture.open(camera, {}).get();
+  LiveRecording recording(scratch.path(), camera, capture.state().layout, std::move(frames));
+  while (recording.progress().frames < 2) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_FALSE(recording.hasEnded());
   recording.close();
+  EXPECT_TRUE(recording.hasEnded());
+  const RecordingProgress progress = recording.progress();
+  const std::vector<std::uint8_t> frame = {1, 2, 3, 4, 5, 6, 7, 8};
   EXPECT_EQ(progress.frames, 2);
   EXPECT_EQ(progress.bytes, 16);
+  EXPECT_EQ(progress.droppedFrames, 0);
   EXPECT_GE(progress.seconds, 0);
   EXPECT_EQ(progress.file.substr(progress.file.size() - 15), "Camera- one.ser");
 
   const SerFile file(scratch.file(progress.file));
   EXPECT_EQ(file.frameCount, 2);
-  EXPECT_EQ(file.colorId, 10);
+  EXPECT_EQ(file.colorId, 9);
   EXPECT_EQ(file.instrument, "Camera: one");
   EXPECT_EQ(file.frames.at(1), frame);
   EXPECT_EQ(file.timeStamps.size(), 2U);
@@ -78,8 +101,10 @@ TEST(LiveRecording, IsAValidFile) {
 
 TEST(LiveRecording, NeedsItsDirectory) {
   const ScratchDirectory scratch;
+  oc::CaptureThread capture({}, testing::scriptedLibrary());
   EXPECT_THROW(
-      LiveRecording(scratch.file("missing"), {}, {4, 2, PixelFormat::Raw8, BayerPattern::None}),
+      LiveRecording(scratch.file("missing"), {}, {4, 2, PixelFormat::Raw8, BayerPattern::None},
+                    capture.frames(oc::Delivery::Every, 4)),
       std::runtime_error);
 }
 

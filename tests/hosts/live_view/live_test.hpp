@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "live_view/live_session.hpp"
@@ -52,6 +54,18 @@ class LiveTest : public ::testing::Test {
     camera.id = 4;
     camera.isColor = 0;
     return camera;
+  }
+
+  // Waits until something holds; false when it does not within half a minute.
+  template <class Condition>
+  static bool comesTrue(Condition condition) {
+    for (int attempt = 0; attempt < 3000; ++attempt) {
+      if (condition()) {
+        return true;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
   }
 
   host::LiveOptions options(const std::string& camera = "Colour") const {

@@ -111,7 +111,7 @@ TEST(LiveTexts, StatusLineTellsOfFramesThatDoNotCome) {
 }
 
 TEST(LiveTexts, CameraDetails) {
-  CameraDescription camera;
+  oc::CameraInfo camera;
   camera.maxWidth = 1920;
   camera.maxHeight = 1080;
   camera.bitDepth = 12;

@@ -1,0 +1,51 @@
+// The frames of a camera for one command.
+#include "oc_capture/camera_stream.hpp"
+
+#include <string>
+
+#include "session/ser_recorder.hpp"
+#include "system/system.hpp"
+
+namespace orvane::host {
+
+namespace {
+
+oc::CaptureOptions captureOptions() {
+  oc::CaptureOptions options;
+  options.capacity = 0;
+  options.failures = 1;
+  return options;
+}
+
+// About what a frame will occupy; the camera may round its size.
+std::size_t expectedBytes(const oc::Settings& settings) {
+  return frameBytes({settings.width / settings.bin, settings.height / settings.bin, settings.format,
+                     BayerPattern::None});
+}
+
+}  // namespace
+
+CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
+                           std::optional<int> frames, std::int64_t waitingBytes)
+    : capture_(captureOptions()),
+      frames_(capture_.frames(oc::Delivery::Every,
+                              recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
+                              frames ? std::uint64_t{0} + *frames + options.discard : 0)) {
+  capture_.open(camera.description, camera.settings).get();
+  start_ = capture_.state().opened;
+}
+
+void CameraStream::discard(int frames, StatusLine& line) {
+  for (int discarded = 0; discarded < frames && !stopRequested();) {
+    if (const oc::Frame frame = next()) {
+      ++discarded;
+      start_ = frame.arrival();
+    }
+    if (line.isDue()) {
+      line.show("Waiting: " + std::to_string(discarded) + " of " + std::to_string(frames) +
+                " frames are thrown away");
+    }
+  }
+}
+
+}  // namespace orvane::host
