@@ -142,9 +142,9 @@ int snap(const SnapSettings& settings) {
 
 constexpr const char* explanation =
     R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
-holds its samples as they are, a bayer as a bayer (BAYERPAT), RGB as three
-planes, rows from the top (ROWORDER), with the settings, the temperature and
-the time in its header.)";
+holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
+three planes, rows from the top (ROWORDER), with the settings, the temperature
+and the time in its header.)";
 
 constexpr const char* examples =
     R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
