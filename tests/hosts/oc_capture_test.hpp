@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "program.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
 #include "support/library_under_test.hpp"
-#include "doubles/sdk_directory.hpp"
-#include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {
 

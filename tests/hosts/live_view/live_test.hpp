@@ -11,11 +11,11 @@
 #include <thread>
 #include <vector>
 
+#include "doubles/sdk_directory.hpp"
+#include "doubles/simulated_sdk.hpp"
 #include "live_view/live_session.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
-#include "doubles/sdk_directory.hpp"
-#include "doubles/simulated_sdk.hpp"
 
 namespace orvane::testing {
 
