@@ -28,9 +28,9 @@ std::size_t expectedBytes(const oc::Settings& settings) {
 CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
                            std::optional<int> frames, std::int64_t waitingBytes)
     : capture_(captureOptions()),
-      frames_(capture_.frames(oc::Delivery::Every,
-                              recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
-                              frames ? std::uint64_t{0} + *frames + options.discard : 0)) {
+      frames_(capture_.frames(
+          oc::Delivery::Every, recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
+          frames ? static_cast<std::uint64_t>(*frames + std::int64_t{options.discard}) : 0)) {
   capture_.open(camera.description, camera.settings).get();
   start_ = capture_.state().opened;
 }
