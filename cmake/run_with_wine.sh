@@ -13,6 +13,12 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 export WINEARCH=win64
 
+# Wine keeps file names in the locale's encoding. Outside UTF-8 it finds no file with other letters.
+case ${LC_ALL:-${LC_CTYPE:-${LANG:-}}} in
+  *[Uu][Tt][Ff]8* | *[Uu][Tt][Ff]-8*) ;;
+  *) export LC_ALL=C.UTF-8 ;;
+esac
+
 # Debian may install Wine outside root's PATH, only under this name.
 wine=("$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)")
 
