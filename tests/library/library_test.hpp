@@ -44,6 +44,20 @@ class LibraryTest : public ::testing::Test {
     return json.substr(start, end - start);
   }
 
+  /// Checks a scan that finds nothing: no camera, no library, no message.
+  void expectNothingFound() {
+    EXPECT_EQ(oc.scan(), 0);
+    EXPECT_EQ(libraries(), "");
+    EXPECT_EQ(error(), "");
+  }
+
+  /// Checks a scan that finds ZWO's SDK with its default cameras.
+  void expectAsiFound() {
+    EXPECT_GE(oc.scan(), 3);
+    EXPECT_EQ(libraries(), "ASICamera2");
+    EXPECT_EQ(error(), "");
+  }
+
   /// Reads one frame into `frame`, which has exactly oc_buffer_size() bytes.
   int readFrame(int timeoutMs = 1000) {
     frame.assign(static_cast<std::size_t>(oc.buffer_size()), 0xA5);
