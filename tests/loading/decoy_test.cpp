@@ -15,10 +15,9 @@ class Decoy : public LibraryTest {
   }
 
   void expectNothingFrom(const std::string& named) {
+    SCOPED_TRACE(named);
     oc.library_dir(named.c_str());
-    EXPECT_EQ(oc.scan(), 0) << named;
-    EXPECT_EQ(libraries(), "") << named;
-    EXPECT_EQ(error(), "") << named;
+    expectNothingFound();
   }
 
   SdkDirectory decoys{"decoys"};
