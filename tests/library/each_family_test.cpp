@@ -1,5 +1,5 @@
-// What every camera family does in the same way: a row of expected calls and results for each, and
-// one body for each question.
+// What all camera families have in common: a row for each family with the expected calls and
+// results, and test cases that every row must pass.
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int leastInt = std::numeric_limits<int>::min();
 
-// The nth call of this function fails; the limits are those that the scan then lists.
+// A call that fails in a scan, and the limits that the scan then lists.
 struct LimitFailure {
   const char* function;
   int nth;
@@ -36,6 +36,8 @@ struct Reading {
   const char* calls;
 };
 
+// "Calls" are lines of the SDK's log, "functions" are names. `xFunction` is the one that a test
+// makes fail, or removes, in step x of a session.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): in the order of a session
 struct FamilyRow {
   const char* sdk;
@@ -44,16 +46,16 @@ struct FamilyRow {
   const char* countFunction;
   const char* scanCalls;
   const char* description;
-  std::size_t nameSize;
+  std::size_t nameSize;  ///< of the SDK's field
   std::vector<LimitFailure> limitFailures;
 
   int bin;
   int format;
-  const char* openCalls;  ///< of an open with this bin and format
+  const char* openCalls;  ///< with this bin and format
   Opened opened;
   int frameMemory = 0;  ///< the least size of a buffer
   const char* configureFunction;
-  std::vector<const char*> formatCalls;  ///< for format 0, 1, ...
+  std::vector<const char*> formatCalls;  ///< the call that sets format 0, 1, ...
 
   const char* frameFunction;
   const char* readCalls;
@@ -62,14 +64,14 @@ struct FamilyRow {
 
   const char* settingFunction;
   Settings settings;
-  const char* applyCalls;
+  const char* applyCalls;  ///< with these settings
 
   const char* temperatureFunction;
   const char* temperatureOutput;
   std::vector<Reading> readings;
 
   const char* stopFunction;
-  const char* closeCalls;  ///< of a close whose calls fail
+  const char* closeCalls;  ///< when stop and close fail
 };
 
 std::ostream& operator<<(std::ostream& stream, const FamilyRow& row) {
@@ -325,7 +327,7 @@ const FamilyRow toupTek{
 class EachFamily : public FamilyTest, public ::testing::WithParamInterface<FamilyRow> {
  protected:
   EachFamily() : FamilyTest(GetParam().sdk) {
-    // Of ZWO's 13 controls gain, exposure and offset: the call logs stay short.
+    // ZWO's SDK then lists only gain, exposure and offset of its 13 controls. Keeps the logs short.
     sdk.forceOutput("ASIGetNumOfControls", "count", 3);
   }
 
@@ -577,6 +579,13 @@ class MissingFunction : public LibraryTest, public ::testing::WithParamInterface
     return oc.open(0, 320, 202, 1, 0, 20000, 150, 5);
   }
 
+  void expectOpenFailsWithout(const char* function) {
+    EXPECT_EQ(openWithout(function), 0);
+    EXPECT_EQ(error(), message(function));
+    expectClean(*sdk);
+    expectClosed();
+  }
+
   std::string message(const char* function) const {
     return std::string(row.sdk) + ": missing " + function;
   }
@@ -585,18 +594,12 @@ class MissingFunction : public LibraryTest, public ::testing::WithParamInterface
   std::optional<SimulatedSdk> sdk;
 };
 
-TEST_P(MissingFunction, OfTheConfigurationFailsTheOpenAndClosesTheDevice) {
-  EXPECT_EQ(openWithout(row.configureFunction), 0);
-  EXPECT_EQ(error(), message(row.configureFunction));
-  expectClean(*sdk);
-  expectClosed();
+TEST_P(MissingFunction, OfTheConfigurationFailsTheOpen) {
+  expectOpenFailsWithout(row.configureFunction);
 }
 
-TEST_P(MissingFunction, OfTheSettingsFailsTheOpenAndClosesTheDevice) {
-  EXPECT_EQ(openWithout(row.settingFunction), 0);
-  EXPECT_EQ(error(), message(row.settingFunction));
-  expectClean(*sdk);
-  expectClosed();
+TEST_P(MissingFunction, OfTheSettingsFailsTheOpen) {
+  expectOpenFailsWithout(row.settingFunction);
 }
 
 TEST_P(MissingFunction, OfTheFrameFailsTheReadAndTheCameraKeepsStreaming) {

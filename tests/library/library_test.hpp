@@ -64,11 +64,10 @@ class LibraryTest : public ::testing::Test {
     return oc.read(frame.data(), static_cast<int>(frame.size()), timeoutMs);
   }
 
-  /// Checks that no camera is open, by all that a host can call.
+  /// Checks from the host's side that no camera is open.
   void expectClosed() const {
     EXPECT_EQ(oc.buffer_size(), 0);
     std::uint8_t byte = 0;
-    const std::string before = error();
     EXPECT_EQ(oc.read(&byte, 1, 0), -1);
     EXPECT_EQ(error(), "Camera closed or buffer too small");
   }

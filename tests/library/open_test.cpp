@@ -1,5 +1,5 @@
-// Opening cameras: the order of validation, the geometry, and the state after a failure. ZWO's SDK
-// stands for all.
+// Opening a camera: the order of validation, the geometry, and the state after a failure. All cases
+// use ZWO's SDK; the code under test is the same for every family.
 #include "library/family_test.hpp"
 
 namespace orvane::testing {

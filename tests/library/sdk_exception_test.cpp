@@ -37,8 +37,8 @@ constexpr std::pair<const char*, Step> situations[] = {
 };
 constexpr std::size_t frameSituation = 10;
 
-// The functions that throw, one for each situation. ToupTek has no init call; the first query
-// stands for it.
+// The function that throws in each situation. ToupTek has no init function; the row names the first
+// query instead.
 struct ThrowingFamily {
   const char* baseName;
   const char* functions[std::size(situations)];
