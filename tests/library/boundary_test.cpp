@@ -7,17 +7,9 @@ namespace {
 
 using Boundary = AsiTest;
 
-TEST_F(Boundary, ErrorTextIsEmptyAndNotNullBeforeAnyOtherCall) {
-  ASSERT_NE(oc.error(), nullptr);
-  EXPECT_EQ(error(), "");
-}
-
-TEST_F(Boundary, LibrariesIsEmptyAndNotNullBeforeAnyScan) {
-  ASSERT_NE(oc.libraries(), nullptr);
-  EXPECT_EQ(libraries(), "");
-}
-
-TEST_F(Boundary, SizesAreZeroBeforeTheFirstOpen) {
+TEST_F(Boundary, TextsAreEmptyAndSizesZeroBeforeAnyOtherCall) {
+  EXPECT_STREQ(oc.error(), "");
+  EXPECT_STREQ(oc.libraries(), "");
   EXPECT_EQ(oc.width(), 0);
   EXPECT_EQ(oc.height(), 0);
   EXPECT_EQ(oc.buffer_size(), 0);
@@ -37,10 +29,9 @@ TEST_F(Boundary, InfoOutsideTheCatalogueIsAnEmptyObjectAndLeavesTheErrorText) {
   EXPECT_EQ(info(-1), "{}");
   ASSERT_EQ(oc.scan(), 1);
   EXPECT_EQ(oc.open(5, 1, 1, 1, 0, 1, 0, 0), 0);
-  EXPECT_EQ(info(-1), "{}");
-  EXPECT_EQ(info(1), "{}");
-  EXPECT_EQ(info(2147483647), "{}");
-  EXPECT_EQ(info(-2147483647 - 1), "{}");
+  for (const int index : {-1, 1, 2147483647, -2147483647 - 1}) {
+    EXPECT_EQ(info(index), "{}") << index;
+  }
   EXPECT_EQ(error(), "Camera not found; rescan");
 }
 

@@ -45,6 +45,14 @@ inline SimCamera smallCamera(const SdkFamily& family) {
   return camera;
 }
 
+/// A copy of a camera with another name, key and id.
+inline SimCamera secondCamera(SimCamera camera) {
+  setText(camera.name, "second");
+  setText(camera.key, "other");
+  camera.id = 9;
+  return camera;
+}
+
 /// The lines of a call log that call this function.
 inline std::string callsOf(const std::string& function, const std::string& log) {
   std::string found;
@@ -96,14 +104,7 @@ class FamilyTest : public LibraryTest {
     return readFrame();
   }
 
-  /// A copy of the small camera with another name, key and id.
-  SimCamera secondCamera() const {
-    SimCamera second = small;
-    setText(second.name, "second");
-    setText(second.key, "other");
-    second.id = 9;
-    return second;
-  }
+  SimCamera secondCamera() const { return testing::secondCamera(small); }
 
   /// Copies of the small camera with different keys.
   std::vector<SimCamera> manyCameras(std::size_t count) const {

@@ -186,10 +186,15 @@ std::ostream& operator<<(std::ostream& stream, const Family& family) {
 
 class MessagesOf : public Messages, public ::testing::WithParamInterface<Family> {
  protected:
+  MessagesOf() {
+    const SimCamera small = smallCamera(family);
+    sdk.setCameras({small, secondCamera(small)});
+  }
+
   // Makes the export fail: calls `spoil` right before it.
   void fail(const std::string& from, const std::function<void()>& spoil) {
     if (from != "oc_scan") {
-      EXPECT_EQ(oc.scan(), 1) << error();
+      EXPECT_EQ(oc.scan(), 2) << error();
     }
     if (from == "oc_read" || from == "oc_apply") {
       EXPECT_EQ(open(), 1) << error();
@@ -208,8 +213,9 @@ class MessagesOf : public Messages, public ::testing::WithParamInterface<Family>
     }
   }
 
-  // Checks what follows the failed call: in a scan or an open at most the close of the device, in
-  // a read or an apply nothing. In these two the camera still streams.
+  // Checks what follows the failed call: in a scan or an open at most the close of the device (the
+  // scan does not examine the second camera), in a read or an apply nothing. After these two the
+  // camera still streams.
   void expectNothingAfter(const SpoiltCall& call, const std::string& from) {
     const std::string log = sdk.takeLog();
     std::size_t end = 0;
@@ -238,7 +244,7 @@ class MessagesOf : public Messages, public ::testing::WithParamInterface<Family>
   }
 
   const SdkFamily& family = familyNamed(GetParam().baseName);
-  const SimulatedSdk sdk = installWithCamera(GetParam().baseName);
+  const SimulatedSdk sdk = install(GetParam().baseName);
 };
 
 TEST_P(MessagesOf, EqualTheTable) {
@@ -263,11 +269,11 @@ TEST_P(MessagesOf, EqualTheTable) {
     // The SDK does not cause this failure, so no call is forced to fail.
     const std::string message = "ToupTek gain out of range";
     all.push_back({message, "oc_open", [&] {
-                     EXPECT_EQ(oc.scan(), 1) << error();
+                     EXPECT_EQ(oc.scan(), 2) << error();
                      EXPECT_EQ(oc.open(0, 320, 202, 1, 0, 20000, 65536, 5), 0);
                    }});
     all.push_back({message, "oc_apply", [&] {
-                     EXPECT_EQ(oc.scan(), 1) << error();
+                     EXPECT_EQ(oc.scan(), 2) << error();
                      EXPECT_EQ(open(), 1) << error();
                      EXPECT_EQ(oc.apply(20000, -1, 5), 0);
                    }});

@@ -104,8 +104,7 @@ class PlaybackOf : public FamilyTest {
   std::string write(const std::string& content, const char8_t* name = u8"recording.ser") const {
     const std::filesystem::path path = directory.path() / name;
     std::ofstream(path, std::ios::binary) << content;
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
+    return utf8Of(path);
   }
 
   int play(const Recording& recording) const {

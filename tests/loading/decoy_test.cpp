@@ -23,25 +23,11 @@ class Decoy : public LibraryTest {
   SdkDirectory decoys{"decoys"};
 };
 
-TEST_F(Decoy, InTheCurrentDirectoryIsNotLoadedForAnEmptyDirectory) {
-  std::filesystem::current_path(decoys.path());
-  expectNothingFrom("");
-}
-
-TEST_F(Decoy, OnSearchPathsIsNotLoadedForAnEmptyDirectory) {
-  prependToSearchPaths(decoys.path());
-  expectNothingFrom("");
-}
-
-TEST_F(Decoy, IsNotLoadedInPlaceOfASdkThatTheNamedDirectoryLacks) {
+TEST_F(Decoy, IsNotLoadedWhereTheNamedDirectoryHasNoSdk) {
   std::filesystem::current_path(decoys.path());
   prependToSearchPaths(decoys.path());
+  expectNothingFrom("");
   expectNothingFrom(directory.utf8());
-}
-
-TEST_F(Decoy, IsNotLoadedInPlaceOfADirectoryThatDoesNotExist) {
-  std::filesystem::current_path(decoys.path());
-  prependToSearchPaths(decoys.path());
   expectNothingFrom(directory.utf8() + "/no/such/directory");
 }
 
