@@ -351,7 +351,9 @@ TEST_P(EachFamily, ScanWithoutCamerasEndsAfterTheirCount) {
   sdk.setCameras({});
   EXPECT_EQ(oc.scan(), 0);
   const std::string log = sdk.takeLog();
-  EXPECT_EQ(testing::callsOf(row.countFunction, log), lastLine(log));
+  const std::string withCamera = row.scanCalls;
+  EXPECT_EQ(log, withCamera.substr(0, withCamera.find(row.countFunction)) + lastLine(log));
+  EXPECT_TRUE(lastLine(log).starts_with(row.countFunction)) << log;
   EXPECT_EQ(libraries(), row.sdk);
   EXPECT_EQ(error(), "");
 }
@@ -621,8 +623,8 @@ TEST_P(MissingFunction, ThatStopsStillLetsTheDeviceBeClosed) {
   sdk->takeLog();
   oc.close();
   const std::string log = sdk->takeLog();
-  EXPECT_EQ(callsOf(familyNamed(row.sdk).closeCall, log), log);
-  EXPECT_NE(log, "");
+  EXPECT_TRUE(log.starts_with(familyNamed(row.sdk).closeCall)) << log;
+  EXPECT_EQ(log, lastLine(log));
   EXPECT_EQ(error(), "");
   EXPECT_EQ(sdk->invariants().devicesOpen, 0);
   expectClosed();
