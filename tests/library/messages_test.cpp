@@ -45,7 +45,7 @@ class Messages : public LibraryTest {
     EXPECT_FALSE(listed.empty());
     std::set<std::pair<std::string, std::string>> provoked;
     for (const auto& [row, from, act, expected, afterwards] : provocations) {
-      SCOPED_TRACE(expected + " from " + from);
+      SCOPED_TRACE(::testing::Message() << expected << " from " << from);
       prepare();
       act();
       EXPECT_EQ(error(), expected);
