@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "library/asi_test.hpp"
+#include "library/family_test.hpp"
 
 namespace {
 

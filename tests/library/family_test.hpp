@@ -36,45 +36,112 @@ inline SimCamera smallCamera() {
   return camera;
 }
 
-/// The same for the SDK of this family, with the Bayer pattern RGGB.
+/// The same for the SDK of this family: with the Bayer pattern RGGB, and with gains that every
+/// family accepts.
 inline SimCamera smallCamera(const SdkFamily& family) {
   SimCamera camera = smallCamera();
   camera.mosaic = family.rggb;
+  camera.gainMax = 1000;
   return camera;
 }
 
-/// A call to fail, and the label under which the library reports the failure.
-struct FailingCall {
-  const char* function;
-  const char* label;
-};
+/// A copy of a camera with another name, key and id.
+inline SimCamera secondCamera(SimCamera camera) {
+  setText(camera.name, "second");
+  setText(camera.key, "other");
+  camera.id = 9;
+  return camera;
+}
+
+/// The lines of a call log that call this function.
+inline std::string callsOf(const std::string& function, const std::string& log) {
+  std::string found;
+  for (std::size_t start = 0; start < log.size();) {
+    const std::size_t end = log.find('\n', start) + 1;
+    if (log.compare(start, function.size() + 1, function + "(") == 0) {
+      found += log.substr(start, end - start);
+    }
+    start = end;
+  }
+  return found;
+}
 
 /// The library and one maker's SDK.
 class FamilyTest : public LibraryTest {
  protected:
-  FamilyTest(const std::string& baseName, const SimCamera& shown)
-      : small(shown), sdk(install(baseName)) {
+  explicit FamilyTest(const std::string& baseName)
+      : family(familyNamed(baseName)), small(smallCamera(family)), sdk(install(baseName)) {
     sdk.setCameras({small});
   }
 
-  /// Opens the only camera with exposure 20 ms, gain 10 (or the given one) and offset 5.
-  int open(int width, int height, int bin = 1, int format = 0) {
-    return oc.open(0, width, height, bin, format, 20000, gain, 5);
+  /// Scans, expects one camera, and empties the log.
+  void scan() {
+    ASSERT_EQ(oc.scan(), 1) << error();
+    sdk.takeLog();
+  }
+
+  /// Replaces the camera by `small`, which the test has changed, and scans.
+  void rescan() {
+    sdk.setCameras({small});
+    scan();
+  }
+
+  /// Opens the first camera with exposure 20 ms, gain 150 and offset 5.
+  int open(int width = 320, int height = 202, int bin = 1, int format = 0) {
+    return oc.open(0, width, height, bin, format, 20000, 150, 5);
   }
 
   /// Scans, opens the small camera with its full size, and empties the log.
-  void openSmall(int format = 0, int bin = 1) {
-    ASSERT_EQ(oc.scan(), 1) << error();
-    ASSERT_EQ(open(small.width, small.height, bin, format), 1) << error();
+  void openSmall(int format = 0) {
+    ASSERT_NO_FATAL_FAILURE(scan());
+    ASSERT_EQ(open(small.width, small.height, 1, format), 1) << error();
     sdk.takeLog();
   }
 
-  /// Replaces the camera, scans, and empties the log.
-  void rescanWith(const SimCamera& camera) {
-    sdk.setCameras({camera});
-    ASSERT_EQ(oc.scan(), 1) << error();
-    sdk.takeLog();
+  /// Reads a frame after giving the SDK time to have one.
+  int nextFrame() {
+    sdk.advance_clock(100000);
+    return readFrame();
   }
+
+  SimCamera secondCamera() const { return testing::secondCamera(small); }
+
+  /// Copies of the small camera with different keys.
+  std::vector<SimCamera> manyCameras(std::size_t count) const {
+    std::vector<SimCamera> many(count, small);
+    for (std::size_t i = 0; i < count; ++i) {
+      setText(many[i].key, "small-" + std::to_string(i));
+    }
+    return many;
+  }
+
+  /// Forces a result, and removes all earlier faults.
+  void onlyResult(const char* function, std::int64_t result, int nth = 1, int times = -1) const {
+    sdk.clear_faults();
+    sdk.forceResult(function, result, nth, times);
+  }
+
+  /// Forces an output, and removes all earlier faults.
+  void onlyOutput(const char* function, const char* output, double value) const {
+    sdk.clear_faults();
+    sdk.forceOutput(function, output, value);
+  }
+
+  /// The calls of this function since the log was emptied. Empties the log.
+  std::string callsOf(const std::string& function) const {
+    return testing::callsOf(function, sdk.takeLog());
+  }
+
+  /// These values of the first camera's description, separated by blanks.
+  std::string values(const std::vector<std::string>& keys) const {
+    std::string text;
+    for (const std::string& key : keys) {
+      text += (text.empty() ? "" : " ") + infoValue(0, key);
+    }
+    return text;
+  }
+
+  std::string limits() const { return values({"maxExposureUs", "minGain", "maxGain"}); }
 
   /// Checks a failed open: result, message and state are right, and nothing is left open.
   void expectOpenFailed(int result, const std::string& message) {
@@ -84,25 +151,6 @@ class FamilyTest : public LibraryTest {
     expectClean(sdk);
   }
 
-  /// Fails each call of an open in turn. Each open must fail under the label of the call, make no
-  /// later call except the one that closes, and leave nothing open.
-  void expectOpenFailsAtEachOf(const std::vector<FailingCall>& calls, std::int64_t result,
-                               const std::string& printed, const std::string& lastCall) {
-    for (const auto& [function, label] : calls) {
-      sdk.clear_faults();
-      sdk.takeLog();
-      sdk.forceResult(function, result);
-      expectOpenFailed(open(small.width, small.height), std::string(label) + ": " + printed);
-      const std::string log = sdk.takeLog();
-      const std::string end = std::string(function) + "(";
-      const std::size_t failing = log.find(end);
-      ASSERT_NE(failing, std::string::npos) << function << " is not called";
-      const std::size_t next = log.find('\n', failing) + 1;
-      EXPECT_EQ(log.substr(next), lastCall) << "after " << function;
-    }
-    sdk.clear_faults();
-  }
-
   /// The bytes that the SDK delivers for frame `number` of the open stream.
   std::vector<std::uint8_t> sdkFrame(int number, int size) {
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
@@ -110,9 +158,15 @@ class FamilyTest : public LibraryTest {
     return bytes;
   }
 
+  const SdkFamily& family;
   SimCamera small;
-  int gain = 10;
   SimulatedSdk sdk;
+};
+
+/// The library and ZWO's SDK.
+class AsiTest : public FamilyTest {
+ protected:
+  AsiTest() : FamilyTest("ASICamera2") {}
 };
 
 }  // namespace orvane::testing

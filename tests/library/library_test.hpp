@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,12 @@
 #include "support/library_under_test.hpp"
 
 namespace orvane::testing {
+
+/// A path in the form that oc_library_dir() takes.
+inline std::string utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 
 /// The library, newly loaded, and an empty directory from which it loads SDKs.
 class LibraryTest : public ::testing::Test {
@@ -44,17 +51,30 @@ class LibraryTest : public ::testing::Test {
     return json.substr(start, end - start);
   }
 
+  /// Checks a scan that finds nothing: no camera, no library, no message.
+  void expectNothingFound() {
+    EXPECT_EQ(oc.scan(), 0);
+    EXPECT_EQ(libraries(), "");
+    EXPECT_EQ(error(), "");
+  }
+
+  /// Checks a scan that finds ZWO's SDK with its default cameras.
+  void expectAsiFound() {
+    EXPECT_GE(oc.scan(), 3);
+    EXPECT_EQ(libraries(), "ASICamera2");
+    EXPECT_EQ(error(), "");
+  }
+
   /// Reads one frame into `frame`, which has exactly oc_buffer_size() bytes.
   int readFrame(int timeoutMs = 1000) {
     frame.assign(static_cast<std::size_t>(oc.buffer_size()), 0xA5);
     return oc.read(frame.data(), static_cast<int>(frame.size()), timeoutMs);
   }
 
-  /// Checks that no camera is open, by all that a host can call.
+  /// Checks from the host's side that no camera is open.
   void expectClosed() const {
     EXPECT_EQ(oc.buffer_size(), 0);
     std::uint8_t byte = 0;
-    const std::string before = error();
     EXPECT_EQ(oc.read(&byte, 1, 0), -1);
     EXPECT_EQ(error(), "Camera closed or buffer too small");
   }

@@ -1,21 +1,10 @@
 // The header for programs that load the library at run time.
 #include "orvane_desktop_camera_loader.h"
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <filesystem>
-#include <string>
-
-#include "doubles/sdk_directory.hpp"
+#include "library/library_test.hpp"
 
 namespace orvane::testing {
 namespace {
-
-std::string utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 void expectNothingLoaded(const OrvaneDesktopCamera& camera) {
   EXPECT_EQ(camera.module, nullptr);
@@ -27,7 +16,8 @@ void expectNothingLoaded(const OrvaneDesktopCamera& camera) {
 class LoaderHeader : public ::testing::Test {
  protected:
   bool load(const std::filesystem::path& file) {
-    return orvane_desktop_camera_load(&camera_, utf8(file).c_str(), message_, sizeof message_) == 1;
+    return orvane_desktop_camera_load(&camera_, utf8Of(file).c_str(), message_, sizeof message_) ==
+           1;
   }
 
   OrvaneDesktopCamera camera_;
@@ -74,7 +64,7 @@ TEST_F(LoaderHeader, LoadsFromAPathWithBlanksAndAccentsAndEveryMemberWorks) {
 TEST_F(LoaderHeader, AMissingFileIsNamed) {
   const std::filesystem::path file = SdkDirectory().path() / "nowhere.dll";
   EXPECT_FALSE(load(file));
-  EXPECT_EQ(message_, "Cannot load " + utf8(file));
+  EXPECT_EQ(message_, "Cannot load " + utf8Of(file));
   expectNothingLoaded(camera_);
 }
 
@@ -83,7 +73,7 @@ TEST_F(LoaderHeader, TheFirstMissingFunctionIsNamed) {
   sdks.add("toupcam");
   const std::filesystem::path file = sdks.file("toupcam");
   EXPECT_FALSE(load(file));
-  EXPECT_EQ(message_, utf8(file) + " has no function oc_library_dir");
+  EXPECT_EQ(message_, utf8Of(file) + " has no function oc_library_dir");
   expectNothingLoaded(camera_);
 }
 

@@ -8,23 +8,24 @@ namespace {
 
 class BadFile : public LibraryTest {
  protected:
-  // The simulated SDK, changed only in the machine number of its file header.
-  std::string sdkForMachine(unsigned windowsNumber, unsigned linuxNumber) const {
+  BadFile() {
     directory.add("ASICamera2");
-    std::string image = contentOf(directory.file("ASICamera2"));
+    sdk = contentOf(directory.file("ASICamera2"));
+  }
+
+  // The simulated SDK, changed only in the machine number of its file header.
+  std::string sdkForMachine([[maybe_unused]] unsigned windowsNumber,
+                            [[maybe_unused]] unsigned linuxNumber) const {
+    std::string image = sdk;
 #ifdef _WIN32
-    static_cast<void>(linuxNumber);
     const unsigned number = windowsNumber;
     const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(image.at(at)); };
     const std::size_t header = byteAt(0x3c) + 256U * byteAt(0x3d);
     EXPECT_EQ(image.substr(header, 4), std::string("PE\0\0", 4));
     const std::size_t at = header + 4;
 #else
-    static_cast<void>(windowsNumber);
     const unsigned number = linuxNumber;
-    EXPECT_EQ(image.substr(0, 4),
-              "\x7f"
-              "ELF");
+    EXPECT_EQ(image.substr(0, 4), "\177ELF");
     const std::size_t at = 18;
 #endif
     image.at(at) = static_cast<char>(number & 0xFFU);
@@ -32,65 +33,41 @@ class BadFile : public LibraryTest {
     return image;
   }
 
-  void expectNothing() {
-    EXPECT_EQ(oc.scan(), 0);
-    EXPECT_EQ(libraries(), "");
-    EXPECT_EQ(error(), "");
-  }
+  std::string sdk;
 };
 
-TEST_F(BadFile, Empty) {
-  directory.addFile("ASICamera2", "");
-  expectNothing();
-}
-
-TEST_F(BadFile, For32BitProcesses) {
-  directory.addFile("ASICamera2", sdkForMachine(0x014c, 3));
-  expectNothing();
-}
-
-TEST_F(BadFile, ForAnotherProcessor) {
-  directory.addFile("ASICamera2", sdkForMachine(0xaa64, 183));
-  expectNothing();
+TEST_F(BadFile, ContributesNothing) {
+  const std::string rest(500, '\0');
+  const std::pair<const char*, std::string> files[] = {
+      {"empty", ""},
+      {"a text", "this is a text file\n"},
+      {"for 32-bit processes", sdkForMachine(0x014c, 3)},
+      {"for another processor", sdkForMachine(0xaa64, 183)},
+      {"cut off in its header", sdk.substr(0, 50)},
+#ifdef _WIN32
+      {"cut off in the middle", sdk.substr(0, sdk.size() / 2)},
+      {"of the other system", "\177ELF\2\1\1" + rest},
+#else
+      {"of the other system", "MZ" + rest},
+#endif
+  };
+  for (const auto& [kind, content] : files) {
+    SCOPED_TRACE(kind);
+    directory.addFile("ASICamera2", content);
+    expectNothingFound();
+  }
 }
 
 TEST_F(BadFile, ForThisProcessorIsLoaded) {
   // A control: the same change with the right number loads.
   directory.addFile("ASICamera2", sdkForMachine(0x8664, 62));
-  EXPECT_GE(oc.scan(), 3);
-  EXPECT_EQ(libraries(), "ASICamera2");
+  expectAsiFound();
 }
-
-TEST_F(BadFile, OfTheOtherSystem) {
-#ifdef _WIN32
-  directory.addFile("ASICamera2", std::string("\x7f"
-                                              "ELF\x02\x01\x01",
-                                              7) +
-                                      std::string(500, '\0'));
-#else
-  directory.addFile("ASICamera2", "MZ" + std::string(500, '\0'));
-#endif
-  expectNothing();
-}
-
-TEST_F(BadFile, CutOffInItsHeader) {
-  directory.add("ASICamera2");
-  directory.addFile("ASICamera2", contentOf(directory.file("ASICamera2")).substr(0, 50));
-  expectNothing();
-}
-
-#ifdef _WIN32
-TEST_F(BadFile, CutOffInTheMiddle) {
-  directory.add("ASICamera2");
-  const std::string image = contentOf(directory.file("ASICamera2"));
-  directory.addFile("ASICamera2", image.substr(0, image.size() / 2));
-  expectNothing();
-}
-#endif
 
 TEST_F(BadFile, DirectoryOfTheName) {
+  std::filesystem::remove(directory.file("ASICamera2"));
   std::filesystem::create_directory(directory.file("ASICamera2"));
-  expectNothing();
+  expectNothingFound();
 }
 
 TEST_F(BadFile, LeavesTheOtherSdksAlone) {
@@ -105,10 +82,9 @@ TEST_F(BadFile, LeavesTheOtherSdksAlone) {
 
 TEST_F(BadFile, ReplacedByAGoodOneIsLoadedByTheSecondScan) {
   directory.addFile("ASICamera2", sdkForMachine(0x014c, 3));
-  expectNothing();
+  expectNothingFound();
   directory.add("ASICamera2");
-  EXPECT_GE(oc.scan(), 3);
-  EXPECT_EQ(libraries(), "ASICamera2");
+  expectAsiFound();
 }
 
 // A library for another purpose under the name of an SDK is loaded, and lacks the functions of the

@@ -15,34 +15,19 @@ class Decoy : public LibraryTest {
   }
 
   void expectNothingFrom(const std::string& named) {
+    SCOPED_TRACE(named);
     oc.library_dir(named.c_str());
-    EXPECT_EQ(oc.scan(), 0) << named;
-    EXPECT_EQ(libraries(), "") << named;
-    EXPECT_EQ(error(), "") << named;
+    expectNothingFound();
   }
 
   SdkDirectory decoys{"decoys"};
 };
 
-TEST_F(Decoy, InTheCurrentDirectoryIsNotLoadedForAnEmptyDirectory) {
-  std::filesystem::current_path(decoys.path());
-  expectNothingFrom("");
-}
-
-TEST_F(Decoy, OnSearchPathsIsNotLoadedForAnEmptyDirectory) {
-  prependToSearchPaths(decoys.path());
-  expectNothingFrom("");
-}
-
-TEST_F(Decoy, IsNotLoadedInPlaceOfASdkThatTheNamedDirectoryLacks) {
+TEST_F(Decoy, IsNotLoadedWhereTheNamedDirectoryHasNoSdk) {
   std::filesystem::current_path(decoys.path());
   prependToSearchPaths(decoys.path());
+  expectNothingFrom("");
   expectNothingFrom(directory.utf8());
-}
-
-TEST_F(Decoy, IsNotLoadedInPlaceOfADirectoryThatDoesNotExist) {
-  std::filesystem::current_path(decoys.path());
-  prependToSearchPaths(decoys.path());
   expectNothingFrom(directory.utf8() + "/no/such/directory");
 }
 

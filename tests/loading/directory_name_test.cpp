@@ -1,4 +1,5 @@
-// Directory names of all kinds that a system allows, and some invalid ones.
+// The directory that the host names: names of all kinds that a system allows, some invalid ones,
+// and when a change of it counts.
 #include <system_error>
 
 #include "library/library_test.hpp"
@@ -21,10 +22,9 @@ class DirectoryName : public LibraryTest {
   }
 
   void expectFoundIn(const std::string& named) {
+    SCOPED_TRACE(named);
     oc.library_dir(named.c_str());
-    EXPECT_GE(oc.scan(), 3) << named;
-    EXPECT_EQ(libraries(), "ASICamera2") << named;
-    EXPECT_EQ(error(), "") << named;
+    expectAsiFound();
   }
 };
 
@@ -51,6 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Name{"ChineseBeyond16Bits", u8"\U00020bb7\u91ce"},
                       Name{"EmojiJoined", u8"\U0001f468\u200d\U0001f680"},
                       Name{"Punctuation", u8"a;b,c=d&e%PATH%'f'(g)!@#~"},
+                      Name{"SeveralScripts", u8"caf\u00e9 \u5929\u6587 \U0001f52d"},
                       Name{"DotInside", u8"sdk.v1.dll"}, Name{"Parent", u8"one/../two"}),
     [](const auto& instance) { return std::string(instance.param.label); });
 
@@ -83,30 +84,67 @@ TEST_F(DirectoryName, ExtendedFormOfMoreThan260CharactersIsFound) {
 }
 #endif
 
-TEST_F(DirectoryName, SeveralTrailingSeparatorsMakeNoDifference) {
+class TrailingSeparators : public DirectoryName,
+                           public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(TrailingSeparators, MakeNoDifference) {
   directory.add("ASICamera2");
-#ifdef _WIN32
-  expectFoundIn(directory.utf8() + "\\\\");
-#else
-  expectFoundIn(directory.utf8() + "//");
-#endif
+  expectFoundIn(directory.utf8() + GetParam());
 }
+
+#ifdef _WIN32
+constexpr const char* separators[] = {"/", "\\", "\\\\"};
+#else
+constexpr const char* separators[] = {"/", "//"};
+#endif
+INSTANTIATE_TEST_SUITE_P(Texts, TrailingSeparators, ::testing::ValuesIn(separators));
 
 TEST_F(DirectoryName, IsCopiedAtTheCall) {
   directory.add("ASICamera2");
   std::string named = directory.utf8();
   oc.library_dir(named.c_str());
   named.assign(named.size(), 'x');
-  EXPECT_GE(oc.scan(), 3);
-  EXPECT_EQ(libraries(), "ASICamera2");
+  expectAsiFound();
 }
 
 TEST_F(DirectoryName, OfAFileFindsNothing) {
   directory.add("ASICamera2");
   oc.library_dir(utf8Of(directory.file("ASICamera2")).c_str());
-  EXPECT_EQ(oc.scan(), 0);
-  EXPECT_EQ(libraries(), "");
-  EXPECT_EQ(error(), "");
+  expectNothingFound();
+}
+
+TEST_F(DirectoryName, ThatIsNullOrEmptyFindsNothing) {
+  directory.add("ASICamera2");
+  for (const char* empty : {static_cast<const char*>(nullptr), ""}) {
+    oc.library_dir(directory.utf8().c_str());
+    oc.library_dir(empty);
+    expectNothingFound();
+  }
+}
+
+TEST_F(DirectoryName, IsTheLatestAtTheScanAfterAFailedLoad) {
+  directory.add("ASICamera2");
+  oc.library_dir((directory.utf8() + "/elsewhere").c_str());
+  expectNothingFound();
+  expectFoundIn(directory.utf8());
+}
+
+TEST_F(DirectoryName, IsSearchedAgainByALaterScan) {
+  expectNothingFound();
+  directory.add("ASICamera2");
+  expectAsiFound();
+}
+
+TEST_F(DirectoryName, DoesNotMatterToALoadedLibrary) {
+  const SimulatedSdk first = install("ASICamera2");
+  expectAsiFound();
+  const SdkDirectory other("other");
+  other.add("ASICamera2");
+  const SimulatedSdk second(other.file("ASICamera2"));
+  first.takeLog();
+  expectFoundIn(other.utf8());
+  EXPECT_NE(first.takeLog(), "");
+  EXPECT_EQ(second.takeLog(), "");
 }
 
 #ifdef _WIN32
@@ -119,6 +157,7 @@ class DirectoryNotUtf8 : public DirectoryName, public ::testing::WithParamInterf
       FAIL() << "no exception";
     } catch (const std::system_error& failure) {
       EXPECT_EQ(failure.code().value(), 1113);  // ERROR_NO_UNICODE_TRANSLATION
+      EXPECT_STREQ(failure.code().category().name(), "system");
     }
   }
 };
@@ -135,6 +174,7 @@ TEST_P(DirectoryNotUtf8, LeavesTheScanAsASystemError) {
 INSTANTIATE_TEST_SUITE_P(Texts, DirectoryNotUtf8,
                          ::testing::Values("\\\x80",      // continuation byte without a lead byte
                                            "\\\xe5\xa4",  // truncated sequence
+                                           "\\\xff\xfe",  // bytes that UTF-8 never has
                                            "\\\xc0\xaf",  // overlong slash
                                            "\\\xed\xa0\x80",      // lone surrogate
                                            "\\\xf4\x90\x80\x80",  // above U+10FFFF
@@ -148,6 +188,11 @@ TEST_F(DirectoryNotUtf8, KeepsTheCamerasOfSdksThatWereLoadedBefore) {
   EXPECT_NE(info(0), "{}");
   EXPECT_EQ(oc.open(0, 64, 48, 1, 0, 1000, 1, 1), 1) << error();
   oc.close();
+}
+#else
+TEST_F(DirectoryName, OfAnyBytesIsAPath) {
+  oc.library_dir("/sdk/\xff\xfe");
+  expectNothingFound();
 }
 #endif
 

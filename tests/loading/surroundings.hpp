@@ -19,7 +19,4 @@ bool isLoaded(const std::filesystem::path& library);
 /// The whole content of a file.
 std::string contentOf(const std::filesystem::path& file);
 
-/// A path in the form that oc_library_dir() takes.
-std::string utf8Of(const std::filesystem::path& path);
-
 }  // namespace orvane::testing

@@ -73,6 +73,11 @@ TEST_P(Unload, KeepsTheSdkLoaded) {
 INSTANTIATE_TEST_SUITE_P(Sdks, Unload, ::testing::ValuesIn(sdkNames),
                          [](const auto& instance) { return std::string(instance.param); });
 
+void expectOpenFails(const LibraryUnderTest& library) {
+  EXPECT_EQ(library.open(-1, 320, 202, 1, 0, 20000, 100, 5), 0);
+  EXPECT_STREQ(library.error(), "Camera not found; rescan");
+}
+
 TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
   for (int i = 0; i < 10; ++i) {
     LibraryUnderTest library;
@@ -88,8 +93,7 @@ TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
 TEST(UnloadFresh, RepeatedUnloadsAfterFailuresLeakNothing) {
   const auto useOnce = [] {
     LibraryUnderTest library;
-    ASSERT_EQ(library.open(0, 320, 202, 1, 0, 20000, 100, 5), 0);
-    ASSERT_STREQ(library.error(), "Camera not found; rescan");
+    expectOpenFails(library);
     library.module.unload();
   };
   for (int i = 0; i < 50; ++i) {
@@ -109,10 +113,7 @@ TEST(UnloadFresh, RepeatedUnloadsAfterFailuresLeakNothing) {
 TEST(UnloadFresh, AfterFailuresInEndedAndRunningThreads) {
   for (int i = 0; i < 20; ++i) {
     LibraryUnderTest library;
-    const auto fail = [&] {
-      EXPECT_EQ(library.open(-1, 320, 202, 1, 0, 20000, 100, 5), 0);
-      EXPECT_STREQ(library.error(), "Camera not found; rescan");
-    };
+    const auto fail = [&] { expectOpenFails(library); };
     std::thread(fail).join();
     std::promise<void> hasFailed;
     std::promise<void> isUnloaded;
@@ -140,8 +141,7 @@ TEST(UnloadFresh, InAProcessWithoutAFreeFiberLocalSlot) {
   for (int i = 0; i < 5; ++i) {
     LibraryUnderTest library;
     const auto fail = [&] {
-      EXPECT_EQ(library.open(-1, 320, 202, 1, 0, 20000, 100, 5), 0);
-      EXPECT_STREQ(library.error(), "Camera not found; rescan");
+      expectOpenFails(library);
       EXPECT_EQ(library.read(nullptr, 0, 0), -1);
       EXPECT_STREQ(library.error(), "Camera closed or buffer too small");
     };

@@ -21,12 +21,6 @@ std::string valueOf(const CameraInfo& camera, const std::string& key) {
   return json.substr(start, end - start);
 }
 
-std::string pixelSizeText(double micrometres) {
-  CameraInfo camera;
-  camera.pixelSizeUm = micrometres;
-  return valueOf(camera, "pixelSizeUm");
-}
-
 }  // namespace
 
 TEST(JsonString, EmptyTextGivesAPairOfQuotes) {
@@ -117,39 +111,37 @@ TEST(CameraJson, NegativeBinsAndFormatsKeepTheirSign) {
 }
 
 TEST(CameraJson, LongExposureIsPrintedAsA64BitNumber) {
+  using Limits = std::numeric_limits<std::int64_t>;
   CameraInfo camera;
-  camera.maxExposureUs = 3600000000;
-  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "3600000000");
-  camera.maxExposureUs = std::numeric_limits<std::int64_t>::min();
-  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "-9223372036854775808");
-  camera.maxExposureUs = std::numeric_limits<std::int64_t>::max();
-  EXPECT_EQ(valueOf(camera, "maxExposureUs"), "9223372036854775807");
+  for (const std::int64_t exposure : {std::int64_t{3600000000}, Limits::min(), Limits::max()}) {
+    camera.maxExposureUs = exposure;
+    EXPECT_EQ(valueOf(camera, "maxExposureUs"), std::to_string(exposure));
+  }
 }
 
-TEST(CameraJson, PixelSizeHasUpToSixSignificantDigits) {
-  EXPECT_EQ(pixelSizeText(2.9), "2.9");
-  EXPECT_EQ(pixelSizeText(3.75), "3.75");
-  EXPECT_EQ(pixelSizeText(3.76), "3.76");
-  EXPECT_EQ(pixelSizeText(4.63), "4.63");
-  EXPECT_EQ(pixelSizeText(2.0), "2");
-  EXPECT_EQ(pixelSizeText(0.0), "0");
-  EXPECT_EQ(pixelSizeText(-2.5), "-2.5");
-  EXPECT_EQ(pixelSizeText(1.0 / 3.0), "0.333333");
-  EXPECT_EQ(pixelSizeText(123456.7), "123457");
-}
-
-TEST(CameraJson, PixelSizeUsesExponentsAsStreamsDo) {
-  EXPECT_EQ(pixelSizeText(0.0000001), "1e-07");
-  EXPECT_EQ(pixelSizeText(0.0001), "0.0001");
-  EXPECT_EQ(pixelSizeText(0.00001), "1e-05");
-  EXPECT_EQ(pixelSizeText(999999.0), "999999");
-  EXPECT_EQ(pixelSizeText(1000000.0), "1e+06");
-  EXPECT_EQ(pixelSizeText(1.5e300), "1.5e+300");
-  EXPECT_EQ(pixelSizeText(999999.9), "1e+06");
-}
-
-TEST(CameraJson, PixelSizeNanAndInfinityAreWrittenAsStreamsDo) {
-  EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::quiet_NaN()), "nan");
-  EXPECT_EQ(pixelSizeText(std::numeric_limits<double>::infinity()), "inf");
-  EXPECT_EQ(pixelSizeText(-std::numeric_limits<double>::infinity()), "-inf");
+TEST(CameraJson, PixelSizeIsWrittenAsStreamsDoWithUpToSixSignificantDigits) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  for (const auto& [micrometres, text] : {std::pair{2.9, "2.9"},
+                                          {3.75, "3.75"},
+                                          {3.76, "3.76"},
+                                          {4.63, "4.63"},
+                                          {2.0, "2"},
+                                          {0.0, "0"},
+                                          {-2.5, "-2.5"},
+                                          {1.0 / 3.0, "0.333333"},
+                                          {123456.7, "123457"},
+                                          {0.0000001, "1e-07"},
+                                          {0.0001, "0.0001"},
+                                          {0.00001, "1e-05"},
+                                          {999999.0, "999999"},
+                                          {1000000.0, "1e+06"},
+                                          {1.5e300, "1.5e+300"},
+                                          {999999.9, "1e+06"},
+                                          {std::numeric_limits<double>::quiet_NaN(), "nan"},
+                                          {infinity, "inf"},
+                                          {-infinity, "-inf"}}) {
+    CameraInfo camera;
+    camera.pixelSizeUm = micrometres;
+    EXPECT_EQ(valueOf(camera, "pixelSizeUm"), text);
+  }
 }

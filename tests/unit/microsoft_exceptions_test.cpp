@@ -102,8 +102,17 @@ TEST(GuardedCall, PassesAnExceptionWithInvalidParameters) {
 
 // ---- std::exception and types derived from it
 
-const char* whatOf(const MicrosoftStandardObject* object) {
-  return object->text;
+// A virtual table whose what() returns the object's text.
+const void* const textTable[] = {
+    nullptr, reinterpret_cast<const void*>(
+                 +[](const MicrosoftStandardObject* object) { return object->text; })};
+
+const MicrosoftThrow standardException({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
+
+void raiseStandardException(const MicrosoftThrow& thrown, const void* const* table,
+                            const char* text) {
+  MicrosoftStandardObject object(table, text);
+  thrown.raise(&object);
 }
 
 int destroyed = 0;
@@ -124,7 +133,6 @@ std::string messageOf(void (*function)()) {
 }
 
 TEST(MicrosoftException, StandardExceptionIsFoundInAVirtualBase) {
-  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
   // The object starts with its table of virtual bases; std::exception is 24 bytes after that.
   struct WithVirtualBase {
     const std::int32_t* bases;
@@ -138,7 +146,7 @@ TEST(MicrosoftException, StandardExceptionIsFoundInAVirtualBase) {
   thrown.types[1].virtualBaseOffset = 4;
   destroyed = 0;
   EXPECT_EQ(messageOf(+[] {
-              WithVirtualBase object{bases, {}, {table, "from a virtual base"}};
+              WithVirtualBase object{bases, {}, {textTable, "from a virtual base"}};
               thrown.raise(&object);
             }),
             "from a virtual base");
@@ -146,13 +154,7 @@ TEST(MicrosoftException, StandardExceptionIsFoundInAVirtualBase) {
 }
 
 TEST(MicrosoftException, EmptyTextStaysEmpty) {
-  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
-  static const MicrosoftThrow thrown({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
-  EXPECT_EQ(messageOf(+[] {
-              MicrosoftStandardObject object(table, "");
-              thrown.raise(&object);
-            }),
-            "");
+  EXPECT_EQ(messageOf(+[] { raiseStandardException(standardException, textTable, ""); }), "");
 }
 
 TEST(MicrosoftException, TextIsTruncatedWhereMemoryIsUnreadable) {
@@ -161,12 +163,7 @@ TEST(MicrosoftException, TextIsTruncatedWhereMemoryIsUnreadable) {
   std::memset(pages, 'y', 4096);
   static const char* text = nullptr;
   text = pages + 4096 - 10;
-  static const void* const table[] = {nullptr, reinterpret_cast<const void*>(whatOf)};
-  static const MicrosoftThrow thrown({".?AVexception@std@@"}, sizeof(MicrosoftStandardObject));
-  EXPECT_EQ(messageOf(+[] {
-              MicrosoftStandardObject object(table, text);
-              thrown.raise(&object);
-            }),
+  EXPECT_EQ(messageOf(+[] { raiseStandardException(standardException, textTable, text); }),
             "yyyyyyyyyy");
   VirtualFree(pages, 0, MEM_RELEASE);
 }
@@ -183,15 +180,9 @@ TEST(MicrosoftException, FailureInWhatOrDestructorGivesUnknownException) {
         RaiseException(MicrosoftThrow::code, EXCEPTION_NONCONTINUABLE, 0, nullptr);
       });
   destroyed = 0;
-  EXPECT_EQ(messageOf(+[] {
-              MicrosoftStandardObject object(table, "unread");
-              thrown.raise(&object);
-            }),
+  EXPECT_EQ(messageOf(+[] { raiseStandardException(thrown, table, "unread"); }),
             "Unknown exception");
-  EXPECT_EQ(messageOf(+[] {
-              MicrosoftStandardObject object(nullptr, "no virtual table");
-              thrown.raise(&object);
-            }),
+  EXPECT_EQ(messageOf(+[] { raiseStandardException(thrown, nullptr, "no virtual table"); }),
             "Unknown exception");
   EXPECT_EQ(destroyed, 2);
 }
