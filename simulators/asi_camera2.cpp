@@ -11,7 +11,7 @@
 
 #include "core/call.hpp"
 #include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
@@ -214,7 +214,7 @@ FrameSettings frameSettings(const Camera& camera) {
 
 // The present value of a control. For some controls it is a measurement.
 long reading(const Camera& camera, const Control& control) {
-  const std::int64_t now = stage().clock.now();
+  const std::int64_t now = sdk().clock.now();
   switch (control.id) {
     case ASI_TEMPERATURE:
       return std::lround(10 * camera.device.cooler.temperature(now));
@@ -248,9 +248,9 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
-      stage().countCallOnClosed();
+      sdk().countCallOnClosed();
       return camera == nullptr ? ASI_ERROR_INVALID_ID : ASI_ERROR_CAMERA_CLOSED;
     }
     return camera->isReachable() ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
@@ -275,15 +275,15 @@ extern "C" {
 int ASIGetNumOfConnectedCameras() {
   Call call("ASIGetNumOfConnectedCameras");
   return call.run([&]() -> int {
-    stage().enumerate();
-    return static_cast<int>(stage().enumerated());
+    sdk().enumerate();
+    return static_cast<int>(sdk().enumerated());
   });
 }
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
   Call call("ASIGetCameraProperty", index);
   return call.run([&]() -> int {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || info == nullptr) {
       return ASI_ERROR_INVALID_INDEX;
     }
@@ -317,7 +317,7 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
 int ASIOpenCamera(int cameraId) {
   Call call("ASIOpenCamera", cameraId);
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
     }
@@ -328,7 +328,7 @@ int ASIOpenCamera(int cameraId) {
       return ASI_ERROR_GENERAL_ERROR;
     }
     if (!camera->device.isOpen) {
-      stage().open(*camera, controlsOf(camera->model));
+      sdk().open(*camera, controlsOf(camera->model));
       showWholeSensor(*camera);
     }
     return ASI_SUCCESS;
@@ -346,11 +346,11 @@ int ASIInitCamera(int cameraId) {
 int ASICloseCamera(int cameraId) {
   Call call("ASICloseCamera", cameraId);
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr) {
       return ASI_ERROR_INVALID_ID;
     }
-    stage().close(*camera);
+    sdk().close(*camera);
     return ASI_SUCCESS;
   });
 }
@@ -414,10 +414,10 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
     control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
-      device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
+      device.cooler.set(sdk().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
                         device.value(ASI_TARGET_TEMP, 0));
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return ASI_SUCCESS;
   });
 }
@@ -468,7 +468,7 @@ int ASISetStartPos(int cameraId, int x, int y) {
     }
     region.x = x;
     region.y = y;
-    stage().changed(camera);
+    sdk().changed(camera);
     return ASI_SUCCESS;
   });
 }
@@ -477,7 +477,7 @@ int ASIStartVideoCapture(int cameraId) {
   Call call("ASIStartVideoCapture", cameraId);
   return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
     if (!camera.device.stream.isRunning()) {
-      stage().startStream(camera, false);
+      sdk().startStream(camera, false);
     }
     return ASI_SUCCESS;
   });
@@ -486,7 +486,7 @@ int ASIStartVideoCapture(int cameraId) {
 int ASIStopVideoCapture(int cameraId) {
   Call call("ASIStopVideoCapture", cameraId);
   return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
-    stage().stopStream(camera);
+    sdk().stopStream(camera);
     return ASI_SUCCESS;
   });
 }
@@ -498,13 +498,13 @@ int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       return ASI_ERROR_GENERAL_ERROR;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      stage().countShortBuffer();
+      sdk().countShortBuffer();
       return ASI_ERROR_BUFFER_TOO_SMALL;
     }
-    if (!stage().waitForFrame(camera, waitMs)) {
+    if (!sdk().waitForFrame(camera, waitMs)) {
       return ASI_ERROR_TIMEOUT;
     }
-    stage().takeFrame(camera, buffer);
+    sdk().takeFrame(camera, buffer);
     return ASI_SUCCESS;
   });
 }

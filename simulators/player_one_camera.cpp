@@ -10,7 +10,7 @@
 
 #include "core/call.hpp"
 #include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
@@ -238,7 +238,7 @@ FrameSettings frameSettings(const Camera& camera) {
 
 // The present value of a setting. For some settings it is a measurement.
 double reading(const Camera& camera, const Control& control) {
-  const std::int64_t now = stage().clock.now();
+  const std::int64_t now = sdk().clock.now();
   switch (control.id) {
     case POA_TEMPERATURE:
       return camera.device.cooler.temperature(now);
@@ -271,9 +271,9 @@ bool isExposing(const Camera& camera) {
 template <class Body>
 int onOpenCamera(Call& call, int cameraId, const Body& body) {
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr || !camera->device.isOpen) {
-      stage().countCallOnClosed();
+      sdk().countCallOnClosed();
       return camera == nullptr ? POA_ERROR_INVALID_ID : POA_ERROR_NOT_OPENED;
     }
     return camera->isReachable() ? body(*camera) : POA_ERROR_DEVICE_NOT_FOUND;
@@ -298,15 +298,15 @@ extern "C" {
 int POAGetCameraCount() {
   Call call("POAGetCameraCount");
   return call.run([&]() -> int {
-    stage().enumerate();
-    return static_cast<int>(stage().enumerated());
+    sdk().enumerate();
+    return static_cast<int>(sdk().enumerated());
   });
 }
 
 int POAGetCameraProperties(int index, POACameraProperties* properties) {
   Call call("POAGetCameraProperties", index);
   return call.run([&]() -> int {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_INDEX;
     }
@@ -340,7 +340,7 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
 int POAOpenCamera(int cameraId) {
   Call call("POAOpenCamera", cameraId);
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;
     }
@@ -351,7 +351,7 @@ int POAOpenCamera(int cameraId) {
       return POA_ERROR_OPERATION_FAILED;
     }
     if (!camera->device.isOpen) {
-      stage().open(*camera, controlsOf(camera->model));
+      sdk().open(*camera, controlsOf(camera->model));
       camera->device.format = POA_RAW8;
       showWholeSensor(*camera, 1);
     }
@@ -370,11 +370,11 @@ int POAInitCamera(int cameraId) {
 int POACloseCamera(int cameraId) {
   Call call("POACloseCamera", cameraId);
   return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
+    Camera* camera = sdk().enumeratedById(cameraId);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_ID;
     }
-    stage().close(*camera);
+    sdk().close(*camera);
     return POA_OK;
   });
 }
@@ -424,10 +424,10 @@ int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
     control->value = number;
     control->isAuto = control->hasAuto() && isAuto != POA_FALSE;
     if (configId == POA_COOLER || configId == POA_TARGET_TEMP) {
-      device.cooler.set(stage().clock.now(), device.value(POA_COOLER, 0) != 0,
+      device.cooler.set(sdk().clock.now(), device.value(POA_COOLER, 0) != 0,
                         device.value(POA_TARGET_TEMP, 0));
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return POA_OK;
   });
 }
@@ -463,7 +463,7 @@ int POASetImageStartPos(int cameraId, int x, int y) {
     }
     region.x = x & ~3;
     region.y = y & ~1;
-    stage().changed(camera);
+    sdk().changed(camera);
     return POA_OK;
   });
 }
@@ -535,7 +535,7 @@ int POAStartExposure(int cameraId, int isSingleFrame) {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
-    stage().startStream(camera, isSingleFrame != POA_FALSE);
+    sdk().startStream(camera, isSingleFrame != POA_FALSE);
     return POA_OK;
   });
 }
@@ -543,7 +543,7 @@ int POAStartExposure(int cameraId, int isSingleFrame) {
 int POAStopExposure(int cameraId) {
   Call call("POAStopExposure", cameraId);
   return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
-    stage().stopStream(camera);
+    sdk().stopStream(camera);
     return POA_OK;
   });
 }
@@ -554,7 +554,7 @@ int POAImageReady(int cameraId, int* isReady) {
     if (isReady == nullptr) {
       return POA_ERROR_POINTER;
     }
-    call.out("isReady", isReady, stage().waitingFrame(camera) != nullptr ? POA_TRUE : POA_FALSE);
+    call.out("isReady", isReady, sdk().waitingFrame(camera) != nullptr ? POA_TRUE : POA_FALSE);
     return POA_OK;
   });
 }
@@ -572,13 +572,13 @@ int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       return POA_ERROR_OPERATION_FAILED;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      stage().countShortBuffer();
+      sdk().countShortBuffer();
       return POA_ERROR_SIZE_LESS;
     }
-    if (!stage().waitForFrame(camera, waitMs)) {
+    if (!sdk().waitForFrame(camera, waitMs)) {
       return POA_ERROR_TIMEOUT;
     }
-    stage().takeFrame(camera, buffer);
+    sdk().takeFrame(camera, buffer);
     return POA_OK;
   });
 }

@@ -12,7 +12,7 @@
 
 #include "core/call.hpp"
 #include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 
@@ -230,9 +230,9 @@ std::string_view textIn(const char* buffer) {
 template <class Result, class Body>
 Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
   return call.run([&]() -> Result {
-    Camera* camera = stage().cameraOf(handle);
+    Camera* camera = sdk().cameraOf(handle);
     if (camera == nullptr) {
-      stage().countCallOnClosed();
+      sdk().countCallOnClosed();
       return failure;
     }
     return camera->isReachable() ? body(*camera) : failure;
@@ -265,7 +265,7 @@ extern "C" {
 std::uint32_t InitQHYCCDResource() {
   Call call("InitQHYCCDResource");
   return call.run([&]() -> std::uint32_t {
-    stage().isSdkInitialised = true;
+    sdk().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
 }
@@ -273,18 +273,18 @@ std::uint32_t InitQHYCCDResource() {
 std::uint32_t ScanQHYCCD() {
   Call call("ScanQHYCCD");
   return call.run([&]() -> std::uint32_t {
-    if (!stage().isSdkInitialised) {
+    if (!sdk().isSdkInitialised) {
       return 0;
     }
-    stage().enumerate();
-    return static_cast<std::uint32_t>(stage().enumerated());
+    sdk().enumerate();
+    return static_cast<std::uint32_t>(sdk().enumerated());
   });
 }
 
 std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
   Call call("GetQHYCCDId", index);
   return call.run([&]() -> std::uint32_t {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || !camera->isPlugged || id == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -297,7 +297,7 @@ std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
 std::uint32_t GetQHYCCDModel(char* id, char* model) {
   Call call("GetQHYCCDModel", Quoted{textIn(id)});
   return call.run([&]() -> std::uint32_t {
-    const Camera* camera = stage().enumeratedByKey(textIn(id));
+    const Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || model == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -310,25 +310,25 @@ std::uint32_t GetQHYCCDModel(char* id, char* model) {
 void* OpenQHYCCD(char* id) {
   Call call("OpenQHYCCD", Quoted{textIn(id)});
   return call.run([&]() -> void* {
-    Camera* camera = stage().enumeratedByKey(textIn(id));
+    Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
         camera->device.isOpen) {
       return nullptr;
     }
-    stage().open(*camera, controlsOf(camera->model));
-    return stage().makeHandle(*camera);
+    sdk().open(*camera, controlsOf(camera->model));
+    return sdk().makeHandle(*camera);
   });
 }
 
 std::uint32_t CloseQHYCCD(void* handle) {
   Call call("CloseQHYCCD", Handle{handle});
   return call.run([&]() -> std::uint32_t {
-    Camera* camera = stage().cameraOf(handle);
+    Camera* camera = sdk().cameraOf(handle);
     if (camera == nullptr) {
       return QHYCCD_ERROR;
     }
-    stage().close(*camera);
-    stage().endHandle(handle);
+    sdk().close(*camera);
+    sdk().endHandle(handle);
     return QHYCCD_SUCCESS;
   });
 }
@@ -431,13 +431,13 @@ std::uint32_t SetQHYCCDParam(void* handle, int controlId, double value) {
       return QHYCCD_ERROR;
     }
     control->value = value;
-    const std::int64_t now = stage().clock.now();
+    const std::int64_t now = sdk().clock.now();
     if (controlId == CONTROL_COOLER) {
       camera.device.cooler.set(now, true, value);
     } else if (controlId == CONTROL_MANULPWM) {
       camera.device.cooler.set(now, value > 0, -value / 8);
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return QHYCCD_SUCCESS;
   });
 }
@@ -450,7 +450,7 @@ double GetQHYCCDParam(void* handle, int controlId) {
     if (control == nullptr || !camera.device.isInitialised) {
       return failure;
     }
-    const std::int64_t now = stage().clock.now();
+    const std::int64_t now = sdk().clock.now();
     switch (controlId) {
       case CONTROL_CURTEMP:
         return camera.device.cooler.temperature(now);
@@ -518,7 +518,7 @@ std::uint32_t BeginQHYCCDLive(void* handle) {
       return QHYCCD_ERROR;
     }
     if (!camera.device.stream.isRunning()) {
-      stage().startStream(camera, false);
+      sdk().startStream(camera, false);
     }
     return QHYCCD_SUCCESS;
   });
@@ -527,7 +527,7 @@ std::uint32_t BeginQHYCCDLive(void* handle) {
 std::uint32_t StopQHYCCDLive(void* handle) {
   Call call("StopQHYCCDLive", Handle{handle});
   return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
-    stage().stopStream(camera);
+    sdk().stopStream(camera);
     return QHYCCD_SUCCESS;
   });
 }
@@ -537,7 +537,7 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
                                  std::uint8_t* data) {
   Call call("GetQHYCCDLiveFrame", Handle{handle}, Buffer{data});
   return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    const FrameSettings* frame = stage().waitingFrame(camera);
+    const FrameSettings* frame = sdk().waitingFrame(camera);
     if (frame == nullptr || data == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -546,9 +546,9 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
     call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
     call.out("channels", channels, 1);
     if (camera.device.toldLength != 0 && frameBytes(*frame) > camera.device.toldLength) {
-      stage().countWritePastBuffer();
+      sdk().countWritePastBuffer();
     }
-    stage().takeFrame(camera, data);
+    sdk().takeFrame(camera, data);
     return QHYCCD_SUCCESS;
   });
 }

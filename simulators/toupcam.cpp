@@ -15,7 +15,7 @@
 
 #include "core/call.hpp"
 #include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "toupcam_text.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
@@ -349,9 +349,9 @@ void showWholeSensor(Camera& camera) {
 template <class Body>
 Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
   return call.run([&]() -> Hresult {
-    Camera* camera = stage().cameraOf(handle);
+    Camera* camera = sdk().cameraOf(handle);
     if (camera == nullptr) {
-      stage().countCallOnClosed();
+      sdk().countCallOnClosed();
       return handle == nullptr ? E_POINTER : E_INVALIDARG;
     }
     return camera->isReachable() ? body(*camera) : E_GEN_FAILURE;
@@ -368,7 +368,7 @@ Hresult put(Camera& camera, int id, double value) {
     return S_FALSE;
   }
   control.value = value;
-  stage().changed(camera);
+  sdk().changed(camera);
   return S_OK;
 }
 
@@ -376,7 +376,7 @@ Hresult put(Camera& camera, int id, double value) {
 Hresult putGeometry(Camera& camera, int option, double value) {
   const Hresult result = put(camera, option, value);
   if (result == S_OK) {
-    stage().restartFrame(camera);
+    sdk().restartFrame(camera);
   }
   return result;
 }
@@ -419,10 +419,10 @@ extern "C" {
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
   Call call("Toupcam_EnumV2", Buffer{devices});
   return call.run([&]() -> unsigned {
-    stage().enumerate();
-    const auto count = static_cast<unsigned>(stage().enumerated());
+    sdk().enumerate();
+    const auto count = static_cast<unsigned>(sdk().enumerated());
     for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
-      const SimCamera& camera = stage().enumerated(i)->model;
+      const SimCamera& camera = sdk().enumerated(i)->model;
       devices[i] = {};
       describe(call, camera, devices[i]);
       if (Call::forcedOutput("model") == i) {
@@ -439,18 +439,18 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
   const std::string wantedName = plainText(wanted);
   Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
   return call.run([&]() -> HToupcam {
-    stage().enumerate();
-    for (std::size_t i = 0; i < stage().enumerated(); ++i) {
-      Camera& camera = *stage().enumerated(static_cast<std::int64_t>(i));
+    sdk().enumerate();
+    for (std::size_t i = 0; i < sdk().enumerated(); ++i) {
+      Camera& camera = *sdk().enumerated(static_cast<std::int64_t>(i));
       if (id != nullptr && idOf(camera.model) != wanted) {
         continue;
       }
       if (camera.model.isBusy != 0 || camera.device.isOpen) {
         return nullptr;
       }
-      stage().open(camera, controlsOf(camera.model));
+      sdk().open(camera, controlsOf(camera.model));
       showWholeSensor(camera);
-      return stage().makeHandle(camera);
+      return sdk().makeHandle(camera);
     }
     return nullptr;
   });
@@ -459,9 +459,9 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
 void Toupcam_Close(HToupcam handle) {
   Call call("Toupcam_Close", Handle{handle});
   call.run([&] {
-    if (Camera* camera = stage().cameraOf(handle)) {
-      stage().close(*camera);
-      stage().endHandle(handle);
+    if (Camera* camera = sdk().cameraOf(handle)) {
+      sdk().close(*camera);
+      sdk().endHandle(handle);
     }
   });
 }
@@ -526,7 +526,7 @@ Hresult Toupcam_put_Roi(HToupcam handle, unsigned x, unsigned y, unsigned width,
     } else {
       return E_INVALIDARG;
     }
-    stage().restartFrame(camera);
+    sdk().restartFrame(camera);
     return S_OK;
   });
 }
@@ -552,7 +552,7 @@ Hresult Toupcam_StartPullModeWithCallback(HToupcam handle, ToupcamEventCallback 
     if (camera.device.stream.isRunning()) {
       return E_BUSY;
     }
-    stage().startStream(camera, false);
+    sdk().startStream(camera, false);
     return S_OK;
   });
 }
@@ -564,7 +564,7 @@ Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int
     if (!camera.device.stream.isRunning()) {
       return E_UNEXPECTED;
     }
-    const FrameSettings* frame = stage().waitingFrame(camera);
+    const FrameSettings* frame = sdk().waitingFrame(camera);
     if (frame == nullptr) {
       return TOUPCAM_E_PENDING;
     }
@@ -579,7 +579,7 @@ Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int
     call.out("width", width, static_cast<unsigned>(frame->region.width));
     call.out("height", height, static_cast<unsigned>(frame->region.height));
     if (data != nullptr) {
-      stage().takeFrame(camera, static_cast<std::uint8_t*>(data), pitch);
+      sdk().takeFrame(camera, static_cast<std::uint8_t*>(data), pitch);
     }
     return S_OK;
   });
@@ -588,7 +588,7 @@ Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int
 Hresult Toupcam_Stop(HToupcam handle) {
   Call call("Toupcam_Stop", Handle{handle});
   return onOpenCamera(call, handle, [](Camera& camera) -> Hresult {
-    stage().stopStream(camera);
+    sdk().stopStream(camera);
     return S_OK;
   });
 }
@@ -619,7 +619,7 @@ Hresult Toupcam_get_Temperature(HToupcam handle, short* tenthsOfDegree) {
     if (camera.model.hasTemperature == 0) {
       return E_NOTIMPL;
     }
-    const double degrees = camera.device.cooler.temperature(stage().clock.now());
+    const double degrees = camera.device.cooler.temperature(sdk().clock.now());
     call.out("tenthsOfDegree", tenthsOfDegree, static_cast<short>(std::lround(10 * degrees)));
     return S_OK;
   });

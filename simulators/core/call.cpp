@@ -15,13 +15,13 @@ void appendNumber(Number number) {
   std::array<char, 32> digits;
   const std::to_chars_result end =
       std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  stage().log.append({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
+  sdk().log.append({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
 }
 
 }  // namespace
 
 bool Call::begin(const char* function) {
-  Stage& here = stage();
+  Sdk& here = sdk();
   here.faults.count(function);
   while (const std::optional<PlugChange> change = here.faults.nextPlugChange()) {
     here.setPlugged(change->camera, change->isPlugged);
@@ -34,7 +34,7 @@ bool Call::begin(const char* function) {
 }
 
 void Call::throwIfAsked() const {
-  if (const std::optional<ThrownFault> thrown = stage().faults.thrown()) {
+  if (const std::optional<ThrownFault> thrown = sdk().faults.thrown()) {
     if (isLogged_) {
       end(") threw");
     }
@@ -57,7 +57,7 @@ void Call::separateOutput() {
 
 void Call::end(std::string_view piece) {
   append(piece);
-  stage().log.endLine();
+  sdk().log.endLine();
 }
 
 void Call::write(Quoted quoted) {
@@ -75,7 +75,7 @@ void Call::write(Buffer buffer) {
 }
 
 void Call::write(Handle handle) {
-  const std::size_t number = stage().numberOf(handle.address);
+  const std::size_t number = sdk().numberOf(handle.address);
   if (number > 0) {
     append("h");
     writeUnsigned(number);

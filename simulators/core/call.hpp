@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 
 namespace orvane::sim {
 
@@ -41,7 +41,7 @@ class Call {
   std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
     throwIfAsked();
-    const std::optional<std::int64_t> forced = stage().faults.result();
+    const std::optional<std::int64_t> forced = sdk().faults.result();
     if constexpr (std::is_void_v<Result>) {
       if (!forced) {
         body();
@@ -85,9 +85,7 @@ class Call {
   }
 
   // The forced value of an output, for outputs that are not numbers.
-  static std::optional<double> forcedOutput(const char* name) {
-    return stage().faults.output(name);
-  }
+  static std::optional<double> forcedOutput(const char* name) { return sdk().faults.output(name); }
 
  private:
   static bool begin(const char* function);
@@ -112,7 +110,7 @@ class Call {
 
   template <class Type>
   static Type overridden(const char* name, Type value) {
-    const std::optional<double> forced = stage().faults.output(name);
+    const std::optional<double> forced = sdk().faults.output(name);
     return forced ? numberAs<Type>(*forced) : value;
   }
 
@@ -154,7 +152,7 @@ class Call {
   void writeSigned(std::int64_t number);
   void writeUnsigned(std::uint64_t number);
   void separateOutput();
-  static void append(std::string_view piece) { stage().log.append(piece); }
+  static void append(std::string_view piece) { sdk().log.append(piece); }
   static void end(std::string_view piece);
 
   bool isLogged_;

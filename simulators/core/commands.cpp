@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "core/system.hpp"
 
 namespace orvane::sim {
@@ -62,7 +62,7 @@ bool runClock(std::string_view arguments, bool isMeant) {
     return false;
   }
   if (isMeant) {
-    stage().clock.stop(state == "stopped");
+    sdk().clock.stop(state == "stopped");
   }
   return true;
 }
@@ -73,17 +73,17 @@ bool runSeed(std::string_view arguments, bool isMeant) {
     return false;
   }
   if (isMeant) {
-    stage().setSeed(seed);
+    sdk().setSeed(seed);
   }
   return true;
 }
 
 bool runLog(std::string_view arguments, bool isMeant) {
-  return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
+  return !arguments.empty() && (!isMeant || sdk().log.enableFile(std::string(arguments)));
 }
 
 bool runScene(std::string_view arguments, bool isMeant) {
-  return !arguments.empty() && (!isMeant || stage().playRecording(std::string(arguments).c_str()));
+  return !arguments.empty() && (!isMeant || sdk().playRecording(std::string(arguments).c_str()));
 }
 
 bool runForce(std::string_view arguments, bool isMeant) {
@@ -94,7 +94,7 @@ bool runForce(std::string_view arguments, bool isMeant) {
     return false;
   }
   if (isMeant) {
-    stage().faults.forceResult(function, range, result);
+    sdk().faults.forceResult(function, range, result);
   }
   return true;
 }
@@ -108,7 +108,7 @@ bool runOutput(std::string_view arguments, bool isMeant) {
     return false;
   }
   if (isMeant) {
-    stage().faults.forceOutput(function, output, range, value);
+    sdk().faults.forceOutput(function, output, range, value);
   }
   return true;
 }
@@ -131,7 +131,7 @@ bool runThrow(std::string_view arguments, bool isMeant) {
     if (isMeant) {
       static std::deque<std::string> texts;  // kept, because an exception may be read later
       texts.emplace_back(trimmed(arguments.substr(place + name.size())));
-      stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
+      sdk().faults.throwFrom(function, range, {kind, texts.back().c_str()});
     }
     return true;
   }
@@ -147,9 +147,9 @@ bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
     return false;
   }
   if (isMeant && nth == 0) {
-    stage().setPlugged(camera, isPlugged);
+    sdk().setPlugged(camera, isPlugged);
   } else if (isMeant) {
-    stage().faults.plug(function, nth, {camera, isPlugged});
+    sdk().faults.plug(function, nth, {camera, isPlugged});
   }
   return true;
 }
@@ -164,7 +164,7 @@ bool runPlug(std::string_view arguments, bool isMeant) {
     return changePlug(arguments, isMeant, true);
   }
   if (isMeant) {
-    stage().setPlugged(camera, true);
+    sdk().setPlugged(camera, true);
   }
   return true;
 }

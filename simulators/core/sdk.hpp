@@ -86,9 +86,9 @@ extern const Maker maker;
 // region. The maker's file adds layout, Bayer pattern, exposure, gain and pedestal.
 FrameSettings commonSettings(const Camera& camera);
 
-class Stage {
+class Sdk {
  public:
-  Stage() { reset(); }
+  Sdk() { reset(); }
 
   // Restores the state of a library that has just been loaded.
   void reset();
@@ -176,8 +176,8 @@ class Stage {
   SimInvariants counts_{};
 };
 
-// The one stage of this library.
-Stage& stage();
+// The one SDK that this library simulates.
+Sdk& sdk();
 
 // sim_command().
 bool runCommands(std::string_view commands);

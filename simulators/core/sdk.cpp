@@ -1,4 +1,4 @@
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -34,12 +34,12 @@ FrameSettings commonSettings(const Camera& camera) {
   return settings;
 }
 
-Stage& stage() {
-  static Stage instance;
+Sdk& sdk() {
+  static Sdk instance;
   return instance;
 }
 
-void Stage::reset() {
+void Sdk::reset() {
   clock = Clock();
   faults.clear();
   log.enable(false);
@@ -51,7 +51,7 @@ void Stage::reset() {
   setCameras(maker.cameras);
 }
 
-void Stage::setCameras(std::span<const SimCamera> models) {
+void Sdk::setCameras(std::span<const SimCamera> models) {
   forgetDevices();
   enumerated_.clear();
   cameras_.clear();
@@ -63,19 +63,19 @@ void Stage::setCameras(std::span<const SimCamera> models) {
   }
 }
 
-Camera* Stage::camera(std::int64_t index) {
+Camera* Sdk::camera(std::int64_t index) {
   const bool isThere = index >= 0 && index < static_cast<std::int64_t>(cameras_.size());
   return isThere ? &cameras_[static_cast<std::size_t>(index)] : nullptr;
 }
 
-void Stage::setPlugged(std::int64_t index, bool plugged) {
+void Sdk::setPlugged(std::int64_t index, bool plugged) {
   if (Camera* found = camera(index)) {
     found->isPlugged = plugged;
     found->device.isLost = found->device.isLost || (found->device.isOpen && !plugged);
   }
 }
 
-void Stage::enumerate() {
+void Sdk::enumerate() {
   enumerated_.clear();
   for (const Camera& camera : cameras_) {
     if (camera.isPlugged) {
@@ -84,26 +84,26 @@ void Stage::enumerate() {
   }
 }
 
-Camera* Stage::enumerated(std::int64_t position) {
+Camera* Sdk::enumerated(std::int64_t position) {
   const bool isThere = position >= 0 && position < static_cast<std::int64_t>(enumerated_.size());
   return isThere ? &cameras_[enumerated_[static_cast<std::size_t>(position)]] : nullptr;
 }
 
-Camera* Stage::enumeratedById(std::int32_t cameraId) {
+Camera* Sdk::enumeratedById(std::int32_t cameraId) {
   const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
     return cameras_[index].model.id == cameraId;
   });
   return found == enumerated_.end() ? nullptr : &cameras_[*found];
 }
 
-Camera* Stage::enumeratedByKey(std::string_view key) {
+Camera* Sdk::enumeratedByKey(std::string_view key) {
   const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
     return textOf(cameras_[index].model.key) == key;
   });
   return found == enumerated_.end() ? nullptr : &cameras_[*found];
 }
 
-void Stage::open(Camera& camera, std::vector<Control> controls) {
+void Sdk::open(Camera& camera, std::vector<Control> controls) {
   camera.device = {};
   camera.device.isOpen = true;
   for (Control& control : controls) {
@@ -113,32 +113,32 @@ void Stage::open(Camera& camera, std::vector<Control> controls) {
   camera.device.cooler.start(clock.now());
 }
 
-void Stage::close(Camera& camera) {
+void Sdk::close(Camera& camera) {
   camera.device = {};
   renderer_.forget();
 }
 
-void* Stage::makeHandle(const Camera& camera) {
+void* Sdk::makeHandle(const Camera& camera) {
   return &handles_.emplace_back(Handle{camera.index, true});
 }
 
-void Stage::endHandle(void* handle) {
+void Sdk::endHandle(void* handle) {
   if (Handle* found = find(handle)) {
     found->isOpen = false;
   }
 }
 
-Camera* Stage::cameraOf(const void* handle) {
+Camera* Sdk::cameraOf(const void* handle) {
   const Handle* found = find(handle);
   return found != nullptr && found->isOpen ? &cameras_[found->camera] : nullptr;
 }
 
-Stage::Handle* Stage::find(const void* handle) {
+Sdk::Handle* Sdk::find(const void* handle) {
   const std::size_t number = numberOf(handle);
   return number == 0 ? nullptr : &handles_[forgottenHandles_ + number - 1];
 }
 
-std::size_t Stage::numberOf(const void* handle) const {
+std::size_t Sdk::numberOf(const void* handle) const {
   // Backwards, because the handle is nearly always the last one.
   for (std::size_t i = handles_.size(); i > forgottenHandles_; --i) {
     if (&handles_[i - 1] == handle) {
@@ -148,31 +148,31 @@ std::size_t Stage::numberOf(const void* handle) const {
   return 0;
 }
 
-void Stage::forgetDevices() {
+void Sdk::forgetDevices() {
   forgottenHandles_ = handles_.size();
   renderer_.forget();
 }
 
-void Stage::startStream(Camera& camera, bool isSingleFrame) {
+void Sdk::startStream(Camera& camera, bool isSingleFrame) {
   camera.device.stream.start(clock.now(), maker.queue, isSingleFrame, maker.frameSettings(camera));
 }
 
-void Stage::stopStream(Camera& camera) {
+void Sdk::stopStream(Camera& camera) {
   if (!camera.device.stream.isRunning()) {
     ++counts_.stopsWithoutStart;
   }
   camera.device.stream.stop();
 }
 
-void Stage::changed(Camera& camera) {
+void Sdk::changed(Camera& camera) {
   camera.device.stream.change(clock.now(), maker.frameSettings(camera));
 }
 
-void Stage::restartFrame(Camera& camera) {
+void Sdk::restartFrame(Camera& camera) {
   camera.device.stream.restartFrame(clock.now(), maker.frameSettings(camera));
 }
 
-bool Stage::waitForFrame(Camera& camera, std::int32_t milliseconds) {
+bool Sdk::waitForFrame(Camera& camera, std::int32_t milliseconds) {
   FrameStream& stream = camera.device.stream;
   const std::int64_t now = clock.now();
   if (stream.waiting(now) != nullptr) {
@@ -188,12 +188,12 @@ bool Stage::waitForFrame(Camera& camera, std::int32_t milliseconds) {
   return stream.waiting(clock.now()) != nullptr;
 }
 
-const FrameSettings* Stage::waitingFrame(Camera& camera) {
+const FrameSettings* Sdk::waitingFrame(Camera& camera) {
   const Frame* frame = camera.device.stream.waiting(clock.now());
   return frame == nullptr ? nullptr : &frame->settings;
 }
 
-void Stage::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch) {
+void Sdk::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch) {
   const std::int64_t now = clock.now();
   const Frame* frame = camera.device.stream.waiting(now);
   const FrameSettings& settings = frame->settings;
@@ -202,8 +202,8 @@ void Stage::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitc
   camera.device.stream.take(now);
 }
 
-void Stage::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
-                   std::int64_t rowPitch) {
+void Sdk::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
+                 std::int64_t rowPitch) {
   if (recording_.isOpen()) {
     renderRecording(recording_, settings, frameNumber, buffer, rowPitch);
   } else {
@@ -211,7 +211,7 @@ void Stage::render(const FrameSettings& settings, std::int64_t frameNumber, std:
   }
 }
 
-bool Stage::playRecording(const char* path) {
+bool Sdk::playRecording(const char* path) {
   renderer_.forget();
   if (path == nullptr) {
     recording_.close();
@@ -225,8 +225,7 @@ bool Stage::playRecording(const char* path) {
   return problem.empty();
 }
 
-std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
-                                std::int32_t bufferLength) {
+std::int32_t Sdk::renderFrame(std::int32_t frame, std::uint8_t* buffer, std::int32_t bufferLength) {
   const auto streaming = std::find_if(cameras_.begin(), cameras_.end(), [](const Camera& camera) {
     return camera.device.stream.isRunning();
   });
@@ -244,7 +243,7 @@ std::int32_t Stage::renderFrame(std::int32_t frame, std::uint8_t* buffer,
   return static_cast<std::int32_t>(length);
 }
 
-SimInvariants Stage::invariants() const {
+SimInvariants Sdk::invariants() const {
   SimInvariants now = counts_;
   now.exceptionsAlive = exceptionsAlive();
   for (const Camera& camera : cameras_) {
