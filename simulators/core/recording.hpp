@@ -1,4 +1,11 @@
-// A recording that the cameras see instead of the synthetic sky: the frames of a SER file.
+// A recording that the cameras see instead of the synthetic sky: the frames of a SER file, and the
+// sensor in front of them.
+//
+// The recording already contains light, optics and noise, so none is added. With the usual exposure
+// and gain and without a black level, a sample has the recording's value. Other settings scale it.
+//
+// A recording that is smaller than the sensor fills the sensor's top left corner, where the
+// library's regions begin; the rest is dark. Of a larger one the sensor sees the middle.
 #pragma once
 
 #include <cstddef>
@@ -66,5 +73,9 @@ class Recording {
   std::vector<std::uint8_t> bytes_;
   std::vector<std::uint16_t> samples_;  // scaled to 16 bits, red first
 };
+
+// Writes a frame, as Renderer::render() does. The recording is open.
+void renderRecording(Recording& recording, const FrameSettings& settings, std::int64_t frameNumber,
+                     std::uint8_t* buffer, std::int64_t rowPitch);
 
 }  // namespace orvane::sim

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "core/camera_model.hpp"
-#include "core/playback.hpp"
 
 namespace orvane::sim {
 

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <new>
 
 #include "core/random.hpp"
-#include "core/samples.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -102,7 +103,7 @@ Conversion conversionOf(const FrameSettings& settings) {
   const std::int32_t largest = (1 << settings.bitDepth) - 1;
   const double counts = settings.gain * largest / electronsAtFullScale;
   Conversion conversion{};
-  const double exposure = std::min(settings.exposureUs, longestExposureUs) / usualExposureUs;
+  const double exposure = std::min(settings.exposureUs, longestExposureUs) / normalExposureUs;
   conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure);
   conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
   conversion.counts = static_cast<float>(counts);
@@ -123,6 +124,24 @@ void expose(const Conversion& conversion, const float* light, const float* noise
     const float positive = value > 0.0F ? value : 0.0F;
     counts[i] = static_cast<std::int32_t>(positive < c.largest ? positive : c.largest);
   }
+}
+
+static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
+
+void store8(const std::int32_t* counts, std::int32_t count, std::int32_t shiftRight,
+            std::uint8_t* bytes) {
+  for (std::int32_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(counts[i] >> shiftRight);
+  }
+}
+
+void store16(const std::int32_t* counts, std::int32_t count, std::int32_t shiftLeft,
+             std::uint8_t* bytes) {
+  std::array<std::uint16_t, blockLength> samples;
+  for (std::int32_t i = 0; i < count; ++i) {
+    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shiftLeft);
+  }
+  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
 }
 
 }  // namespace
@@ -163,6 +182,21 @@ std::int64_t framePeriodUs(const FrameSettings& settings) {
   const double transfer = static_cast<double>(frameBytes(settings)) / bytesPerUs;
   return static_cast<std::int64_t>(
       std::min(std::max({shortest, transfer, settings.exposureUs}), longestExposureUs));
+}
+
+std::int32_t sampleShift(const FrameSettings& settings) {
+  const std::int32_t width = 8 * bytesPerSample(settings.layout);
+  const bool isRight = width == 16 && settings.alignment == Alignment::Right;
+  return isRight ? 0 : width - settings.bitDepth;
+}
+
+void storeSamples(const std::int32_t* counts, std::int32_t count, Layout layout, std::int32_t shift,
+                  std::uint8_t* bytes) {
+  if (bytesPerSample(layout) == 2) {
+    store16(counts, count, shift, bytes);
+  } else {
+    store8(counts, count, -shift, bytes);
+  }
 }
 
 void Renderer::forget() {
