@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "core/call.hpp"
@@ -187,28 +188,13 @@ std::vector<Control> controlsOf(const SimCamera& model) {
   return controls;
 }
 
-Layout layoutOf(int imageType) {
-  switch (imageType) {
-    case ASI_IMG_RAW16:
-      return Layout::Raw16;
-    case ASI_IMG_RGB24:
-      return Layout::Bgr24;
-    case ASI_IMG_Y8:
-      return Layout::Luma8;
-    default:
-      return Layout::Raw8;
-  }
-}
+constexpr std::pair<std::int32_t, Layout> layouts[] = {
+    {ASI_IMG_RGB24, Layout::Bgr24}, {ASI_IMG_RAW16, Layout::Raw16}, {ASI_IMG_Y8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
-  settings.layout = layoutOf(device.format);
-  settings.exposureUs = device.value(ASI_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(ASI_GAIN, 0));
-  settings.pedestal = device.value(ASI_OFFSET, 0) / 4096;
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.mosaic),
+                                          {ASI_EXPOSURE, ASI_GAIN, ASI_OFFSET});
+  settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
 }
 

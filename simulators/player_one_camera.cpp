@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "core/call.hpp"
@@ -211,28 +212,13 @@ void setNumber(Call& call, const char* name, POAConfigValue& value, int configId
   }
 }
 
-Layout layoutOf(int format) {
-  switch (format) {
-    case POA_RAW16:
-      return Layout::Raw16;
-    case POA_RGB24:
-      return Layout::Bgr24;
-    case POA_MONO8:
-      return Layout::Luma8;
-    default:
-      return Layout::Raw8;
-  }
-}
+constexpr std::pair<std::int32_t, Layout> layouts[] = {
+    {POA_RAW16, Layout::Raw16}, {POA_RGB24, Layout::Bgr24}, {POA_MONO8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
-  settings.layout = layoutOf(device.format);
-  settings.exposureUs = device.value(POA_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(POA_GAIN, 0));
-  settings.pedestal = device.value(POA_OFFSET, 0) / 4096;
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.mosaic),
+                                          {POA_EXPOSURE, POA_GAIN, POA_OFFSET});
+  settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
 }
 

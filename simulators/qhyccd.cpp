@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "core/call.hpp"
@@ -166,31 +167,15 @@ std::vector<Control> controlsOf(const SimCamera& model) {
   return controls;
 }
 
-Mosaic mosaicOf(const SimCamera& model) {
-  if (model.isColor == 0) {
-    return Mosaic::None;
-  }
-  switch (model.mosaic) {
-    case BAYER_GB:
-      return Mosaic::Gbrg;
-    case BAYER_GR:
-      return Mosaic::Grbg;
-    case BAYER_BG:
-      return Mosaic::Bggr;
-    default:
-      return Mosaic::Rggb;
-  }
-}
+constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
+    {BAYER_GB, BayerPattern::Gbrg}, {BAYER_GR, BayerPattern::Grbg}, {BAYER_BG, BayerPattern::Bggr}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = mosaicOf(model);
-  settings.layout = device.value(CONTROL_TRANSFERBIT, 8) > 8 ? Layout::Raw16 : Layout::Raw8;
-  settings.exposureUs = device.value(CONTROL_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(CONTROL_GAIN, 0));
-  settings.pedestal = device.value(CONTROL_OFFSET, 0) / 4096;
+  FrameSettings settings =
+      commonSettings(camera, lookUp(bayerPatterns, camera.model.mosaic, BayerPattern::Rggb),
+                     {CONTROL_EXPOSURE, CONTROL_GAIN, CONTROL_OFFSET});
+  const bool isWide = camera.device.value(CONTROL_TRANSFERBIT, 8) > 8;
+  settings.layout = isWide ? Layout::Raw16 : Layout::Raw8;
   return settings;
 }
 

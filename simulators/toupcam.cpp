@@ -11,6 +11,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/call.hpp"
@@ -272,39 +273,20 @@ int sampleBits(const Camera& camera) {
                                                       : 8;
 }
 
+constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
+    {rawBggr, BayerPattern::Bggr}, {rawGrbg, BayerPattern::Grbg}, {rawGbrg, BayerPattern::Gbrg}};
+
+// The Bayer patterns of frames whose rows are in the reverse order.
+constexpr std::pair<std::int32_t, std::int32_t> reversedPatterns[] = {
+    {rawRggb, rawGbrg}, {rawGbrg, rawRggb}, {rawBggr, rawGrbg}, {rawGrbg, rawBggr}};
+
 // The frames' Bayer pattern with the present upside-down option. If the option differs from its
 // default, the first row has the other colours, unless the number of rows is odd.
-std::int32_t deliveredMosaic(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const bool isUsual = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) == isWindows;
-  if (isUsual || model.height % 2 != 0) {
-    return model.mosaic;
-  }
-  switch (model.mosaic) {
-    case rawRggb:
-      return rawGbrg;
-    case rawGbrg:
-      return rawRggb;
-    case rawBggr:
-      return rawGrbg;
-    case rawGrbg:
-      return rawBggr;
-    default:
-      return model.mosaic;
-  }
-}
-
-Mosaic mosaicOf(std::int32_t code) {
-  switch (code) {
-    case rawBggr:
-      return Mosaic::Bggr;
-    case rawGrbg:
-      return Mosaic::Grbg;
-    case rawGbrg:
-      return Mosaic::Gbrg;
-    default:
-      return Mosaic::Rggb;
-  }
+std::int32_t deliveredPattern(const Camera& camera) {
+  const std::int32_t usual = camera.model.mosaic;
+  const bool isReversed = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) != isWindows;
+  return isReversed && camera.model.height % 2 == 0 ? lookUp(reversedPatterns, usual, usual)
+                                                    : usual;
 }
 
 Layout layoutOf(const Camera& camera) {
@@ -320,8 +302,9 @@ Layout layoutOf(const Camera& camera) {
 FrameSettings frameSettings(const Camera& camera) {
   const SimCamera& model = camera.model;
   const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOf(deliveredMosaic(camera)) : Mosaic::None;
+  FrameSettings settings =
+      commonSettings(camera, lookUp(bayerPatterns, deliveredPattern(camera), BayerPattern::Rggb),
+                     {settingExposure, settingGain, TOUPCAM_OPTION_BLACKLEVEL});
   settings.layout = layoutOf(camera);
   settings.alignment = Alignment::Right;
   settings.isUpsideDown = isOn(device, TOUPCAM_OPTION_UPSIDE_DOWN);
@@ -334,9 +317,11 @@ FrameSettings frameSettings(const Camera& camera) {
     settings.region = {binned(region.x), binned(region.y), binned(region.width),
                        binned(region.height)};
   }
-  const bool isAutomatic = isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW);
-  settings.exposureUs = isAutomatic ? usualExposureUs(model) : device.value(settingExposure, 0);
-  settings.gain = isAutomatic ? 1 : gainInPercent(model, device.value(settingGain, 0));
+  settings.gain = gainInPercent(model, device.value(settingGain, 0));
+  if (isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW)) {
+    settings.exposureUs = usualExposureUs(model);
+    settings.gain = 1;
+  }
   settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL, 0) / (1 << sampleBits(camera));
   return settings;
 }
@@ -475,7 +460,7 @@ Hresult Toupcam_get_MaxBitDepth(HToupcam handle) {
 Hresult Toupcam_get_RawFormat(HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) {
   Call call("Toupcam_get_RawFormat", Handle{handle});
   return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    call.out("fourCc", fourCc, static_cast<unsigned>(deliveredMosaic(camera)));
+    call.out("fourCc", fourCc, static_cast<unsigned>(deliveredPattern(camera)));
     call.out("bitsPerPixel", bitsPerPixel, static_cast<unsigned>(sampleBits(camera)));
     return S_OK;
   });

@@ -23,7 +23,7 @@ double usualGain(const SimCamera& model) {
 }
 
 double usualExposureUs(const SimCamera& model) {
-  return clamped(20'000, model.exposureMinUs, model.exposureMaxUs);
+  return clamped(normalExposureUs, model.exposureMinUs, model.exposureMaxUs);
 }
 
 double clamped(double value, double minimum, double maximum) {

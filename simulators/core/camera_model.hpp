@@ -8,7 +8,9 @@
 #include <limits>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
+#include "core/sensor.hpp"
 #include "simulator_control.h"
 
 namespace orvane::sim {
@@ -33,6 +35,20 @@ template <std::size_t Size>
 bool contains(const std::int32_t (&list)[Size], std::int32_t end, std::int32_t value) {
   const std::int32_t* last = std::find(list, list + Size, end);
   return std::find(list, last, value) != last;
+}
+
+// The value that a table has for a key, or `otherwise`.
+template <class Value, std::size_t Size>
+Value lookUp(const std::pair<std::int32_t, Value> (&table)[Size], std::int32_t key,
+             std::type_identity_t<Value> otherwise) {
+  const auto* found =
+      std::find_if(table, table + Size, [key](const auto& entry) { return entry.first == key; });
+  return found == table + Size ? otherwise : found->second;
+}
+
+// The Bayer pattern for the number that ZWO and Player One use. An unknown number gives RGGB.
+inline BayerPattern bayerPatternOfNumber(std::int32_t number) {
+  return number >= 1 && number <= 3 ? static_cast<BayerPattern>(number + 1) : BayerPattern::Rggb;
 }
 
 inline bool hasBin(const SimCamera& model, std::int32_t bin) {

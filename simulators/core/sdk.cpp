@@ -21,15 +21,22 @@ double Device::value(int id, double otherwise) const {
   return found == controls.end() ? otherwise : found->value;
 }
 
-FrameSettings commonSettings(const Camera& camera) {
+FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
+                             const PictureControls& controls) {
+  const SimCamera& model = camera.model;
+  const Device& device = camera.device;
   FrameSettings settings;
   settings.camera = camera.index;
-  settings.sensorWidth = camera.model.width;
-  settings.sensorHeight = camera.model.height;
-  settings.bin = camera.device.bin;
-  settings.region = camera.device.region;
-  settings.bitDepth = std::clamp(camera.model.bitDepth, 8, 16);
-  settings.isUsb3 = camera.model.isUsb3Host != 0;
+  settings.sensorWidth = model.width;
+  settings.sensorHeight = model.height;
+  settings.bayerPattern = model.isColor != 0 ? ofColorCamera : BayerPattern::None;
+  settings.bin = device.bin;
+  settings.region = device.region;
+  settings.bitDepth = std::clamp(model.bitDepth, 8, 16);
+  settings.isUsb3 = model.isUsb3Host != 0;
+  settings.exposureUs = device.value(controls.exposure, 0);
+  settings.gain = gainInDecibelSteps(model, device.value(controls.gain, 0));
+  settings.pedestal = device.value(controls.offset, 0) / 4096;
   return settings;
 }
 
@@ -195,18 +202,18 @@ const FrameSettings* Sdk::waitingFrame(Camera& camera) {
 void Sdk::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch) {
   const std::int64_t now = clock.now();
   const Frame* frame = camera.device.stream.waiting(now);
-  const FrameSettings& settings = frame->settings;
-  const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
-  render(settings, frame->number, buffer, rowPitch == 0 ? packed : rowPitch);
+  render(frame->settings, frame->number, buffer, rowPitch);
   camera.device.stream.take(now);
 }
 
 void Sdk::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
                  std::int64_t rowPitch) {
+  const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
+  const std::int64_t pitch = rowPitch == 0 ? packed : rowPitch;
   if (recording_.isOpen()) {
-    renderRecording(recording_, settings, frameNumber, buffer, rowPitch);
+    recording_.render(settings, frameNumber, buffer, pitch);
   } else {
-    renderer_.render(seed_, settings, frameNumber, buffer, rowPitch);
+    renderer_.render(seed_, settings, frameNumber, buffer, pitch);
   }
 }
 
@@ -236,9 +243,7 @@ std::int32_t Sdk::renderFrame(std::int32_t frame, std::uint8_t* buffer, std::int
   if (length > bufferLength) {
     return 0;
   }
-  const std::int64_t rowPitch =
-      std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
-  render(settings, frame, buffer, rowPitch);
+  render(settings, frame, buffer, 0);
   return static_cast<std::int32_t>(length);
 }
 

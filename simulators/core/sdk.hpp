@@ -82,9 +82,18 @@ struct Maker {
 
 extern const Maker maker;
 
-// The frame settings that all makers have in common: the camera's geometry, and the present bin and
-// region. The maker's file adds layout, Bayer pattern, exposure, gain and pedestal.
-FrameSettings commonSettings(const Camera& camera);
+// The maker's numbers of the controls that change the picture.
+struct PictureControls {
+  int exposure;  // microseconds
+  int gain;      // steps of 0.1 dB
+  int offset;    // counts of 12 bits
+};
+
+// The frame settings that the makers have in common: the camera's geometry, the Bayer pattern of a
+// colour camera, the present bin and region, and the controls' values. The maker's file adds the
+// layout, and what its SDK counts in other units.
+FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
+                             const PictureControls& controls);
 
 class Sdk {
  public:

@@ -3,6 +3,8 @@
 // to bytes.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -26,10 +28,7 @@ inline constexpr float greenPart = 0.587F;
 inline constexpr float bluePart = 0.114F;
 
 // Colour filters of the pixels (0, 0), (1, 0), (0, 1), (1, 1).
-enum class Mosaic { None, Rggb, Bggr, Grbg, Gbrg };
-
-// The Bayer pattern for the number that ZWO and Player One use. An unknown number gives RGGB.
-Mosaic mosaicOfBayerNumber(std::int32_t number);
+enum class BayerPattern { None, Rggb, Bggr, Grbg, Gbrg };
 
 enum class Layout {
   Raw8,   // one byte per pixel, with the Bayer pattern
@@ -52,20 +51,26 @@ struct Region {
   bool operator==(const Region&) const = default;
 };
 
-// Everything that a frame's content depends on, except its seed and its number.
-struct FrameSettings {
-  std::size_t camera = 0;         // each camera has its own noise
+// What the light on each sample of a frame depends on, besides the seed.
+struct FrameGeometry {
+  std::size_t camera = 0;         // each camera has its own hot pixels and noise
   std::int32_t sensorHeight = 0;  // unbinned pixels; gives the scene its scale
   std::int32_t sensorWidth = 0;
-  Mosaic mosaic = Mosaic::None;
+  BayerPattern bayerPattern = BayerPattern::None;  // of the frame as it is delivered
   std::int32_t bin = 1;
   Region region;
   Layout layout = Layout::Raw8;
+  bool isUpsideDown = false;  // the last row comes first
+
+  bool operator==(const FrameGeometry&) const = default;
+};
+
+// Everything that a frame's content depends on, except its seed and its number.
+struct FrameSettings : FrameGeometry {
   std::int32_t bitDepth = 8;  // of the samples, 8 to 16; `alignment` is their place in two bytes
   Alignment alignment = Alignment::Left;
-  bool isUpsideDown = false;  // the last row comes first; `mosaic` is that of the delivered frame
-  bool isTurned = false;      // the rows come in the reverse of the SDK's usual order
-  bool isUsb3 = true;         // determines the speed of reading the sensor
+  bool isTurned = false;  // the rows come in the reverse of the SDK's usual order
+  bool isUsb3 = true;     // determines the speed of reading the sensor
   double exposureUs = 0;
   double gain = 1;      // brightness relative to the middle of the camera's gain range
   double pedestal = 0;  // the black level, as a part of full scale
@@ -81,37 +86,43 @@ std::int64_t frameBytes(const FrameSettings& settings);
 // connection takes to transfer a frame, and at least a millisecond.
 std::int64_t framePeriodUs(const FrameSettings& settings);
 
-inline bool isColorLayout(Layout layout) {
-  return layout == Layout::Bgr24 || layout == Layout::Rgb24;
-}
-
 inline std::int32_t samplesPerPixel(Layout layout) {
-  return isColorLayout(layout) ? 3 : 1;
+  return bytesPerPixel(layout) == 3 ? 3 : 1;
 }
 
 inline std::int32_t bytesPerSample(Layout layout) {
   return bytesPerPixel(layout) == 2 ? 2 : 1;
 }
 
-// Whether the frame has a Bayer pattern.
-inline bool isMosaic(const FrameSettings& settings) {
-  return settings.mosaic != Mosaic::None &&
-         (settings.layout == Layout::Raw8 || settings.layout == Layout::Raw16);
+// Whether each sample belongs to a filter of the Bayer pattern.
+inline bool isFiltered(const FrameGeometry& frame) {
+  return frame.bayerPattern != BayerPattern::None &&
+         (frame.layout == Layout::Raw8 || frame.layout == Layout::Raw16);
 }
 
 // The plane (0 red, 1 green, 2 blue) that a pixel's filter passes.
-inline std::size_t filterPlane(Mosaic mosaic, std::int32_t x, std::int32_t y) {
+inline std::size_t filterPlane(BayerPattern pattern, std::int32_t x, std::int32_t y) {
   constexpr std::size_t planes[][2][2] = {
       {{1, 1}, {1, 1}}, {{0, 1}, {1, 2}}, {{2, 1}, {1, 0}}, {{1, 0}, {2, 1}}, {{1, 2}, {0, 1}}};
-  return planes[static_cast<std::size_t>(mosaic)][y & 1][x & 1];
+  return planes[static_cast<std::size_t>(pattern)][y & 1][x & 1];
 }
 
-// The shift to the left that makes samples from the converter's counts; negative: to the right.
-std::int32_t sampleShift(const FrameSettings& settings);
-
 // Writes up to a block of counts as samples.
-void storeSamples(const std::int32_t* counts, std::int32_t count, Layout layout, std::int32_t shift,
+void storeSamples(const FrameSettings& settings, const std::int32_t* counts, std::int32_t count,
                   std::uint8_t* bytes);
+
+// Writes a row block by block. `expose(start, count, counts)` computes a block's counts.
+template <class Expose>
+void storeRow(const FrameSettings& settings, std::uint8_t* bytes, const Expose& expose) {
+  std::array<std::int32_t, blockLength> counts;
+  const std::int32_t samples = settings.region.width * samplesPerPixel(settings.layout);
+  for (std::int32_t start = 0; start < samples; start += blockLength) {
+    const std::int32_t count = std::min(samples - start, blockLength);
+    expose(start, count, counts.data());
+    storeSamples(settings, counts.data(), count,
+                 bytes + std::ptrdiff_t{start} * bytesPerSample(settings.layout));
+  }
+}
 
 // Renders frames. The light on each pixel does not change from frame to frame. It is computed once
 // and kept until a frame of another geometry is rendered.
@@ -125,27 +136,11 @@ class Renderer {
   void forget();
 
  private:
-  struct Geometry;
-
-  // The geometry that the kept light belongs to.
-  struct Key {
-    std::uint64_t seed = 0;
-    std::size_t camera = 0;
-    std::int32_t sensorWidth = 0;
-    std::int32_t sensorHeight = 0;
-    Mosaic mosaic = Mosaic::None;
-    std::int32_t bin = 0;
-    Region region;
-    Layout layout = Layout::Raw8;
-    bool isUpsideDown = false;
-
-    bool operator==(const Key&) const = default;
-  };
-
   void lightRow(std::int32_t row, float* light);
   void prepare(std::uint64_t seed, const FrameSettings& settings);
 
-  Key key_;
+  std::uint64_t seed_ = 0;
+  FrameGeometry geometry_;  // of the frame whose light is kept
   Scene scene_;
   std::vector<float> planes_;  // of one row: red, green, blue, what the optics pass
   std::vector<float> light_;   // all samples of the frame, or one row if the frame is too large
