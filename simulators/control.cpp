@@ -7,7 +7,7 @@
 #include "core/sdk.hpp"
 #include "simulator_control.h"
 
-using orvane::sim::sdk;
+using namespace orvane::sim;
 
 namespace {
 
@@ -28,7 +28,7 @@ int32_t sim_set_cameras(const SimCamera* cameras, int32_t count) {
 }
 
 int32_t sim_get_camera(int32_t index, SimCamera* camera) {
-  const orvane::sim::Camera* found = sdk().camera(index);
+  const Camera* found = sdk().camera(index);
   if (found == nullptr || camera == nullptr) {
     return 0;
   }
@@ -41,17 +41,16 @@ void sim_set_plugged(int32_t index, int32_t plugged) {
 }
 
 void sim_force_result(const char* function, int32_t nth, int32_t times, int64_t result) {
-  sdk().faults.forceResult(function, {nth, times}, result);
+  sdk().faults.add(function, {nth, times}, ForcedResult{result});
 }
 
 void sim_throw(const char* function, int32_t nth, int32_t times, int32_t kind, const char* text) {
-  sdk().faults.throwFrom(function, {nth, times},
-                         {static_cast<orvane::sim::ThrownKind>(kind), text});
+  sdk().faults.add(function, {nth, times}, ThrownFault{kind, text});
 }
 
 void sim_force_output(const char* function, const char* output, int32_t nth, int32_t times,
                       double value) {
-  sdk().faults.forceOutput(function, output, {nth, times}, value);
+  sdk().faults.add(function, {nth, times}, ForcedOutput{output, value});
 }
 
 void sim_clear_faults(void) {
@@ -95,7 +94,7 @@ void sim_invariants(SimInvariants* invariants) {
 }
 
 int32_t sim_command(const char* commands) {
-  return commands != nullptr && orvane::sim::runCommands(commands) ? 1 : 0;
+  return commands != nullptr && runCommands(commands) ? 1 : 0;
 }
 
 }  // extern "C"

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/camera_model.hpp"
+#include "core/sdk_exception.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -22,9 +23,8 @@ void appendNumber(Number number) {
 
 bool Call::begin(const char* function) {
   Sdk& here = sdk();
-  here.faults.count(function);
-  while (const std::optional<PlugChange> change = here.faults.nextPlugChange()) {
-    here.setPlugged(change->camera, change->isPlugged);
+  for (const PlugChange& change : here.faults.count(function)) {
+    here.setPlugged(change.camera, change.isPlugged);
   }
   if (here.log.isEnabled()) {
     append(function);
@@ -34,7 +34,7 @@ bool Call::begin(const char* function) {
 }
 
 void Call::throwIfAsked() const {
-  if (const std::optional<ThrownFault> thrown = sdk().faults.thrown()) {
+  if (const auto* thrown = sdk().faults.first<ThrownFault>()) {
     if (isLogged_) {
       end(") threw");
     }

@@ -41,16 +41,17 @@ class Call {
   std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
     throwIfAsked();
-    const std::optional<std::int64_t> forced = sdk().faults.result();
+    const auto* forced = sdk().faults.first<ForcedResult>();
     if constexpr (std::is_void_v<Result>) {
-      if (!forced) {
+      if (forced == nullptr) {
         body();
       }
       if (isLogged_) {
         end(")");
       }
     } else {
-      const Result result = forced ? numberAs<Result>(*forced) : overridden("result", body());
+      const Result result =
+          forced != nullptr ? numberAs<Result>(forced->value) : overridden("result", body());
       if (isLogged_) {
         append(") = ");
         writeResult(result);
@@ -85,7 +86,11 @@ class Call {
   }
 
   // The forced value of an output, for outputs that are not numbers.
-  static std::optional<double> forcedOutput(const char* name) { return sdk().faults.output(name); }
+  static std::optional<double> forcedOutput(std::string_view name) {
+    const auto* forced = sdk().faults.first<ForcedOutput>(
+        [name](const ForcedOutput& output) { return output.name == name; });
+    return forced != nullptr ? std::optional(forced->value) : std::nullopt;
+  }
 
  private:
   static bool begin(const char* function);
@@ -110,7 +115,7 @@ class Call {
 
   template <class Type>
   static Type overridden(const char* name, Type value) {
-    const std::optional<double> forced = sdk().faults.output(name);
+    const std::optional<double> forced = forcedOutput(name);
     return forced ? numberAs<Type>(*forced) : value;
   }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/camera_model.hpp"
+#include "core/sdk_exception.hpp"
 
 namespace orvane::sim {
 
