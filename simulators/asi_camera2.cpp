@@ -145,47 +145,41 @@ constexpr std::array believableCameras{
               .isBusy = 0},
 };
 
-// In the order in which a camera lists them.
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+// The controls are in the order in which a camera lists them.
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {ASI_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
        "Gain"},
       {ASI_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
-       Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({ASI_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
-  }
-  add({ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
-       "The total data transfer rate percentage"});
-  add({ASI_FLIP, 0, 3, 0, Access::ByHand, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both"});
-  add({ASI_AUTO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
-       "AutoExpMaxGain", "Auto exposure maximum gain value"});
-  add({ASI_AUTO_MAX_EXP, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
-       "Auto exposure maximum exposure value(unit ms)"});
-  add({ASI_AUTO_TARGET_BRIGHTNESS, 50, 160, 100, Access::ByHand, "AutoExpTargetBrightness",
-       "Auto exposure target brightness value"});
-  add({ASI_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Is hardware bin2:0->No 1->Yes"});
-  add({ASI_HIGH_SPEED_MODE, 0, 1, 0, Access::ByHand, "HighSpeedMode",
-       "Is high speed mode:0->No 1->Yes"});
-  if (model.hasTemperature != 0) {
-    add({ASI_TEMPERATURE, -500, 1000, 20, Access::ReadOnly, "Temperature",
-         "Sensor temperature(degrees Celsius)"});
-  }
-  if (model.isCooled != 0) {
-    add({ASI_COOLER_POWER_PERC, 0, 100, 0, Access::ReadOnly, "CoolPowerPerc",
-         "Cooler power percent"});
-    add({ASI_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp",
-         "Target temperature(cool camera only)"});
-    add({ASI_COOLER_ON, 0, 1, 0, Access::ByHand, "CoolerOn",
-         "Turn on/off cooler(cool camera only)"});
-  }
-  if (model.isColor != 0) {
-    add({ASI_WB_R, 1, 99, 52, Access::ByHandOrAuto, "WB_R", "White balance: Red component"});
-    add({ASI_WB_B, 1, 99, 95, Access::ByHandOrAuto, "WB_B", "White balance: Blue component"});
-  }
-  return controls;
+       Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"},
+      onlyIf(hasOffset(model), {ASI_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model),
+                                Access::ByHand, "Offset", "Offset"}),
+      {ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
+       "The total data transfer rate percentage"},
+      {ASI_FLIP, 0, 3, 0, Access::ByHand, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both"},
+      {ASI_AUTO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
+       "AutoExpMaxGain", "Auto exposure maximum gain value"},
+      {ASI_AUTO_MAX_EXP, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
+       "Auto exposure maximum exposure value(unit ms)"},
+      {ASI_AUTO_TARGET_BRIGHTNESS, 50, 160, 100, Access::ByHand, "AutoExpTargetBrightness",
+       "Auto exposure target brightness value"},
+      {ASI_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Is hardware bin2:0->No 1->Yes"},
+      {ASI_HIGH_SPEED_MODE, 0, 1, 0, Access::ByHand, "HighSpeedMode",
+       "Is high speed mode:0->No 1->Yes"},
+      onlyIf(model.hasTemperature, {ASI_TEMPERATURE, -500, 1000, 20, Access::ReadOnly,
+                                    "Temperature", "Sensor temperature(degrees Celsius)"}),
+      onlyIf(model.isCooled, {ASI_COOLER_POWER_PERC, 0, 100, 0, Access::ReadOnly, "CoolPowerPerc",
+                              "Cooler power percent"}),
+      onlyIf(model.isCooled, {ASI_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp",
+                              "Target temperature(cool camera only)"}),
+      onlyIf(model.isCooled, {ASI_COOLER_ON, 0, 1, 0, Access::ByHand, "CoolerOn",
+                              "Turn on/off cooler(cool camera only)"}),
+      onlyIf(model.isColor,
+             {ASI_WB_R, 1, 99, 52, Access::ByHandOrAuto, "WB_R", "White balance: Red component"}),
+      onlyIf(model.isColor,
+             {ASI_WB_B, 1, 99, 95, Access::ByHandOrAuto, "WB_B", "White balance: Blue component"})};
+  camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
 }
 
 constexpr std::pair<std::int32_t, Layout> layouts[] = {
@@ -211,14 +205,6 @@ long reading(const Camera& camera, const Control& control) {
   }
 }
 
-// Sets the region after opening: the whole sensor, rounded down to multiples of 8 and 2 pixels.
-void showWholeSensor(Camera& camera) {
-  const SimCamera& model = camera.model;
-  camera.device.bin = 1;
-  camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
-  camera.device.region = {0, 0, binnedWidth(model, 1) & ~7, binnedHeight(model, 1) & ~1};
-}
-
 // Whether the camera supports a region of this size after binning.
 bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
@@ -230,44 +216,28 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
 }
 
-// Runs a call that needs an open camera.
-template <class Body>
-int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr || !camera->device.isOpen) {
-      sdk().countCallOnClosed();
-      return camera == nullptr ? ASI_ERROR_INVALID_ID : ASI_ERROR_CAMERA_CLOSED;
-    }
-    return camera->isReachable() ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-int onReadyCamera(Call& call, int cameraId, const Body& body) {
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
-    return camera.device.isInitialised ? body(camera) : ASI_ERROR_GENERAL_ERROR;
-  });
-}
-
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "ASICamera2", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
+                                      .cameras = believableCameras,
+                                      .queue = {2, WhenFull::DropOldest},
+                                      .widthStep = 8,
+                                      .heightStep = 2,
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = ASI_ERROR_INVALID_ID,
+                                                   .closed = ASI_ERROR_CAMERA_CLOSED,
+                                                   .unplugged = ASI_ERROR_CAMERA_REMOVED,
+                                                   .refused = ASI_ERROR_GENERAL_ERROR}};
 
 extern "C" {
 
 int ASIGetNumOfConnectedCameras() {
-  Call call("ASIGetNumOfConnectedCameras");
-  return call.run([&]() -> int {
-    sdk().enumerate();
-    return static_cast<int>(sdk().enumerated());
-  });
+  return Call(__func__).run([] { return static_cast<int>(sdk().enumerate()); });
 }
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
-  Call call("ASIGetCameraProperty", index);
+  Call call(__func__, index);
   return call.run([&]() -> int {
     const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || info == nullptr) {
@@ -301,57 +271,31 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
 }
 
 int ASIOpenCamera(int cameraId) {
-  Call call("ASIOpenCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return ASI_ERROR_INVALID_ID;
-    }
-    if (!camera->isReachable()) {
-      return ASI_ERROR_CAMERA_REMOVED;
-    }
-    if (camera->model.isBusy != 0) {
-      return ASI_ERROR_GENERAL_ERROR;
-    }
-    if (!camera->device.isOpen) {
-      sdk().open(*camera, controlsOf(camera->model));
-      showWholeSensor(*camera);
-    }
-    return ASI_SUCCESS;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().openById(cameraId); });
 }
 
 int ASIInitCamera(int cameraId) {
-  Call call("ASIInitCamera", cameraId);
-  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onOpen(cameraId, [](Camera& camera) -> int {
     camera.device.isInitialised = true;
     return ASI_SUCCESS;
   });
 }
 
 int ASICloseCamera(int cameraId) {
-  Call call("ASICloseCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return ASI_ERROR_INVALID_ID;
-    }
-    sdk().close(*camera);
-    return ASI_SUCCESS;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().closeById(cameraId); });
 }
 
 int ASIGetNumOfControls(int cameraId, int* count) {
-  Call call("ASIGetNumOfControls", cameraId);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     call.out("count", count, static_cast<int>(camera.device.controls.size()));
     return ASI_SUCCESS;
   });
 }
 
 int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
-  Call call("ASIGetControlCaps", cameraId, controlIndex);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlIndex);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     const std::vector<Control>& controls = camera.device.controls;
     if (controlIndex < 0 || static_cast<std::size_t>(controlIndex) >= controls.size() ||
         caps == nullptr) {
@@ -374,8 +318,8 @@ int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
 }
 
 int ASIGetControlValue(int cameraId, int controlType, long* value, int* isAuto) {
-  Call call("ASIGetControlValue", cameraId, controlType);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlType);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(controlType);
     if (control == nullptr) {
       return ASI_ERROR_INVALID_CONTROL_TYPE;
@@ -387,8 +331,8 @@ int ASIGetControlValue(int cameraId, int controlType, long* value, int* isAuto) 
 }
 
 int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
-  Call call("ASISetControlValue", cameraId, controlType, value, isAuto);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlType, value, isAuto);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Control* control = device.find(controlType);
     if (control == nullptr) {
@@ -400,8 +344,8 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
     control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
-      device.cooler.set(sdk().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
-                        device.value(ASI_TARGET_TEMP, 0));
+      device.cooler.set(sdk().clock.now(), device.value(ASI_COOLER_ON) != 0,
+                        device.value(ASI_TARGET_TEMP));
     }
     sdk().changed(camera);
     return ASI_SUCCESS;
@@ -409,8 +353,8 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
 }
 
 int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType) {
-  Call call("ASISetROIFormat", cameraId, width, height, bin, imageType);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, width, height, bin, imageType);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     const SimCamera& model = camera.model;
     if (device.stream.isRunning()) {
@@ -432,8 +376,8 @@ int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType)
 }
 
 int ASIGetROIFormat(int cameraId, int* width, int* height, int* bin, int* imageType) {
-  Call call("ASIGetROIFormat", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Device& device = camera.device;
     call.out("width", width, device.region.width);
     call.out("height", height, device.region.height);
@@ -444,8 +388,7 @@ int ASIGetROIFormat(int cameraId, int* width, int* height, int* bin, int* imageT
 }
 
 int ASISetStartPos(int cameraId, int x, int y) {
-  Call call("ASISetStartPos", cameraId, x, y);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, x, y).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Region& region = device.region;
     if (x < 0 || y < 0 || x > binnedWidth(camera.model, device.bin) - region.width ||
@@ -460,8 +403,7 @@ int ASISetStartPos(int cameraId, int x, int y) {
 }
 
 int ASIStartVideoCapture(int cameraId) {
-  Call call("ASIStartVideoCapture", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
     if (!camera.device.stream.isRunning()) {
       sdk().startStream(camera, false);
     }
@@ -470,16 +412,15 @@ int ASIStartVideoCapture(int cameraId) {
 }
 
 int ASIStopVideoCapture(int cameraId) {
-  Call call("ASIStopVideoCapture", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
     sdk().stopStream(camera);
     return ASI_SUCCESS;
   });
 }
 
 int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
-  Call call("ASIGetVideoData", cameraId, Buffer{buffer}, bufferSize, waitMs);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (!camera.device.stream.isRunning() || buffer == nullptr) {
       return ASI_ERROR_GENERAL_ERROR;
     }

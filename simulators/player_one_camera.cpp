@@ -133,8 +133,9 @@ constexpr std::array believableCameras{
               .isBusy = 0},
 };
 
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {POA_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
        Access::ByHandOrAuto, "Exposure", "Exposure time (us)"},
       {POA_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
@@ -150,26 +151,22 @@ std::vector<Control> controlsOf(const SimCamera& model) {
       {POA_FRAME_LIMIT, 0, 2000, 0, Access::ByHand, "FrameLimit",
        "Most frames per second, 0 for no limit"},
       {POA_USB_BANDWIDTH_LIMIT, 35, 100, 90, Access::ByHand, "USBBandWidthLimit",
-       "Part of the USB bandwidth (percent)"}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({POA_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
-  }
-  if (model.hasTemperature != 0) {
-    add({POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature", "Sensor temperature (C)"});
-  }
-  if (model.isCooled != 0) {
-    add({POA_COOLER_POWER, 0, 100, 0, Access::ReadOnly, "CoolerPower", "Cooler power (percent)"});
-    add({POA_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp", "Target temperature (C)"});
-    add({POA_COOLER, 0, 1, 0, Access::ByHand, "Cooler", "Cooler on or off"});
-  }
-  if (model.isColor != 0) {
-    add({POA_WB_R, -1200, 1200, 0, Access::ByHandOrAuto, "WB_R", "White balance, red"});
-    add({POA_WB_G, -1200, 1200, 0, Access::ByHandOrAuto, "WB_G", "White balance, green"});
-    add({POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"});
-  }
-  return controls;
+       "Part of the USB bandwidth (percent)"},
+      onlyIf(hasOffset(model), {POA_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model),
+                                Access::ByHand, "Offset", "Offset"}),
+      onlyIf(model.hasTemperature, {POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature",
+                                    "Sensor temperature (C)"}),
+      onlyIf(model.isCooled, {POA_COOLER_POWER, 0, 100, 0, Access::ReadOnly, "CoolerPower",
+                              "Cooler power (percent)"}),
+      onlyIf(model.isCooled,
+             {POA_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp", "Target temperature (C)"}),
+      onlyIf(model.isCooled, {POA_COOLER, 0, 1, 0, Access::ByHand, "Cooler", "Cooler on or off"}),
+      onlyIf(model.isColor,
+             {POA_WB_R, -1200, 1200, 0, Access::ByHandOrAuto, "WB_R", "White balance, red"}),
+      onlyIf(model.isColor,
+             {POA_WB_G, -1200, 1200, 0, Access::ByHandOrAuto, "WB_G", "White balance, green"}),
+      onlyIf(model.isColor,
+             {POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"})};
 }
 
 int valueTypeOf(int configId) {
@@ -243,54 +240,32 @@ int roundedHeight(int height) {
   return std::max(height & ~1, 2);
 }
 
-void showWholeSensor(Camera& camera, int bin) {
-  camera.device.bin = bin;
-  camera.device.region = {0, 0, binnedWidth(camera.model, bin) & ~3,
-                          binnedHeight(camera.model, bin) & ~1};
-}
-
 bool isExposing(const Camera& camera) {
   return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
 }
 
-// Runs a call that needs an open camera.
-template <class Body>
-int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr || !camera->device.isOpen) {
-      sdk().countCallOnClosed();
-      return camera == nullptr ? POA_ERROR_INVALID_ID : POA_ERROR_NOT_OPENED;
-    }
-    return camera->isReachable() ? body(*camera) : POA_ERROR_DEVICE_NOT_FOUND;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-int onReadyCamera(Call& call, int cameraId, const Body& body) {
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
-    return camera.device.isInitialised ? body(camera) : POA_ERROR_OPERATION_FAILED;
-  });
-}
-
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "PlayerOneCamera", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
+                                      .cameras = believableCameras,
+                                      .queue = {2, WhenFull::DropOldest},
+                                      .widthStep = 4,
+                                      .heightStep = 2,
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = POA_ERROR_INVALID_ID,
+                                                   .closed = POA_ERROR_NOT_OPENED,
+                                                   .unplugged = POA_ERROR_DEVICE_NOT_FOUND,
+                                                   .refused = POA_ERROR_OPERATION_FAILED}};
 
 extern "C" {
 
 int POAGetCameraCount() {
-  Call call("POAGetCameraCount");
-  return call.run([&]() -> int {
-    sdk().enumerate();
-    return static_cast<int>(sdk().enumerated());
-  });
+  return Call(__func__).run([] { return static_cast<int>(sdk().enumerate()); });
 }
 
 int POAGetCameraProperties(int index, POACameraProperties* properties) {
-  Call call("POAGetCameraProperties", index);
+  Call call(__func__, index);
   return call.run([&]() -> int {
     const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr) {
@@ -324,50 +299,23 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
 }
 
 int POAOpenCamera(int cameraId) {
-  Call call("POAOpenCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return POA_ERROR_INVALID_ID;
-    }
-    if (!camera->isReachable()) {
-      return POA_ERROR_DEVICE_NOT_FOUND;
-    }
-    if (camera->model.isBusy != 0) {
-      return POA_ERROR_OPERATION_FAILED;
-    }
-    if (!camera->device.isOpen) {
-      sdk().open(*camera, controlsOf(camera->model));
-      camera->device.format = POA_RAW8;
-      showWholeSensor(*camera, 1);
-    }
-    return POA_OK;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().openById(cameraId); });
 }
 
 int POAInitCamera(int cameraId) {
-  Call call("POAInitCamera", cameraId);
-  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onOpen(cameraId, [](Camera& camera) -> int {
     camera.device.isInitialised = true;
     return POA_OK;
   });
 }
 
 int POACloseCamera(int cameraId) {
-  Call call("POACloseCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = sdk().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return POA_ERROR_INVALID_ID;
-    }
-    sdk().close(*camera);
-    return POA_OK;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().closeById(cameraId); });
 }
 
 int POAGetConfigAttributesByConfigID(int cameraId, int configId, POAConfigAttributes* attributes) {
-  Call call("POAGetConfigAttributesByConfigID", cameraId, configId);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(configId);
     if (attributes == nullptr) {
       return POA_ERROR_POINTER;
@@ -394,8 +342,8 @@ int POAGetConfigAttributesByConfigID(int cameraId, int configId, POAConfigAttrib
 
 int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
   const double number = numberIn(value, configId);
-  Call call("POASetConfig", cameraId, configId, number, isAuto);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId, number, isAuto);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Control* control = device.find(configId);
     if (control == nullptr) {
@@ -410,8 +358,8 @@ int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
     control->value = number;
     control->isAuto = control->hasAuto() && isAuto != POA_FALSE;
     if (configId == POA_COOLER || configId == POA_TARGET_TEMP) {
-      device.cooler.set(sdk().clock.now(), device.value(POA_COOLER, 0) != 0,
-                        device.value(POA_TARGET_TEMP, 0));
+      device.cooler.set(sdk().clock.now(), device.value(POA_COOLER) != 0,
+                        device.value(POA_TARGET_TEMP));
     }
     sdk().changed(camera);
     return POA_OK;
@@ -419,8 +367,8 @@ int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
 }
 
 int POAGetConfig(int cameraId, int configId, POAConfigValue* value, int* isAuto) {
-  Call call("POAGetConfig", cameraId, configId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(configId);
     if (value == nullptr || isAuto == nullptr) {
       return POA_ERROR_POINTER;
@@ -436,8 +384,7 @@ int POAGetConfig(int cameraId, int configId, POAConfigValue* value, int* isAuto)
 }
 
 int POASetImageStartPos(int cameraId, int x, int y) {
-  Call call("POASetImageStartPos", cameraId, x, y);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, x, y).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Region& region = device.region;
     if (x < 0 || y < 0) {
@@ -455,8 +402,7 @@ int POASetImageStartPos(int cameraId, int x, int y) {
 }
 
 int POASetImageSize(int cameraId, int width, int height) {
-  Call call("POASetImageSize", cameraId, width, height);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, width, height).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
@@ -476,8 +422,8 @@ int POASetImageSize(int cameraId, int width, int height) {
 }
 
 int POAGetImageSize(int cameraId, int* width, int* height) {
-  Call call("POAGetImageSize", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (width == nullptr || height == nullptr) {
       return POA_ERROR_POINTER;
     }
@@ -488,22 +434,20 @@ int POAGetImageSize(int cameraId, int* width, int* height) {
 }
 
 int POASetImageBin(int cameraId, int bin) {
-  Call call("POASetImageBin", cameraId, bin);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, bin).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
     if (!hasBin(camera.model, bin)) {
       return POA_ERROR_INVALID_ARGU;
     }
-    showWholeSensor(camera, bin);
+    Sdk::showWholeSensor(camera, bin);
     return POA_OK;
   });
 }
 
 int POASetImageFormat(int cameraId, int format) {
-  Call call("POASetImageFormat", cameraId, format);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, format).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
@@ -516,8 +460,7 @@ int POASetImageFormat(int cameraId, int format) {
 }
 
 int POAStartExposure(int cameraId, int isSingleFrame) {
-  Call call("POAStartExposure", cameraId, isSingleFrame);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, isSingleFrame).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
@@ -527,16 +470,15 @@ int POAStartExposure(int cameraId, int isSingleFrame) {
 }
 
 int POAStopExposure(int cameraId) {
-  Call call("POAStopExposure", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
     sdk().stopStream(camera);
     return POA_OK;
   });
 }
 
 int POAImageReady(int cameraId, int* isReady) {
-  Call call("POAImageReady", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (isReady == nullptr) {
       return POA_ERROR_POINTER;
     }
@@ -546,8 +488,8 @@ int POAImageReady(int cameraId, int* isReady) {
 }
 
 int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
-  Call call("POAGetImageData", cameraId, Buffer{buffer}, bufferSize, waitMs);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (buffer == nullptr) {
       return POA_ERROR_POINTER;
     }

@@ -143,28 +143,21 @@ constexpr std::array believableCameras{
               .isBusy = 0},
 };
 
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {CONTROL_GAIN, model.gainMin, model.gainMax, usualGain(model)},
       {CONTROL_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
       {CONTROL_SPEED, 0, 2, 0},
       // Set by SetQHYCCDBitsMode only.
       {CONTROL_TRANSFERBIT, 8, model.bitDepth > 8 ? 16.0 : 8.0, 8, Access::ReadOnly},
-      {CONTROL_USBTRAFFIC, 0, 60, 10}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({CONTROL_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax)});
-  }
-  if (model.hasTemperature != 0) {
-    add({CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly});
-  }
-  if (model.isCooled != 0) {
-    add({CONTROL_CURPWM, 0, 255, 0, Access::ReadOnly});
-    add({CONTROL_MANULPWM, 0, 255, 0});
-    add({CONTROL_COOLER, -50, 50, 0});
-  }
-  return controls;
+      {CONTROL_USBTRAFFIC, 0, 60, 10},
+      onlyIf(hasOffset(model),
+             {CONTROL_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model)}),
+      onlyIf(model.hasTemperature, {CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly}),
+      onlyIf(model.isCooled, {CONTROL_CURPWM, 0, 255, 0, Access::ReadOnly}),
+      onlyIf(model.isCooled, {CONTROL_MANULPWM, 0, 255, 0}),
+      onlyIf(model.isCooled, {CONTROL_COOLER, -50, 50, 0})};
 }
 
 constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
@@ -174,7 +167,7 @@ FrameSettings frameSettings(const Camera& camera) {
   FrameSettings settings =
       commonSettings(camera, lookUp(bayerPatterns, camera.model.mosaic, BayerPattern::Rggb),
                      {CONTROL_EXPOSURE, CONTROL_GAIN, CONTROL_OFFSET});
-  const bool isWide = camera.device.value(CONTROL_TRANSFERBIT, 8) > 8;
+  const bool isWide = camera.device.value(CONTROL_TRANSFERBIT) > 8;
   settings.layout = isWide ? Layout::Raw16 : Layout::Raw8;
   return settings;
 }
@@ -184,11 +177,6 @@ FrameSettings frameSettings(const Camera& camera) {
 std::uint32_t memoryLength(const SimCamera& model) {
   const double bytes = model.isColor != 0 ? 3 : 2;
   return wholeNumber<std::uint32_t>(bytes * binnedWidth(model, 1) * binnedHeight(model, 1));
-}
-
-void showWholeSensor(Camera& camera, std::int32_t bin) {
-  camera.device.bin = bin;
-  camera.device.region = {0, 0, binnedWidth(camera.model, bin), binnedHeight(camera.model, bin)};
 }
 
 // Writes text and its NUL into a buffer of unknown length. The longest possible text fills the
@@ -211,63 +199,32 @@ std::string_view textIn(const char* buffer) {
                       : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
 }
 
-// Runs a call that needs an open camera. The body returns the call's result.
-template <class Result, class Body>
-Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
-  return call.run([&]() -> Result {
-    Camera* camera = sdk().cameraOf(handle);
-    if (camera == nullptr) {
-      sdk().countCallOnClosed();
-      return failure;
-    }
-    return camera->isReachable() ? body(*camera) : failure;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-std::uint32_t onReadyCamera(Call& call, void* handle, const Body& body) {
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
-    return camera.device.isInitialised ? body(camera) : QHYCCD_ERROR;
-  });
-}
-
-// Runs a call that also needs the live stream to be stopped.
-template <class Body>
-std::uint32_t onIdleCamera(Call& call, void* handle, const Body& body) {
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    return camera.device.stream.isRunning() ? QHYCCD_ERROR : body(camera);
-  });
-}
-
 }  // namespace
 
 constinit const sim::Maker sim::maker{
-    "qhyccd", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+    .sdkName = "qhyccd",
+    .cameras = believableCameras,
+    .queue = {2, WhenFull::DropOldest},
+    .setUp = setUp,
+    .frameSettings = frameSettings,
+    .failures = {QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR}};
 
 extern "C" {
 
 std::uint32_t InitQHYCCDResource() {
-  Call call("InitQHYCCDResource");
-  return call.run([&]() -> std::uint32_t {
+  return Call(__func__).run([&]() -> std::uint32_t {
     sdk().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
 }
 
 std::uint32_t ScanQHYCCD() {
-  Call call("ScanQHYCCD");
-  return call.run([&]() -> std::uint32_t {
-    if (!sdk().isSdkInitialised) {
-      return 0;
-    }
-    sdk().enumerate();
-    return static_cast<std::uint32_t>(sdk().enumerated());
-  });
+  return Call(__func__).run(
+      [] { return sdk().isSdkInitialised ? static_cast<std::uint32_t>(sdk().enumerate()) : 0; });
 }
 
 std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
-  Call call("GetQHYCCDId", index);
+  Call call(__func__, index);
   return call.run([&]() -> std::uint32_t {
     const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || !camera->isPlugged || id == nullptr) {
@@ -280,7 +237,7 @@ std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
 }
 
 std::uint32_t GetQHYCCDModel(char* id, char* model) {
-  Call call("GetQHYCCDModel", Quoted{textIn(id)});
+  Call call(__func__, Quoted{textIn(id)});
   return call.run([&]() -> std::uint32_t {
     const Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || model == nullptr) {
@@ -293,34 +250,24 @@ std::uint32_t GetQHYCCDModel(char* id, char* model) {
 }
 
 void* OpenQHYCCD(char* id) {
-  Call call("OpenQHYCCD", Quoted{textIn(id)});
-  return call.run([&]() -> void* {
+  return Call(__func__, Quoted{textIn(id)}).run([&]() -> void* {
     Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
         camera->device.isOpen) {
       return nullptr;
     }
-    sdk().open(*camera, controlsOf(camera->model));
-    return sdk().makeHandle(*camera);
+    return sdk().openHandle(*camera);
   });
 }
 
 std::uint32_t CloseQHYCCD(void* handle) {
-  Call call("CloseQHYCCD", Handle{handle});
-  return call.run([&]() -> std::uint32_t {
-    Camera* camera = sdk().cameraOf(handle);
-    if (camera == nullptr) {
-      return QHYCCD_ERROR;
-    }
-    sdk().close(*camera);
-    sdk().endHandle(handle);
-    return QHYCCD_SUCCESS;
+  return Call(__func__, handle).run([&]() -> std::uint32_t {
+    return sdk().closeHandle(handle) ? QHYCCD_SUCCESS : QHYCCD_ERROR;
   });
 }
 
 std::uint32_t SetQHYCCDStreamMode(void* handle, std::uint8_t mode) {
-  Call call("SetQHYCCDStreamMode", Handle{handle}, mode);
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle, mode).onOpen(handle, [&](Camera& camera) -> std::uint32_t {
     if (camera.device.isInitialised || mode > liveMode) {
       return QHYCCD_ERROR;
     }
@@ -330,15 +277,14 @@ std::uint32_t SetQHYCCDStreamMode(void* handle, std::uint8_t mode) {
 }
 
 std::uint32_t InitQHYCCD(void* handle) {
-  Call call("InitQHYCCD", Handle{handle});
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> std::uint32_t {
     if (camera.device.stream.isRunning()) {
       return QHYCCD_ERROR;
     }
     for (Control& control : camera.device.controls) {
       control.value = control.initial;
     }
-    showWholeSensor(camera, 1);
+    Sdk::showWholeSensor(camera, 1);
     camera.device.isInitialised = true;
     return QHYCCD_SUCCESS;
   });
@@ -348,8 +294,8 @@ std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipH
                                 std::uint32_t* imageWidth, std::uint32_t* imageHeight,
                                 double* pixelWidthUm, double* pixelHeightUm,
                                 std::uint32_t* bitsPerPixel) {
-  Call call("GetQHYCCDChipInfo", Handle{handle});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const SimCamera& model = camera.model;
     call.out("chipWidthMm", chipWidthMm, model.width * model.pixelSizeUm / 1000);
     call.out("chipHeightMm", chipHeightMm, model.height * model.pixelSizeUm / 1000);
@@ -363,8 +309,7 @@ std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipH
 }
 
 std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
-  Call call("IsQHYCCDControlAvailable", Handle{handle}, controlId);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle, controlId).onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const SimCamera& model = camera.model;
     if (controlId == CAM_COLOR) {
       return model.isColor != 0 ? static_cast<std::uint32_t>(model.mosaic) : QHYCCD_ERROR;
@@ -394,8 +339,8 @@ std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
 
 std::uint32_t GetQHYCCDParamMinMaxStep(void* handle, int controlId, double* minimum,
                                        double* maximum, double* step) {
-  Call call("GetQHYCCDParamMinMaxStep", Handle{handle}, controlId);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, controlId);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const Control* control = camera.device.find(controlId);
     if (control == nullptr) {
       return QHYCCD_ERROR;
@@ -408,8 +353,8 @@ std::uint32_t GetQHYCCDParamMinMaxStep(void* handle, int controlId, double* mini
 }
 
 std::uint32_t SetQHYCCDParam(void* handle, int controlId, double value) {
-  Call call("SetQHYCCDParam", Handle{handle}, controlId, value);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, controlId, value);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     Control* control = camera.device.find(controlId);
     if (control == nullptr || !control->isWritable() ||
         !(value >= control->minimum && value <= control->maximum)) {
@@ -428,12 +373,10 @@ std::uint32_t SetQHYCCDParam(void* handle, int controlId, double value) {
 }
 
 double GetQHYCCDParam(void* handle, int controlId) {
-  Call call("GetQHYCCDParam", Handle{handle}, controlId);
-  const double failure = QHYCCD_ERROR;
-  return onOpenCamera(call, handle, failure, [&](Camera& camera) -> double {
+  return Call(__func__, handle, controlId).onReady(handle, [&](Camera& camera) -> double {
     const Control* control = camera.device.find(controlId);
-    if (control == nullptr || !camera.device.isInitialised) {
-      return failure;
+    if (control == nullptr) {
+      return QHYCCD_ERROR;
     }
     const std::int64_t now = sdk().clock.now();
     switch (controlId) {
@@ -448,21 +391,21 @@ double GetQHYCCDParam(void* handle, int controlId) {
 }
 
 std::uint32_t SetQHYCCDBinMode(void* handle, std::uint32_t horizontal, std::uint32_t vertical) {
-  Call call("SetQHYCCDBinMode", Handle{handle}, horizontal, vertical);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, horizontal, vertical);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const auto bin = static_cast<std::int32_t>(horizontal);
-    if (horizontal != vertical || !hasBin(camera.model, bin)) {
+    if (camera.device.stream.isRunning() || horizontal != vertical || !hasBin(camera.model, bin)) {
       return QHYCCD_ERROR;
     }
-    showWholeSensor(camera, bin);
+    Sdk::showWholeSensor(camera, bin);
     return QHYCCD_SUCCESS;
   });
 }
 
 std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
-  Call call("SetQHYCCDBitsMode", Handle{handle}, bits);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    if (bits != 8 && (bits != 16 || camera.model.bitDepth <= 8)) {
+  return Call(__func__, handle, bits).onReady(handle, [&](Camera& camera) -> std::uint32_t {
+    const bool isSupported = bits == 8 || (bits == 16 && camera.model.bitDepth > 8);
+    if (camera.device.stream.isRunning() || !isSupported) {
       return QHYCCD_ERROR;
     }
     camera.device.find(CONTROL_TRANSFERBIT)->value = bits;
@@ -472,13 +415,13 @@ std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
 
 std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y,
                                   std::uint32_t width, std::uint32_t height) {
-  Call call("SetQHYCCDResolution", Handle{handle}, x, y, width, height);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, x, y, width, height);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const auto isInside = [](std::uint32_t start, std::uint32_t length, std::int32_t limit) {
       return length > 0 && std::int64_t{start} + length <= limit;
     };
     Device& device = camera.device;
-    if (!isInside(x, width, binnedWidth(camera.model, device.bin)) ||
+    if (device.stream.isRunning() || !isInside(x, width, binnedWidth(camera.model, device.bin)) ||
         !isInside(y, height, binnedHeight(camera.model, device.bin))) {
       return QHYCCD_ERROR;
     }
@@ -489,16 +432,15 @@ std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y
 }
 
 std::uint32_t GetQHYCCDMemLength(void* handle) {
-  Call call("GetQHYCCDMemLength", Handle{handle});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     call.set("result", camera.device.toldLength, memoryLength(camera.model));
     return camera.device.toldLength;
   });
 }
 
 std::uint32_t BeginQHYCCDLive(void* handle) {
-  Call call("BeginQHYCCDLive", Handle{handle});
-  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle).onReady(handle, [](Camera& camera) -> std::uint32_t {
     if (camera.device.streamMode != liveMode) {
       return QHYCCD_ERROR;
     }
@@ -510,8 +452,7 @@ std::uint32_t BeginQHYCCDLive(void* handle) {
 }
 
 std::uint32_t StopQHYCCDLive(void* handle) {
-  Call call("StopQHYCCDLive", Handle{handle});
-  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle).onReady(handle, [](Camera& camera) -> std::uint32_t {
     sdk().stopStream(camera);
     return QHYCCD_SUCCESS;
   });
@@ -520,8 +461,8 @@ std::uint32_t StopQHYCCDLive(void* handle) {
 std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32_t* height,
                                  std::uint32_t* bitsPerPixel, std::uint32_t* channels,
                                  std::uint8_t* data) {
-  Call call("GetQHYCCDLiveFrame", Handle{handle}, Buffer{data});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, Buffer{data});
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const FrameSettings* frame = sdk().waitingFrame(camera);
     if (frame == nullptr || data == nullptr) {
       return QHYCCD_ERROR;

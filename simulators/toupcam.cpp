@@ -246,9 +246,10 @@ void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
   device.model = lastingModel(name, model);
 }
 
-std::vector<Control> controlsOf(const SimCamera& model) {
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
   const double initialGain = clamped(100, model.gainMin, model.gainMax);
-  std::vector<Control> controls{
+  camera.device.controls = {
       {TOUPCAM_OPTION_RAW, 0, 1, 0},
       {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
       {TOUPCAM_OPTION_BINNING, 1, 8, 1},
@@ -256,15 +257,12 @@ std::vector<Control> controlsOf(const SimCamera& model) {
       {TOUPCAM_OPTION_BYTEORDER, 0, 1, isWindows ? 1.0 : 0.0},
       {settingAutoExposure, 0, 2, 1},
       {settingExposure, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
-      {settingGain, model.gainMin, model.gainMax, initialGain}};
-  if (hasOffset(model)) {
-    controls.push_back({TOUPCAM_OPTION_BLACKLEVEL, 0, 0, 0});
-  }
-  return controls;
+      {settingGain, model.gainMin, model.gainMax, initialGain},
+      onlyIf(hasOffset(model), {TOUPCAM_OPTION_BLACKLEVEL, 0, 0, 0})};
 }
 
 bool isOn(const Device& device, int option) {
-  return device.value(option, 0) != 0;
+  return device.value(option) != 0;
 }
 
 // Bits per sample with the present depth option.
@@ -309,7 +307,7 @@ FrameSettings frameSettings(const Camera& camera) {
   settings.alignment = Alignment::Right;
   settings.isUpsideDown = isOn(device, TOUPCAM_OPTION_UPSIDE_DOWN);
   settings.isTurned = settings.isUpsideDown != isWindows;
-  settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING, 1));
+  settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING));
   if (settings.bin > 1) {
     // The region is in unbinned pixels. Binned lengths are even, like the Bayer pattern.
     const auto binned = [&](std::int32_t length) { return length / settings.bin & ~1; };
@@ -317,29 +315,24 @@ FrameSettings frameSettings(const Camera& camera) {
     settings.region = {binned(region.x), binned(region.y), binned(region.width),
                        binned(region.height)};
   }
-  settings.gain = gainInPercent(model, device.value(settingGain, 0));
+  settings.gain = gainInPercent(model, device.value(settingGain));
   if (isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW)) {
     settings.exposureUs = usualExposureUs(model);
     settings.gain = 1;
   }
-  settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL, 0) / (1 << sampleBits(camera));
+  settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL) / (1 << sampleBits(camera));
   return settings;
 }
 
-void showWholeSensor(Camera& camera) {
-  camera.device.region = {0, 0, binnedWidth(camera.model, 1), binnedHeight(camera.model, 1)};
-}
-
-// Runs a call that needs an open camera.
-template <class Body>
-Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
-  return call.run([&]() -> Hresult {
-    Camera* camera = sdk().cameraOf(handle);
-    if (camera == nullptr) {
-      sdk().countCallOnClosed();
-      return handle == nullptr ? E_POINTER : E_INVALIDARG;
-    }
-    return camera->isReachable() ? body(*camera) : E_GEN_FAILURE;
+// Reports the range of one of the device's settings.
+template <class Number>
+Hresult getRange(Call&& call, HToupcam handle, int id, Number* nMin, Number* nMax, Number* nDef) {
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
+    const Control& control = *camera.device.find(id);
+    call.out("nMin", nMin, wholeNumber<Number>(control.minimum));
+    call.out("nMax", nMax, wholeNumber<Number>(control.maximum));
+    call.out("nDef", nDef, wholeNumber<Number>(control.initial));
+    return S_OK;
   });
 }
 
@@ -396,16 +389,22 @@ Hresult putOption(Camera& camera, unsigned option, int value) {
 
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "toupcam", believableCameras, {4, WhenFull::Pause}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "toupcam",
+                                      .cameras = believableCameras,
+                                      .queue = {4, WhenFull::Pause},
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = E_POINTER,
+                                                   .closed = E_INVALIDARG,
+                                                   .unplugged = E_GEN_FAILURE,
+                                                   .refused = E_UNEXPECTED}};
 
 extern "C" {
 
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
-  Call call("Toupcam_EnumV2", Buffer{devices});
+  Call call(__func__, Buffer{devices});
   return call.run([&]() -> unsigned {
-    sdk().enumerate();
-    const auto count = static_cast<unsigned>(sdk().enumerated());
+    const auto count = static_cast<unsigned>(sdk().enumerate());
     for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
       const SimCamera& camera = sdk().enumerated(i)->model;
       devices[i] = {};
@@ -422,10 +421,9 @@ unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
 HToupcam Toupcam_Open(const ToupcamChar* id) {
   const ToupcamText wanted = id == nullptr ? ToupcamText() : textIn(id);
   const std::string wantedName = plainText(wanted);
-  Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
-  return call.run([&]() -> HToupcam {
-    sdk().enumerate();
-    for (std::size_t i = 0; i < sdk().enumerated(); ++i) {
+  return Call(__func__, id == nullptr ? Quoted{} : Quoted{wantedName}).run([&]() -> HToupcam {
+    const std::size_t count = sdk().enumerate();
+    for (std::size_t i = 0; i < count; ++i) {
       Camera& camera = *sdk().enumerated(static_cast<std::int64_t>(i));
       if (id != nullptr && idOf(camera.model) != wanted) {
         continue;
@@ -433,33 +431,25 @@ HToupcam Toupcam_Open(const ToupcamChar* id) {
       if (camera.model.isBusy != 0 || camera.device.isOpen) {
         return nullptr;
       }
-      sdk().open(camera, controlsOf(camera.model));
-      showWholeSensor(camera);
-      return sdk().makeHandle(camera);
+      return sdk().openHandle(camera);
     }
     return nullptr;
   });
 }
 
 void Toupcam_Close(HToupcam handle) {
-  Call call("Toupcam_Close", Handle{handle});
-  call.run([&] {
-    if (Camera* camera = sdk().cameraOf(handle)) {
-      sdk().close(*camera);
-      sdk().endHandle(handle);
-    }
-  });
+  Call(__func__, handle).run([&] { static_cast<void>(sdk().closeHandle(handle)); });
 }
 
 Hresult Toupcam_get_MaxBitDepth(HToupcam handle) {
-  Call call("Toupcam_get_MaxBitDepth", Handle{handle});
-  return onOpenCamera(call, handle,
-                      [](Camera& camera) -> Hresult { return camera.model.bitDepth; });
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> Hresult {
+    return camera.model.bitDepth;
+  });
 }
 
 Hresult Toupcam_get_RawFormat(HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) {
-  Call call("Toupcam_get_RawFormat", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     call.out("fourCc", fourCc, static_cast<unsigned>(deliveredPattern(camera)));
     call.out("bitsPerPixel", bitsPerPixel, static_cast<unsigned>(sampleBits(camera)));
     return S_OK;
@@ -467,44 +457,29 @@ Hresult Toupcam_get_RawFormat(HToupcam handle, unsigned* fourCc, unsigned* bitsP
 }
 
 Hresult Toupcam_get_ExpTimeRange(HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) {
-  Call call("Toupcam_get_ExpTimeRange", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    const Control& exposure = *camera.device.find(settingExposure);
-    call.out("nMin", nMin, wholeNumber<unsigned>(exposure.minimum));
-    call.out("nMax", nMax, wholeNumber<unsigned>(exposure.maximum));
-    call.out("nDef", nDef, wholeNumber<unsigned>(exposure.initial));
-    return S_OK;
-  });
+  return getRange(Call(__func__, handle), handle, settingExposure, nMin, nMax, nDef);
 }
 
 Hresult Toupcam_get_ExpoAGainRange(HToupcam handle, unsigned short* nMin, unsigned short* nMax,
                                    unsigned short* nDef) {
-  Call call("Toupcam_get_ExpoAGainRange", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    const Control& gain = *camera.device.find(settingGain);
-    call.out("nMin", nMin, wholeNumber<unsigned short>(gain.minimum));
-    call.out("nMax", nMax, wholeNumber<unsigned short>(gain.maximum));
-    call.out("nDef", nDef, wholeNumber<unsigned short>(gain.initial));
-    return S_OK;
-  });
+  return getRange(Call(__func__, handle), handle, settingGain, nMin, nMax, nDef);
 }
 
 Hresult Toupcam_put_Option(HToupcam handle, unsigned option, int value) {
-  Call call("Toupcam_put_Option", Handle{handle}, option, value);
-  return onOpenCamera(call, handle,
-                      [&](Camera& camera) -> Hresult { return putOption(camera, option, value); });
+  return Call(__func__, handle, option, value).onOpen(handle, [&](Camera& camera) -> Hresult {
+    return putOption(camera, option, value);
+  });
 }
 
 Hresult Toupcam_put_Roi(HToupcam handle, unsigned x, unsigned y, unsigned width, unsigned height) {
-  Call call("Toupcam_put_Roi", Handle{handle}, x, y, width, height);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, x, y, width, height).onOpen(handle, [&](Camera& camera) -> Hresult {
     const auto isGood = [](unsigned start, unsigned length, std::int32_t limit) {
       constexpr unsigned smallest = 8;
       return start % 2 == 0 && length % 2 == 0 && length >= smallest &&
              std::int64_t{start} + length <= limit;
     };
     if (x == 0 && y == 0 && width == 0 && height == 0) {
-      showWholeSensor(camera);
+      Sdk::showWholeSensor(camera, 1);
     } else if (isGood(x, width, camera.model.width) && isGood(y, height, camera.model.height)) {
       camera.device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
                               static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
@@ -517,8 +492,8 @@ Hresult Toupcam_put_Roi(HToupcam handle, unsigned x, unsigned y, unsigned width,
 }
 
 Hresult Toupcam_get_FinalSize(HToupcam handle, int* width, int* height) {
-  Call call("Toupcam_get_FinalSize", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     const Region region = frameSettings(camera).region;
     call.out("width", width, region.width);
     call.out("height", height, region.height);
@@ -528,9 +503,9 @@ Hresult Toupcam_get_FinalSize(HToupcam handle, int* width, int* height) {
 
 Hresult Toupcam_StartPullModeWithCallback(HToupcam handle, ToupcamEventCallback callback,
                                           void* context) {
-  Call call("Toupcam_StartPullModeWithCallback", Handle{handle},
-            callback == nullptr ? "null" : "callback", context == nullptr ? "null" : "context");
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle, callback == nullptr ? "null" : "callback",
+            context == nullptr ? "null" : "context");
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (callback != nullptr) {
       return E_NOTIMPL;
     }
@@ -544,8 +519,8 @@ Hresult Toupcam_StartPullModeWithCallback(HToupcam handle, ToupcamEventCallback 
 
 Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int rowPitch,
                                       unsigned* width, unsigned* height) {
-  Call call("Toupcam_PullImageWithRowPitch", Handle{handle}, Buffer{data}, bits, rowPitch);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle, Buffer{data}, bits, rowPitch);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (!camera.device.stream.isRunning()) {
       return E_UNEXPECTED;
     }
@@ -571,36 +546,33 @@ Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int
 }
 
 Hresult Toupcam_Stop(HToupcam handle) {
-  Call call("Toupcam_Stop", Handle{handle});
-  return onOpenCamera(call, handle, [](Camera& camera) -> Hresult {
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> Hresult {
     sdk().stopStream(camera);
     return S_OK;
   });
 }
 
 Hresult Toupcam_put_AutoExpoEnable(HToupcam handle, int mode) {
-  Call call("Toupcam_put_AutoExpoEnable", Handle{handle}, mode);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, mode).onOpen(handle, [&](Camera& camera) -> Hresult {
     return put(camera, settingAutoExposure, mode);
   });
 }
 
 Hresult Toupcam_put_ExpoTime(HToupcam handle, unsigned microseconds) {
-  Call call("Toupcam_put_ExpoTime", Handle{handle}, microseconds);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, microseconds).onOpen(handle, [&](Camera& camera) -> Hresult {
     return put(camera, settingExposure, microseconds);
   });
 }
 
 Hresult Toupcam_put_ExpoAGain(HToupcam handle, unsigned short percent) {
-  Call call("Toupcam_put_ExpoAGain", Handle{handle}, percent);
-  return onOpenCamera(call, handle,
-                      [&](Camera& camera) -> Hresult { return put(camera, settingGain, percent); });
+  return Call(__func__, handle, percent).onOpen(handle, [&](Camera& camera) -> Hresult {
+    return put(camera, settingGain, percent);
+  });
 }
 
 Hresult Toupcam_get_Temperature(HToupcam handle, short* tenthsOfDegree) {
-  Call call("Toupcam_get_Temperature", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (camera.model.hasTemperature == 0) {
       return E_NOTIMPL;
     }

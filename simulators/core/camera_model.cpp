@@ -26,6 +26,10 @@ double usualExposureUs(const SimCamera& model) {
   return clamped(normalExposureUs, model.exposureMinUs, model.exposureMaxUs);
 }
 
+double usualOffset(const SimCamera& model) {
+  return clamped(10, model.offsetMin, model.offsetMax);
+}
+
 double clamped(double value, double minimum, double maximum) {
   return minimum <= maximum ? std::clamp(value, minimum, maximum) : value;
 }

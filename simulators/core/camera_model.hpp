@@ -89,6 +89,7 @@ double gainInPercent(const SimCamera& model, double gain);
 // clamped to the camera's range.
 double usualGain(const SimCamera& model);
 double usualExposureUs(const SimCamera& model);
+double usualOffset(const SimCamera& model);
 
 // A value clamped to a range, or unchanged if the range is empty.
 double clamped(double value, double minimum, double maximum);

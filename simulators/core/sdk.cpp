@@ -16,10 +16,13 @@ Control* Device::find(int id) {
   return found == controls.end() ? nullptr : &*found;
 }
 
-double Device::value(int id, double otherwise) const {
-  const auto found = std::find_if(controls.begin(), controls.end(),
-                                  [id](const Control& control) { return control.id == id; });
-  return found == controls.end() ? otherwise : found->value;
+double Device::value(int id) const {
+  for (const Control& control : controls) {
+    if (control.id == id) {
+      return control.value;
+    }
+  }
+  return 0;
 }
 
 FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
@@ -35,9 +38,9 @@ FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
   settings.region = device.region;
   settings.bitDepth = std::clamp(model.bitDepth, 8, 16);
   settings.isUsb3 = model.isUsb3Host != 0;
-  settings.exposureUs = device.value(controls.exposure, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(controls.gain, 0));
-  settings.pedestal = device.value(controls.offset, 0) / 4096;
+  settings.exposureUs = device.value(controls.exposure);
+  settings.gain = gainInDecibelSteps(model, device.value(controls.gain));
+  settings.pedestal = device.value(controls.offset) / 4096;
   return settings;
 }
 
@@ -82,13 +85,14 @@ void Sdk::setPlugged(std::int64_t index, bool plugged) {
   }
 }
 
-void Sdk::enumerate() {
+std::size_t Sdk::enumerate() {
   enumerated_.clear();
   for (const Camera& camera : cameras_) {
     if (camera.isPlugged) {
       enumerated_.push_back(camera.index);
     }
   }
+  return enumerated_.size();
 }
 
 Camera* Sdk::enumerated(std::int64_t position) {
@@ -96,28 +100,59 @@ Camera* Sdk::enumerated(std::int64_t position) {
   return isThere ? &cameras_[enumerated_[static_cast<std::size_t>(position)]] : nullptr;
 }
 
-Camera* Sdk::enumeratedById(std::int32_t cameraId) {
+template <class IsWanted>
+Camera* Sdk::firstEnumerated(const IsWanted& isWanted) {
   const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
-    return cameras_[index].model.id == cameraId;
+    return isWanted(cameras_[index].model);
   });
   return found == enumerated_.end() ? nullptr : &cameras_[*found];
 }
 
 Camera* Sdk::enumeratedByKey(std::string_view key) {
-  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
-    return textOf(cameras_[index].model.key) == key;
-  });
-  return found == enumerated_.end() ? nullptr : &cameras_[*found];
+  return firstEnumerated([&](const SimCamera& model) { return textOf(model.key) == key; });
 }
 
-void Sdk::open(Camera& camera, std::vector<Control> controls) {
-  camera.device = {};
-  camera.device.isOpen = true;
-  for (Control& control : controls) {
+Camera* Sdk::find(std::int32_t id) {
+  return firstEnumerated([&](const SimCamera& model) { return model.id == id; });
+}
+
+int Sdk::openById(std::int32_t id) {
+  Camera* camera = find(id);
+  if (camera == nullptr) {
+    return static_cast<int>(maker.failures.noCamera);
+  }
+  if (!camera->isReachable()) {
+    return static_cast<int>(maker.failures.unplugged);
+  }
+  if (camera->model.isBusy != 0) {
+    return static_cast<int>(maker.failures.refused);
+  }
+  if (!camera->device.isOpen) {
+    open(*camera);
+  }
+  return 0;
+}
+
+int Sdk::closeById(std::int32_t id) {
+  Camera* camera = find(id);
+  if (camera == nullptr) {
+    return static_cast<int>(maker.failures.noCamera);
+  }
+  close(*camera);
+  return 0;
+}
+
+void Sdk::open(Camera& camera) {
+  Device& device = camera.device;
+  device = {};
+  device.isOpen = true;
+  maker.setUp(camera);
+  std::erase_if(device.controls, [](const Control& control) { return !control.isThere; });
+  for (Control& control : device.controls) {
     control.value = control.initial;
   }
-  camera.device.controls = std::move(controls);
-  camera.device.cooler.start(clock.now());
+  device.cooler.start(clock.now());
+  showWholeSensor(camera, 1);
 }
 
 void Sdk::close(Camera& camera) {
@@ -125,22 +160,36 @@ void Sdk::close(Camera& camera) {
   renderer_.forget();
 }
 
-void* Sdk::makeHandle(const Camera& camera) {
+void Sdk::showWholeSensor(Camera& camera, std::int32_t bin) {
+  const auto rounded = [](std::int32_t length, std::int32_t step) {
+    return length - length % step;
+  };
+  camera.device.bin = bin;
+  camera.device.region = {0, 0, rounded(binnedWidth(camera.model, bin), maker.widthStep),
+                          rounded(binnedHeight(camera.model, bin), maker.heightStep)};
+}
+
+void* Sdk::openHandle(Camera& camera) {
+  open(camera);
   return &handles_.emplace_back(Handle{camera.index, true});
 }
 
-void Sdk::endHandle(void* handle) {
-  if (Handle* found = find(handle)) {
-    found->isOpen = false;
+bool Sdk::closeHandle(const void* handle) {
+  Camera* camera = find(handle);
+  if (camera == nullptr) {
+    return false;
   }
+  close(*camera);
+  findHandle(handle)->isOpen = false;
+  return true;
 }
 
-Camera* Sdk::cameraOf(const void* handle) {
-  const Handle* found = find(handle);
+Camera* Sdk::find(const void* handle) {
+  const Handle* found = findHandle(handle);
   return found != nullptr && found->isOpen ? &cameras_[found->camera] : nullptr;
 }
 
-Sdk::Handle* Sdk::find(const void* handle) {
+Sdk::Handle* Sdk::findHandle(const void* handle) {
   const std::size_t number = numberOf(handle);
   return number == 0 ? nullptr : &handles_[forgottenHandles_ + number - 1];
 }

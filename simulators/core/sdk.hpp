@@ -34,12 +34,19 @@ struct Control {
   const char* name = "";  // if the maker's SDK reports names
   const char* description = "";
 
+  bool isThere = true;
   double value = 0;
   bool isAuto = false;
 
   bool hasAuto() const { return access == Access::ByHandOrAuto; }
   bool isWritable() const { return access != Access::ReadOnly; }
 };
+
+// A control that only some cameras have.
+inline Control onlyIf(std::int32_t isThere, Control control) {
+  control.isThere = isThere != 0;
+  return control;
+}
 
 // The state of a camera from its opening to its closing.
 struct Device {
@@ -58,8 +65,8 @@ struct Device {
   // The control with the maker's number; null if the camera has no such control.
   Control* find(int id);
 
-  // The value of a control, or `otherwise` if the camera has no such control.
-  double value(int id, double otherwise) const;
+  // The value of a control; 0 if the camera has no such control.
+  double value(int id) const;
 };
 
 struct Camera {
@@ -72,12 +79,24 @@ struct Camera {
   bool isReachable() const { return isPlugged && !device.isLost; }
 };
 
+// The results of a maker's functions for calls that a camera cannot answer.
+struct Failures {
+  std::int64_t noCamera;   // no camera has this id, or the handle is null
+  std::int64_t closed;     // the camera, or the handle, is not open
+  std::int64_t unplugged;  // the cable was pulled out since the opening
+  std::int64_t refused;    // not initialised, or opened by another program
+};
+
 // What differs between the makers' SDKs. Each maker's file defines one.
 struct Maker {
   const char* sdkName;
   std::span<const SimCamera> cameras;  // the default cameras
   QueueRule queue;
+  std::int32_t widthStep = 1;  // the whole sensor's region is rounded down to multiples of these
+  std::int32_t heightStep = 1;
+  void (*setUp)(Camera& camera);  // sets the controls, and the format if it is not 0, after opening
   FrameSettings (*frameSettings)(const Camera& camera);  // from the device's present settings
+  Failures failures;
 };
 
 extern const Maker maker;
@@ -117,21 +136,26 @@ class Sdk {
 
   // The list of cameras as its user knows it, by position. Asking for their number refreshes it. A
   // camera that is unplugged later stays in the list.
-  void enumerate();
-  std::size_t enumerated() const { return enumerated_.size(); }
+  // Returns the number of cameras.
+  std::size_t enumerate();
   Camera* enumerated(std::int64_t position);      // null if out of range
-  Camera* enumeratedById(std::int32_t cameraId);  // null if there is none
   Camera* enumeratedByKey(std::string_view key);  // null if there is none
 
-  // Opens a camera, with these controls at their initial values.
-  void open(Camera& camera, std::vector<Control> controls);
-  void close(Camera& camera);
+  // Cameras by the id that the user passes. These functions return the maker's result codes.
+  Camera* find(std::int32_t id);  // null if no enumerated camera has this id
+  bool isKnown(std::int32_t id) { return find(id) != nullptr; }
+  int openById(std::int32_t id);
+  int closeById(std::int32_t id);
 
-  // Opaque handles of open devices.
-  void* makeHandle(const Camera& camera);
-  void endHandle(void* handle);
-  Camera* cameraOf(const void* handle);            // null if the handle is not open
+  // Cameras by an opaque handle that the user got when opening.
+  Camera* find(const void* handle);  // null if the handle is not open
+  static bool isKnown(const void* handle) { return handle != nullptr; }
   std::size_t numberOf(const void* handle) const;  // 1 for the first handle; 0 if unknown
+  void* openHandle(Camera& camera);
+  bool closeHandle(const void* handle);  // false if it is not open
+
+  // Sets the region to the whole sensor.
+  static void showWholeSensor(Camera& camera, std::int32_t bin);
 
   // Streams. Call changed() or restartFrame() after each change of a setting.
   void startStream(Camera& camera, bool isSingleFrame);
@@ -170,7 +194,11 @@ class Sdk {
 
   void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
               std::int64_t rowPitch);
-  Handle* find(const void* handle);
+  template <class IsWanted>
+  Camera* firstEnumerated(const IsWanted& isWanted);
+  void open(Camera& camera);
+  void close(Camera& camera);
+  Handle* findHandle(const void* handle);
   void forgetDevices();
 
   std::uint64_t seed_ = 1;
