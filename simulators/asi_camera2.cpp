@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
 #include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/asi_sdk.hpp"

@@ -58,7 +58,7 @@ void sim_clear_faults(void) {
 }
 
 void sim_set_seed(uint64_t seed) {
-  sdk().setSeed(seed);
+  sdk().seed = seed;
 }
 
 int32_t sim_play_recording(const char* serPath) {

@@ -7,10 +7,8 @@
 #include <array>
 #include <cstdint>
 #include <utility>
-#include <vector>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
 #include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"

@@ -7,12 +7,9 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <utility>
-#include <vector>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
 #include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"

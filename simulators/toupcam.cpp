@@ -11,11 +11,10 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
-#include <vector>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
 #include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "toupcam_text.hpp"
@@ -130,31 +129,21 @@ unsigned long long flagsOf(const SimCamera& model) {
   return flags;
 }
 
-struct ModelEntry {
-  ToupcamText name;
-  ToupcamModelV2 model;
-};
-
-bool isSame(const ModelEntry& entry, const ToupcamText& name, const ToupcamModelV2& model) {
-  return entry.name == name && entry.model.flag == model.flag &&
-         entry.model.xpixsz == model.xpixsz && entry.model.ypixsz == model.ypixsz &&
-         entry.model.res[0].width == model.res[0].width &&
-         entry.model.res[0].height == model.res[0].height;
-}
-
 // The maker's model data. It must stay valid while the library is loaded, even if the simulated
 // cameras change, so no entry is ever removed.
 const ToupcamModelV2* lastingModel(const ToupcamText& name, const ToupcamModelV2& model) {
-  static std::deque<ModelEntry> models;
-  const auto known = std::find_if(models.begin(), models.end(), [&](const ModelEntry& entry) {
-    return isSame(entry, name, model);
-  });
-  if (known != models.end()) {
-    return &known->model;
+  static std::deque<std::pair<ToupcamText, ToupcamModelV2>> models;
+  const auto facts = [](const ToupcamModelV2& each) {
+    return std::tuple(each.flag, each.xpixsz, each.ypixsz, each.res[0].width, each.res[0].height);
+  };
+  for (const auto& [knownName, known] : models) {
+    if (knownName == name && facts(known) == facts(model)) {
+      return &known;
+    }
   }
-  ModelEntry& entry = models.emplace_back(ModelEntry{name, model});
-  entry.model.name = entry.name.c_str();
-  return &entry.model;
+  auto& [lastingName, lasting] = models.emplace_back(name, model);
+  lasting.name = lastingName.c_str();
+  return &lasting;
 }
 
 void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {

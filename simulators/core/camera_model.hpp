@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -139,20 +140,39 @@ Integer wholeNumber(double value) {
   return value < static_cast<double>(Limits::max()) ? static_cast<Integer>(value) : Limits::max();
 }
 
-// Brightness at a gain relative to the middle of the gain range, for gains in steps of 0.1 dB. A
-// range of fewer than 200 steps counts as 30 dB.
-double gainInDecibelSteps(const SimCamera& model, double gain);
-
-// Brightness at a gain relative to the middle of the gain range, for gains in percent.
-double gainInPercent(const SimCamera& model, double gain);
+// A value clamped to a range, or unchanged if the range is empty.
+inline double clamped(double value, double minimum, double maximum) {
+  return minimum <= maximum ? std::clamp(value, minimum, maximum) : value;
+}
 
 // Settings for a well exposed picture: the middle of the gain range, and an exposure of 20 ms,
 // clamped to the camera's range.
-double usualGain(const SimCamera& model);
-double usualExposureUs(const SimCamera& model);
-double usualOffset(const SimCamera& model);
+inline double usualGain(const SimCamera& model) {
+  return std::floor((model.gainMin + model.gainMax) / 2);
+}
+inline double usualExposureUs(const SimCamera& model) {
+  return clamped(normalExposureUs, model.exposureMinUs, model.exposureMaxUs);
+}
 
-// A value clamped to a range, or unchanged if the range is empty.
-double clamped(double value, double minimum, double maximum);
+inline double usualOffset(const SimCamera& model) {
+  return clamped(10, model.offsetMin, model.offsetMax);
+}
+
+// Brightness at a gain relative to the middle of the gain range, for gains in steps of 0.1 dB. A
+// range of fewer than 200 steps counts as 30 dB.
+inline double gainInDecibelSteps(const SimCamera& model, double gain) {
+  const double range = model.gainMax - model.gainMin;
+  if (!(range > 0)) {
+    return 1;
+  }
+  const double stepsPerDecade = range < 200 ? range / 1.5 : 200;
+  return std::pow(10, clamped((gain - usualGain(model)) / stepsPerDecade, -6, 6));
+}
+
+// The same for gains in percent.
+inline double gainInPercent(const SimCamera& model, double gain) {
+  const double middle = usualGain(model);
+  return middle > 0 ? clamped(gain / middle, 0, 1e6) : 1;
+}
 
 }  // namespace orvane::sim

@@ -111,7 +111,7 @@ bool runCommand(std::string_view verb, std::string_view arguments, bool isMeant)
            runAs(+[](Word state) { sdk().clock.stop(state == "stopped"); });
   }
   if (verb == "seed") {
-    return runAs(+[](std::uint64_t seed) { sdk().setSeed(seed); });
+    return runAs(+[](std::uint64_t seed) { sdk().seed = seed; });
   }
   if (verb == "scene") {
     return !arguments.empty() && (!isMeant || sdk().playRecording(std::string(arguments).c_str()));

@@ -54,7 +54,7 @@ void Sdk::reset() {
   faults.clear();
   log.enable(false);
   log.clear();
-  seed_ = 1;
+  seed = 1;
   recording_.close();
   counts_ = {};
   isSdkInitialised = false;
@@ -62,7 +62,8 @@ void Sdk::reset() {
 }
 
 void Sdk::setCameras(std::span<const SimCamera> models) {
-  forgetDevices();
+  forgottenHandles_ = handles_.size();
+  renderer_.forget();
   enumerated_.clear();
   cameras_.clear();
   for (const SimCamera& model : models) {
@@ -204,11 +205,6 @@ std::size_t Sdk::numberOf(const void* handle) const {
   return 0;
 }
 
-void Sdk::forgetDevices() {
-  forgottenHandles_ = handles_.size();
-  renderer_.forget();
-}
-
 void Sdk::startStream(Camera& camera, bool isSingleFrame) {
   camera.device.stream.start(clock.now(), maker.queue, isSingleFrame, maker.frameSettings(camera));
 }
@@ -263,7 +259,7 @@ void Sdk::render(const FrameSettings& settings, std::int64_t frameNumber, std::u
   if (recording_.isOpen()) {
     recording_.render(settings, frameNumber, buffer, pitch);
   } else {
-    renderer_.render(seed_, settings, frameNumber, buffer, pitch);
+    renderer_.render(seed, settings, frameNumber, buffer, pitch);
   }
 }
 

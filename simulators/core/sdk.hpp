@@ -124,19 +124,18 @@ class Sdk {
   Clock clock;
   Faults faults;
   CallLog log;
+  std::uint64_t seed = 1;  // of the scene and the noise
 
   // Sets the cameras. Forgets open devices and the enumeration.
   void setCameras(std::span<const SimCamera> models);
   Camera* camera(std::int64_t index);  // null if there is none
   void setPlugged(std::int64_t index, bool plugged);
-  void setSeed(std::uint64_t seed) { seed_ = seed; }
 
   // sim_play_recording(); null for the synthetic scene.
   bool playRecording(const char* path);
 
-  // The list of cameras as its user knows it, by position. Asking for their number refreshes it. A
-  // camera that is unplugged later stays in the list.
-  // Returns the number of cameras.
+  // Refreshes the list of cameras that the user knows, and returns their number. A camera that is
+  // unplugged later stays in the list.
   std::size_t enumerate();
   Camera* enumerated(std::int64_t position);      // null if out of range
   Camera* enumeratedByKey(std::string_view key);  // null if there is none
@@ -199,9 +198,7 @@ class Sdk {
   void open(Camera& camera);
   void close(Camera& camera);
   Handle* findHandle(const void* handle);
-  void forgetDevices();
 
-  std::uint64_t seed_ = 1;
   std::vector<Camera> cameras_;
   std::vector<std::size_t> enumerated_;
   // A handle is the address of its entry. Entries are never reused, so that a closed handle is
