@@ -56,7 +56,7 @@ constexpr std::int32_t bayerGrbg = 2;
 constexpr Formats colorFormats{ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END};
 constexpr Formats monoFormats{ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END};
 
-constexpr std::array believableCameras{
+constexpr std::array defaultCameras{
     defaultCamera({.name = "ZWO ASI120MC-S", .id = 0},
                   {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
                   {.isColor = true, .bayerPattern = bayerGrbg},
@@ -148,7 +148,7 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
-                                      .cameras = believableCameras,
+                                      .cameras = defaultCameras,
                                       .queue = {2, WhenFull::DropOldest},
                                       .widthStep = 8,
                                       .heightStep = 2,

@@ -65,7 +65,7 @@ enum : int {
 constexpr Formats colorFormats{POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END};
 constexpr Formats monoFormats{POA_RAW8, POA_RAW16, POA_END};
 
-constexpr std::array believableCameras{
+constexpr std::array defaultCameras{
     defaultCamera({.name = "Mars-C", .id = 0},
                   {.width = 1944, .height = 1096, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 4},
                   {.isColor = true, .bayerPattern = POA_BAYER_RG},
@@ -193,7 +193,7 @@ bool isExposing(const Camera& camera) {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
-                                      .cameras = believableCameras,
+                                      .cameras = defaultCameras,
                                       .queue = {2, WhenFull::DropOldest},
                                       .widthStep = 4,
                                       .heightStep = 2,

@@ -49,7 +49,7 @@ constexpr int liveMode = 1;
 // the usual one.
 constexpr std::size_t textBufferSize = 256;
 
-constexpr std::array believableCameras{
+constexpr std::array defaultCameras{
     defaultCamera({.name = "QHY5III462C", .key = "QHY5III462C-5f2a7c0e91d3b846"},
                   {.width = 1920, .height = 1080, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 2},
                   {.isColor = true, .bayerPattern = BAYER_RG, .hasTemperature = false},
@@ -127,7 +127,7 @@ std::string_view textIn(const char* buffer) {
 
 constinit const sim::Maker sim::maker{
     .sdkName = "qhyccd",
-    .cameras = believableCameras,
+    .cameras = defaultCameras,
     .queue = {2, WhenFull::DropOldest},
     .setUp = setUp,
     .frameSettings = frameSettings,

@@ -187,23 +187,10 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 /* Fills in the invariants. */
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
-/* Runs text commands, separated by ";" or line ends:
- *     sdk NAME                    the following commands are for the SDK of this base name (*: all)
- *     clock stopped | running
- *     seed N
- *     scene FILE                  sim_play_recording()
- *     log FILE                    switches the log on and also appends every line to FILE at once
- *     force FUNCTION NTH TIMES RESULT
- *     output FUNCTION OUTPUT NTH TIMES VALUE
- *     throw FUNCTION NTH TIMES standard | number | object [TEXT]
- *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
- *                                 (NTH 0: now)
- *     plug INDEX                  plugs it in again, now
- *     plug INDEX FUNCTION NTH     or just before that call
- * File names are UTF-8 and must not contain ";". Returns 1, or 0 if a command is not understood or
- * its file cannot be used; this command and all after it are then not run. When the SDK is loaded,
- * it runs the commands in the environment variable ORVANE_SIMULATOR and reports a failure on the
- * standard error output. */
+/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1, or
+ * 0 if a command is not understood or its file cannot be used; this command and all after it are
+ * then not run. When the SDK is loaded, it runs the commands in the environment variable
+ * ORVANE_SIMULATOR and reports a failure on the standard error output. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus

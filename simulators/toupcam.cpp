@@ -86,7 +86,7 @@ constexpr std::int32_t rawGbrg = fourCc("GBRG");
 constexpr std::int32_t rawYyyy = fourCc("YYYY");
 
 // The Bayer pattern is that of frames delivered with the default of the upside-down option.
-constexpr std::array believableCameras{
+constexpr std::array defaultCameras{
     defaultCamera({.name = "ATR3CMOS26000KPA", .key = "tp-2-7-16-1204-1a5f"},
                   {.width = 6224, .height = 4168, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 2},
                   {.isColor = true, .bayerPattern = rawRggb, .isCooled = true},
@@ -307,7 +307,7 @@ Hresult putOption(Camera& camera, unsigned option, int value) {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "toupcam",
-                                      .cameras = believableCameras,
+                                      .cameras = defaultCameras,
                                       .queue = {4, WhenFull::Pause},
                                       .setUp = setUp,
                                       .frameSettings = frameSettings,

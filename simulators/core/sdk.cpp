@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
-#include <utility>
 
 #include "core/camera_model.hpp"
 #include "core/sdk_exception.hpp"
@@ -67,10 +66,7 @@ void Sdk::setCameras(std::span<const SimCamera> models) {
   enumerated_.clear();
   cameras_.clear();
   for (const SimCamera& model : models) {
-    Camera camera;
-    camera.index = cameras_.size();
-    camera.model = model;
-    cameras_.push_back(std::move(camera));
+    cameras_.push_back({.index = cameras_.size(), .model = model});
   }
 }
 

@@ -73,7 +73,7 @@ struct Camera {
   std::size_t index = 0;
   SimCamera model{};
   bool isPlugged = true;
-  Device device;
+  Device device{};
 
   // Whether an open device still answers.
   bool isReachable() const { return isPlugged && !device.isLost; }
