@@ -9,12 +9,6 @@
 
 using namespace orvane::sim;
 
-namespace {
-
-constexpr std::int32_t mostCameras = 256;
-
-}  // namespace
-
 extern "C" {
 
 void sim_reset(void) {
@@ -22,6 +16,7 @@ void sim_reset(void) {
 }
 
 int32_t sim_set_cameras(const SimCamera* cameras, int32_t count) {
+  constexpr int32_t mostCameras = 256;
   const int32_t taken = cameras == nullptr ? 0 : std::clamp(count, 0, mostCameras);
   sdk().setCameras({cameras, static_cast<std::size_t>(taken)});
   return taken;

@@ -115,17 +115,14 @@ void setUp(Camera& camera) {
              {POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"})};
 }
 
+// The values of all other settings are integers.
+constexpr std::pair<std::int32_t, int> valueTypes[] = {{POA_TEMPERATURE, VAL_FLOAT},
+                                                       {POA_EGAIN, VAL_FLOAT},
+                                                       {POA_HARDWARE_BIN, VAL_BOOL},
+                                                       {POA_COOLER, VAL_BOOL}};
+
 int valueTypeOf(int configId) {
-  switch (configId) {
-    case POA_TEMPERATURE:
-    case POA_EGAIN:
-      return VAL_FLOAT;
-    case POA_HARDWARE_BIN:
-    case POA_COOLER:
-      return VAL_BOOL;
-    default:
-      return VAL_INT;
-  }
+  return lookUp(valueTypes, configId, VAL_INT);
 }
 
 // Reads the union's member that a setting uses.

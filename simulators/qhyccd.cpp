@@ -358,8 +358,8 @@ std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y
 std::uint32_t GetQHYCCDMemLength(void* handle) {
   Call call(__func__, handle);
   return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
-    call.set("result", camera.device.toldLength, memoryLength(camera.model));
-    return camera.device.toldLength;
+    call.set("result", camera.device.reportedLength, memoryLength(camera.model));
+    return camera.device.reportedLength;
   });
 }
 
@@ -395,7 +395,7 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
     call.out("height", height, static_cast<std::uint32_t>(frame->region.height));
     call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
     call.out("channels", channels, 1);
-    if (camera.device.toldLength != 0 && frameBytes(*frame) > camera.device.toldLength) {
+    if (camera.device.reportedLength != 0 && frameBytes(*frame) > camera.device.reportedLength) {
       sdk().countWritePastBuffer();
     }
     sdk().takeFrame(camera, data);

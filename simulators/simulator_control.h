@@ -144,8 +144,8 @@ ORVANE_SIMULATOR_API void sim_set_seed(uint64_t seed);
  * and offset 0, raw frames of a camera with the recording's Bayer pattern and bit depth hold the
  * recording's bytes (also if the recording states 16 bits and the camera's samples are at the top
  * of 16 bits). Other settings scale the samples as they would scale light. No noise is added: the
- * recording has its own. A recording that is smaller than the sensor fills its top left corner, and
- * the rest is dark. Of a larger one the sensor sees the middle.
+ * recording has its own. A recording that is smaller than the sensor fills its top left corner,
+ * where the library's regions begin, and the rest is dark. A larger one is cropped to its middle.
  *
  * The header is checked against the file's size: an interrupted recording plays the frames that it
  * contains. */

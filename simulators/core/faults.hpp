@@ -30,7 +30,7 @@ struct ThrownFault {
   const char* text;
 };
 
-// A camera whose cable is pulled out or put in just before the call.
+// A camera that is unplugged or plugged in just before the call.
 struct PlugChange {
   std::int32_t camera;
   bool isPlugged;  // afterwards

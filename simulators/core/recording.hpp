@@ -1,11 +1,7 @@
 // A recording that the cameras see instead of the synthetic sky: the frames of a SER file, and the
 // sensor in front of them.
 //
-// The recording already contains light, optics and noise, so none is added. With the usual exposure
-// and gain and without a black level, a sample has the recording's value. Other settings scale it.
-//
-// A recording that is smaller than the sensor fills the sensor's top left corner, where the
-// library's regions begin; the rest is dark. Of a larger one the sensor sees the middle.
+// sim_play_recording() describes how it is shown.
 #pragma once
 
 #include <cstddef>
@@ -37,7 +33,7 @@ class Recording {
  private:
   class View;
 
-  // How a file's frames contain colours.
+  // The colours of a file's frames.
   struct Color {
     std::int32_t id = 0;  // in the header
     BayerPattern bayerPattern = BayerPattern::None;

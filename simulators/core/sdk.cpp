@@ -84,9 +84,9 @@ void Sdk::setPlugged(std::int64_t index, bool plugged) {
 
 std::size_t Sdk::enumerate() {
   enumerated_.clear();
-  for (const Camera& camera : cameras_) {
+  for (Camera& camera : cameras_) {
     if (camera.isPlugged) {
-      enumerated_.push_back(camera.index);
+      enumerated_.push_back(&camera);
     }
   }
   return enumerated_.size();
@@ -94,15 +94,14 @@ std::size_t Sdk::enumerate() {
 
 Camera* Sdk::enumerated(std::int64_t position) {
   const bool isThere = position >= 0 && position < static_cast<std::int64_t>(enumerated_.size());
-  return isThere ? &cameras_[enumerated_[static_cast<std::size_t>(position)]] : nullptr;
+  return isThere ? enumerated_[static_cast<std::size_t>(position)] : nullptr;
 }
 
 template <class IsWanted>
 Camera* Sdk::firstEnumerated(const IsWanted& isWanted) {
-  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(), [&](std::size_t index) {
-    return isWanted(cameras_[index].model);
-  });
-  return found == enumerated_.end() ? nullptr : &cameras_[*found];
+  const auto found = std::find_if(enumerated_.begin(), enumerated_.end(),
+                                  [&](const Camera* camera) { return isWanted(camera->model); });
+  return found == enumerated_.end() ? nullptr : *found;
 }
 
 Camera* Sdk::enumeratedByKey(std::string_view key) {
@@ -168,7 +167,7 @@ void Sdk::showWholeSensor(Camera& camera, std::int32_t bin) {
 
 void* Sdk::openHandle(Camera& camera) {
   open(camera);
-  return &handles_.emplace_back(Handle{camera.index, true});
+  return &handles_.emplace_back(&camera);
 }
 
 bool Sdk::closeHandle(const void* handle) {
@@ -177,18 +176,13 @@ bool Sdk::closeHandle(const void* handle) {
     return false;
   }
   close(*camera);
-  findHandle(handle)->isOpen = false;
+  handles_[forgottenHandles_ + numberOf(handle) - 1] = nullptr;
   return true;
 }
 
 Camera* Sdk::find(const void* handle) {
-  const Handle* found = findHandle(handle);
-  return found != nullptr && found->isOpen ? &cameras_[found->camera] : nullptr;
-}
-
-Sdk::Handle* Sdk::findHandle(const void* handle) {
   const std::size_t number = numberOf(handle);
-  return number == 0 ? nullptr : &handles_[forgottenHandles_ + number - 1];
+  return number == 0 ? nullptr : handles_[forgottenHandles_ + number - 1];
 }
 
 std::size_t Sdk::numberOf(const void* handle) const {

@@ -51,10 +51,10 @@ inline Control onlyIf(std::int32_t isThere, Control control) {
 // The state of a camera from its opening to its closing.
 struct Device {
   bool isOpen = false;
-  bool isLost = false;           // was unplugged; stays lost when the camera is plugged in again
-  bool isInitialised = false;    // by the maker's init function, if the SDK has one
-  int streamMode = 0;            // QHYCCD
-  std::uint32_t toldLength = 0;  // QHYCCD: the last answer of GetQHYCCDMemLength; 0 if none
+  bool isLost = false;         // was unplugged; stays lost when the camera is plugged in again
+  bool isInitialised = false;  // by the maker's init function, if the SDK has one
+  int streamMode = 0;          // QHYCCD
+  std::uint32_t reportedLength = 0;  // QHYCCD: the last result of GetQHYCCDMemLength; 0 if none
   std::int32_t bin = 1;
   std::int32_t format = 0;  // the maker's number
   Region region;
@@ -83,7 +83,7 @@ struct Camera {
 struct Failures {
   std::int64_t noCamera;   // no camera has this id, or the handle is null
   std::int64_t closed;     // the camera, or the handle, is not open
-  std::int64_t unplugged;  // the cable was pulled out since the opening
+  std::int64_t unplugged;  // the camera was unplugged after it was opened
   std::int64_t refused;    // not initialised, or opened by another program
 };
 
@@ -94,7 +94,7 @@ struct Maker {
   QueueRule queue;
   std::int32_t widthStep = 1;  // the whole sensor's region is rounded down to multiples of these
   std::int32_t heightStep = 1;
-  void (*setUp)(Camera& camera);  // sets the controls, and the format if it is not 0, after opening
+  void (*setUp)(Camera& camera);  // sets the controls and the format of an opened camera
   FrameSettings (*frameSettings)(const Camera& camera);  // from the device's present settings
   Failures failures;
 };
@@ -186,24 +186,18 @@ class Sdk {
   bool isSdkInitialised = false;
 
  private:
-  struct Handle {
-    std::size_t camera = 0;
-    bool isOpen = false;
-  };
-
   void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
               std::int64_t rowPitch);
   template <class IsWanted>
   Camera* firstEnumerated(const IsWanted& isWanted);
   void open(Camera& camera);
   void close(Camera& camera);
-  Handle* findHandle(const void* handle);
 
   std::vector<Camera> cameras_;
-  std::vector<std::size_t> enumerated_;
-  // A handle is the address of its entry. Entries are never reused, so that a closed handle is
-  // recognised.
-  std::deque<Handle> handles_;
+  std::vector<Camera*> enumerated_;
+  // A handle is the address of its entry, which is null after closing. Entries are never reused, so
+  // that a closed handle is recognised.
+  std::deque<Camera*> handles_;
   std::size_t forgottenHandles_ = 0;
   Renderer renderer_;
   Recording recording_;  // played if it is open

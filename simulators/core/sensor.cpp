@@ -124,34 +124,11 @@ void expose(const Conversion& conversion, const float* light, const float* noise
 
 static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
 
-void store8(const std::int32_t* counts, std::int32_t count, std::int32_t shiftRight,
-            std::uint8_t* bytes) {
-  for (std::int32_t i = 0; i < count; ++i) {
-    bytes[i] = static_cast<std::uint8_t>(counts[i] >> shiftRight);
-  }
-}
-
-void store16(const std::int32_t* counts, std::int32_t count, std::int32_t shiftLeft,
-             std::uint8_t* bytes) {
-  std::array<std::uint16_t, blockLength> samples;
-  for (std::int32_t i = 0; i < count; ++i) {
-    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shiftLeft);
-  }
-  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
-}
-
 }  // namespace
 
 std::int32_t bytesPerPixel(Layout layout) {
-  switch (layout) {
-    case Layout::Raw16:
-      return 2;
-    case Layout::Bgr24:
-    case Layout::Rgb24:
-      return 3;
-    default:
-      return 1;
-  }
+  const bool isColor = layout == Layout::Bgr24 || layout == Layout::Rgb24;
+  return isColor ? 3 : layout == Layout::Raw16 ? 2 : 1;
 }
 
 std::int64_t frameBytes(const FrameSettings& settings) {
@@ -170,11 +147,18 @@ std::int64_t framePeriodUs(const FrameSettings& settings) {
 void storeSamples(const FrameSettings& settings, const std::int32_t* counts, std::int32_t count,
                   std::uint8_t* bytes) {
   if (bytesPerSample(settings.layout) == 1) {
-    store8(counts, count, settings.bitDepth - 8, bytes);
-  } else {
-    store16(counts, count, settings.alignment == Alignment::Left ? 16 - settings.bitDepth : 0,
-            bytes);
+    const std::int32_t shift = settings.bitDepth - 8;
+    for (std::int32_t i = 0; i < count; ++i) {
+      bytes[i] = static_cast<std::uint8_t>(counts[i] >> shift);
+    }
+    return;
   }
+  const std::int32_t shift = settings.alignment == Alignment::Left ? 16 - settings.bitDepth : 0;
+  std::array<std::uint16_t, blockLength> samples;
+  for (std::int32_t i = 0; i < count; ++i) {
+    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shift);
+  }
+  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
 }
 
 void Renderer::forget() {

@@ -1,6 +1,5 @@
-// The sensor: renders a frame for given settings. The same settings give the same bytes.
-// Also what a frame of a recording needs: the colour of each sample, and the conversion of counts
-// to bytes.
+// The sensor: renders a frame for given settings. The same settings give the same bytes. The
+// colours of the samples and the conversion of counts to bytes serve frames of recordings, too.
 #pragma once
 
 #include <algorithm>
@@ -13,16 +12,16 @@
 
 namespace orvane::sim {
 
-// With the usual exposure and the middle of the gain range the picture is well exposed. Longer
-// exposures than the longest count as the longest.
+// The exposure that gives a well exposed picture in the middle of the gain range, and the longest
+// exposure. A longer one counts as this.
 inline constexpr double normalExposureUs = 20'000;
 inline constexpr double longestExposureUs = 1e15;
 
-// Samples are processed in blocks. The length is a multiple of the count of numbers that one hash
-// gives.
+// Samples are processed in blocks. One hash gives five random numbers, so the length is a multiple
+// of five.
 inline constexpr std::int32_t blockLength = 1020;
 
-// The parts of the colours in the light on a sensor without filters.
+// The weights of the colours on a sensor without filters.
 inline constexpr float redPart = 0.299F;
 inline constexpr float greenPart = 0.587F;
 inline constexpr float bluePart = 0.114F;
@@ -69,7 +68,7 @@ struct FrameGeometry {
 struct FrameSettings : FrameGeometry {
   std::int32_t bitDepth = 8;  // of the samples, 8 to 16; `alignment` is their place in two bytes
   Alignment alignment = Alignment::Left;
-  bool isTurned = false;  // the rows come in the reverse of the SDK's usual order
+  bool isTurned = false;  // the rows are in the reverse of the SDK's default order
   bool isUsb3 = true;     // determines the speed of reading the sensor
   double exposureUs = 0;
   double gain = 1;      // brightness relative to the middle of the camera's gain range
@@ -94,7 +93,7 @@ inline std::int32_t bytesPerSample(Layout layout) {
   return bytesPerPixel(layout) == 2 ? 2 : 1;
 }
 
-// Whether each sample belongs to a filter of the Bayer pattern.
+// Whether each sample has one colour of the Bayer pattern.
 inline bool isFiltered(const FrameGeometry& frame) {
   return frame.bayerPattern != BayerPattern::None &&
          (frame.layout == Layout::Raw8 || frame.layout == Layout::Raw16);
