@@ -115,7 +115,7 @@ constexpr std::pair<std::int32_t, Layout> layouts[] = {
     {ASI_IMG_RGB24, Layout::Bgr24}, {ASI_IMG_RAW16, Layout::Raw16}, {ASI_IMG_Y8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.mosaic),
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.bayerPattern),
                                           {ASI_EXPOSURE, ASI_GAIN, ASI_OFFSET});
   settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
@@ -182,7 +182,7 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
     call.set("MaxHeight", info->MaxHeight, model.height);
     call.set("MaxWidth", info->MaxWidth, model.width);
     call.set("IsColorCam", info->IsColorCam, model.isColor);
-    call.set("BayerPattern", info->BayerPattern, model.mosaic);
+    call.set("BayerPattern", info->BayerPattern, model.bayerPattern);
     std::copy(std::begin(model.bins), std::end(model.bins), info->SupportedBins);
     std::copy(std::begin(model.formats), std::end(model.formats), info->SupportedVideoFormat);
     call.set("PixelSize", info->PixelSize, model.pixelSizeUm);

@@ -156,7 +156,7 @@ constexpr std::pair<std::int32_t, Layout> layouts[] = {
     {POA_RAW16, Layout::Raw16}, {POA_RGB24, Layout::Bgr24}, {POA_MONO8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.mosaic),
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.bayerPattern),
                                           {POA_EXPOSURE, POA_GAIN, POA_OFFSET});
   settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
@@ -231,7 +231,7 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
     call.set("isHasST4Port", properties->isHasST4Port, POA_TRUE);
     call.set("isHasCooler", properties->isHasCooler, model.isCooled);
     call.set("isUSB3Speed", properties->isUSB3Speed, model.isUsb3Host);
-    call.set("bayerPattern", properties->bayerPattern, model.mosaic);
+    call.set("bayerPattern", properties->bayerPattern, model.bayerPattern);
     call.set("pixelSize", properties->pixelSize, model.pixelSizeUm);
     std::copy_n(model.bins, std::size(properties->bins), properties->bins);
     std::copy_n(model.formats, std::size(properties->imgFormats), properties->imgFormats);

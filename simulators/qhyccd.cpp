@@ -89,7 +89,7 @@ constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
 
 FrameSettings frameSettings(const Camera& camera) {
   FrameSettings settings =
-      commonSettings(camera, lookUp(bayerPatterns, camera.model.mosaic, BayerPattern::Rggb),
+      commonSettings(camera, lookUp(bayerPatterns, camera.model.bayerPattern, BayerPattern::Rggb),
                      {CONTROL_EXPOSURE, CONTROL_GAIN, CONTROL_OFFSET});
   const bool isWide = camera.device.value(CONTROL_TRANSFERBIT) > 8;
   settings.layout = isWide ? Layout::Raw16 : Layout::Raw8;
@@ -236,7 +236,7 @@ std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
   return Call(__func__, handle, controlId).onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const SimCamera& model = camera.model;
     if (controlId == CAM_COLOR) {
-      return model.isColor != 0 ? static_cast<std::uint32_t>(model.mosaic) : QHYCCD_ERROR;
+      return model.isColor != 0 ? static_cast<std::uint32_t>(model.bayerPattern) : QHYCCD_ERROR;
     }
     const auto isAvailable = [&] {
       switch (controlId) {

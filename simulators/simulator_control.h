@@ -49,9 +49,9 @@ typedef struct SimCamera {
   double pixelSizeUm;
   int32_t bitDepth; /* of the converter, 8 to 16 */
   int32_t isColor;
-  int32_t mosaic; /* the maker's own code for the Bayer pattern (ToupTek: the four-character
-                   * code of frames with the default of the upside-down option); a colour
-                   * camera with an unknown code delivers RGGB */
+  /* The maker's own code. ToupTek: the four-character code of frames with the default of the
+   * upside-down option. A colour camera with an unknown code delivers RGGB. */
+  int32_t bayerPattern;
   int32_t isCooled;
   int32_t isUsb3Camera;
   int32_t isUsb3Host;
@@ -187,8 +187,8 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 /* Fills in the invariants. */
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
-/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1, or
- * 0 if a command is not understood or its file cannot be used; this command and all after it are
+/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1,
+ * or 0 if a command is not understood or its file cannot be used; this command and all after it are
  * then not run. When the SDK is loaded, it runs the commands in the environment variable
  * ORVANE_SIMULATOR and reports a failure on the standard error output. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);

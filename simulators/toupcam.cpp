@@ -198,7 +198,7 @@ constexpr std::pair<std::int32_t, std::int32_t> reversedPatterns[] = {
 // The frames' Bayer pattern with the present upside-down option. If the option differs from its
 // default, the first row has the other colours, unless the number of rows is odd.
 std::int32_t deliveredPattern(const Camera& camera) {
-  const std::int32_t usual = camera.model.mosaic;
+  const std::int32_t usual = camera.model.bayerPattern;
   const bool isReversed = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) != isWindows;
   return isReversed && camera.model.height % 2 == 0 ? lookUp(reversedPatterns, usual, usual)
                                                     : usual;

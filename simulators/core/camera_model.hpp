@@ -77,7 +77,7 @@ constexpr SimCamera defaultCamera(const Identity& identity, const SensorFacts& s
   camera.bitDepth = sensor.bitDepth;
   std::iota(camera.bins, camera.bins + sensor.bins, 1);
   camera.isColor = features.isColor ? 1 : 0;
-  camera.mosaic = features.bayerPattern;
+  camera.bayerPattern = features.bayerPattern;
   camera.isCooled = features.isCooled ? 1 : 0;
   camera.isUsb3Camera = features.isUsb3 ? 1 : 0;
   camera.isUsb3Host = features.isUsb3 ? 1 : 0;

@@ -186,7 +186,7 @@ TEST_F(AsiDiscovery, BayerCodesOfAllPatternsAndZeroForOthers) {
   const int expected[][2] = {{0, 8}, {1, 11}, {2, 9}, {3, 10}, {4, 0}, {-1, 0}, {2147483647, 0}};
   for (const auto& [pattern, bayer] : expected) {
     SimCamera camera = smallAsiCamera();
-    camera.mosaic = pattern;
+    camera.bayerPattern = pattern;
     sdk.setCameras({camera});
     ASSERT_EQ(oc.scan(), 1);
     EXPECT_EQ(infoValue(0, "bayer"), std::to_string(bayer)) << "pattern " << pattern;

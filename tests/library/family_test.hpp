@@ -39,7 +39,7 @@ inline SimCamera smallCamera() {
 /// The same for the SDK of this family, with the Bayer pattern RGGB.
 inline SimCamera smallCamera(const SdkFamily& family) {
   SimCamera camera = smallCamera();
-  camera.mosaic = family.rggb;
+  camera.bayerPattern = family.rggb;
   return camera;
 }
 

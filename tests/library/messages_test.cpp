@@ -31,7 +31,7 @@ class Messages : public LibraryTest {
   SimulatedSdk installWithCamera(const std::string& baseName, std::int32_t mosaic,
                                  const std::vector<std::string>& missing = {}) {
     SimulatedSdk sdk = install(baseName, missing);
-    camera_.mosaic = mosaic;
+    camera_.bayerPattern = mosaic;
     camera_.gainMax = 1000;
     sdk.setCameras({camera_});
     return sdk;

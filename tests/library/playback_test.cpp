@@ -112,7 +112,7 @@ class PlaybackTest : public LibraryTest {
   void start(const Family& family, int isColor = 1) {
     gain = family.gainMax / 2;
     camera = smallCamera();
-    camera.mosaic = family.rggb;
+    camera.bayerPattern = family.rggb;
     camera.isColor = isColor;
     camera.gainMax = family.gainMax;
     sdk.emplace(install(family.sdk));

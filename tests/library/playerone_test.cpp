@@ -67,7 +67,7 @@ TEST_F(PlayerOneDiscovery, BayerCodesOfAllPatternsAndZeroForOthers) {
   const int expected[][2] = {{0, 8}, {1, 11}, {2, 9}, {3, 10}, {4, 0}, {-1, 0}, {77, 0}};
   for (const auto& [pattern, bayer] : expected) {
     small.isColor = 1;
-    small.mosaic = pattern;
+    small.bayerPattern = pattern;
     rescanWith(small);
     EXPECT_EQ(infoValue(0, "bayer"), std::to_string(bayer)) << pattern;
     EXPECT_EQ(infoValue(0, "isColor"), "true");

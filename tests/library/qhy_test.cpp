@@ -11,7 +11,7 @@ constexpr std::int64_t qhyError = 0xFFFFFFFF;
 
 SimCamera smallQhyCamera() {
   SimCamera camera = smallCamera();
-  camera.mosaic = 4;  // RGGB
+  camera.bayerPattern = 4;  // RGGB
   camera.isCooled = 1;
   return camera;
 }

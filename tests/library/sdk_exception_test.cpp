@@ -100,7 +100,7 @@ std::vector<ThrowingFamily> throwingFamilies() {
 class SdkException : public LibraryTest, public ::testing::WithParamInterface<ThrowingFamily> {
  protected:
   SdkException() : sdk(install(GetParam().baseName)) {
-    shown.mosaic = GetParam().mosaic;
+    shown.bayerPattern = GetParam().mosaic;
     sdk.setCameras({shown});
   }
 

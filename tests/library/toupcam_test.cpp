@@ -16,7 +16,7 @@ constexpr std::int32_t fourCc(char a, char b, char c, char d) {
 
 SimCamera smallToupTekCamera() {
   SimCamera camera = smallCamera();
-  camera.mosaic = fourCc('R', 'G', 'G', 'B');
+  camera.bayerPattern = fourCc('R', 'G', 'G', 'B');
   camera.gainMin = 100;
   camera.gainMax = 1000;
   return camera;
