@@ -121,9 +121,7 @@ class Call {
   // A number converted to the type, truncated to its width.
   template <class Type, class Number>
   static Type numberAs(Number number) {
-    if constexpr (std::is_floating_point_v<Type>) {
-      return static_cast<Type>(number);
-    } else if constexpr (std::is_floating_point_v<Number>) {
+    if constexpr (std::is_floating_point_v<Number> && !std::is_floating_point_v<Type>) {
       return numberAs<Type>(wholeNumber<std::int64_t>(number));
     } else if constexpr (std::is_pointer_v<Type>) {
       // A test may force a handle to any value. The simulator never dereferences it.
