@@ -257,8 +257,9 @@ void Recording::render(const FrameSettings& settings, std::int64_t frameNumber,
   const View view(*this, settings);
   const Scale scale = scaleOf(settings);
   for (std::int32_t row = 0; row < settings.region.height; ++row) {
+    // Captured by value: the compiler would read references again after each write to the counts.
     storeRow(settings, buffer + row * rowPitch,
-             [&](std::int32_t start, std::int32_t count, std::int32_t* counts) {
+             [view, scale, row](std::int32_t start, std::int32_t count, std::int32_t* counts) {
                for (std::int32_t index = 0; index < count; ++index) {
                  counts[index] = scale.countOf(view.light(row, start + index));
                }
