@@ -7,11 +7,11 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 
@@ -53,168 +53,77 @@ enum : int {
 constexpr std::int32_t bayerRggb = 0;
 constexpr std::int32_t bayerGrbg = 2;
 
-constexpr std::array believableCameras{
-    SimCamera{.name = "ZWO ASI120MC-S",
-              .key = "",
-              .id = 0,
-              .width = 1280,
-              .height = 960,
-              .pixelSizeUm = 3.75,
-              .bitDepth = 12,
-              .isColor = 1,
-              .mosaic = bayerGrbg,
-              .isCooled = 0,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2},
-              .formats = {ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END},
-              .gainMin = 0,
-              .gainMax = 100,
-              .exposureMinUs = 64,
-              .exposureMaxUs = 1e9,
-              .offsetMin = 0,
-              .offsetMax = 20,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "ZWO ASI294MC Pro",
-              .key = "",
-              .id = 1,
-              .width = 4144,
-              .height = 2822,
-              .pixelSizeUm = 4.63,
-              .bitDepth = 14,
-              .isColor = 1,
-              .mosaic = bayerRggb,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END},
-              .gainMin = 0,
-              .gainMax = 570,
-              .exposureMinUs = 32,
-              .exposureMaxUs = 2e9,
-              .offsetMin = 0,
-              .offsetMax = 80,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "ZWO ASI2600MM Pro",
-              .key = "",
-              .id = 2,
-              .width = 6248,
-              .height = 4176,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 0,
-              .mosaic = bayerRggb,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END},
-              .gainMin = 0,
-              .gainMax = 700,
-              .exposureMinUs = 32,
-              .exposureMaxUs = 2e9,
-              .offsetMin = 0,
-              .offsetMax = 240,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "ZWO ASI290MM Mini",
-              .key = "",
-              .id = 3,
-              .width = 1936,
-              .height = 1096,
-              .pixelSizeUm = 2.9,
-              .bitDepth = 12,
-              .isColor = 0,
-              .mosaic = bayerRggb,
-              .isCooled = 0,
-              .isUsb3Camera = 0,
-              .isUsb3Host = 0,
-              .bins = {1, 2},
-              .formats = {ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END},
-              .gainMin = 0,
-              .gainMax = 600,
-              .exposureMinUs = 32,
-              .exposureMaxUs = 1e9,
-              .offsetMin = 0,
-              .offsetMax = 240,
-              .hasTemperature = 1,
-              .isBusy = 0},
-};
+constexpr Formats colorFormats{ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END};
+constexpr Formats monoFormats{ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END};
 
-// In the order in which a camera lists them.
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+constexpr std::array defaultCameras{
+    defaultCamera({.name = "ZWO ASI120MC-S", .id = 0},
+                  {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
+                  {.isColor = true, .bayerPattern = bayerGrbg},
+                  {.gain = {0, 100}, .exposureUs = {64, 1e9}, .offset = {0, 20}}, colorFormats),
+    defaultCamera({.name = "ZWO ASI294MC Pro", .id = 1},
+                  {.width = 4144, .height = 2822, .pixelSizeUm = 4.63, .bitDepth = 14, .bins = 4},
+                  {.isColor = true, .bayerPattern = bayerRggb, .isCooled = true},
+                  {.gain = {0, 570}, .exposureUs = {32, 2e9}, .offset = {0, 80}}, colorFormats),
+    defaultCamera({.name = "ZWO ASI2600MM Pro", .id = 2},
+                  {.width = 6248, .height = 4176, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
+                  {.bayerPattern = bayerRggb, .isCooled = true},
+                  {.gain = {0, 700}, .exposureUs = {32, 2e9}, .offset = {0, 240}}, monoFormats),
+    defaultCamera({.name = "ZWO ASI290MM Mini", .id = 3},
+                  {.width = 1936, .height = 1096, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 2},
+                  {.bayerPattern = bayerRggb, .isUsb3 = false},
+                  {.gain = {0, 600}, .exposureUs = {32, 1e9}, .offset = {0, 240}}, monoFormats)};
+
+// The controls are in the order in which a camera lists them.
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {ASI_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
        "Gain"},
       {ASI_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
-       Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({ASI_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
-  }
-  add({ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
-       "The total data transfer rate percentage"});
-  add({ASI_FLIP, 0, 3, 0, Access::ByHand, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both"});
-  add({ASI_AUTO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
-       "AutoExpMaxGain", "Auto exposure maximum gain value"});
-  add({ASI_AUTO_MAX_EXP, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
-       "Auto exposure maximum exposure value(unit ms)"});
-  add({ASI_AUTO_TARGET_BRIGHTNESS, 50, 160, 100, Access::ByHand, "AutoExpTargetBrightness",
-       "Auto exposure target brightness value"});
-  add({ASI_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Is hardware bin2:0->No 1->Yes"});
-  add({ASI_HIGH_SPEED_MODE, 0, 1, 0, Access::ByHand, "HighSpeedMode",
-       "Is high speed mode:0->No 1->Yes"});
-  if (model.hasTemperature != 0) {
-    add({ASI_TEMPERATURE, -500, 1000, 20, Access::ReadOnly, "Temperature",
-         "Sensor temperature(degrees Celsius)"});
-  }
-  if (model.isCooled != 0) {
-    add({ASI_COOLER_POWER_PERC, 0, 100, 0, Access::ReadOnly, "CoolPowerPerc",
-         "Cooler power percent"});
-    add({ASI_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp",
-         "Target temperature(cool camera only)"});
-    add({ASI_COOLER_ON, 0, 1, 0, Access::ByHand, "CoolerOn",
-         "Turn on/off cooler(cool camera only)"});
-  }
-  if (model.isColor != 0) {
-    add({ASI_WB_R, 1, 99, 52, Access::ByHandOrAuto, "WB_R", "White balance: Red component"});
-    add({ASI_WB_B, 1, 99, 95, Access::ByHandOrAuto, "WB_B", "White balance: Blue component"});
-  }
-  return controls;
+       Access::ByHandOrAuto, "Exposure", "Exposure Time(us)"},
+      onlyIf(hasOffset(model), {ASI_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model),
+                                Access::ByHand, "Offset", "Offset"}),
+      {ASI_BANDWIDTHOVERLOAD, 40, 100, 50, Access::ByHandOrAuto, "BandWidth",
+       "The total data transfer rate percentage"},
+      {ASI_FLIP, 0, 3, 0, Access::ByHand, "Flip", "Flip: 0->None 1->Horiz 2->Vert 3->Both"},
+      {ASI_AUTO_MAX_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHand,
+       "AutoExpMaxGain", "Auto exposure maximum gain value"},
+      {ASI_AUTO_MAX_EXP, 1, 60'000, 100, Access::ByHand, "AutoExpMaxExpMS",
+       "Auto exposure maximum exposure value(unit ms)"},
+      {ASI_AUTO_TARGET_BRIGHTNESS, 50, 160, 100, Access::ByHand, "AutoExpTargetBrightness",
+       "Auto exposure target brightness value"},
+      {ASI_HARDWARE_BIN, 0, 1, 0, Access::ByHand, "HardwareBin", "Is hardware bin2:0->No 1->Yes"},
+      {ASI_HIGH_SPEED_MODE, 0, 1, 0, Access::ByHand, "HighSpeedMode",
+       "Is high speed mode:0->No 1->Yes"},
+      onlyIf(model.hasTemperature, {ASI_TEMPERATURE, -500, 1000, 20, Access::ReadOnly,
+                                    "Temperature", "Sensor temperature(degrees Celsius)"}),
+      onlyIf(model.isCooled, {ASI_COOLER_POWER_PERC, 0, 100, 0, Access::ReadOnly, "CoolPowerPerc",
+                              "Cooler power percent"}),
+      onlyIf(model.isCooled, {ASI_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp",
+                              "Target temperature(cool camera only)"}),
+      onlyIf(model.isCooled, {ASI_COOLER_ON, 0, 1, 0, Access::ByHand, "CoolerOn",
+                              "Turn on/off cooler(cool camera only)"}),
+      onlyIf(model.isColor,
+             {ASI_WB_R, 1, 99, 52, Access::ByHandOrAuto, "WB_R", "White balance: Red component"}),
+      onlyIf(model.isColor,
+             {ASI_WB_B, 1, 99, 95, Access::ByHandOrAuto, "WB_B", "White balance: Blue component"})};
+  camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
 }
 
-Layout layoutOf(int imageType) {
-  switch (imageType) {
-    case ASI_IMG_RAW16:
-      return Layout::Raw16;
-    case ASI_IMG_RGB24:
-      return Layout::Bgr24;
-    case ASI_IMG_Y8:
-      return Layout::Luma8;
-    default:
-      return Layout::Raw8;
-  }
-}
+constexpr std::pair<std::int32_t, Layout> layouts[] = {
+    {ASI_IMG_RGB24, Layout::Bgr24}, {ASI_IMG_RAW16, Layout::Raw16}, {ASI_IMG_Y8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
-  settings.layout = layoutOf(device.format);
-  settings.exposureUs = device.value(ASI_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(ASI_GAIN, 0));
-  settings.pedestal = device.value(ASI_OFFSET, 0) / 4096;
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.bayerPattern),
+                                          {ASI_EXPOSURE, ASI_GAIN, ASI_OFFSET});
+  settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
 }
 
 // The present value of a control. For some controls it is a measurement.
 long reading(const Camera& camera, const Control& control) {
-  const std::int64_t now = stage().clock.now();
+  const std::int64_t now = sdk().clock.now();
   switch (control.id) {
     case ASI_TEMPERATURE:
       return std::lround(10 * camera.device.cooler.temperature(now));
@@ -223,14 +132,6 @@ long reading(const Camera& camera, const Control& control) {
     default:
       return wholeNumber<long>(control.value);
   }
-}
-
-// Sets the region after opening: the whole sensor, rounded down to multiples of 8 and 2 pixels.
-void showWholeSensor(Camera& camera) {
-  const SimCamera& model = camera.model;
-  camera.device.bin = 1;
-  camera.device.format = model.formats[0] == ASI_IMG_END ? ASI_IMG_RAW8 : model.formats[0];
-  camera.device.region = {0, 0, binnedWidth(model, 1) & ~7, binnedHeight(model, 1) & ~1};
 }
 
 // Whether the camera supports a region of this size after binning.
@@ -244,46 +145,30 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
 }
 
-// Runs a call that needs an open camera.
-template <class Body>
-int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr || !camera->device.isOpen) {
-      stage().countCallOnClosed();
-      return camera == nullptr ? ASI_ERROR_INVALID_ID : ASI_ERROR_CAMERA_CLOSED;
-    }
-    return camera->isReachable() ? body(*camera) : ASI_ERROR_CAMERA_REMOVED;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-int onReadyCamera(Call& call, int cameraId, const Body& body) {
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
-    return camera.device.isInitialised ? body(camera) : ASI_ERROR_GENERAL_ERROR;
-  });
-}
-
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "ASICamera2", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
+                                      .cameras = defaultCameras,
+                                      .queue = {2, WhenFull::DropOldest},
+                                      .widthStep = 8,
+                                      .heightStep = 2,
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = ASI_ERROR_INVALID_ID,
+                                                   .closed = ASI_ERROR_CAMERA_CLOSED,
+                                                   .unplugged = ASI_ERROR_CAMERA_REMOVED,
+                                                   .refused = ASI_ERROR_GENERAL_ERROR}};
 
 extern "C" {
 
 int ASIGetNumOfConnectedCameras() {
-  Call call("ASIGetNumOfConnectedCameras");
-  return call.run([&]() -> int {
-    stage().enumerate();
-    return static_cast<int>(stage().enumerated());
-  });
+  return Call(__func__).run([] { return static_cast<int>(sdk().enumerate()); });
 }
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
-  Call call("ASIGetCameraProperty", index);
+  Call call(__func__, index);
   return call.run([&]() -> int {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || info == nullptr) {
       return ASI_ERROR_INVALID_INDEX;
     }
@@ -297,7 +182,7 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
     call.set("MaxHeight", info->MaxHeight, model.height);
     call.set("MaxWidth", info->MaxWidth, model.width);
     call.set("IsColorCam", info->IsColorCam, model.isColor);
-    call.set("BayerPattern", info->BayerPattern, model.mosaic);
+    call.set("BayerPattern", info->BayerPattern, model.bayerPattern);
     std::copy(std::begin(model.bins), std::end(model.bins), info->SupportedBins);
     std::copy(std::begin(model.formats), std::end(model.formats), info->SupportedVideoFormat);
     call.set("PixelSize", info->PixelSize, model.pixelSizeUm);
@@ -315,57 +200,31 @@ int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int index) {
 }
 
 int ASIOpenCamera(int cameraId) {
-  Call call("ASIOpenCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return ASI_ERROR_INVALID_ID;
-    }
-    if (!camera->isReachable()) {
-      return ASI_ERROR_CAMERA_REMOVED;
-    }
-    if (camera->model.isBusy != 0) {
-      return ASI_ERROR_GENERAL_ERROR;
-    }
-    if (!camera->device.isOpen) {
-      stage().open(*camera, controlsOf(camera->model));
-      showWholeSensor(*camera);
-    }
-    return ASI_SUCCESS;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().openById(cameraId); });
 }
 
 int ASIInitCamera(int cameraId) {
-  Call call("ASIInitCamera", cameraId);
-  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onOpen(cameraId, [](Camera& camera) -> int {
     camera.device.isInitialised = true;
     return ASI_SUCCESS;
   });
 }
 
 int ASICloseCamera(int cameraId) {
-  Call call("ASICloseCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return ASI_ERROR_INVALID_ID;
-    }
-    stage().close(*camera);
-    return ASI_SUCCESS;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().closeById(cameraId); });
 }
 
 int ASIGetNumOfControls(int cameraId, int* count) {
-  Call call("ASIGetNumOfControls", cameraId);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     call.out("count", count, static_cast<int>(camera.device.controls.size()));
     return ASI_SUCCESS;
   });
 }
 
 int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
-  Call call("ASIGetControlCaps", cameraId, controlIndex);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlIndex);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     const std::vector<Control>& controls = camera.device.controls;
     if (controlIndex < 0 || static_cast<std::size_t>(controlIndex) >= controls.size() ||
         caps == nullptr) {
@@ -388,8 +247,8 @@ int ASIGetControlCaps(int cameraId, int controlIndex, ASI_CONTROL_CAPS* caps) {
 }
 
 int ASIGetControlValue(int cameraId, int controlType, long* value, int* isAuto) {
-  Call call("ASIGetControlValue", cameraId, controlType);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlType);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(controlType);
     if (control == nullptr) {
       return ASI_ERROR_INVALID_CONTROL_TYPE;
@@ -401,8 +260,8 @@ int ASIGetControlValue(int cameraId, int controlType, long* value, int* isAuto) 
 }
 
 int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
-  Call call("ASISetControlValue", cameraId, controlType, value, isAuto);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, controlType, value, isAuto);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Control* control = device.find(controlType);
     if (control == nullptr) {
@@ -414,17 +273,17 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
     control->isAuto = control->hasAuto() && isAuto != ASI_FALSE;
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
-      device.cooler.set(stage().clock.now(), device.value(ASI_COOLER_ON, 0) != 0,
-                        device.value(ASI_TARGET_TEMP, 0));
+      device.cooler.set(sdk().clock.now(), device.value(ASI_COOLER_ON) != 0,
+                        device.value(ASI_TARGET_TEMP));
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return ASI_SUCCESS;
   });
 }
 
 int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType) {
-  Call call("ASISetROIFormat", cameraId, width, height, bin, imageType);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, width, height, bin, imageType);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     const SimCamera& model = camera.model;
     if (device.stream.isRunning()) {
@@ -446,8 +305,8 @@ int ASISetROIFormat(int cameraId, int width, int height, int bin, int imageType)
 }
 
 int ASIGetROIFormat(int cameraId, int* width, int* height, int* bin, int* imageType) {
-  Call call("ASIGetROIFormat", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Device& device = camera.device;
     call.out("width", width, device.region.width);
     call.out("height", height, device.region.height);
@@ -458,8 +317,7 @@ int ASIGetROIFormat(int cameraId, int* width, int* height, int* bin, int* imageT
 }
 
 int ASISetStartPos(int cameraId, int x, int y) {
-  Call call("ASISetStartPos", cameraId, x, y);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, x, y).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Region& region = device.region;
     if (x < 0 || y < 0 || x > binnedWidth(camera.model, device.bin) - region.width ||
@@ -468,43 +326,41 @@ int ASISetStartPos(int cameraId, int x, int y) {
     }
     region.x = x;
     region.y = y;
-    stage().changed(camera);
+    sdk().changed(camera);
     return ASI_SUCCESS;
   });
 }
 
 int ASIStartVideoCapture(int cameraId) {
-  Call call("ASIStartVideoCapture", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
     if (!camera.device.stream.isRunning()) {
-      stage().startStream(camera, false);
+      sdk().startStream(camera, false);
     }
     return ASI_SUCCESS;
   });
 }
 
 int ASIStopVideoCapture(int cameraId) {
-  Call call("ASIStopVideoCapture", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
-    stage().stopStream(camera);
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
+    sdk().stopStream(camera);
     return ASI_SUCCESS;
   });
 }
 
 int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
-  Call call("ASIGetVideoData", cameraId, Buffer{buffer}, bufferSize, waitMs);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (!camera.device.stream.isRunning() || buffer == nullptr) {
       return ASI_ERROR_GENERAL_ERROR;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      stage().countShortBuffer();
+      sdk().countShortBuffer();
       return ASI_ERROR_BUFFER_TOO_SMALL;
     }
-    if (!stage().waitForFrame(camera, waitMs)) {
+    if (!sdk().waitForFrame(camera, waitMs)) {
       return ASI_ERROR_TIMEOUT;
     }
-    stage().takeFrame(camera, buffer);
+    sdk().takeFrame(camera, buffer);
     return ASI_SUCCESS;
   });
 }

@@ -4,31 +4,26 @@
 #include <cstddef>
 #include <span>
 
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulator_control.h"
 
-using orvane::sim::stage;
-
-namespace {
-
-constexpr std::int32_t mostCameras = 256;
-
-}  // namespace
+using namespace orvane::sim;
 
 extern "C" {
 
 void sim_reset(void) {
-  stage().reset();
+  sdk().reset();
 }
 
 int32_t sim_set_cameras(const SimCamera* cameras, int32_t count) {
+  constexpr int32_t mostCameras = 256;
   const int32_t taken = cameras == nullptr ? 0 : std::clamp(count, 0, mostCameras);
-  stage().setCameras({cameras, static_cast<std::size_t>(taken)});
+  sdk().setCameras({cameras, static_cast<std::size_t>(taken)});
   return taken;
 }
 
 int32_t sim_get_camera(int32_t index, SimCamera* camera) {
-  const orvane::sim::Camera* found = stage().camera(index);
+  const Camera* found = sdk().camera(index);
   if (found == nullptr || camera == nullptr) {
     return 0;
   }
@@ -37,65 +32,64 @@ int32_t sim_get_camera(int32_t index, SimCamera* camera) {
 }
 
 void sim_set_plugged(int32_t index, int32_t plugged) {
-  stage().setPlugged(index, plugged != 0);
+  sdk().setPlugged(index, plugged != 0);
 }
 
 void sim_force_result(const char* function, int32_t nth, int32_t times, int64_t result) {
-  stage().faults.forceResult(function, {nth, times}, result);
+  sdk().faults.add(function, {nth, times}, ForcedResult{result});
 }
 
 void sim_throw(const char* function, int32_t nth, int32_t times, int32_t kind, const char* text) {
-  stage().faults.throwFrom(function, {nth, times},
-                           {static_cast<orvane::sim::ThrownKind>(kind), text});
+  sdk().faults.add(function, {nth, times}, ThrownFault{kind, text});
 }
 
 void sim_force_output(const char* function, const char* output, int32_t nth, int32_t times,
                       double value) {
-  stage().faults.forceOutput(function, output, {nth, times}, value);
+  sdk().faults.add(function, {nth, times}, ForcedOutput{output, value});
 }
 
 void sim_clear_faults(void) {
-  stage().faults.clearForced();
+  sdk().faults.clearForced();
 }
 
 void sim_set_seed(uint64_t seed) {
-  stage().setSeed(seed);
+  sdk().seed = seed;
 }
 
 int32_t sim_play_recording(const char* serPath) {
-  return stage().playRecording(serPath) ? 1 : 0;
+  return sdk().playRecording(serPath) ? 1 : 0;
 }
 
 void sim_stop_clock(int32_t stopped) {
-  stage().clock.stop(stopped != 0);
+  sdk().clock.stop(stopped != 0);
 }
 
 void sim_advance_clock(int64_t microseconds) {
-  stage().clock.advance(microseconds);
+  sdk().clock.advance(microseconds);
 }
 
 int32_t sim_render_frame(int32_t frame, uint8_t* buffer, int32_t bufferLength) {
-  return stage().renderFrame(frame, buffer, bufferLength);
+  return sdk().renderFrame(frame, buffer, bufferLength);
 }
 
 void sim_log_enable(int32_t enabled) {
-  stage().log.enable(enabled != 0);
+  sdk().log.enable(enabled != 0);
 }
 
 const char* sim_log(void) {
-  return stage().log.text();
+  return sdk().log.text();
 }
 
 void sim_log_clear(void) {
-  stage().log.clear();
+  sdk().log.clear();
 }
 
 void sim_invariants(SimInvariants* invariants) {
-  *invariants = stage().invariants();
+  *invariants = sdk().invariants();
 }
 
 int32_t sim_command(const char* commands) {
-  return commands != nullptr && orvane::sim::runCommands(commands) ? 1 : 0;
+  return commands != nullptr && runCommands(commands) ? 1 : 0;
 }
 
 }  // extern "C"

@@ -6,11 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <vector>
+#include <utility>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
@@ -63,77 +62,26 @@ enum : int {
   POA_ERROR_OPERATION_FAILED = 16,
 };
 
-constexpr std::array believableCameras{
-    SimCamera{.name = "Mars-C",
-              .key = "",
-              .id = 0,
-              .width = 1944,
-              .height = 1096,
-              .pixelSizeUm = 2.9,
-              .bitDepth = 12,
-              .isColor = 1,
-              .mosaic = POA_BAYER_RG,
-              .isCooled = 0,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END},
-              .gainMin = 0,
-              .gainMax = 600,
-              .exposureMinUs = 10,
-              .exposureMaxUs = 2e9,
-              .offsetMin = 0,
-              .offsetMax = 250,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "Neptune-C II",
-              .key = "",
-              .id = 1,
-              .width = 2712,
-              .height = 1538,
-              .pixelSizeUm = 2.9,
-              .bitDepth = 12,
-              .isColor = 1,
-              .mosaic = POA_BAYER_RG,
-              .isCooled = 0,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END},
-              .gainMin = 0,
-              .gainMax = 600,
-              .exposureMinUs = 10,
-              .exposureMaxUs = 2e9,
-              .offsetMin = 0,
-              .offsetMax = 250,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "Poseidon-M Pro",
-              .key = "",
-              .id = 2,
-              .width = 6252,
-              .height = 4176,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 0,
-              .mosaic = POA_BAYER_MONO,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {POA_RAW8, POA_RAW16, POA_END},
-              .gainMin = 0,
-              .gainMax = 500,
-              .exposureMinUs = 10,
-              .exposureMaxUs = 2e9,
-              .offsetMin = 0,
-              .offsetMax = 400,
-              .hasTemperature = 1,
-              .isBusy = 0},
-};
+constexpr Formats colorFormats{POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END};
+constexpr Formats monoFormats{POA_RAW8, POA_RAW16, POA_END};
 
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+constexpr std::array defaultCameras{
+    defaultCamera({.name = "Mars-C", .id = 0},
+                  {.width = 1944, .height = 1096, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 4},
+                  {.isColor = true, .bayerPattern = POA_BAYER_RG},
+                  {.gain = {0, 600}, .exposureUs = {10, 2e9}, .offset = {0, 250}}, colorFormats),
+    defaultCamera({.name = "Neptune-C II", .id = 1},
+                  {.width = 2712, .height = 1538, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 4},
+                  {.isColor = true, .bayerPattern = POA_BAYER_RG},
+                  {.gain = {0, 600}, .exposureUs = {10, 2e9}, .offset = {0, 250}}, colorFormats),
+    defaultCamera({.name = "Poseidon-M Pro", .id = 2},
+                  {.width = 6252, .height = 4176, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
+                  {.bayerPattern = POA_BAYER_MONO, .isCooled = true},
+                  {.gain = {0, 500}, .exposureUs = {10, 2e9}, .offset = {0, 400}}, monoFormats)};
+
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {POA_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model),
        Access::ByHandOrAuto, "Exposure", "Exposure time (us)"},
       {POA_GAIN, model.gainMin, model.gainMax, usualGain(model), Access::ByHandOrAuto, "Gain",
@@ -149,39 +97,32 @@ std::vector<Control> controlsOf(const SimCamera& model) {
       {POA_FRAME_LIMIT, 0, 2000, 0, Access::ByHand, "FrameLimit",
        "Most frames per second, 0 for no limit"},
       {POA_USB_BANDWIDTH_LIMIT, 35, 100, 90, Access::ByHand, "USBBandWidthLimit",
-       "Part of the USB bandwidth (percent)"}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({POA_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax), Access::ByHand, "Offset", "Offset"});
-  }
-  if (model.hasTemperature != 0) {
-    add({POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature", "Sensor temperature (C)"});
-  }
-  if (model.isCooled != 0) {
-    add({POA_COOLER_POWER, 0, 100, 0, Access::ReadOnly, "CoolerPower", "Cooler power (percent)"});
-    add({POA_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp", "Target temperature (C)"});
-    add({POA_COOLER, 0, 1, 0, Access::ByHand, "Cooler", "Cooler on or off"});
-  }
-  if (model.isColor != 0) {
-    add({POA_WB_R, -1200, 1200, 0, Access::ByHandOrAuto, "WB_R", "White balance, red"});
-    add({POA_WB_G, -1200, 1200, 0, Access::ByHandOrAuto, "WB_G", "White balance, green"});
-    add({POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"});
-  }
-  return controls;
+       "Part of the USB bandwidth (percent)"},
+      onlyIf(hasOffset(model), {POA_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model),
+                                Access::ByHand, "Offset", "Offset"}),
+      onlyIf(model.hasTemperature, {POA_TEMPERATURE, -50, 100, 20, Access::ReadOnly, "Temperature",
+                                    "Sensor temperature (C)"}),
+      onlyIf(model.isCooled, {POA_COOLER_POWER, 0, 100, 0, Access::ReadOnly, "CoolerPower",
+                              "Cooler power (percent)"}),
+      onlyIf(model.isCooled,
+             {POA_TARGET_TEMP, -40, 30, 0, Access::ByHand, "TargetTemp", "Target temperature (C)"}),
+      onlyIf(model.isCooled, {POA_COOLER, 0, 1, 0, Access::ByHand, "Cooler", "Cooler on or off"}),
+      onlyIf(model.isColor,
+             {POA_WB_R, -1200, 1200, 0, Access::ByHandOrAuto, "WB_R", "White balance, red"}),
+      onlyIf(model.isColor,
+             {POA_WB_G, -1200, 1200, 0, Access::ByHandOrAuto, "WB_G", "White balance, green"}),
+      onlyIf(model.isColor,
+             {POA_WB_B, -1200, 1200, 0, Access::ByHandOrAuto, "WB_B", "White balance, blue"})};
 }
 
+// The values of all other settings are integers.
+constexpr std::pair<std::int32_t, int> valueTypes[] = {{POA_TEMPERATURE, VAL_FLOAT},
+                                                       {POA_EGAIN, VAL_FLOAT},
+                                                       {POA_HARDWARE_BIN, VAL_BOOL},
+                                                       {POA_COOLER, VAL_BOOL}};
+
 int valueTypeOf(int configId) {
-  switch (configId) {
-    case POA_TEMPERATURE:
-    case POA_EGAIN:
-      return VAL_FLOAT;
-    case POA_HARDWARE_BIN:
-    case POA_COOLER:
-      return VAL_BOOL;
-    default:
-      return VAL_INT;
-  }
+  return lookUp(valueTypes, configId, VAL_INT);
 }
 
 // Reads the union's member that a setting uses.
@@ -211,34 +152,19 @@ void setNumber(Call& call, const char* name, POAConfigValue& value, int configId
   }
 }
 
-Layout layoutOf(int format) {
-  switch (format) {
-    case POA_RAW16:
-      return Layout::Raw16;
-    case POA_RGB24:
-      return Layout::Bgr24;
-    case POA_MONO8:
-      return Layout::Luma8;
-    default:
-      return Layout::Raw8;
-  }
-}
+constexpr std::pair<std::int32_t, Layout> layouts[] = {
+    {POA_RAW16, Layout::Raw16}, {POA_RGB24, Layout::Bgr24}, {POA_MONO8, Layout::Luma8}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOfBayerNumber(model.mosaic) : Mosaic::None;
-  settings.layout = layoutOf(device.format);
-  settings.exposureUs = device.value(POA_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(POA_GAIN, 0));
-  settings.pedestal = device.value(POA_OFFSET, 0) / 4096;
+  FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.bayerPattern),
+                                          {POA_EXPOSURE, POA_GAIN, POA_OFFSET});
+  settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
   return settings;
 }
 
 // The present value of a setting. For some settings it is a measurement.
 double reading(const Camera& camera, const Control& control) {
-  const std::int64_t now = stage().clock.now();
+  const std::int64_t now = sdk().clock.now();
   switch (control.id) {
     case POA_TEMPERATURE:
       return camera.device.cooler.temperature(now);
@@ -257,56 +183,34 @@ int roundedHeight(int height) {
   return std::max(height & ~1, 2);
 }
 
-void showWholeSensor(Camera& camera, int bin) {
-  camera.device.bin = bin;
-  camera.device.region = {0, 0, binnedWidth(camera.model, bin) & ~3,
-                          binnedHeight(camera.model, bin) & ~1};
-}
-
 bool isExposing(const Camera& camera) {
   return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
 }
 
-// Runs a call that needs an open camera.
-template <class Body>
-int onOpenCamera(Call& call, int cameraId, const Body& body) {
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr || !camera->device.isOpen) {
-      stage().countCallOnClosed();
-      return camera == nullptr ? POA_ERROR_INVALID_ID : POA_ERROR_NOT_OPENED;
-    }
-    return camera->isReachable() ? body(*camera) : POA_ERROR_DEVICE_NOT_FOUND;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-int onReadyCamera(Call& call, int cameraId, const Body& body) {
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
-    return camera.device.isInitialised ? body(camera) : POA_ERROR_OPERATION_FAILED;
-  });
-}
-
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "PlayerOneCamera", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
+                                      .cameras = defaultCameras,
+                                      .queue = {2, WhenFull::DropOldest},
+                                      .widthStep = 4,
+                                      .heightStep = 2,
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = POA_ERROR_INVALID_ID,
+                                                   .closed = POA_ERROR_NOT_OPENED,
+                                                   .unplugged = POA_ERROR_DEVICE_NOT_FOUND,
+                                                   .refused = POA_ERROR_OPERATION_FAILED}};
 
 extern "C" {
 
 int POAGetCameraCount() {
-  Call call("POAGetCameraCount");
-  return call.run([&]() -> int {
-    stage().enumerate();
-    return static_cast<int>(stage().enumerated());
-  });
+  return Call(__func__).run([] { return static_cast<int>(sdk().enumerate()); });
 }
 
 int POAGetCameraProperties(int index, POACameraProperties* properties) {
-  Call call("POAGetCameraProperties", index);
+  Call call(__func__, index);
   return call.run([&]() -> int {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr) {
       return POA_ERROR_INVALID_INDEX;
     }
@@ -327,7 +231,7 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
     call.set("isHasST4Port", properties->isHasST4Port, POA_TRUE);
     call.set("isHasCooler", properties->isHasCooler, model.isCooled);
     call.set("isUSB3Speed", properties->isUSB3Speed, model.isUsb3Host);
-    call.set("bayerPattern", properties->bayerPattern, model.mosaic);
+    call.set("bayerPattern", properties->bayerPattern, model.bayerPattern);
     call.set("pixelSize", properties->pixelSize, model.pixelSizeUm);
     std::copy_n(model.bins, std::size(properties->bins), properties->bins);
     std::copy_n(model.formats, std::size(properties->imgFormats), properties->imgFormats);
@@ -338,50 +242,23 @@ int POAGetCameraProperties(int index, POACameraProperties* properties) {
 }
 
 int POAOpenCamera(int cameraId) {
-  Call call("POAOpenCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return POA_ERROR_INVALID_ID;
-    }
-    if (!camera->isReachable()) {
-      return POA_ERROR_DEVICE_NOT_FOUND;
-    }
-    if (camera->model.isBusy != 0) {
-      return POA_ERROR_OPERATION_FAILED;
-    }
-    if (!camera->device.isOpen) {
-      stage().open(*camera, controlsOf(camera->model));
-      camera->device.format = POA_RAW8;
-      showWholeSensor(*camera, 1);
-    }
-    return POA_OK;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().openById(cameraId); });
 }
 
 int POAInitCamera(int cameraId) {
-  Call call("POAInitCamera", cameraId);
-  return onOpenCamera(call, cameraId, [](Camera& camera) -> int {
+  return Call(__func__, cameraId).onOpen(cameraId, [](Camera& camera) -> int {
     camera.device.isInitialised = true;
     return POA_OK;
   });
 }
 
 int POACloseCamera(int cameraId) {
-  Call call("POACloseCamera", cameraId);
-  return call.run([&]() -> int {
-    Camera* camera = stage().enumeratedById(cameraId);
-    if (camera == nullptr) {
-      return POA_ERROR_INVALID_ID;
-    }
-    stage().close(*camera);
-    return POA_OK;
-  });
+  return Call(__func__, cameraId).run([&] { return sdk().closeById(cameraId); });
 }
 
 int POAGetConfigAttributesByConfigID(int cameraId, int configId, POAConfigAttributes* attributes) {
-  Call call("POAGetConfigAttributesByConfigID", cameraId, configId);
-  return onOpenCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId);
+  return call.onOpen(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(configId);
     if (attributes == nullptr) {
       return POA_ERROR_POINTER;
@@ -408,8 +285,8 @@ int POAGetConfigAttributesByConfigID(int cameraId, int configId, POAConfigAttrib
 
 int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
   const double number = numberIn(value, configId);
-  Call call("POASetConfig", cameraId, configId, number, isAuto);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId, number, isAuto);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Control* control = device.find(configId);
     if (control == nullptr) {
@@ -424,17 +301,17 @@ int POASetConfig(int cameraId, int configId, POAConfigValue value, int isAuto) {
     control->value = number;
     control->isAuto = control->hasAuto() && isAuto != POA_FALSE;
     if (configId == POA_COOLER || configId == POA_TARGET_TEMP) {
-      device.cooler.set(stage().clock.now(), device.value(POA_COOLER, 0) != 0,
-                        device.value(POA_TARGET_TEMP, 0));
+      device.cooler.set(sdk().clock.now(), device.value(POA_COOLER) != 0,
+                        device.value(POA_TARGET_TEMP));
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return POA_OK;
   });
 }
 
 int POAGetConfig(int cameraId, int configId, POAConfigValue* value, int* isAuto) {
-  Call call("POAGetConfig", cameraId, configId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, configId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     const Control* control = camera.device.find(configId);
     if (value == nullptr || isAuto == nullptr) {
       return POA_ERROR_POINTER;
@@ -450,8 +327,7 @@ int POAGetConfig(int cameraId, int configId, POAConfigValue* value, int* isAuto)
 }
 
 int POASetImageStartPos(int cameraId, int x, int y) {
-  Call call("POASetImageStartPos", cameraId, x, y);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, x, y).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     Region& region = device.region;
     if (x < 0 || y < 0) {
@@ -463,14 +339,13 @@ int POASetImageStartPos(int cameraId, int x, int y) {
     }
     region.x = x & ~3;
     region.y = y & ~1;
-    stage().changed(camera);
+    sdk().changed(camera);
     return POA_OK;
   });
 }
 
 int POASetImageSize(int cameraId, int width, int height) {
-  Call call("POASetImageSize", cameraId, width, height);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, width, height).onReady(cameraId, [&](Camera& camera) -> int {
     Device& device = camera.device;
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
@@ -490,8 +365,8 @@ int POASetImageSize(int cameraId, int width, int height) {
 }
 
 int POAGetImageSize(int cameraId, int* width, int* height) {
-  Call call("POAGetImageSize", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (width == nullptr || height == nullptr) {
       return POA_ERROR_POINTER;
     }
@@ -502,22 +377,20 @@ int POAGetImageSize(int cameraId, int* width, int* height) {
 }
 
 int POASetImageBin(int cameraId, int bin) {
-  Call call("POASetImageBin", cameraId, bin);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, bin).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
     if (!hasBin(camera.model, bin)) {
       return POA_ERROR_INVALID_ARGU;
     }
-    showWholeSensor(camera, bin);
+    Sdk::showWholeSensor(camera, bin);
     return POA_OK;
   });
 }
 
 int POASetImageFormat(int cameraId, int format) {
-  Call call("POASetImageFormat", cameraId, format);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, format).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
@@ -530,38 +403,36 @@ int POASetImageFormat(int cameraId, int format) {
 }
 
 int POAStartExposure(int cameraId, int isSingleFrame) {
-  Call call("POAStartExposure", cameraId, isSingleFrame);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  return Call(__func__, cameraId, isSingleFrame).onReady(cameraId, [&](Camera& camera) -> int {
     if (isExposing(camera)) {
       return POA_ERROR_EXPOSING;
     }
-    stage().startStream(camera, isSingleFrame != POA_FALSE);
+    sdk().startStream(camera, isSingleFrame != POA_FALSE);
     return POA_OK;
   });
 }
 
 int POAStopExposure(int cameraId) {
-  Call call("POAStopExposure", cameraId);
-  return onReadyCamera(call, cameraId, [](Camera& camera) -> int {
-    stage().stopStream(camera);
+  return Call(__func__, cameraId).onReady(cameraId, [](Camera& camera) -> int {
+    sdk().stopStream(camera);
     return POA_OK;
   });
 }
 
 int POAImageReady(int cameraId, int* isReady) {
-  Call call("POAImageReady", cameraId);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (isReady == nullptr) {
       return POA_ERROR_POINTER;
     }
-    call.out("isReady", isReady, stage().waitingFrame(camera) != nullptr ? POA_TRUE : POA_FALSE);
+    call.out("isReady", isReady, sdk().waitingFrame(camera) != nullptr ? POA_TRUE : POA_FALSE);
     return POA_OK;
   });
 }
 
 int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int waitMs) {
-  Call call("POAGetImageData", cameraId, Buffer{buffer}, bufferSize, waitMs);
-  return onReadyCamera(call, cameraId, [&](Camera& camera) -> int {
+  Call call(__func__, cameraId, Buffer{buffer}, bufferSize, waitMs);
+  return call.onReady(cameraId, [&](Camera& camera) -> int {
     if (buffer == nullptr) {
       return POA_ERROR_POINTER;
     }
@@ -572,13 +443,13 @@ int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       return POA_ERROR_OPERATION_FAILED;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      stage().countShortBuffer();
+      sdk().countShortBuffer();
       return POA_ERROR_SIZE_LESS;
     }
-    if (!stage().waitForFrame(camera, waitMs)) {
+    if (!sdk().waitForFrame(camera, waitMs)) {
       return POA_ERROR_TIMEOUT;
     }
-    stage().takeFrame(camera, buffer);
+    sdk().takeFrame(camera, buffer);
     return POA_OK;
   });
 }

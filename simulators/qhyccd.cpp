@@ -7,12 +7,10 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <limits>
-#include <vector>
+#include <utility>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 
@@ -51,146 +49,50 @@ constexpr int liveMode = 1;
 // the usual one.
 constexpr std::size_t textBufferSize = 256;
 
-constexpr std::array believableCameras{
-    SimCamera{.name = "QHY5III462C",
-              .key = "QHY5III462C-5f2a7c0e91d3b846",
-              .id = 0,
-              .width = 1920,
-              .height = 1080,
-              .pixelSizeUm = 2.9,
-              .bitDepth = 12,
-              .isColor = 1,
-              .mosaic = BAYER_RG,
-              .isCooled = 0,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 0,
-              .gainMax = 510,
-              .exposureMinUs = 7,
-              .exposureMaxUs = 9e8,
-              .offsetMin = 0,
-              .offsetMax = 255,
-              .hasTemperature = 0,
-              .isBusy = 0},
-    SimCamera{.name = "QHY268M",
-              .key = "QHY268M-3c91e7d05ab2486f",
-              .id = 0,
-              .width = 6280,
-              .height = 4210,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 0,
-              .mosaic = BAYER_NONE,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {-1},
-              .gainMin = 0,
-              .gainMax = 200,
-              .exposureMinUs = 30,
-              .exposureMaxUs = 3.6e9,
-              .offsetMin = 0,
-              .offsetMax = 255,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "QHY600M",
-              .key = "QHY600M-a04d6f183e92c75b",
-              .id = 0,
-              .width = 9600,
-              .height = 6422,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 0,
-              .mosaic = BAYER_NONE,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2, 3, 4},
-              .formats = {-1},
-              .gainMin = 0,
-              .gainMax = 200,
-              .exposureMinUs = 40,
-              .exposureMaxUs = 3.6e9,
-              .offsetMin = 0,
-              .offsetMax = 255,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "QHY5LII-M",
-              .key = "QHY5LII-M-6b8ce1f24970d35a",
-              .id = 0,
-              .width = 1280,
-              .height = 960,
-              .pixelSizeUm = 3.75,
-              .bitDepth = 12,
-              .isColor = 0,
-              .mosaic = BAYER_NONE,
-              .isCooled = 0,
-              .isUsb3Camera = 0,
-              .isUsb3Host = 0,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 0,
-              .gainMax = 100,
-              .exposureMinUs = 20,
-              .exposureMaxUs = 6e8,
-              .offsetMin = 0,
-              .offsetMax = 255,
-              .hasTemperature = 0,
-              .isBusy = 0},
-};
+constexpr std::array defaultCameras{
+    defaultCamera({.name = "QHY5III462C", .key = "QHY5III462C-5f2a7c0e91d3b846"},
+                  {.width = 1920, .height = 1080, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 2},
+                  {.isColor = true, .bayerPattern = BAYER_RG, .hasTemperature = false},
+                  {.gain = {0, 510}, .exposureUs = {7, 9e8}, .offset = {0, 255}}),
+    defaultCamera({.name = "QHY268M", .key = "QHY268M-3c91e7d05ab2486f"},
+                  {.width = 6280, .height = 4210, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
+                  {.bayerPattern = BAYER_NONE, .isCooled = true},
+                  {.gain = {0, 200}, .exposureUs = {30, 3.6e9}, .offset = {0, 255}}),
+    defaultCamera({.name = "QHY600M", .key = "QHY600M-a04d6f183e92c75b"},
+                  {.width = 9600, .height = 6422, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
+                  {.bayerPattern = BAYER_NONE, .isCooled = true},
+                  {.gain = {0, 200}, .exposureUs = {40, 3.6e9}, .offset = {0, 255}}),
+    defaultCamera({.name = "QHY5LII-M", .key = "QHY5LII-M-6b8ce1f24970d35a"},
+                  {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
+                  {.bayerPattern = BAYER_NONE, .isUsb3 = false, .hasTemperature = false},
+                  {.gain = {0, 100}, .exposureUs = {20, 6e8}, .offset = {0, 255}})};
 
-std::vector<Control> controlsOf(const SimCamera& model) {
-  std::vector<Control> controls{
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
+  camera.device.controls = {
       {CONTROL_GAIN, model.gainMin, model.gainMax, usualGain(model)},
       {CONTROL_EXPOSURE, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
       {CONTROL_SPEED, 0, 2, 0},
       // Set by SetQHYCCDBitsMode only.
       {CONTROL_TRANSFERBIT, 8, model.bitDepth > 8 ? 16.0 : 8.0, 8, Access::ReadOnly},
-      {CONTROL_USBTRAFFIC, 0, 60, 10}};
-  const auto add = [&controls](const Control& control) { controls.push_back(control); };
-  if (hasOffset(model)) {
-    add({CONTROL_OFFSET, model.offsetMin, model.offsetMax,
-         clamped(10, model.offsetMin, model.offsetMax)});
-  }
-  if (model.hasTemperature != 0) {
-    add({CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly});
-  }
-  if (model.isCooled != 0) {
-    add({CONTROL_CURPWM, 0, 255, 0, Access::ReadOnly});
-    add({CONTROL_MANULPWM, 0, 255, 0});
-    add({CONTROL_COOLER, -50, 50, 0});
-  }
-  return controls;
+      {CONTROL_USBTRAFFIC, 0, 60, 10},
+      onlyIf(hasOffset(model),
+             {CONTROL_OFFSET, model.offsetMin, model.offsetMax, usualOffset(model)}),
+      onlyIf(model.hasTemperature, {CONTROL_CURTEMP, -50, 100, 20, Access::ReadOnly}),
+      onlyIf(model.isCooled, {CONTROL_CURPWM, 0, 255, 0, Access::ReadOnly}),
+      onlyIf(model.isCooled, {CONTROL_MANULPWM, 0, 255, 0}),
+      onlyIf(model.isCooled, {CONTROL_COOLER, -50, 50, 0})};
 }
 
-Mosaic mosaicOf(const SimCamera& model) {
-  if (model.isColor == 0) {
-    return Mosaic::None;
-  }
-  switch (model.mosaic) {
-    case BAYER_GB:
-      return Mosaic::Gbrg;
-    case BAYER_GR:
-      return Mosaic::Grbg;
-    case BAYER_BG:
-      return Mosaic::Bggr;
-    default:
-      return Mosaic::Rggb;
-  }
-}
+constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
+    {BAYER_GB, BayerPattern::Gbrg}, {BAYER_GR, BayerPattern::Grbg}, {BAYER_BG, BayerPattern::Bggr}};
 
 FrameSettings frameSettings(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = mosaicOf(model);
-  settings.layout = device.value(CONTROL_TRANSFERBIT, 8) > 8 ? Layout::Raw16 : Layout::Raw8;
-  settings.exposureUs = device.value(CONTROL_EXPOSURE, 0);
-  settings.gain = gainInDecibelSteps(model, device.value(CONTROL_GAIN, 0));
-  settings.pedestal = device.value(CONTROL_OFFSET, 0) / 4096;
+  FrameSettings settings =
+      commonSettings(camera, lookUp(bayerPatterns, camera.model.bayerPattern, BayerPattern::Rggb),
+                     {CONTROL_EXPOSURE, CONTROL_GAIN, CONTROL_OFFSET});
+  const bool isWide = camera.device.value(CONTROL_TRANSFERBIT) > 8;
+  settings.layout = isWide ? Layout::Raw16 : Layout::Raw8;
   return settings;
 }
 
@@ -199,11 +101,6 @@ FrameSettings frameSettings(const Camera& camera) {
 std::uint32_t memoryLength(const SimCamera& model) {
   const double bytes = model.isColor != 0 ? 3 : 2;
   return wholeNumber<std::uint32_t>(bytes * binnedWidth(model, 1) * binnedHeight(model, 1));
-}
-
-void showWholeSensor(Camera& camera, std::int32_t bin) {
-  camera.device.bin = bin;
-  camera.device.region = {0, 0, binnedWidth(camera.model, bin), binnedHeight(camera.model, bin)};
 }
 
 // Writes text and its NUL into a buffer of unknown length. The longest possible text fills the
@@ -226,65 +123,34 @@ std::string_view textIn(const char* buffer) {
                       : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
 }
 
-// Runs a call that needs an open camera. The body returns the call's result.
-template <class Result, class Body>
-Result onOpenCamera(Call& call, void* handle, Result failure, const Body& body) {
-  return call.run([&]() -> Result {
-    Camera* camera = stage().cameraOf(handle);
-    if (camera == nullptr) {
-      stage().countCallOnClosed();
-      return failure;
-    }
-    return camera->isReachable() ? body(*camera) : failure;
-  });
-}
-
-// Runs a call that needs an open and initialised camera.
-template <class Body>
-std::uint32_t onReadyCamera(Call& call, void* handle, const Body& body) {
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
-    return camera.device.isInitialised ? body(camera) : QHYCCD_ERROR;
-  });
-}
-
-// Runs a call that also needs the live stream to be stopped.
-template <class Body>
-std::uint32_t onIdleCamera(Call& call, void* handle, const Body& body) {
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    return camera.device.stream.isRunning() ? QHYCCD_ERROR : body(camera);
-  });
-}
-
 }  // namespace
 
 constinit const sim::Maker sim::maker{
-    "qhyccd", believableCameras, {2, WhenFull::DropOldest}, frameSettings};
+    .sdkName = "qhyccd",
+    .cameras = defaultCameras,
+    .queue = {2, WhenFull::DropOldest},
+    .setUp = setUp,
+    .frameSettings = frameSettings,
+    .failures = {QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR}};
 
 extern "C" {
 
 std::uint32_t InitQHYCCDResource() {
-  Call call("InitQHYCCDResource");
-  return call.run([&]() -> std::uint32_t {
-    stage().isSdkInitialised = true;
+  return Call(__func__).run([&]() -> std::uint32_t {
+    sdk().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
 }
 
 std::uint32_t ScanQHYCCD() {
-  Call call("ScanQHYCCD");
-  return call.run([&]() -> std::uint32_t {
-    if (!stage().isSdkInitialised) {
-      return 0;
-    }
-    stage().enumerate();
-    return static_cast<std::uint32_t>(stage().enumerated());
-  });
+  return Call(__func__).run(
+      [] { return sdk().isSdkInitialised ? static_cast<std::uint32_t>(sdk().enumerate()) : 0; });
 }
 
 std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
-  Call call("GetQHYCCDId", index);
+  Call call(__func__, index);
   return call.run([&]() -> std::uint32_t {
-    const Camera* camera = stage().enumerated(index);
+    const Camera* camera = sdk().enumerated(index);
     if (camera == nullptr || !camera->isPlugged || id == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -295,9 +161,9 @@ std::uint32_t GetQHYCCDId(std::uint32_t index, char* id) {
 }
 
 std::uint32_t GetQHYCCDModel(char* id, char* model) {
-  Call call("GetQHYCCDModel", Quoted{textIn(id)});
+  Call call(__func__, Quoted{textIn(id)});
   return call.run([&]() -> std::uint32_t {
-    const Camera* camera = stage().enumeratedByKey(textIn(id));
+    const Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || model == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -308,34 +174,24 @@ std::uint32_t GetQHYCCDModel(char* id, char* model) {
 }
 
 void* OpenQHYCCD(char* id) {
-  Call call("OpenQHYCCD", Quoted{textIn(id)});
-  return call.run([&]() -> void* {
-    Camera* camera = stage().enumeratedByKey(textIn(id));
+  return Call(__func__, Quoted{textIn(id)}).run([&]() -> void* {
+    Camera* camera = sdk().enumeratedByKey(textIn(id));
     if (camera == nullptr || !camera->isPlugged || camera->model.isBusy != 0 ||
         camera->device.isOpen) {
       return nullptr;
     }
-    stage().open(*camera, controlsOf(camera->model));
-    return stage().makeHandle(*camera);
+    return sdk().openHandle(*camera);
   });
 }
 
 std::uint32_t CloseQHYCCD(void* handle) {
-  Call call("CloseQHYCCD", Handle{handle});
-  return call.run([&]() -> std::uint32_t {
-    Camera* camera = stage().cameraOf(handle);
-    if (camera == nullptr) {
-      return QHYCCD_ERROR;
-    }
-    stage().close(*camera);
-    stage().endHandle(handle);
-    return QHYCCD_SUCCESS;
+  return Call(__func__, handle).run([&]() -> std::uint32_t {
+    return sdk().closeHandle(handle) ? QHYCCD_SUCCESS : QHYCCD_ERROR;
   });
 }
 
 std::uint32_t SetQHYCCDStreamMode(void* handle, std::uint8_t mode) {
-  Call call("SetQHYCCDStreamMode", Handle{handle}, mode);
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [&](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle, mode).onOpen(handle, [&](Camera& camera) -> std::uint32_t {
     if (camera.device.isInitialised || mode > liveMode) {
       return QHYCCD_ERROR;
     }
@@ -345,15 +201,14 @@ std::uint32_t SetQHYCCDStreamMode(void* handle, std::uint8_t mode) {
 }
 
 std::uint32_t InitQHYCCD(void* handle) {
-  Call call("InitQHYCCD", Handle{handle});
-  return onOpenCamera(call, handle, QHYCCD_ERROR, [](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> std::uint32_t {
     if (camera.device.stream.isRunning()) {
       return QHYCCD_ERROR;
     }
     for (Control& control : camera.device.controls) {
       control.value = control.initial;
     }
-    showWholeSensor(camera, 1);
+    Sdk::showWholeSensor(camera, 1);
     camera.device.isInitialised = true;
     return QHYCCD_SUCCESS;
   });
@@ -363,8 +218,8 @@ std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipH
                                 std::uint32_t* imageWidth, std::uint32_t* imageHeight,
                                 double* pixelWidthUm, double* pixelHeightUm,
                                 std::uint32_t* bitsPerPixel) {
-  Call call("GetQHYCCDChipInfo", Handle{handle});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const SimCamera& model = camera.model;
     call.out("chipWidthMm", chipWidthMm, model.width * model.pixelSizeUm / 1000);
     call.out("chipHeightMm", chipHeightMm, model.height * model.pixelSizeUm / 1000);
@@ -378,11 +233,10 @@ std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipH
 }
 
 std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
-  Call call("IsQHYCCDControlAvailable", Handle{handle}, controlId);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle, controlId).onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const SimCamera& model = camera.model;
     if (controlId == CAM_COLOR) {
-      return model.isColor != 0 ? static_cast<std::uint32_t>(model.mosaic) : QHYCCD_ERROR;
+      return model.isColor != 0 ? static_cast<std::uint32_t>(model.bayerPattern) : QHYCCD_ERROR;
     }
     const auto isAvailable = [&] {
       switch (controlId) {
@@ -409,8 +263,8 @@ std::uint32_t IsQHYCCDControlAvailable(void* handle, int controlId) {
 
 std::uint32_t GetQHYCCDParamMinMaxStep(void* handle, int controlId, double* minimum,
                                        double* maximum, double* step) {
-  Call call("GetQHYCCDParamMinMaxStep", Handle{handle}, controlId);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, controlId);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const Control* control = camera.device.find(controlId);
     if (control == nullptr) {
       return QHYCCD_ERROR;
@@ -423,34 +277,32 @@ std::uint32_t GetQHYCCDParamMinMaxStep(void* handle, int controlId, double* mini
 }
 
 std::uint32_t SetQHYCCDParam(void* handle, int controlId, double value) {
-  Call call("SetQHYCCDParam", Handle{handle}, controlId, value);
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, controlId, value);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     Control* control = camera.device.find(controlId);
     if (control == nullptr || !control->isWritable() ||
         !(value >= control->minimum && value <= control->maximum)) {
       return QHYCCD_ERROR;
     }
     control->value = value;
-    const std::int64_t now = stage().clock.now();
+    const std::int64_t now = sdk().clock.now();
     if (controlId == CONTROL_COOLER) {
       camera.device.cooler.set(now, true, value);
     } else if (controlId == CONTROL_MANULPWM) {
       camera.device.cooler.set(now, value > 0, -value / 8);
     }
-    stage().changed(camera);
+    sdk().changed(camera);
     return QHYCCD_SUCCESS;
   });
 }
 
 double GetQHYCCDParam(void* handle, int controlId) {
-  Call call("GetQHYCCDParam", Handle{handle}, controlId);
-  const double failure = QHYCCD_ERROR;
-  return onOpenCamera(call, handle, failure, [&](Camera& camera) -> double {
+  return Call(__func__, handle, controlId).onReady(handle, [&](Camera& camera) -> double {
     const Control* control = camera.device.find(controlId);
-    if (control == nullptr || !camera.device.isInitialised) {
-      return failure;
+    if (control == nullptr) {
+      return QHYCCD_ERROR;
     }
-    const std::int64_t now = stage().clock.now();
+    const std::int64_t now = sdk().clock.now();
     switch (controlId) {
       case CONTROL_CURTEMP:
         return camera.device.cooler.temperature(now);
@@ -463,21 +315,21 @@ double GetQHYCCDParam(void* handle, int controlId) {
 }
 
 std::uint32_t SetQHYCCDBinMode(void* handle, std::uint32_t horizontal, std::uint32_t vertical) {
-  Call call("SetQHYCCDBinMode", Handle{handle}, horizontal, vertical);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, horizontal, vertical);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const auto bin = static_cast<std::int32_t>(horizontal);
-    if (horizontal != vertical || !hasBin(camera.model, bin)) {
+    if (camera.device.stream.isRunning() || horizontal != vertical || !hasBin(camera.model, bin)) {
       return QHYCCD_ERROR;
     }
-    showWholeSensor(camera, bin);
+    Sdk::showWholeSensor(camera, bin);
     return QHYCCD_SUCCESS;
   });
 }
 
 std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
-  Call call("SetQHYCCDBitsMode", Handle{handle}, bits);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    if (bits != 8 && (bits != 16 || camera.model.bitDepth <= 8)) {
+  return Call(__func__, handle, bits).onReady(handle, [&](Camera& camera) -> std::uint32_t {
+    const bool isSupported = bits == 8 || (bits == 16 && camera.model.bitDepth > 8);
+    if (camera.device.stream.isRunning() || !isSupported) {
       return QHYCCD_ERROR;
     }
     camera.device.find(CONTROL_TRANSFERBIT)->value = bits;
@@ -487,13 +339,13 @@ std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
 
 std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y,
                                   std::uint32_t width, std::uint32_t height) {
-  Call call("SetQHYCCDResolution", Handle{handle}, x, y, width, height);
-  return onIdleCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
+  Call call(__func__, handle, x, y, width, height);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const auto isInside = [](std::uint32_t start, std::uint32_t length, std::int32_t limit) {
       return length > 0 && std::int64_t{start} + length <= limit;
     };
     Device& device = camera.device;
-    if (!isInside(x, width, binnedWidth(camera.model, device.bin)) ||
+    if (device.stream.isRunning() || !isInside(x, width, binnedWidth(camera.model, device.bin)) ||
         !isInside(y, height, binnedHeight(camera.model, device.bin))) {
       return QHYCCD_ERROR;
     }
@@ -504,30 +356,28 @@ std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y
 }
 
 std::uint32_t GetQHYCCDMemLength(void* handle) {
-  Call call("GetQHYCCDMemLength", Handle{handle});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    call.set("result", camera.device.toldLength, memoryLength(camera.model));
-    return camera.device.toldLength;
+  Call call(__func__, handle);
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
+    call.set("result", camera.device.reportedLength, memoryLength(camera.model));
+    return camera.device.reportedLength;
   });
 }
 
 std::uint32_t BeginQHYCCDLive(void* handle) {
-  Call call("BeginQHYCCDLive", Handle{handle});
-  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
+  return Call(__func__, handle).onReady(handle, [](Camera& camera) -> std::uint32_t {
     if (camera.device.streamMode != liveMode) {
       return QHYCCD_ERROR;
     }
     if (!camera.device.stream.isRunning()) {
-      stage().startStream(camera, false);
+      sdk().startStream(camera, false);
     }
     return QHYCCD_SUCCESS;
   });
 }
 
 std::uint32_t StopQHYCCDLive(void* handle) {
-  Call call("StopQHYCCDLive", Handle{handle});
-  return onReadyCamera(call, handle, [](Camera& camera) -> std::uint32_t {
-    stage().stopStream(camera);
+  return Call(__func__, handle).onReady(handle, [](Camera& camera) -> std::uint32_t {
+    sdk().stopStream(camera);
     return QHYCCD_SUCCESS;
   });
 }
@@ -535,9 +385,9 @@ std::uint32_t StopQHYCCDLive(void* handle) {
 std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32_t* height,
                                  std::uint32_t* bitsPerPixel, std::uint32_t* channels,
                                  std::uint8_t* data) {
-  Call call("GetQHYCCDLiveFrame", Handle{handle}, Buffer{data});
-  return onReadyCamera(call, handle, [&](Camera& camera) -> std::uint32_t {
-    const FrameSettings* frame = stage().waitingFrame(camera);
+  Call call(__func__, handle, Buffer{data});
+  return call.onReady(handle, [&](Camera& camera) -> std::uint32_t {
+    const FrameSettings* frame = sdk().waitingFrame(camera);
     if (frame == nullptr || data == nullptr) {
       return QHYCCD_ERROR;
     }
@@ -545,10 +395,10 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
     call.out("height", height, static_cast<std::uint32_t>(frame->region.height));
     call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
     call.out("channels", channels, 1);
-    if (camera.device.toldLength != 0 && frameBytes(*frame) > camera.device.toldLength) {
-      stage().countWritePastBuffer();
+    if (camera.device.reportedLength != 0 && frameBytes(*frame) > camera.device.reportedLength) {
+      sdk().countWritePastBuffer();
     }
-    stage().takeFrame(camera, data);
+    sdk().takeFrame(camera, data);
     return QHYCCD_SUCCESS;
   });
 }

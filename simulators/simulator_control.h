@@ -49,9 +49,9 @@ typedef struct SimCamera {
   double pixelSizeUm;
   int32_t bitDepth; /* of the converter, 8 to 16 */
   int32_t isColor;
-  int32_t mosaic; /* the maker's own code for the Bayer pattern (ToupTek: the four-character
-                   * code of frames with the default of the upside-down option); a colour
-                   * camera with an unknown code delivers RGGB */
+  /* The maker's own code. ToupTek: the four-character code of frames with the default of the
+   * upside-down option. A colour camera with an unknown code delivers RGGB. */
+  int32_t bayerPattern;
   int32_t isCooled;
   int32_t isUsb3Camera;
   int32_t isUsb3Host;
@@ -144,8 +144,8 @@ ORVANE_SIMULATOR_API void sim_set_seed(uint64_t seed);
  * and offset 0, raw frames of a camera with the recording's Bayer pattern and bit depth hold the
  * recording's bytes (also if the recording states 16 bits and the camera's samples are at the top
  * of 16 bits). Other settings scale the samples as they would scale light. No noise is added: the
- * recording has its own. A recording that is smaller than the sensor fills its top left corner, and
- * the rest is dark. Of a larger one the sensor sees the middle.
+ * recording has its own. A recording that is smaller than the sensor fills its top left corner,
+ * where the library's regions begin, and the rest is dark. A larger one is cropped to its middle.
  *
  * The header is checked against the file's size: an interrupted recording plays the frames that it
  * contains. */
@@ -187,23 +187,10 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 /* Fills in the invariants. */
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
-/* Runs text commands, separated by ";" or line ends:
- *     sdk NAME                    the following commands are for the SDK of this base name (*: all)
- *     clock stopped | running
- *     seed N
- *     scene FILE                  sim_play_recording()
- *     log FILE                    switches the log on and also appends every line to FILE at once
- *     force FUNCTION NTH TIMES RESULT
- *     output FUNCTION OUTPUT NTH TIMES VALUE
- *     throw FUNCTION NTH TIMES standard | number | object [TEXT]
- *     unplug INDEX FUNCTION NTH   unplugs camera INDEX just before that call of FUNCTION
- *                                 (NTH 0: now)
- *     plug INDEX                  plugs it in again, now
- *     plug INDEX FUNCTION NTH     or just before that call
- * File names are UTF-8 and must not contain ";". Returns 1, or 0 if a command is not understood or
- * its file cannot be used; this command and all after it are then not run. When the SDK is loaded,
- * it runs the commands in the environment variable ORVANE_SIMULATOR and reports a failure on the
- * standard error output. */
+/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1,
+ * or 0 if a command is not understood or its file cannot be used; this command and all after it are
+ * then not run. When the SDK is loaded, it runs the commands in the environment variable
+ * ORVANE_SIMULATOR and reports a failure on the standard error output. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus

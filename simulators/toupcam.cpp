@@ -11,11 +11,11 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <tuple>
+#include <utility>
 
 #include "core/call.hpp"
-#include "core/camera_model.hpp"
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "simulated_sdk.hpp"
 #include "toupcam_text.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
@@ -86,96 +86,24 @@ constexpr std::int32_t rawGbrg = fourCc("GBRG");
 constexpr std::int32_t rawYyyy = fourCc("YYYY");
 
 // The Bayer pattern is that of frames delivered with the default of the upside-down option.
-constexpr std::array believableCameras{
-    SimCamera{.name = "ATR3CMOS26000KPA",
-              .key = "tp-2-7-16-1204-1a5f",
-              .id = 0,
-              .width = 6224,
-              .height = 4168,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 1,
-              .mosaic = rawRggb,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 100,
-              .gainMax = 10000,
-              .exposureMinUs = 100,
-              .exposureMaxUs = 3.6e9,
-              .offsetMin = 0,
-              .offsetMax = 7936,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "ATR3CMOS26000KMA",
-              .key = "tp-2-8-16-1205-1b60",
-              .id = 0,
-              .width = 6224,
-              .height = 4168,
-              .pixelSizeUm = 3.76,
-              .bitDepth = 16,
-              .isColor = 0,
-              .mosaic = rawYyyy,
-              .isCooled = 1,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 100,
-              .gainMax = 10000,
-              .exposureMinUs = 100,
-              .exposureMaxUs = 3.6e9,
-              .offsetMin = 0,
-              .offsetMax = 7936,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "G3CMOS06300KPA",
-              .key = "tp-1-3-16-1192-0c31",
-              .id = 0,
-              .width = 3040,
-              .height = 2048,
-              .pixelSizeUm = 2.4,
-              .bitDepth = 14,
-              .isColor = 1,
-              .mosaic = rawGbrg,
-              .isCooled = 0,
-              .isUsb3Camera = 1,
-              .isUsb3Host = 1,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 100,
-              .gainMax = 5000,
-              .exposureMinUs = 100,
-              .exposureMaxUs = 1e9,
-              .offsetMin = 0,
-              .offsetMax = 1984,
-              .hasTemperature = 1,
-              .isBusy = 0},
-    SimCamera{.name = "GPCMOS01200KPF",
-              .key = "tp-1-4-16-1127-0d18",
-              .id = 0,
-              .width = 1280,
-              .height = 960,
-              .pixelSizeUm = 3.75,
-              .bitDepth = 12,
-              .isColor = 1,
-              .mosaic = rawGrbg,
-              .isCooled = 0,
-              .isUsb3Camera = 0,
-              .isUsb3Host = 0,
-              .bins = {1, 2},
-              .formats = {-1},
-              .gainMin = 100,
-              .gainMax = 2000,
-              .exposureMinUs = 105,
-              .exposureMaxUs = 1e9,
-              .offsetMin = 0,
-              .offsetMax = -1,
-              .hasTemperature = 0,
-              .isBusy = 0},
-};
+constexpr std::array defaultCameras{
+    defaultCamera({.name = "ATR3CMOS26000KPA", .key = "tp-2-7-16-1204-1a5f"},
+                  {.width = 6224, .height = 4168, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 2},
+                  {.isColor = true, .bayerPattern = rawRggb, .isCooled = true},
+                  {.gain = {100, 10000}, .exposureUs = {100, 3.6e9}, .offset = {0, 7936}}),
+    defaultCamera({.name = "ATR3CMOS26000KMA", .key = "tp-2-8-16-1205-1b60"},
+                  {.width = 6224, .height = 4168, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 2},
+                  {.bayerPattern = rawYyyy, .isCooled = true},
+                  {.gain = {100, 10000}, .exposureUs = {100, 3.6e9}, .offset = {0, 7936}}),
+    defaultCamera({.name = "G3CMOS06300KPA", .key = "tp-1-3-16-1192-0c31"},
+                  {.width = 3040, .height = 2048, .pixelSizeUm = 2.4, .bitDepth = 14, .bins = 2},
+                  {.isColor = true, .bayerPattern = rawGbrg},
+                  {.gain = {100, 5000}, .exposureUs = {100, 1e9}, .offset = {0, 1984}}),
+    defaultCamera(
+        {.name = "GPCMOS01200KPF", .key = "tp-1-4-16-1127-0d18"},
+        {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
+        {.isColor = true, .bayerPattern = rawGrbg, .isUsb3 = false, .hasTemperature = false},
+        {.gain = {100, 2000}, .exposureUs = {105, 1e9}, .offset = {0, -1}})};
 
 ToupcamText idOf(const SimCamera& model) {
   return nativeText(textOf(model.key)).substr(0, textFieldLength);
@@ -201,31 +129,21 @@ unsigned long long flagsOf(const SimCamera& model) {
   return flags;
 }
 
-struct ModelEntry {
-  ToupcamText name;
-  ToupcamModelV2 model;
-};
-
-bool isSame(const ModelEntry& entry, const ToupcamText& name, const ToupcamModelV2& model) {
-  return entry.name == name && entry.model.flag == model.flag &&
-         entry.model.xpixsz == model.xpixsz && entry.model.ypixsz == model.ypixsz &&
-         entry.model.res[0].width == model.res[0].width &&
-         entry.model.res[0].height == model.res[0].height;
-}
-
 // The maker's model data. It must stay valid while the library is loaded, even if the simulated
 // cameras change, so no entry is ever removed.
 const ToupcamModelV2* lastingModel(const ToupcamText& name, const ToupcamModelV2& model) {
-  static std::deque<ModelEntry> models;
-  const auto known = std::find_if(models.begin(), models.end(), [&](const ModelEntry& entry) {
-    return isSame(entry, name, model);
-  });
-  if (known != models.end()) {
-    return &known->model;
+  static std::deque<std::pair<ToupcamText, ToupcamModelV2>> models;
+  const auto facts = [](const ToupcamModelV2& each) {
+    return std::tuple(each.flag, each.xpixsz, each.ypixsz, each.res[0].width, each.res[0].height);
+  };
+  for (const auto& [knownName, known] : models) {
+    if (knownName == name && facts(known) == facts(model)) {
+      return &known;
+    }
   }
-  ModelEntry& entry = models.emplace_back(ModelEntry{name, model});
-  entry.model.name = entry.name.c_str();
-  return &entry.model;
+  auto& [lastingName, lasting] = models.emplace_back(name, model);
+  lasting.name = lastingName.c_str();
+  return &lasting;
 }
 
 void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
@@ -245,9 +163,10 @@ void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
   device.model = lastingModel(name, model);
 }
 
-std::vector<Control> controlsOf(const SimCamera& model) {
+void setUp(Camera& camera) {
+  const SimCamera& model = camera.model;
   const double initialGain = clamped(100, model.gainMin, model.gainMax);
-  std::vector<Control> controls{
+  camera.device.controls = {
       {TOUPCAM_OPTION_RAW, 0, 1, 0},
       {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
       {TOUPCAM_OPTION_BINNING, 1, 8, 1},
@@ -255,15 +174,12 @@ std::vector<Control> controlsOf(const SimCamera& model) {
       {TOUPCAM_OPTION_BYTEORDER, 0, 1, isWindows ? 1.0 : 0.0},
       {settingAutoExposure, 0, 2, 1},
       {settingExposure, model.exposureMinUs, model.exposureMaxUs, usualExposureUs(model)},
-      {settingGain, model.gainMin, model.gainMax, initialGain}};
-  if (hasOffset(model)) {
-    controls.push_back({TOUPCAM_OPTION_BLACKLEVEL, 0, 0, 0});
-  }
-  return controls;
+      {settingGain, model.gainMin, model.gainMax, initialGain},
+      onlyIf(hasOffset(model), {TOUPCAM_OPTION_BLACKLEVEL, 0, 0, 0})};
 }
 
 bool isOn(const Device& device, int option) {
-  return device.value(option, 0) != 0;
+  return device.value(option) != 0;
 }
 
 // Bits per sample with the present depth option.
@@ -272,39 +188,20 @@ int sampleBits(const Camera& camera) {
                                                       : 8;
 }
 
+constexpr std::pair<std::int32_t, BayerPattern> bayerPatterns[] = {
+    {rawBggr, BayerPattern::Bggr}, {rawGrbg, BayerPattern::Grbg}, {rawGbrg, BayerPattern::Gbrg}};
+
+// The Bayer patterns of frames whose rows are in the reverse order.
+constexpr std::pair<std::int32_t, std::int32_t> reversedPatterns[] = {
+    {rawRggb, rawGbrg}, {rawGbrg, rawRggb}, {rawBggr, rawGrbg}, {rawGrbg, rawBggr}};
+
 // The frames' Bayer pattern with the present upside-down option. If the option differs from its
 // default, the first row has the other colours, unless the number of rows is odd.
-std::int32_t deliveredMosaic(const Camera& camera) {
-  const SimCamera& model = camera.model;
-  const bool isUsual = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) == isWindows;
-  if (isUsual || model.height % 2 != 0) {
-    return model.mosaic;
-  }
-  switch (model.mosaic) {
-    case rawRggb:
-      return rawGbrg;
-    case rawGbrg:
-      return rawRggb;
-    case rawBggr:
-      return rawGrbg;
-    case rawGrbg:
-      return rawBggr;
-    default:
-      return model.mosaic;
-  }
-}
-
-Mosaic mosaicOf(std::int32_t code) {
-  switch (code) {
-    case rawBggr:
-      return Mosaic::Bggr;
-    case rawGrbg:
-      return Mosaic::Grbg;
-    case rawGbrg:
-      return Mosaic::Gbrg;
-    default:
-      return Mosaic::Rggb;
-  }
+std::int32_t deliveredPattern(const Camera& camera) {
+  const std::int32_t usual = camera.model.bayerPattern;
+  const bool isReversed = isOn(camera.device, TOUPCAM_OPTION_UPSIDE_DOWN) != isWindows;
+  return isReversed && camera.model.height % 2 == 0 ? lookUp(reversedPatterns, usual, usual)
+                                                    : usual;
 }
 
 Layout layoutOf(const Camera& camera) {
@@ -320,13 +217,14 @@ Layout layoutOf(const Camera& camera) {
 FrameSettings frameSettings(const Camera& camera) {
   const SimCamera& model = camera.model;
   const Device& device = camera.device;
-  FrameSettings settings = commonSettings(camera);
-  settings.mosaic = model.isColor != 0 ? mosaicOf(deliveredMosaic(camera)) : Mosaic::None;
+  FrameSettings settings =
+      commonSettings(camera, lookUp(bayerPatterns, deliveredPattern(camera), BayerPattern::Rggb),
+                     {settingExposure, settingGain, TOUPCAM_OPTION_BLACKLEVEL});
   settings.layout = layoutOf(camera);
   settings.alignment = Alignment::Right;
   settings.isUpsideDown = isOn(device, TOUPCAM_OPTION_UPSIDE_DOWN);
   settings.isTurned = settings.isUpsideDown != isWindows;
-  settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING, 1));
+  settings.bin = static_cast<std::int32_t>(device.value(TOUPCAM_OPTION_BINNING));
   if (settings.bin > 1) {
     // The region is in unbinned pixels. Binned lengths are even, like the Bayer pattern.
     const auto binned = [&](std::int32_t length) { return length / settings.bin & ~1; };
@@ -334,27 +232,24 @@ FrameSettings frameSettings(const Camera& camera) {
     settings.region = {binned(region.x), binned(region.y), binned(region.width),
                        binned(region.height)};
   }
-  const bool isAutomatic = isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW);
-  settings.exposureUs = isAutomatic ? usualExposureUs(model) : device.value(settingExposure, 0);
-  settings.gain = isAutomatic ? 1 : gainInPercent(model, device.value(settingGain, 0));
-  settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL, 0) / (1 << sampleBits(camera));
+  settings.gain = gainInPercent(model, device.value(settingGain));
+  if (isOn(device, settingAutoExposure) && !isOn(device, TOUPCAM_OPTION_RAW)) {
+    settings.exposureUs = usualExposureUs(model);
+    settings.gain = 1;
+  }
+  settings.pedestal = device.value(TOUPCAM_OPTION_BLACKLEVEL) / (1 << sampleBits(camera));
   return settings;
 }
 
-void showWholeSensor(Camera& camera) {
-  camera.device.region = {0, 0, binnedWidth(camera.model, 1), binnedHeight(camera.model, 1)};
-}
-
-// Runs a call that needs an open camera.
-template <class Body>
-Hresult onOpenCamera(Call& call, HToupcam handle, const Body& body) {
-  return call.run([&]() -> Hresult {
-    Camera* camera = stage().cameraOf(handle);
-    if (camera == nullptr) {
-      stage().countCallOnClosed();
-      return handle == nullptr ? E_POINTER : E_INVALIDARG;
-    }
-    return camera->isReachable() ? body(*camera) : E_GEN_FAILURE;
+// Reports the range of one of the device's settings.
+template <class Number>
+Hresult getRange(Call&& call, HToupcam handle, int id, Number* nMin, Number* nMax, Number* nDef) {
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
+    const Control& control = *camera.device.find(id);
+    call.out("nMin", nMin, wholeNumber<Number>(control.minimum));
+    call.out("nMax", nMax, wholeNumber<Number>(control.maximum));
+    call.out("nDef", nDef, wholeNumber<Number>(control.initial));
+    return S_OK;
   });
 }
 
@@ -368,7 +263,7 @@ Hresult put(Camera& camera, int id, double value) {
     return S_FALSE;
   }
   control.value = value;
-  stage().changed(camera);
+  sdk().changed(camera);
   return S_OK;
 }
 
@@ -376,7 +271,7 @@ Hresult put(Camera& camera, int id, double value) {
 Hresult putGeometry(Camera& camera, int option, double value) {
   const Hresult result = put(camera, option, value);
   if (result == S_OK) {
-    stage().restartFrame(camera);
+    sdk().restartFrame(camera);
   }
   return result;
 }
@@ -411,18 +306,24 @@ Hresult putOption(Camera& camera, unsigned option, int value) {
 
 }  // namespace
 
-constinit const sim::Maker sim::maker{
-    "toupcam", believableCameras, {4, WhenFull::Pause}, frameSettings};
+constinit const sim::Maker sim::maker{.sdkName = "toupcam",
+                                      .cameras = defaultCameras,
+                                      .queue = {4, WhenFull::Pause},
+                                      .setUp = setUp,
+                                      .frameSettings = frameSettings,
+                                      .failures = {.noCamera = E_POINTER,
+                                                   .closed = E_INVALIDARG,
+                                                   .unplugged = E_GEN_FAILURE,
+                                                   .refused = E_UNEXPECTED}};
 
 extern "C" {
 
 unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
-  Call call("Toupcam_EnumV2", Buffer{devices});
+  Call call(__func__, Buffer{devices});
   return call.run([&]() -> unsigned {
-    stage().enumerate();
-    const auto count = static_cast<unsigned>(stage().enumerated());
+    const auto count = static_cast<unsigned>(sdk().enumerate());
     for (unsigned i = 0; devices != nullptr && i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
-      const SimCamera& camera = stage().enumerated(i)->model;
+      const SimCamera& camera = sdk().enumerated(i)->model;
       devices[i] = {};
       describe(call, camera, devices[i]);
       if (Call::forcedOutput("model") == i) {
@@ -437,103 +338,79 @@ unsigned Toupcam_EnumV2(ToupcamDeviceV2* devices) {
 HToupcam Toupcam_Open(const ToupcamChar* id) {
   const ToupcamText wanted = id == nullptr ? ToupcamText() : textIn(id);
   const std::string wantedName = plainText(wanted);
-  Call call("Toupcam_Open", id == nullptr ? Quoted{} : Quoted{wantedName});
-  return call.run([&]() -> HToupcam {
-    stage().enumerate();
-    for (std::size_t i = 0; i < stage().enumerated(); ++i) {
-      Camera& camera = *stage().enumerated(static_cast<std::int64_t>(i));
+  return Call(__func__, id == nullptr ? Quoted{} : Quoted{wantedName}).run([&]() -> HToupcam {
+    const std::size_t count = sdk().enumerate();
+    for (std::size_t i = 0; i < count; ++i) {
+      Camera& camera = *sdk().enumerated(static_cast<std::int64_t>(i));
       if (id != nullptr && idOf(camera.model) != wanted) {
         continue;
       }
       if (camera.model.isBusy != 0 || camera.device.isOpen) {
         return nullptr;
       }
-      stage().open(camera, controlsOf(camera.model));
-      showWholeSensor(camera);
-      return stage().makeHandle(camera);
+      return sdk().openHandle(camera);
     }
     return nullptr;
   });
 }
 
 void Toupcam_Close(HToupcam handle) {
-  Call call("Toupcam_Close", Handle{handle});
-  call.run([&] {
-    if (Camera* camera = stage().cameraOf(handle)) {
-      stage().close(*camera);
-      stage().endHandle(handle);
-    }
-  });
+  Call(__func__, handle).run([&] { static_cast<void>(sdk().closeHandle(handle)); });
 }
 
 Hresult Toupcam_get_MaxBitDepth(HToupcam handle) {
-  Call call("Toupcam_get_MaxBitDepth", Handle{handle});
-  return onOpenCamera(call, handle,
-                      [](Camera& camera) -> Hresult { return camera.model.bitDepth; });
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> Hresult {
+    return camera.model.bitDepth;
+  });
 }
 
 Hresult Toupcam_get_RawFormat(HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) {
-  Call call("Toupcam_get_RawFormat", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    call.out("fourCc", fourCc, static_cast<unsigned>(deliveredMosaic(camera)));
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
+    call.out("fourCc", fourCc, static_cast<unsigned>(deliveredPattern(camera)));
     call.out("bitsPerPixel", bitsPerPixel, static_cast<unsigned>(sampleBits(camera)));
     return S_OK;
   });
 }
 
 Hresult Toupcam_get_ExpTimeRange(HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) {
-  Call call("Toupcam_get_ExpTimeRange", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    const Control& exposure = *camera.device.find(settingExposure);
-    call.out("nMin", nMin, wholeNumber<unsigned>(exposure.minimum));
-    call.out("nMax", nMax, wholeNumber<unsigned>(exposure.maximum));
-    call.out("nDef", nDef, wholeNumber<unsigned>(exposure.initial));
-    return S_OK;
-  });
+  return getRange(Call(__func__, handle), handle, settingExposure, nMin, nMax, nDef);
 }
 
 Hresult Toupcam_get_ExpoAGainRange(HToupcam handle, unsigned short* nMin, unsigned short* nMax,
                                    unsigned short* nDef) {
-  Call call("Toupcam_get_ExpoAGainRange", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
-    const Control& gain = *camera.device.find(settingGain);
-    call.out("nMin", nMin, wholeNumber<unsigned short>(gain.minimum));
-    call.out("nMax", nMax, wholeNumber<unsigned short>(gain.maximum));
-    call.out("nDef", nDef, wholeNumber<unsigned short>(gain.initial));
-    return S_OK;
-  });
+  return getRange(Call(__func__, handle), handle, settingGain, nMin, nMax, nDef);
 }
 
 Hresult Toupcam_put_Option(HToupcam handle, unsigned option, int value) {
-  Call call("Toupcam_put_Option", Handle{handle}, option, value);
-  return onOpenCamera(call, handle,
-                      [&](Camera& camera) -> Hresult { return putOption(camera, option, value); });
+  return Call(__func__, handle, option, value).onOpen(handle, [&](Camera& camera) -> Hresult {
+    return putOption(camera, option, value);
+  });
 }
 
 Hresult Toupcam_put_Roi(HToupcam handle, unsigned x, unsigned y, unsigned width, unsigned height) {
-  Call call("Toupcam_put_Roi", Handle{handle}, x, y, width, height);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, x, y, width, height).onOpen(handle, [&](Camera& camera) -> Hresult {
     const auto isGood = [](unsigned start, unsigned length, std::int32_t limit) {
       constexpr unsigned smallest = 8;
       return start % 2 == 0 && length % 2 == 0 && length >= smallest &&
              std::int64_t{start} + length <= limit;
     };
     if (x == 0 && y == 0 && width == 0 && height == 0) {
-      showWholeSensor(camera);
+      Sdk::showWholeSensor(camera, 1);
     } else if (isGood(x, width, camera.model.width) && isGood(y, height, camera.model.height)) {
       camera.device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
                               static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
     } else {
       return E_INVALIDARG;
     }
-    stage().restartFrame(camera);
+    sdk().restartFrame(camera);
     return S_OK;
   });
 }
 
 Hresult Toupcam_get_FinalSize(HToupcam handle, int* width, int* height) {
-  Call call("Toupcam_get_FinalSize", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     const Region region = frameSettings(camera).region;
     call.out("width", width, region.width);
     call.out("height", height, region.height);
@@ -543,28 +420,28 @@ Hresult Toupcam_get_FinalSize(HToupcam handle, int* width, int* height) {
 
 Hresult Toupcam_StartPullModeWithCallback(HToupcam handle, ToupcamEventCallback callback,
                                           void* context) {
-  Call call("Toupcam_StartPullModeWithCallback", Handle{handle},
-            callback == nullptr ? "null" : "callback", context == nullptr ? "null" : "context");
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle, callback == nullptr ? "null" : "callback",
+            context == nullptr ? "null" : "context");
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (callback != nullptr) {
       return E_NOTIMPL;
     }
     if (camera.device.stream.isRunning()) {
       return E_BUSY;
     }
-    stage().startStream(camera, false);
+    sdk().startStream(camera, false);
     return S_OK;
   });
 }
 
 Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int rowPitch,
                                       unsigned* width, unsigned* height) {
-  Call call("Toupcam_PullImageWithRowPitch", Handle{handle}, Buffer{data}, bits, rowPitch);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle, Buffer{data}, bits, rowPitch);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (!camera.device.stream.isRunning()) {
       return E_UNEXPECTED;
     }
-    const FrameSettings* frame = stage().waitingFrame(camera);
+    const FrameSettings* frame = sdk().waitingFrame(camera);
     if (frame == nullptr) {
       return TOUPCAM_E_PENDING;
     }
@@ -579,47 +456,44 @@ Hresult Toupcam_PullImageWithRowPitch(HToupcam handle, void* data, int bits, int
     call.out("width", width, static_cast<unsigned>(frame->region.width));
     call.out("height", height, static_cast<unsigned>(frame->region.height));
     if (data != nullptr) {
-      stage().takeFrame(camera, static_cast<std::uint8_t*>(data), pitch);
+      sdk().takeFrame(camera, static_cast<std::uint8_t*>(data), pitch);
     }
     return S_OK;
   });
 }
 
 Hresult Toupcam_Stop(HToupcam handle) {
-  Call call("Toupcam_Stop", Handle{handle});
-  return onOpenCamera(call, handle, [](Camera& camera) -> Hresult {
-    stage().stopStream(camera);
+  return Call(__func__, handle).onOpen(handle, [](Camera& camera) -> Hresult {
+    sdk().stopStream(camera);
     return S_OK;
   });
 }
 
 Hresult Toupcam_put_AutoExpoEnable(HToupcam handle, int mode) {
-  Call call("Toupcam_put_AutoExpoEnable", Handle{handle}, mode);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, mode).onOpen(handle, [&](Camera& camera) -> Hresult {
     return put(camera, settingAutoExposure, mode);
   });
 }
 
 Hresult Toupcam_put_ExpoTime(HToupcam handle, unsigned microseconds) {
-  Call call("Toupcam_put_ExpoTime", Handle{handle}, microseconds);
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  return Call(__func__, handle, microseconds).onOpen(handle, [&](Camera& camera) -> Hresult {
     return put(camera, settingExposure, microseconds);
   });
 }
 
 Hresult Toupcam_put_ExpoAGain(HToupcam handle, unsigned short percent) {
-  Call call("Toupcam_put_ExpoAGain", Handle{handle}, percent);
-  return onOpenCamera(call, handle,
-                      [&](Camera& camera) -> Hresult { return put(camera, settingGain, percent); });
+  return Call(__func__, handle, percent).onOpen(handle, [&](Camera& camera) -> Hresult {
+    return put(camera, settingGain, percent);
+  });
 }
 
 Hresult Toupcam_get_Temperature(HToupcam handle, short* tenthsOfDegree) {
-  Call call("Toupcam_get_Temperature", Handle{handle});
-  return onOpenCamera(call, handle, [&](Camera& camera) -> Hresult {
+  Call call(__func__, handle);
+  return call.onOpen(handle, [&](Camera& camera) -> Hresult {
     if (camera.model.hasTemperature == 0) {
       return E_NOTIMPL;
     }
-    const double degrees = camera.device.cooler.temperature(stage().clock.now());
+    const double degrees = camera.device.cooler.temperature(sdk().clock.now());
     call.out("tenthsOfDegree", tenthsOfDegree, static_cast<short>(std::lround(10 * degrees)));
     return S_OK;
   });

@@ -2,29 +2,15 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
-#include <string>
 
-#include "core/camera_model.hpp"
+#include "core/sdk_exception.hpp"
 
 namespace orvane::sim {
-namespace {
-
-template <class Number>
-void appendNumber(Number number) {
-  std::array<char, 32> digits;
-  const std::to_chars_result end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  stage().log.append({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
-}
-
-}  // namespace
 
 bool Call::begin(const char* function) {
-  Stage& here = stage();
-  here.faults.count(function);
-  while (const std::optional<PlugChange> change = here.faults.nextPlugChange()) {
-    here.setPlugged(change->camera, change->isPlugged);
+  Sdk& here = sdk();
+  for (const PlugChange& change : here.faults.count(function)) {
+    here.setPlugged(change.camera, change.isPlugged);
   }
   if (here.log.isEnabled()) {
     append(function);
@@ -34,16 +20,17 @@ bool Call::begin(const char* function) {
 }
 
 void Call::throwIfAsked() const {
-  if (const std::optional<ThrownFault> thrown = stage().faults.thrown()) {
-    if (isLogged_) {
-      end(") threw");
-    }
+  if (const auto* thrown = sdk().faults.first<ThrownFault>()) {
+    end(") threw");
     throwSdkException(thrown->kind, thrown->text);
   }
 }
 
-std::int64_t Call::wholeOf(double number) {
-  return wholeNumber<std::int64_t>(number);
+void Call::end(std::string_view piece) const {
+  if (isLogged_) {
+    append(piece);
+    sdk().log.endLine();
+  }
 }
 
 void Call::separateOutput() {
@@ -55,9 +42,14 @@ void Call::separateOutput() {
   hasOutput_ = true;
 }
 
-void Call::end(std::string_view piece) {
-  append(piece);
-  stage().log.endLine();
+void Call::write(const void* handle) {
+  const std::size_t number = sdk().numberOf(handle);
+  if (number > 0) {
+    append("h");
+    write(number);
+  } else {
+    append(handle == nullptr ? "null" : "h?");
+  }
 }
 
 void Call::write(Quoted quoted) {
@@ -74,26 +66,16 @@ void Call::write(Buffer buffer) {
   append(buffer.address == nullptr ? "null" : "buffer");
 }
 
-void Call::write(Handle handle) {
-  const std::size_t number = stage().numberOf(handle.address);
-  if (number > 0) {
-    append("h");
-    writeUnsigned(number);
-  } else {
-    append(handle.address == nullptr ? "null" : "h?");
-  }
+template <class Number>
+void Call::writeNumber(Number number) {
+  std::array<char, 32> digits;
+  const std::to_chars_result end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  append({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
 }
 
-void Call::writeReal(double number) {
-  appendNumber(number);
-}
-
-void Call::writeSigned(std::int64_t number) {
-  appendNumber(number);
-}
-
-void Call::writeUnsigned(std::uint64_t number) {
-  appendNumber(number);
-}
+template void Call::writeNumber(double number);
+template void Call::writeNumber(std::int64_t number);
+template void Call::writeNumber(std::uint64_t number);
 
 }  // namespace orvane::sim

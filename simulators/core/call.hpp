@@ -2,24 +2,22 @@
 // or with the fault that a test has set.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 #include <type_traits>
 
-#include "core/stage.hpp"
+#include "core/camera_model.hpp"
+#include "core/sdk.hpp"
 
 namespace orvane::sim {
 
-// How the pieces of a log line are written. Numbers are written unchanged.
+// How the pieces of a log line are written. Numbers are written unchanged, and void pointers are
+// handles: "h1", "h2", ..., "h?" for an unknown one, or "null".
 struct Quoted {  // in quotation marks; a null text as "null" without them
   std::string_view text;
 };
 struct Buffer {  // "buffer" or "null"
-  const void* address;
-};
-struct Handle {  // "h1", "h2", ..., "h?" for an unknown handle, or "null"
   const void* address;
 };
 
@@ -41,23 +39,47 @@ class Call {
   std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
     throwIfAsked();
-    const std::optional<std::int64_t> forced = stage().faults.result();
+    const auto* forced = sdk().faults.first<ForcedResult>();
     if constexpr (std::is_void_v<Result>) {
-      if (!forced) {
+      if (forced == nullptr) {
         body();
       }
-      if (isLogged_) {
-        end(")");
-      }
+      end(")");
     } else {
-      const Result result = forced ? numberAs<Result>(*forced) : overridden("result", body());
+      const Result result =
+          forced != nullptr ? numberAs<Result>(forced->value) : overridden("result", body());
       if (isLogged_) {
         append(") = ");
-        writeResult(result);
-        end("");
+        write(result);
       }
+      end("");
       return result;
     }
+  }
+
+  // Runs a body that needs an open camera, by its id or handle. Without it, the call fails as the
+  // maker's does.
+  template <class Key, class Body>
+  auto onOpen(Key key, const Body& body) {
+    using Result = std::invoke_result_t<Body, Camera&>;
+    return run([&]() -> Result {
+      Camera* camera = sdk().find(key);
+      if (camera == nullptr || !camera->device.isOpen) {
+        sdk().countCallOnClosed();
+        return numberAs<Result>(sdk().isKnown(key) ? maker.failures.closed
+                                                   : maker.failures.noCamera);
+      }
+      return camera->isReachable() ? body(*camera) : numberAs<Result>(maker.failures.unplugged);
+    });
+  }
+
+  // Runs a body that needs an open and initialised camera.
+  template <class Key, class Body>
+  auto onReady(Key key, const Body& body) {
+    using Result = std::invoke_result_t<Body, Camera&>;
+    return onOpen(key, [&](Camera& camera) -> Result {
+      return camera.device.isInitialised ? body(camera) : numberAs<Result>(maker.failures.refused);
+    });
   }
 
   // Sets an output, or a field of one, to the value, or to the forced value if there is one.
@@ -85,34 +107,34 @@ class Call {
   }
 
   // The forced value of an output, for outputs that are not numbers.
-  static std::optional<double> forcedOutput(const char* name) {
-    return stage().faults.output(name);
+  static std::optional<double> forcedOutput(std::string_view name) {
+    const auto* forced = sdk().faults.first<ForcedOutput>(
+        [name](const ForcedOutput& output) { return output.name == name; });
+    return forced != nullptr ? std::optional(forced->value) : std::nullopt;
   }
 
  private:
   static bool begin(const char* function);
   void throwIfAsked() const;
+  void end(std::string_view piece) const;
 
   // A number converted to the type, truncated to its width.
   template <class Type, class Number>
   static Type numberAs(Number number) {
-    if constexpr (std::is_pointer_v<Type>) {
+    if constexpr (std::is_floating_point_v<Number> && !std::is_floating_point_v<Type>) {
+      return numberAs<Type>(wholeNumber<std::int64_t>(number));
+    } else if constexpr (std::is_pointer_v<Type>) {
       // A test may force a handle to any value. The simulator never dereferences it.
       return reinterpret_cast<Type>(  // NOLINT(performance-no-int-to-ptr)
-          static_cast<std::uintptr_t>(wholeOf(number)));
-    } else if constexpr (std::is_floating_point_v<Type>) {
-      return static_cast<Type>(number);
+          static_cast<std::uintptr_t>(number));
     } else {
-      return static_cast<Type>(wholeOf(number));
+      return static_cast<Type>(number);
     }
   }
 
-  static std::int64_t wholeOf(std::int64_t number) { return number; }
-  static std::int64_t wholeOf(double number);
-
   template <class Type>
   static Type overridden(const char* name, Type value) {
-    const std::optional<double> forced = stage().faults.output(name);
+    const std::optional<double> forced = forcedOutput(name);
     return forced ? numberAs<Type>(*forced) : value;
   }
 
@@ -125,37 +147,26 @@ class Call {
     write(piece);
   }
 
-  template <class Result>
-  void writeResult(Result result) {
-    if constexpr (std::is_pointer_v<Result>) {
-      write(Handle{result});
-    } else {
-      write(result);
-    }
-  }
-
   template <class Number>
   requires std::is_arithmetic_v<Number>
-  void write(Number number) {
+  static void write(Number number) {
     if constexpr (std::is_floating_point_v<Number>) {
-      writeReal(number);
+      writeNumber(double{number});
     } else if constexpr (std::is_signed_v<Number>) {
-      writeSigned(number);
+      writeNumber(std::int64_t{number});
     } else {
-      writeUnsigned(number);
+      writeNumber(std::uint64_t{number});
     }
   }
-  void write(const char* text) { append(text); }
-  void write(Quoted quoted);
-  void write(Buffer buffer);
-  void write(Handle handle);
+  static void write(const char* text) { append(text); }
+  static void write(const void* handle);
+  static void write(Quoted quoted);
+  static void write(Buffer buffer);
 
-  void writeReal(double number);
-  void writeSigned(std::int64_t number);
-  void writeUnsigned(std::uint64_t number);
+  template <class Number>
+  static void writeNumber(Number number);
   void separateOutput();
-  static void append(std::string_view piece) { stage().log.append(piece); }
-  static void end(std::string_view piece);
+  static void append(std::string_view piece) { sdk().log.append(piece); }
 
   bool isLogged_;
   bool hasInput_ = false;

@@ -3,12 +3,17 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
+#include "core/sensor.hpp"
 #include "simulator_control.h"
 
 namespace orvane::sim {
@@ -23,9 +28,68 @@ std::string_view textOf(const char (&field)[Size]) {
 // Copies text into a maker's field and fills the rest with zeros. Text that is at least as long as
 // the field fills it without a NUL, as in the makers' SDKs.
 template <std::size_t Size>
-void copyText(char (&field)[Size], std::string_view text) {
+constexpr void copyText(char (&field)[Size], std::string_view text) {
   char* end = std::copy_n(text.data(), std::min(text.size(), Size), field);
   std::fill(end, field + Size, '\0');
+}
+
+// The parts of a default camera.
+struct Identity {
+  std::string_view name;
+  std::string_view key = {};
+  std::int32_t id = 0;
+};
+struct SensorFacts {
+  std::int32_t width;
+  std::int32_t height;
+  double pixelSizeUm;
+  std::int32_t bitDepth;
+  std::int32_t bins;  // the bins are 1 to this
+};
+struct Features {
+  bool isColor = false;
+  std::int32_t bayerPattern;  // the maker's code
+  bool isCooled = false;
+  bool isUsb3 = true;  // the camera and its connection
+  bool hasTemperature = true;
+};
+struct Range {
+  double minimum;
+  double maximum;
+};
+struct Ranges {
+  Range gain;
+  Range exposureUs;
+  Range offset;
+};
+using Formats = std::array<std::int32_t, 8>;
+
+constexpr SimCamera defaultCamera(const Identity& identity, const SensorFacts& sensor,
+                                  const Features& features, const Ranges& ranges,
+                                  const Formats& formats = {-1}) {
+  SimCamera camera{};
+  copyText(camera.name, identity.name);
+  copyText(camera.key, identity.key);
+  camera.id = identity.id;
+  camera.width = sensor.width;
+  camera.height = sensor.height;
+  camera.pixelSizeUm = sensor.pixelSizeUm;
+  camera.bitDepth = sensor.bitDepth;
+  std::iota(camera.bins, camera.bins + sensor.bins, 1);
+  camera.isColor = features.isColor ? 1 : 0;
+  camera.bayerPattern = features.bayerPattern;
+  camera.isCooled = features.isCooled ? 1 : 0;
+  camera.isUsb3Camera = features.isUsb3 ? 1 : 0;
+  camera.isUsb3Host = features.isUsb3 ? 1 : 0;
+  camera.hasTemperature = features.hasTemperature ? 1 : 0;
+  camera.gainMin = ranges.gain.minimum;
+  camera.gainMax = ranges.gain.maximum;
+  camera.exposureMinUs = ranges.exposureUs.minimum;
+  camera.exposureMaxUs = ranges.exposureUs.maximum;
+  camera.offsetMin = ranges.offset.minimum;
+  camera.offsetMax = ranges.offset.maximum;
+  std::copy(formats.begin(), formats.end(), camera.formats);
+  return camera;
 }
 
 // Whether a list that ends with `end`, or with its last element, contains `value`.
@@ -33,6 +97,20 @@ template <std::size_t Size>
 bool contains(const std::int32_t (&list)[Size], std::int32_t end, std::int32_t value) {
   const std::int32_t* last = std::find(list, list + Size, end);
   return std::find(list, last, value) != last;
+}
+
+// The value that a table has for a key, or `otherwise`.
+template <class Value, std::size_t Size>
+Value lookUp(const std::pair<std::int32_t, Value> (&table)[Size], std::int32_t key,
+             std::type_identity_t<Value> otherwise) {
+  const auto* found =
+      std::find_if(table, table + Size, [key](const auto& entry) { return entry.first == key; });
+  return found == table + Size ? otherwise : found->second;
+}
+
+// The Bayer pattern for the number that ZWO and Player One use. An unknown number gives RGGB.
+inline BayerPattern bayerPatternOfNumber(std::int32_t number) {
+  return number >= 1 && number <= 3 ? static_cast<BayerPattern>(number + 1) : BayerPattern::Rggb;
 }
 
 inline bool hasBin(const SimCamera& model, std::int32_t bin) {
@@ -62,19 +140,39 @@ Integer wholeNumber(double value) {
   return value < static_cast<double>(Limits::max()) ? static_cast<Integer>(value) : Limits::max();
 }
 
-// Brightness at a gain relative to the middle of the gain range, for gains in steps of 0.1 dB. A
-// range of fewer than 200 steps counts as 30 dB.
-double gainInDecibelSteps(const SimCamera& model, double gain);
-
-// Brightness at a gain relative to the middle of the gain range, for gains in percent.
-double gainInPercent(const SimCamera& model, double gain);
+// A value clamped to a range, or unchanged if the range is empty.
+inline double clamped(double value, double minimum, double maximum) {
+  return minimum <= maximum ? std::clamp(value, minimum, maximum) : value;
+}
 
 // Settings for a well exposed picture: the middle of the gain range, and an exposure of 20 ms,
 // clamped to the camera's range.
-double usualGain(const SimCamera& model);
-double usualExposureUs(const SimCamera& model);
+inline double usualGain(const SimCamera& model) {
+  return std::floor((model.gainMin + model.gainMax) / 2);
+}
+inline double usualExposureUs(const SimCamera& model) {
+  return clamped(normalExposureUs, model.exposureMinUs, model.exposureMaxUs);
+}
 
-// A value clamped to a range, or unchanged if the range is empty.
-double clamped(double value, double minimum, double maximum);
+inline double usualOffset(const SimCamera& model) {
+  return clamped(10, model.offsetMin, model.offsetMax);
+}
+
+// Brightness at a gain relative to the middle of the gain range, for gains in steps of 0.1 dB. A
+// range of fewer than 200 steps counts as 30 dB.
+inline double gainInDecibelSteps(const SimCamera& model, double gain) {
+  const double range = model.gainMax - model.gainMin;
+  if (!(range > 0)) {
+    return 1;
+  }
+  const double stepsPerDecade = range < 200 ? range / 1.5 : 200;
+  return std::pow(10, clamped((gain - usualGain(model)) / stepsPerDecade, -6, 6));
+}
+
+// The same for gains in percent.
+inline double gainInPercent(const SimCamera& model, double gain) {
+  const double middle = usualGain(model);
+  return middle > 0 ? clamped(gain / middle, 0, 1e6) : 1;
+}
 
 }  // namespace orvane::sim

@@ -6,9 +6,11 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 
-#include "core/stage.hpp"
+#include "core/sdk.hpp"
 #include "core/system.hpp"
 
 namespace orvane::sim {
@@ -53,71 +55,23 @@ bool read(std::string_view arguments, Fields&... fields) {
   return (readNext(fields) && ...) && trimmed(arguments).empty();
 }
 
-// A command: runs it if it `isMeant` for this SDK, and returns whether it was understood.
-using Command = bool (*)(std::string_view arguments, bool isMeant);
-
-bool runClock(std::string_view arguments, bool isMeant) {
-  std::string_view state;
-  if (!read(arguments, state) || (state != "stopped" && state != "running")) {
-    return false;
+// Reads a command's arguments as the parameters of `effect`, and runs it if the command `isMeant`
+// for this SDK. Returns whether the command was understood.
+template <class... Fields>
+bool run(std::string_view arguments, bool isMeant, void (*effect)(Fields...)) {
+  std::tuple<Fields...> fields;
+  const bool isUnderstood =
+      std::apply([&](Fields&... each) { return read(arguments, each...); }, fields);
+  if (isUnderstood && isMeant) {
+    std::apply(effect, fields);
   }
-  if (isMeant) {
-    stage().clock.stop(state == "stopped");
-  }
-  return true;
-}
-
-bool runSeed(std::string_view arguments, bool isMeant) {
-  std::uint64_t seed = 0;
-  if (!read(arguments, seed)) {
-    return false;
-  }
-  if (isMeant) {
-    stage().setSeed(seed);
-  }
-  return true;
-}
-
-bool runLog(std::string_view arguments, bool isMeant) {
-  return !arguments.empty() && (!isMeant || stage().log.enableFile(std::string(arguments)));
-}
-
-bool runScene(std::string_view arguments, bool isMeant) {
-  return !arguments.empty() && (!isMeant || stage().playRecording(std::string(arguments).c_str()));
-}
-
-bool runForce(std::string_view arguments, bool isMeant) {
-  std::string_view function;
-  CallRange range;
-  std::int64_t result = 0;
-  if (!read(arguments, function, range.nth, range.times, result)) {
-    return false;
-  }
-  if (isMeant) {
-    stage().faults.forceResult(function, range, result);
-  }
-  return true;
-}
-
-bool runOutput(std::string_view arguments, bool isMeant) {
-  std::string_view function;
-  std::string_view output;
-  CallRange range;
-  double value = 0;
-  if (!read(arguments, function, output, range.nth, range.times, value)) {
-    return false;
-  }
-  if (isMeant) {
-    stage().faults.forceOutput(function, output, range, value);
-  }
-  return true;
+  return isUnderstood;
 }
 
 // "FUNCTION NTH TIMES KIND [TEXT]"; the text may contain spaces.
 bool runThrow(std::string_view arguments, bool isMeant) {
-  constexpr std::pair<std::string_view, ThrownKind> kinds[] = {{"standard", ThrownKind::Standard},
-                                                               {"number", ThrownKind::Number},
-                                                               {"object", ThrownKind::Object}};
+  constexpr std::pair<std::string_view, std::int32_t> kinds[] = {
+      {"standard", SIM_THROW_STANDARD}, {"number", SIM_THROW_NUMBER}, {"object", SIM_THROW_OBJECT}};
   for (const auto& [name, kind] : kinds) {
     const std::size_t place = arguments.find(name);
     if (place == std::string_view::npos) {
@@ -131,52 +85,61 @@ bool runThrow(std::string_view arguments, bool isMeant) {
     if (isMeant) {
       static std::deque<std::string> texts;  // kept, because an exception may be read later
       texts.emplace_back(trimmed(arguments.substr(place + name.size())));
-      stage().faults.throwFrom(function, range, {kind, texts.back().c_str()});
+      sdk().faults.add(function, range, ThrownFault{kind, texts.back().c_str()});
     }
     return true;
   }
   return false;
 }
 
-// "INDEX FUNCTION NTH", where NTH 0 means now.
-bool changePlug(std::string_view arguments, bool isMeant, bool isPlugged) {
-  std::int32_t camera = 0;
-  std::string_view function;
-  std::int32_t nth = 0;
-  if (!read(arguments, camera, function, nth)) {
-    return false;
+// Changes a plug just before a call; NTH 0 means now.
+void changePlug(std::int32_t camera, std::string_view function, std::int32_t nth, bool isPlugged) {
+  if (nth == 0) {
+    sdk().setPlugged(camera, isPlugged);
+  } else {
+    sdk().faults.add(function, {nth}, PlugChange{camera, isPlugged});
   }
-  if (isMeant && nth == 0) {
-    stage().setPlugged(camera, isPlugged);
-  } else if (isMeant) {
-    stage().faults.plug(function, nth, {camera, isPlugged});
-  }
-  return true;
 }
 
-bool runUnplug(std::string_view arguments, bool isMeant) {
-  return changePlug(arguments, isMeant, false);
-}
-
-bool runPlug(std::string_view arguments, bool isMeant) {
-  std::int32_t camera = 0;
-  if (!read(arguments, camera)) {
-    return changePlug(arguments, isMeant, true);
+// Runs a command if it `isMeant` for this SDK, and returns whether it was understood.
+bool runCommand(std::string_view verb, std::string_view arguments, bool isMeant) {
+  using Word = std::string_view;
+  using Count = std::int32_t;
+  const auto runAs = [&](auto* effect) { return run(arguments, isMeant, effect); };
+  if (verb == "clock") {
+    return (arguments == "stopped" || arguments == "running") &&
+           runAs(+[](Word state) { sdk().clock.stop(state == "stopped"); });
   }
-  if (isMeant) {
-    stage().setPlugged(camera, true);
+  if (verb == "seed") {
+    return runAs(+[](std::uint64_t seed) { sdk().seed = seed; });
   }
-  return true;
-}
-
-Command commandOf(std::string_view verb) {
-  constexpr std::pair<std::string_view, Command> verbs[] = {
-      {"clock", runClock}, {"seed", runSeed},     {"scene", runScene},
-      {"log", runLog},     {"force", runForce},   {"output", runOutput},
-      {"throw", runThrow}, {"unplug", runUnplug}, {"plug", runPlug}};
-  const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
-                                         [&](const auto& known) { return known.first == verb; });
-  return found == std::end(verbs) ? nullptr : found->second;
+  if (verb == "scene") {
+    return !arguments.empty() && (!isMeant || sdk().playRecording(std::string(arguments).c_str()));
+  }
+  if (verb == "log") {
+    return !arguments.empty() && (!isMeant || sdk().log.enableFile(std::string(arguments)));
+  }
+  if (verb == "force") {
+    return runAs(+[](Word function, Count nth, Count times, std::int64_t result) {
+      sdk().faults.add(function, {nth, times}, ForcedResult{result});
+    });
+  }
+  if (verb == "output") {
+    return runAs(+[](Word function, Word output, Count nth, Count times, double value) {
+      sdk().faults.add(function, {nth, times}, ForcedOutput{std::string(output), value});
+    });
+  }
+  if (verb == "throw") {
+    return runThrow(arguments, isMeant);
+  }
+  if (verb == "unplug") {
+    return runAs(
+        +[](Count camera, Word function, Count nth) { changePlug(camera, function, nth, false); });
+  }
+  return verb == "plug" && (runAs(+[](Count camera) { sdk().setPlugged(camera, true); }) ||
+                            runAs(+[](Count camera, Word function, Count nth) {
+                              changePlug(camera, function, nth, true);
+                            }));
 }
 
 bool runEnvironment() {
@@ -209,8 +172,7 @@ bool runCommands(std::string_view commands) {
       isMeant = name == "*" || name == maker.sdkName;
       continue;
     }
-    const Command run = commandOf(verb);
-    if (run == nullptr || !run(arguments, isMeant)) {
+    if (!runCommand(verb, arguments, isMeant)) {
       return false;
     }
   }

@@ -2,14 +2,11 @@
 // unplugged and plugged in, each at a chosen call of a maker's function.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
-
-#include "core/sdk_exception.hpp"
 
 namespace orvane::sim {
 
@@ -19,62 +16,64 @@ struct CallRange {
   std::int32_t times = 1;  // number of calls from there on; negative: all
 };
 
-// A camera whose cable is pulled out or put in.
-struct PlugChange {
-  std::int32_t camera = 0;
-  bool isPlugged = false;  // afterwards
+struct ForcedResult {
+  std::int64_t value;
 };
 
-// What a call throws.
-struct ThrownFault {
-  ThrownKind kind = ThrownKind::Standard;
-  const char* text = nullptr;
+struct ForcedOutput {
+  std::string name;
+  double value;
 };
+
+struct ThrownFault {
+  std::int32_t kind;  // SIM_THROW_STANDARD and so on
+  const char* text;
+};
+
+// A camera that is unplugged or plugged in just before the call.
+struct PlugChange {
+  std::int32_t camera;
+  bool isPlugged;  // afterwards
+};
+
+using Effect = std::variant<ForcedResult, ForcedOutput, ThrownFault, PlugChange>;
 
 class Faults {
  public:
-  void forceResult(std::string_view function, CallRange range, std::int64_t result);
-  void forceOutput(std::string_view function, std::string_view output, CallRange range,
-                   double value);
-  void throwFrom(std::string_view function, CallRange range, ThrownFault thrown);
-  void plug(std::string_view function, std::int32_t nth, PlugChange change);
+  void add(std::string_view function, CallRange range, Effect effect);
 
   // Removes the forced results, outputs and exceptions, but not the plug changes.
   void clearForced();
   void clear() { faults_.clear(); }
 
-  // Counts a call. The functions below then return this call's faults.
-  void count(std::string_view function);
+  // Counts a call, and returns the plug changes that are due before it. first() then returns this
+  // call's faults.
+  std::vector<PlugChange> count(std::string_view function);
 
-  // The forced result of the counted call.
-  std::optional<std::int64_t> result() const;
-
-  // What the counted call throws.
-  std::optional<ThrownFault> thrown() const;
-
-  // The forced value of an output of the counted call.
-  std::optional<double> output(std::string_view name) const;
-
-  // Returns the plug changes that are due before the counted call, one at a time.
-  std::optional<PlugChange> nextPlugChange();
+  // The first effect of one kind that is accepted; null if there is none.
+  template <class Kind, class Accept>
+  const Kind* first(const Accept& isAccepted) const {
+    for (const Fault& fault : faults_) {
+      const Kind* effect = std::get_if<Kind>(&fault.effect);
+      if (fault.isInForce && effect != nullptr && isAccepted(*effect)) {
+        return effect;
+      }
+    }
+    return nullptr;
+  }
+  template <class Kind>
+  const Kind* first() const {
+    return first<Kind>([](const Kind&) { return true; });
+  }
 
  private:
-  enum class Kind { Result, Output, Throw, Plug };
-
   struct Fault {
-    Kind kind = Kind::Result;
     std::string function;
-    std::string output;
     CallRange range;
-    std::int64_t result = 0;
-    ThrownFault thrown;
-    PlugChange change;
-    double value = 0;
+    Effect effect;
     std::int64_t calls = 0;  // counted so far
     bool isInForce = false;
   };
-
-  void add(Fault fault) { faults_.push_back(std::move(fault)); }
 
   std::vector<Fault> faults_;
 };

@@ -64,7 +64,7 @@ void FrameStream::start(std::int64_t now, QueueRule rule, bool isSingleFrame,
 void FrameStream::stop() {
   isRunning_ = false;
   isExposing_ = false;
-  queued_ = 0;
+  queue_.clear();
 }
 
 void FrameStream::change(std::int64_t now, const FrameSettings& settings) {
@@ -76,7 +76,7 @@ void FrameStream::change(std::int64_t now, const FrameSettings& settings) {
 
 void FrameStream::restartFrame(std::int64_t now, const FrameSettings& settings) {
   if (isRunning_) {
-    queued_ = 0;
+    queue_.clear();
     settings_ = settings;
     exposing_.settings = settings;
     completion_ = later(now, framePeriodUs(settings), never);
@@ -86,7 +86,7 @@ void FrameStream::restartFrame(std::int64_t now, const FrameSettings& settings) 
 
 const Frame* FrameStream::waiting(std::int64_t now) {
   catchUp(now);
-  return queued_ > 0 ? queue_.data() : nullptr;
+  return queue_.empty() ? nullptr : &queue_.front();
 }
 
 std::optional<std::int64_t> FrameStream::nextCompletion() const {
@@ -95,8 +95,7 @@ std::optional<std::int64_t> FrameStream::nextCompletion() const {
 
 void FrameStream::take(std::int64_t now) {
   catchUp(now);
-  std::move(queue_.begin() + 1, queue_.end(), queue_.begin());
-  --queued_;
+  queue_.erase(queue_.begin());
   if (!isExposing_ && !isSingleFrame_) {
     exposing_.settings = settings_;
     completion_ = later(now, framePeriodUs(settings_), never);
@@ -116,15 +115,15 @@ void FrameStream::catchUp(std::int64_t now) {
 
 // Adds the exposed frame to the queue and begins the next one.
 void FrameStream::completeFrame() {
-  if (queued_ == rule_.length) {
-    std::move(queue_.begin() + 1, queue_.end(), queue_.begin());
-    --queued_;
+  if (queue_.size() == rule_.length) {
+    queue_.erase(queue_.begin());
   }
-  queue_.at(queued_++) = exposing_;
+  queue_.push_back(exposing_);
   ++exposing_.number;
   exposing_.settings = settings_;
   completion_ = later(completion_, framePeriodUs(settings_), never);
-  isExposing_ = !isSingleFrame_ && !(rule_.whenFull == WhenFull::Pause && queued_ == rule_.length);
+  isExposing_ =
+      !isSingleFrame_ && !(rule_.whenFull == WhenFull::Pause && queue_.size() == rule_.length);
 }
 
 // After a long time without a call, only the last frames can still be in the queue. The frames

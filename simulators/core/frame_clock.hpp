@@ -1,11 +1,11 @@
 // Time in a simulated SDK: the clock and the stream of frames that depends on it.
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "core/sensor.hpp"
 
@@ -43,7 +43,7 @@ enum class WhenFull {
 };
 
 struct QueueRule {
-  std::size_t length;  // frames, 1 to FrameStream::longestQueue
+  std::size_t length;  // frames, at least 1
   WhenFull whenFull;
 };
 
@@ -61,13 +61,11 @@ struct Frame {
 // There is no thread: every call first completes the frames that are due by the clock.
 class FrameStream {
  public:
-  static constexpr std::size_t longestQueue = 4;
-
   // True between start() and stop().
   bool isRunning() const { return isRunning_; }
 
   // Whether a stream of one frame has exposed and delivered it.
-  bool isFinished() const { return isSingleFrame_ && !isExposing_ && queued_ == 0; }
+  bool isFinished() const { return isSingleFrame_ && !isExposing_ && queue_.empty(); }
 
   // Begins to expose frame 0. A stream of one frame exposes no further one.
   void start(std::int64_t now, QueueRule rule, bool isSingleFrame, const FrameSettings& settings);
@@ -100,8 +98,7 @@ class FrameStream {
   FrameSettings settings_;  // of the next frame
   Frame exposing_;
   std::int64_t completion_ = 0;
-  std::array<Frame, longestQueue> queue_;
-  std::size_t queued_ = 0;
+  std::vector<Frame> queue_;
 };
 
 }  // namespace orvane::sim

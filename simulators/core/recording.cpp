@@ -5,7 +5,6 @@
 #include <new>
 #include <utility>
 
-#include "core/samples.hpp"
 #include "formats/ser_layout.hpp"
 
 namespace orvane::sim {
@@ -15,23 +14,109 @@ namespace {
 constexpr std::int32_t longestSide = 1 << 16;
 constexpr std::int64_t mostSamples = 400'000'000;
 
-struct Color {
-  std::int32_t id;
-  Mosaic mosaic;
-  std::int32_t planes;
-  bool isBlueFirst;
+// Converts the recording's light to a count.
+struct Scale {
+  double factor;
+  double pedestal;  // including 0.5 for rounding
+  double largest;
+
+  std::int32_t countOf(double light) const {
+    const double value = light * factor + pedestal;
+    const double positive = value > 0 ? value : 0;
+    return static_cast<std::int32_t>(std::min(positive, largest));
+  }
 };
 
-constexpr Color colors[] = {
-    {ser::color::mono, Mosaic::None, 1, false}, {ser::color::rggb, Mosaic::Rggb, 1, false},
-    {ser::color::grbg, Mosaic::Grbg, 1, false}, {ser::color::gbrg, Mosaic::Gbrg, 1, false},
-    {ser::color::bggr, Mosaic::Bggr, 1, false}, {ser::color::rgb, Mosaic::None, 3, false},
-    {ser::color::bgr, Mosaic::None, 3, true}};
+Scale scaleOf(const FrameSettings& settings) {
+  const std::int32_t largest = (1 << settings.bitDepth) - 1;
+  const double exposure = std::min(settings.exposureUs, longestExposureUs) / normalExposureUs;
+  return {settings.gain * exposure / (1 << (16 - settings.bitDepth)),
+          settings.pedestal * largest + 0.5, static_cast<double>(largest)};
+}
+
+// The first pixel of the recording's row or column that the sensor sees. It is even, so that the
+// Bayer pattern stays the same.
+std::int32_t firstSeen(std::int32_t recorded, std::int32_t sensor) {
+  return recorded > sensor ? (recorded - std::max(sensor, 0)) / 2 & ~1 : 0;
+}
 
 }  // namespace
 
-std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize,
-                                  Format& format) {
+// The part of the recording that one frame shows.
+class Recording::View {
+ public:
+  View(const Recording& recording, const FrameSettings& settings)
+      : recording_(recording),
+        settings_(settings),
+        left_(firstSeen(recording.format_.width, settings.sensorWidth)),
+        top_(firstSeen(recording.format_.height, settings.sensorHeight)),
+        bin_(std::max(settings.bin, 1)),
+        step_(isFiltered(settings) ? 2 : 1),
+        area_(static_cast<double>(bin_) * bin_) {}
+
+  // The light on a sample of the frame. Row and sample are counted in the order of delivery.
+  double light(std::int32_t row, std::int32_t sample) const {
+    const std::int32_t samples = samplesPerPixel(settings_.layout);
+    const Region& region = settings_.region;
+    const std::int32_t x = region.x + sample / samples;
+    const std::int32_t y = region.y + (settings_.isTurned ? region.height - 1 - row : row);
+    if (samples == 3) {
+      const auto color = static_cast<std::size_t>(sample % samples);
+      return average(x, y, settings_.layout == Layout::Bgr24 ? 2 - color : color);
+    }
+    const bool isFiltered = step_ == 2;
+    return average(x, y,
+                   isFiltered ? filterPlane(settings_.bayerPattern, x, region.y + row) : anyColor);
+  }
+
+ private:
+  static constexpr std::size_t anyColor = 3;
+
+  // The first pixel of a binned one. With a Bayer pattern, every second pixel belongs to it: those
+  // with the same filter.
+  std::int64_t firstBehind(std::int64_t binned) const {
+    return step_ == 2 ? (binned & ~std::int64_t{1}) * bin_ + (binned & 1) : binned * bin_;
+  }
+
+  double average(std::int32_t x, std::int32_t y, std::size_t plane) const {
+    const std::int64_t left = left_ + firstBehind(x);
+    const std::int64_t top = top_ + firstBehind(y);
+    double sum = 0;
+    for (std::int64_t row = 0; row < bin_; ++row) {
+      for (std::int64_t column = 0; column < bin_; ++column) {
+        sum += at(left + column * step_, top + row * step_, plane);
+      }
+    }
+    return sum / area_;
+  }
+
+  double at(std::int64_t x, std::int64_t y, std::size_t plane) const {
+    if (x < 0 || y < 0 || x >= recording_.format_.width || y >= recording_.format_.height) {
+      return 0;
+    }
+    const auto column = static_cast<std::int32_t>(x);
+    const auto row = static_cast<std::int32_t>(y);
+    return plane == anyColor ? recording_.brightness(column, row)
+                             : recording_.light(plane, column, row);
+  }
+
+  const Recording& recording_;
+  const FrameSettings& settings_;
+  std::int32_t left_;
+  std::int32_t top_;
+  std::int32_t bin_;
+  std::int32_t step_;
+  double area_;
+};
+
+std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize) {
+  static constexpr Color colors[] = {{ser::color::mono},
+                                     {ser::color::rggb, BayerPattern::Rggb},
+                                     {ser::color::grbg, BayerPattern::Grbg},
+                                     {ser::color::gbrg, BayerPattern::Gbrg},
+                                     {ser::color::bggr, BayerPattern::Bggr},
+                                     {ser::color::rgb, BayerPattern::None, 3},
+                                     {ser::color::bgr, BayerPattern::None, 3, true}};
   namespace offset = ser::offset;
   const auto number = [&](std::size_t at) { return ser::integerAt<std::int32_t>(header, at); };
   if (!std::equal(ser::fileId.begin(), ser::fileId.end(), header.begin())) {
@@ -43,73 +128,57 @@ std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int
   if (color == std::end(colors)) {
     return "its colours are of a kind that is not known here";
   }
-  format.mosaic = color->mosaic;
-  format.planes = color->planes;
-  format.isBlueFirst = color->isBlueFirst;
-  format.isBigEndian = number(offset::littleEndian) != ser::byteOrder::little;
-  format.width = number(offset::width);
-  format.height = number(offset::height);
-  format.depth = number(offset::depth);
+  format_.color = *color;
+  format_.isBigEndian = number(offset::littleEndian) != ser::byteOrder::little;
+  format_.width = number(offset::width);
+  format_.height = number(offset::height);
+  format_.depth = number(offset::depth);
   const auto isSide = [](std::int32_t side) { return side >= 1 && side <= longestSide; };
-  if (!isSide(format.width) || !isSide(format.height) || format.samples() > mostSamples) {
+  if (!isSide(format_.width) || !isSide(format_.height) || format_.samples() > mostSamples) {
     return "its frames have a size that no camera has";
   }
-  if (format.depth < 1 || format.depth > 16) {
+  if (format_.depth < 1 || format_.depth > 16) {
     return "its samples have a depth that is not from 1 to 16 bits";
   }
   // The header of an interrupted recording may state too many frames, or none.
   const std::int64_t promised = number(offset::frameCount);
   const std::int64_t present =
-      (fileSize - static_cast<std::int64_t>(ser::headerSize)) / format.frameBytes();
-  format.frameCount = promised > 0 ? std::min(promised, present) : present;
-  return format.frameCount > 0 ? "" : "it holds no whole frame";
+      (fileSize - static_cast<std::int64_t>(ser::headerSize)) / format_.frameBytes();
+  format_.frameCount = promised > 0 ? std::min(promised, present) : present;
+  return format_.frameCount > 0 ? "" : "it holds no whole frame";
 }
 
 std::string Recording::open(const std::string& path) {
-  File file = openFile(path, "rb");
-  const std::int64_t size = file ? sizeOf(file.get()) : -1;
-  std::array<std::uint8_t, ser::headerSize> header{};
+  Recording opened;
+  opened.file_ = openFile(path, "rb");
+  const std::int64_t size = opened.isOpen() ? sizeOf(opened.file_.get()) : -1;
   if (size < 0) {
     return "it cannot be opened";
   }
-  if (std::fread(header.data(), 1, header.size(), file.get()) != header.size()) {
+  std::array<std::uint8_t, ser::headerSize> header{};
+  if (std::fread(header.data(), 1, header.size(), opened.file_.get()) != header.size()) {
     return "it is no SER recording";
   }
-  Format format;
-  std::string problem = readFormat(header, size, format);
+  std::string problem = opened.readFormat(header, size);
   if (!problem.empty()) {
     return problem;
   }
   try {
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(format.frameBytes()));
-    samples_ = std::vector<std::uint16_t>(static_cast<std::size_t>(format.samples()));
-    bytes_ = std::move(bytes);
+    opened.bytes_.resize(static_cast<std::size_t>(opened.format_.frameBytes()));
+    opened.samples_.resize(static_cast<std::size_t>(opened.format_.samples()));
   } catch (const std::bad_alloc&) {
     return "there is no memory for its frames";
   }
-  file_ = std::move(file);
-  format_ = format;
-  present_ = -1;
+  *this = std::move(opened);
   return "";
-}
-
-void Recording::close() {
-  file_.reset();
-  format_ = {};
-  present_ = -1;
-  bytes_ = {};
-  samples_ = {};
 }
 
 void Recording::show(std::int64_t frameNumber) {
   const std::int64_t frame = frameNumber % format_.frameCount;
-  if (frame != present_) {
-    read(frame);
-    present_ = frame;
+  if (frame == present_) {
+    return;
   }
-}
-
-void Recording::read(std::int64_t frame) {
+  present_ = frame;
   const std::int64_t start =
       static_cast<std::int64_t>(ser::headerSize) + frame * format_.frameBytes();
   if (!seek(file_.get(), start) ||
@@ -121,21 +190,22 @@ void Recording::read(std::int64_t frame) {
     samples_[index] = static_cast<std::uint16_t>(
         ser::sampleAt(bytes_, index, format_.depth, format_.isBigEndian) << shift);
   }
-  for (std::size_t pixel = 0; format_.isBlueFirst && pixel < samples_.size(); pixel += 3) {
+  for (std::size_t pixel = 0; format_.color.isBlueFirst && pixel < samples_.size(); pixel += 3) {
     std::swap(samples_[pixel], samples_[pixel + 2]);
   }
 }
 
 float Recording::sample(std::int32_t x, std::int32_t y, std::size_t plane) const {
   const auto pixel = static_cast<std::size_t>(std::int64_t{y} * format_.width + x);
-  return samples_[pixel * static_cast<std::size_t>(format_.planes) + plane];
+  return samples_[pixel * static_cast<std::size_t>(format_.color.planes) + plane];
 }
 
 float Recording::light(std::size_t plane, std::int32_t x, std::int32_t y) const {
-  if (format_.planes == 3) {
+  if (format_.color.planes == 3) {
     return sample(x, y, plane);
   }
-  const bool isOwn = format_.mosaic == Mosaic::None || filterPlane(format_.mosaic, x, y) == plane;
+  const bool isOwn = format_.color.bayerPattern == BayerPattern::None ||
+                     filterPlane(format_.color.bayerPattern, x, y) == plane;
   return isOwn ? sample(x, y, 0) : ofNeighbours(plane, x, y);
 }
 
@@ -147,8 +217,8 @@ float Recording::ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y)
 
 // The neighbours with a filter are left and right, above and below, or at the corners.
 float Recording::ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
-  const bool isBeside = filterPlane(format_.mosaic, x + 1, y) == plane;
-  const bool isAbove = filterPlane(format_.mosaic, x, y + 1) == plane;
+  const bool isBeside = filterPlane(format_.color.bayerPattern, x + 1, y) == plane;
+  const bool isAbove = filterPlane(format_.color.bayerPattern, x, y + 1) == plane;
   if (!isBeside && !isAbove) {
     return (sample(x - 1, y - 1, 0) + sample(x + 1, y - 1, 0) + sample(x - 1, y + 1, 0) +
             sample(x + 1, y + 1, 0)) /
@@ -165,7 +235,7 @@ float Recording::ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::i
   for (std::int32_t row = std::max(y - 1, 0); row <= std::min(y + 1, format_.height - 1); ++row) {
     for (std::int32_t column = std::max(x - 1, 0); column <= std::min(x + 1, format_.width - 1);
          ++column) {
-      if (filterPlane(format_.mosaic, column, row) == plane) {
+      if (filterPlane(format_.color.bayerPattern, column, row) == plane) {
         sum += sample(column, row, 0);
         count += 1;
       }
@@ -175,10 +245,26 @@ float Recording::ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::i
 }
 
 float Recording::brightness(std::int32_t x, std::int32_t y) const {
-  if (format_.planes == 1 && format_.mosaic == Mosaic::None) {
+  if (format_.color.planes == 1 && format_.color.bayerPattern == BayerPattern::None) {
     return sample(x, y, 0);
   }
   return redPart * light(0, x, y) + greenPart * light(1, x, y) + bluePart * light(2, x, y);
+}
+
+void Recording::render(const FrameSettings& settings, std::int64_t frameNumber,
+                       std::uint8_t* buffer, std::int64_t rowPitch) {
+  show(frameNumber);
+  const View view(*this, settings);
+  const Scale scale = scaleOf(settings);
+  for (std::int32_t row = 0; row < settings.region.height; ++row) {
+    // Captured by value: the compiler would read references again after each write to the counts.
+    storeRow(settings, buffer + row * rowPitch,
+             [view, scale, row](std::int32_t start, std::int32_t count, std::int32_t* counts) {
+               for (std::int32_t index = 0; index < count; ++index) {
+                 counts[index] = scale.countOf(view.light(row, start + index));
+               }
+             });
+  }
 }
 
 }  // namespace orvane::sim

@@ -1,4 +1,7 @@
-// A recording that the cameras see instead of the synthetic sky: the frames of a SER file.
+// A recording that the cameras see instead of the synthetic sky: the frames of a SER file, and the
+// sensor in front of them.
+//
+// sim_play_recording() describes how it is shown.
 #pragma once
 
 #include <cstddef>
@@ -19,14 +22,42 @@ class Recording {
   // why the file cannot be played; the previous one then stays open.
   std::string open(const std::string& path);
 
-  void close();
+  void close() { *this = {}; }
   bool isOpen() const { return file_ != nullptr; }
 
-  std::int32_t width() const { return format_.width; }
-  std::int32_t height() const { return format_.height; }
+  // Writes a frame, as Renderer::render() does. The recording is open and repeats: frame numbers
+  // beyond its end start again at its first frame. A frame that can no longer be read is black.
+  void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
+              std::int64_t rowPitch);
 
-  // Makes a frame the present one. The recording repeats: frame numbers beyond its end start again
-  // at its first frame. A frame that can no longer be read is black.
+ private:
+  class View;
+
+  // The colours of a file's frames.
+  struct Color {
+    std::int32_t id = 0;  // in the header
+    BayerPattern bayerPattern = BayerPattern::None;
+    std::int32_t planes = 1;
+    bool isBlueFirst = false;
+  };
+
+  // The contents of the header.
+  struct Format {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    Color color;
+    std::int32_t depth = 8;
+    bool isBigEndian = false;
+    std::int64_t frameCount = 0;
+
+    std::int64_t samples() const { return std::int64_t{width} * height * color.planes; }
+    std::int64_t frameBytes() const { return samples() * (depth > 8 ? 2 : 1); }
+  };
+
+  // Returns "", or the reason why the file cannot be played.
+  std::string readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize);
+
+  // Makes a frame the present one.
   void show(std::int64_t frameNumber);
 
   // The present frame's light in one colour (0 red, 1 green, 2 blue) at a pixel inside the frame.
@@ -36,29 +67,10 @@ class Recording {
   // The present frame's light at a pixel, whatever its colour.
   float brightness(std::int32_t x, std::int32_t y) const;
 
- private:
-  // The contents of the header.
-  struct Format {
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::int32_t planes = 1;
-    bool isBlueFirst = false;
-    Mosaic mosaic = Mosaic::None;
-    std::int32_t depth = 8;
-    bool isBigEndian = false;
-    std::int64_t frameCount = 0;
-
-    std::int64_t samples() const { return std::int64_t{width} * height * planes; }
-    std::int64_t frameBytes() const { return samples() * (depth > 8 ? 2 : 1); }
-  };
-
-  static std::string readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize,
-                                Format& format);
   float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
   float ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
   float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
   float ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::int32_t y) const;
-  void read(std::int64_t frame);
 
   File file_;
   Format format_;

@@ -3,6 +3,8 @@
 
 #include <stdexcept>
 
+#include "simulator_control.h"
+
 namespace orvane::sim {
 namespace {
 
@@ -32,11 +34,11 @@ struct ObjectException {
 
 }  // namespace
 
-void throwSdkException(ThrownKind kind, const char* text) {
+void throwSdkException(std::int32_t kind, const char* text) {
   switch (kind) {
-    case ThrownKind::Standard:
+    case SIM_THROW_STANDARD:
       throw StandardException(text);
-    case ThrownKind::Number:
+    case SIM_THROW_NUMBER:
       throw 7;  // NOLINT(hicpp-exception-baseclass)
     default:
       throw ObjectException{};  // NOLINT(hicpp-exception-baseclass)

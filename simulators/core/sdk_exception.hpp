@@ -6,15 +6,9 @@
 
 namespace orvane::sim {
 
-enum class ThrownKind {
-  Standard,  // an object that derives from std::runtime_error
-  Number,    // the int 7
-  Object,    // an object of a class of its own
-};
-
-// Throws. A standard exception's what() returns `text` unchanged, even if it is null or not
-// readable.
-[[noreturn]] void throwSdkException(ThrownKind kind, const char* text);
+// Throws what sim_throw() describes. A standard exception's what() returns `text` unchanged, even
+// if it is null or not readable.
+[[noreturn]] void throwSdkException(std::int32_t kind, const char* text);
 
 // The number of thrown objects that have not been destroyed. Negative if one was destroyed twice or
 // at an address other than its own.

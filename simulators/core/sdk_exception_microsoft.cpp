@@ -1,6 +1,7 @@
 // Throws exceptions as Microsoft's compiler does, from a simulator that GCC built.
 #include "core/microsoft_exception.hpp"
 #include "core/sdk_exception.hpp"
+#include "simulator_control.h"
 
 namespace orvane::sim {
 namespace {
@@ -34,13 +35,13 @@ const MicrosoftThrow objectThrow({".?AUSdkTrouble@@"}, sizeof(PlainObject), dest
 
 }  // namespace
 
-void throwSdkException(ThrownKind kind, const char* text) {
-  if (kind == ThrownKind::Standard) {
+void throwSdkException(std::int32_t kind, const char* text) {
+  if (kind == SIM_THROW_STANDARD) {
     MicrosoftStandardObject object(standardTable, text);
     ++alive;
     standardThrow.raise(&object);
   }
-  if (kind == ThrownKind::Number) {
+  if (kind == SIM_THROW_NUMBER) {
     int number = 7;
     numberThrow.raise(&number);
   }

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <new>
 
 #include "core/random.hpp"
-#include "core/samples.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -95,21 +96,17 @@ struct Conversion {
   float counts;      // per electron
   float pedestal;    // counts, including 0.5 for rounding
   float largest;
-  std::int32_t shift;  // to the left, from the converter's bits to the sample's; negative: right
 };
 
 Conversion conversionOf(const FrameSettings& settings) {
   const std::int32_t largest = (1 << settings.bitDepth) - 1;
   const double counts = settings.gain * largest / electronsAtFullScale;
-  Conversion conversion{};
-  const double exposure = std::min(settings.exposureUs, longestExposureUs) / usualExposureUs;
-  conversion.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure);
-  conversion.noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1));
-  conversion.counts = static_cast<float>(counts);
-  conversion.pedestal = static_cast<float>(settings.pedestal * largest + 0.5);
-  conversion.largest = static_cast<float>(largest);
-  conversion.shift = sampleShift(settings);
-  return conversion;
+  const double exposure = std::min(settings.exposureUs, longestExposureUs) / normalExposureUs;
+  return {.electrons = static_cast<float>(planetPart * electronsAtFullScale * exposure),
+          .noiseScale = 1.0F / static_cast<float>(std::max(settings.bin, 1)),
+          .counts = static_cast<float>(counts),
+          .pedestal = static_cast<float>(settings.pedestal * largest + 0.5),
+          .largest = static_cast<float>(largest)};
 }
 
 // Exposes up to a block of samples and converts them to counts.
@@ -125,31 +122,13 @@ void expose(const Conversion& conversion, const float* light, const float* noise
   }
 }
 
+static_assert(std::endian::native == std::endian::little, "samples are stored low byte first");
+
 }  // namespace
 
-Mosaic mosaicOfBayerNumber(std::int32_t number) {
-  switch (number) {
-    case 1:
-      return Mosaic::Bggr;
-    case 2:
-      return Mosaic::Grbg;
-    case 3:
-      return Mosaic::Gbrg;
-    default:
-      return Mosaic::Rggb;
-  }
-}
-
 std::int32_t bytesPerPixel(Layout layout) {
-  switch (layout) {
-    case Layout::Raw16:
-      return 2;
-    case Layout::Bgr24:
-    case Layout::Rgb24:
-      return 3;
-    default:
-      return 1;
-  }
+  const bool isColor = layout == Layout::Bgr24 || layout == Layout::Rgb24;
+  return isColor ? 3 : layout == Layout::Raw16 ? 2 : 1;
 }
 
 std::int64_t frameBytes(const FrameSettings& settings) {
@@ -165,17 +144,31 @@ std::int64_t framePeriodUs(const FrameSettings& settings) {
       std::min(std::max({shortest, transfer, settings.exposureUs}), longestExposureUs));
 }
 
+void storeSamples(const FrameSettings& settings, const std::int32_t* counts, std::int32_t count,
+                  std::uint8_t* bytes) {
+  if (bytesPerSample(settings.layout) == 1) {
+    const std::int32_t shift = settings.bitDepth - 8;
+    for (std::int32_t i = 0; i < count; ++i) {
+      bytes[i] = static_cast<std::uint8_t>(counts[i] >> shift);
+    }
+    return;
+  }
+  const std::int32_t shift = settings.alignment == Alignment::Left ? 16 - settings.bitDepth : 0;
+  std::array<std::uint16_t, blockLength> samples;
+  for (std::int32_t i = 0; i < count; ++i) {
+    samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(counts[i] << shift);
+  }
+  std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
+}
+
 void Renderer::forget() {
-  key_ = {};
+  geometry_ = {};
   light_ = {};
   planes_ = {};
 }
 
 void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
-  const Key key{
-      seed,         settings.camera, settings.sensorWidth, settings.sensorHeight, settings.mosaic,
-      settings.bin, settings.region, settings.layout,      settings.isUpsideDown};
-  if (key == key_) {
+  if (seed == seed_ && geometry_ == settings) {
     return;
   }
   forget();
@@ -196,7 +189,8 @@ void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
   if (!isWholeFrame_) {
     light_.resize(rowSamples);
   }
-  key_ = key;
+  seed_ = seed;
+  geometry_ = settings;
   for (std::int32_t row = 0; isWholeFrame_ && row < settings.region.height; ++row) {
     lightRow(row, light_.data() + rowSamples * static_cast<std::size_t>(row));
   }
@@ -204,39 +198,41 @@ void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
 
 // Computes the light on all samples of one row of the frame. Rows are in the order of delivery.
 void Renderer::lightRow(std::int32_t row, float* light) {
-  const Region& region = key_.region;
-  const std::int32_t sensorRow = region.y + (key_.isUpsideDown ? region.height - 1 - row : row);
-  const double pixel = static_cast<double>(key_.bin) / key_.sensorHeight;
+  const Region& region = geometry_.region;
+  const std::int32_t sensorRow =
+      region.y + (geometry_.isUpsideDown ? region.height - 1 - row : row);
+  const double pixel = static_cast<double>(geometry_.bin) / geometry_.sensorHeight;
   const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, region.width};
   const auto width = static_cast<std::size_t>(region.width);
   const auto plane = [&](std::size_t number) { return planes_.data() + number * width; };
   scene_.light(place, plane(0), plane(1), plane(2));
   float* const lens = plane(3);
-  lensRow(place, static_cast<double>(key_.sensorWidth) / key_.sensorHeight, pixel, lens);
+  lensRow(place, static_cast<double>(geometry_.sensorWidth) / geometry_.sensorHeight, pixel, lens);
 
-  const std::int32_t samples = samplesPerPixel(key_.layout);
+  const std::int32_t samples = samplesPerPixel(geometry_.layout);
   if (samples == 3) {
-    const bool isBlueFirst = key_.layout == Layout::Bgr24;
+    const bool isBlueFirst = geometry_.layout == Layout::Bgr24;
     for (std::size_t color = 0; color < 3; ++color) {
       const float* const from = plane(isBlueFirst ? 2 - color : color);
       for (std::size_t x = 0; x < width; ++x) {
         light[3 * x + color] = from[x] * lens[x];
       }
     }
-  } else if (key_.mosaic == Mosaic::None || key_.layout == Layout::Luma8) {
+  } else if (!isFiltered(geometry_)) {
     for (std::size_t x = 0; x < width; ++x) {
       light[x] =
           (redPart * plane(0)[x] + greenPart * plane(1)[x] + bluePart * plane(2)[x]) * lens[x];
     }
   } else {
     for (std::int32_t phase = 0; phase < 2; ++phase) {
-      const float* const from = plane(filterPlane(key_.mosaic, region.x + phase, region.y + row));
+      const float* const from =
+          plane(filterPlane(geometry_.bayerPattern, region.x + phase, region.y + row));
       for (auto x = static_cast<std::size_t>(phase); x < width; x += 2) {
         light[x] = from[x] * lens[x];
       }
     }
   }
-  addHotPixels(mix(key_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,
+  addHotPixels(mix(geometry_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,
                light);
 }
 
@@ -247,11 +243,10 @@ void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::in
   }
   prepare(seed, settings);
   const Conversion conversion = conversionOf(settings);
-  const std::int32_t rowSamples = settings.region.width * samplesPerPixel(settings.layout);
   const std::uint64_t frameKey =
       mix(mix(seed) + mix(settings.camera) + static_cast<std::uint64_t>(frameNumber));
+  const std::int32_t rowSamples = settings.region.width * samplesPerPixel(settings.layout);
   std::array<float, blockLength> noise;
-  std::array<std::int32_t, blockLength> counts;
   for (std::int32_t row = 0; row < settings.region.height; ++row) {
     const float* light = light_.data();
     if (isWholeFrame_) {
@@ -260,14 +255,11 @@ void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::in
       lightRow(row, light_.data());
     }
     const std::uint64_t rowKey = mix(frameKey + static_cast<std::uint64_t>(row));
-    std::uint8_t* const bytes = buffer + row * rowPitch;
-    for (std::int32_t start = 0; start < rowSamples; start += blockLength) {
-      const std::int32_t count = std::min(rowSamples - start, blockLength);
-      makeNoise(rowKey + static_cast<std::uint64_t>(start), count, noise.data());
-      expose(conversion, light + start, noise.data(), count, counts.data());
-      storeSamples(counts.data(), count, settings.layout, conversion.shift,
-                   bytes + std::ptrdiff_t{start} * bytesPerSample(settings.layout));
-    }
+    storeRow(settings, buffer + row * rowPitch,
+             [&](std::int32_t start, std::int32_t count, std::int32_t* counts) {
+               makeNoise(rowKey + static_cast<std::uint64_t>(start), count, noise.data());
+               expose(conversion, light + start, noise.data(), count, counts);
+             });
   }
 }
 

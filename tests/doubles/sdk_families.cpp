@@ -35,7 +35,7 @@ SimCamera torturedCamera(const SdkFamily& family) {
   camera.pixelSizeUm = 3.75;
   camera.bitDepth = 12;
   camera.isColor = 1;
-  camera.mosaic = family.rggb;
+  camera.bayerPattern = family.rggb;
   camera.isUsb3Camera = 1;
   camera.isUsb3Host = 1;
   const std::int32_t bins[] = {1, 2, 3, 4};

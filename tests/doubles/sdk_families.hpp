@@ -19,7 +19,7 @@ namespace orvane::testing {
 struct SdkFamily {
   const char* maker;
   const char* baseName;
-  std::int32_t rggb;  ///< the maker's code of the Bayer pattern RGGB, for SimCamera::mosaic
+  std::int32_t rggb;  ///< the maker's code of the Bayer pattern RGGB, for SimCamera::bayerPattern
   int richFormat;     ///< a format for oc_open() with more than one byte per pixel
   /// All failure codes that the maker lists. A short run uses only every `codeStep`th.
   std::span<const std::int64_t> codes;

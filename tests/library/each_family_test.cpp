@@ -547,7 +547,7 @@ TEST_P(FamilyWithIds, BayerCodesOfAllPatternsAndZeroForOthers) {
   const int expected[][2] = {{0, 8}, {1, 11}, {2, 9},          {3, 10},
                              {4, 0}, {-1, 0}, {2147483647, 0}, {77, 0}};
   for (const auto& [pattern, bayer] : expected) {
-    small.mosaic = pattern;
+    small.bayerPattern = pattern;
     small.isColor = 1;
     rescan();
     EXPECT_EQ(infoValue(0, "bayer"), std::to_string(bayer)) << pattern;

@@ -40,7 +40,7 @@ inline SimCamera smallCamera() {
 /// family accepts.
 inline SimCamera smallCamera(const SdkFamily& family) {
   SimCamera camera = smallCamera();
-  camera.mosaic = family.rggb;
+  camera.bayerPattern = family.rggb;
   camera.gainMax = 1000;
   return camera;
 }

@@ -264,7 +264,7 @@ TEST_F(PlaybackTest, BayerPatternIsInterpolatedFromTheNeighbours) {
 }
 
 TEST_F(PlaybackTest, BayerPatternIsConvertedToTheCamerasOwn) {
-  small.mosaic = 1;  // BGGR
+  small.bayerPattern = 1;  // BGGR
   rescan();
   show(drawnRecording(8, 320, 202, uniformBayerPattern));
   EXPECT_EQ(sampleAt(10, 10), 40);

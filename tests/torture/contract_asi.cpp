@@ -26,7 +26,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
         calls.checked(calls.askFreely("ASIGetCameraProperty", {logged(i)}), "ASIGetCameraProperty");
     const SimCamera& model = discovery.modelNamed(property.texts.at(0));
     ContractCamera camera = discovery.cameraNamed(property.texts.at(0));
-    camera.bayer = camera.isColor ? bayerOfNumber(model.mosaic) : hostNoBayer;
+    camera.bayer = camera.isColor ? bayerOfNumber(model.bayerPattern) : hostNoBayer;
     camera.bins = listOf(model.bins, 0, 16);
     camera.formats = listOf(model.formats, imgEnd, 8);
     std::transform(camera.formats.begin(), camera.formats.end(), camera.formats.begin(),

@@ -22,7 +22,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
     const SimCamera& model = discovery.modelNamed(properties.texts.at(0));
     ContractCamera camera = discovery.cameraNamed(properties.texts.at(0));
     camera.isUsb3Camera = camera.isUsb3Host;  // this SDK has only one flag
-    camera.bayer = camera.isColor ? bayerOfNumber(model.mosaic) : hostNoBayer;
+    camera.bayer = camera.isColor ? bayerOfNumber(model.bayerPattern) : hostNoBayer;
     camera.bins = listOf(model.bins, 0, 8);
     camera.formats = listOf(model.formats, formatEnd, 8);
     if (!calls.hasFailed(calls.askFreely("POAOpenCamera", {camera.id}))) {

@@ -32,7 +32,7 @@ class LiveTest : public ::testing::Test {
     camera.pixelSizeUm = 3.75;
     camera.bitDepth = 12;
     camera.isColor = 1;
-    camera.mosaic = 0;
+    camera.bayerPattern = 0;
     camera.isUsb3Camera = 1;
     camera.isUsb3Host = 1;
     camera.bins[0] = 1;

@@ -34,6 +34,7 @@ struct Control {
   const char* name = "";  // if the maker's SDK reports names
   const char* description = "";
 
+  bool isThere = true;
   double value = 0;
   bool isAuto = false;
 
@@ -41,13 +42,19 @@ struct Control {
   bool isWritable() const { return access != Access::ReadOnly; }
 };
 
+// A control that only some cameras have.
+inline Control onlyIf(std::int32_t isThere, Control control) {
+  control.isThere = isThere != 0;
+  return control;
+}
+
 // The state of a camera from its opening to its closing.
 struct Device {
   bool isOpen = false;
-  bool isLost = false;           // was unplugged; stays lost when the camera is plugged in again
-  bool isInitialised = false;    // by the maker's init function, if the SDK has one
-  int streamMode = 0;            // QHYCCD
-  std::uint32_t toldLength = 0;  // QHYCCD: the last answer of GetQHYCCDMemLength; 0 if none
+  bool isLost = false;         // was unplugged; stays lost when the camera is plugged in again
+  bool isInitialised = false;  // by the maker's init function, if the SDK has one
+  int streamMode = 0;          // QHYCCD
+  std::uint32_t reportedLength = 0;  // QHYCCD: the last result of GetQHYCCDMemLength; 0 if none
   std::int32_t bin = 1;
   std::int32_t format = 0;  // the maker's number
   Region region;
@@ -58,18 +65,26 @@ struct Device {
   // The control with the maker's number; null if the camera has no such control.
   Control* find(int id);
 
-  // The value of a control, or `otherwise` if the camera has no such control.
-  double value(int id, double otherwise) const;
+  // The value of a control; 0 if the camera has no such control.
+  double value(int id) const;
 };
 
 struct Camera {
   std::size_t index = 0;
   SimCamera model{};
   bool isPlugged = true;
-  Device device;
+  Device device{};
 
   // Whether an open device still answers.
   bool isReachable() const { return isPlugged && !device.isLost; }
+};
+
+// The results of a maker's functions for calls that a camera cannot answer.
+struct Failures {
+  std::int64_t noCamera;   // no camera has this id, or the handle is null
+  std::int64_t closed;     // the camera, or the handle, is not open
+  std::int64_t unplugged;  // the camera was unplugged after it was opened
+  std::int64_t refused;    // not initialised, or opened by another program
 };
 
 // What differs between the makers' SDKs. Each maker's file defines one.
@@ -77,18 +92,31 @@ struct Maker {
   const char* sdkName;
   std::span<const SimCamera> cameras;  // the default cameras
   QueueRule queue;
+  std::int32_t widthStep = 1;  // the whole sensor's region is rounded down to multiples of these
+  std::int32_t heightStep = 1;
+  void (*setUp)(Camera& camera);  // sets the controls and the format of an opened camera
   FrameSettings (*frameSettings)(const Camera& camera);  // from the device's present settings
+  Failures failures;
 };
 
 extern const Maker maker;
 
-// The frame settings that all makers have in common: the camera's geometry, and the present bin and
-// region. The maker's file adds layout, Bayer pattern, exposure, gain and pedestal.
-FrameSettings commonSettings(const Camera& camera);
+// The maker's numbers of the controls that change the picture.
+struct PictureControls {
+  int exposure;  // microseconds
+  int gain;      // steps of 0.1 dB
+  int offset;    // counts of 12 bits
+};
 
-class Stage {
+// The frame settings that the makers have in common: the camera's geometry, the Bayer pattern of a
+// colour camera, the present bin and region, and the controls' values. The maker's file adds the
+// layout, and what its SDK counts in other units.
+FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
+                             const PictureControls& controls);
+
+class Sdk {
  public:
-  Stage() { reset(); }
+  Sdk() { reset(); }
 
   // Restores the state of a library that has just been loaded.
   void reset();
@@ -96,33 +124,37 @@ class Stage {
   Clock clock;
   Faults faults;
   CallLog log;
+  std::uint64_t seed = 1;  // of the scene and the noise
 
   // Sets the cameras. Forgets open devices and the enumeration.
   void setCameras(std::span<const SimCamera> models);
   Camera* camera(std::int64_t index);  // null if there is none
   void setPlugged(std::int64_t index, bool plugged);
-  void setSeed(std::uint64_t seed) { seed_ = seed; }
 
   // sim_play_recording(); null for the synthetic scene.
   bool playRecording(const char* path);
 
-  // The list of cameras as its user knows it, by position. Asking for their number refreshes it. A
-  // camera that is unplugged later stays in the list.
-  void enumerate();
-  std::size_t enumerated() const { return enumerated_.size(); }
+  // Refreshes the list of cameras that the user knows, and returns their number. A camera that is
+  // unplugged later stays in the list.
+  std::size_t enumerate();
   Camera* enumerated(std::int64_t position);      // null if out of range
-  Camera* enumeratedById(std::int32_t cameraId);  // null if there is none
   Camera* enumeratedByKey(std::string_view key);  // null if there is none
 
-  // Opens a camera, with these controls at their initial values.
-  void open(Camera& camera, std::vector<Control> controls);
-  void close(Camera& camera);
+  // Cameras by the id that the user passes. These functions return the maker's result codes.
+  Camera* find(std::int32_t id);  // null if no enumerated camera has this id
+  bool isKnown(std::int32_t id) { return find(id) != nullptr; }
+  int openById(std::int32_t id);
+  int closeById(std::int32_t id);
 
-  // Opaque handles of open devices.
-  void* makeHandle(const Camera& camera);
-  void endHandle(void* handle);
-  Camera* cameraOf(const void* handle);            // null if the handle is not open
+  // Cameras by an opaque handle that the user got when opening.
+  Camera* find(const void* handle);  // null if the handle is not open
+  static bool isKnown(const void* handle) { return handle != nullptr; }
   std::size_t numberOf(const void* handle) const;  // 1 for the first handle; 0 if unknown
+  void* openHandle(Camera& camera);
+  bool closeHandle(const void* handle);  // false if it is not open
+
+  // Sets the region to the whole sensor.
+  static void showWholeSensor(Camera& camera, std::int32_t bin);
 
   // Streams. Call changed() or restartFrame() after each change of a setting.
   void startStream(Camera& camera, bool isSingleFrame);
@@ -154,30 +186,26 @@ class Stage {
   bool isSdkInitialised = false;
 
  private:
-  struct Handle {
-    std::size_t camera = 0;
-    bool isOpen = false;
-  };
-
   void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
               std::int64_t rowPitch);
-  Handle* find(const void* handle);
-  void forgetDevices();
+  template <class IsWanted>
+  Camera* firstEnumerated(const IsWanted& isWanted);
+  void open(Camera& camera);
+  void close(Camera& camera);
 
-  std::uint64_t seed_ = 1;
   std::vector<Camera> cameras_;
-  std::vector<std::size_t> enumerated_;
-  // A handle is the address of its entry. Entries are never reused, so that a closed handle is
-  // recognised.
-  std::deque<Handle> handles_;
+  std::vector<Camera*> enumerated_;
+  // A handle is the address of its entry, which is null after closing. Entries are never reused, so
+  // that a closed handle is recognised.
+  std::deque<Camera*> handles_;
   std::size_t forgottenHandles_ = 0;
   Renderer renderer_;
   Recording recording_;  // played if it is open
   SimInvariants counts_{};
 };
 
-// The one stage of this library.
-Stage& stage();
+// The one SDK that this library simulates.
+Sdk& sdk();
 
 // sim_command().
 bool runCommands(std::string_view commands);
