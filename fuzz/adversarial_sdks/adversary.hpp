@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "common/input.hpp"
+#include "input.hpp"
 #include "doubles/scripted_platform.hpp"
 
 namespace orvane::fuzz {

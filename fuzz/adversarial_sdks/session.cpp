@@ -1,13 +1,12 @@
 // One run of the library against adversarial SDKs: calls that a host may make, in any order, with
 // checks after each.
-#include "adversarial_sdks/session.hpp"
-
 #include <cstring>
 #include <iterator>
 #include <memory>
 
 #include "adversarial_sdks/adversary.hpp"
 #include "api/state.hpp"
+#include "checks.hpp"
 #include "orvane_desktop_camera.h"
 
 namespace orvane::fuzz {

@@ -1,11 +1,10 @@
 // Checks the JSON description of a camera with an independent parser.
-#include "camera_json/json_check.hpp"
-
 #include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "catalogue/camera_json.hpp"
-#include "common/input.hpp"
+#include "checks.hpp"
+#include "input.hpp"
 
 namespace orvane::fuzz {
 
