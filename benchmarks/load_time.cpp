@@ -31,26 +31,18 @@ void loadAndUnload(const std::string& file) {
   }
 }
 
-void run(const std::string& library, const std::string& empty) {
-  const benchmarks::Medians medians = benchmarks::timeSideBySide(
-      rounds, [&] { loadAndUnload(library); }, [&] { loadAndUnload(empty); });
+bool run(const std::string& library, const std::string& empty) {
+  const auto times = benchmarks::medianTimes(
+      rounds, {[&] { loadAndUnload(library); }, [&] { loadAndUnload(empty); }});
   std::printf("  loading and unloading: %.0f us, an empty library %.0f us, ratio %.2f\n",
-              medians.ours / 1e3, medians.floor / 1e3, medians.ours / medians.floor);
+              times[0] / 1e3, times[1] / 1e3, times[0] / times[1]);
+  return true;
 }
 
 }  // namespace
 }  // namespace orvane
 
 int main(int count, char** arguments) {
-  if (count != 3) {
-    std::fprintf(stderr, "load_time LIBRARY_FILE EMPTY_LIBRARY_FILE\n");
-    return 2;
-  }
-  try {
-    orvane::run(arguments[1], arguments[2]);
-    return 0;
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "load_time: %s\n", failure.what());
-    return 2;
-  }
+  return orvane::benchmarks::runBenchmark("load_time LIBRARY_FILE EMPTY_LIBRARY_FILE", count == 3,
+                                          [&] { return orvane::run(arguments[1], arguments[2]); });
 }

@@ -11,10 +11,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "floor.hpp"
 #include "interleaved.hpp"
-#include "library_by_name.hpp"
 #include "orvane_desktop_camera.h"
-#include "sdk_signatures.hpp"
 
 namespace orvane {
 namespace {
@@ -147,27 +146,22 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
                              std::string(library.find<decltype(::oc_error)>("oc_error")()));
   }
 
-  const benchmarks::Medians medians = benchmarks::timeSideBySide(
-      rounds, [scan] { scan(); },
-      [&] {
-        scanAsi(asi);
-        scanPlayerOne(playerOne);
-        scanQhy(qhy);
-        scanToupTek(toupTek);
-      });
-  const double own = (medians.ours - medians.floor) / cameraCount;
+  const auto times = benchmarks::medianTimes(rounds, {[scan] { scan(); },
+                                                      [&] {
+                                                        scanAsi(asi);
+                                                        scanPlayerOne(playerOne);
+                                                        scanQhy(qhy);
+                                                        scanToupTek(toupTek);
+                                                      },
+                                                      [info] {
+                                                        for (int i = 0; i < cameraCount; ++i) {
+                                                          info(i);
+                                                        }
+                                                      }});
+  const double own = (times[0] - times[1]) / cameraCount;
   std::printf("  oc_scan, 512 cameras: %.1f us, of it in the SDKs %.1f us: own %.0f ns a camera\n",
-              medians.ours / 1e3, medians.floor / 1e3, own);
-
-  const benchmarks::Medians infos = benchmarks::timeSideBySide(
-      rounds,
-      [info] {
-        for (int i = 0; i < cameraCount; ++i) {
-          info(i);
-        }
-      },
-      [] {});
-  std::printf("  oc_info: %.0f ns a call\n", infos.ours / cameraCount);
+              times[0] / 1e3, times[1] / 1e3, own);
+  std::printf("  oc_info: %.0f ns a call\n", times[2] / cameraCount);
   const bool isWithinGate = own <= gateNs;
   std::printf("  own cost of a camera at most %.0f ns: %s\n", gateNs, isWithinGate ? "yes" : "NO");
   return isWithinGate;
@@ -177,17 +171,10 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
 }  // namespace orvane
 
 int main(int count, char** arguments) {
-  if (count < 3) {
-    std::fprintf(stderr, "scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]\n");
-    return 2;
-  }
-  try {
-    const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
-    return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(), gateNs)
-               ? 0
-               : 1;
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "scan_cost: %s\n", failure.what());
-    return 2;
-  }
+  return orvane::benchmarks::runBenchmark(
+      "scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]", count >= 3, [&] {
+        const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
+        return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(),
+                           gateNs);
+      });
 }

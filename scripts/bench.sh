@@ -7,7 +7,7 @@ set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" libbenchmark-dev libyuv-dev libopencv-imgproc-dev python3
+  "${host_headers[@]}" libyuv-dev libopencv-imgproc-dev python3
 
 runs=${1:-1}
 linux=build/linux-x64-bench
