@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -63,16 +64,9 @@ class CheckedLibrary {
   const Contract& contract() const { return contract_; }
 
  private:
-  struct Returned {
-    int number = 0;
-    double real = 0;
-    const char* text = "";
-  };
-
   template <class Run, class Demand>
-  std::optional<Returned> step(const char* function, Run run, Demand demand);
-  std::string remembered() const;
-  std::string toBeRemembered() const;
+  auto step(const char* function, Run run, Demand demand)
+      -> std::optional<std::invoke_result_t<Demand, Transcript&>>;
 
   Exports oc_;
   Surroundings surroundings_;

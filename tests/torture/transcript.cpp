@@ -59,6 +59,11 @@ void Transcript::allocate() {
   }
 }
 
+void Transcript::refuse(const char* message) {
+  allocate();
+  throw std::runtime_error(message);
+}
+
 void Transcript::expectEnd() const {
   if (position_ < events_.size()) {
     throw Violation{"demanded nothing more, found " + described(events_[position_])};

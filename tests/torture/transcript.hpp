@@ -58,6 +58,9 @@ class Transcript {
   /// The contract allows an allocation here. Throws std::bad_alloc if this is the one that failed.
   void allocate();
 
+  /// The library itself reports a failure. The allocation of its message may fail, too.
+  [[noreturn]] void refuse(const char* message);
+
   /// Whether allocate() has thrown.
   bool hasFailed() const { return hasFailed_; }
 
