@@ -38,8 +38,8 @@ struct Surroundings {
   std::function<std::vector<Event>()> takeEvents;
   /// Called directly before and after each function. `leave` returns the number of events before a
   /// failed allocation, if one failed. Both may be empty.
-  std::function<void()> enter;
-  std::function<std::optional<std::size_t>()> leave;
+  std::function<void()> enter{};
+  std::function<std::optional<std::size_t>()> leave{};
 };
 
 /// Calls the functions. After each call the result, the calls into the SDKs and the library's state

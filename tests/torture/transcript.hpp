@@ -22,9 +22,9 @@ struct Event {
   };
 
   Kind kind = Kind::Call;
-  std::string name;
+  std::string name{};
   bool isLoaded = false;
-  SdkCall call;
+  SdkCall call{};
 };
 
 /// The library's behaviour differs from the contract. Not derived from std::exception, because the
