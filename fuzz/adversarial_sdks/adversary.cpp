@@ -51,8 +51,10 @@ void Adversary::begin(std::span<const std::uint8_t> bytes) {
   scripted::platform().passed.clear();
 }
 
-void Adversary::noteViolation(const char* rule, const char* culprit) {
-  violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
+void Adversary::require(bool holds, const char* rule, const char* culprit) {
+  if (!holds) {
+    violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
+  }
 }
 
 bool Adversary::admits(const scripted::Library& library, const char* name) {

@@ -92,11 +92,7 @@ class Adversary {
   Sdk& of(Vendor vendor) { return sdks[static_cast<std::size_t>(vendor)]; }
 
   /// Records a violation unless the rule holds.
-  void require(bool holds, const char* rule, const char* culprit = nullptr) {
-    if (!holds) {
-      noteViolation(rule, culprit);
-    }
-  }
+  void require(bool holds, const char* rule, const char* culprit = nullptr);
 
   /// The result of a call: usually success, else any code. Sometimes throws, as an SDK written in
   /// C++ may do.
@@ -164,7 +160,6 @@ class Adversary {
 
  private:
   bool admits(const scripted::Library& library, const char* name);
-  void noteViolation(const char* rule, const char* culprit);
   std::size_t fillLength(std::size_t size);
 
   int calls_ = 0;

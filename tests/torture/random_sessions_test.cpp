@@ -235,17 +235,14 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     sdks_[family].set_plugged(camera, oneIn(3) ? 0 : 1);
   }
 
-  void changeDirectory() {
-    nameDirectory(static_cast<int>(pick(bareNames, 2)));
-    if (directory_ == bareNames && !bareNamesAreFound) {
-      nameDirectory(static_cast<int>(pick(0, 2)));
+  void changeDirectory(int first = bareNames) {
+    directory_ = static_cast<int>(pick(first, 2));
+    const bool isBare = directory_ == bareNames;
+    library_->libraryDir(isBare ? nullptr
+                                : directories_[static_cast<std::size_t>(directory_)].c_str());
+    if (isBare && !bareNamesAreFound) {
+      changeDirectory(0);
     }
-  }
-
-  void nameDirectory(int choice) {
-    library_->libraryDir(
-        choice == bareNames ? nullptr : directories_[static_cast<std::size_t>(choice)].c_str());
-    directory_ = choice;
   }
 
   void step() {
