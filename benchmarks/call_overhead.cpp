@@ -15,6 +15,7 @@
 #include "floor.hpp"
 #include "interleaved.hpp"
 #include "orvane_desktop_camera.h"
+#include "support/shared_library.hpp"
 
 namespace orvane {
 namespace {
@@ -25,21 +26,18 @@ constexpr int callsInRound = 2000;
 std::uint8_t frame[64 * 48];
 int device[1];  // used as every handle: the instant SDKs ignore handles
 
-using benchmarks::LibraryByName;
-
 struct Floor {
   const char* baseName;
-  std::function<void(const LibraryByName&)> read, apply, temperature;
+  std::function<void(platform::Module)> read, apply, temperature;
 };
 
 // In scan order.
 const Floor floors[] = {
     {
         "ASICamera2",
-        [](const LibraryByName& sdk) {
-          FLOOR_CALL(sdk, ASIGetVideoData)(0, frame, sizeof frame, 0);
-        },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) { FLOOR_CALL(sdk, ASIGetVideoData)
+                                   (0, frame, sizeof frame, 0); },
+        [](platform::Module sdk) {
           FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_EXPOSURE, 1000, 0);
           FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_GAIN, 1, 0);
           int count = 0;
@@ -52,7 +50,7 @@ const Floor floors[] = {
             }
           }
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           long value = 0;
           int isAuto = 0;
           FLOOR_CALL(sdk, ASIGetControlValue)(0, ASI_TEMPERATURE, &value, &isAuto);
@@ -60,19 +58,19 @@ const Floor floors[] = {
     },
     {
         "PlayerOneCamera",
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           int isReady = 0;
           FLOOR_CALL(sdk, POAImageReady)(0, &isReady);
           FLOOR_CALL(sdk, POAGetImageData)(0, frame, sizeof frame, 0);
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           POAConfigValue value{.floatValue = 0.0};
           for (const int id : {POA_EXPOSURE, POA_GAIN, POA_OFFSET}) {
             value.intValue = 1;
             FLOOR_CALL(sdk, POASetConfig)(0, id, value, 0);
           }
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           POAConfigValue value{.floatValue = 0.0};
           int isAuto = 0;
           FLOOR_CALL(sdk, POAGetConfig)(0, POA_TEMPERATURE, &value, &isAuto);
@@ -80,38 +78,38 @@ const Floor floors[] = {
     },
     {
         "qhyccd",
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           std::uint32_t width = 0;
           std::uint32_t height = 0;
           std::uint32_t bits = 0;
           std::uint32_t channels = 0;
           FLOOR_CALL(sdk, GetQHYCCDLiveFrame)(device, &width, &height, &bits, &channels, frame);
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_EXPOSURE, 1000);
           FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_GAIN, 1);
           if (FLOOR_CALL(sdk, IsQHYCCDControlAvailable)(device, CONTROL_OFFSET) == QHYCCD_SUCCESS) {
             FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_OFFSET, 1);
           }
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           static_cast<void>(FLOOR_CALL(sdk, GetQHYCCDParam)(device, CONTROL_CURTEMP));
         },
     },
     {
         "toupcam",
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           unsigned width = 0;
           unsigned height = 0;
           FLOOR_CALL(sdk, Toupcam_PullImageWithRowPitch)(device, frame, 8, -1, &width, &height);
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           FLOOR_CALL(sdk, Toupcam_put_AutoExpoEnable)(device, 0);
           FLOOR_CALL(sdk, Toupcam_put_ExpoTime)(device, 1000);
           FLOOR_CALL(sdk, Toupcam_put_ExpoAGain)(device, 1);
           FLOOR_CALL(sdk, Toupcam_put_Option)(device, TOUPCAM_OPTION_BLACKLEVEL, 1);
         },
-        [](const LibraryByName& sdk) {
+        [](platform::Module sdk) {
           short tenths = 0;
           FLOOR_CALL(sdk, Toupcam_get_Temperature)(device, &tenths);
         },
@@ -136,25 +134,27 @@ void compare(const char* family, const char* call, Ours ours, Other floor) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory) {
-  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
-  const auto open = library.find<decltype(::oc_open)>("oc_open");
-  const auto read = library.find<decltype(::oc_read)>("oc_read");
-  const auto apply = library.find<decltype(::oc_apply)>("oc_apply");
-  const auto temperature = library.find<decltype(::oc_temperature)>("oc_temperature");
-  const auto error = library.find<decltype(::oc_error)>("oc_error");
+  const testing::SharedLibrary library(benchmarks::fullPath(libraryFile));
+  const auto open = library.function<decltype(::oc_open)>("oc_open");
+  const auto read = library.function<decltype(::oc_read)>("oc_read");
+  const auto apply = library.function<decltype(::oc_apply)>("oc_apply");
+  const auto temperature = library.function<decltype(::oc_temperature)>("oc_temperature");
+  const auto error = library.function<decltype(::oc_error)>("oc_error");
 
-  library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
-  if (library.find<decltype(::oc_scan)>("oc_scan")() != 4) {
+  library.function<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
+  if (library.function<decltype(::oc_scan)>("oc_scan")() != 4) {
     throw std::runtime_error("the scan did not find four cameras: " + std::string(error()));
   }
   int camera = 0;
   for (const Floor& floor : floors) {
     const char* const baseName = floor.baseName;
-    const LibraryByName sdk(platform::libraryPath(sdkDirectory, baseName));
     if (open(camera++, 64, 48, 1, 0, 1000, 1, 1) != 1 ||
         read(frame, sizeof frame, 0) != sizeof frame) {
       throw std::runtime_error(std::string(baseName) + ": " + error());
     }
+    // The library has loaded it already.
+    const platform::Module sdk =
+        platform::loadLibrary(platform::libraryPath(sdkDirectory, baseName));
     compare(
         baseName, "oc_read", [read] { read(frame, sizeof frame, 0); }, [&] { floor.read(sdk); });
     compare(

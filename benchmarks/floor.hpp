@@ -3,7 +3,6 @@
 #pragma once
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 #include "platform/platform.hpp"
@@ -18,7 +17,7 @@
 
 /// One SDK call of a floor: a look-up and a call.
 #define FLOOR_CALL(sdk, name) \
-  (reinterpret_cast<name##Signature*>(platform::findFunction((sdk).module, #name)))
+  (reinterpret_cast<name##Signature*>(platform::findFunction(sdk, #name)))
 
 namespace orvane::benchmarks {
 
@@ -26,25 +25,5 @@ namespace orvane::benchmarks {
 inline std::filesystem::path fullPath(const std::string& path) {
   return std::filesystem::absolute(path).make_preferred();
 }
-
-/// A shared library, which stays loaded.
-struct LibraryByName {
-  explicit LibraryByName(const platform::NativeString& file) : module(platform::loadLibrary(file)) {
-    if (module == nullptr) {
-      throw std::runtime_error("cannot load " + std::string(file.begin(), file.end()));
-    }
-  }
-
-  template <class Function>
-  Function* find(const char* name) const {
-    const platform::FunctionAddress address = platform::findFunction(module, name);
-    if (address == nullptr) {
-      throw std::runtime_error(std::string("no function ") + name);
-    }
-    return reinterpret_cast<Function*>(address);
-  }
-
-  platform::Module module;
-};
 
 }  // namespace orvane::benchmarks

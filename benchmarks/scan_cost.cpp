@@ -14,20 +14,21 @@
 #include "floor.hpp"
 #include "interleaved.hpp"
 #include "orvane_desktop_camera.h"
+#include "support/shared_library.hpp"
 
 namespace orvane {
 namespace {
 
-using benchmarks::LibraryByName;
+using testing::SharedLibrary;
 
 constexpr int rounds = 301;
 constexpr int camerasPerSdk = 128;
 constexpr int cameraCount = 4 * camerasPerSdk;
 
 // SDK functions, looked up once.
-#define SDK_CALL(name) name##Signature* const name = sdk.find<name##Signature>(#name)
+#define SDK_CALL(name) name##Signature* const name = sdk.function<name##Signature>(#name)
 
-void scanAsi(const LibraryByName& sdk) {
+void scanAsi(const SharedLibrary& sdk) {
   static SDK_CALL(ASIGetNumOfConnectedCameras);
   static SDK_CALL(ASIGetCameraProperty);
   static SDK_CALL(ASIOpenCamera);
@@ -51,7 +52,7 @@ void scanAsi(const LibraryByName& sdk) {
   }
 }
 
-void scanPlayerOne(const LibraryByName& sdk) {
+void scanPlayerOne(const SharedLibrary& sdk) {
   static SDK_CALL(POAGetCameraCount);
   static SDK_CALL(POAGetCameraProperties);
   static SDK_CALL(POAOpenCamera);
@@ -72,7 +73,7 @@ void scanPlayerOne(const LibraryByName& sdk) {
   }
 }
 
-void scanQhy(const LibraryByName& sdk) {
+void scanQhy(const SharedLibrary& sdk) {
   static SDK_CALL(ScanQHYCCD);
   static SDK_CALL(GetQHYCCDId);
   static SDK_CALL(GetQHYCCDModel);
@@ -107,7 +108,7 @@ void scanQhy(const LibraryByName& sdk) {
   }
 }
 
-void scanToupTek(const LibraryByName& sdk) {
+void scanToupTek(const SharedLibrary& sdk) {
   static SDK_CALL(Toupcam_EnumV2);
   static SDK_CALL(Toupcam_Open);
   static SDK_CALL(Toupcam_get_MaxBitDepth);
@@ -130,20 +131,20 @@ void scanToupTek(const LibraryByName& sdk) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gateNs) {
-  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
-  const auto scan = library.find<decltype(::oc_scan)>("oc_scan");
-  const auto info = library.find<decltype(::oc_info)>("oc_info");
-  library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
+  const SharedLibrary library(benchmarks::fullPath(libraryFile));
+  const auto scan = library.function<decltype(::oc_scan)>("oc_scan");
+  const auto info = library.function<decltype(::oc_info)>("oc_info");
+  library.function<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
   const auto sdk = [&](const char* baseName) {
-    return LibraryByName(platform::libraryPath(sdkDirectory, baseName));
+    return SharedLibrary(platform::libraryPath(sdkDirectory, baseName));
   };
-  const LibraryByName asi = sdk("ASICamera2");
-  const LibraryByName playerOne = sdk("PlayerOneCamera");
-  const LibraryByName qhy = sdk("qhyccd");
-  const LibraryByName toupTek = sdk("toupcam");
+  const SharedLibrary asi = sdk("ASICamera2");
+  const SharedLibrary playerOne = sdk("PlayerOneCamera");
+  const SharedLibrary qhy = sdk("qhyccd");
+  const SharedLibrary toupTek = sdk("toupcam");
   if (scan() != cameraCount) {
     throw std::runtime_error("the scan did not find 512 cameras: " +
-                             std::string(library.find<decltype(::oc_error)>("oc_error")()));
+                             std::string(library.function<decltype(::oc_error)>("oc_error")()));
   }
 
   const auto times = benchmarks::medianTimes(rounds, {[scan] { scan(); },

@@ -117,8 +117,8 @@ class TortureTest : public ::testing::Test {
     whenAllocationFails([] { passedBeforeFailure = scripted::platform().passed.size(); });
   }
 
-  // Records the calls of a session without faults. It is the second one, before which the SDK is in
-  // the same state as before every later session.
+  // Records the calls of a session without faults. It runs two and records the second: before that
+  // one the SDK is in the same state as before every later session.
   void recordSession() {
     const auto wellSession = [&](CheckedLibrary& library) { expectAllWell(session(library, 0)); };
     runWith({}, wellSession);
