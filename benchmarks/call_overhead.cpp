@@ -35,8 +35,10 @@ struct Floor {
 const Floor floors[] = {
     {
         "ASICamera2",
-        [](platform::Module sdk) { FLOOR_CALL(sdk, ASIGetVideoData)
-                                   (0, frame, sizeof frame, 0); },
+        [](platform::Module sdk) {
+          FLOOR_CALL(sdk, ASIGetVideoData)
+          (0, frame, sizeof frame, 0);
+        },
         [](platform::Module sdk) {
           FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_EXPOSURE, 1000, 0);
           FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_GAIN, 1, 0);

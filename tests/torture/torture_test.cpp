@@ -94,10 +94,7 @@ void forgetEverything() {
 class TortureTest : public ::testing::Test {
  protected:
   explicit TortureTest(SdkFamily family)
-      : family_(family),
-        camera_(torturedCamera(family_)),
-        sdk_(installed()),
-        isQhy_(std::string(family_.baseName) == "qhyccd") {
+      : family_(family), camera_(torturedCamera(family_)), sdk_(installed()) {
     scripted::Platform& script = scripted::platform();
     library_ = &script.libraries[directory_.utf8() + "/" + family_.baseName];
     for (const std::string& function : functionsOf(family_.baseName)) {
@@ -122,7 +119,7 @@ class TortureTest : public ::testing::Test {
   void recordSession() {
     const auto wellSession = [&](CheckedLibrary& library) { expectAllWell(session(library, 0)); };
     runWith({}, wellSession);
-    isQhyReady_ = true;
+    isQhyReady_ = std::string(family_.baseName) == "qhyccd";
     runWith({}, wellSession);
     allocations_ = allocationCount();
     std::map<std::string, int> calls;
@@ -191,7 +188,7 @@ class TortureTest : public ::testing::Test {
     sdk_.reset();
     sdk_.stop_clock(1);
     sdk_.setCameras({camera_});
-    if (isQhyReady_ && isQhy_) {
+    if (isQhyReady_) {
       sdk_.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk_.log_enable(1);
@@ -386,7 +383,6 @@ class TortureTest : public ::testing::Test {
   SimCamera camera_;
   SdkDirectory directory_;
   SimulatedSdk sdk_;
-  bool isQhy_;
   scripted::Library* library_ = nullptr;  // in the platform layer
   std::vector<std::string> lookups_;      // all in a session
   std::size_t failingLookup_ = 0;         // from 1; 0: none fails
