@@ -21,6 +21,7 @@ class PreparedFrames {
  public:
   PreparedFrames() {
     const char* const size = std::getenv("ORVANE_INSTANT_SIZE");  // NOLINT(concurrency-mt-unsafe)
+    // NOLINTNEXTLINE(cert-err34-c): only the benchmark of recording sets it
     if (size == nullptr || std::sscanf(size, "%dx%d", &width, &height) != 2) {
       return;
     }

@@ -21,6 +21,10 @@ std::string shown(const std::string& text) {
   return text;
 }
 
+std::string mismatch(const char* verb, const std::string& found, const std::string& demanded) {
+  return std::string(verb) + " " + found + ", demanded " + demanded;
+}
+
 constexpr const char* badAllocation = "std::bad_alloc leaves";
 
 // What the library, or the contract, remembers.
@@ -46,7 +50,7 @@ auto CheckedLibrary::step(const char* function, Run run, Demand demand)
   const std::optional<std::size_t> failedAfter =
       surroundings_.leave ? surroundings_.leave() : std::nullopt;
   // Text is copied only here, because inside the library the allocation would be counted.
-  const std::optional<std::invoke_result_t<Demand, Transcript&>> returned = raw;
+  std::optional<std::invoke_result_t<Demand, Transcript&>> returned = raw;
   const std::string found = returned ? shown(*returned) : badAllocation;
   const std::string foundState =
       remembered(oc_.error(), oc_.libraries(), oc_.width(), oc_.height(), oc_.buffer_size());
@@ -66,16 +70,16 @@ auto CheckedLibrary::step(const char* function, Run run, Demand demand)
       std::string demanded = badAllocation;
       try {
         demanded = shown(demand(did));
-      } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): it must leave, then
+      } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): `demanded` stays
       }
       did.expectEnd();
       const std::string demandedState =
           remembered(contract_.error(), contract_.libraries(), contract_.width(),
                      contract_.height(), contract_.bufferSize());
       if (found != demanded) {
-        difference = "returned " + found + ", demanded " + demanded;
+        difference = mismatch("returned", found, demanded);
       } else if (foundState != demandedState) {
-        difference = "remembers " + foundState + ", demanded " + demandedState;
+        difference = mismatch("remembers", foundState, demandedState);
       }
     } catch (const Violation& violation) {
       difference = violation.text;
