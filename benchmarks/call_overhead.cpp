@@ -12,10 +12,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "floor.hpp"
 #include "interleaved.hpp"
-#include "library_by_name.hpp"
 #include "orvane_desktop_camera.h"
-#include "sdk_signatures.hpp"
+#include "support/shared_library.hpp"
 
 namespace orvane {
 namespace {
@@ -24,108 +24,99 @@ constexpr int rounds = 101;
 constexpr int callsInRound = 2000;
 
 std::uint8_t frame[64 * 48];
-int camera[1];  // used as every handle: the instant SDKs ignore handles
-
-using benchmarks::LibraryByName;
+int device[1];  // used as every handle: the instant SDKs ignore handles
 
 struct Floor {
-  std::function<void(const LibraryByName&)> read, apply, temperature;
-};
-
-const Floor asiFloor{[](const LibraryByName& sdk) {
-                       FLOOR_CALL(sdk, ASIGetVideoData)(0, frame, sizeof frame, 0);
-                     },
-                     [](const LibraryByName& sdk) {
-                       FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_EXPOSURE, 1000, 0);
-                       FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_GAIN, 1, 0);
-                       int count = 0;
-                       FLOOR_CALL(sdk, ASIGetNumOfControls)(0, &count);
-                       for (int i = 0; i < count; ++i) {
-                         ASI_CONTROL_CAPS caps{};
-                         FLOOR_CALL(sdk, ASIGetControlCaps)(0, i, &caps);
-                         if (caps.ControlType == ASI_OFFSET) {
-                           FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_OFFSET, 1, 0);
-                         }
-                       }
-                     },
-                     [](const LibraryByName& sdk) {
-                       long value = 0;
-                       int isAuto = 0;
-                       FLOOR_CALL(sdk, ASIGetControlValue)(0, ASI_TEMPERATURE, &value, &isAuto);
-                     }};
-
-const Floor playerOneFloor{[](const LibraryByName& sdk) {
-                             int isReady = 0;
-                             FLOOR_CALL(sdk, POAImageReady)(0, &isReady);
-                             FLOOR_CALL(sdk, POAGetImageData)(0, frame, sizeof frame, 0);
-                           },
-                           [](const LibraryByName& sdk) {
-                             POAConfigValue value{.floatValue = 0.0};
-                             for (const int id : {POA_EXPOSURE, POA_GAIN, POA_OFFSET}) {
-                               value.intValue = 1;
-                               FLOOR_CALL(sdk, POASetConfig)(0, id, value, 0);
-                             }
-                           },
-                           [](const LibraryByName& sdk) {
-                             POAConfigValue value{.floatValue = 0.0};
-                             int isAuto = 0;
-                             FLOOR_CALL(sdk, POAGetConfig)(0, POA_TEMPERATURE, &value, &isAuto);
-                           }};
-
-const Floor qhyFloor{
-    [](const LibraryByName& sdk) {
-      std::uint32_t width = 0;
-      std::uint32_t height = 0;
-      std::uint32_t bits = 0;
-      std::uint32_t channels = 0;
-      FLOOR_CALL(sdk, GetQHYCCDLiveFrame)(camera, &width, &height, &bits, &channels, frame);
-    },
-    [](const LibraryByName& sdk) {
-      FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_EXPOSURE, 1000);
-      FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_GAIN, 1);
-      if (FLOOR_CALL(sdk, IsQHYCCDControlAvailable)(camera, CONTROL_OFFSET) == QHYCCD_SUCCESS) {
-        FLOOR_CALL(sdk, SetQHYCCDParam)(camera, CONTROL_OFFSET, 1);
-      }
-    },
-    [](const LibraryByName& sdk) {
-      FLOOR_CALL(sdk, GetQHYCCDParam)
-      (camera, CONTROL_CURTEMP);
-    }};
-
-const Floor toupTekFloor{
-    [](const LibraryByName& sdk) {
-      unsigned width = 0;
-      unsigned height = 0;
-      FLOOR_CALL(sdk, Toupcam_PullImageWithRowPitch)(camera, frame, 8, -1, &width, &height);
-    },
-    [](const LibraryByName& sdk) {
-      FLOOR_CALL(sdk, Toupcam_put_AutoExpoEnable)(camera, 0);
-      FLOOR_CALL(sdk, Toupcam_put_ExpoTime)(camera, 1000);
-      FLOOR_CALL(sdk, Toupcam_put_ExpoAGain)(camera, 1);
-      FLOOR_CALL(sdk, Toupcam_put_Option)(camera, TOUPCAM_OPTION_BLACKLEVEL, 1);
-    },
-    [](const LibraryByName& sdk) {
-      short tenths = 0;
-      FLOOR_CALL(sdk, Toupcam_get_Temperature)(camera, &tenths);
-    }};
-
-struct Family {
   const char* baseName;
-  const Floor* floor;
+  std::function<void(platform::Module)> read, apply, temperature;
 };
 
-const Family families[] = {{"ASICamera2", &asiFloor},
-                           {"PlayerOneCamera", &playerOneFloor},
-                           {"qhyccd", &qhyFloor},
-                           {"toupcam", &toupTekFloor}};
-
-// Runs both contenders and prints their row.
-void compare(const char* family, const char* call, const std::function<void()>& ours,
-             const std::function<void()>& floor) {
-  const benchmarks::Medians medians = benchmarks::timeSideBySide(rounds, ours, floor);
-  std::printf("%s %s %.2f %.2f %.4f\n", family, call, medians.ours / callsInRound,
-              medians.floor / callsInRound, medians.ours / medians.floor);
-}
+// In scan order.
+const Floor floors[] = {
+    {
+        "ASICamera2",
+        [](platform::Module sdk) {
+          FLOOR_CALL(sdk, ASIGetVideoData)
+          (0, frame, sizeof frame, 0);
+        },
+        [](platform::Module sdk) {
+          FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_EXPOSURE, 1000, 0);
+          FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_GAIN, 1, 0);
+          int count = 0;
+          FLOOR_CALL(sdk, ASIGetNumOfControls)(0, &count);
+          for (int i = 0; i < count; ++i) {
+            ASI_CONTROL_CAPS caps{};
+            FLOOR_CALL(sdk, ASIGetControlCaps)(0, i, &caps);
+            if (caps.ControlType == ASI_OFFSET) {
+              FLOOR_CALL(sdk, ASISetControlValue)(0, ASI_OFFSET, 1, 0);
+            }
+          }
+        },
+        [](platform::Module sdk) {
+          long value = 0;
+          int isAuto = 0;
+          FLOOR_CALL(sdk, ASIGetControlValue)(0, ASI_TEMPERATURE, &value, &isAuto);
+        },
+    },
+    {
+        "PlayerOneCamera",
+        [](platform::Module sdk) {
+          int isReady = 0;
+          FLOOR_CALL(sdk, POAImageReady)(0, &isReady);
+          FLOOR_CALL(sdk, POAGetImageData)(0, frame, sizeof frame, 0);
+        },
+        [](platform::Module sdk) {
+          POAConfigValue value{.floatValue = 0.0};
+          for (const int id : {POA_EXPOSURE, POA_GAIN, POA_OFFSET}) {
+            value.intValue = 1;
+            FLOOR_CALL(sdk, POASetConfig)(0, id, value, 0);
+          }
+        },
+        [](platform::Module sdk) {
+          POAConfigValue value{.floatValue = 0.0};
+          int isAuto = 0;
+          FLOOR_CALL(sdk, POAGetConfig)(0, POA_TEMPERATURE, &value, &isAuto);
+        },
+    },
+    {
+        "qhyccd",
+        [](platform::Module sdk) {
+          std::uint32_t width = 0;
+          std::uint32_t height = 0;
+          std::uint32_t bits = 0;
+          std::uint32_t channels = 0;
+          FLOOR_CALL(sdk, GetQHYCCDLiveFrame)(device, &width, &height, &bits, &channels, frame);
+        },
+        [](platform::Module sdk) {
+          FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_EXPOSURE, 1000);
+          FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_GAIN, 1);
+          if (FLOOR_CALL(sdk, IsQHYCCDControlAvailable)(device, CONTROL_OFFSET) == QHYCCD_SUCCESS) {
+            FLOOR_CALL(sdk, SetQHYCCDParam)(device, CONTROL_OFFSET, 1);
+          }
+        },
+        [](platform::Module sdk) {
+          static_cast<void>(FLOOR_CALL(sdk, GetQHYCCDParam)(device, CONTROL_CURTEMP));
+        },
+    },
+    {
+        "toupcam",
+        [](platform::Module sdk) {
+          unsigned width = 0;
+          unsigned height = 0;
+          FLOOR_CALL(sdk, Toupcam_PullImageWithRowPitch)(device, frame, 8, -1, &width, &height);
+        },
+        [](platform::Module sdk) {
+          FLOOR_CALL(sdk, Toupcam_put_AutoExpoEnable)(device, 0);
+          FLOOR_CALL(sdk, Toupcam_put_ExpoTime)(device, 1000);
+          FLOOR_CALL(sdk, Toupcam_put_ExpoAGain)(device, 1);
+          FLOOR_CALL(sdk, Toupcam_put_Option)(device, TOUPCAM_OPTION_BLACKLEVEL, 1);
+        },
+        [](platform::Module sdk) {
+          short tenths = 0;
+          FLOOR_CALL(sdk, Toupcam_get_Temperature)(device, &tenths);
+        },
+    },
+};
 
 template <class Body>
 std::function<void()> repeated(Body body) {
@@ -136,47 +127,53 @@ std::function<void()> repeated(Body body) {
   };
 }
 
-void run(const std::string& libraryFile, const std::string& sdkDirectory) {
-  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
-  const auto open = library.find<decltype(::oc_open)>("oc_open");
-  const auto read = library.find<decltype(::oc_read)>("oc_read");
-  const auto apply = library.find<decltype(::oc_apply)>("oc_apply");
-  const auto temperature = library.find<decltype(::oc_temperature)>("oc_temperature");
-  const auto error = library.find<decltype(::oc_error)>("oc_error");
+// Runs both contenders and prints their row.
+template <class Ours, class Other>
+void compare(const char* family, const char* call, Ours ours, Other floor) {
+  const auto times = benchmarks::medianTimes(rounds, {repeated(ours), repeated(floor)});
+  std::printf("%s %s %.2f %.2f %.4f\n", family, call, times[0] / callsInRound,
+              times[1] / callsInRound, times[0] / times[1]);
+}
 
-  library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
-  if (library.find<decltype(::oc_scan)>("oc_scan")() != 4) {
+bool run(const std::string& libraryFile, const std::string& sdkDirectory) {
+  const testing::SharedLibrary library(benchmarks::fullPath(libraryFile));
+  const auto open = library.function<decltype(::oc_open)>("oc_open");
+  const auto read = library.function<decltype(::oc_read)>("oc_read");
+  const auto apply = library.function<decltype(::oc_apply)>("oc_apply");
+  const auto temperature = library.function<decltype(::oc_temperature)>("oc_temperature");
+  const auto error = library.function<decltype(::oc_error)>("oc_error");
+
+  library.function<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
+  if (library.function<decltype(::oc_scan)>("oc_scan")() != 4) {
     throw std::runtime_error("the scan did not find four cameras: " + std::string(error()));
   }
-  for (int i = 0; i < 4; ++i) {
-    const char* const baseName = families[i].baseName;
-    const Floor* const floor = families[i].floor;
-    const LibraryByName sdk(platform::libraryPath(sdkDirectory, baseName));
-    if (open(i, 64, 48, 1, 0, 1000, 1, 1) != 1 || read(frame, sizeof frame, 0) != sizeof frame) {
+  int camera = 0;
+  for (const Floor& floor : floors) {
+    const char* const baseName = floor.baseName;
+    if (open(camera++, 64, 48, 1, 0, 1000, 1, 1) != 1 ||
+        read(frame, sizeof frame, 0) != sizeof frame) {
       throw std::runtime_error(std::string(baseName) + ": " + error());
     }
-    compare(baseName, "oc_read", repeated([read] { read(frame, sizeof frame, 0); }),
-            repeated([&sdk, floor] { floor->read(sdk); }));
-    compare(baseName, "oc_apply", repeated([apply] { apply(1000, 1, 1); }),
-            repeated([&sdk, floor] { floor->apply(sdk); }));
-    compare(baseName, "oc_temperature", repeated([temperature] { temperature(); }),
-            repeated([&sdk, floor] { floor->temperature(sdk); }));
+    // The library has loaded it already.
+    const platform::Module sdk =
+        platform::loadLibrary(platform::libraryPath(sdkDirectory, baseName));
+    compare(
+        baseName, "oc_read", [read] { read(frame, sizeof frame, 0); }, [&] { floor.read(sdk); });
+    compare(
+        baseName, "oc_apply", [apply] { apply(1000, 1, 1); }, [&] { floor.apply(sdk); });
+    compare(
+        baseName, "oc_temperature", [temperature] { temperature(); },
+        [&] { floor.temperature(sdk); });
   }
+  return true;
 }
 
 }  // namespace
 }  // namespace orvane
 
 int main(int count, char** arguments) {
-  if (count != 3) {
-    std::fprintf(stderr, "call_overhead LIBRARY_FILE INSTANT_SDK_DIRECTORY\n");
-    return 2;
-  }
-  try {
-    orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string());
-    return 0;
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "call_overhead: %s\n", failure.what());
-    return 2;
-  }
+  return orvane::benchmarks::runBenchmark(
+      "call_overhead LIBRARY_FILE INSTANT_SDK_DIRECTORY", count == 3, [&] {
+        return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string());
+      });
 }

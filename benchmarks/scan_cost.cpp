@@ -11,24 +11,24 @@
 #include <stdexcept>
 #include <string>
 
+#include "floor.hpp"
 #include "interleaved.hpp"
-#include "library_by_name.hpp"
 #include "orvane_desktop_camera.h"
-#include "sdk_signatures.hpp"
+#include "support/shared_library.hpp"
 
 namespace orvane {
 namespace {
 
-using benchmarks::LibraryByName;
+using testing::SharedLibrary;
 
 constexpr int rounds = 301;
 constexpr int camerasPerSdk = 128;
 constexpr int cameraCount = 4 * camerasPerSdk;
 
 // SDK functions, looked up once.
-#define SDK_CALL(name) name##Signature* const name = sdk.find<name##Signature>(#name)
+#define SDK_CALL(name) name##Signature* const name = sdk.function<name##Signature>(#name)
 
-void scanAsi(const LibraryByName& sdk) {
+void scanAsi(const SharedLibrary& sdk) {
   static SDK_CALL(ASIGetNumOfConnectedCameras);
   static SDK_CALL(ASIGetCameraProperty);
   static SDK_CALL(ASIOpenCamera);
@@ -52,7 +52,7 @@ void scanAsi(const LibraryByName& sdk) {
   }
 }
 
-void scanPlayerOne(const LibraryByName& sdk) {
+void scanPlayerOne(const SharedLibrary& sdk) {
   static SDK_CALL(POAGetCameraCount);
   static SDK_CALL(POAGetCameraProperties);
   static SDK_CALL(POAOpenCamera);
@@ -73,7 +73,7 @@ void scanPlayerOne(const LibraryByName& sdk) {
   }
 }
 
-void scanQhy(const LibraryByName& sdk) {
+void scanQhy(const SharedLibrary& sdk) {
   static SDK_CALL(ScanQHYCCD);
   static SDK_CALL(GetQHYCCDId);
   static SDK_CALL(GetQHYCCDModel);
@@ -108,7 +108,7 @@ void scanQhy(const LibraryByName& sdk) {
   }
 }
 
-void scanToupTek(const LibraryByName& sdk) {
+void scanToupTek(const SharedLibrary& sdk) {
   static SDK_CALL(Toupcam_EnumV2);
   static SDK_CALL(Toupcam_Open);
   static SDK_CALL(Toupcam_get_MaxBitDepth);
@@ -131,43 +131,38 @@ void scanToupTek(const LibraryByName& sdk) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gateNs) {
-  const LibraryByName library(benchmarks::fullPath(libraryFile).native());
-  const auto scan = library.find<decltype(::oc_scan)>("oc_scan");
-  const auto info = library.find<decltype(::oc_info)>("oc_info");
-  library.find<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
+  const SharedLibrary library(benchmarks::fullPath(libraryFile));
+  const auto scan = library.function<decltype(::oc_scan)>("oc_scan");
+  const auto info = library.function<decltype(::oc_info)>("oc_info");
+  library.function<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
   const auto sdk = [&](const char* baseName) {
-    return LibraryByName(platform::libraryPath(sdkDirectory, baseName));
+    return SharedLibrary(platform::libraryPath(sdkDirectory, baseName));
   };
-  const LibraryByName asi = sdk("ASICamera2");
-  const LibraryByName playerOne = sdk("PlayerOneCamera");
-  const LibraryByName qhy = sdk("qhyccd");
-  const LibraryByName toupTek = sdk("toupcam");
+  const SharedLibrary asi = sdk("ASICamera2");
+  const SharedLibrary playerOne = sdk("PlayerOneCamera");
+  const SharedLibrary qhy = sdk("qhyccd");
+  const SharedLibrary toupTek = sdk("toupcam");
   if (scan() != cameraCount) {
     throw std::runtime_error("the scan did not find 512 cameras: " +
-                             std::string(library.find<decltype(::oc_error)>("oc_error")()));
+                             std::string(library.function<decltype(::oc_error)>("oc_error")()));
   }
 
-  const benchmarks::Medians medians = benchmarks::timeSideBySide(
-      rounds, [scan] { scan(); },
-      [&] {
-        scanAsi(asi);
-        scanPlayerOne(playerOne);
-        scanQhy(qhy);
-        scanToupTek(toupTek);
-      });
-  const double own = (medians.ours - medians.floor) / cameraCount;
+  const auto times = benchmarks::medianTimes(rounds, {[scan] { scan(); },
+                                                      [&] {
+                                                        scanAsi(asi);
+                                                        scanPlayerOne(playerOne);
+                                                        scanQhy(qhy);
+                                                        scanToupTek(toupTek);
+                                                      },
+                                                      [info] {
+                                                        for (int i = 0; i < cameraCount; ++i) {
+                                                          info(i);
+                                                        }
+                                                      }});
+  const double own = (times[0] - times[1]) / cameraCount;
   std::printf("  oc_scan, 512 cameras: %.1f us, of it in the SDKs %.1f us: own %.0f ns a camera\n",
-              medians.ours / 1e3, medians.floor / 1e3, own);
-
-  const benchmarks::Medians infos = benchmarks::timeSideBySide(
-      rounds,
-      [info] {
-        for (int i = 0; i < cameraCount; ++i) {
-          info(i);
-        }
-      },
-      [] {});
-  std::printf("  oc_info: %.0f ns a call\n", infos.ours / cameraCount);
+              times[0] / 1e3, times[1] / 1e3, own);
+  std::printf("  oc_info: %.0f ns a call\n", times[2] / cameraCount);
   const bool isWithinGate = own <= gateNs;
   std::printf("  own cost of a camera at most %.0f ns: %s\n", gateNs, isWithinGate ? "yes" : "NO");
   return isWithinGate;
@@ -177,17 +172,10 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
 }  // namespace orvane
 
 int main(int count, char** arguments) {
-  if (count < 3) {
-    std::fprintf(stderr, "scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]\n");
-    return 2;
-  }
-  try {
-    const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
-    return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(), gateNs)
-               ? 0
-               : 1;
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "scan_cost: %s\n", failure.what());
-    return 2;
-  }
+  return orvane::benchmarks::runBenchmark(
+      "scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]", count >= 3, [&] {
+        const double gateNs = count > 3 ? std::strtod(arguments[3], nullptr) : 5000;
+        return orvane::run(arguments[1], orvane::benchmarks::fullPath(arguments[2]).string(),
+                           gateNs);
+      });
 }

@@ -1,28 +1,27 @@
-// How fast a frame's red and blue are swapped: by the library's implementations, the plain loop and
-// two libraries that a host might use instead. The physical limit is the fastest pass over the same
-// bytes that reads and writes each of them once.
+// How fast a frame's red and blue are swapped: by the library's implementations, a plain loop, and
+// two libraries that a host might use instead. The limit is the fastest pass over the same bytes
+// that reads and writes each of them once.
 //
-//     swap_red_and_blue [GOOGLE-BENCHMARK-OPTIONS]
+//     swap_red_and_blue
 //
-// All contenders of a size work in place on one buffer, interleaved in random order. The gates
-// compare the medians. Ends with status 1 when a gate is missed.
+// All contenders of a size work in place on one buffer, in random order. The gates compare the
+// medians. The exit status is 1 if a gate is missed.
 #include "vendors/swap_red_and_blue.hpp"
 
-#include <benchmark/benchmark.h>
-#include <immintrin.h>
 #include <libyuv.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <map>
+#include <iterator>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "interleaved.hpp"
 
 namespace orvane {
 namespace {
@@ -33,14 +32,12 @@ struct FrameSize {
   std::size_t bytes() const {
     return std::size_t{3} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   }
-  std::string name() const { return std::to_string(width) + "x" + std::to_string(height); }
+  bool operator==(const FrameSize&) const = default;
 };
 
 constexpr FrameSize planetary{1936, 1096};  // 6.4 MB: larger than most second-level caches
 constexpr FrameSize largest{9576, 6388};    // 183 MB: larger than any cache
 constexpr FrameSize frameSizes[] = {{640, 480}, planetary, {3096, 2080}, largest};
-
-using Pass = void (*)(std::uint8_t* pixels, FrameSize size);
 
 void ours(std::uint8_t* pixels, FrameSize size) {
   swapRedAndBlue(pixels, size.bytes());
@@ -67,248 +64,162 @@ void openCvPass(std::uint8_t* pixels, FrameSize size) {
   cv::cvtColor(from, to, cv::COLOR_BGR2RGB);
 }
 
-void openCvSerial(std::uint8_t* pixels, FrameSize size) {
-  cv::setNumThreads(1);
-  openCvPass(pixels, size);
-}
-
-void openCvThreads(std::uint8_t* pixels, FrameSize size) {
-  cv::setNumThreads(-1);
-  openCvPass(pixels, size);
-}
-
-// Bytes of the frame's end that make no full block stay as they are: a block in millions.
-template <int registersInBlock>
-__attribute__((target("avx2"))) void xorAvx2(std::uint8_t* pixels, FrameSize size) {
+// XOR of aligned blocks. Bytes at the frame's ends that make no full block stay as they are: less
+// than two blocks in millions of bytes.
+template <class Register, int registersInBlock>
+__attribute__((target("avx2"))) void xorPass(std::uint8_t* pixels, FrameSize size) {
   const std::uint8_t* const end = pixels + size.bytes();
-  pixels += (32 - reinterpret_cast<std::uintptr_t>(pixels) % 32) % 32;
-  const __m256i pattern = _mm256_set1_epi8(0x55);
-  for (; end - pixels >= 32 * registersInBlock; pixels += 32 * registersInBlock) {
-    auto* const block = reinterpret_cast<__m256i*>(pixels);
+  const std::size_t past = reinterpret_cast<std::uintptr_t>(pixels) % sizeof(Register);
+  pixels += (sizeof(Register) - past) % sizeof(Register);
+  constexpr std::ptrdiff_t blockBytes = sizeof(Register) * registersInBlock;
+  for (; end - pixels >= blockBytes; pixels += blockBytes) {
+    auto* const block = reinterpret_cast<Register*>(pixels);
 #pragma GCC unroll 8
     for (int i = 0; i < registersInBlock; ++i) {
-      _mm256_store_si256(block + i, _mm256_xor_si256(_mm256_load_si256(block + i), pattern));
-    }
-  }
-  _mm256_zeroupper();
-}
-
-template <int registersInBlock>
-void xorSse2(std::uint8_t* pixels, FrameSize size) {
-  const std::uint8_t* const end = pixels + size.bytes();
-  pixels += (16 - reinterpret_cast<std::uintptr_t>(pixels) % 16) % 16;
-  const __m128i pattern = _mm_set1_epi8(0x55);
-  for (; end - pixels >= 16 * registersInBlock; pixels += 16 * registersInBlock) {
-    auto* const block = reinterpret_cast<__m128i*>(pixels);
-#pragma GCC unroll 8
-    for (int i = 0; i < registersInBlock; ++i) {
-      _mm_store_si128(block + i, _mm_xor_si128(_mm_load_si128(block + i), pattern));
+      block[i] ^= 0x55;
     }
   }
 }
 
-enum class Kind { Ours, Other, Limit, Reported };
+using Sse2 = std::uint8_t __attribute__((vector_size(16), may_alias));
+using Avx2 = std::uint8_t __attribute__((vector_size(32), may_alias));
 
-struct Contender {
+enum class Kind { Ours, Other, Reported, Limit };
+
+const struct Contender {
   const char* name;
   Kind kind;
-  Pass pass;
-};
-
-const Contender contenders[] = {
+  void (*pass)(std::uint8_t* pixels, FrameSize size);
+} contenders[] = {
     {"library, SSSE3", Kind::Ours, ours},
     {"library, scalar", Kind::Ours, oursScalar},
     {"plain loop", Kind::Reported, plainLoop},
     {"libyuv", Kind::Other, libyuvPass},
-    {"OpenCV, 1 thread", Kind::Other, openCvSerial},
-    {"OpenCV, threads", Kind::Reported, openCvThreads},
-    {"XOR, SSE2 x 4", Kind::Limit, xorSse2<4>},
-    {"XOR, AVX2 x 1", Kind::Limit, xorAvx2<1>},
-    {"XOR, AVX2 x 4", Kind::Limit, xorAvx2<4>},
-    {"XOR, AVX2 x 8", Kind::Limit, xorAvx2<8>},
+    {"OpenCV, 1 thread", Kind::Other, openCvPass},
+    {"XOR, SSE2 x 4", Kind::Limit, xorPass<Sse2, 4>},
+    {"XOR, AVX2 x 1", Kind::Limit, xorPass<Avx2, 1>},
+    {"XOR, AVX2 x 4", Kind::Limit, xorPass<Avx2, 4>},
+    {"XOR, AVX2 x 8", Kind::Limit, xorPass<Avx2, 8>},
+    {"OpenCV, threads", Kind::Reported, openCvPass},  // the last: it is measured after the others
 };
 
 // Where frames lie: at a 64-byte boundary, and one byte beyond it.
-struct Alignment {
+const struct Alignment {
   const char* name;
   std::size_t offset;
-};
-constexpr Alignment alignments[] = {{"aligned", 0}, {"odd", 1}};
+} alignments[] = {{"aligned", 0}, {"odd", 1}};
 
-class Buffer {
- public:
-  Buffer() : bytes_(largest.bytes() + 128) {
-    std::minstd_rand random(1);
-    for (std::uint8_t& byte : bytes_) {
-      byte = static_cast<std::uint8_t>(random() >> 16);
-    }
-  }
-
-  std::uint8_t* at(Alignment alignment) {
-    const std::size_t past = reinterpret_cast<std::uintptr_t>(bytes_.data()) % 64;
-    return bytes_.data() + (64 - past) % 64 + alignment.offset;
-  }
-
- private:
-  std::vector<std::uint8_t> bytes_;
-};
-
-// The same for all contenders: chosen by a first run's time, it would be one that a busy moment of
-// the machine has chosen, and one pass alone starts with another contender's bytes in the caches.
-benchmark::IterationCount passesInRow(FrameSize size) {
-  constexpr std::size_t bytes = 200'000'000;
-  return static_cast<benchmark::IterationCount>(std::max<std::size_t>(2, bytes / size.bytes()));
-}
-
-std::string runName(FrameSize size, Alignment alignment, const Contender& contender) {
-  return size.name() + "/" + alignment.name + "/" + contender.name;
+std::vector<std::uint8_t> randomBytes(std::size_t count) {
+  std::minstd_rand random(1);
+  std::vector<std::uint8_t> bytes(count);
+  std::generate(bytes.begin(), bytes.end(),
+                [&] { return static_cast<std::uint8_t>(random() >> 16); });
+  return bytes;
 }
 
 // Whether the pass does what the plain loop does.
 bool isRight(const Contender& contender) {
   constexpr FrameSize size{641, 37};
-  std::vector<std::uint8_t> expected(size.bytes());
-  std::minstd_rand random(2);
-  std::generate(expected.begin(), expected.end(),
-                [&] { return static_cast<std::uint8_t>(random() >> 16); });
+  std::vector<std::uint8_t> expected = randomBytes(size.bytes());
   std::vector<std::uint8_t> got = expected;
   plainLoop(expected.data(), size);
   contender.pass(got.data(), size);
   return got == expected;
 }
 
-// Keeps every run's time, in nanoseconds a pass.
-class Collector : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context& /*context*/) override { return true; }
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-        times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
+// The speed of every contender, GB/s. Rounds are short, some 20 MB, because a long one would
+// contain pauses in which the system runs other programs: several passes over a small frame, or a
+// strip of a large one. The contenders take strip after strip, so no cache holds the next one.
+std::vector<double> speedsOf(FrameSize size, std::uint8_t* pixels) {
+  constexpr std::size_t roundBytes = 20'000'000;
+  const std::size_t strips = std::max<std::size_t>(1, size.bytes() / roundBytes);
+  const FrameSize strip{size.width, size.height / static_cast<int>(strips)};
+  const std::size_t passes = std::max<std::size_t>(1, roundBytes / size.bytes());
+  std::size_t rounds = 0;
+  std::vector<std::function<void()>> repeated;
+  for (const Contender& contender : contenders) {
+    repeated.emplace_back([&, pass = contender.pass] {
+      std::uint8_t* const start = pixels + rounds++ % strips * (strip.bytes() / 64 * 64);
+      for (std::size_t i = 0; i < passes; ++i) {
+        pass(start, strip);
       }
-    }
+    });
   }
+  const std::function<void()> openCvThreads = repeated.back();
+  repeated.pop_back();
+  cv::setNumThreads(1);
+  std::vector<double> times = benchmarks::medianTimes(201, repeated);
+  cv::setNumThreads(-1);
+  times.push_back(benchmarks::medianTimes(201, {openCvThreads})[0]);
 
-  double median(const std::string& name) {
-    std::vector<double>& times = times_.at(name);
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+  for (double& time : times) {
+    time = static_cast<double>(strip.bytes() * passes) / time;
   }
-
- private:
-  std::map<std::string, std::vector<double>> times_;
-};
-
-class Gates {
- public:
-  void hold(const std::string& what, double ratio, double least) {
-    const bool isHeld = ratio >= least;
-    std::printf("  %-62s %6.2f, at least %.2f: %s\n", what.c_str(), ratio, least,
-                isHeld ? "yes" : "NO");
-    areHeld_ = areHeld_ && isHeld;
-  }
-  bool areHeld() const { return areHeld_; }
-
- private:
-  bool areHeld_ = true;
-};
-
-// Prints a size's table and holds its ratios against the gates.
-void report(FrameSize size, Alignment alignment, Collector& collector, Gates& gates) {
-  const auto speed = [&](const Contender& contender) {
-    return static_cast<double>(size.bytes()) /
-           collector.median(runName(size, alignment, contender));
-  };
-  double limit = 0;
-  for (const Contender& contender : contenders) {
-    if (contender.kind == Kind::Limit) {
-      limit = std::max(limit, speed(contender));
-    }
-  }
-  std::printf("\n  %s, %.1f MB, %s\n", size.name().c_str(), static_cast<double>(size.bytes()) / 1e6,
-              alignment.name);
-  for (const Contender& contender : contenders) {
-    std::printf("    %-18s %7.2f GB/s %6.2f of the limit%s\n", contender.name, speed(contender),
-                speed(contender) / limit,
-                contender.kind == Kind::Limit || isRight(contender) ? "" : "  (result is wrong)");
-  }
-  const std::string where = size.name() + " " + alignment.name + ": ";
-  const double library = speed(contenders[0]);
-  const bool isPlanetary = size.width == planetary.width;
-  if (isPlanetary) {
-    gates.hold(where + "library of the limit", library / limit, 0.40);
-  }
-  const bool isLargest = size.width == largest.width;
-  if (isLargest) {
-    gates.hold(where + "library of the limit", library / limit, 0.70);
-  }
-  for (const Contender& contender : contenders) {
-    if (contender.kind == Kind::Other) {
-      // 1.5 times another library's speed, or nine tenths of the limit if that library is too near
-      // to the limit. In the largest frame all of them run at the speed of memory, which varies.
-      const double wanted = isPlanetary
-                                ? std::max(1.0, std::min(1.5, 0.9 * limit / speed(contender)))
-                            : isLargest ? 0.85
-                                        : 1.0;
-      gates.hold(where + "library against " + contender.name, library / speed(contender), wanted);
-    }
-  }
+  return times;
 }
 
-bool run(int count, char** arguments) {
+// Prints a size's table and its gates. Returns whether all of them hold.
+bool report(FrameSize size, Alignment alignment, std::uint8_t* buffer) {
+  const std::vector<double> speeds = speedsOf(size, buffer + alignment.offset);
+  double limit = 0;
+  for (std::size_t i = 0; i < speeds.size(); ++i) {
+    limit = contenders[i].kind == Kind::Limit ? std::max(limit, speeds[i]) : limit;
+  }
+  const std::string name = std::to_string(size.width) + "x" + std::to_string(size.height);
+  std::printf("\n  %s, %.1f MB, %s\n", name.c_str(), static_cast<double>(size.bytes()) / 1e6,
+              alignment.name);
+  for (std::size_t i = 0; i < speeds.size(); ++i) {
+    const Contender& contender = contenders[i];
+    std::printf("    %-18s %7.2f GB/s %6.2f of the limit%s\n", contender.name, speeds[i],
+                speeds[i] / limit,
+                contender.kind == Kind::Limit || isRight(contender) ? "" : "  (result is wrong)");
+  }
+
+  bool areHeld = true;
+  const auto hold = [&](const std::string& what, double ratio, double least) {
+    const std::string text = name + " " + alignment.name + ": library " + what;
+    std::printf("  %-62s %6.2f, at least %.2f: %s\n", text.c_str(), ratio, least,
+                ratio >= least ? "yes" : "NO");
+    areHeld = areHeld && ratio >= least;
+  };
+  const double library = speeds[0];
+  if (size == planetary) {
+    hold("of the limit", library / limit, 0.60);
+  } else if (size == largest) {
+    hold("of the limit", library / limit, 0.80);
+  }
+  for (std::size_t i = 0; i < speeds.size(); ++i) {
+    if (contenders[i].kind == Kind::Other) {
+      // 1.5 times another library's speed, or nine tenths of the limit if that library is too near
+      // to the limit. In the largest frame all of them run at the speed of memory.
+      const double wanted = size == planetary
+                                ? std::max(1.0, std::min(1.5, 0.9 * limit / speeds[i]))
+                            : size == largest ? 0.90
+                                              : 1.0;
+      hold(std::string("against ") + contenders[i].name, library / speeds[i], wanted);
+    }
+  }
+  return areHeld;
+}
+
+bool run() {
   if (fastestSwap() != SwapImplementation::Ssse3 || __builtin_cpu_supports("avx2") == 0) {
     throw std::runtime_error("the gates are for processors with SSSE3 and, for the limit, AVX2");
   }
-  std::vector<std::string> words{arguments[0], "--benchmark_enable_random_interleaving=true",
-                                 "--benchmark_repetitions=21"};
-  words.insert(words.end(), arguments + 1, arguments + count);
-  std::vector<char*> wordPointers;
-  wordPointers.reserve(words.size());
-  for (std::string& word : words) {
-    wordPointers.push_back(word.data());
-  }
-  int wordCount = static_cast<int>(words.size());
-  benchmark::Initialize(&wordCount, wordPointers.data());
-
-  static Buffer buffer;
+  std::vector<std::uint8_t> bytes = randomBytes(largest.bytes() + 128);
+  const std::size_t past = reinterpret_cast<std::uintptr_t>(bytes.data()) % 64;
+  bool areHeld = true;
   for (const FrameSize size : frameSizes) {
     for (const Alignment alignment : alignments) {
-      for (const Contender& contender : contenders) {
-        benchmark::RegisterBenchmark(
-            runName(size, alignment, contender).c_str(),
-            [size, alignment, pass = contender.pass](benchmark::State& state) {
-              for ([[maybe_unused]] const auto turn : state) {
-                pass(buffer.at(alignment), size);
-                benchmark::ClobberMemory();
-              }
-            })
-            ->Iterations(passesInRow(size))
-            ->UseRealTime();
-      }
+      areHeld = report(size, alignment, bytes.data() + (64 - past) % 64) && areHeld;
     }
   }
-  Collector collector;
-  benchmark::RunSpecifiedBenchmarks(&collector);
-
-  Gates gates;
-  for (const FrameSize size : frameSizes) {
-    for (const Alignment alignment : alignments) {
-      report(size, alignment, collector, gates);
-    }
-  }
-  return gates.areHeld();
+  return areHeld;
 }
 
 }  // namespace
 }  // namespace orvane
 
-int main(int count, char** arguments) {
-  try {
-    return orvane::run(count, arguments) ? 0 : 1;
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "swap_red_and_blue: %s\n", failure.what());
-    return 2;
-  }
+int main() {
+  return orvane::benchmarks::runBenchmark("swap_red_and_blue", true, orvane::run);
 }

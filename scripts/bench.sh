@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the benchmarks and runs them all: the cost of a call, of a scan, of
-# recording, of loading, and the swap of red and blue against other libraries. Prints ratios taken
-# inside one run, with the processor's name. Ends with status 1 when a gate is missed.
-#   bench.sh [RUNS]      that often, one after the other; 1 without an argument
+# recording and of loading, and the swap of red and blue compared with other libraries. Each run prints
+# the processor's name and ratios measured inside that run. The exit status is 1 if a gate is missed.
+#   bench.sh [RUNS]      the number of runs, 1 by default
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" libbenchmark-dev libyuv-dev libopencv-imgproc-dev python3
+  "${host_headers[@]}" libyuv-dev libopencv-imgproc-dev python3
 
 runs=${1:-1}
 linux=build/linux-x64-bench
@@ -28,7 +28,7 @@ dll=$windows/bin/orvane_desktop_camera.dll
 wine=cmake/run_with_wine.sh
 missed=0
 
-# Runs a part; a missed gate is remembered.
+# Runs one benchmark under a title and remembers a missed gate.
 part() {
   echo
   echo "-- $1"

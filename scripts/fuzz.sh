@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the fuzzers with clang and runs both, the library against adversarial
-# SDKs for most of the time and the description of a camera for the rest.
-#   fuzz.sh [SECONDS]        60 without an argument
-# What is new goes to build/linux-x64-fuzz/corpus/; an input that breaks a rule is kept beside it as
-# findings/, and the exit status is then 1.
+# Installs what is missing, builds the fuzzers with clang and runs both: the library against adversarial
+# SDKs for four fifths of the time, the description of a camera for the rest.
+#   fuzz.sh [SECONDS]        60 by default
+# New inputs go to build/linux-x64-fuzz/corpus/. Inputs that break a rule go to
+# build/linux-x64-fuzz/findings/, and the exit status is then 1.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/tools.sh

@@ -1,6 +1,5 @@
 // Player One's PlayerOneCamera with functions that return at once: cameras of 64 x 48 pixels.
-#include "instant_cameras.hpp"
-#include "simulated_sdk.hpp"
+#include "instant_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
 namespace orvane {
@@ -13,29 +12,10 @@ int POAGetCameraCount() {
 
 int POAGetCameraProperties(int /*index*/, POACameraProperties* properties) {
   properties->cameraModelName[0] = 'i';
-  properties->maxWidth = 64;
-  properties->maxHeight = 48;
+  properties->maxWidth = benchmarks::instantWidth;
+  properties->maxHeight = benchmarks::instantHeight;
   properties->bins[0] = 1;
   properties->imgFormats[1] = POA_END;
-  return 0;
-}
-
-int POAOpenCamera(int /*cameraId*/) {
-  return 0;
-}
-int POAInitCamera(int /*cameraId*/) {
-  return 0;
-}
-int POACloseCamera(int /*cameraId*/) {
-  return 0;
-}
-
-int POAGetConfigAttributesByConfigID(int /*cameraId*/, int /*configId*/,
-                                     POAConfigAttributes* /*attributes*/) {
-  return 0;
-}
-
-int POASetConfig(int /*cameraId*/, int /*configId*/, POAConfigValue /*value*/, int /*isAuto*/) {
   return 0;
 }
 
@@ -45,29 +25,9 @@ int POAGetConfig(int /*cameraId*/, int /*configId*/, POAConfigValue* value, int*
   return 0;
 }
 
-int POASetImageStartPos(int /*cameraId*/, int /*x*/, int /*y*/) {
-  return 0;
-}
-int POASetImageSize(int /*cameraId*/, int /*width*/, int /*height*/) {
-  return 0;
-}
-
 int POAGetImageSize(int /*cameraId*/, int* width, int* height) {
-  *width = 64;
-  *height = 48;
-  return 0;
-}
-
-int POASetImageBin(int /*cameraId*/, int /*bin*/) {
-  return 0;
-}
-int POASetImageFormat(int /*cameraId*/, int /*format*/) {
-  return 0;
-}
-int POAStartExposure(int /*cameraId*/, int /*isSingleFrame*/) {
-  return 0;
-}
-int POAStopExposure(int /*cameraId*/) {
+  *width = benchmarks::instantWidth;
+  *height = benchmarks::instantHeight;
   return 0;
 }
 
@@ -76,10 +36,18 @@ int POAImageReady(int /*cameraId*/, int* isReady) {
   return 0;
 }
 
-int POAGetImageData(int /*cameraId*/, unsigned char* /*buffer*/, long /*bufferSize*/,
-                    int /*waitMs*/) {
-  return 0;
-}
+RETURNS_ZERO(int, POAOpenCamera, int)
+RETURNS_ZERO(int, POAInitCamera, int)
+RETURNS_ZERO(int, POACloseCamera, int)
+RETURNS_ZERO(int, POAGetConfigAttributesByConfigID, int, int, POAConfigAttributes*)
+RETURNS_ZERO(int, POASetConfig, int, int, POAConfigValue, int)
+RETURNS_ZERO(int, POASetImageStartPos, int, int, int)
+RETURNS_ZERO(int, POASetImageSize, int, int, int)
+RETURNS_ZERO(int, POASetImageBin, int, int)
+RETURNS_ZERO(int, POASetImageFormat, int, int)
+RETURNS_ZERO(int, POAStartExposure, int, int)
+RETURNS_ZERO(int, POAStopExposure, int)
+RETURNS_ZERO(int, POAGetImageData, int, unsigned char*, long, int)
 
 }  // extern "C"
 

@@ -1,6 +1,7 @@
 // QHYCCD's qhyccd with functions that return at once: cameras of 64 x 48 pixels.
-#include "instant_cameras.hpp"
-#include "simulated_sdk.hpp"
+#include <cstdint>
+
+#include "instant_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 
 namespace orvane {
@@ -13,9 +14,6 @@ int device;  // its address is the handle
 
 extern "C" {
 
-std::uint32_t InitQHYCCDResource() {
-  return 0;
-}
 std::uint32_t ScanQHYCCD() {
   return static_cast<std::uint32_t>(benchmarks::instantCameraCount());
 }
@@ -33,74 +31,47 @@ std::uint32_t GetQHYCCDModel(char* /*id*/, char* model) {
 void* OpenQHYCCD(char* /*id*/) {
   return &device;
 }
-std::uint32_t CloseQHYCCD(void* /*handle*/) {
-  return 0;
-}
-std::uint32_t SetQHYCCDStreamMode(void* /*handle*/, std::uint8_t /*mode*/) {
-  return 0;
-}
-std::uint32_t InitQHYCCD(void* /*handle*/) {
-  return 0;
-}
 
 std::uint32_t GetQHYCCDChipInfo(void* /*handle*/, double* /*chipWidthMm*/, double* /*chipHeightMm*/,
                                 std::uint32_t* imageWidth, std::uint32_t* imageHeight,
                                 double* /*pixelWidthUm*/, double* /*pixelHeightUm*/,
                                 std::uint32_t* /*bitsPerPixel*/) {
-  *imageWidth = 64;
-  *imageHeight = 48;
+  *imageWidth = benchmarks::instantWidth;
+  *imageHeight = benchmarks::instantHeight;
   return 0;
 }
 
-std::uint32_t IsQHYCCDControlAvailable(void* /*handle*/, int /*controlId*/) {
-  return 0;
-}
-
-std::uint32_t GetQHYCCDParamMinMaxStep(void* /*handle*/, int /*controlId*/, double* /*minimum*/,
-                                       double* /*maximum*/, double* /*step*/) {
-  return 0;
-}
-
-std::uint32_t SetQHYCCDParam(void* /*handle*/, int /*controlId*/, double /*value*/) {
-  return 0;
-}
 double GetQHYCCDParam(void* /*handle*/, int /*controlId*/) {
   return 20.0;
 }
 
-std::uint32_t SetQHYCCDBinMode(void* /*handle*/, std::uint32_t /*horizontal*/,
-                               std::uint32_t /*vertical*/) {
-  return 0;
-}
-
-std::uint32_t SetQHYCCDBitsMode(void* /*handle*/, std::uint32_t /*bits*/) {
-  return 0;
-}
-
-std::uint32_t SetQHYCCDResolution(void* /*handle*/, std::uint32_t /*x*/, std::uint32_t /*y*/,
-                                  std::uint32_t /*width*/, std::uint32_t /*height*/) {
-  return 0;
-}
-
 std::uint32_t GetQHYCCDMemLength(void* /*handle*/) {
-  return 64 * 48;
-}
-std::uint32_t BeginQHYCCDLive(void* /*handle*/) {
-  return 0;
-}
-std::uint32_t StopQHYCCDLive(void* /*handle*/) {
-  return 0;
+  return benchmarks::instantWidth * benchmarks::instantHeight;
 }
 
 std::uint32_t GetQHYCCDLiveFrame(void* /*handle*/, std::uint32_t* width, std::uint32_t* height,
                                  std::uint32_t* bitsPerPixel, std::uint32_t* channels,
                                  std::uint8_t* /*data*/) {
-  *width = 64;
-  *height = 48;
+  *width = benchmarks::instantWidth;
+  *height = benchmarks::instantHeight;
   *bitsPerPixel = 8;
   *channels = 1;
   return 0;
 }
+
+RETURNS_ZERO(std::uint32_t, InitQHYCCDResource)
+RETURNS_ZERO(std::uint32_t, CloseQHYCCD, void*)
+RETURNS_ZERO(std::uint32_t, SetQHYCCDStreamMode, void*, std::uint8_t)
+RETURNS_ZERO(std::uint32_t, InitQHYCCD, void*)
+RETURNS_ZERO(std::uint32_t, IsQHYCCDControlAvailable, void*, int)
+RETURNS_ZERO(std::uint32_t, GetQHYCCDParamMinMaxStep, void*, int, double*, double*, double*)
+RETURNS_ZERO(std::uint32_t, SetQHYCCDParam, void*, int, double)
+RETURNS_ZERO(std::uint32_t, SetQHYCCDBinMode, void*, std::uint32_t, std::uint32_t)
+RETURNS_ZERO(std::uint32_t, SetQHYCCDBitsMode, void*, std::uint32_t)
+RETURNS_ZERO(std::uint32_t, SetQHYCCDResolution, void*, std::uint32_t, std::uint32_t, std::uint32_t,
+             std::uint32_t)
+RETURNS_ZERO(std::uint32_t, BeginQHYCCDLive, void*)
+RETURNS_ZERO(std::uint32_t, StopQHYCCDLive, void*)
 
 }  // extern "C"
 

@@ -1,6 +1,7 @@
 // What the scripted SDKs of all makers share.
 #include "adversarial_sdks/adversary.hpp"
 
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 
@@ -50,8 +51,10 @@ void Adversary::begin(std::span<const std::uint8_t> bytes) {
   scripted::platform().passed.clear();
 }
 
-void Adversary::noteViolation(const char* rule, const char* culprit) {
-  violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
+void Adversary::require(bool holds, const char* rule, const char* culprit) {
+  if (!holds) {
+    violations.push_back(culprit != nullptr ? std::string(rule) + ": " + culprit : rule);
+  }
 }
 
 bool Adversary::admits(const scripted::Library& library, const char* name) {
@@ -74,18 +77,18 @@ bool Adversary::admits(const scripted::Library& library, const char* name) {
   return !isOver;
 }
 
-std::int32_t Adversary::result() {
+std::int32_t Adversary::result(Vendor vendor) {
   const std::uint8_t choice = input.byte();
   if (choice < 236) {
     return 0;
   }
-  if (choice < 246) {
-    return choice - 235;  // small codes, which include the makers' time-outs
-  }
   if (choice == 255) {
     throw std::runtime_error("thrown by the SDK");
   }
-  return input.number();
+  // The small codes include the makers' time-outs.
+  const std::int32_t code = choice < 246 ? choice - 235 : input.number();
+  // ToupTek's failures are negative.
+  return vendor == Vendor::ToupTek && code > 0 && code < 8 ? -code : code;
 }
 
 std::int32_t Adversary::length() {
@@ -104,6 +107,14 @@ void Adversary::opened(Vendor vendor, std::uintptr_t key) {
   sdk.open[key] = Device{};
 }
 
+std::int32_t Adversary::openedId(Vendor vendor, int cameraId) {
+  const std::int32_t code = result(vendor);
+  if (code == 0) {
+    opened(vendor, keyOf(cameraId));
+  }
+  return code;
+}
+
 void* Adversary::openedHandle(Vendor vendor) {
   if (!isSound()) {
     return nullptr;
@@ -120,6 +131,12 @@ Device& Adversary::used(Vendor vendor, std::uintptr_t key, const char* call) {
   return found != open.end() ? found->second : none_;
 }
 
+std::int32_t Adversary::started(Vendor vendor, Device& device) {
+  const std::int32_t code = result(vendor);
+  device.isStreaming = code == 0 || (vendor == Vendor::ToupTek && code > 0);
+  return code;
+}
+
 void Adversary::stopped(Vendor vendor, std::uintptr_t key) {
   Device& device = used(vendor, key, of(vendor).stopFunction);
   require(device.isStreaming, "stop without a start", of(vendor).baseName);
@@ -130,6 +147,27 @@ void Adversary::closed(Vendor vendor, std::uintptr_t key) {
   const Device& device = used(vendor, key, of(vendor).closeFunction);
   require(!device.isStreaming, "closed while streaming", of(vendor).baseName);
   of(vendor).open.erase(key);
+}
+
+void Adversary::setSize(Device& device, std::int64_t width, std::int64_t height) {
+  device.frameWidth = width;
+  device.frameHeight = height;
+  require(width >= 1 && height >= 1, "region of no pixels");
+}
+
+void Adversary::reportSize(Device& device, int* width, int* height) {
+  if (!isSound()) {
+    device.frameWidth = length();
+    device.frameHeight = length();
+  }
+  *width = static_cast<int>(device.frameWidth);
+  *height = static_cast<int>(device.frameHeight);
+}
+
+void Adversary::deliverFrame(const Device& device, void* buffer, std::int64_t length) {
+  require(device.isStreaming, "frame asked for without a stream");
+  require(device.frameBytes() <= length, "buffer shorter than a frame");
+  std::memset(buffer, 0x5A, static_cast<std::size_t>(length));
 }
 
 std::size_t Adversary::openDevices() const {

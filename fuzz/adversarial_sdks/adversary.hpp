@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "common/input.hpp"
 #include "doubles/scripted_platform.hpp"
+#include "input.hpp"
 
 namespace orvane::fuzz {
 
@@ -22,6 +22,16 @@ struct Device {
   std::int64_t frameHeight = 0;
   std::int64_t bytesPerPixel = 1;
   std::int64_t frameMemory = 0;  ///< as last reported, for SDKs that report it
+
+  /// The most that the SDK may write into a frame's buffer.
+  std::int64_t frameBytes() const {
+    return std::max(frameMemory, frameWidth * frameHeight * bytesPerPixel);
+  }
+};
+
+/// The body of a call that takes an open device and only returns a result.
+struct NoBody {
+  void operator()(const Device& /*device*/, const auto&... /*rest*/) const {}
 };
 
 /// One SDK: its functions and its open devices.
@@ -37,6 +47,18 @@ struct Sdk {
   void add(const Declared& declared, Body body) {
     script->add(declared, body);
   }
+
+  /// Adds a call that takes an open device. `body` gets the device and the other arguments. If it
+  /// returns nothing, the call returns any result.
+  template <const auto& declared, class Body = NoBody>
+  void addCall(Body body = {}) {
+    addCall<declared>(declared, body);
+  }
+
+ private:
+  template <const auto& declared, Vendor vendor, void (*check)(std::int64_t, const char*),
+            class Result, class Id, class... Rest, class Body>
+  void addCall(const SdkFunction<vendor, check, Result(Id, Rest...)>& type, Body body);
 };
 
 /// A device's key: the camera id or the handle.
@@ -70,15 +92,14 @@ class Adversary {
   Sdk& of(Vendor vendor) { return sdks[static_cast<std::size_t>(vendor)]; }
 
   /// Records a violation unless the rule holds.
-  void require(bool holds, const char* rule, const char* culprit = nullptr) {
-    if (!holds) {
-      noteViolation(rule, culprit);
-    }
-  }
+  void require(bool holds, const char* rule, const char* culprit = nullptr);
 
   /// The result of a call: usually success, else any code. Sometimes throws, as an SDK written in
   /// C++ may do.
-  std::int32_t result();
+  std::int32_t result(Vendor vendor);
+
+  /// The number of cameras: usually 1 to 3.
+  std::int32_t cameraCount() { return isSound() ? 1 + input.byte() % 3 : input.number(); }
 
   /// A width or height of a sensor or frame: usually small enough for real frames, else any number.
   std::int32_t length();
@@ -110,21 +131,35 @@ class Adversary {
 
   /// Opens a device. It is a violation if the device is already open.
   void opened(Vendor vendor, std::uintptr_t key);
-  /// The same for an SDK that returns handles: sometimes null, else a new handle. No handle is used
-  /// twice, so a stale one is detected.
+  /// The open call of an SDK that names cameras by id. Returns any result.
+  std::int32_t openedId(Vendor vendor, int cameraId);
+  /// The open call of an SDK that returns handles: sometimes null, else a new handle. No handle is
+  /// used twice, so a stale one is detected.
   void* openedHandle(Vendor vendor);
   /// The device of a call. It is a violation if the device is not open. Never null.
   Device& used(Vendor vendor, std::uintptr_t key, const char* call);
+  /// Starts the stream of a device, unless the result is a failure. Returns the result.
+  std::int32_t started(Vendor vendor, Device& device);
   /// Stops the stream of a device, or closes the device.
   void stopped(Vendor vendor, std::uintptr_t key);
   void closed(Vendor vendor, std::uintptr_t key);
+
+  /// Sets the size of the frames, which must have pixels.
+  void setSize(Device& device, std::int64_t width, std::int64_t height);
+  /// Checks the position of the region, which must be the corner of the sensor.
+  void checkPosition(std::int64_t x, std::int64_t y) {
+    require(x == 0 && y == 0, "region that is not at the corner");
+  }
+  /// Reports the size of the frames: usually the size that was set.
+  void reportSize(Device& device, int* width, int* height);
+  /// Fills the buffer of a frame, all of its `length` bytes. A frame must fit.
+  void deliverFrame(const Device& device, void* buffer, std::int64_t length);
 
   std::size_t openDevices() const;
   std::size_t runningStreams() const;
 
  private:
   bool admits(const scripted::Library& library, const char* name);
-  void noteViolation(const char* rule, const char* culprit);
   std::size_t fillLength(std::size_t size);
 
   int calls_ = 0;
@@ -135,10 +170,18 @@ class Adversary {
 /// The only instance in the process.
 Adversary& adversary();
 
-/// The device of a call to this function, by camera id or handle.
-template <Vendor vendor, void (*check)(std::int64_t, const char*), class Signature, class Id>
-Device& used(Id id, const SdkFunction<vendor, check, Signature>& function) {
-  return adversary().used(vendor, keyOf(id), function.name());
+template <const auto& declared, Vendor vendor, void (*check)(std::int64_t, const char*),
+          class Result, class Id, class... Rest, class Body>
+void Sdk::addCall(const SdkFunction<vendor, check, Result(Id, Rest...)>& /*type*/, Body /*body*/) {
+  add(declared, [](Id id, Rest... rest) -> Result {
+    Device& device = adversary().used(vendor, keyOf(id), declared.name());
+    if constexpr (std::is_void_v<decltype(Body{}(device, rest...))>) {
+      Body{}(device, rest...);
+      return static_cast<Result>(adversary().result(vendor));
+    } else {
+      return static_cast<Result>(Body{}(device, rest...));
+    }
+  });
 }
 
 }  // namespace orvane::fuzz

@@ -1,6 +1,4 @@
 // An adversarial version of Player One's SDK: the input determines every answer.
-#include <cstring>
-
 #include "adversarial_sdks/adversary.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 
@@ -25,9 +23,7 @@ void addPlayerOne(Sdk& sdk) {
   sdk.stopFunction = POAStopExposure.name();
   sdk.closeFunction = POACloseCamera.name();
 
-  sdk.add(POAGetCameraCount, []() -> int {
-    return adversary().isSound() ? 1 + adversary().input.byte() % 3 : adversary().input.number();
-  });
+  sdk.add(POAGetCameraCount, []() -> int { return adversary().cameraCount(); });
   sdk.add(POAGetCameraProperties, [](int /*index*/, POACameraProperties* properties) -> int {
     Adversary& answers = adversary();
     answers.fill(properties->cameraModelName);
@@ -42,99 +38,52 @@ void addPlayerOne(Sdk& sdk) {
     properties->pixelSize = answers.input.real();
     answers.fill(properties->bins, 0, 1);
     answers.fill(properties->imgFormats, POA_END, 0);
-    return answers.result();
+    return answers.result(Vendor::PlayerOne);
   });
-  sdk.add(POAOpenCamera, [](int cameraId) -> int {
-    const int result = adversary().result();
-    if (result == 0) {
-      adversary().opened(Vendor::PlayerOne, keyOf(cameraId));
-    }
-    return result;
-  });
-  sdk.add(POAInitCamera, [](int cameraId) -> int {
-    used(cameraId, POAInitCamera);
-    return adversary().result();
-  });
+  sdk.add(POAOpenCamera,
+          [](int cameraId) -> int { return adversary().openedId(Vendor::PlayerOne, cameraId); });
+  sdk.addCall<POAInitCamera>();
   sdk.add(POACloseCamera, [](int cameraId) -> int {
     adversary().closed(Vendor::PlayerOne, keyOf(cameraId));
     return adversary().input.number();
   });
-  sdk.add(POAGetConfigAttributesByConfigID,
-          [](int cameraId, int /*configId*/, POAConfigAttributes* attributes) -> int {
-            used(cameraId, POAGetConfigAttributesByConfigID);
-            attributes->minValue = anyValue();
-            attributes->maxValue = anyValue();
-            return adversary().result();
-          });
-  sdk.add(POASetConfig,
-          [](int cameraId, int /*configId*/, POAConfigValue /*value*/, int /*isAuto*/) -> int {
-            used(cameraId, POASetConfig);
-            return adversary().result();
-          });
-  sdk.add(POAGetConfig,
-          [](int cameraId, int /*configId*/, POAConfigValue* value, int* isAuto) -> int {
-            used(cameraId, POAGetConfig);
-            *value = anyValue();
-            *isAuto = adversary().input.number();
-            return adversary().result();
-          });
-  sdk.add(POASetImageStartPos, [](int cameraId, int x, int y) -> int {
-    used(cameraId, POASetImageStartPos);
-    adversary().require(x == 0 && y == 0, "region that is not at the corner");
-    return adversary().result();
+  sdk.addCall<POAGetConfigAttributesByConfigID>(
+      [](const Device& /*device*/, int /*configId*/, POAConfigAttributes* attributes) {
+        attributes->minValue = anyValue();
+        attributes->maxValue = anyValue();
+      });
+  sdk.addCall<POASetConfig>();
+  sdk.addCall<POAGetConfig>(
+      [](const Device& /*device*/, int /*configId*/, POAConfigValue* value, int* isAuto) {
+        *value = anyValue();
+        *isAuto = adversary().input.number();
+      });
+  sdk.addCall<POASetImageStartPos>(
+      [](const Device& /*device*/, int x, int y) { adversary().checkPosition(x, y); });
+  sdk.addCall<POASetImageSize>(
+      [](Device& device, int width, int height) { adversary().setSize(device, width, height); });
+  sdk.addCall<POAGetImageSize>([](Device& device, int* width, int* height) {
+    adversary().reportSize(device, width, height);
   });
-  sdk.add(POASetImageSize, [](int cameraId, int width, int height) -> int {
-    Device& device = used(cameraId, POASetImageSize);
-    device.frameWidth = width;
-    device.frameHeight = height;
-    adversary().require(width >= 1 && height >= 1, "region of no pixels");
-    return adversary().result();
+  sdk.addCall<POASetImageBin>(
+      [](const Device& /*device*/, int bin) { adversary().require(bin != 0, "bin 0"); });
+  sdk.addCall<POASetImageFormat>([](Device& device, int format) {
+    device.bytesPerPixel = format == 1 ? 2 : format == 2 ? 3 : 1;
   });
-  sdk.add(POAGetImageSize, [](int cameraId, int* width, int* height) -> int {
-    Adversary& answers = adversary();
-    Device& device = used(cameraId, POAGetImageSize);
-    if (!answers.isSound()) {
-      device.frameWidth = answers.length();
-      device.frameHeight = answers.length();
-    }
-    *width = static_cast<int>(device.frameWidth);
-    *height = static_cast<int>(device.frameHeight);
-    return answers.result();
-  });
-  sdk.add(POASetImageBin, [](int cameraId, int bin) -> int {
-    used(cameraId, POASetImageBin);
-    adversary().require(bin != 0, "bin 0");
-    return adversary().result();
-  });
-  sdk.add(POASetImageFormat, [](int cameraId, int format) -> int {
-    used(cameraId, POASetImageFormat).bytesPerPixel = format == 1 ? 2 : format == 2 ? 3 : 1;
-    return adversary().result();
-  });
-  sdk.add(POAStartExposure, [](int cameraId, int isSingleFrame) -> int {
-    Device& device = used(cameraId, POAStartExposure);
+  sdk.addCall<POAStartExposure>([](Device& device, int isSingleFrame) {
     adversary().require(isSingleFrame == POA_FALSE, "single frame started");
-    const int result = adversary().result();
-    device.isStreaming = result == 0;
-    return result;
+    return adversary().started(Vendor::PlayerOne, device);
   });
   sdk.add(POAStopExposure, [](int cameraId) -> int {
     adversary().stopped(Vendor::PlayerOne, keyOf(cameraId));
     return adversary().input.number();
   });
-  sdk.add(POAImageReady, [](int cameraId, int* isReady) -> int {
-    used(cameraId, POAImageReady);
+  sdk.addCall<POAImageReady>([](const Device& /*device*/, int* isReady) {
     *isReady = adversary().isSound() ? POA_TRUE : adversary().input.number();
-    return adversary().result();
   });
-  sdk.add(
-      POAGetImageData, [](int cameraId, unsigned char* buffer, long length, int /*waitMs*/) -> int {
-        const Device& device = used(cameraId, POAGetImageData);
-        adversary().require(device.isStreaming, "frame asked for without a stream");
-        adversary().require(device.frameWidth * device.frameHeight * device.bytesPerPixel <= length,
-                            "buffer shorter than a frame");
-        std::memset(buffer, 0x5A,
-                    static_cast<std::size_t>(length));  // the whole length that it was given
-        return adversary().result();
+  sdk.addCall<POAGetImageData>(
+      [](const Device& device, unsigned char* buffer, long length, int /*waitMs*/) {
+        adversary().deliverFrame(device, buffer, length);
       });
 }
 

@@ -1,13 +1,12 @@
 // One run of the library against adversarial SDKs: calls that a host may make, in any order, with
 // checks after each.
-#include "adversarial_sdks/session.hpp"
-
 #include <cstring>
 #include <iterator>
 #include <memory>
 
 #include "adversarial_sdks/adversary.hpp"
 #include "api/state.hpp"
+#include "checks.hpp"
 #include "orvane_desktop_camera.h"
 
 namespace orvane::fuzz {
@@ -172,6 +171,14 @@ void apply() {
   }
 }
 
+void readTemperature() {
+  static_cast<void>(oc_temperature());
+}
+
+void describeAnything() {
+  checkDescription(adversary().input.number());
+}
+
 void setDirectory() {
   constexpr const char* directories[] = {"sdk", "", "\xff\xfe", "C:", nullptr};
   oc_library_dir(directories[adversary().input.byte() % std::size(directories)]);
@@ -191,48 +198,35 @@ void changeFunctions() {
   sdk.script->missing.insert(std::next(functions.begin(), offset)->first);
 }
 
-void step() {
-  switch (adversary().input.byte() % 24) {
-    case 0:
-    case 1:
-      return scan();
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-      return openOffered();
-    case 7:
-      return openAnything();
-    case 8:
-    case 9:
-    case 10:
-    case 11:
-      return read();
-    case 12:
-      return readWithABadBuffer();
-    case 13:
-    case 14:
-      return apply();
-    case 15:
-    case 16:
-      static_cast<void>(oc_temperature());
-      return;
-    case 17:
-    case 18:
-      return oc_close();
-    case 19:
-      return checkDescription(adversary().input.number());
-    case 20:
-      return setDirectory();
-    case 21:
-    case 22:
-      return changeFunctions();
-    default:
-      adversary().sdks[adversary().input.byte() % vendorCount].script->canLoad ^= true;
-      return;
-  }
+void loadOrNot() {
+  adversary().sdks[adversary().input.byte() % vendorCount].script->canLoad ^= true;
 }
+
+// A step that stands here more often is taken more often.
+constexpr void (*steps[])() = {scan,
+                               scan,
+                               openOffered,
+                               openOffered,
+                               openOffered,
+                               openOffered,
+                               openOffered,
+                               openAnything,
+                               read,
+                               read,
+                               read,
+                               read,
+                               readWithABadBuffer,
+                               apply,
+                               apply,
+                               readTemperature,
+                               readTemperature,
+                               oc_close,
+                               oc_close,
+                               describeAnything,
+                               setDirectory,
+                               changeFunctions,
+                               changeFunctions,
+                               loadOrNot};
 
 }  // namespace
 
@@ -248,7 +242,7 @@ std::vector<std::string> runSession(std::span<const std::uint8_t> bytes) {
   scan();
   checkState();
   for (int i = 0; i < maxSteps && !adversary().input.empty(); ++i) {
-    step();
+    steps[adversary().input.byte() % std::size(steps)]();
     checkState();
   }
   oc_close();

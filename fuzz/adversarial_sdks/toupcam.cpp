@@ -1,18 +1,10 @@
 // An adversarial version of ToupTek's SDK: the input determines every answer.
-#include <cstring>
-
 #include "adversarial_sdks/adversary.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
 namespace orvane::fuzz {
 
 namespace {
-
-// Negative codes are failures, positive ones are successes.
-std::int32_t result() {
-  const std::int32_t code = adversary().result();
-  return code > 0 && code < 8 ? -code : code;
-}
 
 // A model as the SDK would hold it: constant data that outlives every call.
 const ToupcamModelV2* anyModel() {
@@ -28,6 +20,13 @@ const ToupcamModelV2* anyModel() {
   return &model;
 }
 
+// The two functions that report a range differ only in the type of the numbers.
+constexpr auto fillRange = [](const Device& /*device*/, auto* least, auto* most, auto* usual) {
+  for (auto* out : {least, most, usual}) {
+    *out = static_cast<std::remove_pointer_t<decltype(out)>>(adversary().input.number());
+  }
+};
+
 }  // namespace
 
 void addToupTek(Sdk& sdk) {
@@ -36,8 +35,7 @@ void addToupTek(Sdk& sdk) {
 
   sdk.add(Toupcam_EnumV2, [](ToupcamDeviceV2* devices) -> unsigned {
     Adversary& answers = adversary();
-    const auto count = answers.isSound() ? 1U + answers.input.byte() % 3U
-                                         : static_cast<unsigned>(answers.input.number());
+    const auto count = static_cast<unsigned>(answers.cameraCount());
     // Reports any count, but fills at most TOUPCAM_MAX entries.
     for (unsigned i = 0; i < std::min<unsigned>(count, TOUPCAM_MAX); ++i) {
       answers.fill(devices[i].displayname);
@@ -56,109 +54,59 @@ void addToupTek(Sdk& sdk) {
   });
   sdk.add(Toupcam_Close,
           [](HToupcam handle) { adversary().closed(Vendor::ToupTek, keyOf(handle)); });
-  sdk.add(Toupcam_get_MaxBitDepth, [](HToupcam handle) -> std::int32_t {
-    used(handle, Toupcam_get_MaxBitDepth);
+  sdk.addCall<Toupcam_get_MaxBitDepth>([](const Device& /*device*/) {
     return adversary().isSound() ? 12 : adversary().input.number();
   });
-  sdk.add(Toupcam_get_RawFormat,
-          [](HToupcam handle, unsigned* fourCc, unsigned* bitsPerPixel) -> std::int32_t {
-            Adversary& answers = adversary();
-            used(handle, Toupcam_get_RawFormat);
-            constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
-            *fourCc = answers.isSound() ? codes[answers.input.byte() % 4U] : answers.input.word();
-            *bitsPerPixel = static_cast<unsigned>(answers.input.number());
-            return result();
-          });
-  sdk.add(Toupcam_get_ExpTimeRange,
-          [](HToupcam handle, unsigned* nMin, unsigned* nMax, unsigned* nDef) -> std::int32_t {
-            used(handle, Toupcam_get_ExpTimeRange);
-            for (unsigned* out : {nMin, nMax, nDef}) {
-              *out = static_cast<unsigned>(adversary().input.number());
-            }
-            return result();
-          });
-  sdk.add(Toupcam_get_ExpoAGainRange,
-          [](HToupcam handle, unsigned short* nMin, unsigned short* nMax,
-             unsigned short* nDef) -> std::int32_t {
-            used(handle, Toupcam_get_ExpoAGainRange);
-            for (unsigned short* out : {nMin, nMax, nDef}) {
-              *out = static_cast<unsigned short>(adversary().input.number());
-            }
-            return result();
-          });
-  sdk.add(Toupcam_put_Option, [](HToupcam handle, unsigned option, int value) -> std::int32_t {
-    Device& device = used(handle, Toupcam_put_Option);
+  sdk.addCall<Toupcam_get_RawFormat>(
+      [](const Device& /*device*/, unsigned* fourCc, unsigned* bitsPerPixel) {
+        Adversary& answers = adversary();
+        constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
+        *fourCc = answers.isSound() ? codes[answers.input.byte() % 4U] : answers.input.word();
+        *bitsPerPixel = static_cast<unsigned>(answers.input.number());
+      });
+  sdk.addCall<Toupcam_get_ExpTimeRange>(fillRange);
+  sdk.addCall<Toupcam_get_ExpoAGainRange>(fillRange);
+  sdk.addCall<Toupcam_put_Option>([](Device& device, unsigned option, int value) {
     if (option == TOUPCAM_OPTION_BITDEPTH) {
       device.bytesPerPixel = value != 0 ? 2 : 1;
     }
-    return result();
   });
-  sdk.add(
-      Toupcam_put_Roi,
-      [](HToupcam handle, unsigned x, unsigned y, unsigned width, unsigned height) -> std::int32_t {
-        Device& device = used(handle, Toupcam_put_Roi);
-        device.frameWidth = width;
-        device.frameHeight = height;
-        adversary().require(x == 0 && y == 0, "region that is not at the corner");
-        adversary().require(width >= 1 && height >= 1, "region of no pixels");
-        return result();
+  sdk.addCall<Toupcam_put_Roi>(
+      [](Device& device, unsigned x, unsigned y, unsigned width, unsigned height) {
+        adversary().checkPosition(x, y);
+        adversary().setSize(device, width, height);
       });
-  sdk.add(Toupcam_get_FinalSize, [](HToupcam handle, int* width, int* height) -> std::int32_t {
+  sdk.addCall<Toupcam_get_FinalSize>([](Device& device, int* width, int* height) {
+    adversary().reportSize(device, width, height);
+  });
+  sdk.addCall<Toupcam_StartPullModeWithCallback>(
+      [](Device& device, ToupcamEventCallback callback, void* context) {
+        adversary().require(callback == nullptr && context == nullptr, "callback registered");
+        return adversary().started(Vendor::ToupTek, device);
+      });
+  sdk.addCall<Toupcam_PullImageWithRowPitch>([](const Device& device, void* data, int bits,
+                                                int rowPitch, unsigned* width, unsigned* height) {
     Adversary& answers = adversary();
-    Device& device = used(handle, Toupcam_get_FinalSize);
-    if (!answers.isSound()) {
-      device.frameWidth = answers.length();
-      device.frameHeight = answers.length();
-    }
-    *width = static_cast<int>(device.frameWidth);
-    *height = static_cast<int>(device.frameHeight);
-    return result();
+    answers.require(bits == device.bytesPerPixel * 8 && rowPitch == -1, "rows that do not fit");
+    const bool isSound = answers.isSound();
+    *width = static_cast<unsigned>(isSound ? device.frameWidth : answers.length());
+    *height = static_cast<unsigned>(isSound ? device.frameHeight : answers.length());
+    answers.deliverFrame(device, data, device.frameBytes());
+    return answers.isSound() ? answers.result(Vendor::ToupTek) : TOUPCAM_E_PENDING;
   });
-  sdk.add(Toupcam_StartPullModeWithCallback,
-          [](HToupcam handle, ToupcamEventCallback callback, void* context) -> std::int32_t {
-            Device& device = used(handle, Toupcam_StartPullModeWithCallback);
-            adversary().require(callback == nullptr && context == nullptr, "callback registered");
-            const std::int32_t code = result();
-            device.isStreaming = code >= 0;
-            return code;
-          });
-  sdk.add(
-      Toupcam_PullImageWithRowPitch,
-      [](HToupcam handle, void* data, int bits, int rowPitch, unsigned* width,
-         unsigned* height) -> std::int32_t {
-        Adversary& answers = adversary();
-        const Device& device = used(handle, Toupcam_PullImageWithRowPitch);
-        answers.require(device.isStreaming, "frame asked for without a stream");
-        answers.require(bits == device.bytesPerPixel * 8 && rowPitch == -1, "rows that do not fit");
-        const bool isSound = answers.isSound();
-        *width = static_cast<unsigned>(isSound ? device.frameWidth : answers.length());
-        *height = static_cast<unsigned>(isSound ? device.frameHeight : answers.length());
-        const std::int64_t bytes = device.frameWidth * device.frameHeight * device.bytesPerPixel;
-        std::memset(data, 0x5A, static_cast<std::size_t>(bytes));
-        return answers.isSound() ? result() : TOUPCAM_E_PENDING;
-      });
   sdk.add(Toupcam_Stop, [](HToupcam handle) -> std::int32_t {
     adversary().stopped(Vendor::ToupTek, keyOf(handle));
     return adversary().input.number();
   });
-  sdk.add(Toupcam_put_AutoExpoEnable, [](HToupcam handle, int mode) -> std::int32_t {
-    used(handle, Toupcam_put_AutoExpoEnable);
+  sdk.addCall<Toupcam_put_AutoExpoEnable>([](const Device& /*device*/, int mode) {
     adversary().require(mode == 0, "automatic exposure switched on");
-    return result();
   });
-  sdk.add(Toupcam_put_ExpoTime, [](HToupcam handle, unsigned microseconds) -> std::int32_t {
-    used(handle, Toupcam_put_ExpoTime);
+  sdk.addCall<Toupcam_put_ExpoTime>([](const Device& /*device*/, unsigned microseconds) {
     adversary().require(microseconds >= 1 && microseconds <= 2147483647U, "exposure out of range");
-    return result();
   });
-  sdk.add(Toupcam_put_ExpoAGain, [](HToupcam handle, unsigned short /*percent*/) -> std::int32_t {
-    used(handle, Toupcam_put_ExpoAGain);
-    return result();
-  });
-  sdk.add(Toupcam_get_Temperature, [](HToupcam handle, short* tenths) -> std::int32_t {
-    used(handle, Toupcam_get_Temperature);
+  sdk.addCall<Toupcam_put_ExpoAGain>();
+  sdk.addCall<Toupcam_get_Temperature>([](const Device& /*device*/, short* tenths) {
     *tenths = static_cast<short>(adversary().input.number());
-    return result();
   });
 }
 

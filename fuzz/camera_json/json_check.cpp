@@ -1,11 +1,11 @@
 // Checks the JSON description of a camera with an independent parser.
-#include "camera_json/json_check.hpp"
-
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "catalogue/camera_json.hpp"
-#include "common/input.hpp"
+#include "checks.hpp"
+#include "input.hpp"
 
 namespace orvane::fuzz {
 
@@ -50,15 +50,14 @@ CameraInfo anyCamera(Input& input) {
   return camera;
 }
 
+bool isControl(char byte) {
+  return static_cast<unsigned char>(byte) < 0x20;
+}
+
 // The part of a name that a description keeps.
-std::string visible(const std::string& name) {
-  std::string kept;
-  for (const char byte : name) {
-    if (static_cast<unsigned char>(byte) >= 0x20) {
-      kept += byte;
-    }
-  }
-  return kept;
+std::string visible(std::string name) {
+  std::erase_if(name, isControl);
+  return name;
 }
 
 // Whether the independent library accepts the text when it writes JSON.
@@ -85,10 +84,7 @@ std::string unquoted(const std::string& quoted) {
 }
 
 Json expected(std::int32_t index, const CameraInfo& camera, const std::string& name) {
-  bool has16Bits = false;
-  for (const std::int32_t format : camera.formats) {
-    has16Bits = has16Bits || format == 1;
-  }
+  const bool has16Bits = std::count(camera.formats.begin(), camera.formats.end(), 1) > 0;
   return {{"id", index},
           {"name", name},
           {"maxWidth", camera.maxWidth},
@@ -127,9 +123,8 @@ std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes)
       violations.emplace_back(rule);
     }
   };
-  for (const char byte : description) {
-    require(static_cast<unsigned char>(byte) >= 0x20, "control character in a description");
-  }
+  require(std::none_of(description.begin(), description.end(), isControl),
+          "control character in a description");
   const std::string quoted = jsonString(camera.name);
   require(quoted.size() >= 2 && quoted.front() == '"' && quoted.back() == '"', "no quotes");
   require(unquoted(quoted) == name, "name changed by quoting");

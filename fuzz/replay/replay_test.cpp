@@ -6,8 +6,7 @@
 #include <iterator>
 
 #include "adversarial_sdks/adversary.hpp"
-#include "adversarial_sdks/session.hpp"
-#include "camera_json/json_check.hpp"
+#include "checks.hpp"
 
 namespace orvane::fuzz {
 namespace {

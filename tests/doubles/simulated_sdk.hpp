@@ -46,24 +46,36 @@ class SimulatedSdk {
   }
 
   SharedLibrary module;
-  decltype(::sim_reset)* reset;
-  decltype(::sim_set_cameras)* set_cameras;
-  decltype(::sim_get_camera)* get_camera;
-  decltype(::sim_set_plugged)* set_plugged;
-  decltype(::sim_force_result)* force_result;
-  decltype(::sim_force_output)* force_output;
-  decltype(::sim_throw)* throw_from;
-  decltype(::sim_clear_faults)* clear_faults;
-  decltype(::sim_set_seed)* set_seed;
-  decltype(::sim_play_recording)* play_recording;
-  decltype(::sim_stop_clock)* stop_clock;
-  decltype(::sim_advance_clock)* advance_clock;
-  decltype(::sim_render_frame)* render_frame;
-  decltype(::sim_log_enable)* log_enable;
-  decltype(::sim_log)* log;
-  decltype(::sim_log_clear)* log_clear;
-  decltype(::sim_invariants)* read_invariants;
-  decltype(::sim_command)* command;
+  decltype(::sim_reset)* reset = found("sim_reset");
+  decltype(::sim_set_cameras)* set_cameras = found("sim_set_cameras");
+  decltype(::sim_get_camera)* get_camera = found("sim_get_camera");
+  decltype(::sim_set_plugged)* set_plugged = found("sim_set_plugged");
+  decltype(::sim_force_result)* force_result = found("sim_force_result");
+  decltype(::sim_force_output)* force_output = found("sim_force_output");
+  decltype(::sim_throw)* throw_from = found("sim_throw");
+  decltype(::sim_clear_faults)* clear_faults = found("sim_clear_faults");
+  decltype(::sim_set_seed)* set_seed = found("sim_set_seed");
+  decltype(::sim_play_recording)* play_recording = found("sim_play_recording");
+  decltype(::sim_stop_clock)* stop_clock = found("sim_stop_clock");
+  decltype(::sim_advance_clock)* advance_clock = found("sim_advance_clock");
+  decltype(::sim_render_frame)* render_frame = found("sim_render_frame");
+  decltype(::sim_log_enable)* log_enable = found("sim_log_enable");
+  decltype(::sim_log)* log = found("sim_log");
+  decltype(::sim_log_clear)* log_clear = found("sim_log_clear");
+  decltype(::sim_invariants)* read_invariants = found("sim_invariants");
+  decltype(::sim_command)* command = found("sim_command");
+
+ private:
+  // A function of the SDK. It converts to the type of the pointer that it initialises.
+  struct Found {
+    template <class Function>
+    operator Function*() const {
+      return module.function<Function>(name);
+    }
+    const SharedLibrary& module;
+    const char* name;
+  };
+  Found found(const char* name) const { return {module, name}; }
 };
 
 }  // namespace orvane::testing

@@ -27,34 +27,33 @@ std::string mismatch(const char* verb, const std::string& found, const std::stri
 
 constexpr const char* badAllocation = "std::bad_alloc leaves";
 
+// What the library, or the contract, remembers.
+std::string remembered(const std::string& error, const std::string& libraries, int width,
+                       int height, int bufferSize) {
+  return "error \"" + error + "\", libraries \"" + libraries + "\", " + std::to_string(width) +
+         " x " + std::to_string(height) + ", buffer " + std::to_string(bufferSize);
+}
+
 }  // namespace
 
-std::string CheckedLibrary::remembered() const {
-  return std::string("error \"") + oc_.error() + "\", libraries \"" + oc_.libraries() + "\", " +
-         std::to_string(oc_.width()) + " x " + std::to_string(oc_.height()) + ", buffer " +
-         std::to_string(oc_.buffer_size());
-}
-
-std::string CheckedLibrary::toBeRemembered() const {
-  return "error \"" + contract_.error() + "\", libraries \"" + contract_.libraries() + "\", " +
-         std::to_string(contract_.width()) + " x " + std::to_string(contract_.height()) +
-         ", buffer " + std::to_string(contract_.bufferSize());
-}
-
 template <class Run, class Demand>
-std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* function, Run run,
-                                                             Demand demand) {
-  std::optional<Returned> returned = Returned{};
+auto CheckedLibrary::step(const char* function, Run run, Demand demand)
+    -> std::optional<std::invoke_result_t<Demand, Transcript&>> {
   if (surroundings_.enter) {
     surroundings_.enter();
   }
+  std::optional<std::invoke_result_t<Run>> raw;
   try {
-    run(*returned);
-  } catch (const std::bad_alloc&) {
-    returned.reset();
+    raw = run();
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): `raw` stays empty
   }
   const std::optional<std::size_t> failedAfter =
       surroundings_.leave ? surroundings_.leave() : std::nullopt;
+  // Text is copied only here, because inside the library the allocation would be counted.
+  std::optional<std::invoke_result_t<Demand, Transcript&>> returned = raw;
+  const std::string found = returned ? shown(*returned) : badAllocation;
+  const std::string foundState =
+      remembered(oc_.error(), oc_.libraries(), oc_.width(), oc_.height(), oc_.buffer_size());
   const std::vector<Event> events = surroundings_.takeEvents();
 
   // The test knows between which events an allocation failed, but not which allocation it was. It
@@ -64,37 +63,23 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
   std::string differences;
   for (int place = 0;; ++place) {
     contract_ = before;
-    const auto failure =
-        failedAfter ? std::optional(FailedAllocation{*failedAfter, place}) : std::nullopt;
-    Transcript did(events, failure);
+    Transcript did(
+        events, failedAfter ? std::optional(FailedAllocation{*failedAfter, place}) : std::nullopt);
     std::string difference;
     try {
-      std::string demanded;
-      std::string found;
+      std::string demanded = badAllocation;
       try {
-        const auto result = demand(did);
-        demanded = shown(result);
-        if (returned) {
-          using Result = decltype(demand(did));
-          if constexpr (std::is_same_v<Result, int>) {
-            found = shown(returned->number);
-          } else if constexpr (std::is_same_v<Result, double>) {
-            found = shown(returned->real);
-          } else {
-            found = shown(std::string(returned->text));
-          }
-        } else {
-          found = badAllocation;
-        }
-      } catch (const std::bad_alloc&) {
-        demanded = badAllocation;
-        found = returned ? "it returns" : badAllocation;
+        demanded = shown(demand(did));
+      } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): `demanded` stays
       }
       did.expectEnd();
+      const std::string demandedState =
+          remembered(contract_.error(), contract_.libraries(), contract_.width(),
+                     contract_.height(), contract_.bufferSize());
       if (found != demanded) {
         difference = mismatch("returned", found, demanded);
-      } else if (remembered() != toBeRemembered()) {
-        difference = mismatch("remembers", remembered(), toBeRemembered());
+      } else if (foundState != demandedState) {
+        difference = mismatch("remembers", foundState, demandedState);
       }
     } catch (const Violation& violation) {
       difference = violation.text;
@@ -112,71 +97,62 @@ std::optional<CheckedLibrary::Returned> CheckedLibrary::step(const char* functio
 }
 
 void CheckedLibrary::libraryDir(const char* directory) {
-  step(
-      "oc_library_dir", [&](Returned&) { oc_.library_dir(directory); },
-      [&](Transcript& did) {
-        Contract::libraryDir(did);
-        return 0;
-      });
+  const auto run = [&] {
+    oc_.library_dir(directory);
+    return 0;
+  };
+  step("oc_library_dir", run, [&](Transcript& did) {
+    Contract::libraryDir(did);
+    return 0;
+  });
 }
 
 std::optional<int> CheckedLibrary::scan() {
-  const auto returned = step(
-      "oc_scan", [&](Returned& result) { result.number = oc_.scan(); },
-      [&](Transcript& did) { return contract_.scan(did); });
-  return returned ? std::optional(returned->number) : std::nullopt;
+  return step("oc_scan", oc_.scan, [&](Transcript& did) { return contract_.scan(did); });
 }
 
 std::optional<std::string> CheckedLibrary::info(int index) {
-  const auto returned = step(
-      "oc_info", [&](Returned& result) { result.text = oc_.info(index); },
+  return step(
+      "oc_info", [&] { return oc_.info(index); },
       [&](Transcript& did) { return contract_.info(index, did); });
-  return returned ? std::optional<std::string>(returned->text) : std::nullopt;
 }
 
 std::optional<int> CheckedLibrary::open(const OpenArguments& arguments) {
-  const auto returned = step(
-      "oc_open",
-      [&](Returned& result) {
-        result.number =
-            oc_.open(arguments.index, arguments.width, arguments.height, arguments.bin,
-                     arguments.format, arguments.exposureUs, arguments.gain, arguments.offset);
-      },
-      [&](Transcript& did) { return contract_.open(arguments, did); });
-  return returned ? std::optional(returned->number) : std::nullopt;
+  const auto run = [&] {
+    return oc_.open(arguments.index, arguments.width, arguments.height, arguments.bin,
+                    arguments.format, arguments.exposureUs, arguments.gain, arguments.offset);
+  };
+  return step("oc_open", run, [&](Transcript& did) { return contract_.open(arguments, did); });
 }
 
 std::optional<int> CheckedLibrary::read(std::uint8_t* buffer, int bufferLength, int timeoutMs) {
-  const auto returned = step(
-      "oc_read",
-      [&](Returned& result) { result.number = oc_.read(buffer, bufferLength, timeoutMs); },
+  return step(
+      "oc_read", [&] { return oc_.read(buffer, bufferLength, timeoutMs); },
       [&](Transcript& did) {
         return contract_.read(buffer != nullptr, bufferLength, timeoutMs, did);
       });
-  return returned ? std::optional(returned->number) : std::nullopt;
 }
 
 std::optional<int> CheckedLibrary::apply(std::int64_t exposureUs, int gain, int offset) {
-  const auto returned = step(
-      "oc_apply", [&](Returned& result) { result.number = oc_.apply(exposureUs, gain, offset); },
+  return step(
+      "oc_apply", [&] { return oc_.apply(exposureUs, gain, offset); },
       [&](Transcript& did) { return contract_.apply(exposureUs, gain, offset, did); });
-  return returned ? std::optional(returned->number) : std::nullopt;
 }
 
 std::optional<double> CheckedLibrary::temperature() {
-  const auto returned = step(
-      "oc_temperature", [&](Returned& result) { result.real = oc_.temperature(); },
-      [&](Transcript& did) { return contract_.temperature(did); });
-  return returned ? std::optional(returned->real) : std::nullopt;
+  return step("oc_temperature", oc_.temperature,
+              [&](Transcript& did) { return contract_.temperature(did); });
 }
 
 void CheckedLibrary::close() {
-  step(
-      "oc_close", [&](Returned&) { oc_.close(); },
-      [&](Transcript& did) {
-        contract_.close(did);
-        return 0;
-      });
+  const auto run = [&] {
+    oc_.close();
+    return 0;
+  };
+  step("oc_close", run, [&](Transcript& did) {
+    contract_.close(did);
+    return 0;
+  });
 }
 
 }  // namespace orvane::testing

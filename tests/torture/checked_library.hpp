@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,8 +38,8 @@ struct Surroundings {
   std::function<std::vector<Event>()> takeEvents;
   /// Called directly before and after each function. `leave` returns the number of events before a
   /// failed allocation, if one failed. Both may be empty.
-  std::function<void()> enter;
-  std::function<std::optional<std::size_t>()> leave;
+  std::function<void()> enter{};
+  std::function<std::optional<std::size_t>()> leave{};
 };
 
 /// Calls the functions. After each call the result, the calls into the SDKs and the library's state
@@ -63,16 +64,9 @@ class CheckedLibrary {
   const Contract& contract() const { return contract_; }
 
  private:
-  struct Returned {
-    int number = 0;
-    double real = 0;
-    const char* text = "";
-  };
-
   template <class Run, class Demand>
-  std::optional<Returned> step(const char* function, Run run, Demand demand);
-  std::string remembered() const;
-  std::string toBeRemembered() const;
+  auto step(const char* function, Run run, Demand demand)
+      -> std::optional<std::invoke_result_t<Demand, Transcript&>>;
 
   Exports oc_;
   Surroundings surroundings_;

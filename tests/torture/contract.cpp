@@ -21,16 +21,6 @@ namespace {
 constexpr const FamilyContract* families[sdkCount] = {&asiContract, &playerOneContract,
                                                       &qhyContract, &toupTekContract};
 
-// A failure that the library itself reports. The allocation of its message may fail, too.
-[[noreturn]] void refuse(Transcript& did, const char* message) {
-  did.allocate();
-  throw std::runtime_error(message);
-}
-
-std::int64_t bytesPerPixel(int format) {
-  return format == hostRaw16 ? 2 : format == hostRgb24 ? 3 : 1;
-}
-
 bool contains(const std::vector<int>& list, int number) {
   return std::find(list.begin(), list.end(), number) != list.end();
 }
@@ -98,33 +88,43 @@ std::string Contract::info(int index, Transcript& did) const {
          ",\"bayer\":" + std::to_string(camera.bayer) + "}";
 }
 
-int Contract::open(const OpenArguments& arguments, Transcript& did) {
+template <class Body>
+int Contract::remembering(int failed, Body body) {
   try {
-    openOrThrow(arguments, did);
-    return 1;
+    return body();
   } catch (const std::exception& failure) {
     error_ = failure.what();
-    close(did);
-    return 0;
+    return failed;
   }
+}
+
+int Contract::open(const OpenArguments& arguments, Transcript& did) {
+  const int opened = remembering(0, [&] {
+    openOrThrow(arguments, did);
+    return 1;
+  });
+  if (opened == 0) {
+    close(did);
+  }
+  return opened;
 }
 
 void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
   close(did);
   error_.clear();
   if (arguments.index < 0 || arguments.index >= static_cast<int>(catalogue_.size())) {
-    refuse(did, "Camera not found; rescan");
+    did.refuse("Camera not found; rescan");
   }
   did.allocate();
   active_.camera = catalogue_[static_cast<std::size_t>(arguments.index)];
   const ContractCamera& camera = active_.camera;
   if (arguments.bin == 0 || !contains(camera.bins, arguments.bin) ||
       !contains(camera.formats, arguments.format)) {
-    refuse(did, "Unsupported bin or format");
+    did.refuse("Unsupported bin or format");
   }
   if (arguments.width <= 0 || arguments.height <= 0 || arguments.width > camera.maxWidth ||
       arguments.height > camera.maxHeight) {
-    refuse(did, "Invalid capture dimensions");
+    did.refuse("Invalid capture dimensions");
   }
   const FamilyContract& family = *families[camera.family];
   const auto inSteps = [](int size, int step) { return size / step * step; };
@@ -133,7 +133,7 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
   const int height =
       inSteps(std::min(camera.maxHeight / arguments.bin, arguments.height), family.heightStep);
   if (width < 1 || height < 1) {
-    refuse(did, "ROI is too small for binning");
+    did.refuse("ROI is too small for binning");
   }
   active_.width = width;
   active_.height = height;
@@ -141,7 +141,7 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
 
   SdkCalls calls(family, did);
   const std::string function = family.sdk.openCall;
-  const SdkCall& opening = calls.askFreely(function, {camera.id});
+  const SdkCall& opening = calls.open(camera.id);
   if (family.sdk.givesHandle) {
     if (opening.result == "null") {
       throw std::runtime_error(function + " failed");
@@ -154,10 +154,9 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
   active_.openIndex = arguments.index;
 
   const std::int64_t memory = family.configure(calls, active_, arguments.bin);
-  const std::int64_t size = std::max(
-      std::int64_t{active_.height} * active_.width * bytesPerPixel(active_.format), memory);
+  const std::int64_t size = std::max(active_.frameBytes(), memory);
   if (size < 1 || size > 1073741824) {
-    refuse(did, "Invalid frame buffer size");
+    did.refuse("Invalid frame buffer size");
   }
   active_.bufferSize = static_cast<int>(size);
   applyOrThrow(arguments.exposureUs, arguments.gain, arguments.offset, did);
@@ -166,43 +165,31 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
 }
 
 int Contract::read(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did) {
-  try {
-    return readOrThrow(hasBuffer, bufferLength, timeoutMs, did);
-  } catch (const std::exception& failure) {
-    error_ = failure.what();
-    return -1;
-  }
-}
-
-int Contract::readOrThrow(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did) const {
-  if (!active_.isStreaming || !hasBuffer || bufferLength < active_.bufferSize) {
-    refuse(did, "Camera closed or buffer too small");
-  }
-  const FamilyContract& family = *families[active_.camera.family];
-  SdkCalls calls(family, did);
-  if (!family.read(calls, active_, std::to_string(bufferLength), std::to_string(timeoutMs))) {
-    return 0;
-  }
-  return static_cast<int>(std::int64_t{active_.height} * active_.width *
-                          bytesPerPixel(active_.format));
+  return remembering(-1, [&] {
+    if (!active_.isStreaming || !hasBuffer || bufferLength < active_.bufferSize) {
+      did.refuse("Camera closed or buffer too small");
+    }
+    const FamilyContract& family = *families[active_.camera.family];
+    SdkCalls calls(family, did);
+    const bool isThere =
+        family.read(calls, active_, std::to_string(bufferLength), std::to_string(timeoutMs));
+    return isThere ? static_cast<int>(active_.frameBytes()) : 0;
+  });
 }
 
 int Contract::apply(std::int64_t exposureUs, int gain, int offset, Transcript& did) {
-  try {
+  return remembering(0, [&] {
     if (!active_.isStreaming) {
-      refuse(did, "Camera closed");
+      did.refuse("Camera closed");
     }
     applyOrThrow(exposureUs, gain, offset, did);
     return 1;
-  } catch (const std::exception& failure) {
-    error_ = failure.what();
-    return 0;
-  }
+  });
 }
 
 void Contract::applyOrThrow(std::int64_t exposureUs, int gain, int offset, Transcript& did) const {
   if (exposureUs < 1 || exposureUs > std::numeric_limits<std::int32_t>::max()) {
-    refuse(did, "Exposure out of range");
+    did.refuse("Exposure out of range");
   }
   const FamilyContract& family = *families[active_.camera.family];
   SdkCalls calls(family, did);

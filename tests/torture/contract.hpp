@@ -65,8 +65,10 @@ class Contract {
   const std::vector<int>& formats(std::size_t index) const { return catalogue_[index].formats; }
 
  private:
+  /// The body's result, or `failed` and the failure's message as the error.
+  template <class Body>
+  int remembering(int failed, Body body);
   void openOrThrow(const OpenArguments& arguments, Transcript& did);
-  int readOrThrow(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did) const;
   void applyOrThrow(std::int64_t exposureUs, int gain, int offset, Transcript& did) const;
 
   World world_;

@@ -20,40 +20,28 @@ int swappedFormat(int format) {
 }
 
 void discover(SdkCalls& calls, const Discovery& discovery) {
-  const std::int64_t count = calls.ask("ASIGetNumOfConnectedCameras", {}).code();
-  for (std::int64_t i = 0; i < count; ++i) {
-    const SdkCall& property =
-        calls.checked(calls.askFreely("ASIGetCameraProperty", {logged(i)}), "ASIGetCameraProperty");
-    const SimCamera& model = discovery.modelNamed(property.texts.at(0));
-    ContractCamera camera = discovery.cameraNamed(property.texts.at(0));
-    camera.bayer = camera.isColor ? bayerOfNumber(model.bayerPattern) : hostNoBayer;
-    camera.bins = listOf(model.bins, 0, 16);
-    camera.formats = listOf(model.formats, imgEnd, 8);
+  const auto complete = [](const SimCamera& model, ContractCamera& camera) {
+    camera.bins = listOf(model.bins, 0);
+    camera.formats = listOf(model.formats, imgEnd);
     std::transform(camera.formats.begin(), camera.formats.end(), camera.formats.begin(),
                    swappedFormat);
-    if (!calls.hasFailed(calls.askFreely("ASIOpenCamera", {camera.id}))) {
-      swallowing([&] {
-        calls.demand("ASIInitCamera", {camera.id});
-        const auto controls =
-            static_cast<std::int64_t>(calls.demand("ASIGetNumOfControls", {camera.id}).number(0));
-        for (std::int64_t c = 0; c < controls; ++c) {
-          const SdkCall& caps = calls.ask("ASIGetControlCaps", {camera.id, logged(c)});
-          if (calls.hasFailed(caps)) {
-            continue;
-          }
-          const auto control = static_cast<int>(caps.number(0));
-          if (control == gainControl) {
-            camera.minGain = static_cast<int>(caps.number(1));
-            camera.maxGain = static_cast<int>(caps.number(2));
-          } else if (control == exposureControl) {
-            camera.maxExposureUs = static_cast<std::int64_t>(caps.number(2));
-          }
-        }
-      });
-      calls.close(camera.id);
+  };
+  const auto examine = [&](ContractCamera& camera) {
+    calls.demand("ASIInitCamera", {camera.id});
+    const auto controls =
+        static_cast<std::int64_t>(calls.demand("ASIGetNumOfControls", {camera.id}).number(0));
+    for (std::int64_t c = 0; c < controls; ++c) {
+      const SdkCall& caps = calls.ask("ASIGetControlCaps", {camera.id, logged(c)});
+      const auto control = static_cast<int>(caps.number(0));
+      if (control == gainControl) {
+        calls.takeGain(caps, camera, 1);
+      } else if (control == exposureControl) {
+        calls.takeMaxExposure(caps, camera, 1);
+      }
     }
-    discovery.add(calls, camera);
-  }
+  };
+  discovery.discoverById(calls, "ASIGetNumOfConnectedCameras", "ASIGetCameraProperty", complete,
+                         examine);
 }
 
 std::int64_t configure(SdkCalls& calls, ContractActive& active, int bin) {
@@ -111,7 +99,6 @@ double temperature(SdkCalls& calls, const std::string& device) {
 extern const FamilyContract asiContract{
     .sdk = familyNamed("ASICamera2"),
     .stopCall = "ASIStopVideoCapture",
-    .isFailure = isNotZero,
     .widthStep = 8,
     .heightStep = 2,
     .discover = discover,

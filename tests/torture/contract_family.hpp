@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -61,6 +62,10 @@ struct ContractActive {
   std::string widthText() const { return std::to_string(width); }
   std::string heightText() const { return std::to_string(height); }
   int bits() const { return format == hostRaw16 ? 16 : 8; }
+  std::int64_t frameBytes() const {
+    const int bytesPerPixel = format == hostRaw16 ? 2 : format == hostRgb24 ? 3 : 1;
+    return std::int64_t{height} * width * bytesPerPixel;
+  }
   /// Stores the size that a call has reported.
   void takeSizeFrom(const SdkCall& size) {
     width = static_cast<int>(size.number(0, width));
@@ -92,21 +97,21 @@ class SdkCalls {
   /// Throws if the call has failed.
   const SdkCall& checked(const SdkCall& call, const std::string& label) const;
 
-  /// A failure that the library itself reports. The allocation of its message may fail, too.
-  [[noreturn]] void refuse(const char* message);
+  /// Stores the range that a call has reported, unless it has failed: the first two numbers, or
+  /// those from `position` on.
+  void takeGain(const SdkCall& range, ContractCamera& camera, std::size_t position = 0) const;
+  void takeMaxExposure(const SdkCall& range, ContractCamera& camera,
+                       std::size_t position = 0) const;
+
+  [[noreturn]] void refuse(const char* message) { did_.refuse(message); }
   void allocate() { did_.allocate(); }
 
-  /// Runs the body and closes the device, even if the body throws.
-  template <class Body>
-  void closingAfterwards(const std::string& device, Body body) {
-    try {
-      body();
-    } catch (const std::exception&) {
-      close(device);
-      throw;
-    }
-    close(device);
-  }
+  /// Requires the call that opens a camera. The library may allocate before it.
+  const SdkCall& open(const std::string& cameraId);
+  /// Opens the camera, unless the SDK returns null; runs the body with the handle; closes the
+  /// device, even if the body throws.
+  void whileOpen(const std::string& cameraId,
+                 const std::function<void(const std::string& handle)>& body);
   void close(const std::string& device);
 
  private:
@@ -121,6 +126,12 @@ struct Discovery {
   std::vector<ContractCamera>& catalogue;
   std::size_t family;
 
+  /// Discovers the cameras of an SDK that names them by id. `complete` sets what differs from the
+  /// values that were given to the simulator. `examine` calls the open device; the contract ignores
+  /// its failures.
+  void discoverById(SdkCalls& calls, const char* countCall, const char* propertyCall,
+                    const std::function<void(const SimCamera&, ContractCamera&)>& complete,
+                    const std::function<void(ContractCamera&)>& examine) const;
   /// The camera of this name, with the values that were given to the simulator.
   ContractCamera cameraNamed(const std::string& name) const;
   const SimCamera& modelNamed(const std::string& name) const;
@@ -132,9 +143,9 @@ struct Discovery {
 struct FamilyContract {
   const SdkFamily& sdk;
   const char* stopCall;
-  bool (*isFailure)(std::int64_t code);
-  int widthStep;
-  int heightStep;
+  bool (*isFailure)(std::int64_t code) = [](std::int64_t code) { return code != 0; };
+  int widthStep = 1;
+  int heightStep = 1;
 
   void (*discover)(SdkCalls& calls, const Discovery& discovery);
   /// Returns the frame memory that the SDK reports; 0 if it reports none.
@@ -148,7 +159,7 @@ struct FamilyContract {
   double (*temperature)(SdkCalls& calls, const std::string& device);
 };
 
-/// Ends the body at a failure and ignores the failure.
+/// Runs the body until a failure, which it ignores.
 template <class Body>
 void swallowing(Body body) {
   try {
@@ -157,25 +168,17 @@ void swallowing(Body body) {
   }
 }
 
-/// For SDKs where every code but 0 is a failure.
-constexpr bool isNotZero(std::int64_t code) {
-  return code != 0;
-}
-
 /// The text of a simulated camera's field.
 std::string textOf(const char (&field)[256]);
 
 /// The numbers before `end`, at most `most` of them.
 template <std::size_t size>
-std::vector<int> listOf(const std::int32_t (&numbers)[size], int end, std::size_t most) {
+std::vector<int> listOf(const std::int32_t (&numbers)[size], int end, std::size_t most = size) {
   std::vector<int> list;
-  for (std::size_t i = 0; i < size && i < most && numbers[i] != end; ++i) {
+  for (std::size_t i = 0; i < most && numbers[i] != end; ++i) {
     list.push_back(numbers[i]);
   }
   return list;
 }
-
-/// The Bayer pattern in the numbering of SDKs that use the order RGGB, BGGR, GRBG, GBRG.
-int bayerOfNumber(int number);
 
 }  // namespace orvane::testing

@@ -15,34 +15,18 @@ constexpr const char* isFalse = "0";
 constexpr std::int64_t timeOut = 9;
 
 void discover(SdkCalls& calls, const Discovery& discovery) {
-  const std::int64_t count = calls.ask("POAGetCameraCount", {}).code();
-  for (std::int64_t i = 0; i < count; ++i) {
-    const SdkCall& properties = calls.checked(
-        calls.askFreely("POAGetCameraProperties", {logged(i)}), "POAGetCameraProperties");
-    const SimCamera& model = discovery.modelNamed(properties.texts.at(0));
-    ContractCamera camera = discovery.cameraNamed(properties.texts.at(0));
+  const auto complete = [](const SimCamera& model, ContractCamera& camera) {
     camera.isUsb3Camera = camera.isUsb3Host;  // this SDK has only one flag
-    camera.bayer = camera.isColor ? bayerOfNumber(model.bayerPattern) : hostNoBayer;
     camera.bins = listOf(model.bins, 0, 8);
-    camera.formats = listOf(model.formats, formatEnd, 8);
-    if (!calls.hasFailed(calls.askFreely("POAOpenCamera", {camera.id}))) {
-      swallowing([&] {
-        constexpr const char* attributes = "POAGetConfigAttributesByConfigID";
-        calls.demand("POAInitCamera", {camera.id});
-        const SdkCall& gain = calls.ask(attributes, {camera.id, gainConfig});
-        if (!calls.hasFailed(gain)) {
-          camera.minGain = static_cast<int>(gain.number(0));
-          camera.maxGain = static_cast<int>(gain.number(1));
-        }
-        const SdkCall& exposure = calls.ask(attributes, {camera.id, exposureConfig});
-        if (!calls.hasFailed(exposure)) {
-          camera.maxExposureUs = static_cast<std::int64_t>(exposure.number(1));
-        }
-      });
-      calls.close(camera.id);
-    }
-    discovery.add(calls, camera);
-  }
+    camera.formats = listOf(model.formats, formatEnd);
+  };
+  const auto examine = [&](ContractCamera& camera) {
+    constexpr const char* attributes = "POAGetConfigAttributesByConfigID";
+    calls.demand("POAInitCamera", {camera.id});
+    calls.takeGain(calls.ask(attributes, {camera.id, gainConfig}), camera);
+    calls.takeMaxExposure(calls.ask(attributes, {camera.id, exposureConfig}), camera);
+  };
+  discovery.discoverById(calls, "POAGetCameraCount", "POAGetCameraProperties", complete, examine);
 }
 
 std::int64_t configure(SdkCalls& calls, ContractActive& active, int bin) {
@@ -93,9 +77,6 @@ double temperature(SdkCalls& calls, const std::string& device) {
 extern const FamilyContract playerOneContract{
     .sdk = familyNamed("PlayerOneCamera"),
     .stopCall = "POAStopExposure",
-    .isFailure = isNotZero,
-    .widthStep = 1,
-    .heightStep = 1,
     .discover = discover,
     .configure = configure,
     .start = start,

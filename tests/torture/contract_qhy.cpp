@@ -45,17 +45,9 @@ void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera)
       camera.bins.push_back(bin);
     }
   }
-  const SdkCall& exposure =
-      calls.askFreely("GetQHYCCDParamMinMaxStep", {handle, std::to_string(exposureControl)});
-  if (!calls.hasFailed(exposure)) {
-    camera.maxExposureUs = static_cast<std::int64_t>(exposure.number(1));
-  }
-  const SdkCall& gain =
-      calls.ask("GetQHYCCDParamMinMaxStep", {handle, std::to_string(gainControl)});
-  if (!calls.hasFailed(gain)) {
-    camera.minGain = static_cast<int>(gain.number(0));
-    camera.maxGain = static_cast<int>(gain.number(1));
-  }
+  constexpr const char* range = "GetQHYCCDParamMinMaxStep";
+  calls.takeMaxExposure(calls.askFreely(range, {handle, std::to_string(exposureControl)}), camera);
+  calls.takeGain(calls.ask(range, {handle, std::to_string(gainControl)}), camera);
 }
 
 void discover(SdkCalls& calls, const Discovery& discovery) {
@@ -73,11 +65,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
     camera.id = quoted(id.texts.at(0));
     const SdkCall& model = calls.askFreely("GetQHYCCDModel", {camera.id});
     camera.name = calls.hasFailed(model) ? "QHYCCD" : model.texts.at(0);
-    const std::string handle = calls.askFreely("OpenQHYCCD", {camera.id}).result;
-    if (handle == "null") {
-      continue;
-    }
-    calls.closingAfterwards(handle, [&] {
+    calls.whileOpen(camera.id, [&](const std::string& handle) {
       examine(calls, handle, camera);
       discovery.add(calls, camera);
     });
@@ -135,9 +123,6 @@ double temperature(SdkCalls& calls, const std::string& device) {
 extern const FamilyContract qhyContract{
     .sdk = familyNamed("qhyccd"),
     .stopCall = "StopQHYCCDLive",
-    .isFailure = isNotZero,
-    .widthStep = 1,
-    .heightStep = 1,
     .discover = discover,
     .configure = configure,
     .start = start,

@@ -16,10 +16,6 @@ constexpr const char* blackLevelOption = "21";
 constexpr const char* packedRows = "-1";
 constexpr std::int64_t noFrameWaiting = -2147483638;  // 0x8000000A
 
-bool isNegative(std::int64_t code) {
-  return code < 0;
-}
-
 // The four letters of the Bayer pattern, the first in the lowest byte.
 int bayerOfLetters(std::int64_t letters) {
   return letters == 0x42474752   ? hostRggb
@@ -43,15 +39,8 @@ void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera)
       throw std::runtime_error("Unsupported ToupTek raw mosaic");
     }
   }
-  const SdkCall& exposure = calls.ask("Toupcam_get_ExpTimeRange", {handle});
-  if (!calls.hasFailed(exposure)) {
-    camera.maxExposureUs = static_cast<std::int64_t>(exposure.number(1));
-  }
-  const SdkCall& gain = calls.ask("Toupcam_get_ExpoAGainRange", {handle});
-  if (!calls.hasFailed(gain)) {
-    camera.minGain = static_cast<int>(gain.number(0));
-    camera.maxGain = static_cast<int>(gain.number(1));
-  }
+  calls.takeMaxExposure(calls.ask("Toupcam_get_ExpTimeRange", {handle}), camera);
+  calls.takeGain(calls.ask("Toupcam_get_ExpoAGainRange", {handle}), camera);
 }
 
 void discover(SdkCalls& calls, const Discovery& discovery) {
@@ -65,11 +54,7 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
     camera.id = quoted(textOf(model.key));
     camera.pixelSizeUm = static_cast<double>(static_cast<float>(model.pixelSizeUm));
     camera.isUsb3Host = camera.isUsb3Camera && camera.isUsb3Host;
-    const std::string handle = calls.askFreely("Toupcam_Open", {camera.id}).result;
-    if (handle == "null") {
-      continue;
-    }
-    calls.closingAfterwards(handle, [&] {
+    calls.whileOpen(camera.id, [&](const std::string& handle) {
       examine(calls, handle, camera);
       discovery.add(calls, camera);
     });
@@ -127,9 +112,7 @@ double temperature(SdkCalls& calls, const std::string& device) {
 extern const FamilyContract toupTekContract{
     .sdk = familyNamed("toupcam"),
     .stopCall = "Toupcam_Stop",
-    .isFailure = isNegative,
-    .widthStep = 1,
-    .heightStep = 1,
+    .isFailure = [](std::int64_t code) { return code < 0; },
     .discover = discover,
     .configure = configure,
     .start = start,

@@ -87,9 +87,8 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     const Exports exports{oc.library_dir, oc.scan,   oc.libraries,   oc.info, oc.open,
                           oc.width,       oc.height, oc.buffer_size, oc.read, oc.apply,
                           oc.temperature, oc.close,  oc.error};
-    Surroundings surroundings;
-    surroundings.takeEvents = [this] { return takeEvents(); };
-    library_.emplace(exports, Contract(world_), surroundings);
+    library_.emplace(exports, Contract(world_),
+                     Surroundings{.takeEvents = [this] { return takeEvents(); }});
     directory_ = bareNames;
     if (!bareNamesAreFound) {
       changeDirectory();
@@ -108,16 +107,12 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     std::vector<Event> events;
     for (const std::size_t family : order) {
       if (isScanning_ && !contract.isOpen() && !contract.isLoaded(family)) {
-        Event load;
-        load.kind = Event::Kind::Load;
-        load.name = sdkNames[family];
-        load.isLoaded = directory_ == bareNames || directory_ == static_cast<int>(family % 2);
-        events.push_back(load);
+        const bool isThere = directory_ == bareNames || directory_ == static_cast<int>(family % 2);
+        events.push_back(
+            {.kind = Event::Kind::Load, .name = sdkNames[family], .isLoaded = isThere});
       }
       for (const SdkCall& call : parseLog(sdks_[family].takeLog())) {
-        Event event;
-        event.call = call;
-        events.push_back(event);
+        events.push_back({.call = call});
       }
     }
     return events;
@@ -194,7 +189,7 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     const auto bytes = library_->read(buffer, length, static_cast<int>(pick(-1, 600)));
     ++counts_[*bytes > 0 ? "frames" : *bytes == 0 ? "no frame yet" : "reads failed"];
     const auto end = buffer_.begin() + std::max(length, 0);
-    if (std::any_of(end, buffer_.end(), [](std::uint8_t byte) { return byte != untouched; })) {
+    if (std::count(end, buffer_.end(), untouched) != buffer_.end() - end) {
       throw Violation{"written past the buffer"};
     }
   }
@@ -240,17 +235,14 @@ class RandomSessions : public ::testing::TestWithParam<int> {
     sdks_[family].set_plugged(camera, oneIn(3) ? 0 : 1);
   }
 
-  void changeDirectory() {
-    nameDirectory(static_cast<int>(pick(bareNames, 2)));
-    if (directory_ == bareNames && !bareNamesAreFound) {
-      nameDirectory(static_cast<int>(pick(0, 2)));
+  void changeDirectory(int first = bareNames) {
+    directory_ = static_cast<int>(pick(first, 2));
+    const bool isBare = directory_ == bareNames;
+    library_->libraryDir(isBare ? nullptr
+                                : directories_[static_cast<std::size_t>(directory_)].c_str());
+    if (isBare && !bareNamesAreFound) {
+      changeDirectory(0);
     }
-  }
-
-  void nameDirectory(int choice) {
-    library_->libraryDir(
-        choice == bareNames ? nullptr : directories_[static_cast<std::size_t>(choice)].c_str());
-    directory_ = choice;
   }
 
   void step() {

@@ -94,10 +94,7 @@ void forgetEverything() {
 class TortureTest : public ::testing::Test {
  protected:
   explicit TortureTest(SdkFamily family)
-      : family_(family),
-        camera_(torturedCamera(family_)),
-        sdk_(installed()),
-        isQhy_(std::string(family_.baseName) == "qhyccd") {
+      : family_(family), camera_(torturedCamera(family_)), sdk_(installed()) {
     scripted::Platform& script = scripted::platform();
     library_ = &script.libraries[directory_.utf8() + "/" + family_.baseName];
     for (const std::string& function : functionsOf(family_.baseName)) {
@@ -117,23 +114,13 @@ class TortureTest : public ::testing::Test {
     whenAllocationFails([] { passedBeforeFailure = scripted::platform().passed.size(); });
   }
 
-  // Records the calls of a session without faults.
+  // Records the calls of a session without faults. It runs two and records the second: before that
+  // one the SDK is in the same state as before every later session.
   void recordSession() {
-    startAnew();
-    try {
-      CheckedLibrary library = checkedLibrary();
-      countAllocations(0);
-      expectAllWell(session(library, 0));
-      isQhyReady_ = true;
-    } catch (const Violation& violation) {
-      leaveLibrary();
-      FAIL() << violation.text;
-    }
-    // Starts again, so that the SDK is in the same state as before every later session.
-    startAnew();
-    CheckedLibrary library = checkedLibrary();
-    countAllocations(0);
-    session(library, 0);
+    const auto wellSession = [&](CheckedLibrary& library) { expectAllWell(session(library, 0)); };
+    runWith({}, wellSession);
+    isQhyReady_ = std::string(family_.baseName) == "qhyccd";
+    runWith({}, wellSession);
     allocations_ = allocationCount();
     std::map<std::string, int> calls;
     for (const std::string& function : lookups_) {
@@ -147,10 +134,7 @@ class TortureTest : public ::testing::Test {
 
   // One run: a session with the fault, then one without. Returns whether both were as expected.
   bool run(const Fault& fault) {
-    startAnew();
-    inject(fault);
-    try {
-      CheckedLibrary library = checkedLibrary();
+    return runWith(fault, [&](CheckedLibrary& library) {
       const int leftOpen = mostLeftOpen(fault);
       const Outcome outcome = session(library, leftOpen);
       ++runs_;
@@ -160,6 +144,18 @@ class TortureTest : public ::testing::Test {
       repair(leftOpen);
       expectAllWell(session(library, 0));
       expectNothingOpen(0);
+    });
+  }
+
+  // Runs the body as in a new process, with the fault. Afterwards the library must have freed all
+  // of its memory. Returns whether nothing has failed so far.
+  template <class Body>
+  bool runWith(const Fault& fault, Body body) {
+    startAnew();
+    inject(fault);
+    try {
+      CheckedLibrary library = checkedLibrary();
+      body(library);
     } catch (const Violation& violation) {
       leaveLibrary();
       ADD_FAILURE() << violation.text;
@@ -192,7 +188,7 @@ class TortureTest : public ::testing::Test {
     sdk_.reset();
     sdk_.stop_clock(1);
     sdk_.setCameras({camera_});
-    if (isQhyReady_ && isQhy_) {
+    if (isQhyReady_) {
       sdk_.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk_.log_enable(1);
@@ -204,18 +200,16 @@ class TortureTest : public ::testing::Test {
   }
 
   CheckedLibrary checkedLibrary() {
-    Surroundings surroundings;
-    surroundings.takeEvents = [this] { return takeEvents(); };
-    surroundings.enter = [this] {
+    const auto enter = [this] {
       hadFailed_ = hasAllocationFailed();
       enterLibrary();
     };
-    surroundings.leave = [this]() -> std::optional<std::size_t> {
+    const auto leave = [this]() -> std::optional<std::size_t> {
       leaveLibrary();
       return !hadFailed_ && hasAllocationFailed() ? std::optional(passedBeforeFailure)
                                                   : std::nullopt;
     };
-    return {linked, Contract(world_, isQhyReady_), surroundings};
+    return {linked, Contract(world_, isQhyReady_), {[this] { return takeEvents(); }, enter, leave}};
   }
 
   // Merges the look-ups of the platform layer with the SDK's log: exactly one call must follow each
@@ -225,20 +219,17 @@ class TortureTest : public ::testing::Test {
     std::size_t used = 0;
     std::vector<Event> events;
     for (const scripted::Passage& one : scripted::platform().passed) {
-      Event event;
       if (one.isLoad) {
-        event.kind = Event::Kind::Load;
-        event.name = one.name.substr(one.name.rfind('/') + 1);
-        event.isLoaded = one.isFound;
+        events.push_back({.kind = Event::Kind::Load,
+                          .name = one.name.substr(one.name.rfind('/') + 1),
+                          .isLoaded = one.isFound});
       } else if (!one.isFound) {
-        event.kind = Event::Kind::Missing;
-        event.name = one.name;
+        events.push_back({.kind = Event::Kind::Missing, .name = one.name});
       } else if (used < calls.size() && calls[used].function == one.name) {
-        event.call = calls[used++];
+        events.push_back({.call = calls[used++]});
       } else {
         throw Violation{"looked up, but not called: " + one.name};
       }
-      events.push_back(std::move(event));
     }
     if (used != calls.size()) {
       throw Violation{"called without a look-up of its own: " + calls[used].function};
@@ -308,14 +299,12 @@ class TortureTest : public ::testing::Test {
     for (int index = -1; index <= static_cast<int>(library.contract().cameraCount()); ++index) {
       library.info(index);
     }
-    OpenArguments arguments;
-    arguments.width = camera_.width;
-    arguments.height = camera_.height;
-    arguments.format = family_.richFormat;
-    arguments.exposureUs = exposureUs;
-    arguments.gain = 100;
-    arguments.offset = 5;
-    outcome.opened = library.open(arguments);
+    outcome.opened = library.open({.width = camera_.width,
+                                   .height = camera_.height,
+                                   .format = family_.richFormat,
+                                   .exposureUs = exposureUs,
+                                   .gain = 100,
+                                   .offset = 5});
     note();
     if (outcome.opened != 1) {
       expectNothingOpen(leftOpen);
@@ -342,12 +331,11 @@ class TortureTest : public ::testing::Test {
       sdk_.advance_clock(framePeriodUs);
     }
     constexpr std::uint8_t untouched = 0xA5;
-    const auto size = static_cast<std::ptrdiff_t>(std::max(library.contract().bufferSize(), 1));
+    const int size = std::max(library.contract().bufferSize(), 1);
     buffer_.assign(static_cast<std::size_t>(size) + 64, untouched);
-    const std::optional<int> bytes = library.read(buffer_.data(), static_cast<int>(size), 540);
-    EXPECT_TRUE(std::all_of(buffer_.begin() + size, buffer_.end(), [](std::uint8_t byte) {
-      return byte == untouched;
-    })) << "written past the buffer";
+    const std::optional<int> bytes = library.read(buffer_.data(), size, 540);
+    EXPECT_EQ(std::count(buffer_.begin() + size, buffer_.end(), untouched), 64)
+        << "written past the buffer";
     return bytes.value_or(-1);
   }
 
@@ -395,7 +383,6 @@ class TortureTest : public ::testing::Test {
   SimCamera camera_;
   SdkDirectory directory_;
   SimulatedSdk sdk_;
-  bool isQhy_;
   scripted::Library* library_ = nullptr;  // in the platform layer
   std::vector<std::string> lookups_;      // all in a session
   std::size_t failingLookup_ = 0;         // from 1; 0: none fails
@@ -494,10 +481,8 @@ class TortureOfTheFirstScan : public TortureTest {
 
   // One run in which the initialisation fails.
   void runWithout(const Fault& fault, const std::string& message) {
-    startAnew();
-    inject(fault);
-    try {
-      CheckedLibrary library = checkedLibrary();
+    ++runs_;
+    runWith(fault, [&](CheckedLibrary& library) {
       library.libraryDir(directory_.utf8().c_str());
       for (int scan = 0; scan < 2; ++scan) {
         EXPECT_EQ(library.scan(), 0);
@@ -507,13 +492,7 @@ class TortureOfTheFirstScan : public TortureTest {
       }
       expectNothingOpen(0);
       expectClosed(library);
-    } catch (const Violation& violation) {
-      leaveLibrary();
-      ADD_FAILURE() << violation.text;
-    }
-    forgetEverything();
-    EXPECT_EQ(libraryBlocks(), 0) << "memory lost";
-    ++runs_;
+    });
   }
 };
 
@@ -530,19 +509,13 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   EXPECT_EQ(report("first scans"), static_cast<int>(family_.codes.size()) + 1);
 
   // The initialisation then succeeds, even if the camera is unplugged directly before it.
-  startAnew();
-  inject({Fault::Kind::Unplugged, function, 1, 0});
-  try {
-    CheckedLibrary library = checkedLibrary();
+  runWith({Fault::Kind::Unplugged, function, 1, 0}, [&](CheckedLibrary& library) {
     library.libraryDir(directory_.utf8().c_str());
     EXPECT_EQ(library.scan(), 0);
     EXPECT_STREQ(::oc_error(), "");
     sdk_.set_plugged(0, 1);
     expectAllWell(session(library, 0));
-  } catch (const Violation& violation) {
-    leaveLibrary();
-    ADD_FAILURE() << violation.text;
-  }
+  });
 }
 
 // ToupTek has a second code for success.

@@ -3,15 +3,40 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "torture/sdk_call.hpp"
-
 namespace orvane::testing {
+
+/// One call into a simulated SDK, parsed from a line of its log.
+struct SdkCall {
+  std::string function;
+  std::string inputs;              ///< as in the log, separated by ", "
+  std::vector<std::string> texts;  ///< the outputs in quotation marks
+  std::vector<double> numbers;     ///< the numeric outputs
+  std::string result;              ///< empty for a function without one
+
+  /// The result as an integer.
+  std::int64_t code() const;
+  /// The result as a floating-point number.
+  double real() const;
+  /// Output number `position`, or `otherwise` if the call wrote none.
+  double number(std::size_t position, double otherwise = 0) const;
+};
+
+/// All calls in a log, in order. Throws std::runtime_error if a line is not a call.
+std::vector<SdkCall> parseLog(std::string_view log);
+
+/// A number in the form of the log.
+std::string logged(std::int64_t number);
+std::string logged(double number);
+/// Text in the form of the log.
+std::string quoted(const std::string& text);
 
 /// One event.
 struct Event {
@@ -22,9 +47,9 @@ struct Event {
   };
 
   Kind kind = Kind::Call;
-  std::string name;
+  std::string name{};
   bool isLoaded = false;
-  SdkCall call;
+  SdkCall call{};
 };
 
 /// The library's behaviour differs from the contract. Not derived from std::exception, because the
@@ -57,6 +82,9 @@ class Transcript {
 
   /// The contract allows an allocation here. Throws std::bad_alloc if this is the one that failed.
   void allocate();
+
+  /// The library itself reports a failure. The allocation of its message may fail, too.
+  [[noreturn]] void refuse(const char* message);
 
   /// Whether allocate() has thrown.
   bool hasFailed() const { return hasFailed_; }

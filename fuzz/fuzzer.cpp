@@ -1,11 +1,11 @@
-// The fuzzer of the JSON description of a camera.
+// A fuzzer of one check: ORVANE_FUZZED_CHECK names a function of checks.hpp.
 #include <cstdio>
 #include <cstdlib>
 
-#include "camera_json/json_check.hpp"
+#include "checks.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto violations = orvane::fuzz::checkDescriptionOf({data, size});
+  const auto violations = orvane::fuzz::ORVANE_FUZZED_CHECK({data, size});
   for (const std::string& rule : violations) {
     std::fprintf(stderr, "broken: %s\n", rule.c_str());
   }
