@@ -737,6 +737,33 @@ struct Queue {
   }
 };
 
+// The rate of the frames of the last two seconds, or of the last two frames if they are farther
+// apart; 0 before the second frame.
+class FrameRate {
+ public:
+  void add(Clock::time_point arrival) {
+    arrivals_.push_back(arrival);
+    while (arrivals_.size() > 2 && arrival - arrivals_.front() > std::chrono::seconds(2)) {
+      arrivals_.pop_front();
+    }
+  }
+
+  // `silence` is the time since the last frame: the rate falls while no frame comes.
+  double perSecond(Clock::duration silence) const {
+    if (arrivals_.size() < 2) {
+      return 0;
+    }
+    using Seconds = std::chrono::duration<double>;
+    const Seconds between = arrivals_.back() - arrivals_.front();
+    const double interval = between.count() / static_cast<double>(arrivals_.size() - 1);
+    // An overdue frame counts as if it arrived now.
+    return 1 / (std::max)({interval, Seconds(silence).count(), 1e-6});
+  }
+
+ private:
+  std::deque<Clock::time_point> arrivals_;
+};
+
 class Worker;
 
 // What the capture thread, its owner and the consumers share.
@@ -755,7 +782,7 @@ struct Hub {
   CaptureState state;
   Clock::time_point lastFrame;  // or the opening
   std::chrono::milliseconds wait{0};
-  std::deque<Clock::time_point> arrivals;
+  FrameRate rate;
   std::vector<std::weak_ptr<Queue>> queues;
   const std::shared_ptr<BufferPool> pool = std::make_shared<BufferPool>();
 
@@ -1055,7 +1082,7 @@ class Worker {
     hub_->state.bufferSize = camera_->bufferSize();
     hub_->lastFrame = hub_->state.opened;
     hub_->wait = usualWait(exposureUs_);
-    hub_->arrivals.clear();
+    hub_->rate = {};
   }
 
   void reopen(const std::optional<Settings>& settings) {
@@ -1240,7 +1267,7 @@ class Worker {
       frame->number = hub_->state.frames++;
       hub_->lastFrame = arrival;
       hub_->wait = usualWait(exposureUs_);
-      addArrival(arrival);
+      hub_->rate.add(arrival);
       isFull = offer(frame);
     }
     frame.reset();
@@ -1349,14 +1376,6 @@ class Worker {
   CaptureState state() const {
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     return hub_->state;
-  }
-
-  void addArrival(Clock::time_point when) {
-    std::deque<Clock::time_point>& arrivals = hub_->arrivals;
-    arrivals.push_back(when);
-    while (arrivals.size() > 2 && when - arrivals.front() > std::chrono::seconds(2)) {
-      arrivals.pop_front();
-    }
   }
 
   std::shared_ptr<Hub> hub_;
@@ -1472,13 +1491,7 @@ class CaptureThread {
     const auto silence = detail::Clock::now() - hub_->lastFrame;
     now.silence = std::chrono::duration_cast<std::chrono::milliseconds>(silence);
     now.phase = silence >= hub_->wait ? Phase::Silent : Phase::Streaming;
-    if (hub_->arrivals.size() > 1) {
-      using Seconds = std::chrono::duration<double>;
-      const Seconds between = hub_->arrivals.back() - hub_->arrivals.front();
-      const double interval = between.count() / static_cast<double>(hub_->arrivals.size() - 1);
-      // A frame that is overdue counts as one that comes now.
-      now.framesPerSecond = 1 / (std::max)({interval, Seconds(silence).count(), 1e-6});
-    }
+    now.framesPerSecond = hub_->rate.perSecond(silence);
     return now;
   }
 

@@ -36,10 +36,10 @@ class FaceTest : public ::testing::Test {
   SimulatedSdk sdk;
 };
 
-/// Waits up to ten seconds.
+/// Waits up to half a minute.
 template <class Condition>
 bool comesTrue(const Condition& condition) {
-  const auto end = std::chrono::steady_clock::now() + 10s;
+  const auto end = std::chrono::steady_clock::now() + 30s;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) {
       return false;

@@ -227,5 +227,51 @@ TEST_F(CppFaceFrames, AQueueThatIsGoneTakesNoFrames) {
   EXPECT_EQ(capture_->next(0ms).number(), 0U);
 }
 
+TEST_F(CppFaceFrames, TheRateBeginsAnewWithAnOpening) {
+  start({});
+  send(3);
+  EXPECT_GT(capture_->state().framesPerSecond, 0);
+  capture_->reopen().get();
+  EXPECT_EQ(capture_->state().framesPerSecond, 0);
+}
+
+struct RateCase {
+  const char* name;
+  std::vector<std::pair<int, std::chrono::milliseconds>> frames;  // how many at which interval
+  std::chrono::milliseconds silence;                              // since the last frame
+  double perSecond;
+  double tolerance = 1e-6;
+};
+
+void PrintTo(const RateCase& rate, std::ostream* out) {
+  *out << rate.name;
+}
+
+class CppFaceRate : public ::testing::TestWithParam<RateCase> {};
+
+TEST_P(CppFaceRate, IsThatOfTheLastTwoSeconds) {
+  oc::detail::FrameRate rate;
+  oc::detail::Clock::time_point now{1h};
+  for (const auto& [count, interval] : GetParam().frames) {
+    for (int frame = 0; frame < count; ++frame) {
+      rate.add(now += interval);
+    }
+  }
+  EXPECT_NEAR(rate.perSecond(GetParam().silence), GetParam().perSecond, GetParam().tolerance);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Frames, CppFaceRate,
+    ::testing::Values(RateCase{"NoFrame", {}, 0ms, 0}, RateCase{"OneFrame", {{1, 10ms}}, 0ms, 0},
+                      RateCase{"TwoFrames", {{2, 10ms}}, 0ms, 100},
+                      RateCase{"OfTwoSecondsOnly", {{100, 10ms}, {70, 40ms}}, 0ms, 25, 0.1},
+                      RateCase{"TwoFramesThatAreFarApart", {{3, 10000ms}}, 0ms, 0.1},
+                      RateCase{"TheNextFrameJustCame", {{50, 20ms}}, 0ms, 50},
+                      RateCase{"TheNextFrameIsNotDue", {{50, 20ms}}, 10ms, 50},
+                      RateCase{"NoFrameForHalfASecond", {{50, 20ms}}, 500ms, 2},
+                      RateCase{"NoFrameForTenSeconds", {{50, 20ms}}, 10000ms, 0.1},
+                      RateCase{"FramesAtOneMoment", {{5, 0ms}}, 0ms, 1e6}),
+    [](const auto& test) { return test.param.name; });
+
 }  // namespace
 }  // namespace orvane::testing
