@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
+#include <functional>
 #include <vector>
 
 namespace orvane::host {
@@ -109,19 +109,6 @@ bool mayBeStar(const Image& reduced, const Candidate& candidate, int factor, int
   return true;
 }
 
-int medianBrightness(std::vector<Candidate> cells) {
-  const auto middle = cells.begin() + static_cast<std::ptrdiff_t>(cells.size() / 2);
-  std::nth_element(cells.begin(), middle, cells.end(), [](const Candidate& a, const Candidate& b) {
-    return a.brightness < b.brightness;
-  });
-  return middle->brightness;
-}
-
-void brightestFirst(std::vector<Candidate>& candidates) {
-  std::sort(candidates.begin(), candidates.end(),
-            [](const Candidate& a, const Candidate& b) { return a.brightness > b.brightness; });
-}
-
 Point inFrame(const Candidate& candidate, int factor) {
   return {candidate.place.x * factor + factor / 2, candidate.place.y * factor + factor / 2};
 }
@@ -185,15 +172,9 @@ bool isHotPixel(const Brightness& brightness, Point centre, double sky) {
   return largest > 0.75 * all;
 }
 
-struct Light {
-  double x = 0;  // of the centre
-  double y = 0;
-  double halfFluxDiameter = 0;
-};
-
 // Of the light within a circle; the sky's share is taken away.
-std::optional<Light> lightWithin(const Brightness& brightness, const Light& start, double radius,
-                                 double sky) {
+std::optional<Star> lightWithin(const Brightness& brightness, const Star& start, double radius,
+                                double sky) {
   double all = 0;
   double sumX = 0;
   double sumY = 0;
@@ -216,7 +197,7 @@ std::optional<Light> lightWithin(const Brightness& brightness, const Light& star
   if (all <= 0) {
     return std::nullopt;
   }
-  Light result{sumX / all, sumY / all, 0};
+  Star result{sumX / all, sumY / all, 0};
   if (std::hypot(result.x - start.x, result.y - start.y) > radius) {
     return std::nullopt;
   }
@@ -240,7 +221,7 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
       isHotPixel(brightness, peak, sky.level)) {
     return std::nullopt;
   }
-  Light light{static_cast<double>(peak.x), static_cast<double>(peak.y), 0};
+  Star light{static_cast<double>(peak.x), static_cast<double>(peak.y), 0};
   double radius = firstRadius;
   for (int round = 0; round < 6; ++round) {
     const auto next = lightWithin(brightness, light, radius, sky.level);
@@ -290,8 +271,8 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
   if (candidates.empty()) {
     return focus;
   }
-  const int sky = medianBrightness(candidates);
-  brightestFirst(candidates);
+  std::ranges::sort(candidates, std::greater(), &Candidate::brightness);
+  const int sky = candidates[(candidates.size() - 1) / 2].brightness;  // the median
   focus.sharpness = sharpnessAround(brightness, inFrame(candidates.front(), factor));
   if (before) {
     focus.star = starAt(brightness, {static_cast<int>(before->x), static_cast<int>(before->y)},

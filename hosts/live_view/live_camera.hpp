@@ -28,8 +28,8 @@ class LiveCamera {
   /// Leaves a request for the thread.
   void send(const LiveRequest& request);
 
-  /// Takes the newest frame; false when there has been none since the last call.
-  bool takeFrame(LiveFrame& frame) { return session_.takeFrame(frame); }
+  /// Takes the newest frame; empty when there has been none since the last call.
+  oc::Frame takeFrame() { return session_.takeFrame(); }
 
   /// The state as it was a moment ago.
   std::shared_ptr<const LiveState> state() const;

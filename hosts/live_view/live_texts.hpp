@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "imaging/statistics.hpp"
@@ -19,8 +20,8 @@ std::string exposureText(std::int64_t exposureUs);
 /// "1280 \u00d7 960   GRBG   raw8   bin 1"; "" when nothing streams.
 std::string formatText(const LiveState& state);
 
-/// "12.5 \u00b0C". Some SDKs return an error number if they have no temperature.
-std::string temperatureText(double celsius);
+/// "12.5 \u00b0C".
+std::string temperatureText(std::optional<double> celsius);
 
 /// "30.1 per second", or the time between two frames for slow ones.
 std::string rateText(double framesPerSecond);
