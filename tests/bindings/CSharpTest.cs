@@ -3,9 +3,12 @@
 using System;
 using System.Collections.Generic;
 using System.Linq;
+using System.Reflection;
 using System.Runtime.InteropServices;
 using System.Text;
 using Orvane.DesktopCamera;
+
+class TestAttribute : Attribute { }
 
 static class CSharpTest
 {
@@ -33,7 +36,8 @@ static class CSharpTest
         Check(Equals(expected, got), "expected " + expected + ", got " + got);
     }
 
-    static void CheckThrows<E>(string message, Action action) where E : Exception
+    // The message of the exception that this throws.
+    static string Thrown<E>(Action action) where E : Exception
     {
         try
         {
@@ -41,10 +45,14 @@ static class CSharpTest
         }
         catch (E caught)
         {
-            CheckEqual(message, caught.Message);
-            return;
+            return caught.Message;
         }
-        throw new InvalidOperationException("nothing thrown instead of " + message);
+        throw new InvalidOperationException("no " + typeof(E).Name);
+    }
+
+    static void CheckThrows<E>(string message, Action action) where E : Exception
+    {
+        CheckEqual(message, Thrown<E>(action));
     }
 
     static void Command(string text)
@@ -69,7 +77,7 @@ static class CSharpTest
         CheckEqual("0 0 0 0 0 0", string.Join(" ", invariants));
     }
 
-    static void CamerasOfEveryMaker()
+    [Test] static void CamerasOfEveryMaker()
     {
         ScanResult found = CameraLibrary.Scan(sdks);
         CheckEqual(Environment.GetEnvironmentVariable("ORVANE_SDKS"), string.Join(", ", found.Libraries));
@@ -92,13 +100,13 @@ static class CSharpTest
         return string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
     }
 
-    static void CodesOfFormatsAndBayerPatterns()
+    [Test] static void CodesOfFormatsAndBayerPatterns()
     {
         CheckEqual("Raw8=0 Raw16=1 Rgb24=2 Mono8=3", Codes<Format>());
         CheckEqual("None=0 Rggb=8 Grbg=9 Gbrg=10 Bggr=11", Codes<Bayer>());
     }
 
-    static void ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage()
+    [Test] static void ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage()
     {
         Command("force ASIOpenCamera 1 1 16");
         ScanResult found = CameraLibrary.Scan(sdks);
@@ -108,7 +116,7 @@ static class CSharpTest
         CheckEqual("", found.Error);
     }
 
-    static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
+    [Test] static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
     {
         var camera = new byte[2048];
         CheckEqual(1, sim_get_camera(0, camera));
@@ -125,7 +133,7 @@ static class CSharpTest
         CheckThrows<FormatException>("Not the description of a camera: {}", () => CameraInfo.FromJson("{}"));
     }
 
-    static void WhatCannotBeReadIsTold()
+    [Test] static void WhatCannotBeReadIsTold()
     {
         Command("force ASIGetCameraProperty 2 1 4");
         ScanResult found = CameraLibrary.Scan(sdks);
@@ -133,31 +141,18 @@ static class CSharpTest
         Check(found.Error.StartsWith("ASI"), found.Error);
     }
 
-    static void NoScanWhileACameraIsOpenAndNoPathThatCannotBe()
+    [Test] static void NoScanWhileACameraIsOpenAndNoPathThatCannotBe()
     {
         using (Open())
         {
             CheckThrows<CameraException>("Stop the preview before rescanning", () => CameraLibrary.Scan(sdks));
         }
         CheckThrows<EncoderFallbackException>(
-            Throws<EncoderFallbackException>(() => new UTF8Encoding(false, true).GetBytes("/\ud800\0")),
+            Thrown<EncoderFallbackException>(() => new UTF8Encoding(false, true).GetBytes("/\ud800\0")),
             () => CameraLibrary.Scan("/\ud800"));
     }
 
-    static string Throws<E>(Action action) where E : Exception
-    {
-        try
-        {
-            action();
-        }
-        catch (E caught)
-        {
-            return caught.Message;
-        }
-        return "";
-    }
-
-    static void FailedOpensLeaveNothingOpen()
+    [Test] static void FailedOpensLeaveNothingOpen()
     {
         CheckThrows<CameraException>("Exposure out of range", () => Open(exposureUs: 0));
         CheckThrows<CameraException>("Unsupported bin or format", () => Open(format: (Format)7));
@@ -167,7 +162,7 @@ static class CSharpTest
         Check(before.IsClosed, "the camera before is closed");
     }
 
-    static void AnotherCameraClosesTheFirst()
+    [Test] static void AnotherCameraClosesTheFirst()
     {
         Camera first = Open();
         using (Camera second = Open(4))
@@ -180,7 +175,7 @@ static class CSharpTest
         }
     }
 
-    static void ClosedWhenTheBlockFails()
+    [Test] static void ClosedWhenTheBlockFails()
     {
         CheckThrows<InvalidOperationException>("in the block", () =>
         {
@@ -191,7 +186,7 @@ static class CSharpTest
         });
     }
 
-    static void FramesAreTheBuffersFilledPart()
+    [Test] static void FramesAreTheBuffersFilledPart()
     {
         Command("clock stopped");
         var buffer = new byte[64 * 48 * 2 + 5];
@@ -208,7 +203,7 @@ static class CSharpTest
         }
     }
 
-    static void EveryMaker()
+    [Test] static void EveryMaker()
     {
         foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "ATR" })
         {
@@ -219,7 +214,7 @@ static class CSharpTest
         }
     }
 
-    static void TimeOuts()
+    [Test] static void TimeOuts()
     {
         using (Camera camera = Open())
         {
@@ -235,7 +230,7 @@ static class CSharpTest
         }
     }
 
-    static void FailedReadsLeaveTheCameraOpen()
+    [Test] static void FailedReadsLeaveTheCameraOpen()
     {
         using (Camera camera = Open())
         {
@@ -248,11 +243,11 @@ static class CSharpTest
                                          () => camera.Read(Span<byte>.Empty));
             CheckEqual(64 * 48, camera.Read(buffer).Length);
             Command("unplug 0 ASIGetVideoData 0");
-            Check(Throws<CameraException>(() => camera.Read(buffer)).StartsWith("ASIGetVideoData: "), "unplugged");
+            Check(Thrown<CameraException>(() => camera.Read(buffer)).StartsWith("ASIGetVideoData: "), "unplugged");
         }
     }
 
-    static void SettingsAndTemperature()
+    [Test] static void SettingsAndTemperature()
     {
         Camera camera = Open();
         camera.Apply(2000, 7, 3);
@@ -270,16 +265,9 @@ static class CSharpTest
     {
         sdks = arguments[0];
         CameraLibrary.Scan(sdks);
-        var tests = new Action[]
-        {
-            CamerasOfEveryMaker, CodesOfFormatsAndBayerPatterns,
-            ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage,
-            NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers,
-            WhatCannotBeReadIsTold, NoScanWhileACameraIsOpenAndNoPathThatCannotBe,
-            FailedOpensLeaveNothingOpen, AnotherCameraClosesTheFirst, ClosedWhenTheBlockFails,
-            FramesAreTheBuffersFilledPart, EveryMaker, TimeOuts, FailedReadsLeaveTheCameraOpen,
-            SettingsAndTemperature
-        };
+        var tests = typeof(CSharpTest).GetMethods(BindingFlags.Static | BindingFlags.NonPublic)
+            .Where(method => method.IsDefined(typeof(TestAttribute)))
+            .Select(method => (Action)Delegate.CreateDelegate(typeof(Action), method)).ToList();
         int failed = 0;
         foreach (Action test in tests)
         {
@@ -297,7 +285,7 @@ static class CSharpTest
                 CameraLibrary.OpenCamera?.Dispose();
             }
         }
-        Console.WriteLine(tests.Length + " tests, " + (failed == 0 ? "all passed" : failed + " failed"));
+        Console.WriteLine(tests.Count + " tests, " + (failed == 0 ? "all passed" : failed + " failed"));
         return failed == 0 ? 0 : 1;
     }
 }

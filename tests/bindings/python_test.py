@@ -28,18 +28,10 @@ CONTROLS = {name: ctypes.CDLL(str(SDKS / f"lib{name}.so")) for name in NAMES}
 ASI = CONTROLS["ASICamera2"]
 
 
-class Invariants(ctypes.Structure):
-    _fields_ = [
-        (name, ctypes.c_int32)
-        for name in (
-            "devicesOpen",
-            "streamsRunning",
-            "callsOnClosed",
-            "stopsWithoutStart",
-            "shortBuffers",
-            "writesPastBuffer",
-        )
-    ]
+ASI.sim_log.restype = ctypes.c_char_p
+INVARIANTS = (
+    "devicesOpen streamsRunning callsOnClosed stopsWithoutStart shortBuffers writesPastBuffer".split()
+)
 
 
 def rendered(number, size):
@@ -65,10 +57,9 @@ class BindingTest(unittest.TestCase):
 
     def assert_all_closed(self):
         for name, control in CONTROLS.items():
-            now = Invariants()
-            control.sim_invariants(ctypes.byref(now))
-            for field, _ in Invariants._fields_:
-                self.assertEqual(getattr(now, field), 0, f"{name}: {field}")
+            now = (ctypes.c_int32 * len(INVARIANTS))()
+            control.sim_invariants(now)
+            self.assertEqual(dict(zip(INVARIANTS, now)), dict.fromkeys(INVARIANTS, 0), name)
 
     def command(self, text):
         self.assertEqual(ASI.sim_command(text.encode()), 1, text)
@@ -289,7 +280,6 @@ class Reading(BindingTest):
             ASI.sim_log_enable(1)
             self.assertIsNone(camera.poll())
             self.assertEqual(camera.read().shape, (48, 64))
-            ASI.sim_log.restype = ctypes.c_char_p
             calls = re.findall(r"ASIGetVideoData\((.*)\) = (\d+)", ASI.sim_log().decode())
             self.assertGreater(len(calls), 3)
             for arguments, _ in calls:
@@ -356,7 +346,6 @@ class Controls(BindingTest):
         with self.open() as camera:
             ASI.sim_log_enable(1)
             camera.apply(exposure_us=2000, gain=7, offset=3)
-            ASI.sim_log.restype = ctypes.c_char_p
             log = ASI.sim_log().decode()
             self.assertIn("ASISetControlValue(0, 1, 2000, 0) = 0", log)
             self.assertIn("ASISetControlValue(0, 0, 7, 0) = 0", log)
