@@ -135,7 +135,7 @@ struct Library {
   }
 };
 
-/** Bytes that belong to somebody else: a pointer and a size. Converts to std::span in C++20. */
+/** A view of bytes: a pointer and a size. Converts to std::span in C++20. */
 template <class Byte>
 class ByteView {
  public:
@@ -160,7 +160,7 @@ class ByteView {
   bool empty() const { return size_ == 0; }
   /** @return the first byte */
   Byte* begin() const { return data_; }
-  /** @return behind the last byte */
+  /** @return the end, after the last byte */
   Byte* end() const { return data_ + size_; }
   /**
    * @param index below size()
@@ -178,7 +178,7 @@ using Bytes = ByteView<const std::uint8_t>;
 /** Bytes to read and write. */
 using WritableBytes = ByteView<std::uint8_t>;
 
-/** The path of a directory, from any form that it may have. */
+/** The path of a directory, from UTF-8 text or a std::filesystem::path. */
 class Directory {
  public:
   /** @param utf8 the path in UTF-8 */
@@ -200,7 +200,7 @@ class Directory {
 
 /** What the library knows about a camera; oc_info() describes the values. */
 struct CameraInfo {
-  int index = 0;                  /**< for opening; void after the next scan */
+  int index = 0;                  /**< for opening; the next scan makes it invalid */
   std::string name;               /**< model or display name; need not be valid UTF-8 */
   int ordinal = 0;                /**< which one of the cameras of this name, from 0 */
   int maxWidth = 0;               /**< of the sensor at bin 1, pixels */
@@ -436,8 +436,8 @@ inline Scan scan(const Directory& directory, const Library& library = Library::l
 }
 
 /**
- * Finds a camera of an earlier scan among those of a later one, by its name. Of several cameras of
- * one name it is the same in their order, or the last when there are fewer now.
+ * Finds a camera of an earlier scan among those of a later one, by its name. Among several cameras
+ * of one name, takes the one with the same ordinal, or the last if there are fewer now.
  *
  * @param cameras of the later scan
  * @param before of the earlier scan
@@ -455,8 +455,8 @@ inline std::optional<CameraInfo> findAgain(const std::vector<CameraInfo>& camera
 }
 
 /**
- * For how long a camera may be silent: twice the exposure plus 500 ms. After patience such waits
- * without a frame it is taken for lost.
+ * How long a camera may be silent: twice the exposure plus 500 ms. After `patience` such waits
+ * without a frame it counts as lost.
  *
  * @param exposureUs microseconds, 1 to 2147483647
  * @return the time
@@ -465,7 +465,7 @@ inline std::chrono::milliseconds usualWait(std::int64_t exposureUs) {
   return std::chrono::milliseconds(2 * exposureUs / 1000 + 500);
 }
 
-/** After this number of waits without a frame a camera is lost; see usualWait(). */
+/** How many waits without a frame a camera is given before it counts as lost; see usualWait(). */
 inline constexpr int patience = 5;
 
 /** An open camera that streams. Calls the library on the caller's thread; see Threads above. */
@@ -615,13 +615,13 @@ struct CaptureOptions {
   std::size_t capacity = 3;             /**< of the queue behind next(); 0 if frames() is enough */
   /** How long one call may wait for a frame: the thread looks at requests between two calls. */
   std::chrono::milliseconds longestCall{1000};
-  /** So many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
+  /** How many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
   int failures = 5;
-  /** So many waits of usualWait() in a row without a frame lose the camera; 0 is never. */
+  /** How many waits of usualWait() in a row without a frame lose the camera; 0: no number does. */
   int silentWaits = patience;
   /**
-   * Is called on the capture thread when there is a new frame or a new state, to wake an event
-   * loop. Must return soon and wait for nothing of the CaptureThread; what it throws is ignored.
+   * Called on the capture thread when there is a new frame or a new state, to wake an event loop.
+   * It must return soon and must not wait for the CaptureThread. What it throws is ignored.
    */
   std::function<void()> onNews;
 };
@@ -631,7 +631,7 @@ namespace detail {
 
 using Clock = std::chrono::steady_clock;
 
-// Buffers of one size, used again.
+// Reuses buffers of one size.
 class BufferPool {
  public:
   std::vector<std::uint8_t> take(std::size_t size) {
@@ -662,7 +662,7 @@ class BufferPool {
     }
   }
 
-  // No more than these are kept for later.
+  // Keeps at most this many free buffers.
   void keep(std::size_t most) {
     const std::lock_guard<std::mutex> lock(mutex_);
     free_.resize((std::min)(free_.size(), most));
@@ -712,7 +712,7 @@ struct Queue {
   std::size_t mostWaiting = 0;
   std::uint64_t accepted = 0;
   std::uint64_t taken = 0;
-  std::uint64_t most = 0;  // closes after so many frames; 0 is never
+  std::uint64_t most = 0;  // closes after this many frames; 0: never
   std::uint64_t dropped = 0;
   bool isClosed = false;
 
@@ -831,8 +831,8 @@ struct Lease {
 
 /**
  * A frame, or none. The bytes lie where the SDK wrote them; nothing is copied. Copies of a Frame
- * share the bytes; when the last copy is dropped the buffer is used again. A frame stays valid as
- * long as it is held, also when its camera was closed and its CaptureThread is gone.
+ * share the bytes; when the last copy is dropped, the buffer is reused. A frame stays valid as long
+ * as it is held, even after its camera was closed and its CaptureThread destroyed.
  *
  * The members below, but for the conversion to bool, need a frame. Any thread may use a Frame, one
  * at a time; different copies may be used at the same time.
@@ -883,9 +883,9 @@ class Frame {
  *
  *     while (oc::Frame frame = queue.next()) write(frame);
  *
- * Its capacity bounds the memory: so many frames may wait in the queue or be held by the consumer.
- * Buffers are allocated when they are needed for the first time, and used again; all queues
- * together use as many as the sum of their capacities plus one. Queues that take the same frame
+ * Its capacity limits the memory: it is how many frames may wait in the queue or be held by the
+ * consumer. Buffers are allocated when they are first needed, and then reused. All queues together
+ * use at most one buffer more than the sum of their capacities. Queues that take the same frame
  * share its bytes.
  *
  * All members may be called from any thread. The queue may outlive its CaptureThread.
@@ -930,7 +930,7 @@ class FrameQueue {
   Frame next() { return take(std::nullopt); }
 
   /**
-   * Waits for a frame, but not for ever.
+   * Waits for a frame for a limited time.
    *
    * @param wait how long; 0 does not wait
    * @return the frame; empty when none came in time, or when no more frames will come
@@ -991,7 +991,7 @@ class FrameQueue {
   }
 
   Frame take(std::optional<std::chrono::milliseconds> wait) {
-    auto lease = std::make_shared<detail::Lease>();  // before anything can be lost
+    auto lease = std::make_shared<detail::Lease>();  // before a frame is taken, which could be lost
     std::unique_lock<std::mutex> lock(hub_->mutex);
     const auto isOver = [this] {
       return !queue_->waiting.empty() || queue_->isClosed || hub_->hasEnded ||
@@ -1038,7 +1038,7 @@ class Worker {
         work();
         break;
       } catch (...) {
-        lose("Out of memory");  // nothing else is left; short enough to need no memory
+        lose("Out of memory");  // no other exception gets here; short enough for no allocation
       }
     }
     camera_.reset();
@@ -1098,7 +1098,7 @@ class Worker {
         try {
           open(before.camera, before.settings);
         } catch (...) {
-          // The state says so. What the caller asked for failed for the first reason.
+          // The state reports it. The caller gets the first failure.
         }
       }
       throw;
@@ -1129,7 +1129,7 @@ class Worker {
     try {
       open(*again, before.settings);
     } catch (...) {
-      // The state says so, and the scan did not fail.
+      // The state reports it. The scan did not fail.
     }
     return found;
   }
@@ -1158,14 +1158,14 @@ class Worker {
     } catch (...) {
       std::string text = textOf(std::current_exception());
       try {
-        // A part may be in force; what was before was accepted as a whole.
+        // A part may be in force. The settings before were accepted as a whole.
         if (camera_) {
           const Settings& settings = before.settings;
           camera_->apply(settings.exposureUs, settings.gain.value_or(before.camera.minGain),
                          settings.offset);
         }
       } catch (...) {
-        // The first refusal is the one to tell.
+        // The first refusal is the one that is reported.
       }
       const std::lock_guard<std::mutex> lock(hub_->mutex);
       ++hub_->state.refusals;
@@ -1183,7 +1183,7 @@ class Worker {
           hub_->work.wait(lock, [this] {
             return hub_->mustStop || !hub_->requests.empty() || (camera_ && hub_->wantsFrames());
           });
-          // The camera was not asked, which is no silence.
+          // The camera was not asked for frames, so this time is not silence.
           hub_->lastFrame = Clock::now();
           waitsInRow_ = 0;
         }
@@ -1242,7 +1242,7 @@ class Worker {
     hub_->state.temperature = celsius;
   }
 
-  // To the end of the wait that runs.
+  // The time that is left of the current usualWait(), so that its end is noticed.
   std::chrono::milliseconds waitOfNextCall() const {
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     const auto silence = Clock::now() - hub_->lastFrame;
@@ -1298,8 +1298,8 @@ class Worker {
     return isFull;
   }
 
-  // A consumer that is behind needs the memory's speed more than frames need to be read that are
-  // only counted. None comes sooner than an exposure takes.
+  // While a consumer is behind, further frames would only be counted, and reading them would take
+  // memory bandwidth from it. The next frame needs an exposure's time at least.
   void waitForRoom() {
     const auto rest = std::clamp(exposureUs_ / 1000, std::int64_t{1}, std::int64_t{50});
     std::unique_lock<std::mutex> lock(hub_->mutex);
@@ -1369,7 +1369,7 @@ class Worker {
         options_.onNews();
       }
     } catch (...) {
-      // The host's own; the frames matter more.
+      // The host's callback failed; the capture goes on.
     }
   }
 
@@ -1408,8 +1408,8 @@ class Worker {
  *
  * The camera is lost, and closed, when a number of reads in a row fail (CaptureOptions::failures),
  * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(),
- * CaptureOptions::silentWaits).
- * Then next() throws, and reopen() or rescan() can bring the camera back.
+ * CaptureOptions::silentWaits). Then next() throws, and reopen() or rescan() can bring the camera
+ * back.
  */
 class CaptureThread {
  public:
@@ -1474,7 +1474,7 @@ class CaptureThread {
    *
    * @param delivery which frames it hands out
    * @param capacity how many may wait in it or be held by its consumer, 1 or more
-   * @param most it closes when so many frames were put in; 0 is never
+   * @param most the queue closes after this many frames; 0: never
    * @return the queue
    */
   FrameQueue frames(Delivery delivery, std::size_t capacity, std::uint64_t most = 0) {

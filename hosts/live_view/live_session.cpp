@@ -16,7 +16,7 @@ namespace orvane::host {
 
 namespace {
 
-// For frames that wait to be written.
+// The memory for frames that wait to be written.
 constexpr std::int64_t waitingBytes = 256'000'000;
 
 constexpr std::int64_t usualExposureUs = 20000;
@@ -46,7 +46,7 @@ oc::CaptureOptions captureOptions(std::function<void()> onNews) {
   return options;
 }
 
-// The one after `now`, and after the last the first.
+// The value after `now`; the first value follows the last.
 template <class Value>
 Value nextOf(const std::vector<Value>& values, Value now) {
   const auto found = std::find(values.begin(), values.end(), now);
@@ -88,7 +88,7 @@ oc::Frame LiveSession::takeFrame() {
 }
 
 const LiveState& LiveSession::state() {
-  // In this order: a recording that ended because the camera was lost is noticed with the camera.
+  // Read first: if the camera's loss ended the recording, both are reported in one notice.
   const bool hasRecordingEnded = recording_ && recording_->hasEnded();
   oc::CaptureState now = capture_.state();
   if (isStreaming()) {
@@ -219,7 +219,7 @@ void LiveSession::scan() {
 
 void LiveSession::openFirst() {
   if (state_.cameras.empty()) {
-    return;  // the scan has said so
+    return;  // scan() has reported it
   }
   if (options_.camera.empty()) {
     if (state_.cameras.size() == 1) {
@@ -241,14 +241,14 @@ void LiveSession::open(std::size_t position, const oc::Settings& settings) {
   finishOpening(capture_.open(state_.cameras[position], settings));
 }
 
-// The same camera with other settings; with those of before where it refuses them.
+// Opens the same camera with the wanted settings. If it refuses them, it keeps those of before.
 void LiveSession::reopen() {
   finishOpening(capture_.reopen(wanted_));
 }
 
 void LiveSession::finishOpening(std::future<void> opening) {
   state_.phase = LivePhase::Streaming;
-  // Both counts began anew, and nothing of them has been noticed.
+  // The counts began anew, and no change of them has been reported.
   state_.capture.refusals = 0;
   state_.capture.failedReads = 0;
   try {

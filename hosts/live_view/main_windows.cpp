@@ -1,4 +1,4 @@
-// live_view: shows a camera's picture live. The program's start, and the messages of its failures.
+// live_view, which shows a camera's picture live: the start of the program, and its error messages.
 #include <windows.h>
 
 #include <exception>

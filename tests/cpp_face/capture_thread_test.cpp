@@ -1,4 +1,4 @@
-// The thread that captures: what it does with requests, silence and failures.
+// The capture thread: requests, silence and failures.
 #include <atomic>
 #include <condition_variable>
 #include <future>

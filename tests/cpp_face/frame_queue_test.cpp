@@ -1,4 +1,4 @@
-// Frames on their way from the capture thread to their consumers.
+// The queues that hand frames from the capture thread to consumers.
 #include <atomic>
 #include <cstring>
 #include <optional>
@@ -12,7 +12,7 @@
 namespace orvane::testing {
 namespace {
 
-// A scripted camera that sends a frame when the test asks for one; it holds its number.
+// A scripted camera that sends a frame when the test asks for it. The bytes are its number.
 class CppFaceFrames : public ::testing::Test {
  protected:
   CppFaceFrames() {

@@ -1,4 +1,4 @@
-// A library whose answers a test decides, for the parts of the C++ face that call it.
+// A library whose answers the test decides, for testing the C++ face.
 #include "cpp_face/scripted_library.hpp"
 
 namespace orvane::testing {

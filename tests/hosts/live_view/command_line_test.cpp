@@ -1,4 +1,4 @@
-// What the live view was started with.
+// The command line of the live view.
 #include "live_view/command_line.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The thread that waits for the camera where the window must not.
+// A live session on a thread of its own.
 #include "live_view/live_camera.hpp"
 
 #include <atomic>

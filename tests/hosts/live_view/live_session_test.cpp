@@ -1,4 +1,4 @@
-// A live view's work with the library, with a simulated SDK.
+// A live session with a simulated SDK.
 #include "live_view/live_session.hpp"
 
 #include <optional>
@@ -159,7 +159,7 @@ TEST_F(LiveSessionTest, ControlsReachTheCamera) {
   EXPECT_NE(log.find("ASISetControlValue(3, 5, 33, 0) = 0"), std::string::npos) << log;
 }
 
-// The second call after those of the opening.
+// The camera refuses the second call after those of the opening.
 TEST_F(LiveSessionTest, ControlsThatAreRefusedLeaveThoseOfBefore) {
   sdk.forceResult("ASISetControlValue", 16, controlCallsOfAnOpening() + 2, 1);
   start();
@@ -288,7 +288,7 @@ TEST_F(LiveSessionTest, ACameraThatComesBackHasItsSettings) {
   EXPECT_TRUE(hasFrames(1));
 }
 
-// As the environment of a program can ask for it, which has no hands to pull a cable.
+// ORVANE_SIMULATOR takes the same commands, so a running program can be tested like this.
 TEST_F(LiveSessionTest, CablesArePulledAndPutInAtChosenCalls) {
   ASSERT_EQ(sdk.command("unplug 0 ASIGetVideoData 4; plug 0 ASIGetNumOfConnectedCameras 3"), 1);
   EXPECT_EQ(sdk.command("plug 0 ASIGetVideoData"), 0);

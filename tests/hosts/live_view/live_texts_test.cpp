@@ -1,4 +1,4 @@
-// What the live view says on the screen.
+// The texts of the live view.
 #include "live_view/live_texts.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Where everything in the window is.
+// The places of everything in the window.
 #include "live_view/window_layout.hpp"
 
 #include <gtest/gtest.h>
