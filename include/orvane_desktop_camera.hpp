@@ -235,7 +235,7 @@ struct Settings {
   int bin = 1;                     /**< one of CameraInfo::bins */
   Format format = Format::Raw8;    /**< one of CameraInfo::formats */
   std::int64_t exposureUs = 20000; /**< microseconds, 1 to 2147483647 */
-  std::optional<int> gain;         /**< in the maker's units; without it CameraInfo::minGain */
+  std::optional<int> gain = {};    /**< in the maker's units; without it CameraInfo::minGain */
   int offset = 0;                  /**< in the maker's units */
 };
 
@@ -623,7 +623,7 @@ struct CaptureOptions {
    * Called on the capture thread when there is a new frame or a new state, to wake an event loop.
    * It must return soon and must not wait for the CaptureThread. What it throws is ignored.
    */
-  std::function<void()> onNews;
+  std::function<void()> onNews = nullptr;
 };
 
 /** @cond */

@@ -6,6 +6,7 @@
 #include <exception>
 #include <utility>
 
+#include "live_view/live_controls.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
 #include "session/sdk_directory.hpp"
@@ -23,27 +24,20 @@ constexpr std::int64_t usualExposureUs = 20000;
 constexpr int usualOffset = 10;
 
 oc::Settings usualSettings(const oc::CameraInfo& camera) {
-  oc::Settings settings;
-  settings.width = camera.maxWidth;
-  settings.height = camera.maxHeight;
-  settings.bin = camera.bins.empty() ? 1 : camera.bins.front();
-  settings.format = camera.formats.empty() ? PixelFormat::Raw8 : camera.formats.front();
-  settings.exposureUs = usualExposureUs;
-  if (hasLongestExposure(camera)) {
-    settings.exposureUs = std::min(settings.exposureUs, camera.maxExposureUs);
-  }
-  settings.gain = usualGain(camera);
-  settings.offset = usualOffset;
-  return settings;
+  return {.width = camera.maxWidth,
+          .height = camera.maxHeight,
+          .bin = camera.bins.empty() ? 1 : camera.bins.front(),
+          .format = camera.formats.empty() ? PixelFormat::Raw8 : camera.formats.front(),
+          .exposureUs = std::min(usualExposureUs, longestExposureOf(camera)),
+          .gain = usualGain(camera),
+          .offset = usualOffset};
 }
 
 oc::CaptureOptions captureOptions(std::function<void()> onNews) {
-  oc::CaptureOptions options;
-  // Short, so that a key is not kept waiting by a long exposure.
-  options.longestCall = std::chrono::milliseconds(50);
-  options.silentWaits = 0;  // the user sees the silence and decides
-  options.onNews = std::move(onNews);
-  return options;
+  return {// Short, so that a key is not kept waiting by a long exposure.
+          .longestCall = std::chrono::milliseconds(50),
+          .silentWaits = 0,  // the user sees the silence and decides
+          .onNews = std::move(onNews)};
 }
 
 // The value after `now`; the first value follows the last.

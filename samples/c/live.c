@@ -13,13 +13,8 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: live SDK-DIRECTORY SECONDS\n");
     return 2;
   }
-  if (!openFirstCamera(argv[1], exposureUs, 100)) {
-    return 1;
-  }
-  frame = malloc((size_t)oc_buffer_size());
+  frame = openFirstCamera(argv[1], exposureUs, 100);
   if (frame == NULL) {
-    fprintf(stderr, "Out of memory.\n");
-    oc_close();
     return 1;
   }
 

@@ -75,9 +75,7 @@ TEST_F(CppFaceCapture, TheDestructorClosesWhileFramesStream) {
 
 TEST_F(CppFaceCapture, SilenceIsToldAndTheCameraIsLostAfterFiveWaits) {
   sdk.forceResult("ASIGetVideoData", 11, 3);
-  oc::CaptureOptions options;
-  options.delivery = oc::Delivery::Every;
-  oc::CaptureThread capture(first(), small(), options);
+  oc::CaptureThread capture(first(), small(), {.delivery = oc::Delivery::Every});
   const auto start = std::chrono::steady_clock::now();
   ASSERT_TRUE(isPhase(capture, oc::Phase::Silent));
   EXPECT_GE(capture.state().silence, 502ms);
@@ -102,9 +100,7 @@ TEST_F(CppFaceCapture, SilenceIsToldAndTheCameraIsLostAfterFiveWaits) {
 
 TEST_F(CppFaceCapture, TheWaitsThatLoseACameraCanBeChosen) {
   sdk.forceResult("ASIGetVideoData", 11);
-  oc::CaptureOptions options;
-  options.silentWaits = 1;
-  oc::CaptureThread capture(first(), small(), options);
+  const oc::CaptureThread capture(first(), small(), {.silentWaits = 1});
   ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
   EXPECT_EQ(capture.state().text, "The camera has sent no frame for 1 waits of 502 ms.");
 }
@@ -130,9 +126,7 @@ TEST_F(CppFaceCapture, FailuresInARowLoseTheCamera) {
   }
   sdk.clear_faults();
   sdk.forceResult("ASIGetVideoData", 5, 3, 1);
-  oc::CaptureOptions options;
-  options.failures = 1;
-  const oc::CaptureThread capture(first(), small(), options);
+  const oc::CaptureThread capture(first(), small(), {.failures = 1});
   ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
   EXPECT_EQ(capture.state().failedReads, 1U);
 }
@@ -205,18 +199,15 @@ TEST_F(CppFaceCapture, WithoutACameraTheThreadScansAndOpens) {
 
 TEST_F(CppFaceCapture, OtherSettingsReopenOrLeaveThoseOfBefore) {
   oc::CaptureThread capture(first(), small());
-  oc::Settings settings;
-  settings.bin = 2;
-  settings.format = oc::Format::Raw16;
-  capture.reopen(settings).get();
+  capture.reopen(oc::Settings{.bin = 2, .format = oc::Format::Raw16}).get();
   ASSERT_TRUE(comesTrue([&] { return capture.next(1000ms).opening() == 2; }));
   const oc::Frame frame = capture.next(5000ms);
   EXPECT_EQ(frame.width(), 160);
   EXPECT_EQ(frame.format(), oc::Format::Raw16);
   EXPECT_EQ(frame.size(), 2U * 160 * 100);
 
-  settings.bin = 3;
-  EXPECT_EQ(errorOf([&] { capture.reopen(settings).get(); }), "Unsupported bin or format");
+  EXPECT_EQ(errorOf([&] { capture.reopen(oc::Settings{.bin = 3}).get(); }),
+            "Unsupported bin or format");
   EXPECT_EQ(capture.state().phase, oc::Phase::Streaming);
   EXPECT_EQ(capture.state().settings.bin, 2);
 }
@@ -329,9 +320,7 @@ TEST_F(CppFaceThread, AShorterExposureWaitsForTheFrameOfTheLongerOne) {
 
 TEST_F(CppFaceThread, SilenceNeedNotLoseTheCamera) {
   script().read = [](std::uint8_t*, int) { return 0; };
-  oc::CaptureOptions options;
-  options.silentWaits = 0;
-  const oc::CaptureThread capture = start(options);
+  const oc::CaptureThread capture = start({.silentWaits = 0});
   std::this_thread::sleep_for(2700ms);  // more than five waits of 502 ms
   EXPECT_EQ(capture.state().phase, oc::Phase::Silent);
   EXPECT_EQ(capture.state().silentWaits, 5U);
@@ -357,12 +346,10 @@ TEST_F(CppFaceThread, ExceptionsBecomeTexts) {
 
 TEST_F(CppFaceThread, NewsAreToldAndWhatTheyThrowIsIgnored) {
   std::atomic<int> told{0};
-  oc::CaptureOptions options;
-  options.onNews = [&] {
+  oc::CaptureThread capture = start({.onNews = [&] {
     ++told;
     throw 7;
-  };
-  oc::CaptureThread capture = start(options);
+  }});
   EXPECT_TRUE(capture.next(5000ms));
   EXPECT_TRUE(comesTrue([&] { return told > 3; }));
 }

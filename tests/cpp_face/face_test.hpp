@@ -24,13 +24,7 @@ class FaceTest : public ::testing::Test {
 
   /// The first camera, and its settings in frames of 64 x 32 pixels.
   oc::CameraInfo first() { return oc::scan(directory.utf8()).cameras.at(0); }
-  static oc::Settings small() {
-    oc::Settings settings;
-    settings.width = 64;
-    settings.height = 32;
-    settings.exposureUs = 1000;
-    return settings;
-  }
+  static oc::Settings small() { return {.width = 64, .height = 32, .exposureUs = 1000}; }
 
   SdkDirectory directory;
   SimulatedSdk sdk;
