@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
   end = time(NULL) + atoi(argv[2]);
   while (time(NULL) <= end) {
     bytes = oc_read(frame, oc_buffer_size(), timeoutMs);
-    if (bytes < 0) { /* a camera that was unplugged may also give 0 for ever */
+    if (bytes < 0) { /* a camera that was unplugged may also give 0 forever */
       fprintf(stderr, "Reading failed: %s\n", oc_error());
       break;
     }

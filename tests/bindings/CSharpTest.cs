@@ -31,10 +31,8 @@ static class CSharpTest
         }
     }
 
-    static void CheckEqual<T>(T expected, T got)
-    {
+    static void CheckEqual<T>(T expected, T got) =>
         Check(Equals(expected, got), "expected " + expected + ", got " + got);
-    }
 
     // The message of the exception that this throws.
     static string Thrown<E>(Action action) where E : Exception
@@ -50,25 +48,19 @@ static class CSharpTest
         throw new InvalidOperationException("no " + typeof(E).Name);
     }
 
-    static void CheckThrows<E>(string message, Action action) where E : Exception
-    {
+    static void CheckThrows<E>(string message, Action action) where E : Exception =>
         CheckEqual(message, Thrown<E>(action));
-    }
 
-    static void Command(string text)
-    {
+    static void Command(string text) =>
         CheckEqual(1, sim_command(Encoding.UTF8.GetBytes(text + "\0")));
-    }
 
-    static Camera Open(int index = 0, Format format = Format.Raw8, long exposureUs = 1000)
-    {
-        return CameraLibrary.Open(cameras[index], Settings(format, exposureUs));
-    }
+    static Camera Open(int index = 0, Format format = Format.Raw8, long exposureUs = 1000) =>
+        CameraLibrary.Open(cameras[index], new CameraSettings
+        {
+            Width = 64, Height = 48, Format = format, ExposureUs = exposureUs
+        });
 
-    static CameraSettings Settings(Format format = Format.Raw8, long exposureUs = 1000)
-    {
-        return new CameraSettings { Width = 64, Height = 48, Format = format, ExposureUs = exposureUs };
-    }
+    static int IndexOf(string prefix) => cameras.First(one => one.Name.StartsWith(prefix)).Index;
 
     static void CheckAllClosed()
     {
@@ -95,10 +87,8 @@ static class CSharpTest
         Check(first.MaxExposureUs > 1000000 && first.MaxGain > first.MinGain, "limits");
     }
 
-    static string Codes<E>()
-    {
-        return string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
-    }
+    static string Codes<E>() =>
+        string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
 
     [Test] static void CodesOfFormatsAndBayerPatterns()
     {
@@ -126,8 +116,11 @@ static class CSharpTest
         CameraInfo found = CameraLibrary.Scan(sdks).Cameras[0];
         CheckEqual("é\"pixelSizeUm\":nan,\\", found.Name);
         CheckEqual(3.75, found.PixelSizeUm);
-        Command("output ASIGetCameraProperty PixelSize 1 1 nan");
-        Check(double.IsNaN(CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm), "NaN");
+        foreach (string size in new[] { "nan", "-nan" })
+        {
+            Command("output ASIGetCameraProperty PixelSize 1 1 " + size);
+            Check(double.IsNaN(CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm), size);
+        }
         Command("output ASIGetCameraProperty PixelSize 1 1 -inf");
         CheckEqual(double.NegativeInfinity, CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm);
         CheckThrows<FormatException>("Not the description of a camera: {}", () => CameraInfo.FromJson("{}"));
@@ -175,8 +168,7 @@ static class CSharpTest
         }
     }
 
-    [Test] static void ClosedWhenTheBlockFails()
-    {
+    [Test] static void ClosedWhenTheBlockFails() =>
         CheckThrows<InvalidOperationException>("in the block", () =>
         {
             using (Open())
@@ -184,7 +176,6 @@ static class CSharpTest
                 throw new InvalidOperationException("in the block");
             }
         });
-    }
 
     [Test] static void FramesAreTheBuffersFilledPart()
     {
@@ -207,7 +198,7 @@ static class CSharpTest
     {
         foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "ATR" })
         {
-            using (Camera camera = Open(cameras.First(one => one.Name.StartsWith(prefix)).Index))
+            using (Camera camera = Open(IndexOf(prefix)))
             {
                 CheckEqual(camera.Width * camera.Height, camera.Read(new byte[camera.BufferSize]).Length);
             }
@@ -223,7 +214,7 @@ static class CSharpTest
             CheckEqual(0, camera.Poll(buffer, 5).Length);
             CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
         }
-        using (Camera camera = Open(cameras.First(one => one.Name.StartsWith("QHY")).Index, exposureUs: 60000000))
+        using (Camera camera = Open(IndexOf("QHY"), exposureUs: 60000000))
         {
             var buffer = new byte[camera.BufferSize];
             CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
