@@ -533,8 +533,7 @@ class Camera {
    */
   WritableBytes read(WritableBytes buffer, std::chrono::milliseconds wait) {
     const auto most = static_cast<std::size_t>(INT_MAX);
-    const auto milliseconds = (std::min)((std::max)(wait.count(), decltype(wait.count()){0}),
-                                         decltype(wait.count()){INT_MAX});
+    const auto milliseconds = std::clamp<std::int64_t>(wait.count(), 0, INT_MAX);
     const int size = library_.read(buffer.data(), static_cast<int>((std::min)(buffer.size(), most)),
                                    static_cast<int>(milliseconds));
     if (size < 0) {

@@ -114,26 +114,16 @@ void LiveSession::execute(const RescanRequest&) {
     openFirst();
     return;
   }
-  const std::optional<std::size_t> position = positionOfBefore();
-  if (!position) {
+  const auto again = oc::findAgain(state_.cameras, state_.capture.camera);
+  if (!again) {
     state_.phase = LivePhase::Lost;
     say(NoticeKind::Warning, state_.cameraName() +
                                  " is not there; plug it in and press F5. Found: " +
                                  numberOf(state_.cameras.size(), "camera") + ".");
     return;
   }
-  open(*position, wanted_);
-}
-
-// Where the camera that was open is now.
-std::optional<std::size_t> LiveSession::positionOfBefore() const {
-  const auto again = oc::findAgain(state_.cameras, state_.capture.camera);
-  for (std::size_t position = 0; again && position < state_.cameras.size(); ++position) {
-    if (state_.cameras[position].index == again->index) {
-      return position;
-    }
-  }
-  return std::nullopt;
+  const auto found = std::ranges::find(state_.cameras, again->index, &oc::CameraInfo::index);
+  open(static_cast<std::size_t>(found - state_.cameras.begin()), wanted_);
 }
 
 void LiveSession::execute(const ChooseRequest& request) {

@@ -103,7 +103,6 @@ class LiveSession {
   bool mayReopen();
   void scan();
   void openFirst();
-  std::optional<std::size_t> positionOfBefore() const;
   void open(std::size_t position, const oc::Settings& settings);
   void reopen();
   void finishOpening(std::future<void> opening);
