@@ -207,10 +207,7 @@ class LiveWindow {
         mustDrawPicture_ = false;
       }
       if (mustDrawPanel_) {
-        drawPanel(canvas_, layout_,
-                  {*state_, controls_, picture_.measurements(), picture_.isStretched(),
-                   picture_.isPixelByPixel()});
-        drawStatusLine(canvas_, layout_, *state_);
+        drawPanel(canvas_, layout_, {*state_, controls_, picture_});
         mustDrawPanel_ = false;
       }
       canvas_.show(screen, painting.rcPaint);

@@ -13,7 +13,19 @@ namespace orvane::host {
 
 namespace {
 
-// One drawing of the panel.
+PaletteColor colorOf(NoticeKind kind) {
+  switch (kind) {
+    case NoticeKind::Warning:
+      return palette::warning;
+    case NoticeKind::Error:
+      return palette::error;
+    case NoticeKind::Information:
+      break;
+  }
+  return palette::text;
+}
+
+// One drawing of the panel and the status line.
 class PanelDrawing {
  public:
   PanelDrawing(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content)
@@ -29,6 +41,7 @@ class PanelDrawing {
     drawFocus();
     drawFacts();
     drawRecordButton();
+    drawStatusLine();
   }
 
  private:
@@ -75,7 +88,7 @@ class PanelDrawing {
   }
 
   void drawHistogram() {
-    const Histogram& histogram = content_.measurements.histogram;
+    const Histogram& histogram = content_.picture.measurements().histogram;
     const PixelRect& plot = layout_.histogram;
     captioned(layout_.histogramCaption, "Histogram",
               isMeasured() ? saturationText(histogram.saturated) : "");
@@ -120,7 +133,7 @@ class PanelDrawing {
   }
 
   void drawFocus() {
-    const Focus& focus = content_.measurements.focus;
+    const Focus& focus = content_.picture.measurements().focus;
     captioned(layout_.focusCaption, "Focus", "");
     if (!isMeasured()) {
       canvas_.fill(layout_.focusTrend, palette::raised);
@@ -129,9 +142,9 @@ class PanelDrawing {
     canvas_.text(layout_.focusCaption, focusCaption(focus), TextSize::Small, palette::quietText,
                  TextAlign::Right);
     canvas_.text(layout_.focusFigure, focusText(focus), TextSize::Figure, palette::text);
-    if (content_.measurements.leastDiameter) {
+    if (content_.picture.measurements().leastDiameter) {
       canvas_.text(layout_.focusFigure,
-                   "best " + decimal(*content_.measurements.leastDiameter, 2) + " px",
+                   "best " + decimal(*content_.picture.measurements().leastDiameter, 2) + " px",
                    TextSize::Normal, palette::quietText, TextAlign::Right);
     }
     drawTrend();
@@ -140,7 +153,7 @@ class PanelDrawing {
   void drawTrend() {
     const PixelRect& plot = layout_.focusTrend;
     canvas_.fill(plot, palette::raised);
-    const std::deque<double>& diameters = content_.measurements.diameters;
+    const std::deque<double>& diameters = content_.picture.measurements().diameters;
     if (diameters.size() < 2) {
       return;
     }
@@ -165,8 +178,8 @@ class PanelDrawing {
         {"Frame rate", rateText(state.capture.framesPerSecond)},
         {"Temperature", temperatureText(state.capture.temperature)},
         {"Frames", isLive() ? std::to_string(state.capture.frames) : unknownText},
-        {"Picture", std::string(content_.isStretched ? "brightened" : "as it is") +
-                        (content_.isPixelByPixel ? ", 1:1" : ", whole")},
+        {"Picture", std::string(content_.picture.isStretched() ? "brightened" : "as it is") +
+                        (content_.picture.isPixelByPixel() ? ", 1:1" : ", whole")},
     };
     const int height = at(21);
     PixelRect line{layout_.facts.left, layout_.facts.top, layout_.facts.width, height};
@@ -199,25 +212,27 @@ class PanelDrawing {
     canvas_.text(label, "R", TextSize::Small, palette::quietText, TextAlign::Right);
   }
 
+  void drawStatusLine() {
+    const PixelRect& line = layout_.status;
+    const int margin = at(16);
+    canvas_.fill(line, palette::panel);
+    canvas_.fill({line.left, line.top, line.width, at(1)}, palette::line);
+    const std::string keys = "F1  keys";
+    const int keysWidth = canvas_.textWidth(keys, TextSize::Small);
+    const Notice notice = statusLine(content_.state);
+    canvas_.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
+                 notice.text, TextSize::Normal, colorOf(notice.kind));
+    canvas_.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
+                 palette::quietText, TextAlign::Right);
+  }
+
   bool isLive() const { return content_.state.phase == LivePhase::Streaming; }
-  bool isMeasured() const { return isLive() && content_.measurements.areThere; }
+  bool isMeasured() const { return isLive() && content_.picture.measurements().areThere; }
 
   GdiCanvas& canvas_;
   const WindowLayout& layout_;
   const PanelContent& content_;
 };
-
-PaletteColor colorOf(NoticeKind kind) {
-  switch (kind) {
-    case NoticeKind::Warning:
-      return palette::warning;
-    case NoticeKind::Error:
-      return palette::error;
-    case NoticeKind::Information:
-      break;
-  }
-  return palette::text;
-}
 
 void drawBox(GdiCanvas& canvas, const ListPlace& list, const std::string& title) {
   canvas.fill(list.box, palette::panel);
@@ -229,20 +244,6 @@ void drawBox(GdiCanvas& canvas, const ListPlace& list, const std::string& title)
 
 void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content) {
   PanelDrawing(canvas, layout, content).draw();
-}
-
-void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state) {
-  const int margin = scaled(16, canvas.dpi());
-  const PixelRect& line = layout.status;
-  canvas.fill(line, palette::panel);
-  canvas.fill({line.left, line.top, line.width, scaled(1, canvas.dpi())}, palette::line);
-  const std::string keys = "F1  keys";
-  const int keysWidth = canvas.textWidth(keys, TextSize::Small);
-  const Notice notice = statusLine(state);
-  canvas.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
-              notice.text, TextSize::Normal, colorOf(notice.kind));
-  canvas.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
-              palette::quietText, TextAlign::Right);
 }
 
 void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state) {

@@ -15,14 +15,11 @@ namespace orvane::host {
 struct PanelContent {
   const LiveState& state;
   const ControlsRequest& controls;
-  const Measurements& measurements;
-  bool isStretched = true;
-  bool isPixelByPixel = false;
+  const LivePicture& picture;
 };
 
+/// The panel and the status line.
 void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content);
-
-void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state);
 
 /// The text in place of a picture.
 void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state);
