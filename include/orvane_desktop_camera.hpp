@@ -135,7 +135,7 @@ struct Library {
   }
 };
 
-/** Bytes that belong to somebody else: a pointer and a size. Converts to std::span in C++20. */
+/** A view of bytes: a pointer and a size. Converts to std::span in C++20. */
 template <class Byte>
 class ByteView {
  public:
@@ -160,7 +160,7 @@ class ByteView {
   bool empty() const { return size_ == 0; }
   /** @return the first byte */
   Byte* begin() const { return data_; }
-  /** @return behind the last byte */
+  /** @return the end, after the last byte */
   Byte* end() const { return data_ + size_; }
   /**
    * @param index below size()
@@ -178,7 +178,7 @@ using Bytes = ByteView<const std::uint8_t>;
 /** Bytes to read and write. */
 using WritableBytes = ByteView<std::uint8_t>;
 
-/** The path of a directory, from any form that it may have. */
+/** The path of a directory, from UTF-8 text or a std::filesystem::path. */
 class Directory {
  public:
   /** @param utf8 the path in UTF-8 */
@@ -200,7 +200,7 @@ class Directory {
 
 /** What the library knows about a camera; oc_info() describes the values. */
 struct CameraInfo {
-  int index = 0;                  /**< for opening; void after the next scan */
+  int index = 0;                  /**< for opening; the next scan makes it invalid */
   std::string name;               /**< model or display name; need not be valid UTF-8 */
   int ordinal = 0;                /**< which one of the cameras of this name, from 0 */
   int maxWidth = 0;               /**< of the sensor at bin 1, pixels */
@@ -235,7 +235,7 @@ struct Settings {
   int bin = 1;                     /**< one of CameraInfo::bins */
   Format format = Format::Raw8;    /**< one of CameraInfo::formats */
   std::int64_t exposureUs = 20000; /**< microseconds, 1 to 2147483647 */
-  std::optional<int> gain;         /**< in the maker's units; without it CameraInfo::minGain */
+  std::optional<int> gain = {};    /**< in the maker's units; without it CameraInfo::minGain */
   int offset = 0;                  /**< in the maker's units */
 };
 
@@ -436,8 +436,8 @@ inline Scan scan(const Directory& directory, const Library& library = Library::l
 }
 
 /**
- * Finds a camera of an earlier scan among those of a later one, by its name. Of several cameras of
- * one name it is the same in their order, or the last when there are fewer now.
+ * Finds a camera of an earlier scan among those of a later one, by its name. Among several cameras
+ * of one name, takes the one with the same ordinal, or the last if there are fewer now.
  *
  * @param cameras of the later scan
  * @param before of the earlier scan
@@ -455,8 +455,8 @@ inline std::optional<CameraInfo> findAgain(const std::vector<CameraInfo>& camera
 }
 
 /**
- * For how long a camera may be silent: twice the exposure plus 500 ms. After patience such waits
- * without a frame it is taken for lost.
+ * How long a camera may be silent: twice the exposure plus 500 ms. After `patience` such waits
+ * without a frame it counts as lost.
  *
  * @param exposureUs microseconds, 1 to 2147483647
  * @return the time
@@ -465,7 +465,7 @@ inline std::chrono::milliseconds usualWait(std::int64_t exposureUs) {
   return std::chrono::milliseconds(2 * exposureUs / 1000 + 500);
 }
 
-/** After this number of waits without a frame a camera is lost; see usualWait(). */
+/** How many waits without a frame a camera is given before it counts as lost; see usualWait(). */
 inline constexpr int patience = 5;
 
 /** An open camera that streams. Calls the library on the caller's thread; see Threads above. */
@@ -533,8 +533,7 @@ class Camera {
    */
   WritableBytes read(WritableBytes buffer, std::chrono::milliseconds wait) {
     const auto most = static_cast<std::size_t>(INT_MAX);
-    const auto milliseconds = (std::min)((std::max)(wait.count(), decltype(wait.count()){0}),
-                                         decltype(wait.count()){INT_MAX});
+    const auto milliseconds = std::clamp<std::int64_t>(wait.count(), 0, INT_MAX);
     const int size = library_.read(buffer.data(), static_cast<int>((std::min)(buffer.size(), most)),
                                    static_cast<int>(milliseconds));
     if (size < 0) {
@@ -615,15 +614,15 @@ struct CaptureOptions {
   std::size_t capacity = 3;             /**< of the queue behind next(); 0 if frames() is enough */
   /** How long one call may wait for a frame: the thread looks at requests between two calls. */
   std::chrono::milliseconds longestCall{1000};
-  /** So many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
+  /** How many failed reads in a row, 50 ms apart, lose the camera; "no frame" is no failure. */
   int failures = 5;
-  /** So many waits of usualWait() in a row without a frame lose the camera; 0 is never. */
+  /** How many waits of usualWait() in a row without a frame lose the camera; 0: no number does. */
   int silentWaits = patience;
   /**
-   * Is called on the capture thread when there is a new frame or a new state, to wake an event
-   * loop. Must return soon and wait for nothing of the CaptureThread; what it throws is ignored.
+   * Called on the capture thread when there is a new frame or a new state, to wake an event loop.
+   * It must return soon and must not wait for the CaptureThread. What it throws is ignored.
    */
-  std::function<void()> onNews;
+  std::function<void()> onNews = nullptr;
 };
 
 /** @cond */
@@ -631,7 +630,7 @@ namespace detail {
 
 using Clock = std::chrono::steady_clock;
 
-// Buffers of one size, used again.
+// Reuses buffers of one size.
 class BufferPool {
  public:
   std::vector<std::uint8_t> take(std::size_t size) {
@@ -662,7 +661,7 @@ class BufferPool {
     }
   }
 
-  // No more than these are kept for later.
+  // Keeps at most this many free buffers.
   void keep(std::size_t most) {
     const std::lock_guard<std::mutex> lock(mutex_);
     free_.resize((std::min)(free_.size(), most));
@@ -712,7 +711,7 @@ struct Queue {
   std::size_t mostWaiting = 0;
   std::uint64_t accepted = 0;
   std::uint64_t taken = 0;
-  std::uint64_t most = 0;  // closes after so many frames; 0 is never
+  std::uint64_t most = 0;  // closes after this many frames; 0: never
   std::uint64_t dropped = 0;
   bool isClosed = false;
 
@@ -737,6 +736,33 @@ struct Queue {
   }
 };
 
+// The rate of the frames of the last two seconds, or of the last two frames if they are farther
+// apart; 0 before the second frame.
+class FrameRate {
+ public:
+  void add(Clock::time_point arrival) {
+    arrivals_.push_back(arrival);
+    while (arrivals_.size() > 2 && arrival - arrivals_.front() > std::chrono::seconds(2)) {
+      arrivals_.pop_front();
+    }
+  }
+
+  // `silence` is the time since the last frame: the rate falls while no frame comes.
+  double perSecond(Clock::duration silence) const {
+    if (arrivals_.size() < 2) {
+      return 0;
+    }
+    using Seconds = std::chrono::duration<double>;
+    const Seconds between = arrivals_.back() - arrivals_.front();
+    const double interval = between.count() / static_cast<double>(arrivals_.size() - 1);
+    // An overdue frame counts as if it arrived now.
+    return 1 / (std::max)({interval, Seconds(silence).count(), 1e-6});
+  }
+
+ private:
+  std::deque<Clock::time_point> arrivals_;
+};
+
 class Worker;
 
 // What the capture thread, its owner and the consumers share.
@@ -755,7 +781,7 @@ struct Hub {
   CaptureState state;
   Clock::time_point lastFrame;  // or the opening
   std::chrono::milliseconds wait{0};
-  std::deque<Clock::time_point> arrivals;
+  FrameRate rate;
   std::vector<std::weak_ptr<Queue>> queues;
   const std::shared_ptr<BufferPool> pool = std::make_shared<BufferPool>();
 
@@ -804,8 +830,8 @@ struct Lease {
 
 /**
  * A frame, or none. The bytes lie where the SDK wrote them; nothing is copied. Copies of a Frame
- * share the bytes; when the last copy is dropped the buffer is used again. A frame stays valid as
- * long as it is held, also when its camera was closed and its CaptureThread is gone.
+ * share the bytes; when the last copy is dropped, the buffer is reused. A frame stays valid as long
+ * as it is held, even after its camera was closed and its CaptureThread destroyed.
  *
  * The members below, but for the conversion to bool, need a frame. Any thread may use a Frame, one
  * at a time; different copies may be used at the same time.
@@ -856,9 +882,9 @@ class Frame {
  *
  *     while (oc::Frame frame = queue.next()) write(frame);
  *
- * Its capacity bounds the memory: so many frames may wait in the queue or be held by the consumer.
- * Buffers are allocated when they are needed for the first time, and used again; all queues
- * together use as many as the sum of their capacities plus one. Queues that take the same frame
+ * Its capacity limits the memory: it is how many frames may wait in the queue or be held by the
+ * consumer. Buffers are allocated when they are first needed, and then reused. All queues together
+ * use at most one buffer more than the sum of their capacities. Queues that take the same frame
  * share its bytes.
  *
  * All members may be called from any thread. The queue may outlive its CaptureThread.
@@ -903,7 +929,7 @@ class FrameQueue {
   Frame next() { return take(std::nullopt); }
 
   /**
-   * Waits for a frame, but not for ever.
+   * Waits for a frame for a limited time.
    *
    * @param wait how long; 0 does not wait
    * @return the frame; empty when none came in time, or when no more frames will come
@@ -964,7 +990,7 @@ class FrameQueue {
   }
 
   Frame take(std::optional<std::chrono::milliseconds> wait) {
-    auto lease = std::make_shared<detail::Lease>();  // before anything can be lost
+    auto lease = std::make_shared<detail::Lease>();  // before a frame is taken, which could be lost
     std::unique_lock<std::mutex> lock(hub_->mutex);
     const auto isOver = [this] {
       return !queue_->waiting.empty() || queue_->isClosed || hub_->hasEnded ||
@@ -1011,7 +1037,7 @@ class Worker {
         work();
         break;
       } catch (...) {
-        lose("Out of memory");  // nothing else is left; short enough to need no memory
+        lose("Out of memory");  // no other exception gets here; short enough for no allocation
       }
     }
     camera_.reset();
@@ -1055,7 +1081,7 @@ class Worker {
     hub_->state.bufferSize = camera_->bufferSize();
     hub_->lastFrame = hub_->state.opened;
     hub_->wait = usualWait(exposureUs_);
-    hub_->arrivals.clear();
+    hub_->rate = {};
   }
 
   void reopen(const std::optional<Settings>& settings) {
@@ -1071,7 +1097,7 @@ class Worker {
         try {
           open(before.camera, before.settings);
         } catch (...) {
-          // The state says so. What the caller asked for failed for the first reason.
+          // The state reports it. The caller gets the first failure.
         }
       }
       throw;
@@ -1102,7 +1128,7 @@ class Worker {
     try {
       open(*again, before.settings);
     } catch (...) {
-      // The state says so, and the scan did not fail.
+      // The state reports it. The scan did not fail.
     }
     return found;
   }
@@ -1131,14 +1157,14 @@ class Worker {
     } catch (...) {
       std::string text = textOf(std::current_exception());
       try {
-        // A part may be in force; what was before was accepted as a whole.
+        // A part may be in force. The settings before were accepted as a whole.
         if (camera_) {
           const Settings& settings = before.settings;
           camera_->apply(settings.exposureUs, settings.gain.value_or(before.camera.minGain),
                          settings.offset);
         }
       } catch (...) {
-        // The first refusal is the one to tell.
+        // The first refusal is the one that is reported.
       }
       const std::lock_guard<std::mutex> lock(hub_->mutex);
       ++hub_->state.refusals;
@@ -1156,7 +1182,7 @@ class Worker {
           hub_->work.wait(lock, [this] {
             return hub_->mustStop || !hub_->requests.empty() || (camera_ && hub_->wantsFrames());
           });
-          // The camera was not asked, which is no silence.
+          // The camera was not asked for frames, so this time is not silence.
           hub_->lastFrame = Clock::now();
           waitsInRow_ = 0;
         }
@@ -1215,7 +1241,7 @@ class Worker {
     hub_->state.temperature = celsius;
   }
 
-  // To the end of the wait that runs.
+  // The time that is left of the current usualWait(), so that its end is noticed.
   std::chrono::milliseconds waitOfNextCall() const {
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     const auto silence = Clock::now() - hub_->lastFrame;
@@ -1240,7 +1266,7 @@ class Worker {
       frame->number = hub_->state.frames++;
       hub_->lastFrame = arrival;
       hub_->wait = usualWait(exposureUs_);
-      addArrival(arrival);
+      hub_->rate.add(arrival);
       isFull = offer(frame);
     }
     frame.reset();
@@ -1271,8 +1297,8 @@ class Worker {
     return isFull;
   }
 
-  // A consumer that is behind needs the memory's speed more than frames need to be read that are
-  // only counted. None comes sooner than an exposure takes.
+  // While a consumer is behind, further frames would only be counted, and reading them would take
+  // memory bandwidth from it. The next frame needs an exposure's time at least.
   void waitForRoom() {
     const auto rest = std::clamp(exposureUs_ / 1000, std::int64_t{1}, std::int64_t{50});
     std::unique_lock<std::mutex> lock(hub_->mutex);
@@ -1342,21 +1368,13 @@ class Worker {
         options_.onNews();
       }
     } catch (...) {
-      // The host's own; the frames matter more.
+      // The host's callback failed; the capture goes on.
     }
   }
 
   CaptureState state() const {
     const std::lock_guard<std::mutex> lock(hub_->mutex);
     return hub_->state;
-  }
-
-  void addArrival(Clock::time_point when) {
-    std::deque<Clock::time_point>& arrivals = hub_->arrivals;
-    arrivals.push_back(when);
-    while (arrivals.size() > 2 && when - arrivals.front() > std::chrono::seconds(2)) {
-      arrivals.pop_front();
-    }
   }
 
   std::shared_ptr<Hub> hub_;
@@ -1389,8 +1407,8 @@ class Worker {
  *
  * The camera is lost, and closed, when a number of reads in a row fail (CaptureOptions::failures),
  * or when no frame came for five waits of twice the exposure plus 500 ms (usualWait(),
- * CaptureOptions::silentWaits).
- * Then next() throws, and reopen() or rescan() can bring the camera back.
+ * CaptureOptions::silentWaits). Then next() throws, and reopen() or rescan() can bring the camera
+ * back.
  */
 class CaptureThread {
  public:
@@ -1455,7 +1473,7 @@ class CaptureThread {
    *
    * @param delivery which frames it hands out
    * @param capacity how many may wait in it or be held by its consumer, 1 or more
-   * @param most it closes when so many frames were put in; 0 is never
+   * @param most the queue closes after this many frames; 0: never
    * @return the queue
    */
   FrameQueue frames(Delivery delivery, std::size_t capacity, std::uint64_t most = 0) {
@@ -1472,13 +1490,7 @@ class CaptureThread {
     const auto silence = detail::Clock::now() - hub_->lastFrame;
     now.silence = std::chrono::duration_cast<std::chrono::milliseconds>(silence);
     now.phase = silence >= hub_->wait ? Phase::Silent : Phase::Streaming;
-    if (hub_->arrivals.size() > 1) {
-      using Seconds = std::chrono::duration<double>;
-      const Seconds between = hub_->arrivals.back() - hub_->arrivals.front();
-      const double interval = between.count() / static_cast<double>(hub_->arrivals.size() - 1);
-      // A frame that is overdue counts as one that comes now.
-      now.framesPerSecond = 1 / (std::max)({interval, Seconds(silence).count(), 1e-6});
-    }
+    now.framesPerSecond = hub_->rate.perSecond(silence);
     return now;
   }
 

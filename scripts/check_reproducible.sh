@@ -4,13 +4,8 @@
 #   check_reproducible.sh [PRESET...]      windows-x64, linux-x64; default: windows-x64
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-presets=("$@")
-if [ ${#presets[@]} -eq 0 ]; then
-  presets=(windows-x64)
-fi
-if [ -n "$(git status --porcelain)" ]; then
-  echo "note: changes that are not committed are not checked"
-fi
+[ $# -gt 0 ] || set -- windows-x64
+[ -z "$(git status --porcelain)" ] || echo "note: changes that are not committed are not checked"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -23,12 +18,12 @@ for number in 0 1; do
   echo "== build $((number + 1)) of $(git rev-parse --short HEAD) in ${clones[number]}"
   # With a compiler cache the second build would only copy the first one's objects.
   (umask "${masks[number]}" && cd "${clones[number]}" &&
-    TZ=${zones[number]} CCACHE_DISABLE=1 scripts/package.sh "${presets[@]}" >"$work/log" 2>&1) ||
+    TZ=${zones[number]} CCACHE_DISABLE=1 scripts/package.sh "$@" >"$work/log" 2>&1) ||
     { cat "$work/log"; exit 1; }
 done
 
 different=0
-for preset in "${presets[@]}"; do
+for preset in "$@"; do
   for file in "${clones[0]}/build/$preset-package/packages"/* \
     "${clones[0]}/build/$preset-package/bin"/* "${clones[0]}/build/$preset-package/simulated-sdks"/*; do
     name=${file#"${clones[0]}/"}

@@ -11,9 +11,9 @@ scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_header
 build=build/coverage
 echo "== build"
 # Without optimisation and inlining, so that the counts belong to the right lines.
-configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Debug \
+quietly cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Debug \
   -D CMAKE_CXX_FLAGS_DEBUG="--coverage -O0 -g -fno-inline" -D ORVANE_BUILD_HOSTS=OFF \
-  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+  -D ORVANE_BUILD_BENCHMARKS=OFF
 cmake --build "$build"
 find "$build" -name '*.gcda' -delete
 
@@ -26,12 +26,12 @@ echo "== coverage of src/"
 mkdir -p "$build/report"
 # Without the branches that the compiler adds for exceptions, one at every call.
 root=$(pwd -P)
-gcovr --root "$root" --filter "$(cd src && pwd -P)/" --exclude-throw-branches \
-  --exclude-unreachable-branches --gcov-ignore-parse-errors --html-details "$build/report/index.html" \
-  --txt "$build/report/lines.txt" "$build" >/dev/null
-gcovr --root "$root" --filter "$(cd src && pwd -P)/" --exclude-throw-branches \
-  --exclude-unreachable-branches --gcov-ignore-parse-errors --branches \
-  --txt "$build/report/branches.txt" "$build" >/dev/null
+report() {
+  gcovr --root "$root" --filter "$root/src/" --exclude-throw-branches --exclude-unreachable-branches \
+    --gcov-ignore-parse-errors "$@" "$build" >/dev/null
+}
+report --html-details "$build/report/index.html" --txt "$build/report/lines.txt"
+report --branches --txt "$build/report/branches.txt"
 echo "-- lines"
 cat "$build/report/lines.txt"
 echo "-- branches"

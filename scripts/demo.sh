@@ -9,7 +9,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_heade
   "${test_tools[@]}"
 
 echo "== build"
-configured=$(cmake --preset windows-x64 2>&1) || { echo "$configured"; exit 1; }
+quietly cmake --preset windows-x64
 cmake --build --preset windows-x64 --target oc_capture \
   simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
 

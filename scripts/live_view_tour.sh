@@ -15,7 +15,7 @@ out=$(cd "$out" && pwd)
 rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.ser
 
 echo "== build"
-configured=$(cmake --preset windows-x64 2>&1) || { echo "$configured"; exit 1; }
+quietly cmake --preset windows-x64
 cmake --build --preset windows-x64 --target live_view \
   simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
 sdk=build/windows-x64/simulated-sdks

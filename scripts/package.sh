@@ -10,21 +10,16 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_too
   "${host_headers[@]}" "${package_tools[@]}" git
 
 export SOURCE_DATE_EPOCH="${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}"
-presets=("$@")
-if [ ${#presets[@]} -eq 0 ]; then
-  presets=(windows-x64 linux-x64)
-fi
+[ $# -gt 0 ] || set -- windows-x64 linux-x64
 archives=()
-for preset in "${presets[@]}"; do
+for preset in "$@"; do
   echo "== $preset: build"
   build=build/$preset-package
-  configured=$(cmake --preset "$preset" -B "$build" -D ORVANE_BUILD_TESTS=OFF \
-    -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+  quietly cmake --preset "$preset" -B "$build" -D ORVANE_BUILD_TESTS=OFF -D ORVANE_BUILD_BENCHMARKS=OFF
   cmake --build "$build"
   echo "== $preset: pack"
   rm -rf "$build/packages"
-  packed=$(cpack --config "$build/CPackConfig.cmake" -B "$PWD/$build/packages" 2>&1) ||
-    { echo "$packed"; exit 1; }
+  quietly cpack --config "$build/CPackConfig.cmake" -B "$PWD/$build/packages"
   rm -rf "$build/packages/_CPack_Packages"
   archives+=("$build"/packages/*)
 done

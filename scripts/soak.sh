@@ -14,16 +14,13 @@ export ORVANE_SOAK_CYCLES="${SOAK_CYCLES:-10000}"
 export ORVANE_SOAK_READS="${SOAK_READS:-1000000}"
 export ORVANE_RANDOM_STEPS="${SOAK_RANDOM_STEPS:-250000}"
 export ORVANE_SOAK_RATIO=200
-presets=("$@")
-if [ ${#presets[@]} -eq 0 ]; then
-  presets=(linux-x64 windows-x64)
-fi
+[ $# -gt 0 ] || set -- linux-x64 windows-x64
 
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT
-for preset in "${presets[@]}"; do
+for preset in "$@"; do
   echo "== $preset: build"
-  configured=$(cmake --preset "$preset" 2>&1) || { echo "$configured"; exit 1; }
+  quietly cmake --preset "$preset"
   cmake --build --preset "$preset" --target session_tests
   echo "== $preset: run"
   # One test at a time, because timings are compared.
@@ -31,7 +28,7 @@ for preset in "${presets[@]}"; do
     >"$logs/$preset" 2>&1 || { cat "$logs/$preset"; exit 1; }
 done
 
-for preset in "${presets[@]}"; do
+for preset in "$@"; do
   echo
   echo "== $preset"
   tr -d '\r' <"$logs/$preset" | sed -n 's/^[0-9]*: endurance|//p' | awk -F'|' '

@@ -8,10 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
   "${host_headers[@]}" "${test_tools[@]}" "${binding_tools[@]}" "${package_tools[@]}"
 
-presets=("$@")
-if [ ${#presets[@]} -eq 0 ]; then
-  presets=(windows-x64 linux-x64 linux-x64-sanitize)
-fi
+[ $# -gt 0 ] || set -- windows-x64 linux-x64 linux-x64-sanitize
 summary=()
 started_again="${WINEPREFIX:-build/wine-prefix}/started-again.log"
 rm -f "$started_again"
@@ -21,10 +18,9 @@ show_started_again() {
   echo "== retried under Wine: the first run printed nothing"
   cat "$started_again"
 }
-for preset in "${presets[@]}"; do
+for preset in "$@"; do
   echo "== $preset: build"
-  cmake --preset "$preset" >"/tmp/orvane-configure-$preset.log" 2>&1 ||
-    { cat "/tmp/orvane-configure-$preset.log"; exit 1; }
+  quietly cmake --preset "$preset"
   cmake --build --preset "$preset"
   echo "== $preset: test"
   ctest --preset "$preset" --progress -j "$(nproc)" || {

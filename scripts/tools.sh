@@ -1,4 +1,6 @@
-# The Debian packages that each job needs. The other scripts source this file.
+# The other scripts source this file.
+
+# The Debian packages that each job needs.
 build_tools=(cmake ninja-build)
 windows_tools=(g++-mingw-w64-x86-64-posix wine wine64)
 native_tools=(g++)
@@ -9,3 +11,9 @@ binding_tools=(python3 python3-numpy mono-mcs mono-runtime)
 package_tools=(zip unzip pkg-config)
 lint_tools=(clang clang-format clang-tidy)
 document_tools=(doxygen)
+
+# quietly COMMAND...: runs the command. If it fails, prints its output and ends the script.
+quietly() {
+  local output
+  output=$("$@" 2>&1) || { echo "$output"; exit 1; }
+}

@@ -9,16 +9,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
   "${test_tools[@]}" valgrind
 
-programs=("$@")
-if [ ${#programs[@]} -eq 0 ]; then
-  programs=(unit_tests library_tests loading_tests fuzz_replay_tests)
-fi
+[ $# -gt 0 ] || set -- unit_tests library_tests loading_tests fuzz_replay_tests
 build=build/linux-x64-valgrind
 echo "== build"
-configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
-  -D CMAKE_CXX_FLAGS_RELEASE="-O1 -g" -D ORVANE_BUILD_HOSTS=OFF \
-  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
-cmake --build "$build" --target orvane_desktop_camera "${programs[@]}"
+quietly cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+  -D CMAKE_CXX_FLAGS_RELEASE="-O1 -g" -D ORVANE_BUILD_HOSTS=OFF -D ORVANE_BUILD_BENCHMARKS=OFF
+cmake --build "$build" --target orvane_desktop_camera "$@"
 
 # The C library's AVX2 comparison of wide texts reads whole registers: past a text's end, but never into
 # the next page. Memcheck reports that as an error. This setting switches off AVX2 in the C library only;
@@ -41,7 +37,7 @@ logs="$build/valgrind"
 rm -rf "$logs"
 mkdir -p "$logs"
 failures=0
-for program in "${programs[@]}"; do
+for program in "$@"; do
   file="$PWD/$build/tests/$program"
   "$file" --gtest_list_tests | awk '
     /^[^ ]/ { suite = $1; next }

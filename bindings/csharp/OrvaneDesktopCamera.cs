@@ -109,7 +109,7 @@ namespace Orvane.DesktopCamera
                     MaxWidth = Number(fields["maxWidth"]),
                     MaxHeight = Number(fields["maxHeight"]),
                     BitDepth = Number(fields["bitDepth"]),
-                    PixelSizeUm = Real(fields["pixelSizeUm"]),
+                    PixelSizeUm = double.Parse(fields["pixelSizeUm"].Replace("-nan", "nan"), Reals),
                     IsColor = fields["isColor"] == "true",
                     IsCooled = fields["isCooled"] == "true",
                     IsUsb3Camera = fields["isUsb3Camera"] == "true",
@@ -135,26 +135,13 @@ namespace Orvane.DesktopCamera
         private static readonly Regex Field =
             new Regex("\"([A-Za-z0-9]+)\":(\"(?:[^\"\\\\]|\\\\.)*\"|\\[[^\\]]*\\]|[^,}]*)");
 
-        private static int Number(string text)
+        // The invariant culture, except for the names of values that are no numbers.
+        private static readonly NumberFormatInfo Reals = new NumberFormatInfo
         {
-            return int.Parse(text, CultureInfo.InvariantCulture);
-        }
+            NaNSymbol = "nan", PositiveInfinitySymbol = "inf", NegativeInfinitySymbol = "-inf"
+        };
 
-        private static double Real(string text)
-        {
-            switch (text)
-            {
-                case "nan":
-                case "-nan":
-                    return double.NaN;
-                case "inf":
-                    return double.PositiveInfinity;
-                case "-inf":
-                    return double.NegativeInfinity;
-                default:
-                    return double.Parse(text, CultureInfo.InvariantCulture);
-            }
-        }
+        private static int Number(string text) => int.Parse(text, CultureInfo.InvariantCulture);
 
         private static int[] Numbers(string list)
         {
@@ -163,10 +150,8 @@ namespace Orvane.DesktopCamera
         }
 
         // The library removes control characters from names, so there are no other escapes.
-        private static string Text(string quoted)
-        {
-            return Regex.Replace(quoted.Substring(1, quoted.Length - 2), "\\\\(.)", "$1");
-        }
+        private static string Text(string quoted) =>
+            Regex.Replace(quoted.Substring(1, quoted.Length - 2), "\\\\(.)", "$1");
     }
 
     /// <summary>The result of a scan.</summary>
@@ -255,10 +240,8 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        internal static CameraException Error()
-        {
-            return new CameraException(Native.Text(Native.oc_error()));
-        }
+        internal static CameraException Error() =>
+            new CameraException(Native.Text(Native.oc_error()));
     }
 
     /// <summary>An open camera that streams, from CameraLibrary.Open. Dispose closes it.</summary>
@@ -311,10 +294,8 @@ namespace Orvane.DesktopCamera
         /// <summary>Waits for a frame, at most twice the exposure plus half a second. One such
         /// timeout is normal. After five in a row assume that the camera is lost, because an
         /// unplugged camera may cause no other error.</summary>
-        public ReadOnlySpan<byte> Read(Span<byte> buffer)
-        {
-            return Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
-        }
+        public ReadOnlySpan<byte> Read(Span<byte> buffer) =>
+            Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
 
         /// <summary>Waits for the next frame and returns the filled part of the buffer: rows without
         /// padding, from the top (ToupTek on Windows: from the bottom). Throws

@@ -16,6 +16,7 @@ Units: exposure in microseconds, temperature in degrees Celsius, gain and offset
 from __future__ import annotations
 
 import ctypes
+import dataclasses
 import enum
 import json
 import math
@@ -25,7 +26,6 @@ import sys
 import threading
 import time
 import weakref
-from dataclasses import dataclass
 from pathlib import Path
 from typing import Iterator, Optional, Union
 
@@ -65,7 +65,7 @@ class Bayer(enum.IntEnum):
     BGGR = 11
 
 
-@dataclass(frozen=True)
+@dataclasses.dataclass(frozen=True)
 class CameraInfo:
     """One camera of the last scan. The next scan makes `index` invalid."""
 
@@ -94,26 +94,16 @@ class CameraInfo:
         # mark has a backslash before it, so this matches the key only.
         text = re.sub(r'(?<!\\)"pixelSizeUm":-?nan', '"pixelSizeUm":NaN', text)
         text = re.sub(r'(?<!\\)"pixelSizeUm":(-?)inf', r'"pixelSizeUm":\1Infinity', text)
-        fields = json.loads(text)
-        return CameraInfo(
-            index=fields["id"],
-            name=fields["name"],
-            max_width=fields["maxWidth"],
-            max_height=fields["maxHeight"],
-            bit_depth=fields["bitDepth"],
-            pixel_size_um=float(fields["pixelSizeUm"]),
-            is_color=fields["isColor"],
-            is_cooled=fields["isCooled"],
-            is_usb3_camera=fields["isUsb3Camera"],
-            is_usb3_host=fields["isUsb3Host"],
-            bins=tuple(fields["bins"]),
-            formats=tuple(fields["formats"]),
-            depths=tuple(fields["depths"]),
-            max_exposure_us=fields["maxExposureUs"],
-            min_gain=fields["minGain"],
-            max_gain=fields["maxGain"],
-            bayer=Bayer(fields["bayer"]),
-        )
+        values = json.loads(text)
+        values["index"] = values["id"]
+        values["pixelSizeUm"] = float(values["pixelSizeUm"])
+        values["bayer"] = Bayer(values["bayer"])
+        arguments = {}
+        for field in dataclasses.fields(CameraInfo):
+            # max_width is the value of "maxWidth".
+            value = values[re.sub("_(.)", lambda match: match[1].upper(), field.name)]
+            arguments[field.name] = tuple(value) if isinstance(value, list) else value
+        return CameraInfo(**arguments)
 
 
 # The library has one state in this process: it allows one call at a time and one open camera.
@@ -130,6 +120,8 @@ class Library:
 
     def __init__(self, file: Union[str, os.PathLike, None] = None):
         self.file = Path(file) if file is not None else _find_library()
+        #: the failures of the last scan, or ""; not every missing camera is among them, see scan()
+        self.scan_error = ""
         try:
             self._c = ctypes.CDLL(str(self.file.absolute()))
             _declare(self._c)
@@ -149,17 +141,8 @@ class Library:
             count = self._c.oc_scan()
             if count < 0:
                 raise self._error()
-            self._scan_error = _text(self._c.oc_error())
+            self.scan_error = _text(self._c.oc_error())
             return [CameraInfo.from_json(_text(self._c.oc_info(i))) for i in range(count)]
-
-    _scan_error = ""
-
-    @property
-    def scan_error(self) -> str:
-        """The failures of the last scan, or "". They do not include every missing camera: see
-        scan().
-        """
-        return self._scan_error
 
     @property
     def libraries(self) -> list[str]:
@@ -187,7 +170,7 @@ class Library:
         types cannot hold.
         """
         global _open_camera
-        index = camera.index if isinstance(camera, CameraInfo) else _int32(camera)
+        index = camera.index if isinstance(camera, CameraInfo) else _integer(camera)
         with _one_call:
             if isinstance(camera, CameraInfo):
                 info = camera
@@ -198,13 +181,13 @@ class Library:
                 info = CameraInfo.from_json(description)
             numbers = (
                 index,
-                _int32(info.max_width if width is None else width),
-                _int32(info.max_height if height is None else height),
-                _int32(bin),
-                _int32(format),
-                _int64(exposure_us),
-                _int32(info.min_gain if gain is None else gain),
-                _int32(offset),
+                _integer(info.max_width if width is None else width),
+                _integer(info.max_height if height is None else height),
+                _integer(bin),
+                _integer(format),
+                _integer(exposure_us, bits=64),
+                _integer(info.min_gain if gain is None else gain),
+                _integer(offset),
             )
             before = _open_camera() if _open_camera is not None else None
             if before is not None:
@@ -270,7 +253,7 @@ class Camera:
         _check_buffer(buffer)
         if timeout_ms is None:
             timeout_ms = min(self._timeout_ms(), _LONGEST_CALL_MS)
-        timeout = _int32(timeout_ms)
+        timeout = _integer(timeout_ms)
         with _one_call:
             self._demand_open()
             count = self._c.oc_read(buffer.ctypes.data, min(buffer.size, _INT32_MAX), timeout)
@@ -317,7 +300,7 @@ class Camera:
 
         Raises CameraError. Values that were set before the failure stay set.
         """
-        numbers = (_int64(exposure_us), _int32(gain), _int32(offset))
+        numbers = (_integer(exposure_us, bits=64), _integer(gain), _integer(offset))
         with _one_call:
             self._demand_open()
             # The SDK may have set the exposure even if a later setting fails.
@@ -358,19 +341,11 @@ _INT32_MAX = 2**31 - 1
 _LONGEST_CALL_MS = 1000  # nothing interrupts a call, and other threads' calls wait for it
 
 
-def _int32(value: int) -> int:
-    return _integer(value, 31)
-
-
-def _int64(value: int) -> int:
-    return _integer(value, 63)
-
-
-def _integer(value: int, bits: int) -> int:
+def _integer(value: int, bits: int = 32) -> int:
     # ctypes would silently truncate a larger number.
     number = value.__index__()
-    if not -(2**bits) <= number < 2**bits:
-        raise OverflowError(f"{number} does not fit in {bits + 1} bits")
+    if not -(2 ** (bits - 1)) <= number < 2 ** (bits - 1):
+        raise OverflowError(f"{number} does not fit in {bits} bits")
     return number
 
 

@@ -29,7 +29,7 @@ LiveCommand parseLiveCommandLine(std::vector<std::string> arguments) {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
-    return LiveHelpText{app.help()};
+    return app.help();
   } catch (const CLI::ArgumentMismatch& error) {
     const std::string text = error.what();
     throw UsageError(text.substr(0, text.find(':')) + " needs one value.");

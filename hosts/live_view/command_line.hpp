@@ -9,12 +9,8 @@
 
 namespace orvane::host {
 
-/// The text of --help, shown in place of a window.
-struct LiveHelpText {
-  std::string text;
-};
-
-using LiveCommand = std::variant<LiveOptions, LiveHelpText>;
+/// What to do: open the window with these options, or show the text of --help.
+using LiveCommand = std::variant<LiveOptions, std::string>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.
 LiveCommand parseLiveCommandLine(std::vector<std::string> arguments);

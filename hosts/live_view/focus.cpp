@@ -4,14 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
+#include <functional>
 #include <vector>
 
 namespace orvane::host {
 
 namespace {
 
-constexpr int starReach = 24;       // pixels: what is wider is no star
+constexpr int starReach = 24;       // pixels: a wider object is no star
 constexpr double firstRadius = 5;   // pixels: wide enough for a sharp star
 constexpr int sharpnessReach = 96;  // pixels around the brightest object
 constexpr int cellSide = 12;        // of the reduced image: one candidate in each cell
@@ -28,7 +28,7 @@ struct Candidate {
 };
 
 // The frame's brightness, pixel by pixel. With a Bayer pattern it is the mean of 2 x 2 pixels,
-// which have every colour wherever they are.
+// because any such square has every colour.
 class Brightness {
  public:
   Brightness(std::span<const std::uint8_t> frame, const FrameLayout& layout)
@@ -45,7 +45,7 @@ class Brightness {
     return (sample(x, y) + sample(x + 1, y) + sample(x, y + 1) + sample(x + 1, y + 1)) / 4;
   }
 
-  // The pixel alone; at the frame's border the nearest one.
+  // One pixel; for a place outside the frame, the nearest pixel in it.
   double sample(int x, int y) const {
     const auto column = static_cast<std::size_t>(std::clamp(x, 0, layout_.width - 1));
     const auto row = static_cast<std::size_t>(std::clamp(y, 0, layout_.height - 1));
@@ -93,7 +93,7 @@ std::vector<Candidate> brightestOfCells(const Image& reduced) {
   return cells;
 }
 
-// False on a planet or the Moon: it is about as bright all the way to where no star reaches.
+// False on a planet or the Moon, which is about as bright beyond the reach of any star's light.
 bool mayBeStar(const Image& reduced, const Candidate& candidate, int factor, int sky) {
   const int reach = starReach / factor + 1;
   for (const int right : {-reach, 0, reach}) {
@@ -107,19 +107,6 @@ bool mayBeStar(const Image& reduced, const Candidate& candidate, int factor, int
     }
   }
   return true;
-}
-
-int medianBrightness(std::vector<Candidate> cells) {
-  const auto middle = cells.begin() + static_cast<std::ptrdiff_t>(cells.size() / 2);
-  std::nth_element(cells.begin(), middle, cells.end(), [](const Candidate& a, const Candidate& b) {
-    return a.brightness < b.brightness;
-  });
-  return middle->brightness;
-}
-
-void brightestFirst(std::vector<Candidate>& candidates) {
-  std::sort(candidates.begin(), candidates.end(),
-            [](const Candidate& a, const Candidate& b) { return a.brightness > b.brightness; });
 }
 
 Point inFrame(const Candidate& candidate, int factor) {
@@ -185,15 +172,9 @@ bool isHotPixel(const Brightness& brightness, Point centre, double sky) {
   return largest > 0.75 * all;
 }
 
-struct Light {
-  double x = 0;  // of the centre
-  double y = 0;
-  double halfFluxDiameter = 0;
-};
-
-// Of the light within a circle; the sky's share is taken away.
-std::optional<Light> lightWithin(const Brightness& brightness, const Light& start, double radius,
-                                 double sky) {
+// Centre and diameter of the light within a circle, with the sky's level subtracted.
+std::optional<Star> lightWithin(const Brightness& brightness, const Star& start, double radius,
+                                double sky) {
   double all = 0;
   double sumX = 0;
   double sumY = 0;
@@ -216,7 +197,7 @@ std::optional<Light> lightWithin(const Brightness& brightness, const Light& star
   if (all <= 0) {
     return std::nullopt;
   }
-  Light result{sumX / all, sumY / all, 0};
+  Star result{sumX / all, sumY / all, 0};
   if (std::hypot(result.x - start.x, result.y - start.y) > radius) {
     return std::nullopt;
   }
@@ -240,7 +221,7 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
       isHotPixel(brightness, peak, sky.level)) {
     return std::nullopt;
   }
-  Light light{static_cast<double>(peak.x), static_cast<double>(peak.y), 0};
+  Star light{static_cast<double>(peak.x), static_cast<double>(peak.y), 0};
   double radius = firstRadius;
   for (int round = 0; round < 6; ++round) {
     const auto next = lightWithin(brightness, light, radius, sky.level);
@@ -248,7 +229,7 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
       return std::nullopt;
     }
     light = *next;
-    // Wide enough for the star's light and no wider: farther away are noise and other stars.
+    // Just wide enough for the star's light: farther out are noise and other stars.
     radius = std::clamp(2 * light.halfFluxDiameter, firstRadius, static_cast<double>(starReach));
   }
   if (light.halfFluxDiameter > starReach * 0.9) {
@@ -290,8 +271,8 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
   if (candidates.empty()) {
     return focus;
   }
-  const int sky = medianBrightness(candidates);
-  brightestFirst(candidates);
+  std::ranges::sort(candidates, std::greater(), &Candidate::brightness);
+  const int sky = candidates[(candidates.size() - 1) / 2].brightness;  // the median
   focus.sharpness = sharpnessAround(brightness, inFrame(candidates.front(), factor));
   if (before) {
     focus.star = starAt(brightness, {static_cast<int>(before->x), static_cast<int>(before->y)},

@@ -18,11 +18,11 @@ struct Star {
 };
 
 struct Focus {
-  std::optional<Star> star;  ///< the brightest that is one; no hot pixel, nothing larger
-  double sharpness = 0;      ///< around the brightest object; more is sharper, 0 none
+  std::optional<Star> star;  ///< the brightest star; hot pixels and planets do not count
+  double sharpness = 0;      ///< around the brightest object; more is sharper
 };
 
-/// How far around a place a star is searched: pixels in each direction.
+/// How far from a place a star is searched: pixels in each direction.
 constexpr int starSearchReach = 12;
 
 /// Measures a frame. Prefers a star near `before` to the brightest one, so that the figures of

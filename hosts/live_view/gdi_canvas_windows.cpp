@@ -2,7 +2,7 @@
 #include "live_view/gdi_canvas_windows.hpp"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
 #include "live_view/window_layout.hpp"
 
@@ -19,10 +19,6 @@ struct FontKind {
 constexpr std::array<FontKind, 4> fontKinds = {
     {{13, FW_NORMAL}, {15, FW_NORMAL}, {20, FW_SEMIBOLD}, {30, FW_NORMAL}}};
 
-COLORREF colorRef(std::uint32_t color) {
-  return RGB(color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF);
-}
-
 std::wstring wideOf(const std::string& utf8) {
   const int length =
       MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
@@ -32,15 +28,6 @@ std::wstring wideOf(const std::string& utf8) {
 }
 
 }  // namespace
-
-GdiCanvas::~GdiCanvas() {
-  release();
-  for (const HFONT made : fonts_) {
-    if (made != nullptr) {
-      DeleteObject(made);
-    }
-  }
-}
 
 void GdiCanvas::resize(int width, int height, int dpi) {
   if (width == width_ && height == height_ && dpi == dpi_) {
@@ -64,13 +51,13 @@ void GdiCanvas::resize(int width, int height, int dpi) {
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
   void* bits = nullptr;
-  bitmap_ = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  if (bitmap_ == nullptr) {
+  bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!bitmap_) {
     return;
   }
   bits_ = static_cast<std::uint32_t*>(bits);
   memory_ = CreateCompatibleDC(nullptr);
-  firstBitmap_ = SelectObject(memory_, bitmap_);
+  firstBitmap_ = SelectObject(memory_, bitmap_.get());
   SetBkMode(memory_, TRANSPARENT);
 }
 
@@ -81,26 +68,18 @@ void GdiCanvas::release() {
     DeleteDC(memory_);
     memory_ = nullptr;
   }
-  if (bitmap_ != nullptr) {
-    DeleteObject(bitmap_);
-    bitmap_ = nullptr;
-  }
-  if (pen_ != nullptr) {
-    DeleteObject(pen_);
-    pen_ = nullptr;
-  }
+  bitmap_.reset();
+  pen_.reset();
   bits_ = nullptr;
 }
 
 void GdiCanvas::makeFonts() {
   for (std::size_t size = 0; size < fonts_.size(); ++size) {
-    if (fonts_.at(size) != nullptr) {
-      DeleteObject(fonts_.at(size));
-    }
     const FontKind& kind = fontKinds.at(size);
-    fonts_.at(size) = CreateFontW(-scaled(kind.height, dpi_), 0, 0, 0, kind.weight, FALSE, FALSE,
-                                  FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
-                                  ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, L"Segoe UI");
+    fonts_.at(size).reset(CreateFontW(-scaled(kind.height, dpi_), 0, 0, 0, kind.weight, FALSE,
+                                      FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                      CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
+                                      VARIABLE_PITCH | FF_SWISS, L"Segoe UI"));
   }
 }
 
@@ -115,16 +94,24 @@ ScreenTarget GdiCanvas::pixelsOf(const PixelRect& part) {
           part.height};
 }
 
-void GdiCanvas::fill(const PixelRect& rect, std::uint32_t color) {
-  const RECT area = rectOf(rect);
-  SetDCBrushColor(memory_, colorRef(color));
-  FillRect(memory_, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+COLORREF GdiCanvas::colorRef(const PaletteColor& color) const {
+  const std::uint32_t value = valueOf(color);
+  return RGB(value >> 16 & 0xFF, value >> 8 & 0xFF, value & 0xFF);
 }
 
-void GdiCanvas::outline(const PixelRect& rect, std::uint32_t color) {
-  const RECT area = rectOf(rect);
+HBRUSH GdiCanvas::brush(const PaletteColor& color) const {
   SetDCBrushColor(memory_, colorRef(color));
-  FrameRect(memory_, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+  return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+}
+
+void GdiCanvas::fill(const PixelRect& rect, const PaletteColor& color) {
+  const RECT area = rectOf(rect);
+  FillRect(memory_, &area, brush(color));
+}
+
+void GdiCanvas::outline(const PixelRect& rect, const PaletteColor& color) {
+  const RECT area = rectOf(rect);
+  FrameRect(memory_, &area, brush(color));
 }
 
 void GdiCanvas::dim(const PixelRect& rect) {
@@ -136,42 +123,42 @@ void GdiCanvas::dim(const PixelRect& rect) {
   }
 }
 
-void GdiCanvas::dot(const PixelRect& rect, std::uint32_t color) {
+void GdiCanvas::dot(const PixelRect& rect, const PaletteColor& color) {
   useLine(color);
-  SelectObject(memory_, GetStockObject(DC_BRUSH));
-  SetDCBrushColor(memory_, colorRef(color));
+  SelectObject(memory_, brush(color));
   Ellipse(memory_, rect.left, rect.top, rect.left + rect.width, rect.top + rect.height);
 }
 
-void GdiCanvas::circle(int x, int y, int radius, std::uint32_t color) {
+void GdiCanvas::circle(int x, int y, int radius, const PaletteColor& color) {
   useLine(color);
   SelectObject(memory_, GetStockObject(NULL_BRUSH));
   Ellipse(memory_, x - radius, y - radius, x + radius + 1, y + radius + 1);
 }
 
-void GdiCanvas::polyline(const std::vector<POINT>& points, std::uint32_t color) {
+void GdiCanvas::polyline(const std::vector<POINT>& points, const PaletteColor& color) {
   useLine(color);
   Polyline(memory_, points.data(), static_cast<int>(points.size()));
 }
 
 // Selects a pen; its width follows the screen's resolution.
-void GdiCanvas::useLine(std::uint32_t color) {
-  if (pen_ == nullptr || color != penColor_) {
-    HPEN pen = CreatePen(PS_SOLID, std::max(1, dpi_ / 96), colorRef(color));
-    SelectObject(memory_, pen);
-    if (pen_ != nullptr) {
-      DeleteObject(pen_);
-    }
-    pen_ = pen;
-    penColor_ = color;
+void GdiCanvas::useLine(const PaletteColor& color) {
+  if (const COLORREF value = colorRef(color); !pen_ || value != penColor_) {
+    GdiObject<HPEN> pen(CreatePen(PS_SOLID, std::max(1, dpi_ / 96), value));
+    SelectObject(memory_, pen.get());
+    pen_ = std::move(pen);
+    penColor_ = value;
   }
 }
 
+void GdiCanvas::useFont(TextSize size) const {
+  SelectObject(memory_, fonts_.at(static_cast<std::size_t>(size)).get());
+}
+
 void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,
-                     std::uint32_t color, TextAlign align) {
+                     const PaletteColor& color, TextAlign align) {
   const std::wstring wide = wideOf(utf8);
   RECT area = rectOf(rect);
-  SelectObject(memory_, font(size));
+  useFont(size);
   SetTextColor(memory_, colorRef(color));
   const UINT side = align == TextAlign::Left     ? DT_LEFT
                     : align == TextAlign::Centre ? DT_CENTER
@@ -183,7 +170,7 @@ void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize si
 int GdiCanvas::textWidth(const std::string& utf8, TextSize size) {
   const std::wstring wide = wideOf(utf8);
   SIZE extent = {};
-  SelectObject(memory_, font(size));
+  useFont(size);
   GetTextExtentPoint32W(memory_, wide.data(), static_cast<int>(wide.size()), &extent);
   return static_cast<int>(extent.cx);
 }

@@ -5,9 +5,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
+#include "live_view/palette.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 
@@ -17,14 +20,20 @@ inline RECT rectOf(const PixelRect& rect) {
   return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
 }
 
+/// Owns a bitmap, a font or a pen. It must not be selected when it is deleted.
+struct GdiDelete {
+  void operator()(HGDIOBJ object) const { DeleteObject(object); }
+};
+template <class Handle>
+using GdiObject = std::unique_ptr<std::remove_pointer_t<Handle>, GdiDelete>;
+
 enum class TextSize { Small, Normal, Title, Figure };
 enum class TextAlign { Left, Centre, Right };
 
-/// Colours are 0x00RRGGBB.
 class GdiCanvas {
  public:
   GdiCanvas() = default;
-  ~GdiCanvas();
+  ~GdiCanvas() { release(); }
   GdiCanvas(const GdiCanvas&) = delete;
   GdiCanvas& operator=(const GdiCanvas&) = delete;
 
@@ -35,25 +44,32 @@ class GdiCanvas {
   int dpi() const { return dpi_; }
   bool isEmpty() const { return bits_ == nullptr; }
 
+  /// Selects the colours of night mode for what is drawn from now on.
+  void setNight(bool isNight) { isNight_ = isNight; }
+  bool isNight() const { return isNight_; }
+  std::uint32_t valueOf(const PaletteColor& color) const {
+    return isNight_ ? color.night : color.normal;
+  }
+
   /// Copies a part to the screen.
   void show(HDC screen, const RECT& part) const;
 
   /// Direct access to the pixels of a part.
   ScreenTarget pixelsOf(const PixelRect& part);
 
-  void fill(const PixelRect& rect, std::uint32_t color);
-  void outline(const PixelRect& rect, std::uint32_t color);
+  void fill(const PixelRect& rect, const PaletteColor& color);
+  void outline(const PixelRect& rect, const PaletteColor& color);
 
   /// Darkens what has been drawn.
   void dim(const PixelRect& rect);
 
-  void dot(const PixelRect& rect, std::uint32_t color);
-  void circle(int x, int y, int radius, std::uint32_t color);
-  void polyline(const std::vector<POINT>& points, std::uint32_t color);
+  void dot(const PixelRect& rect, const PaletteColor& color);
+  void circle(int x, int y, int radius, const PaletteColor& color);
+  void polyline(const std::vector<POINT>& points, const PaletteColor& color);
 
   /// One line of text, vertically centred. Text that is too long ends in an ellipsis.
-  void text(const PixelRect& rect, const std::string& utf8, TextSize size, std::uint32_t color,
-            TextAlign align = TextAlign::Left);
+  void text(const PixelRect& rect, const std::string& utf8, TextSize size,
+            const PaletteColor& color, TextAlign align = TextAlign::Left);
 
   /// How wide the text is, in pixels.
   int textWidth(const std::string& utf8, TextSize size);
@@ -61,16 +77,19 @@ class GdiCanvas {
  private:
   void release();
   void makeFonts();
-  void useLine(std::uint32_t color);
-  HFONT font(TextSize size) const { return fonts_.at(static_cast<std::size_t>(size)); }
+  COLORREF colorRef(const PaletteColor& color) const;
+  HBRUSH brush(const PaletteColor& color) const;
+  void useLine(const PaletteColor& color);
+  void useFont(TextSize size) const;
 
   HDC memory_ = nullptr;
-  HBITMAP bitmap_ = nullptr;
+  GdiObject<HBITMAP> bitmap_;
   HGDIOBJ firstBitmap_ = nullptr;
   std::uint32_t* bits_ = nullptr;
-  std::array<HFONT, 4> fonts_{};
-  HPEN pen_ = nullptr;  // of the last colour used
-  std::uint32_t penColor_ = 0;
+  std::array<GdiObject<HFONT>, 4> fonts_;
+  GdiObject<HPEN> pen_;  // of the last colour used
+  COLORREF penColor_ = 0;
+  bool isNight_ = false;
   int width_ = 0;
   int height_ = 0;
   int dpi_ = 0;

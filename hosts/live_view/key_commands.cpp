@@ -1,4 +1,4 @@
-// The keys' commands, and the help about them.
+// Which command each key gives, and the help about the keys.
 #include "live_view/key_commands.hpp"
 
 #include <algorithm>

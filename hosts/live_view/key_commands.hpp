@@ -1,4 +1,4 @@
-// The keys' commands, and the help about them.
+// Which command each key gives, and the help about the keys.
 #pragma once
 
 #include <span>
@@ -6,7 +6,7 @@
 
 namespace orvane::host {
 
-/// Everything that a key or a button asks for.
+/// The commands of keys and buttons.
 enum class ViewCommand {
   None,
   LongerExposure,
@@ -58,7 +58,7 @@ constexpr int plus = 0xBB;
 constexpr int minus = 0xBD;
 }  // namespace keys
 
-/// What the key asks for, or None.
+/// The key's command, or None.
 ViewCommand commandOfKey(const KeyPress& press);
 
 /// One line of the help.

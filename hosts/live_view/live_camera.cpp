@@ -1,4 +1,4 @@
-// The thread that waits for the camera where the window must not, and what others may ask of it.
+// Runs a live session on a thread of its own, so that the window never waits for the camera.
 #include "live_view/live_camera.hpp"
 
 #include <utility>
@@ -9,10 +9,10 @@ namespace orvane::host {
 
 namespace {
 
-// No screen needs more pictures, and each costs time to draw.
+// More pictures would not be noticed, and each takes time to draw.
 constexpr std::chrono::milliseconds betweenFrames{25};
 
-// How often numbers are brought up to date.
+// How often the numbers in the window are updated.
 constexpr std::chrono::milliseconds betweenStates{200};
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The thread that waits for the camera where the window must not, and what others may ask of it.
+// Runs a live session on a thread of its own, so that the window never waits for the camera.
 #pragma once
 
 #include <chrono>
@@ -28,10 +28,10 @@ class LiveCamera {
   /// Leaves a request for the thread.
   void send(const LiveRequest& request);
 
-  /// Takes the newest frame; false when there has been none since the last call.
-  bool takeFrame(LiveFrame& frame) { return session_.takeFrame(frame); }
+  /// Takes the newest frame; empty when there has been none since the last call.
+  oc::Frame takeFrame() { return session_.takeFrame(); }
 
-  /// The state as it was a moment ago.
+  /// The state that the thread published last.
   std::shared_ptr<const LiveState> state() const;
 
  private:
@@ -43,7 +43,7 @@ class LiveCamera {
   std::vector<LiveRequest> takeRequests();
 
   std::function<void()> onNews_;
-  Clock::time_point told_;  // of the capture thread
+  Clock::time_point told_;  // used only on the capture thread
   mutable std::mutex mutex_;
   std::condition_variable wake_;
   std::vector<LiveRequest> requests_;

@@ -11,14 +11,14 @@ namespace orvane::host {
 
 namespace {
 
-// Often enough to turn a focuser by it.
+// Often enough for turning a focuser while watching the figure.
 constexpr std::chrono::milliseconds betweenMeasurements{200};
 
 // The reduced image for measuring is as large as a usual window.
 constexpr int measuredWidth = 960;
 constexpr int measuredHeight = 640;
 
-// The weight of a new stretch against the one before; it keeps noise from making the picture
+// The weight of a new stretch against the one before, so that noise does not make the picture
 // flicker.
 constexpr double newPart = 0.4;
 

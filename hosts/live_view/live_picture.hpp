@@ -4,16 +4,27 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
+#include "imaging/frame_layout.hpp"
 #include "imaging/statistics.hpp"
 #include "live_view/focus.hpp"
-#include "live_view/live_frame.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 
 namespace orvane::host {
+
+/// A frame as the camera delivered it.
+struct LiveFrame {
+  FrameLayout layout;
+  int bitDepth = 8;           ///< of the camera's converter
+  std::uint64_t opening = 0;  ///< CaptureState::opening; frames of one opening belong together
+  std::span<const std::uint8_t> bytes;
+  std::shared_ptr<const void> owner;  ///< of the bytes
+};
 
 /// The part of the frame that is on the screen, and its place.
 struct PictureView {

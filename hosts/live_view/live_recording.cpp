@@ -72,7 +72,7 @@ void LiveRecording::close() {
   try {
     recorder_.requireSuccess();
   } catch (const oc::Error&) {
-    // The camera's failure is told where it is noticed.
+    // LiveSession reports a lost camera.
   }
 }
 

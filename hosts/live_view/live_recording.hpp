@@ -19,7 +19,7 @@ std::string recordingName(const std::tm& localTime, const std::string& camera);
 /// A path in this directory that no file has: the name itself, or with "_2", "_3" and so on.
 std::filesystem::path unusedPath(const std::filesystem::path& directory, const std::string& name);
 
-/// How far a recording is.
+/// The progress of a recording.
 struct RecordingProgress {
   std::string file;         ///< its name, UTF-8
   std::int64_t frames = 0;  ///< in the file
@@ -28,10 +28,10 @@ struct RecordingProgress {
   std::int64_t droppedFrames = 0;  ///< the disk was too slow for them
 };
 
-/// "3 frames in "NAME"." and how many were dropped, if any.
+/// "3 frames in "NAME".", and how many were dropped, if any.
 std::string contentText(const RecordingProgress& recording);
 
-/// A camera's frames on their way into a SER file in a directory.
+/// Records a camera's frames into a new SER file in a directory.
 class LiveRecording {
  public:
   /// Takes frames from the queue as SerRecorder does. Throws std::runtime_error with a sentence
@@ -39,11 +39,11 @@ class LiveRecording {
   LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
                 const FrameLayout& layout, oc::FrameQueue frames);
 
-  /// True when it has ended by itself: the camera is lost or writing has failed.
+  /// True when it has ended without close(): the camera is lost or writing has failed.
   bool hasEnded() { return recorder_.waitForEnd(std::chrono::milliseconds(0)); }
 
-  /// Writes what waits and finishes the file. Throws what has failed but a lost camera, which is
-  /// not the recording's failure.
+  /// Writes the frames that wait and finishes the file. Throws if writing failed; a lost camera is
+  /// no failure of the recording.
   void close();
 
   RecordingProgress progress() const;

@@ -6,7 +6,7 @@
 #include <exception>
 #include <utility>
 
-#include "live_view/control_steps.hpp"
+#include "live_view/live_controls.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
 #include "session/sdk_directory.hpp"
@@ -17,37 +17,30 @@ namespace orvane::host {
 
 namespace {
 
-// For frames that wait to be written.
+// The memory for frames that wait to be written.
 constexpr std::int64_t waitingBytes = 256'000'000;
 
 constexpr std::int64_t usualExposureUs = 20000;
 constexpr int usualOffset = 10;
 
 oc::Settings usualSettings(const oc::CameraInfo& camera) {
-  oc::Settings settings;
-  settings.width = camera.maxWidth;
-  settings.height = camera.maxHeight;
-  settings.bin = camera.bins.empty() ? 1 : camera.bins.front();
-  settings.format = camera.formats.empty() ? PixelFormat::Raw8 : camera.formats.front();
-  settings.exposureUs = usualExposureUs;
-  if (hasLongestExposure(camera)) {
-    settings.exposureUs = std::min(settings.exposureUs, camera.maxExposureUs);
-  }
-  settings.gain = usualGain(camera);
-  settings.offset = usualOffset;
-  return settings;
+  return {.width = camera.maxWidth,
+          .height = camera.maxHeight,
+          .bin = camera.bins.empty() ? 1 : camera.bins.front(),
+          .format = camera.formats.empty() ? PixelFormat::Raw8 : camera.formats.front(),
+          .exposureUs = std::min(usualExposureUs, longestExposureOf(camera)),
+          .gain = usualGain(camera),
+          .offset = usualOffset};
 }
 
 oc::CaptureOptions captureOptions(std::function<void()> onNews) {
-  oc::CaptureOptions options;
-  // Short, so that a key is not kept waiting by a long exposure.
-  options.longestCall = std::chrono::milliseconds(50);
-  options.silentWaits = 0;  // the user sees the silence and decides
-  options.onNews = std::move(onNews);
-  return options;
+  return {// Short, so that a key is not kept waiting by a long exposure.
+          .longestCall = std::chrono::milliseconds(50),
+          .silentWaits = 0,  // the user sees the silence and decides
+          .onNews = std::move(onNews)};
 }
 
-// The one after `now`, and after the last the first.
+// The value after `now`; the first value follows the last.
 template <class Value>
 Value nextOf(const std::vector<Value>& values, Value now) {
   const auto found = std::find(values.begin(), values.end(), now);
@@ -80,36 +73,25 @@ void LiveSession::run(const LiveRequest& request) {
   }
 }
 
-bool LiveSession::takeFrame(LiveFrame& frame) {
+oc::Frame LiveSession::takeFrame() {
   try {
-    if (oc::Frame newest = capture_.next(std::chrono::milliseconds(0))) {
-      frame = liveFrame(std::move(newest));
-      return true;
-    }
+    return capture_.next(std::chrono::milliseconds(0));
   } catch (const oc::Error&) {
-    // The camera is lost; state() tells.
+    return {};  // the camera is lost; state() tells
   }
-  return false;
 }
 
 const LiveState& LiveSession::state() {
-  // In this order: a recording that ended because the camera was lost is noticed with the camera.
+  // Read first: if the camera's loss ended the recording, both are reported in one notice.
   const bool hasRecordingEnded = recording_ && recording_->hasEnded();
-  const oc::CaptureState now = capture_.state();
+  oc::CaptureState now = capture_.state();
   if (isStreaming()) {
     noticeFailures(now);
   }
   if (hasRecordingEnded && recording_) {
     endRecording();
   }
-  state_.opening = now.opening;
-  state_.settled = now.refusals;
-  state_.settings = now.settings;
-  state_.layout = now.layout;
-  state_.frames = now.frames;
-  state_.framesPerSecond = now.framesPerSecond;
-  state_.temperature = now.temperature.value_or(std::numeric_limits<double>::quiet_NaN());
-  state_.silentSeconds = std::chrono::duration<double>(now.silence).count();
+  state_.capture = std::move(now);
   state_.recording.reset();
   if (recording_) {
     state_.recording = recording_->progress();
@@ -128,29 +110,20 @@ void LiveSession::execute(const RescanRequest&) {
   }
   capture_.close().get();
   scan();
-  if (state_.cameraName.empty()) {
+  if (state_.cameraName().empty()) {
     openFirst();
     return;
   }
-  const std::optional<std::size_t> position = positionOfBefore();
-  if (!position) {
+  const auto again = oc::findAgain(state_.cameras, state_.capture.camera);
+  if (!again) {
     state_.phase = LivePhase::Lost;
-    say(NoticeKind::Warning, state_.cameraName + " is not there; plug it in and press F5. Found: " +
+    say(NoticeKind::Warning, state_.cameraName() +
+                                 " is not there; plug it in and press F5. Found: " +
                                  numberOf(state_.cameras.size(), "camera") + ".");
     return;
   }
-  open(*position, wanted_);
-}
-
-// Where the camera that was open is now.
-std::optional<std::size_t> LiveSession::positionOfBefore() const {
-  const auto again = oc::findAgain(state_.cameras, capture_.state().camera);
-  for (std::size_t position = 0; again && position < state_.cameras.size(); ++position) {
-    if (state_.cameras[position].index == again->index) {
-      return position;
-    }
-  }
-  return std::nullopt;
+  const auto found = std::ranges::find(state_.cameras, again->index, &oc::CameraInfo::index);
+  open(static_cast<std::size_t>(found - state_.cameras.begin()), wanted_);
 }
 
 void LiveSession::execute(const ChooseRequest& request) {
@@ -188,8 +161,8 @@ void LiveSession::execute(const ToggleRecordingRequest&) {
   } else if (!isStreaming()) {
     say(NoticeKind::Warning, "There is no camera to record from.");
   } else {
-    const std::size_t capacity = recordingCapacity(waitingBytes, capture_.state().bufferSize);
-    recording_.emplace(options_.recordings, *state_.camera(), state_.layout,
+    const std::size_t capacity = recordingCapacity(waitingBytes, state_.capture.bufferSize);
+    recording_.emplace(options_.recordings, *state_.camera(), state_.capture.layout,
                        capture_.frames(oc::Delivery::Every, capacity));
     say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
                                      inQuotes(utf8FromPath(options_.recordings)) + ".");
@@ -230,7 +203,7 @@ void LiveSession::scan() {
 
 void LiveSession::openFirst() {
   if (state_.cameras.empty()) {
-    return;  // the scan has said so
+    return;  // scan() has reported it
   }
   if (options_.camera.empty()) {
     if (state_.cameras.size() == 1) {
@@ -248,42 +221,42 @@ void LiveSession::openFirst() {
 
 void LiveSession::open(std::size_t position, const oc::Settings& settings) {
   state_.chosen = position;
-  state_.cameraName = state_.cameras[position].name;
+  state_.capture.camera = state_.cameras[position];
   finishOpening(capture_.open(state_.cameras[position], settings));
 }
 
-// The same camera with other settings; with those of before where it refuses them.
+// Opens the same camera with the wanted settings. If it refuses them, it keeps those of before.
 void LiveSession::reopen() {
   finishOpening(capture_.reopen(wanted_));
 }
 
 void LiveSession::finishOpening(std::future<void> opening) {
   state_.phase = LivePhase::Streaming;
-  state_.settled = 0;
-  failuresTold_ = 0;
+  // The counts began anew, and no change of them has been reported.
+  state_.capture.refusals = 0;
+  state_.capture.failedReads = 0;
   try {
     opening.get();
-    say(NoticeKind::Information, state_.cameraName + " is streaming.");
+    say(NoticeKind::Information, state_.cameraName() + " is streaming.");
   } catch (const std::exception& error) {
     if (capture_.state().phase == oc::Phase::Lost) {
       state_.phase = LivePhase::Lost;
     }
-    say(NoticeKind::Error, state_.cameraName + " cannot be opened: " + error.what() + ".");
+    say(NoticeKind::Error, state_.cameraName() + " cannot be opened: " + error.what() + ".");
   }
   wanted_ = capture_.state().settings;
 }
 
 void LiveSession::noticeFailures(const oc::CaptureState& now) {
-  if (now.refusals != state_.settled) {
+  if (now.refusals != state_.capture.refusals) {
     wanted_ = now.settings;
     say(NoticeKind::Error, "The camera refused the setting: " + now.refusal + ".");
   }
   if (now.phase == oc::Phase::Lost) {
     cameraIsLost(now.text);
-  } else if (now.failedReads != failuresTold_) {
-    say(NoticeKind::Warning, state_.cameraName + ": " + now.text + ".");
+  } else if (now.failedReads != state_.capture.failedReads) {
+    say(NoticeKind::Warning, state_.cameraName() + ": " + now.text + ".");
   }
-  failuresTold_ = now.failedReads;
 }
 
 void LiveSession::cameraIsLost(const std::string& text) {
@@ -291,7 +264,7 @@ void LiveSession::cameraIsLost(const std::string& text) {
   const bool wasRecording = recording_.has_value();
   endRecording();
   const std::string saved = wasRecording ? " " + state_.notice.text : "";
-  say(NoticeKind::Error, state_.cameraName + " does not answer (" + text +
+  say(NoticeKind::Error, state_.cameraName() + " does not answer (" + text +
                              "). Check its cable, then press F5." + saved);
 }
 

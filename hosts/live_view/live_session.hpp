@@ -6,14 +6,12 @@
 #include <filesystem>
 #include <functional>
 #include <future>
-#include <limits>
 #include <optional>
 #include <orvane_desktop_camera.hpp>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "live_view/live_frame.hpp"
 #include "live_view/live_recording.hpp"
 
 namespace orvane::host {
@@ -60,24 +58,17 @@ struct LiveState {
   LivePhase phase = LivePhase::Searching;
   std::vector<oc::CameraInfo> cameras;
   std::optional<std::size_t> chosen;  ///< position of the camera that is, or was last, open
-  std::string cameraName;             ///< its name, which stays when a scan does not find it again
-  oc::Settings settings;              ///< in force
-  FrameLayout layout;
-  std::uint64_t opening = 0;  ///< counts how often a camera was opened
-  std::uint64_t settled = 0;  ///< counts how often the camera refused settings
-  std::uint64_t frames = 0;   ///< since the opening
-  double framesPerSecond = 0;
-  double temperature = std::numeric_limits<double>::quiet_NaN();  ///< degrees Celsius
-  double silentSeconds = 0;  ///< since the last frame, or since the opening
+  oc::CaptureState capture;           ///< its camera stays when a scan does not find it again
   Notice notice;
   std::optional<RecordingProgress> recording;
 
   /// The camera that is, or was last, open.
   const oc::CameraInfo* camera() const { return chosen ? &cameras[*chosen] : nullptr; }
+  const std::string& cameraName() const { return capture.camera.name; }
 };
 
-/// Every member but takeFrame() is called on the same thread. Those that scan, open or end a
-/// recording wait for that.
+/// Every member but takeFrame() is called on the same thread. Scanning, opening and ending a
+/// recording block until they are done.
 class LiveSession {
  public:
   /// `onNews` is called on the capture thread as CaptureOptions::onNews says.
@@ -92,10 +83,10 @@ class LiveSession {
   /// True while a camera streams, as far as state() has noticed.
   bool isStreaming() const { return state_.phase == LivePhase::Streaming; }
 
-  /// Takes the newest frame; false when there has been none since the last call. From any thread.
-  bool takeFrame(LiveFrame& frame);
+  /// Takes the newest frame; empty when there has been none since the last call. From any thread.
+  oc::Frame takeFrame();
 
-  /// Brought up to date, with notices of what has happened in between.
+  /// The state now, with notices of what has happened since the last call.
   const LiveState& state();
 
   /// Ends a recording and closes the camera.
@@ -112,7 +103,6 @@ class LiveSession {
   bool mayReopen();
   void scan();
   void openFirst();
-  std::optional<std::size_t> positionOfBefore() const;
   void open(std::size_t position, const oc::Settings& settings);
   void reopen();
   void finishOpening(std::future<void> opening);
@@ -124,7 +114,6 @@ class LiveSession {
   LiveOptions options_;
   LiveState state_;
   oc::Settings wanted_;  // the camera may not have them yet
-  std::uint64_t failuresTold_ = 0;
   oc::CaptureThread capture_;
   std::optional<LiveRecording> recording_;
 };

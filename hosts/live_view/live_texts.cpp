@@ -2,7 +2,7 @@
 #include "live_view/live_texts.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 
 #include "system/text.hpp"
 
@@ -42,14 +42,14 @@ std::string formatText(const LiveState& state) {
   if (state.phase != LivePhase::Streaming) {
     return "";
   }
-  const std::string bayer = bayerName(state.layout.bayer);
-  return sizeText(state.layout.width, state.layout.height) + "   " +
-         (bayer.empty() ? "" : bayer + "   ") + formatName(state.layout.format) + "   bin " +
-         std::to_string(state.settings.bin);
+  const FrameLayout& layout = state.capture.layout;
+  const std::string bayer = bayerName(layout.bayer);
+  return sizeText(layout.width, layout.height) + "   " + (bayer.empty() ? "" : bayer + "   ") +
+         formatName(layout.format) + "   bin " + std::to_string(state.capture.settings.bin);
 }
 
-std::string temperatureText(double celsius) {
-  return celsius > -150 && celsius < 150 ? decimal(celsius, 1) + " \u00b0C" : unknownText;
+std::string temperatureText(std::optional<double> celsius) {
+  return celsius ? decimal(*celsius, 1) + " \u00b0C" : unknownText;
 }
 
 std::string rateText(double framesPerSecond) {
@@ -108,14 +108,15 @@ std::string emptyPictureText(const LiveState& state) {
     case LivePhase::Streaming:
       break;
   }
-  return state.frames == 0 ? "Waiting for the first frame\u2026" : "";
+  return state.capture.frames == 0 ? "Waiting for the first frame\u2026" : "";
 }
 
 Notice statusLine(const LiveState& state) {
-  const double usualWait = 2 * static_cast<double>(state.settings.exposureUs) / 1e6 + 0.5;
+  const oc::CaptureState& now = state.capture;
   if (state.phase == LivePhase::Streaming && state.notice.kind == NoticeKind::Information &&
-      state.silentSeconds > usualWait + 1) {
-    return {NoticeKind::Warning, "No frame for " + decimal(state.silentSeconds, 0) +
+      now.silence > oc::usualWait(now.settings.exposureUs) + std::chrono::seconds(1)) {
+    const double seconds = std::chrono::duration<double>(now.silence).count();
+    return {NoticeKind::Warning, "No frame for " + decimal(seconds, 0) +
                                      " s. If none comes, check the cable and press F5."};
   }
   return state.notice;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "imaging/statistics.hpp"
@@ -19,10 +20,10 @@ std::string exposureText(std::int64_t exposureUs);
 /// "1280 \u00d7 960   GRBG   raw8   bin 1"; "" when nothing streams.
 std::string formatText(const LiveState& state);
 
-/// "12.5 \u00b0C". Some SDKs return an error number if they have no temperature.
-std::string temperatureText(double celsius);
+/// "12.5 \u00b0C".
+std::string temperatureText(std::optional<double> celsius);
 
-/// "30.1 per second", or the time between two frames for slow ones.
+/// "30.1 / s", or "1 in 10.0 s" for less than one frame a second.
 std::string rateText(double framesPerSecond);
 
 /// "min 12   mean 340   max 4095".
@@ -46,7 +47,7 @@ std::string emptyPictureText(const LiveState& state);
 /// The status line: the notice, or that a frame is overdue.
 Notice statusLine(const LiveState& state);
 
-/// "2  ZWO ASI294MC Pro" and what the camera is, for the list of cameras.
+/// "1920 \u00d7 1080   12 bit   BGGR   cooled", for the list of cameras.
 std::string cameraDetails(const oc::CameraInfo& camera);
 
 }  // namespace orvane::host

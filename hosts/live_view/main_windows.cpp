@@ -1,4 +1,4 @@
-// live_view: shows a camera's picture live. The program's start, and the messages of its failures.
+// live_view, which shows a camera's picture live: the start of the program, and its error messages.
 #include <windows.h>
 
 #include <exception>
@@ -31,12 +31,11 @@ int report(const std::exception& error, int status) {
 
 int run() {
   try {
-    LiveCommand command = parseLiveCommandLine(commandLineArguments(0, nullptr));
-    if (const auto* help = std::get_if<LiveHelpText>(&command)) {
-      tell(help->text, MB_ICONINFORMATION);
+    const LiveCommand command = parseLiveCommandLine(commandLineArguments(0, nullptr));
+    if (const auto* help = std::get_if<std::string>(&command)) {
+      tell(*help, MB_ICONINFORMATION);
     } else {
-      LiveWindow window(std::get<LiveOptions>(command));
-      window.run();
+      runLiveWindow(std::get<LiveOptions>(command));
     }
     return done;
   } catch (const UsageError& error) {

@@ -13,95 +13,102 @@ namespace orvane::host {
 
 namespace {
 
-// One drawing of the panel.
+PaletteColor colorOf(NoticeKind kind) {
+  switch (kind) {
+    case NoticeKind::Warning:
+      return palette::warning;
+    case NoticeKind::Error:
+      return palette::error;
+    case NoticeKind::Information:
+      break;
+  }
+  return palette::text;
+}
+
+// One drawing of the panel and the status line.
 class PanelDrawing {
  public:
-  PanelDrawing(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-               const PanelContent& content)
-      : canvas_(canvas), layout_(layout), palette_(palette), content_(content) {}
+  PanelDrawing(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content)
+      : canvas_(canvas), layout_(layout), content_(content) {}
 
   void draw() {
-    canvas_.fill(layout_.panel, palette_.panel);
+    canvas_.fill(layout_.panel, palette::panel);
     canvas_.fill({layout_.panel.left, layout_.panel.top, at(1), layout_.panel.height},
-                 palette_.line);
+                 palette::line);
     drawCamera();
     drawSliders();
     drawHistogram();
     drawFocus();
     drawFacts();
     drawRecordButton();
+    drawStatusLine();
   }
 
  private:
   int at(int length) const { return scaled(length, canvas_.dpi()); }
 
   void captioned(const PixelRect& rect, const std::string& caption, const std::string& value) {
-    canvas_.text(rect, caption, TextSize::Normal, palette_.quietText);
-    canvas_.text(rect, value, TextSize::Normal, palette_.text, TextAlign::Right);
+    canvas_.text(rect, caption, TextSize::Normal, palette::quietText);
+    canvas_.text(rect, value, TextSize::Normal, palette::text, TextAlign::Right);
   }
 
   void drawCamera() {
-    const bool isLive = content_.state.phase == LivePhase::Streaming;
-    const std::string& name = content_.state.cameraName;
+    const std::string& name = content_.state.cameraName();
     canvas_.text(layout_.cameraName, name.empty() ? "No camera" : name, TextSize::Title,
-                 isLive ? palette_.text : palette_.quietText);
+                 isLive() ? palette::text : palette::quietText);
     canvas_.text(layout_.cameraFormat, formatText(content_.state), TextSize::Small,
-                 palette_.quietText);
+                 palette::quietText);
   }
 
   void drawSliders() {
-    const bool isLive = content_.state.phase == LivePhase::Streaming;
     const ControlsRequest& now = content_.controls;
-    drawSlider(layout_.exposure, SliderKind::Exposure, "Exposure",
-               isLive ? exposureText(now.exposureUs) : unknownText);
-    drawSlider(layout_.gain, SliderKind::Gain, "Gain",
-               isLive ? std::to_string(now.gain) : unknownText);
-    drawSlider(layout_.offset, SliderKind::Offset, "Offset",
-               isLive ? std::to_string(now.offset) : unknownText);
+    drawSlider(SliderKind::Exposure, "Exposure", exposureText(now.exposureUs));
+    drawSlider(SliderKind::Gain, "Gain", std::to_string(now.gain));
+    drawSlider(SliderKind::Offset, "Offset", std::to_string(now.offset));
   }
 
-  void drawSlider(const SliderPlace& place, SliderKind kind, const std::string& caption,
-                  const std::string& value) {
-    captioned(place.caption, caption, value);
+  void drawSlider(SliderKind kind, const std::string& caption, const std::string& value) {
+    const SliderPlace& place = layout_.sliders.at(static_cast<std::size_t>(kind));
+    captioned(place.caption, caption, isLive() ? value : unknownText);
     const int height = at(4);
     const int top = place.track.top + (place.track.height - height) / 2;
     const PixelRect track{place.track.left, top, place.track.width, height};
-    canvas_.fill(track, palette_.raised);
-    if (content_.state.phase != LivePhase::Streaming) {
+    canvas_.fill(track, palette::raised);
+    if (!isLive()) {
       return;
     }
     const double part = placeOf(kind, content_.controls, *content_.state.camera());
     const int knobWidth = at(8);
     const int way = static_cast<int>(std::lround(part * (track.width - knobWidth)));
-    canvas_.fill({track.left, track.top, way, height}, palette_.accent);
+    canvas_.fill({track.left, track.top, way, height}, palette::accent);
     const int knobHeight = at(16);
     canvas_.fill({track.left + way, place.track.top + (place.track.height - knobHeight) / 2,
                   knobWidth, knobHeight},
-                 palette_.accent);
+                 palette::accent);
   }
 
   void drawHistogram() {
-    const Histogram& histogram = content_.measurements.histogram;
+    const Histogram& histogram = content_.picture.measurements().histogram;
     const PixelRect& plot = layout_.histogram;
     captioned(layout_.histogramCaption, "Histogram",
               isMeasured() ? saturationText(histogram.saturated) : "");
-    canvas_.fill(plot, palette_.raised);
+    canvas_.fill(plot, palette::raised);
     if (!isMeasured()) {
       return;
     }
     if (histogram.channels == 1) {
-      drawCurve(histogram.channel[0], palette_.greyCurve);
+      drawCurve(histogram.channel[0], palette::greyCurve);
     } else {
-      drawCurve(histogram.channel[0], palette_.redCurve);
-      drawCurve(histogram.channel[2], palette_.blueCurve);
-      drawCurve(histogram.channel[1], palette_.greenCurve);
+      drawCurve(histogram.channel[0], palette::redCurve);
+      drawCurve(histogram.channel[2], palette::blueCurve);
+      drawCurve(histogram.channel[1], palette::greenCurve);
     }
     canvas_.text(layout_.histogramNumbers, histogramText(histogram), TextSize::Small,
-                 palette_.quietText);
+                 palette::quietText);
   }
 
   // Heights are logarithms, so that a few bright pixels can be seen beside a dark sky.
-  void drawCurve(const ChannelHistogram& channel, std::uint32_t color) {
+  void drawCurve(const ChannelHistogram& channel, const PaletteColor& color) {
     const PixelRect& plot = layout_.histogram;
     const std::uint32_t most = *std::max_element(channel.bins.begin(), channel.bins.end());
     const double highest = std::log1p(static_cast<double>(most));
@@ -126,27 +133,27 @@ class PanelDrawing {
   }
 
   void drawFocus() {
-    const Focus& focus = content_.measurements.focus;
+    const Focus& focus = content_.picture.measurements().focus;
     captioned(layout_.focusCaption, "Focus", "");
     if (!isMeasured()) {
-      canvas_.fill(layout_.focusTrend, palette_.raised);
+      canvas_.fill(layout_.focusTrend, palette::raised);
       return;
     }
-    canvas_.text(layout_.focusCaption, focusCaption(focus), TextSize::Small, palette_.quietText,
+    canvas_.text(layout_.focusCaption, focusCaption(focus), TextSize::Small, palette::quietText,
                  TextAlign::Right);
-    canvas_.text(layout_.focusFigure, focusText(focus), TextSize::Figure, palette_.text);
-    if (content_.measurements.leastDiameter) {
+    canvas_.text(layout_.focusFigure, focusText(focus), TextSize::Figure, palette::text);
+    if (content_.picture.measurements().leastDiameter) {
       canvas_.text(layout_.focusFigure,
-                   "best " + decimal(*content_.measurements.leastDiameter, 2) + " px",
-                   TextSize::Normal, palette_.quietText, TextAlign::Right);
+                   "best " + decimal(*content_.picture.measurements().leastDiameter, 2) + " px",
+                   TextSize::Normal, palette::quietText, TextAlign::Right);
     }
     drawTrend();
   }
 
   void drawTrend() {
     const PixelRect& plot = layout_.focusTrend;
-    canvas_.fill(plot, palette_.raised);
-    const std::deque<double>& diameters = content_.measurements.diameters;
+    canvas_.fill(plot, palette::raised);
+    const std::deque<double>& diameters = content_.picture.measurements().diameters;
     if (diameters.size() < 2) {
       return;
     }
@@ -162,18 +169,17 @@ class PanelDrawing {
                         plot.top + plot.height - at(3) -
                             static_cast<LONG>(std::lround(diameters[index] * scale))});
     }
-    canvas_.polyline(points, palette_.accent);
+    canvas_.polyline(points, palette::accent);
   }
 
   void drawFacts() {
     const LiveState& state = content_.state;
     const std::pair<const char*, std::string> facts[] = {
-        {"Frame rate", rateText(state.framesPerSecond)},
-        {"Temperature", temperatureText(state.temperature)},
-        {"Frames", state.phase == LivePhase::Streaming ? std::to_string(state.frames)
-                                                       : std::string(unknownText)},
-        {"Picture", std::string(content_.isStretched ? "brightened" : "as it is") +
-                        (content_.isPixelByPixel ? ", 1:1" : ", whole")},
+        {"Frame rate", rateText(state.capture.framesPerSecond)},
+        {"Temperature", temperatureText(state.capture.temperature)},
+        {"Frames", isLive() ? std::to_string(state.capture.frames) : unknownText},
+        {"Picture", std::string(content_.picture.isStretched() ? "brightened" : "as it is") +
+                        (content_.picture.isPixelByPixel() ? ", 1:1" : ", whole")},
     };
     const int height = at(21);
     PixelRect line{layout_.facts.left, layout_.facts.top, layout_.facts.width, height};
@@ -189,83 +195,64 @@ class PanelDrawing {
   void drawRecordButton() {
     const PixelRect& button = layout_.record;
     const auto& recording = content_.state.recording;
-    const bool canRecord = content_.state.phase == LivePhase::Streaming;
-    canvas_.fill(button, palette_.raised);
-    canvas_.outline(button, recording ? palette_.recording : palette_.line);
+    canvas_.fill(button, palette::raised);
+    canvas_.outline(button, recording ? palette::recording : palette::line);
     const int side = at(12);
     const PixelRect sign{button.left + at(14), button.top + (button.height - side) / 2, side, side};
     const PixelRect label{sign.left + side + at(12), button.top,
                           button.width - at(14) - side - at(24), button.height};
     if (recording) {
-      canvas_.fill(sign, palette_.recording);
-      canvas_.text(label, recordingText(*recording), TextSize::Normal, palette_.text);
+      canvas_.fill(sign, palette::recording);
+      canvas_.text(label, recordingText(*recording), TextSize::Normal, palette::text);
     } else {
-      canvas_.dot(sign, canRecord ? palette_.recording : palette_.line);
+      canvas_.dot(sign, isLive() ? palette::recording : palette::line);
       canvas_.text(label, "Record", TextSize::Normal,
-                   canRecord ? palette_.text : palette_.quietText);
+                   isLive() ? palette::text : palette::quietText);
     }
-    canvas_.text(label, "R", TextSize::Small, palette_.quietText, TextAlign::Right);
+    canvas_.text(label, "R", TextSize::Small, palette::quietText, TextAlign::Right);
   }
 
-  bool isMeasured() const {
-    return content_.state.phase == LivePhase::Streaming && content_.measurements.areThere;
+  void drawStatusLine() {
+    const PixelRect& line = layout_.status;
+    const int margin = at(16);
+    canvas_.fill(line, palette::panel);
+    canvas_.fill({line.left, line.top, line.width, at(1)}, palette::line);
+    const std::string keys = "F1  keys";
+    const int keysWidth = canvas_.textWidth(keys, TextSize::Small);
+    const Notice notice = statusLine(content_.state);
+    canvas_.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
+                 notice.text, TextSize::Normal, colorOf(notice.kind));
+    canvas_.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
+                 palette::quietText, TextAlign::Right);
   }
+
+  bool isLive() const { return content_.state.phase == LivePhase::Streaming; }
+  bool isMeasured() const { return isLive() && content_.picture.measurements().areThere; }
 
   GdiCanvas& canvas_;
   const WindowLayout& layout_;
-  const Palette& palette_;
   const PanelContent& content_;
 };
 
-std::uint32_t colorOf(NoticeKind kind, const Palette& palette) {
-  switch (kind) {
-    case NoticeKind::Warning:
-      return palette.warning;
-    case NoticeKind::Error:
-      return palette.error;
-    case NoticeKind::Information:
-      break;
-  }
-  return palette.text;
-}
-
-void drawBox(GdiCanvas& canvas, const ListPlace& list, const Palette& palette,
-             const std::string& title) {
-  canvas.fill(list.box, palette.panel);
-  canvas.outline(list.box, palette.line);
-  canvas.text(list.title, title, TextSize::Title, palette.text);
+void drawBox(GdiCanvas& canvas, const ListPlace& list, const std::string& title) {
+  canvas.fill(list.box, palette::panel);
+  canvas.outline(list.box, palette::line);
+  canvas.text(list.title, title, TextSize::Title, palette::text);
 }
 
 }  // namespace
 
-void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-               const PanelContent& content) {
-  PanelDrawing(canvas, layout, palette, content).draw();
+void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content) {
+  PanelDrawing(canvas, layout, content).draw();
 }
 
-void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                    const LiveState& state) {
-  const int margin = scaled(16, canvas.dpi());
-  const PixelRect& line = layout.status;
-  canvas.fill(line, palette.panel);
-  canvas.fill({line.left, line.top, line.width, scaled(1, canvas.dpi())}, palette.line);
-  const std::string keys = "F1  keys";
-  const int keysWidth = canvas.textWidth(keys, TextSize::Small);
-  const Notice notice = statusLine(state);
-  canvas.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
-              notice.text, TextSize::Normal, colorOf(notice.kind, palette));
-  canvas.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
-              palette.quietText, TextAlign::Right);
-}
-
-void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                      const LiveState& state) {
-  canvas.text(layout.picture, emptyPictureText(state), TextSize::Title, palette.quietText,
+void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state) {
+  canvas.text(layout.picture, emptyPictureText(state), TextSize::Title, palette::quietText,
               TextAlign::Centre);
 }
 
-void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                  const PictureView& view, const Star& star) {
+void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view,
+                  const Star& star) {
   const int x = layout.picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
   const int y = layout.picture.top + static_cast<int>(std::lround(view.screenY(star.y)));
   const int radius = std::max(scaled(11, canvas.dpi()),
@@ -274,36 +261,35 @@ void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const Palette& 
   const PixelRect inside{shown.left + radius, shown.top + radius, shown.width - 2 * radius,
                          shown.height - 2 * radius};
   if (inside.contains(x, y)) {
-    canvas.circle(x, y, radius, palette.accent);
+    canvas.circle(x, y, radius, palette::accent);
   }
 }
 
-void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                   const PictureView& view) {
+void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view) {
   const int left = layout.picture.left + view.onScreen.left;
   const int top = layout.picture.top + view.onScreen.top;
   const int middleX = left + view.onScreen.width / 2;
   const int middleY = top + view.onScreen.height / 2;
   const int line = scaled(1, canvas.dpi());
-  canvas.fill({left, middleY, view.onScreen.width, line}, palette.accent);
-  canvas.fill({middleX, top, line, view.onScreen.height}, palette.accent);
-  canvas.circle(middleX, middleY, scaled(24, canvas.dpi()), palette.accent);
+  canvas.fill({left, middleY, view.onScreen.width, line}, palette::accent);
+  canvas.fill({middleX, top, line, view.onScreen.height}, palette::accent);
+  canvas.circle(middleX, middleY, scaled(24, canvas.dpi()), palette::accent);
 }
 
-void drawHelp(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette) {
+void drawHelp(GdiCanvas& canvas, const WindowLayout& layout) {
   const auto lines = helpLines();
   const int dpi = canvas.dpi();
   const ListPlace list = placeList(layout.picture, 520, static_cast<int>(lines.size()), dpi);
   canvas.dim(layout.picture);
-  drawBox(canvas, list, palette, "Keys");
+  drawBox(canvas, list, "Keys");
   const int keysWidth = scaled(112, dpi);
   for (int number = 0; number < list.rows; ++number) {
     const HelpLine& line = lines[static_cast<std::size_t>(number)];
     const PixelRect row = list.row(number);
     canvas.text({row.left, row.top, keysWidth, row.height}, std::string(line.keys),
-                TextSize::Normal, palette.accent);
+                TextSize::Normal, palette::accent);
     canvas.text({row.left + keysWidth, row.top, row.width - keysWidth, row.height},
-                std::string(line.meaning), TextSize::Normal, palette.text);
+                std::string(line.meaning), TextSize::Normal, palette::text);
   }
 }
 
@@ -311,12 +297,12 @@ ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int d
   return placeList(layout.picture, 540, static_cast<int>(cameras), dpi);
 }
 
-void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                    const LiveState& state, std::size_t selected) {
+void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state,
+                    std::size_t selected) {
   const int dpi = canvas.dpi();
   const ListPlace list = cameraListPlace(layout, state.cameras.size(), dpi);
   canvas.dim(layout.picture);
-  drawBox(canvas, list, palette, state.cameras.empty() ? "No cameras" : "Choose a camera");
+  drawBox(canvas, list, state.cameras.empty() ? "No cameras" : "Choose a camera");
   const int inset = scaled(8, dpi);
   for (int number = 0; number < list.rows; ++number) {
     const auto position = static_cast<std::size_t>(number);
@@ -324,15 +310,16 @@ void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette
     const PixelRect row = list.row(number);
     const bool isSelected = position == selected;
     if (isSelected) {
-      canvas.fill(row, palette.raised);
-      canvas.fill({row.left, row.top, scaled(3, dpi), row.height}, palette.accent);
+      canvas.fill(row, palette::raised);
+      canvas.fill({row.left, row.top, scaled(3, dpi), row.height}, palette::accent);
     }
     const PixelRect inner{row.left + inset, row.top, row.width - 2 * inset, row.height};
-    canvas.text(inner, std::to_string(position + 1), TextSize::Small, palette.quietText);
+    canvas.text(inner, std::to_string(position + 1), TextSize::Small, palette::quietText);
     canvas.text({inner.left + scaled(24, dpi), inner.top, inner.width / 2, inner.height},
                 camera.name, TextSize::Normal,
-                state.chosen == position ? palette.accent : palette.text);
-    canvas.text(inner, cameraDetails(camera), TextSize::Small, palette.quietText, TextAlign::Right);
+                state.chosen == position ? palette::accent : palette::text);
+    canvas.text(inner, cameraDetails(camera), TextSize::Small, palette::quietText,
+                TextAlign::Right);
   }
 }
 

@@ -7,7 +7,6 @@
 #include "live_view/live_controls.hpp"
 #include "live_view/live_picture.hpp"
 #include "live_view/live_session.hpp"
-#include "live_view/palette.hpp"
 #include "live_view/window_layout.hpp"
 
 namespace orvane::host {
@@ -16,34 +15,27 @@ namespace orvane::host {
 struct PanelContent {
   const LiveState& state;
   const ControlsRequest& controls;
-  const Measurements& measurements;
-  bool isStretched = true;
-  bool isPixelByPixel = false;
+  const LivePicture& picture;
 };
 
-void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-               const PanelContent& content);
-
-void drawStatusLine(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                    const LiveState& state);
+/// The panel and the status line.
+void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content);
 
 /// The text in place of a picture.
-void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                      const LiveState& state);
+void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state);
 
 /// A ring around the star that is measured.
-void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                  const PictureView& view, const Star& star);
+void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view,
+                  const Star& star);
 
-void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                   const PictureView& view);
+void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view);
 
-void drawHelp(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette);
+void drawHelp(GdiCanvas& canvas, const WindowLayout& layout);
 
 /// The place of the list of cameras.
 ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi);
 
-void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const Palette& palette,
-                    const LiveState& state, std::size_t selected);
+void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state,
+                    std::size_t selected);
 
 }  // namespace orvane::host

@@ -36,7 +36,8 @@ void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                  Image& reduced);
 
 /// Copies a part of the frame at full resolution, debayered if it has a Bayer pattern. The part is
-/// clamped to the frame; with a Bayer pattern it begins at even coordinates. Returns where it is.
+/// moved and clamped into the frame; with a Bayer pattern it begins at even coordinates. Returns
+/// its place.
 PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const PixelRect& wanted, Image& part);
 

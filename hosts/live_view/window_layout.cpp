@@ -41,13 +41,6 @@ class Column {
   int dpi_;
 };
 
-SliderPlace nextSlider(Column& column) {
-  const PixelRect caption = column.next(lineHeight);
-  const PixelRect track = column.next(trackHeight);
-  column.skip(4);
-  return {caption, track};
-}
-
 }  // namespace
 
 int scaled(int length, int dpi) {
@@ -68,9 +61,11 @@ WindowLayout layOut(int width, int height, int dpi) {
   layout.cameraName = column.next(nameHeight);
   layout.cameraFormat = column.next(lineHeight);
   column.skip(sectionGap);
-  layout.exposure = nextSlider(column);
-  layout.gain = nextSlider(column);
-  layout.offset = nextSlider(column);
+  for (SliderPlace& slider : layout.sliders) {
+    slider.caption = column.next(lineHeight);
+    slider.track = column.next(trackHeight);
+    column.skip(4);
+  }
   column.skip(sectionGap - 4);
   layout.histogramCaption = column.next(lineHeight);
   column.skip(2);

@@ -1,6 +1,8 @@
 // The places of everything in the window, in pixels of the screen.
 #pragma once
 
+#include <array>
+
 #include "live_view/reduced_frame.hpp"
 
 namespace orvane::host {
@@ -18,9 +20,7 @@ struct WindowLayout {
 
   PixelRect cameraName;
   PixelRect cameraFormat;
-  SliderPlace exposure;
-  SliderPlace gain;
-  SliderPlace offset;
+  std::array<SliderPlace, 3> sliders;  ///< of exposure, gain and offset
   PixelRect histogramCaption;
   PixelRect histogram;
   PixelRect histogramNumbers;

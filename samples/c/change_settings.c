@@ -19,11 +19,11 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: change_settings SDK-DIRECTORY\n");
     return 2;
   }
-  if (!openFirstCamera(argv[1], 5000, 100)) {
+  frame = openFirstCamera(argv[1], 5000, 100);
+  if (frame == NULL) {
     return 1;
   }
-  frame = malloc((size_t)oc_buffer_size());
-  for (exposureUs = 5000; frame != NULL && exposureUs <= 80000; exposureUs *= 2) {
+  for (exposureUs = 5000; exposureUs <= 80000; exposureUs *= 2) {
     int stale;
     /* Sets exposure, gain and offset. The camera still streams. */
     if (!oc_apply(exposureUs, 100, 10)) {

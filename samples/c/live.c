@@ -13,20 +13,15 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: live SDK-DIRECTORY SECONDS\n");
     return 2;
   }
-  if (!openFirstCamera(argv[1], exposureUs, 100)) {
-    return 1;
-  }
-  frame = malloc((size_t)oc_buffer_size());
+  frame = openFirstCamera(argv[1], exposureUs, 100);
   if (frame == NULL) {
-    fprintf(stderr, "Out of memory.\n");
-    oc_close();
     return 1;
   }
 
   end = time(NULL) + atoi(argv[2]);
   while (time(NULL) <= end) {
     bytes = oc_read(frame, oc_buffer_size(), timeoutMs);
-    if (bytes < 0) { /* a camera that was unplugged may also give 0 for ever */
+    if (bytes < 0) { /* a camera that was unplugged may also give 0 forever */
       fprintf(stderr, "Reading failed: %s\n", oc_error());
       break;
     }

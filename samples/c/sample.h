@@ -24,19 +24,26 @@ static inline void pauseOneMillisecond(void) {
 }
 
 /* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8 bits.
- * Returns 1, or 0 after printing why not. */
-static inline int openFirstCamera(const char* sdkDirectory, int64_t exposureUs, int gain) {
+ * Returns a buffer for its frames, or NULL after printing why not. */
+static inline uint8_t* openFirstCamera(const char* sdkDirectory, int64_t exposureUs, int gain) {
   char directory[3072];
+  uint8_t* frame;
   oc_library_dir(utf8Argument(sdkDirectory, directory, sizeof directory));
   if (oc_scan() < 1) {
     fprintf(stderr, "No camera found. %s\n", oc_error());
-    return 0;
+    return NULL;
   }
   if (!oc_open(0, 640, 480, 1, OC_FORMAT_RAW8, exposureUs, gain, 10)) {
     fprintf(stderr, "Cannot open the camera: %s\n", oc_error());
-    return 0;
+    return NULL;
   }
-  return 1;
+  /* The buffer may have to be larger than a frame, so ask the library. */
+  frame = malloc((size_t)oc_buffer_size());
+  if (frame == NULL) {
+    fprintf(stderr, "Out of memory.\n");
+    oc_close();
+  }
+  return frame;
 }
 
 /* Waits for a frame, at most timeoutMs plus two seconds. Returns the number of its bytes, or 0

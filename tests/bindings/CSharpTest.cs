@@ -3,9 +3,12 @@
 using System;
 using System.Collections.Generic;
 using System.Linq;
+using System.Reflection;
 using System.Runtime.InteropServices;
 using System.Text;
 using Orvane.DesktopCamera;
+
+class TestAttribute : Attribute { }
 
 static class CSharpTest
 {
@@ -28,12 +31,11 @@ static class CSharpTest
         }
     }
 
-    static void CheckEqual<T>(T expected, T got)
-    {
+    static void CheckEqual<T>(T expected, T got) =>
         Check(Equals(expected, got), "expected " + expected + ", got " + got);
-    }
 
-    static void CheckThrows<E>(string message, Action action) where E : Exception
+    // The message of the exception that this throws.
+    static string Thrown<E>(Action action) where E : Exception
     {
         try
         {
@@ -41,26 +43,24 @@ static class CSharpTest
         }
         catch (E caught)
         {
-            CheckEqual(message, caught.Message);
-            return;
+            return caught.Message;
         }
-        throw new InvalidOperationException("nothing thrown instead of " + message);
+        throw new InvalidOperationException("no " + typeof(E).Name);
     }
 
-    static void Command(string text)
-    {
+    static void CheckThrows<E>(string message, Action action) where E : Exception =>
+        CheckEqual(message, Thrown<E>(action));
+
+    static void Command(string text) =>
         CheckEqual(1, sim_command(Encoding.UTF8.GetBytes(text + "\0")));
-    }
 
-    static Camera Open(int index = 0, Format format = Format.Raw8, long exposureUs = 1000)
-    {
-        return CameraLibrary.Open(cameras[index], Settings(format, exposureUs));
-    }
+    static Camera Open(int index = 0, Format format = Format.Raw8, long exposureUs = 1000) =>
+        CameraLibrary.Open(cameras[index], new CameraSettings
+        {
+            Width = 64, Height = 48, Format = format, ExposureUs = exposureUs
+        });
 
-    static CameraSettings Settings(Format format = Format.Raw8, long exposureUs = 1000)
-    {
-        return new CameraSettings { Width = 64, Height = 48, Format = format, ExposureUs = exposureUs };
-    }
+    static int IndexOf(string prefix) => cameras.First(one => one.Name.StartsWith(prefix)).Index;
 
     static void CheckAllClosed()
     {
@@ -69,7 +69,7 @@ static class CSharpTest
         CheckEqual("0 0 0 0 0 0", string.Join(" ", invariants));
     }
 
-    static void CamerasOfEveryMaker()
+    [Test] static void CamerasOfEveryMaker()
     {
         ScanResult found = CameraLibrary.Scan(sdks);
         CheckEqual(Environment.GetEnvironmentVariable("ORVANE_SDKS"), string.Join(", ", found.Libraries));
@@ -87,18 +87,16 @@ static class CSharpTest
         Check(first.MaxExposureUs > 1000000 && first.MaxGain > first.MinGain, "limits");
     }
 
-    static string Codes<E>()
-    {
-        return string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
-    }
+    static string Codes<E>() =>
+        string.Join(" ", Enum.GetValues(typeof(E)).Cast<E>().Select(one => one + "=" + Convert.ToInt32(one)));
 
-    static void CodesOfFormatsAndBayerPatterns()
+    [Test] static void CodesOfFormatsAndBayerPatterns()
     {
         CheckEqual("Raw8=0 Raw16=1 Rgb24=2 Mono8=3", Codes<Format>());
         CheckEqual("None=0 Rggb=8 Grbg=9 Gbrg=10 Bggr=11", Codes<Bayer>());
     }
 
-    static void ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage()
+    [Test] static void ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage()
     {
         Command("force ASIOpenCamera 1 1 16");
         ScanResult found = CameraLibrary.Scan(sdks);
@@ -108,7 +106,7 @@ static class CSharpTest
         CheckEqual("", found.Error);
     }
 
-    static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
+    [Test] static void NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers()
     {
         var camera = new byte[2048];
         CheckEqual(1, sim_get_camera(0, camera));
@@ -118,14 +116,17 @@ static class CSharpTest
         CameraInfo found = CameraLibrary.Scan(sdks).Cameras[0];
         CheckEqual("é\"pixelSizeUm\":nan,\\", found.Name);
         CheckEqual(3.75, found.PixelSizeUm);
-        Command("output ASIGetCameraProperty PixelSize 1 1 nan");
-        Check(double.IsNaN(CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm), "NaN");
+        foreach (string size in new[] { "nan", "-nan" })
+        {
+            Command("output ASIGetCameraProperty PixelSize 1 1 " + size);
+            Check(double.IsNaN(CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm), size);
+        }
         Command("output ASIGetCameraProperty PixelSize 1 1 -inf");
         CheckEqual(double.NegativeInfinity, CameraLibrary.Scan(sdks).Cameras[0].PixelSizeUm);
         CheckThrows<FormatException>("Not the description of a camera: {}", () => CameraInfo.FromJson("{}"));
     }
 
-    static void WhatCannotBeReadIsTold()
+    [Test] static void WhatCannotBeReadIsTold()
     {
         Command("force ASIGetCameraProperty 2 1 4");
         ScanResult found = CameraLibrary.Scan(sdks);
@@ -133,31 +134,18 @@ static class CSharpTest
         Check(found.Error.StartsWith("ASI"), found.Error);
     }
 
-    static void NoScanWhileACameraIsOpenAndNoPathThatCannotBe()
+    [Test] static void NoScanWhileACameraIsOpenAndNoPathThatCannotBe()
     {
         using (Open())
         {
             CheckThrows<CameraException>("Stop the preview before rescanning", () => CameraLibrary.Scan(sdks));
         }
         CheckThrows<EncoderFallbackException>(
-            Throws<EncoderFallbackException>(() => new UTF8Encoding(false, true).GetBytes("/\ud800\0")),
+            Thrown<EncoderFallbackException>(() => new UTF8Encoding(false, true).GetBytes("/\ud800\0")),
             () => CameraLibrary.Scan("/\ud800"));
     }
 
-    static string Throws<E>(Action action) where E : Exception
-    {
-        try
-        {
-            action();
-        }
-        catch (E caught)
-        {
-            return caught.Message;
-        }
-        return "";
-    }
-
-    static void FailedOpensLeaveNothingOpen()
+    [Test] static void FailedOpensLeaveNothingOpen()
     {
         CheckThrows<CameraException>("Exposure out of range", () => Open(exposureUs: 0));
         CheckThrows<CameraException>("Unsupported bin or format", () => Open(format: (Format)7));
@@ -167,7 +155,7 @@ static class CSharpTest
         Check(before.IsClosed, "the camera before is closed");
     }
 
-    static void AnotherCameraClosesTheFirst()
+    [Test] static void AnotherCameraClosesTheFirst()
     {
         Camera first = Open();
         using (Camera second = Open(4))
@@ -180,8 +168,7 @@ static class CSharpTest
         }
     }
 
-    static void ClosedWhenTheBlockFails()
-    {
+    [Test] static void ClosedWhenTheBlockFails() =>
         CheckThrows<InvalidOperationException>("in the block", () =>
         {
             using (Open())
@@ -189,9 +176,8 @@ static class CSharpTest
                 throw new InvalidOperationException("in the block");
             }
         });
-    }
 
-    static void FramesAreTheBuffersFilledPart()
+    [Test] static void FramesAreTheBuffersFilledPart()
     {
         Command("clock stopped");
         var buffer = new byte[64 * 48 * 2 + 5];
@@ -208,18 +194,18 @@ static class CSharpTest
         }
     }
 
-    static void EveryMaker()
+    [Test] static void EveryMaker()
     {
         foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "ATR" })
         {
-            using (Camera camera = Open(cameras.First(one => one.Name.StartsWith(prefix)).Index))
+            using (Camera camera = Open(IndexOf(prefix)))
             {
                 CheckEqual(camera.Width * camera.Height, camera.Read(new byte[camera.BufferSize]).Length);
             }
         }
     }
 
-    static void TimeOuts()
+    [Test] static void TimeOuts()
     {
         using (Camera camera = Open())
         {
@@ -228,14 +214,14 @@ static class CSharpTest
             CheckEqual(0, camera.Poll(buffer, 5).Length);
             CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
         }
-        using (Camera camera = Open(cameras.First(one => one.Name.StartsWith("QHY")).Index, exposureUs: 60000000))
+        using (Camera camera = Open(IndexOf("QHY"), exposureUs: 60000000))
         {
             var buffer = new byte[camera.BufferSize];
             CheckThrows<FrameTimeoutException>("No frame within 30 ms", () => camera.Read(buffer, 30));
         }
     }
 
-    static void FailedReadsLeaveTheCameraOpen()
+    [Test] static void FailedReadsLeaveTheCameraOpen()
     {
         using (Camera camera = Open())
         {
@@ -248,11 +234,11 @@ static class CSharpTest
                                          () => camera.Read(Span<byte>.Empty));
             CheckEqual(64 * 48, camera.Read(buffer).Length);
             Command("unplug 0 ASIGetVideoData 0");
-            Check(Throws<CameraException>(() => camera.Read(buffer)).StartsWith("ASIGetVideoData: "), "unplugged");
+            Check(Thrown<CameraException>(() => camera.Read(buffer)).StartsWith("ASIGetVideoData: "), "unplugged");
         }
     }
 
-    static void SettingsAndTemperature()
+    [Test] static void SettingsAndTemperature()
     {
         Camera camera = Open();
         camera.Apply(2000, 7, 3);
@@ -270,16 +256,9 @@ static class CSharpTest
     {
         sdks = arguments[0];
         CameraLibrary.Scan(sdks);
-        var tests = new Action[]
-        {
-            CamerasOfEveryMaker, CodesOfFormatsAndBayerPatterns,
-            ACameraThatCannotBeOpenedHasNoLimitsAndNoMessage,
-            NamesThatLookLikeKeysAndPixelSizesThatAreNoNumbers,
-            WhatCannotBeReadIsTold, NoScanWhileACameraIsOpenAndNoPathThatCannotBe,
-            FailedOpensLeaveNothingOpen, AnotherCameraClosesTheFirst, ClosedWhenTheBlockFails,
-            FramesAreTheBuffersFilledPart, EveryMaker, TimeOuts, FailedReadsLeaveTheCameraOpen,
-            SettingsAndTemperature
-        };
+        var tests = typeof(CSharpTest).GetMethods(BindingFlags.Static | BindingFlags.NonPublic)
+            .Where(method => method.IsDefined(typeof(TestAttribute)))
+            .Select(method => (Action)Delegate.CreateDelegate(typeof(Action), method)).ToList();
         int failed = 0;
         foreach (Action test in tests)
         {
@@ -297,7 +276,7 @@ static class CSharpTest
                 CameraLibrary.OpenCamera?.Dispose();
             }
         }
-        Console.WriteLine(tests.Length + " tests, " + (failed == 0 ? "all passed" : failed + " failed"));
+        Console.WriteLine(tests.Count + " tests, " + (failed == 0 ? "all passed" : failed + " failed"));
         return failed == 0 ? 0 : 1;
     }
 }

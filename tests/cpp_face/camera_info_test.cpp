@@ -1,4 +1,4 @@
-// Descriptions of cameras, read.
+// Parsing the descriptions of cameras.
 #include <gtest/gtest.h>
 
 #include <cmath>

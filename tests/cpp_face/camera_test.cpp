@@ -88,9 +88,7 @@ TEST(CppFaceScripted, AnExceptionOutOfAnOpenLeavesNoCameraOpen) {
 
 TEST_F(CppFaceCamera, WithoutASizeTheWholeSensorIsTaken) {
   sdk.setCameras({smallCamera()});
-  oc::Settings settings;
-  settings.format = oc::Format::Raw16;
-  const oc::Camera camera(first(), settings);
+  const oc::Camera camera(first(), {.format = oc::Format::Raw16});
   EXPECT_EQ(camera.width(), 320);
   EXPECT_EQ(camera.height(), 202);
   EXPECT_EQ(camera.format(), oc::Format::Raw16);

@@ -1,4 +1,4 @@
-// The thread that captures: what it does with requests, silence and failures.
+// The capture thread: requests, silence and failures.
 #include <atomic>
 #include <condition_variable>
 #include <future>
@@ -57,17 +57,15 @@ TEST_F(CppFaceCapture, FramesOfEveryMakerCome) {
 }
 
 TEST_F(CppFaceCapture, AnOpenThatFailsThrowsOutOfTheConstructor) {
-  const oc::CameraInfo info = first();
   sdk.forceResult("ASIStartVideoCapture", 16);
-  EXPECT_EQ(errorOf([&] { oc::CaptureThread(info, small()); }), "ASIStartVideoCapture: 16");
+  EXPECT_EQ(errorOf([&] { oc::CaptureThread(first(), small()); }), "ASIStartVideoCapture: 16");
   expectClean(sdk);
 }
 
 TEST_F(CppFaceCapture, TheDestructorClosesWhileFramesStream) {
-  const oc::CameraInfo info = first();
   oc::Frame held;
   {
-    oc::CaptureThread capture(info, small());
+    oc::CaptureThread capture(first(), small());
     held = capture.next(5000ms);
   }
   ASSERT_TRUE(held);
@@ -76,11 +74,8 @@ TEST_F(CppFaceCapture, TheDestructorClosesWhileFramesStream) {
 }
 
 TEST_F(CppFaceCapture, SilenceIsToldAndTheCameraIsLostAfterFiveWaits) {
-  const oc::CameraInfo info = first();
   sdk.forceResult("ASIGetVideoData", 11, 3);
-  oc::CaptureOptions options;
-  options.delivery = oc::Delivery::Every;
-  oc::CaptureThread capture(info, small(), options);
+  oc::CaptureThread capture(first(), small(), {.delivery = oc::Delivery::Every});
   const auto start = std::chrono::steady_clock::now();
   ASSERT_TRUE(isPhase(capture, oc::Phase::Silent));
   EXPECT_GE(capture.state().silence, 502ms);
@@ -104,19 +99,15 @@ TEST_F(CppFaceCapture, SilenceIsToldAndTheCameraIsLostAfterFiveWaits) {
 }
 
 TEST_F(CppFaceCapture, TheWaitsThatLoseACameraCanBeChosen) {
-  const oc::CameraInfo info = first();
   sdk.forceResult("ASIGetVideoData", 11);
-  oc::CaptureOptions options;
-  options.silentWaits = 1;
-  oc::CaptureThread capture(info, small(), options);
+  const oc::CaptureThread capture(first(), small(), {.silentWaits = 1});
   ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
   EXPECT_EQ(capture.state().text, "The camera has sent no frame for 1 waits of 502 ms.");
 }
 
 TEST_F(CppFaceCapture, AFailureInPassingIsPassedOver) {
-  const oc::CameraInfo info = first();
   sdk.forceResult("ASIGetVideoData", 5, 3, 4);
-  oc::CaptureThread capture(info, small());
+  oc::CaptureThread capture(first(), small());
   ASSERT_TRUE(comesTrue([&] { return capture.state().frames > 5; }));
   const oc::CaptureState state = capture.state();
   EXPECT_EQ(state.phase, oc::Phase::Streaming);
@@ -125,10 +116,9 @@ TEST_F(CppFaceCapture, AFailureInPassingIsPassedOver) {
 }
 
 TEST_F(CppFaceCapture, FailuresInARowLoseTheCamera) {
-  const oc::CameraInfo info = first();
   sdk.forceResult("ASIGetVideoData", 5, 3);
   {
-    const oc::CaptureThread capture(info, small());
+    const oc::CaptureThread capture(first(), small());
     ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
     EXPECT_EQ(capture.state().failedReads, 5U);
     EXPECT_EQ(capture.state().text, "ASIGetVideoData: 5");
@@ -136,9 +126,7 @@ TEST_F(CppFaceCapture, FailuresInARowLoseTheCamera) {
   }
   sdk.clear_faults();
   sdk.forceResult("ASIGetVideoData", 5, 3, 1);
-  oc::CaptureOptions options;
-  options.failures = 1;
-  const oc::CaptureThread capture(info, small(), options);
+  const oc::CaptureThread capture(first(), small(), {.failures = 1});
   ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
   EXPECT_EQ(capture.state().failedReads, 1U);
 }
@@ -173,9 +161,8 @@ TEST_F(CppFaceCapture, AnUnpluggedCameraIsFoundAgainAmongThoseOfItsName) {
 }
 
 TEST_F(CppFaceCapture, ACameraThatIsNotFoundAgainIsLost) {
-  const oc::CameraInfo info = first();
   sdk.command("unplug 0 ASIGetVideoData 3");
-  oc::CaptureThread capture(info, small());
+  oc::CaptureThread capture(first(), small());
   ASSERT_TRUE(isPhase(capture, oc::Phase::Lost));
   EXPECT_TRUE(capture.rescan(directory.path()).get().cameras.empty());
   EXPECT_EQ(capture.state().phase, oc::Phase::Lost);
@@ -212,18 +199,15 @@ TEST_F(CppFaceCapture, WithoutACameraTheThreadScansAndOpens) {
 
 TEST_F(CppFaceCapture, OtherSettingsReopenOrLeaveThoseOfBefore) {
   oc::CaptureThread capture(first(), small());
-  oc::Settings settings;
-  settings.bin = 2;
-  settings.format = oc::Format::Raw16;
-  capture.reopen(settings).get();
+  capture.reopen(oc::Settings{.bin = 2, .format = oc::Format::Raw16}).get();
   ASSERT_TRUE(comesTrue([&] { return capture.next(1000ms).opening() == 2; }));
   const oc::Frame frame = capture.next(5000ms);
   EXPECT_EQ(frame.width(), 160);
   EXPECT_EQ(frame.format(), oc::Format::Raw16);
   EXPECT_EQ(frame.size(), 2U * 160 * 100);
 
-  settings.bin = 3;
-  EXPECT_EQ(errorOf([&] { capture.reopen(settings).get(); }), "Unsupported bin or format");
+  EXPECT_EQ(errorOf([&] { capture.reopen(oc::Settings{.bin = 3}).get(); }),
+            "Unsupported bin or format");
   EXPECT_EQ(capture.state().phase, oc::Phase::Streaming);
   EXPECT_EQ(capture.state().settings.bin, 2);
 }
@@ -261,52 +245,61 @@ class CppFaceThread : public ::testing::Test {
     return {info_, settings_, options, scriptedLibrary()};
   }
 
+  // Makes reads wait, and then find no frame, until isHeld_ is false.
+  void holdReads() {
+    isHeld_ = true;
+    script().read = [this](std::uint8_t*, int) {
+      while (isHeld_) {
+        std::this_thread::sleep_for(1ms);
+      }
+      return 0;
+    };
+  }
+
+  // Notes what is applied, and refuses this gain.
+  void noteApplied(int refusedGain) {
+    script().apply = [this, refusedGain](std::int64_t exposureUs, int gain, int offset) {
+      const std::lock_guard lock(mutex_);
+      applied_.emplace_back(exposureUs, gain, offset);
+      return gain == refusedGain ? 0 : 1;
+    };
+  }
+  std::vector<Applied> applied() {
+    const std::lock_guard lock(mutex_);
+    return applied_;
+  }
+
   oc::CameraInfo info_;
   oc::Settings settings_;
+  std::atomic<bool> isHeld_{false};
+
+ private:
+  std::mutex mutex_;
+  std::vector<Applied> applied_;
 };
 
 TEST_F(CppFaceThread, TheLastOfSeveralSettingsCounts) {
-  std::mutex mutex;
-  std::vector<Applied> applied;
-  std::atomic<bool> isHeld{true};
-  script().read = [&](std::uint8_t*, int) {
-    while (isHeld) {
-      std::this_thread::sleep_for(1ms);
-    }
-    return 0;
-  };
-  script().apply = [&](std::int64_t exposureUs, int gain, int offset) {
-    const std::lock_guard lock(mutex);
-    applied.emplace_back(exposureUs, gain, offset);
-    return 1;
-  };
+  holdReads();
+  noteApplied(-1);
   oc::CaptureThread capture = start();
   std::this_thread::sleep_for(20ms);  // it asks for a frame now
   capture.apply(1, 1, 1);
   capture.apply(2, 2, 2);
   capture.apply(3, 3, 3);
-  isHeld = false;
+  isHeld_ = false;
   ASSERT_TRUE(comesTrue([&] { return capture.state().settings.gain == 3; }));
-  const std::lock_guard lock(mutex);
-  EXPECT_EQ(applied, std::vector<Applied>{Applied(3, 3, 3)});
+  EXPECT_EQ(applied(), std::vector<Applied>{Applied(3, 3, 3)});
 }
 
 TEST_F(CppFaceThread, ARefusedSettingIsTakenBack) {
-  std::mutex mutex;
-  std::vector<Applied> applied;
   script().error = "ASI gain: 2";
-  script().apply = [&](std::int64_t exposureUs, int gain, int offset) {
-    const std::lock_guard lock(mutex);
-    applied.emplace_back(exposureUs, gain, offset);
-    return gain == 99 ? 0 : 1;
-  };
+  noteApplied(99);
   oc::CaptureThread capture = start();
   capture.apply(5000, 99, 3);
   ASSERT_TRUE(comesTrue([&] { return capture.state().refusals == 1; }));
   EXPECT_EQ(capture.state().refusal, "ASI gain: 2");
   EXPECT_EQ(capture.state().settings.gain, -25);  // the lowest
-  const std::lock_guard lock(mutex);
-  EXPECT_EQ(applied, (std::vector<Applied>{Applied(5000, 99, 3), Applied(1000, -25, 0)}));
+  EXPECT_EQ(applied(), (std::vector<Applied>{Applied(5000, 99, 3), Applied(1000, -25, 0)}));
 }
 
 TEST_F(CppFaceThread, AShorterExposureWaitsForTheFrameOfTheLongerOne) {
@@ -327,9 +320,7 @@ TEST_F(CppFaceThread, AShorterExposureWaitsForTheFrameOfTheLongerOne) {
 
 TEST_F(CppFaceThread, SilenceNeedNotLoseTheCamera) {
   script().read = [](std::uint8_t*, int) { return 0; };
-  oc::CaptureOptions options;
-  options.silentWaits = 0;
-  const oc::CaptureThread capture = start(options);
+  const oc::CaptureThread capture = start({.silentWaits = 0});
   std::this_thread::sleep_for(2700ms);  // more than five waits of 502 ms
   EXPECT_EQ(capture.state().phase, oc::Phase::Silent);
   EXPECT_EQ(capture.state().silentWaits, 5U);
@@ -355,12 +346,10 @@ TEST_F(CppFaceThread, ExceptionsBecomeTexts) {
 
 TEST_F(CppFaceThread, NewsAreToldAndWhatTheyThrowIsIgnored) {
   std::atomic<int> told{0};
-  oc::CaptureOptions options;
-  options.onNews = [&] {
+  oc::CaptureThread capture = start({.onNews = [&] {
     ++told;
     throw 7;
-  };
-  oc::CaptureThread capture = start(options);
+  }});
   EXPECT_TRUE(capture.next(5000ms));
   EXPECT_TRUE(comesTrue([&] { return told > 3; }));
 }
@@ -375,13 +364,7 @@ TEST_F(CppFaceThread, TheTemperatureIsReadAboutOnceASecond) {
 }
 
 TEST_F(CppFaceThread, ARequestThatTheEndCutsOffSaysSo) {
-  std::atomic<bool> isHeld{true};
-  script().read = [&](std::uint8_t*, int) {
-    while (isHeld) {
-      std::this_thread::sleep_for(1ms);
-    }
-    return 0;
-  };
+  holdReads();
   std::future<void> unanswered;
   {
     std::optional<oc::CaptureThread> capture(std::in_place, info_, settings_, oc::CaptureOptions{},
@@ -389,7 +372,7 @@ TEST_F(CppFaceThread, ARequestThatTheEndCutsOffSaysSo) {
     std::this_thread::sleep_for(20ms);
     std::thread release([&] {
       std::this_thread::sleep_for(50ms);
-      isHeld = false;
+      isHeld_ = false;
     });
     unanswered = capture->close();
     // The thread may still answer it: both ends are right.

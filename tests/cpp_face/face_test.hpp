@@ -24,22 +24,16 @@ class FaceTest : public ::testing::Test {
 
   /// The first camera, and its settings in frames of 64 x 32 pixels.
   oc::CameraInfo first() { return oc::scan(directory.utf8()).cameras.at(0); }
-  static oc::Settings small() {
-    oc::Settings settings;
-    settings.width = 64;
-    settings.height = 32;
-    settings.exposureUs = 1000;
-    return settings;
-  }
+  static oc::Settings small() { return {.width = 64, .height = 32, .exposureUs = 1000}; }
 
   SdkDirectory directory;
   SimulatedSdk sdk;
 };
 
-/// Waits up to ten seconds.
+/// Waits up to half a minute.
 template <class Condition>
 bool comesTrue(const Condition& condition) {
-  const auto end = std::chrono::steady_clock::now() + 10s;
+  const auto end = std::chrono::steady_clock::now() + 30s;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) {
       return false;

@@ -1,4 +1,4 @@
-// Frames on their way from the capture thread to their consumers.
+// The queues that hand frames from the capture thread to consumers.
 #include <atomic>
 #include <cstring>
 #include <optional>
@@ -12,7 +12,7 @@
 namespace orvane::testing {
 namespace {
 
-// A scripted camera that sends a frame when the test asks for one; it holds its number.
+// A scripted camera that sends a frame when the test asks for it. The bytes are its number.
 class CppFaceFrames : public ::testing::Test {
  protected:
   CppFaceFrames() {
@@ -27,14 +27,7 @@ class CppFaceFrames : public ::testing::Test {
     info_ = oc::parseCameraInfo(0, infoText(0, "a"));
   }
 
-  static oc::CaptureOptions options(oc::Delivery delivery, std::size_t capacity) {
-    oc::CaptureOptions options;
-    options.delivery = delivery;
-    options.capacity = capacity;
-    return options;
-  }
-
-  void start(const oc::CaptureOptions& options) {
+  void start(const oc::CaptureOptions& options = {}) {
     capture_.emplace(info_, oc::Settings{}, options, scriptedLibrary());
   }
 
@@ -52,7 +45,7 @@ class CppFaceFrames : public ::testing::Test {
 };
 
 TEST_F(CppFaceFrames, EveryFrameComesInItsOrder) {
-  start(options(oc::Delivery::Every, 5));
+  start({.delivery = oc::Delivery::Every, .capacity = 5});
   const auto before = std::chrono::system_clock::now();
   send(5);
   std::vector<oc::Frame> held;
@@ -80,7 +73,7 @@ TEST_F(CppFaceFrames, EveryFrameComesInItsOrder) {
 }
 
 TEST_F(CppFaceFrames, FramesWithoutRoomAreDroppedAndCounted) {
-  start(options(oc::Delivery::Every, 2));
+  start({.delivery = oc::Delivery::Every, .capacity = 2});
   send(5);
   EXPECT_EQ(capture_->dropped(), 3U);
   oc::Frame first = capture_->next(0ms);
@@ -95,7 +88,7 @@ TEST_F(CppFaceFrames, FramesWithoutRoomAreDroppedAndCounted) {
 }
 
 TEST_F(CppFaceFrames, TheNewestReplacesTheOneThatWaits) {
-  start(options(oc::Delivery::Newest, 2));
+  start({.delivery = oc::Delivery::Newest, .capacity = 2});
   send(4);
   const oc::Frame held = capture_->next(0ms);
   EXPECT_EQ(held.number(), 3U);
@@ -107,7 +100,7 @@ TEST_F(CppFaceFrames, TheNewestReplacesTheOneThatWaits) {
 }
 
 TEST_F(CppFaceFrames, BuffersAreUsedAgainAndQueuesShareThem) {
-  start(options(oc::Delivery::Newest, 1));
+  start({.delivery = oc::Delivery::Newest, .capacity = 1});
   oc::FrameQueue every = capture_->frames(oc::Delivery::Every, 2);
   send(1);
   const oc::Frame newest = capture_->next(0ms);
@@ -127,7 +120,7 @@ TEST_F(CppFaceFrames, BuffersAreUsedAgainAndQueuesShareThem) {
 }
 
 TEST_F(CppFaceFrames, AFrameIsWaitedFor) {
-  start(options(oc::Delivery::Every, 2));
+  start({.delivery = oc::Delivery::Every, .capacity = 2});
   std::thread sender([this] {
     std::this_thread::sleep_for(20ms);
     ++toSend_;
@@ -140,7 +133,7 @@ TEST_F(CppFaceFrames, AFrameIsWaitedFor) {
 }
 
 TEST_F(CppFaceFrames, AClosedQueueHandsOutWhatWaitsAndEnds) {
-  start({});
+  start();
   oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 10);
   send(3);
   EXPECT_EQ(queue.waiting(), 3U);
@@ -157,9 +150,7 @@ TEST_F(CppFaceFrames, AClosedQueueHandsOutWhatWaitsAndEnds) {
 }
 
 TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
-  oc::CaptureOptions none;
-  none.capacity = 0;
-  capture_.emplace(none, scriptedLibrary());
+  capture_.emplace(oc::CaptureOptions{.capacity = 0}, scriptedLibrary());
   oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 2, 3);  // before the camera opens
   capture_->open(info_, {}).get();
   send(3);
@@ -185,7 +176,7 @@ TEST_F(CppFaceFrames, AQueueClosesWhenItHasItsFrames) {
 }
 
 TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {
-  start({});
+  start();
   std::vector<std::uint64_t> written;
   oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, SIZE_MAX);
   std::thread writer([&] {
@@ -201,7 +192,7 @@ TEST_F(CppFaceFrames, AConsumerWritesOnAThreadOfItsOwn) {
 }
 
 TEST_F(CppFaceFrames, FramesAndQueuesOutliveTheThread) {
-  start(options(oc::Delivery::Every, 4));
+  start({.delivery = oc::Delivery::Every, .capacity = 4});
   oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 4);
   oc::FrameQueue moved;
   moved = std::move(queue);
@@ -215,7 +206,7 @@ TEST_F(CppFaceFrames, FramesAndQueuesOutliveTheThread) {
 }
 
 TEST_F(CppFaceFrames, AQueueThatIsGoneTakesNoFrames) {
-  start(options(oc::Delivery::Every, 4));
+  start({.delivery = oc::Delivery::Every, .capacity = 4});
   oc::Frame held;
   {
     oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, 4);
@@ -226,6 +217,52 @@ TEST_F(CppFaceFrames, AQueueThatIsGoneTakesNoFrames) {
   EXPECT_EQ(held.pixels()[0], 0);
   EXPECT_EQ(capture_->next(0ms).number(), 0U);
 }
+
+TEST_F(CppFaceFrames, TheRateBeginsAnewWithAnOpening) {
+  start();
+  send(3);
+  EXPECT_GT(capture_->state().framesPerSecond, 0);
+  capture_->reopen().get();
+  EXPECT_EQ(capture_->state().framesPerSecond, 0);
+}
+
+struct RateCase {
+  const char* name;
+  std::vector<std::pair<int, std::chrono::milliseconds>> frames;  // how many at which interval
+  std::chrono::milliseconds silence;                              // since the last frame
+  double perSecond;
+  double tolerance = 1e-6;
+};
+
+void PrintTo(const RateCase& rate, std::ostream* out) {
+  *out << rate.name;
+}
+
+class CppFaceRate : public ::testing::TestWithParam<RateCase> {};
+
+TEST_P(CppFaceRate, IsThatOfTheLastTwoSeconds) {
+  oc::detail::FrameRate rate;
+  oc::detail::Clock::time_point now{1h};
+  for (const auto& [count, interval] : GetParam().frames) {
+    for (int frame = 0; frame < count; ++frame) {
+      rate.add(now += interval);
+    }
+  }
+  EXPECT_NEAR(rate.perSecond(GetParam().silence), GetParam().perSecond, GetParam().tolerance);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Frames, CppFaceRate,
+    ::testing::Values(RateCase{"NoFrame", {}, 0ms, 0}, RateCase{"OneFrame", {{1, 10ms}}, 0ms, 0},
+                      RateCase{"TwoFrames", {{2, 10ms}}, 0ms, 100},
+                      RateCase{"OfTwoSecondsOnly", {{100, 10ms}, {70, 40ms}}, 0ms, 25, 0.1},
+                      RateCase{"TwoFramesThatAreFarApart", {{3, 10000ms}}, 0ms, 0.1},
+                      RateCase{"TheNextFrameJustCame", {{50, 20ms}}, 0ms, 50},
+                      RateCase{"TheNextFrameIsNotDue", {{50, 20ms}}, 10ms, 50},
+                      RateCase{"NoFrameForHalfASecond", {{50, 20ms}}, 500ms, 2},
+                      RateCase{"NoFrameForTenSeconds", {{50, 20ms}}, 10000ms, 0.1},
+                      RateCase{"FramesAtOneMoment", {{5, 0ms}}, 0ms, 1e6}),
+    [](const auto& test) { return test.param.name; });
 
 }  // namespace
 }  // namespace orvane::testing

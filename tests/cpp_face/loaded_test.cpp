@@ -25,10 +25,7 @@ TEST(CppFaceLoaded, TheFaceWorksWithTheLoadersFunctions) {
     const oc::Library library = oc::Library::from(loaded);
     const oc::Scan found = oc::scan(sdks.path(), library);
     ASSERT_FALSE(found.cameras.empty());
-    oc::Settings settings;
-    settings.width = 64;
-    settings.height = 32;
-    oc::CaptureThread capture(found.cameras[0], settings, {}, library);
+    oc::CaptureThread capture(found.cameras[0], {.width = 64, .height = 32}, {}, library);
     EXPECT_TRUE(capture.next(std::chrono::seconds(10)));
   }
   EXPECT_EQ(loaded.buffer_size(), 0);

@@ -1,4 +1,4 @@
-// A library whose answers a test decides, for the parts of the C++ face that call it.
+// A library whose answers the test decides, for testing the C++ face.
 #include "cpp_face/scripted_library.hpp"
 
 namespace orvane::testing {
@@ -21,6 +21,13 @@ class Call {
   static inline std::atomic<int> inside{0};
 };
 
+// Answers a call of the library.
+template <class Answer>
+auto answered(const Answer& answer) {
+  const Call call;
+  return answer();
+}
+
 }  // namespace
 
 Script& script() {
@@ -30,56 +37,31 @@ Script& script() {
 
 oc::Library scriptedLibrary() {
   oc::Library library{};
-  library.library_dir = [](const char*) { const Call call; };
+  library.library_dir = [](const char*) { answered([] {}); };
   library.scan = [] {
-    const Call call;
-    return script().scan ? script().scan() : static_cast<int>(script().infos.size());
+    return answered(
+        [] { return script().scan ? script().scan() : static_cast<int>(script().infos.size()); });
   };
-  library.libraries = [] {
-    const Call call;
-    return script().libraries.c_str();
-  };
+  library.libraries = [] { return answered([] { return script().libraries.c_str(); }); };
   library.info = [](int index) {
-    const Call call;
-    return script().infos.at(static_cast<std::size_t>(index)).c_str();
+    return answered([&] { return script().infos.at(static_cast<std::size_t>(index)).c_str(); });
   };
   library.open = [](int index, int, int, int bin, int, std::int64_t, int, int) {
-    const Call call;
     ++script().opened;
-    return script().open(index, bin);
+    return answered([&] { return script().open(index, bin); });
   };
-  library.width = [] {
-    const Call call;
-    return 4;
-  };
-  library.height = [] {
-    const Call call;
-    return 2;
-  };
-  library.buffer_size = [] {
-    const Call call;
-    return 8;
-  };
+  library.width = [] { return answered([] { return 4; }); };
+  library.height = [] { return answered([] { return 2; }); };
+  library.buffer_size = [] { return answered([] { return 8; }); };
   library.read = [](std::uint8_t* buffer, int size, int) {
-    const Call call;
-    return script().read(buffer, size);
+    return answered([&] { return script().read(buffer, size); });
   };
   library.apply = [](std::int64_t exposureUs, int gain, int offset) {
-    const Call call;
-    return script().apply(exposureUs, gain, offset);
+    return answered([&] { return script().apply(exposureUs, gain, offset); });
   };
-  library.temperature = [] {
-    const Call call;
-    return script().temperature();
-  };
-  library.close = [] {
-    const Call call;
-    ++script().closed;
-  };
-  library.error = [] {
-    const Call call;
-    return script().error.c_str();
-  };
+  library.temperature = [] { return answered([] { return script().temperature(); }); };
+  library.close = [] { answered([] { ++script().closed; }); };
+  library.error = [] { return answered([] { return script().error.c_str(); }); };
   return library;
 }
 

@@ -1,4 +1,4 @@
-// A library whose answers a test decides, for the parts of the C++ face that call it.
+// A library whose answers the test decides, for testing the C++ face.
 #pragma once
 
 #include <atomic>
@@ -11,8 +11,8 @@
 
 namespace orvane::testing {
 
-/// What the scripted library answers. The functions are called with no lock held, so what they
-/// share with the test must be atomic.
+/// What the scripted library answers. The functions are called on the capture thread without a
+/// lock, so whatever they share with the test must be atomic.
 struct Script {
   std::vector<std::string> infos;
   std::string libraries = "ASICamera2";

@@ -14,6 +14,11 @@ fail() {
   exit 1
 }
 
+# quietly COMMAND...: fails with the command's output if the command fails.
+quietly() {
+  "$@" >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
+}
+
 # Runs a program of the package's system and prints its output. Path arguments must come from
 # windows_path. The output goes through a file, because Wine's own processes would keep a pipe open.
 run() {
@@ -43,9 +48,8 @@ echo "== pack, twice"
 suffix=$([ -n "$emulator" ] && echo windows-x64.zip || echo linux-x64.tar.gz)
 masks=(022 077) zones=(UTC Asia/Tokyo)
 for number in 0 1; do
-  (umask "${masks[number]}" && SOURCE_DATE_EPOCH=1700000000 TZ=${zones[number]} \
-    "$(dirname "$cmake")/cpack" --config "$build/CPackConfig.cmake" -B "$scratch/pack$number" \
-    >"$scratch/pack$number.log" 2>&1) || fail "$(cat "$scratch/pack$number.log")"
+  (umask "${masks[number]}" && export SOURCE_DATE_EPOCH=1700000000 TZ=${zones[number]} &&
+    quietly "$(dirname "$cmake")/cpack" --config "$build/CPackConfig.cmake" -B "$scratch/pack$number")
 done
 archive=$(echo "$scratch"/pack0/orvane-desktop-camera-*-"$suffix")
 [ -f "$archive" ] || fail "no archive $archive"
@@ -74,8 +78,8 @@ sdks=$(windows_path "$package/simulated-sdks")
 names=$ORVANE_SDKS
 
 echo "== programs"
-program="$package/bin/oc_capture$([ -n "$emulator" ] && echo .exe || true)"
-expect_start "oc_capture" "Libraries: $names" "$program" list --sdk "$sdks"
+exe=$([ -n "$emulator" ] && echo .exe || true)
+expect_start "oc_capture" "Libraries: $names" "$package/bin/oc_capture$exe" list --sdk "$sdks"
 
 echo "== a CMake project"
 project="$away/a host's project"
@@ -84,10 +88,8 @@ configure() {
   "$cmake" -G Ninja -D CMAKE_C_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$package" \
     ${toolchain:+-D CMAKE_TOOLCHAIN_FILE="$toolchain" -D CMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH} "$@"
 }
-configure -S "$project" -B "$project/build" >"$scratch/configure.log" 2>&1 ||
-  fail "$(cat "$scratch/configure.log")"
-"$cmake" --build "$project/build" >"$scratch/build.log" 2>&1 || fail "$(cat "$scratch/build.log")"
-exe=$([ -n "$emulator" ] && echo .exe || true)
+quietly configure -S "$project" -B "$project/build"
+quietly "$cmake" --build "$project/build"
 library=$(windows_path "$(find "$package/bin" "$package/lib" -name 'orvane_desktop_camera.dll' \
   -o -name 'liborvane_desktop_camera.so')")
 expect_start "list" "SDKs: $names" "$project/build/list$exe" "$sdks"
@@ -98,9 +100,8 @@ expect_start "load_at_run_time" "SDKs: $names" "$project/build/load_at_run_time$
 
 echo "== a CMake project in C++"
 cp -r "$package/samples" "$away/in C++"
-configure -S "$away/in C++/cpp" -B "$away/in C++/build" >"$scratch/configure.log" 2>&1 ||
-  fail "$(cat "$scratch/configure.log")"
-"$cmake" --build "$away/in C++/build" >"$scratch/build.log" 2>&1 || fail "$(cat "$scratch/build.log")"
+quietly configure -S "$away/in C++/cpp" -B "$away/in C++/build"
+quietly "$cmake" --build "$away/in C++/build"
 output=$(run "$away/in C++/build/capture$exe" "$sdks" 0) || fail "capture: status $?: $output"
 [[ $output =~ ^[1-9][0-9]*\ frames\ of\ 1280\ x\ 960, ]] || fail "capture: wrote: $output"
 echo "-- capture: $output"

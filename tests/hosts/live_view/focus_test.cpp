@@ -67,43 +67,57 @@ TEST(Focus, OfEightBitsIsTheSame) {
   EXPECT_NEAR(focus.star->halfFluxDiameter, diameterOfBell(2), 0.2);
 }
 
-TEST(Focus, TakesTheBrightestOfSeveralStars) {
-  const auto frame = frame16(mono, [](int x, int y) {
-    return 500 + starLight(x, y, 60, 60, 2, 20000) + starLight(x, y, 300, 200, 3, 30000);
-  });
-  const Focus focus = focusOf(frame, mono, 1);
-  ASSERT_TRUE(focus.star);
-  EXPECT_NEAR(focus.star->x, 300, 0.2);
+struct StarChoice {
+  const char* name;
+  double (*light)(int x, int y);
+  double x;  // of the star that is to be measured
+  double y;
+  std::optional<Star> before = std::nullopt;
+};
+
+void PrintTo(const StarChoice& choice, std::ostream* out) {
+  *out << choice.name;
 }
 
-TEST(Focus, FollowsTheStarOfBeforeAndLetsItMove) {
-  const auto frame = frame16(mono, [](int x, int y) {
-    return 500 + starLight(x, y, 60, 60, 2, 20000) + starLight(x, y, 300, 200, 3, 30000);
-  });
-  const Focus focus = focusOf(frame, mono, 1, Star{67, 53, 5});
-  ASSERT_TRUE(focus.star);
-  EXPECT_NEAR(focus.star->x, 60, 0.2);
-  EXPECT_NEAR(focus.star->y, 60, 0.2);
+class StarToMeasure : public ::testing::TestWithParam<StarChoice> {};
+
+TEST_P(StarToMeasure, IsFound) {
+  const auto frame = frame16(mono, GetParam().light);
+  for (const int factor : {1, 2}) {
+    const Focus focus = focusOf(frame, mono, factor, GetParam().before);
+    ASSERT_TRUE(focus.star);
+    EXPECT_NEAR(focus.star->x, GetParam().x, 0.2);
+    EXPECT_NEAR(focus.star->y, GetParam().y, 0.2);
+  }
 }
 
-TEST(Focus, LooksForAnotherStarWhenTheOneOfBeforeIsGone) {
-  const auto frame = frame16(mono, [](int x, int y) {
-    return 500 + 10 * grain(x, y) + starLight(x, y, 300, 200, 3, 30000);
-  });
-  const Focus focus = focusOf(frame, mono, 1, Star{60, 60, 5});
-  ASSERT_TRUE(focus.star);
-  EXPECT_NEAR(focus.star->x, 300, 0.2);
+double twoStars(int x, int y) {
+  return 500 + starLight(x, y, 60, 60, 2, 20000) + starLight(x, y, 300, 200, 3, 30000);
 }
 
-TEST(Focus, AHotPixelIsNoStar) {
-  const auto frame = frame16(mono, [](int x, int y) {
-    const double hot = x == 50 && y == 60 ? 60000 : 0;
-    return 500 + 10 * grain(x, y) + hot + starLight(x, y, 300, 200, 1.5, 20000);
-  });
-  const Focus focus = focusOf(frame, mono, 1);
-  ASSERT_TRUE(focus.star);
-  EXPECT_NEAR(focus.star->x, 300, 0.2);
+double oneStar(int x, int y) {
+  return 500 + 10 * grain(x, y) + starLight(x, y, 300, 200, 3, 30000);
 }
+
+double starAndHotPixel(int x, int y) {
+  const double hot = x == 50 && y == 60 ? 60000 : 0;
+  return 500 + 10 * grain(x, y) + hot + starLight(x, y, 300, 200, 1.5, 20000);
+}
+
+double starBesidePlanet(int x, int y) {
+  const double distance = std::hypot(x - 200, y - 150);
+  return 500 + 10 * grain(x, y) + (distance < 60 ? 40000 : 0) + starLight(x, y, 40, 40, 2, 9000);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Focus, StarToMeasure,
+    ::testing::Values(StarChoice{"TheBrightestOfSeveral", twoStars, 300, 200},
+                      StarChoice{"TheOneOfBeforeEvenIfItMoved", twoStars, 60, 60, Star{67, 53, 5}},
+                      StarChoice{"AnotherWhenTheOneOfBeforeIsGone", oneStar, 300, 200,
+                                 Star{60, 60, 5}},
+                      StarChoice{"NoHotPixel", starAndHotPixel, 300, 200},
+                      StarChoice{"OneBesideAPlanet", starBesidePlanet, 40, 40}),
+    [](const auto& test) { return test.param.name; });
 
 TEST(Focus, APlanetIsNoStarButHasSharpEdges) {
   const auto planet = [](double blur) {
@@ -118,17 +132,6 @@ TEST(Focus, APlanetIsNoStarButHasSharpEdges) {
   EXPECT_FALSE(soft.star);
   EXPECT_GT(soft.sharpness, 0);
   EXPECT_GT(sharp.sharpness, 1.5 * soft.sharpness);
-}
-
-TEST(Focus, StarsBesideAPlanetAreFound) {
-  const auto frame = frame16(mono, [](int x, int y) {
-    const double distance = std::hypot(x - 200, y - 150);
-    return 500 + 10 * grain(x, y) + (distance < 60 ? 40000 : 0) + starLight(x, y, 40, 40, 2, 9000);
-  });
-  const Focus focus = focusOf(frame, mono, 2);
-  ASSERT_TRUE(focus.star);
-  EXPECT_NEAR(focus.star->x, 40, 0.3);
-  EXPECT_NEAR(focus.star->y, 40, 0.3);
 }
 
 TEST(Focus, NoiseAloneHasNoStar) {

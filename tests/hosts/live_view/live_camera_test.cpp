@@ -1,4 +1,4 @@
-// The thread that waits for the camera where the window must not.
+// A live session on a thread of its own.
 #include "live_view/live_camera.hpp"
 
 #include <atomic>
@@ -12,28 +12,25 @@ namespace {
 
 using namespace host;
 
-class LiveCameraTest : public LiveTest {
- protected:
-  LiveCameraTest() { sdk.stop_clock(0); }
-};
+using LiveCameraTest = LiveTest;
 
 TEST_F(LiveCameraTest, FramesAndStatesArrive) {
   std::atomic<int> news = 0;
-  LiveFrame frame;
+  oc::Frame frame;
   std::vector<std::uint8_t> bytes;
   {
     LiveCamera camera(options(), [&] { ++news; });
-    ASSERT_TRUE(comesTrue([&] { return camera.takeFrame(frame); }));
-    EXPECT_EQ(frame.layout.width, 320);
-    EXPECT_EQ(frame.layout.bayer, BayerPattern::Rggb);
-    bytes.assign(frame.bytes.begin(), frame.bytes.end());
+    ASSERT_TRUE(comesTrue([&] { return static_cast<bool>(frame = camera.takeFrame()); }));
+    EXPECT_EQ(frame.width(), 320);
+    EXPECT_EQ(frame.bayer(), BayerPattern::Rggb);
+    bytes.assign(frame.pixels().begin(), frame.pixels().end());
     EXPECT_EQ(bytes.size(), 64000U);
-    ASSERT_TRUE(comesTrue([&] { return camera.state()->framesPerSecond > 1; }));
+    ASSERT_TRUE(comesTrue([&] { return camera.state()->capture.framesPerSecond > 1; }));
     EXPECT_EQ(camera.state()->phase, LivePhase::Streaming);
     EXPECT_GT(news, 2);
   }
   EXPECT_EQ(sdk.invariants().devicesOpen, 0);
-  EXPECT_EQ(std::vector<std::uint8_t>(frame.bytes.begin(), frame.bytes.end()), bytes);
+  EXPECT_EQ(std::vector<std::uint8_t>(frame.pixels().begin(), frame.pixels().end()), bytes);
 }
 
 TEST_F(LiveCameraTest, RequestsAreDone) {
@@ -42,12 +39,12 @@ TEST_F(LiveCameraTest, RequestsAreDone) {
   for (int gain = 1; gain <= 150; ++gain) {
     camera.send(ControlsRequest{10000, gain, 5});
   }
-  ASSERT_TRUE(comesTrue([&] { return camera.state()->settings.gain == 150; }));
+  ASSERT_TRUE(comesTrue([&] { return camera.state()->capture.settings.gain == 150; }));
   camera.send(ChooseRequest{1});
-  ASSERT_TRUE(comesTrue([&] { return camera.state()->cameraName == "Mono Two"; }));
-  LiveFrame frame;
-  ASSERT_TRUE(comesTrue([&] { return camera.takeFrame(frame) && frame.opening == 2; }));
-  EXPECT_EQ(frame.layout.bayer, BayerPattern::None);
+  ASSERT_TRUE(comesTrue([&] { return camera.state()->cameraName() == "Mono Two"; }));
+  oc::Frame frame;
+  ASSERT_TRUE(comesTrue([&] { return (frame = camera.takeFrame()) && frame.opening() == 2; }));
+  EXPECT_EQ(frame.bayer(), BayerPattern::None);
 }
 
 TEST_F(LiveCameraTest, EndingItFinishesTheRecording) {

@@ -30,120 +30,104 @@ LiveFrame frameWithStar(double x0, double y0, std::uint64_t opening, double widt
                  }));
 }
 
-// A window's part for the picture.
-struct Area {
-  Area(int areaWidth, int areaHeight)
-      : width(areaWidth),
-        height(areaHeight),
-        pixels(static_cast<std::size_t>(areaWidth) * static_cast<std::size_t>(areaHeight),
-               0xFFFFFFFF) {}
+const LivePicture::Clock::time_point start{std::chrono::hours(1)};
 
-  ScreenTarget target() { return {pixels.data(), width, width, height}; }
+class LivePictureTest : public ::testing::Test {
+ protected:
+  // Draws the picture into an area of this size.
+  PictureView draw(int width, int height) {
+    width_ = width;
+    pixels.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFFFFFFFF);
+    return picture.draw({pixels.data(), width, width, height}, background);
+  }
+
   std::uint32_t at(int x, int y) const {
-    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
                      static_cast<std::size_t>(x));
   }
 
-  int width;
-  int height;
+  LivePicture picture;
   std::vector<std::uint32_t> pixels;
+
+ private:
+  int width_ = 0;
 };
 
-const LivePicture::Clock::time_point start{std::chrono::hours(1)};
-
-TEST(LivePicture, WithoutAFrameThereIsBackground) {
-  LivePicture picture;
-  Area area(30, 20);
-  const PictureView view = picture.draw(area.target(), background);
+TEST_F(LivePictureTest, WithoutAFrameThereIsBackground) {
+  const PictureView view = draw(30, 20);
   EXPECT_EQ(view.onScreen.width, 0);
-  EXPECT_EQ(std::set<std::uint32_t>(area.pixels.begin(), area.pixels.end()),
+  EXPECT_EQ(std::set<std::uint32_t>(pixels.begin(), pixels.end()),
             (std::set<std::uint32_t>{background}));
   EXPECT_FALSE(picture.measure(start));
 }
 
-TEST(LivePicture, ShowsTheWholeFrameInItsShape) {
-  LivePicture picture;
+TEST_F(LivePictureTest, ShowsTheWholeFrameInItsShape) {
   picture.setFrame(frameWithStar(100, 50, 1));
   EXPECT_TRUE(picture.measure(start));
-  Area area(160, 200);
-  const PictureView view = picture.draw(area.target(), background);
+  const PictureView view = draw(160, 200);
   EXPECT_EQ(view.onScreen, (PixelRect{0, 50, 160, 100}));
   EXPECT_DOUBLE_EQ(view.scale, 0.5);
-  EXPECT_EQ(area.at(80, 49), background);
-  EXPECT_EQ(area.at(80, 150), background);
-  EXPECT_NE(area.at(80, 100), background);
+  EXPECT_EQ(at(80, 49), background);
+  EXPECT_EQ(at(80, 150), background);
+  EXPECT_NE(at(80, 100), background);
   // The star is where the view says, and white; the sky is neither black nor white.
   EXPECT_DOUBLE_EQ(view.screenX(100), 50);
   EXPECT_DOUBLE_EQ(view.screenY(50), 75);
   EXPECT_DOUBLE_EQ(view.frameX(50), 100);
   EXPECT_DOUBLE_EQ(view.frameY(75), 50);
-  EXPECT_EQ(area.at(50, 75), 0xFFFFFFU);
-  EXPECT_GT(area.at(140, 100) & 0xFFU, 20U);
-  EXPECT_LT(area.at(140, 100) & 0xFFU, 120U);
+  EXPECT_EQ(at(50, 75), 0xFFFFFFU);
+  EXPECT_GT(at(140, 100) & 0xFFU, 20U);
+  EXPECT_LT(at(140, 100) & 0xFFU, 120U);
 }
 
-TEST(LivePicture, AsItIsTheSkyIsDark) {
-  LivePicture picture;
+TEST_F(LivePictureTest, AsItIsTheSkyIsDark) {
   picture.setFrame(frameWithStar(100, 50, 1));
   picture.measure(start);
   picture.setStretched(false);
-  Area area(320, 200);
-  picture.draw(area.target(), background);
-  EXPECT_EQ(area.at(300, 100) & 0xFFU, 3U);
+  draw(320, 200);
+  EXPECT_EQ(at(300, 100) & 0xFFU, 3U);
   picture.setStretched(true);
-  picture.draw(area.target(), background);
-  EXPECT_GT(area.at(300, 100) & 0xFFU, 20U);
+  draw(320, 200);
+  EXPECT_GT(at(300, 100) & 0xFFU, 20U);
 }
 
-TEST(LivePicture, InRedThereIsNoOtherColour) {
-  LivePicture picture;
+TEST_F(LivePictureTest, InRedThereIsNoOtherColour) {
   picture.setFrame(frameWithStar(100, 50, 1));
   picture.measure(start);
   picture.setTint(ScreenTint::Red);
-  Area area(320, 200);
-  picture.draw(area.target(), 0);
-  for (const std::uint32_t pixel : area.pixels) {
+  draw(320, 200);
+  for (const std::uint32_t pixel : pixels) {
     ASSERT_EQ(pixel & 0xFFFFU, 0U);
   }
 }
 
-TEST(LivePicture, PixelByPixelItCanBeMovedButNotAway) {
-  LivePicture picture;
+TEST_F(LivePictureTest, PixelByPixelItCanBeMovedButNotAway) {
   picture.setFrame(frameWithStar(160, 100, 1));
   picture.measure(start);
   picture.setPixelByPixel(true);
-  Area area(100, 80);
-  PictureView view = picture.draw(area.target(), background);
+  PictureView view = draw(100, 80);
   EXPECT_EQ(view.onScreen, (PixelRect{0, 0, 100, 80}));
   EXPECT_EQ(view.scale, 1);
   EXPECT_EQ(view.frameLeft, 110);
   EXPECT_EQ(view.frameTop, 60);
-  EXPECT_EQ(area.at(50, 40), 0xFFFFFFU);
-  picture.move(10, -5);
-  view = picture.draw(area.target(), background);
-  EXPECT_EQ(view.frameLeft, 100);
-  EXPECT_EQ(view.frameTop, 65);
-  picture.move(10000, 10000);
-  view = picture.draw(area.target(), background);
-  EXPECT_EQ(view.frameLeft, 0);
-  EXPECT_EQ(view.frameTop, 0);
-  picture.move(-10000, -10000);
-  view = picture.draw(area.target(), background);
-  EXPECT_EQ(view.frameLeft, 220);
-  EXPECT_EQ(view.frameTop, 120);
+  EXPECT_EQ(at(50, 40), 0xFFFFFFU);
+  const int moves[][4] = {{10, -5, 100, 65}, {10000, 10000, 0, 0}, {-10000, -10000, 220, 120}};
+  for (const auto& [right, down, left, top] : moves) {
+    picture.move(right, down);
+    view = draw(100, 80);
+    EXPECT_EQ(view.frameLeft, left);
+    EXPECT_EQ(view.frameTop, top);
+  }
 }
 
-TEST(LivePicture, PixelByPixelASmallFrameIsInTheMiddle) {
-  LivePicture picture;
+TEST_F(LivePictureTest, PixelByPixelASmallFrameIsInTheMiddle) {
   picture.setFrame(frameWithStar(160, 100, 1));
   picture.setPixelByPixel(true);
-  Area area(400, 300);
-  EXPECT_EQ(picture.draw(area.target(), background).onScreen, (PixelRect{40, 50, 320, 200}));
-  EXPECT_EQ(area.at(39, 100), background);
+  EXPECT_EQ(draw(400, 300).onScreen, (PixelRect{40, 50, 320, 200}));
+  EXPECT_EQ(at(39, 100), background);
 }
 
-TEST(LivePicture, MeasuresFromTimeToTime) {
-  LivePicture picture;
+TEST_F(LivePictureTest, MeasuresFromTimeToTime) {
   picture.setFrame(frameWithStar(100, 50, 1));
   EXPECT_FALSE(picture.measurements().areThere);
   EXPECT_TRUE(picture.measure(start));
@@ -153,8 +137,7 @@ TEST(LivePicture, MeasuresFromTimeToTime) {
   EXPECT_EQ(picture.measurements().diameters.size(), 2U);
 }
 
-TEST(LivePicture, RemembersTheLeastDiameterOfOneStream) {
-  LivePicture picture;
+TEST_F(LivePictureTest, RemembersTheLeastDiameterOfOneStream) {
   LivePicture::Clock::time_point now = start;
   for (const double width : {3.0, 2.0, 4.0}) {
     picture.setFrame(frameWithStar(100, 50, 1, width));
@@ -171,8 +154,7 @@ TEST(LivePicture, RemembersTheLeastDiameterOfOneStream) {
   EXPECT_NEAR(*picture.measurements().leastDiameter, 2 * sharp, 0.4);
 }
 
-TEST(LivePicture, KeepsNoMoreDiametersThanItShows) {
-  LivePicture picture;
+TEST_F(LivePictureTest, KeepsNoMoreDiametersThanItShows) {
   for (std::size_t round = 0; round < LivePicture::trendLength + 5; ++round) {
     picture.setFrame(frameWithStar(100, 50, 1));
     picture.measure(start + std::chrono::hours(round));
@@ -180,13 +162,12 @@ TEST(LivePicture, KeepsNoMoreDiametersThanItShows) {
   EXPECT_EQ(picture.measurements().diameters.size(), LivePicture::trendLength);
 }
 
-TEST(LivePicture, FollowsTheStarThatWasChosen) {
+TEST_F(LivePictureTest, FollowsTheStarThatWasChosen) {
   const FrameLayout layout{320, 200, PixelFormat::Raw16, BayerPattern::None};
   const std::vector<std::uint8_t> twoStars = frame16(layout, [](int x, int y) {
     return 800 + 20 * grain(x, y) + starLight(x, y, 100, 50, 2, 50000) +
            starLight(x, y, 250, 150, 2, 20000);
   });
-  LivePicture picture;
   picture.setFrame(frameOf(layout, 1, twoStars));
   picture.measure(start);
   EXPECT_NEAR(picture.measurements().focus.star->x, 100, 0.2);
@@ -196,21 +177,18 @@ TEST(LivePicture, FollowsTheStarThatWasChosen) {
   EXPECT_EQ(picture.measurements().diameters.size(), 1U);
 }
 
-TEST(LivePicture, ClearedItShowsNothing) {
-  LivePicture picture;
+TEST_F(LivePictureTest, ClearedItShowsNothing) {
   picture.setFrame(frameWithStar(100, 50, 1));
   picture.clear();
   EXPECT_FALSE(picture.hasFrame());
   EXPECT_FALSE(picture.measure(start));
 }
 
-TEST(LivePicture, FramesTooSmallForABayerPatternShowNothingAndDoNoHarm) {
-  LivePicture picture;
+TEST_F(LivePictureTest, FramesTooSmallForABayerPatternShowNothingAndDoNoHarm) {
   picture.setFrame(frameOf({1, 1, PixelFormat::Raw8, BayerPattern::Rggb}, 1, {9}));
   EXPECT_TRUE(picture.measure(start));
-  Area area(10, 10);
-  picture.draw(area.target(), background);
-  EXPECT_EQ(area.at(5, 5), background);
+  draw(10, 10);
+  EXPECT_EQ(at(5, 5), background);
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 
 #include <atomic>
 #include <fstream>
+#include <iomanip>
 #include <numeric>
+#include <sstream>
 
 #include "cpp_face/scripted_library.hpp"
 #include "scratch_directory.hpp"
@@ -20,12 +22,7 @@ using orvane::testing::SerFile;
 
 std::tm evening() {
   std::tm time = {};
-  time.tm_year = 126;
-  time.tm_mon = 10;
-  time.tm_mday = 1;
-  time.tm_hour = 20;
-  time.tm_min = 5;
-  time.tm_sec = 9;
+  std::istringstream("2026-11-01 20:05:09") >> std::get_time(&time, "%Y-%m-%d %H:%M:%S");
   return time;
 }
 
@@ -54,13 +51,8 @@ TEST(UnusedPath, IsNumberedWhereThereIsAFile) {
 }
 
 TEST(LiveRecording, ItsContentIsASentence) {
-  RecordingProgress recording;
-  recording.file = "a.ser";
-  recording.frames = 1;
-  EXPECT_EQ(contentText(recording), "1 frame in \"a.ser\".");
-  recording.frames = 12;
-  recording.droppedFrames = 3;
-  EXPECT_EQ(contentText(recording),
+  EXPECT_EQ(contentText({"a.ser", 1}), "1 frame in \"a.ser\".");
+  EXPECT_EQ(contentText({.file = "a.ser", .frames = 12, .droppedFrames = 3}),
             "12 frames in \"a.ser\". Dropped, since the disk did not keep up: 3.");
 }
 

@@ -1,4 +1,4 @@
-// Frames made small in one step, against values worked out by hand.
+// Reduced frames and parts of frames, compared with values calculated by hand.
 #include "live_view/reduced_frame.hpp"
 
 #include <gtest/gtest.h>

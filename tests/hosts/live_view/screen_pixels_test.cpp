@@ -1,4 +1,4 @@
-// Pixels for the screen: brightness, colour and size.
+// Images as screen pixels: brightness, colour and size.
 #include "live_view/screen_pixels.hpp"
 
 #include <gtest/gtest.h>

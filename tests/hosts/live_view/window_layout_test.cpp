@@ -1,4 +1,4 @@
-// Where everything in the window is.
+// The places of everything in the window.
 #include "live_view/window_layout.hpp"
 
 #include <gtest/gtest.h>
@@ -16,12 +16,14 @@ bool contains(const PixelRect& outer, const PixelRect& inner) {
 }
 
 std::vector<PixelRect> itemsOf(const WindowLayout& layout) {
-  return {layout.cameraName,     layout.cameraFormat,     layout.exposure.caption,
-          layout.exposure.track, layout.gain.caption,     layout.gain.track,
-          layout.offset.caption, layout.offset.track,     layout.histogramCaption,
-          layout.histogram,      layout.histogramNumbers, layout.focusCaption,
-          layout.focusFigure,    layout.focusTrend,       layout.facts,
-          layout.record};
+  std::vector<PixelRect> items = {layout.cameraName, layout.cameraFormat};
+  for (const SliderPlace& slider : layout.sliders) {
+    items.insert(items.end(), {slider.caption, slider.track});
+  }
+  items.insert(items.end(), {layout.histogramCaption, layout.histogram, layout.histogramNumbers,
+                             layout.focusCaption, layout.focusFigure, layout.focusTrend,
+                             layout.facts, layout.record});
+  return items;
 }
 
 class EveryDpi : public ::testing::TestWithParam<int> {};
