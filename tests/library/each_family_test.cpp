@@ -408,10 +408,13 @@ TEST_P(EachFamily, LimitThatCannotBeReadIsZero) {
   }
 }
 
-TEST_P(EachFamily, NameWithoutANulIsReadToTheEndOfItsField) {
+TEST_P(EachFamily, NameIsReadToItsNulOrToTheEndOfItsField) {
   setText(small.name, std::string(256, 'n'));
   rescan();
   EXPECT_EQ(infoValue(0, "name"), '"' + std::string(row.nameSize, 'n') + '"');
+  setText(small.name, "");
+  rescan();
+  EXPECT_EQ(infoValue(0, "name"), "\"\"");
 }
 
 TEST_P(EachFamily, OpenConfiguresAndStarts) {

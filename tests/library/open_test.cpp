@@ -92,7 +92,10 @@ TEST_F(Open, SizeThatTheSdkReportsBackIsUsed) {
   EXPECT_EQ(oc.buffer_size(), 160 * 100 * 2) << "in the requested format";
 }
 
-TEST_F(Open, FrameMayHaveTwoToThe30Bytes) {
+TEST_F(Open, FrameHasOneByteToTwoToThe30) {
+  reportSize(1, 1);
+  EXPECT_EQ(open(), 1) << error();
+  EXPECT_EQ(oc.buffer_size(), 1);
   reportSize(32768, 32768);
   EXPECT_EQ(open(), 1) << error();
   EXPECT_EQ(oc.buffer_size(), 1 << 30);

@@ -89,6 +89,22 @@ TEST_F(ToupTek, UsbFlagsDistinguishCameraAndPort) {
   }
 }
 
+TEST_F(ToupTek, EveryFlagIsABitOfItsOwn) {
+  constexpr std::uint32_t mono = 0x10;
+  constexpr std::uint32_t usb3 = 0x40;
+  constexpr std::uint32_t cooled = 0x80;
+  for (const std::uint32_t flag : {mono, usb3, cooled}) {
+    for (const std::uint32_t flags : {flag, ~flag}) {
+      onlyOutput("Toupcam_EnumV2", "flag", flags);
+      EXPECT_EQ(oc.scan(), 1);
+      const auto text = [&](std::uint32_t bit) { return (flags & bit) != 0 ? "true" : "false"; };
+      EXPECT_EQ(infoValue(0, "isUsb3Camera"), text(usb3)) << flags;
+      EXPECT_EQ(infoValue(0, "isCooled"), text(cooled)) << flags;
+      EXPECT_EQ(infoValue(0, "isColor"), (flags & mono) != 0 ? "false" : "true") << flags;
+    }
+  }
+}
+
 TEST_F(ToupTek, RangesAreUnsigned) {
   sdk.forceOutput("Toupcam_get_ExpTimeRange", "nMax", 4294967295.0);
   sdk.forceOutput("Toupcam_get_ExpoAGainRange", "nMin", 40000);
