@@ -1,4 +1,4 @@
-// A picture to draw charts on. The one source file with the font library's code in it.
+// A picture to draw charts on. The only source file that contains the font library's code.
 #include "imaging/canvas.hpp"
 
 #include <stb_easy_font.h>
@@ -15,7 +15,7 @@ namespace orvane::host {
 
 namespace {
 
-// The font knows no others.
+// The font has no other characters.
 std::string asciiOnly(const std::string& text) {
   std::string ascii;
   for (const char letter : text) {
@@ -27,7 +27,7 @@ std::string asciiOnly(const std::string& text) {
   return ascii;
 }
 
-// The font's letters consist of upright rectangles.
+// The font's letters consist of rectangles.
 struct Rectangle {
   float left, top, right, bottom;
 };
@@ -49,7 +49,7 @@ std::vector<Rectangle> rectanglesOf(const std::string& text) {
   return rectangles;
 }
 
-// 1, 2 or 5 times a power of ten: the first that is no smaller.
+// Rounds up to 1, 2 or 5 times a power of ten.
 double roundedUp(double step) {
   const double power = std::pow(10, std::floor(std::log10(step)));
   for (const double factor : {1.0, 2.0, 5.0}) {

@@ -21,24 +21,24 @@ const char* formatName(PixelFormat format);
 /// The format with this name.
 std::optional<PixelFormat> formatFromName(std::string_view name);
 
-/// The Bayer pattern with this code of the library's; none for an unknown code.
+/// The Bayer pattern with this code of the library; None for an unknown code.
 BayerPattern bayerFromCode(int code);
 
-/// The Bayer pattern with this name, in letters of any case: "RGGB" and so on, or "none".
+/// The Bayer pattern with this name: "RGGB" and so on, or "none". Ignores case.
 std::optional<BayerPattern> bayerFromName(std::string_view name);
 
-/// "RGGB" and so on; "" for none.
+/// "RGGB" and so on; "" for None.
 const char* bayerName(BayerPattern bayer);
 
-/// Where the red pixel of a Bayer pattern's 2 x 2 pixels is: column and row, 0 or 1. Blue is in the
-/// other column and the other row, green in the other column or the other row.
+/// The column and row (0 or 1) of the red pixel in a Bayer pattern's 2 x 2 pixels. Blue is in the
+/// other column and the other row; the two others are green.
 struct RedPixel {
   int column = 0;
   int row = 0;
 };
 
 constexpr RedPixel redPixelOf(BayerPattern bayer) {
-  const auto code = static_cast<int>(bayer);  // its lowest bit is the column, the next one the row
+  const auto code = static_cast<int>(bayer);  // bit 0 is the column, bit 1 the row
   return {code & 1, code >> 1 & 1};
 }
 

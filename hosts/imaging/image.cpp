@@ -7,7 +7,7 @@ namespace orvane::host {
 
 namespace {
 
-// The coordinate before the first is the second, so that the Bayer pattern continues.
+// Mirrors around the first and the last coordinate themselves, so that the Bayer pattern continues.
 std::size_t mirrored(int coordinate, int size) {
   const int inside = coordinate < 0      ? -coordinate
                      : coordinate < size ? coordinate
@@ -90,13 +90,13 @@ Image debayer(const Image& raw, BayerPattern bayer) {
       const std::size_t right = mirrored(x + 1, width);
       const std::uint16_t own = here[middle];
       const bool isRedColumn = x % 2 == red.column;
-      if (isRedRow != isRedColumn) {  // green: one of the others is beside it, one above it
+      if (isRedRow != isRedColumn) {  // green, between two of red and two of blue
         const std::uint16_t beside = mean(here[left], here[right]);
         const std::uint16_t upright = mean(above[middle], below[middle]);
         pixel[0] = isRedRow ? beside : upright;
         pixel[1] = own;
         pixel[2] = isRedRow ? upright : beside;
-      } else {  // red or blue: green is around it, the other one at the corners
+      } else {  // red or blue, with the other of the two at the corners
         const std::uint16_t corners = mean(above[left], above[right], below[left], below[right]);
         pixel[0] = isRedRow ? own : corners;
         pixel[1] = mean(above[middle], below[middle], here[left], here[right]);

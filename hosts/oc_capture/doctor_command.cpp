@@ -1,6 +1,4 @@
 // "oc_capture doctor": whether the makers' SDKs are there, load, and have all that is needed.
-#include "oc_capture/doctor_command.hpp"
-
 #include <algorithm>
 #include <iostream>
 #include <stdexcept>
@@ -23,12 +21,11 @@ struct DoctorSettings {
 
 void addOptions(CommandOptions& options, DoctorSettings& doctor) {
   addSdkOptions(options, doctor.sdkDirectory);
-  options.addFlag("--scan", doctor.mayScan, "Ask the library too, which opens every camera");
+  options.addFlag("--scan", doctor.mayScan, "Scan too, which opens every camera");
   options.addFlag("--json", doctor.asJson, "Write one JSON document");
 }
 
-// False when an SDK was not loaded because loading it could end this program: the scan would load
-// it.
+// False if an SDK was not loaded because that could end this program. The scan would load it.
 bool canBeScanned(const std::vector<SdkFindings>& sdks) {
   return std::none_of(sdks.begin(), sdks.end(), [](const SdkFindings& sdk) {
     return sdk.isPresent && sdk.load == LoadOutcome::NotTried;
@@ -41,9 +38,8 @@ void scan(DoctorFindings& findings) {
     return;
   }
   const oc::Scan found = presentable(oc::scan(findings.directory));
-  findings.scan =
-      LibraryFindings{joined(found.libraries, ", ", [](const std::string& name) { return name; }),
-                      found.error, static_cast<int>(found.cameras.size())};
+  findings.scan = LibraryFindings{joined(found.libraries, ", "), found.error,
+                                  static_cast<int>(found.cameras.size())};
 }
 
 int examineSdks(const DoctorSettings& settings) {
@@ -63,14 +59,13 @@ int examineSdks(const DoctorSettings& settings) {
 }
 
 constexpr const char* explanation =
-    R"(For each of the four SDKs: its file, whether it loads and otherwise what the
-system says, the functions that the library calls and the SDK lacks, and the
+    R"(Tells about each of the four SDKs: its file, whether it loads or the system's
+message, the functions that the library calls but the SDK lacks, and the
 libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
-The exit status is 1 when an SDK that is there is not healthy, or the scan
-failed.
+The exit status is 1 if an SDK is there but not healthy, or if the scan failed.
 
-With --scan the library itself is asked, too. It then opens every camera for a
-moment, which disturbs a program that is using one.)";
+With --scan the library itself scans for cameras, too. It opens every camera
+for a moment, which disturbs a program that is using one.)";
 
 constexpr const char* examples =
     R"(  oc_capture doctor --sdk C:\sdk

@@ -2,15 +2,13 @@
 #include "oc_capture/doctor_report.hpp"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
+#include "oc_capture/report.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 constexpr std::size_t labelWidth = 14;
 
@@ -21,10 +19,6 @@ std::string pathText(const std::filesystem::path& path) {
 
 std::string line(const std::string& label, const std::string& text) {
   return "  " + label + std::string(labelWidth - label.size(), ' ') + text + "\n";
-}
-
-std::string furtherLine(const std::string& text) {
-  return line("", text);
 }
 
 std::string kindOf(const SdkFindings& sdk) {
@@ -58,7 +52,7 @@ std::string functionLines(const SdkFindings& sdk) {
   const std::size_t all = sdk.sdk.functions.size();
   std::string lines = line("Functions", countText(all - sdk.missingFunctions.size(), all, "there"));
   for (const std::string& function : sdk.missingFunctions) {
-    lines += furtherLine("missing: " + function);
+    lines += line("", "missing: " + function);
   }
   return lines;
 }
@@ -74,13 +68,13 @@ std::string importLines(const SdkFindings& sdk) {
   if (sdk.imports.empty()) {
     return line("Needs", sdk.content.problem.empty() ? "no other library" : "not known");
   }
-  const auto fine = static_cast<std::size_t>(std::count_if(
-      sdk.imports.begin(), sdk.imports.end(), [](const auto& each) { return each.isFine(); }));
-  std::string lines = line("Needs", countText(fine, sdk.imports.size(), "libraries found"));
+  std::size_t fine = 0;
+  std::string problems;
   for (const ImportFinding& import : sdk.imports) {
-    lines += import.isFine() ? "" : furtherLine(importProblem(import));
+    fine += import.isFine() ? 1 : 0;
+    problems += import.isFine() ? "" : line("", importProblem(import));
   }
-  return lines;
+  return line("Needs", countText(fine, sdk.imports.size(), "libraries found")) + problems;
 }
 
 std::string versionLine(const SdkFindings& sdk) {
@@ -110,13 +104,13 @@ std::string sdkLines(const SdkFindings& sdk) {
 
 // What oc_libraries() should list.
 std::string loadableSdks(const DoctorFindings& findings) {
-  std::string names;
+  std::vector<std::string> names;
   for (const SdkFindings& sdk : findings.sdks) {
     if (sdk.load == LoadOutcome::Loaded) {
-      names += (names.empty() ? "" : ", ") + std::string(sdk.sdk.baseName);
+      names.emplace_back(sdk.sdk.baseName);
     }
   }
-  return names;
+  return joined(names, ", ");
 }
 
 std::string libraryLines(const DoctorFindings& findings) {
@@ -127,14 +121,14 @@ std::string libraryLines(const DoctorFindings& findings) {
              line("oc_libraries", inQuotes(scan.libraries)) +
              line("oc_error", inQuotes(scan.error));
     if (scan.libraries != loadableSdks(findings)) {
-      lines += furtherLine("The library loaded other SDKs than could be loaded here.");
+      lines += line("", "The library loaded other SDKs than could be loaded here.");
     }
   } else if (findings.wasAskedToScan) {
-    lines += furtherLine("not asked: a scan would load the file that it is not safe to load");
+    lines += line("", "not asked: a scan would load the file that it is not safe to load");
   } else {
-    lines += furtherLine("not asked: it loads the SDKs in a scan only, and a scan opens every");
-    lines += furtherLine("camera for a moment; oc_libraries and oc_error know nothing before.");
-    lines += furtherLine("Add --scan when no other program is using a camera.");
+    lines += line("", "not asked: it loads the SDKs in a scan only, and a scan opens every");
+    lines += line("", "camera for a moment; oc_libraries and oc_error know nothing before.");
+    lines += line("", "Add --scan when no other program is using a camera.");
   }
   return lines + "\n";
 }
@@ -152,61 +146,43 @@ std::string summary(const DoctorFindings& findings) {
          " SDKs, " + std::to_string(healthy) + " healthy.\n";
 }
 
-template <class Value>
-ordered_json orNull(const std::optional<Value>& value) {
-  return value ? ordered_json(*value) : ordered_json(nullptr);
-}
-
-ordered_json orNull(const std::string& text) {
-  return text.empty() ? ordered_json(nullptr) : ordered_json(text);
-}
-
-ordered_json importJson(const ImportFinding& import) {
-  return {{"name", import.name},
-          {"neededBy", import.neededBy},
-          {"missing", import.isMissing},
-          {"file", orNull(pathText(import.file))},
-          {"problem", orNull(import.problem)}};
-}
-
-ordered_json loadsJson(const SdkFindings& sdk) {
-  return sdk.load == LoadOutcome::NotTried ? ordered_json(nullptr)
-                                           : ordered_json(sdk.load == LoadOutcome::Loaded);
-}
-
-ordered_json sdkJson(const SdkFindings& sdk) {
-  ordered_json imports = ordered_json::array();
+Json sdkJson(const SdkFindings& sdk) {
+  Json imports = Json::array();
   for (const ImportFinding& import : sdk.imports) {
-    imports.push_back(importJson(import));
+    imports.push_back({{"name", import.name},
+                       {"neededBy", import.neededBy},
+                       {"missing", import.isMissing},
+                       {"file", orNull(pathText(import.file))},
+                       {"problem", orNull(import.problem)}});
   }
   const bool isLoaded = sdk.load == LoadOutcome::Loaded;
-  ordered_json json;
-  json["maker"] = sdk.sdk.maker;
-  json["name"] = sdk.sdk.baseName;
-  json["file"] = pathText(sdk.file);
-  json["present"] = sdk.isPresent;
-  json["healthy"] = sdk.isHealthy();
-  json["problem"] = orNull(sdk.content.problem);
-  json["bits"] = sdk.content.bits == 0 ? ordered_json(nullptr) : ordered_json(sdk.content.bits);
-  json["processor"] = orNull(sdk.content.processor);
-  json["fileVersion"] = orNull(sdk.content.version);
-  json["soname"] =
-      sdk.content.soname ? ordered_json(validUtf8(*sdk.content.soname)) : ordered_json(nullptr);
-  json["loads"] = loadsJson(sdk);
-  json["loadError"] = orNull(sdk.loadProblem);
-  json["loadErrorCode"] = orNull(sdk.loadCode);
-  json["functions"] = sdk.sdk.functions.size();
-  json["missingFunctions"] = isLoaded ? ordered_json(sdk.missingFunctions) : ordered_json(nullptr);
-  json["imports"] = imports;
-  return json;
+  const LibraryFile& content = sdk.content;
+  return {{"maker", sdk.sdk.maker},
+          {"name", sdk.sdk.baseName},
+          {"file", pathText(sdk.file)},
+          {"present", sdk.isPresent},
+          {"healthy", sdk.isHealthy()},
+          {"problem", orNull(content.problem)},
+          {"bits", content.bits == 0 ? Json() : Json(content.bits)},
+          {"processor", orNull(content.processor)},
+          {"fileVersion", orNull(content.version)},
+          {"soname", content.soname ? Json(validUtf8(*content.soname)) : Json()},
+          {"loads", sdk.load == LoadOutcome::NotTried ? Json() : Json(isLoaded)},
+          {"loadError", orNull(sdk.loadProblem)},
+          {"loadErrorCode", orNull(sdk.loadCode)},
+          {"functions", sdk.sdk.functions.size()},
+          {"missingFunctions", isLoaded ? Json(sdk.missingFunctions) : Json()},
+          {"imports", imports}};
 }
 
-ordered_json libraryJson(const DoctorFindings& findings) {
-  const bool wasScanned = findings.scan.has_value();
-  return {{"scanned", wasScanned},
-          {"cameras", wasScanned ? ordered_json(findings.scan->cameraCount) : ordered_json()},
-          {"libraries", wasScanned ? ordered_json(findings.scan->libraries) : ordered_json()},
-          {"error", wasScanned ? ordered_json(findings.scan->error) : ordered_json()}};
+Json libraryJson(const DoctorFindings& findings) {
+  if (!findings.scan) {
+    return {{"scanned", false}, {"cameras", nullptr}, {"libraries", nullptr}, {"error", nullptr}};
+  }
+  return {{"scanned", true},
+          {"cameras", findings.scan->cameraCount},
+          {"libraries", findings.scan->libraries},
+          {"error", findings.scan->error}};
 }
 
 }  // namespace
@@ -226,14 +202,14 @@ std::string doctorText(const DoctorFindings& findings) {
 }
 
 std::string doctorJson(const DoctorFindings& findings) {
-  ordered_json json;
-  json["directory"] = pathText(findings.directory);
-  json["healthy"] = findings.isHealthy();
-  json["sdks"] = ordered_json::array();
+  Json sdks = Json::array();
   for (const SdkFindings& sdk : findings.sdks) {
-    json["sdks"].push_back(sdkJson(sdk));
+    sdks.push_back(sdkJson(sdk));
   }
-  json["library"] = libraryJson(findings);
+  const Json json{{"directory", pathText(findings.directory)},
+                  {"healthy", findings.isHealthy()},
+                  {"sdks", sdks},
+                  {"library", libraryJson(findings)}};
   return json.dump(2) + "\n";
 }
 

@@ -1,9 +1,5 @@
 // "oc_capture snap": one frame of a camera, written into a PNG or FITS file.
-#include "oc_capture/snap_command.hpp"
-
 #include <chrono>
-#include <iostream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,6 +10,7 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
+#include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -93,29 +90,23 @@ FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera
   return description;
 }
 
-void report(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
-  const FrameLayout& layout = snapshot.layout;
-  if (settings.reporting.asJson) {
-    nlohmann::ordered_json document;
-    document["file"] = utf8FromPath(settings.file.path);
-    document["camera"] = camera.description.name;
-    document["width"] = layout.width;
-    document["height"] = layout.height;
-    document["format"] = formatName(layout.format);
-    document["bayer"] = bayerName(layout.bayer);
-    document["exposureUs"] = camera.settings.exposureUs;
-    document["gain"] = *camera.settings.gain;
-    document["offset"] = camera.settings.offset;
-    document["bin"] = camera.settings.bin;
-    document["temperature"] = snapshot.temperature ? nlohmann::ordered_json(*snapshot.temperature)
-                                                   : nlohmann::ordered_json();
-    std::cout << document.dump(2) << "\n" << std::flush;
-  } else if (!settings.reporting.isQuiet) {
-    std::cout << "Took a frame of " << layout.width << " x " << layout.height << " "
-              << formatName(layout.format) << ": " << inQuotes(utf8FromPath(settings.file.path))
-              << ".\n"
-              << std::flush;
-  }
+Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
+  return {{"file", utf8FromPath(settings.file.path)},
+          {"camera", camera.description.name},
+          {"width", snapshot.layout.width},
+          {"height", snapshot.layout.height},
+          {"format", formatName(snapshot.layout.format)},
+          {"bayer", bayerName(snapshot.layout.bayer)},
+          {"exposureUs", camera.settings.exposureUs},
+          {"gain", *camera.settings.gain},
+          {"offset", camera.settings.offset},
+          {"bin", camera.settings.bin},
+          {"temperature", orNull(snapshot.temperature)}};
+}
+
+std::string textOf(const SnapSettings& settings, const FrameLayout& layout) {
+  return "Took a frame of " + sizeText(layout.width, layout.height) + " " +
+         formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n";
 }
 
 int snap(const SnapSettings& settings) {
@@ -136,7 +127,7 @@ int snap(const SnapSettings& settings) {
     constexpr int anySize = 1 << 20;
     writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize));
   }
-  report(settings, camera, snapshot);
+  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot.layout));
   return 0;
 }
 

@@ -17,7 +17,7 @@ namespace orvane::host {
 class DamagedFile : public std::exception {};
 
 /// Reads at any offset of some bytes, which must outlive it. Unless stated otherwise, a member
-/// throws DamagedFile when what it reads does not lie within the bytes as a whole.
+/// throws DamagedFile if not all that it reads is within the bytes.
 class ByteReader {
  public:
   explicit ByteReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}

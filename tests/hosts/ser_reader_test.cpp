@@ -8,7 +8,7 @@
 
 #include "formats/ser_writer.hpp"
 #include "scratch_directory.hpp"
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 

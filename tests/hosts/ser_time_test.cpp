@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-#include "system/utc_text.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -1,5 +1,5 @@
 // Files that are written at any position.
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 #include <gtest/gtest.h>
 
