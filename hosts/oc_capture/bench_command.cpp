@@ -48,10 +48,6 @@ void addOptions(CommandOptions& options, BenchSettings& bench) {
 
 using Clock = std::chrono::steady_clock;
 
-double secondsBetween(Clock::time_point start, Clock::time_point end) {
-  return std::chrono::duration<double>(end - start).count();
-}
-
 // The measurements to make. All options are checked against the cameras' descriptions before the
 // first camera is opened.
 std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {

@@ -11,6 +11,11 @@
 
 namespace orvane::host {
 
+inline double secondsBetween(std::chrono::steady_clock::time_point start,
+                             std::chrono::steady_clock::time_point end) {
+  return std::chrono::duration<double>(end - start).count();
+}
+
 /// An open camera and a queue that takes every frame from the first one on. A failed read, or five
 /// waits without a frame, end the stream: next() then throws oc::Error.
 class CameraStream {

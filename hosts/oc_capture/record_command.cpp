@@ -65,14 +65,6 @@ struct Recording {
   std::string error;  // what failed, or empty
 };
 
-CaptureLength lengthOf(const RecordSettings& settings) {
-  CaptureLength length = settings.length;
-  if (!length.frames && !length.microseconds) {
-    length.frames = 100;
-  }
-  return length;
-}
-
 // The order of these calls makes sure that no frame after `start` has an earlier time.
 std::chrono::system_clock::time_point systemTimeOf(SteadyClock::time_point start) {
   const auto now = std::chrono::system_clock::now();
@@ -85,8 +77,7 @@ class RecordingSession {
   RecordingSession(const RecordSettings& settings, const ChosenCamera& camera)
       : settings_(settings),
         camera_(camera),
-        length_(lengthOf(settings)),
-        stream_(std::in_place, camera, settings.camera, length_.frames,
+        stream_(std::in_place, camera, settings.camera, settings.length.frames,
                 std::int64_t{1'000'000} * settings.memoryMegabytes),
         layout_(correctedLayout(stream_->state().layout, settings.camera.correction)),
         line_(settings.reporting.isQuiet) {}
@@ -106,17 +97,13 @@ class RecordingSession {
     stream_.reset();
     finish(recorder, recording);
     recording.secondsUntilWritten = secondsBetween(start, SteadyClock::now());
-    if (length_.frames == recording.frames && recording.lastFrame.arrival() > start) {
+    if (settings_.length.frames == recording.frames && recording.lastFrame.arrival() > start) {
       recording.seconds = secondsBetween(start, recording.lastFrame.arrival());
     }
     return recording;
   }
 
  private:
-  static double secondsBetween(SteadyClock::time_point start, SteadyClock::time_point end) {
-    return std::chrono::duration<double>(end - start).count();
-  }
-
   SerDescription serDescription(std::chrono::system_clock::time_point start) const {
     return {layout_,
             settings_.observer,
@@ -128,7 +115,7 @@ class RecordingSession {
 
   bool isOver(const SerRecorder& recorder, SteadyClock::time_point start) const {
     return stopRequested() ||
-           length_.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
+           settings_.length.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
   }
 
   void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start) {
@@ -183,7 +170,6 @@ class RecordingSession {
 
   const RecordSettings& settings_;
   const ChosenCamera& camera_;
-  const CaptureLength length_;
   std::optional<CameraStream> stream_;
   FrameLayout layout_;  // of the corrected frames
   StatusLine line_;
@@ -242,7 +228,11 @@ std::filesystem::path writePreview(const RecordSettings& settings, const Recordi
   return preview;
 }
 
-int record(const RecordSettings& settings) {
+int record(const RecordSettings& given) {
+  RecordSettings settings = given;
+  if (!settings.length.frames && !settings.length.microseconds) {
+    settings.length.frames = 100;
+  }
   requireUsable(settings.file);
   catchStopRequests();
   useFineSleep();
