@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-
 #include <cstdlib>
 
 #include "system/text.hpp"
