@@ -40,9 +40,7 @@ void addOptions(CommandOptions& options, BenchSettings& bench) {
               [&bench](const char* option, const std::string& text) {
                 bench.durationUs = parseSeconds(option, text);
               });
-  addOutputOptions(
-      options, bench.chart,
-      {"CHART.png", "The results as a chart", "Replace CHART.png if it exists", {".png"}});
+  addOutputOptions(options, bench.chart, {"CHART.png", "The results as a chart", {".png"}});
   addReportingOptions(options, bench.reporting);
 }
 
@@ -215,25 +213,21 @@ int bench(const BenchSettings& settings) {
   return reportFailures(results);
 }
 
-constexpr const char* explanation =
-    R"(Without --camera all cameras are measured, without --format all formats of each.
-Measures frames and megabytes a second, the number of reads that returned no
-frame, and the waits from one frame to the next: their median (p50), 90th and
-99th percentile, and the longest. The clock starts with the first frame after
-those of --discard.)";
-
-constexpr const char* examples =
-    R"(  oc_capture bench --sdk C:\sdk --exposure 1ms --out rates.png
-  oc_capture bench --sdk C:\sdk --camera ASI294 --format raw16 --seconds 10)";
-
 }  // namespace
 
 const Command benchCommand{
-    "bench",
-    "Measure how fast cameras deliver",
-    explanation,
-    examples,
-    prepareCommand<BenchSettings, addOptions, bench>,
+    .name = "bench",
+    .description = "Measure how fast cameras deliver",
+    .explanation =
+        R"(Without --camera all cameras are measured, without --format all formats of each.
+Measures frames and megabytes a second, the number of reads that returned no
+frame, and the waits from one frame to the next: their median (p50), 90th and
+99th percentile, and the longest. The clock starts with the first frame after
+those of --discard.)",
+    .examples =
+        R"(  oc_capture bench --sdk C:\sdk --exposure 1ms --out rates.png
+  oc_capture bench --sdk C:\sdk --camera ASI294 --format raw16 --seconds 10)",
+    .prepare = prepareCommand<BenchSettings, addOptions, bench>,
 };
 
 }  // namespace orvane::host

@@ -66,7 +66,7 @@ void CommandOptions::add(const char* name, const char* type, const char* descrip
       ->required(presence == Presence::Required);
 }
 
-void CommandOptions::addFlag(const char* name, bool& flag, const char* description) {
+void CommandOptions::addFlag(const char* name, bool& flag, const std::string& description) {
   parser_.add_flag(name, flag, description);
 }
 

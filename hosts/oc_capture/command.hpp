@@ -40,7 +40,7 @@ class CommandOptions {
            Presence presence = Presence::Optional);
 
   /// An option without a value, which sets `flag`.
-  void addFlag(const char* name, bool& flag, const char* description);
+  void addFlag(const char* name, bool& flag, const std::string& description);
 
  private:
   CLI::App& parser_;

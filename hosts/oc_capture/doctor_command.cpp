@@ -259,24 +259,23 @@ int examineSdks(const DoctorSettings& settings) {
   return findings.isHealthy() ? 0 : 1;
 }
 
-constexpr const char* explanation =
-    R"(Tells about each of the four SDKs: its file, whether it loads or the system's
+}  // namespace
+
+const Command doctorCommand{
+    .name = "doctor",
+    .description = "Tell why an SDK cannot be used, without opening a camera",
+    .explanation =
+        R"(Tells about each of the four SDKs: its file, whether it loads or the system's
 message, the functions that the library calls but the SDK lacks, and the
 libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
 The exit status is 1 if an SDK is there but not healthy, or if the scan failed.
 
 With --scan the library itself scans for cameras, too. It opens every camera
-for a moment, which disturbs a program that is using one.)";
-
-constexpr const char* examples =
-    R"(  oc_capture doctor --sdk C:\sdk
-  oc_capture doctor --sdk C:\sdk --scan --json)";
-
-}  // namespace
-
-const Command doctorCommand{
-    "doctor", "Tell why an SDK cannot be used, without opening a camera", explanation,
-    examples, prepareCommand<DoctorSettings, addOptions, examineSdks>,
+for a moment, which disturbs a program that is using one.)",
+    .examples =
+        R"(  oc_capture doctor --sdk C:\sdk
+  oc_capture doctor --sdk C:\sdk --scan --json)",
+    .prepare = prepareCommand<DoctorSettings, addOptions, examineSdks>,
 };
 
 }  // namespace orvane::host

@@ -106,18 +106,16 @@ int listCameras(const ListSettings& settings) {
   return 0;
 }
 
-constexpr const char* examples =
-    R"(  oc_capture list --sdk C:\sdk
-  oc_capture list --sdk C:\sdk --json)";
-
 }  // namespace
 
 const Command listCommand{
-    "list",
-    "List the cameras and what they can do",
-    "",
-    examples,
-    prepareCommand<ListSettings, addOptions, listCameras>,
+    .name = "list",
+    .description = "List the cameras and what they can do",
+    .explanation = "",
+    .examples =
+        R"(  oc_capture list --sdk C:\sdk
+  oc_capture list --sdk C:\sdk --json)",
+    .prepare = prepareCommand<ListSettings, addOptions, listCameras>,
 };
 
 }  // namespace orvane::host

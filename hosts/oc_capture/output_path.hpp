@@ -20,7 +20,6 @@ struct OutputPath {
 struct OutputOption {
   const char* type;
   const char* description;
-  const char* overwriteDescription;
   std::vector<std::string> endings;
   Presence presence = Presence::Optional;
 };

@@ -32,8 +32,7 @@ void addOptions(CommandOptions& options, PlaySettings& play) {
       "FILE.ser", "", "The recording",
       [&play](const char*, const std::string& text) { play.file = pathFromUtf8(text); },
       Presence::Required);
-  addOutputOptions(options, play.sheet,
-                   {"SHEET.png", "The contact sheet", "Replace SHEET.png if it exists", {".png"}});
+  addOutputOptions(options, play.sheet, {"SHEET.png", "The contact sheet", {".png"}});
   addCorrectionOptions(options, play.correction);
   addReportingOptions(options, play.reporting);
 }
@@ -170,24 +169,20 @@ int play(const PlaySettings& settings) {
   return 0;
 }
 
-constexpr const char* explanation =
-    R"(Tells the number of frames, their size, colours and depth. The rate and the
-gaps follow from the frames' time stamps: an interval of more than one and a
-half times the median is a gap. The contact sheet shows up to twelve frames
-from the first to the last, in colour and brightened.)";
-
-constexpr const char* examples =
-    R"(  oc_capture play jupiter.ser
-  oc_capture play jupiter.ser --out jupiter-sheet.png)";
-
 }  // namespace
 
 const Command playCommand{
-    "play",
-    "Tell what a recording holds, and show it on a contact sheet",
-    explanation,
-    examples,
-    prepareCommand<PlaySettings, addOptions, play>,
+    .name = "play",
+    .description = "Tell what a recording holds, and show it on a contact sheet",
+    .explanation =
+        R"(Tells the number of frames, their size, colours and depth. The rate and the
+gaps follow from the frames' time stamps: an interval of more than one and a
+half times the median is a gap. The contact sheet shows up to twelve frames
+from the first to the last, in colour and brightened.)",
+    .examples =
+        R"(  oc_capture play jupiter.ser
+  oc_capture play jupiter.ser --out jupiter-sheet.png)",
+    .prepare = prepareCommand<PlaySettings, addOptions, play>,
 };
 
 }  // namespace orvane::host

@@ -35,9 +35,8 @@ struct RecordSettings {
 
 void addOptions(CommandOptions& options, RecordSettings& record) {
   addCameraOptions(options, record.camera);
-  addOutputOptions(
-      options, record.file,
-      {"FILE.ser", "The recording", "Replace FILE.ser if it exists", {".ser"}, Presence::Required});
+  addOutputOptions(options, record.file,
+                   {"FILE.ser", "The recording", {".ser"}, Presence::Required});
   addLengthOptions(options, record.length, "Number of frames to record", "Length of the recording");
   constexpr int mostMegabytes = 1 << 20;
   options.add("--memory", "MB", "For frames that wait to be written;\n256 if not given",
@@ -255,8 +254,13 @@ int record(const RecordSettings& given) {
   return 0;
 }
 
-constexpr const char* explanation =
-    R"(A recording ends after --frames frames (100 if neither --frames nor --seconds is
+}  // namespace
+
+const Command recordCommand{
+    .name = "record",
+    .description = "Record a camera's frames into a SER file",
+    .explanation =
+        R"(A recording ends after --frames frames (100 if neither --frames nor --seconds is
 given), after --seconds seconds, or on Ctrl-C. The file is valid in any case.
 The program waits for a frame for twice the exposure plus 500 ms; after five
 such waits without a frame the recording ends with an error.
@@ -268,17 +272,11 @@ and 8 bytes for each recorded frame.
 
 FILE.ser holds the frames as the camera delivers them, and the time when each
 arrived. 16-bit frames are stored with 16 bits, whatever the converter's bit
-depth. FILE.png, beside it, shows the last frame, in colour and brightened.)";
-
-constexpr const char* examples =
-    R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
-  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)";
-
-}  // namespace
-
-const Command recordCommand{
-    "record", "Record a camera's frames into a SER file",         explanation,
-    examples, prepareCommand<RecordSettings, addOptions, record>,
+depth. FILE.png, beside it, shows the last frame, in colour and brightened.)",
+    .examples =
+        R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
+  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)",
+    .prepare = prepareCommand<RecordSettings, addOptions, record>,
 };
 
 }  // namespace orvane::host

@@ -31,12 +31,9 @@ struct SnapSettings {
 
 void addOptions(CommandOptions& options, SnapSettings& snap) {
   addCameraOptions(options, snap.camera);
-  addOutputOptions(options, snap.file,
-                   {"FILE",
-                    "The file: .png, .fits or .fit",
-                    "Replace the file if it exists",
-                    {".png", ".fits", ".fit"},
-                    Presence::Required});
+  addOutputOptions(
+      options, snap.file,
+      {"FILE", "The file: .png, .fits or .fit", {".png", ".fits", ".fit"}, Presence::Required});
   options.add("--observer", "NAME", "Written into a FITS file", intoText(snap.observer));
   options.add("--telescope", "NAME", "Written into a FITS file", intoText(snap.telescope));
   addReportingOptions(options, snap.reporting);
@@ -131,21 +128,20 @@ int snap(const SnapSettings& settings) {
   return 0;
 }
 
-constexpr const char* explanation =
-    R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
-holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
-three planes, rows from the top (ROWORDER), with the settings, the temperature
-and the time in its header.)";
-
-constexpr const char* examples =
-    R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
-  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)";
-
 }  // namespace
 
 const Command snapCommand{
-    "snap",   "Take one frame as a PNG or FITS file",         explanation,
-    examples, prepareCommand<SnapSettings, addOptions, snap>,
+    .name = "snap",
+    .description = "Take one frame as a PNG or FITS file",
+    .explanation =
+        R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
+holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
+three planes, rows from the top (ROWORDER), with the settings, the temperature
+and the time in its header.)",
+    .examples =
+        R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
+  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)",
+    .prepare = prepareCommand<SnapSettings, addOptions, snap>,
 };
 
 }  // namespace orvane::host

@@ -30,10 +30,7 @@ void addOptions(CommandOptions& options, WatchSettings& watch) {
   addCameraOptions(options, watch.camera);
   addLengthOptions(options, watch.length, "Number of frames to look at", "Length of the watch");
   addOutputOptions(options, watch.plot,
-                   {"PLOT.png",
-                    "A plot of the watch, written at the end",
-                    "Replace PLOT.png if it exists",
-                    {".png"}});
+                   {"PLOT.png", "A plot of the watch, written at the end", {".png"}});
   addReportingOptions(options, watch.reporting);
 }
 
@@ -178,24 +175,20 @@ int watch(const WatchSettings& settings) {
   return 0;
 }
 
-constexpr const char* explanation =
-    R"(Shows the sensor's temperature and, for the last frame, the mean, the smallest
-and the largest sample and the number of saturated pixels. Ends after --frames
-frames, after --seconds seconds, or on Ctrl-C. In the plot of a long watch, a
-point stands for several neighbouring frames.)";
-
-constexpr const char* examples =
-    R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
-  oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)";
-
 }  // namespace
 
 const Command watchCommand{
-    "watch",
-    "Watch a camera's temperature and the brightness of its frames",
-    explanation,
-    examples,
-    prepareCommand<WatchSettings, addOptions, watch>,
+    .name = "watch",
+    .description = "Watch a camera's temperature and the brightness of its frames",
+    .explanation =
+        R"(Shows the sensor's temperature and, for the last frame, the mean, the smallest
+and the largest sample and the number of saturated pixels. Ends after --frames
+frames, after --seconds seconds, or on Ctrl-C. In the plot of a long watch, a
+point stands for several neighbouring frames.)",
+    .examples =
+        R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
+  oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)",
+    .prepare = prepareCommand<WatchSettings, addOptions, watch>,
 };
 
 }  // namespace orvane::host

@@ -183,13 +183,13 @@ TEST_F(OcCaptureArguments, AFileNameThatIsNoRecordings) {
 
 TEST_F(OcCaptureArguments, ARecordingIsNotReplacedUnasked) {
   sdks.add("ASICamera2");
-  EXPECT_EQ(record({"--width 64 --height 48 --frames 2"}).status, 0);
+  expectSuccess(record({"--width 64 --height 48 --frames 2"}));
   const std::string content = contentOf(recording());
   expectFailure(
       record({"--width 64 --height 48 --frames 2"}), 2,
       "\"" + utf8(recording()) + "\" exists already; name another file or add --overwrite.");
   EXPECT_EQ(contentOf(recording()), content);
-  EXPECT_EQ(record({"--width 64 --height 48 --frames 3 --overwrite"}).status, 0);
+  expectSuccess(record({"--width 64 --height 48 --frames 3 --overwrite"}));
   EXPECT_EQ(SerFile(recording()).frameCount, 3);
 }
 

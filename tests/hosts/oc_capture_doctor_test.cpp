@@ -329,8 +329,7 @@ TEST_F(OcCaptureDoctor, FindsSdksInADirectoryOfAnyName) {
   sdks.add("ASICamera2");
   const auto directory = scratch.file("caf\u00e9 \U0001F52D");
   std::filesystem::copy(sdks.path(), directory);
-  const ProgramResult result = run({"doctor --sdk", directory}, "");
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(run({"doctor --sdk", directory}, ""));
   EXPECT_TRUE(result.out.starts_with("ZWO ASI: healthy\n  File          " +
                                      utf8(directory / sdks.file("ASICamera2").filename()) + "\n"))
       << result.out;

@@ -89,9 +89,8 @@ TEST_F(OcCaptureFailure, ACameraThatCannotBeOpened) {
 }
 
 TEST_F(OcCaptureFailure, AScanThatFailsForOtherCamerasOnly) {
-  const ProgramResult result =
-      runProgram(smallFrames("--frames 2", "clock stopped; force ASIGetCameraProperty 2 1 16"));
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(
+      runProgram(smallFrames("--frames 2", "clock stopped; force ASIGetCameraProperty 2 1 16")));
   EXPECT_TRUE(result.err.starts_with("oc_capture: ASIGetCameraProperty: 16\n")) << result.err;
   expectValidRecording(2);
 }
@@ -166,8 +165,7 @@ TEST_F(OcCaptureFailure, CtrlCEndsTheRecordingWell) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   program.interrupt();
-  const ProgramResult result = program.wait();
-  EXPECT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(program.wait());
   EXPECT_TRUE(result.out.starts_with("Recorded ")) << result.out;
   const SerFile file(recording());
   EXPECT_GT(file.frameCount, 0);

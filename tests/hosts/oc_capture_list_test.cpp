@@ -96,8 +96,7 @@ TEST_F(OcCaptureList, FindsSdksInADirectoryOfAnyName) {
   sdks.add("ASICamera2");
   const auto directory = scratch.file("caf\u00e9 \U0001F52D");
   std::filesystem::copy(sdks.path(), directory);
-  const ProgramResult result = run({"list --sdk", directory}, "");
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(run({"list --sdk", directory}, ""));
   EXPECT_PRED_FORMAT2(IsSubstring, "ZWO ASI120MC-S", result.out);
 }
 

@@ -27,8 +27,7 @@ class OcCaptureMeasure : public OcCaptureAsiTest {
 };
 
 TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
-  const ProgramResult result = bench({"--seconds 0.1 --json --quiet --out", chart});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(bench({"--seconds 0.1 --json --quiet --out", chart}));
   EXPECT_EQ(result.err, "");
   const auto document = ordered_json::parse(result.out);
   expectMembers(document, {{"exposureUs", 2000}, {"chart", utf8(chart)}});
@@ -53,8 +52,8 @@ TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
 }
 
 TEST_F(OcCaptureMeasure, BenchShowsATable) {
-  const ProgramResult result = bench({"--seconds 0.1 --camera asi120 --format raw16 --discard 1"});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result =
+      expectSuccess(bench({"--seconds 0.1 --camera asi120 --format raw16 --discard 1"}));
   EXPECT_TRUE(std::regex_match(
       result.out,
       std::regex("Camera          Format  Size     Frames/s +MB/s +Not ready +Wait p50 ms +p90 "
@@ -81,8 +80,8 @@ TEST_F(OcCaptureMeasure, BenchHoldsSettingsAgainstEveryCameraFirst) {
 }
 
 TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
-  const ProgramResult result = watch("--format raw16 --gain 100 --frames 7 --json", stoppedClock);
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result =
+      expectSuccess(watch("--format raw16 --gain 100 --frames 7 --json", stoppedClock));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 1, 2000, 100, 10);
   double sum = 0;
   int smallest = 65535;
@@ -118,8 +117,7 @@ TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
 }
 
 TEST_F(OcCaptureMeasure, WatchEndsAfterItsTime) {
-  const ProgramResult result = watch("--seconds 0.2");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(watch("--seconds 0.2"));
   EXPECT_TRUE(std::regex_match(
       result.out,
       std::regex(
@@ -139,9 +137,8 @@ TEST_F(OcCaptureMeasure, WatchOfACameraThatFailsShowsWhatCameBefore) {
 }
 
 TEST_F(OcCaptureMeasure, WatchWithoutATemperature) {
-  const ProgramResult result =
-      watch("--frames 2 --json --quiet", "clock stopped; force ASIGetControlValue 1 -1 3");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(
+      watch("--frames 2 --json --quiet", "clock stopped; force ASIGetControlValue 1 -1 3"));
   expectMembers(ordered_json::parse(result.out),
                 {{"lowestTemperature", nullptr}, {"highestTemperature", nullptr}});
   EXPECT_TRUE(isPng(chart));

@@ -35,7 +35,7 @@ class OcCaptureOptions : public OcCaptureAsiTest {
     CommandLine scene;
     if (left.count("--scene") > 0) {
       const auto file = scratch.file("scene.ser");
-      EXPECT_EQ(runWithSdks("record", {"--camera 0 --frames 1 --out", file}).status, 0);
+      expectSuccess(runWithSdks("record", {"--camera 0 --frames 1 --out", file}));
       scene = {"--scene", file};
     }
     for (const CommandLine& arguments : argumentSets) {
@@ -100,10 +100,9 @@ TEST_F(OcCaptureOptions, BenchTakesAll) {
 }
 
 TEST_F(OcCaptureOptions, PlayTakesAll) {
-  ASSERT_EQ(recordSmall("--quiet").status, 0);
+  expectSuccess(recordSmall("--quiet"));
   const auto colours = scratch.file("colours.ser");
-  ASSERT_EQ(runWithSdks("record", {"--camera 0 --format rgb24 --frames 1 --out", colours}).status,
-            0);
+  expectSuccess(runWithSdks("record", {"--camera 0 --format rgb24 --frames 1 --out", colours}));
   const CommandLine all{"--overwrite --quiet --json --flip --out", png};
   expectAllTaken("play", {{all, "--bayer GBRG", recording()}, {all, "--swap-rb", colours}});
 }
@@ -131,7 +130,7 @@ TEST_F(OcCaptureOptions, HelpFitsIntoEightyColumns) {
 }
 
 TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
-  ASSERT_EQ(recordSmall("--discard 3").status, 0);
+  expectSuccess(recordSmall("--discard 3"));
   const SerFile file(recording());
   const ReferenceCamera camera = reference();
   ASSERT_EQ(file.frames.size(), 4U);
@@ -142,7 +141,7 @@ TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
 }
 
 TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternFlipped) {
-  ASSERT_EQ(recordSmall("--flip").status, 0);
+  expectSuccess(recordSmall("--flip"));
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, 11);  // GRBG with its rows swapped: BGGR
   const Bytes frame = reference().frame(0);
@@ -152,7 +151,7 @@ TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternFlipped) {
 }
 
 TEST_F(OcCaptureOptions, RedAndBlueAreSwapped) {
-  ASSERT_EQ(recordSmall("--swap-rb --format rgb24").status, 0);
+  expectSuccess(recordSmall("--swap-rb --format rgb24"));
   const SerFile file(recording());
   const Bytes frame = reference(2).frame(0);
   for (std::size_t at = 0; at < frame.size(); ++at) {
@@ -161,15 +160,14 @@ TEST_F(OcCaptureOptions, RedAndBlueAreSwapped) {
 }
 
 TEST_F(OcCaptureOptions, AnotherBayerPatternIsWritten) {
-  ASSERT_EQ(recordSmall("--bayer bggr").status, 0);
+  expectSuccess(recordSmall("--bayer bggr"));
   EXPECT_EQ(SerFile(recording()).colorId, 11);
-  ASSERT_EQ(recordSmall("--bayer none --overwrite").status, 0);
+  expectSuccess(recordSmall("--bayer none --overwrite"));
   EXPECT_EQ(SerFile(recording()).colorId, 0);
 }
 
 TEST_F(OcCaptureOptions, QuietWritesNothing) {
-  const ProgramResult result = recordSmall("--quiet");
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(recordSmall("--quiet"));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "");
   EXPECT_TRUE(std::filesystem::exists(preview()));
@@ -179,8 +177,7 @@ TEST_F(OcCaptureOptions, QuietWritesNothing) {
 }
 
 TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
-  const ProgramResult result = recordSmall("--json --memory 2");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(recordSmall("--json --memory 2"));
   const auto document = ordered_json::parse(result.out);
   expectMembers(document, {{"file", utf8(recording())},
                            {"preview", utf8(preview())},

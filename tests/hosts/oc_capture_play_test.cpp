@@ -47,8 +47,7 @@ class OcCapturePlay : public OcCaptureTest {
 
 TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
   write({0, 20, 40, 60, 160, 180, 200}, 7);
-  const ProgramResult result = play();
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(play());
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out,
             name() +
@@ -64,8 +63,7 @@ TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
 
 TEST_F(OcCapturePlay, TellsTheSameInJson) {
   write({0, 20, 40, 60, 160, 180, 200}, 7);
-  const ProgramResult result = play({"--json --quiet"});
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(play({"--json --quiet"}));
   const auto document = nlohmann::ordered_json::parse(result.out);
   expectMembers(document, {{"file", utf8(recording())},
                            {"frames", 7},
@@ -86,8 +84,7 @@ TEST_F(OcCapturePlay, TellsTheSameInJson) {
 TEST_F(OcCapturePlay, MakesAContactSheet) {
   write(std::vector<int>(30, 5), 30);
   const auto sheet = scratch.file("caf\u00e9.png");
-  const ProgramResult result = play({"--flip --bayer none --out", sheet});
-  EXPECT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(play({"--flip --bayer none --out", sheet}));
   EXPECT_PRED_FORMAT2(IsSubstring, "Length:    unknown, the time stamps make no sense\n",
                       result.out);
   EXPECT_PRED_FORMAT2(IsSubstring, "Sheet:     \"" + utf8(sheet) + "\"\n", result.out);
@@ -99,8 +96,7 @@ TEST_F(OcCapturePlay, MakesAContactSheet) {
 
 TEST_F(OcCapturePlay, ARecordingWithoutFramesOrTimes) {
   write({}, 0);
-  const ProgramResult result = play({"--out", preview()});
-  EXPECT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(play({"--out", preview()}));
   EXPECT_PRED_FORMAT2(IsSubstring, "0 frames of 4 x 2", result.out);
   EXPECT_PRED_FORMAT2(IsSubstring, "Length:    unknown, there are no time stamps\n", result.out);
   EXPECT_TRUE(std::filesystem::exists(preview()));
@@ -127,9 +123,8 @@ TEST_F(OcCapturePlay, RefusesACorrectionThatFitsNoBayerPattern) {
 
 TEST_F(OcCapturePlay, ReadsWhatRecordWrites) {
   sdks.add("ASICamera2");
-  ASSERT_EQ(record({"--format rgb24 --width 64 --height 48 --frames 5"}).status, 0);
-  const ProgramResult result = play({"--swap-rb --out", scratch.file("sheet.png")});
-  EXPECT_EQ(result.status, 0) << result.err;
+  expectSuccess(record({"--format rgb24 --width 64 --height 48 --frames 5"}));
+  const ProgramResult result = expectSuccess(play({"--swap-rb --out", scratch.file("sheet.png")}));
   EXPECT_TRUE(result.out.starts_with(
       name() + ": 5 frames of 64 x 48, RGB, 8 bits\nCamera:    ZWO ASI120MC-S\n"))
       << result.out;

@@ -85,10 +85,9 @@ class OcCaptureRecordPolling : public OcCaptureTest,
 TEST_P(OcCaptureRecordPolling, HoldsTheCamerasFramesInOrder) {
   const std::string baseName = GetParam();
   sdks.add(baseName);
-  const ProgramResult result = record(
+  expectSuccess(record(
       {"--format raw8 --width 320 --height 240 --exposure 20ms --gain 100 --offset 5 --frames 6"},
-      "seed 5");
-  ASSERT_EQ(result.status, 0) << result.err;
+      "seed 5"));
 
   const SerFile file(recording());
   ASSERT_EQ(file.frames.size(), 6U);
@@ -118,8 +117,7 @@ class OcCaptureRecord : public OcCaptureAsiTest {
 };
 
 TEST_F(OcCaptureRecord, WithoutSettingsTakesTheCamerasOwn) {
-  const ProgramResult result = record({"--frames 2"}, stoppedClock, "asi120");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(record({"--frames 2"}, stoppedClock, "asi120"));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 1280);
   EXPECT_EQ(file.height, 960);
@@ -132,21 +130,19 @@ TEST_F(OcCaptureRecord, WithoutSettingsTakesTheCamerasOwn) {
 }
 
 TEST_F(OcCaptureRecord, HoldsNoRangeAgainstTheUserThatTheCameraHasNotTold) {
-  ASSERT_EQ(recordSmall("--frames 1 --gain 70 --exposure 30ms",
-                        "clock stopped; seed 5; force ASIOpenCamera 1 1 16")
-                .status,
-            0);
+  expectSuccess(recordSmall("--frames 1 --gain 70 --exposure 30ms",
+                            "clock stopped; seed 5; force ASIOpenCamera 1 1 16"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 30000, 70, 10);
   EXPECT_TRUE(SerFile(recording()).frames.at(0) == reference.frame(0));
 }
 
 TEST_F(OcCaptureRecord, WithoutALengthTakesAHundredFrames) {
-  ASSERT_EQ(recordSmall("").status, 0);
+  expectSuccess(recordSmall(""));
   EXPECT_EQ(SerFile(recording()).frameCount, 100);
 }
 
 TEST_F(OcCaptureRecord, TakesTheSizeThatTheCameraMakesOfIt) {
-  ASSERT_EQ(record({"--width 101 --height 51 --frames 1"}).status, 0);
+  expectSuccess(record({"--width 101 --height 51 --frames 1"}));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 96);
   EXPECT_EQ(file.height, 50);
@@ -154,22 +150,21 @@ TEST_F(OcCaptureRecord, TakesTheSizeThatTheCameraMakesOfIt) {
 }
 
 TEST_F(OcCaptureRecord, BinsTheSensor) {
-  ASSERT_EQ(record({"--bin 2 --frames 1"}).status, 0);
+  expectSuccess(record({"--bin 2 --frames 1"}));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 640);
   EXPECT_EQ(file.height, 480);
 }
 
 TEST_F(OcCaptureRecord, MonoCamerasHaveNoBayerPattern) {
-  ASSERT_EQ(recordSmall("--format raw16 --frames 1", stoppedClock, "3").status, 0);
+  expectSuccess(recordSmall("--format raw16 --frames 1", stoppedClock, "3"));
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, 0);
   EXPECT_EQ(file.depth, 16);
 }
 
 TEST_F(OcCaptureRecord, EndsAfterTheSecondsThatWereGiven) {
-  const ProgramResult result = recordSmall("--exposure 10ms --seconds 0.5", "");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(recordSmall("--exposure 10ms --seconds 0.5", ""));
   const SerFile file(recording());
   EXPECT_GT(file.frameCount, 0);
   EXPECT_EQ(file.timeStamps.size(), static_cast<std::size_t>(file.frameCount));
@@ -177,17 +172,15 @@ TEST_F(OcCaptureRecord, EndsAfterTheSecondsThatWereGiven) {
 
 TEST_F(OcCaptureRecord, TakesFileNamesOfAnyKind) {
   const auto path = scratch.file("caf\u00e9 \U0001F52D.SER");
-  const ProgramResult result =
-      runWithSdks("record", {"--camera 0 --width 64 --height 48 --frames 1 --out", path});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(
+      runWithSdks("record", {"--camera 0 --width 64 --height 48 --frames 1 --out", path}));
   EXPECT_EQ(SerFile(path).frameCount, 1);
   EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D.png")));
   EXPECT_PRED_FORMAT2(IsSubstring, utf8(path), result.out);
 }
 
 TEST_F(OcCaptureRecord, TellsItsProgress) {
-  const ProgramResult result = recordSmall("--frames 3");
-  ASSERT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(recordSmall("--frames 3"));
   // No terminal here: lines. The last one comes at the end of a recording however short.
   EXPECT_TRUE(std::regex_search(
       result.err,
@@ -198,7 +191,7 @@ TEST_F(OcCaptureRecord, TellsItsProgress) {
 
 TEST_F(OcCaptureRecord, AsksForNothingThatItDoesNotNeed) {
   const auto log = scratch.file("calls");
-  ASSERT_EQ(recordSmall("--exposure 20ms --frames 1", "clock stopped; log " + utf8(log)).status, 0);
+  expectSuccess(recordSmall("--exposure 20ms --frames 1", "clock stopped; log " + utf8(log)));
   const std::string calls = contentOf(log);
   const std::string stream = calls.substr(calls.find("ASIStartVideoCapture"));
   // Twice the exposure and 500 ms is what the SDK may wait, less what has passed.

@@ -25,9 +25,8 @@ class OcCaptureScene : public OcCaptureTest {
 TEST_F(OcCaptureScene, RecordingOfARecordingIsTheSame) {
   sdks.add("ASICamera2");
   const auto scene = scratch.file("caf\u00e9 \U0001F52D first.ser");
-  ASSERT_EQ(recordInto(scene, {"--frames 3 --gain 20"}).status, 0);
-  const ProgramResult result = recordInto(recording(), {"--frames 7 --gain 50 --scene", scene});
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(recordInto(scene, {"--frames 3 --gain 20"}));
+  expectSuccess(recordInto(recording(), {"--frames 7 --gain 50 --scene", scene}));
   const SerFile played(scene);
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, played.colorId);
@@ -36,7 +35,7 @@ TEST_F(OcCaptureScene, RecordingOfARecordingIsTheSame) {
     EXPECT_TRUE(file.frames[number] == played.frames[number % 3]) << "frame " << number;
   }
   // The synthetic scene is another one at that gain.
-  ASSERT_EQ(recordInto(recording(), {"--frames 1 --gain 50"}).status, 0);
+  expectSuccess(recordInto(recording(), {"--frames 1 --gain 50"}));
   EXPECT_FALSE(SerFile(recording()).frames[0] == played.frames[0]);
 }
 
@@ -46,13 +45,12 @@ class OcCaptureSceneOfEachMaker : public OcCaptureScene,
 
 TEST_P(OcCaptureSceneOfEachMaker, ShowsTheRecordingsFrames) {
   sdks.add(GetParam());
-  ASSERT_EQ(recordInto(first, {"--frames 2"}, "seed 5").status, 0);
+  expectSuccess(recordInto(first, {"--frames 2"}, "seed 5"));
   // In the middle of its gain range a camera shows a recording as it is.
   const auto camera = nlohmann::json::parse(runWithSdks("list", {"--json"}).out)["cameras"][0];
   const int gain = (camera["minGain"].get<int>() + camera["maxGain"].get<int>()) / 2;
-  const ProgramResult result =
-      recordInto(recording(), {"--frames 4 --gain", std::to_string(gain), "--scene", first}, "");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(
+      recordInto(recording(), {"--frames 4 --gain", std::to_string(gain), "--scene", first}, ""));
   const SerFile played(first);
   for (const Bytes& frame : SerFile(recording()).frames) {
     EXPECT_TRUE(frame == played.frames[0] || frame == played.frames[1]);
@@ -65,12 +63,10 @@ INSTANTIATE_TEST_SUITE_P(Makers, OcCaptureSceneOfEachMaker,
 
 TEST_F(OcCaptureScene, OtherCommandsToTheSimulatorStay) {
   sdks.add("ASICamera2");
-  ASSERT_EQ(recordInto(first, {"--frames 1"}).status, 0);
+  expectSuccess(recordInto(first, {"--frames 1"}));
   const auto log = scratch.file("calls");
-  const ProgramResult result =
-      recordInto(recording(), {"--frames 1 --scene", first},
-                 "clock stopped; sdk toupcam; seed 7; sdk ASICamera2; log " + utf8(log));
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(recordInto(recording(), {"--frames 1 --scene", first},
+                           "clock stopped; sdk toupcam; seed 7; sdk ASICamera2; log " + utf8(log)));
   EXPECT_PRED_FORMAT2(IsSubstring, "ASIStartVideoCapture", contentOf(log));
 }
 
@@ -78,9 +74,9 @@ TEST_F(OcCaptureScene, DamagedRecordingIsReportedAndTheSyntheticSceneStays) {
   sdks.add("ASICamera2");
   const auto damaged = scratch.file("damaged.ser");
   std::ofstream(damaged, std::ios::binary) << "LUCAM-RECORDER and no more";
-  ASSERT_EQ(recordInto(first, {"--frames 1"}).status, 0);
-  const ProgramResult result = recordInto(recording(), {"--frames 1 --scene", damaged});
-  EXPECT_EQ(result.status, 0);
+  expectSuccess(recordInto(first, {"--frames 1"}));
+  const ProgramResult result =
+      expectSuccess(recordInto(recording(), {"--frames 1 --scene", damaged}));
   EXPECT_PRED_FORMAT2(IsSubstring,
                       "ASICamera2: \"" + utf8(damaged) +
                           "\" cannot be played: it is no SER recording\n"

@@ -30,9 +30,8 @@ class OcCaptureSnap : public OcCaptureAsiTest {
 };
 
 TEST_F(OcCaptureSnap, FitsHoldsTheSamplesAndTheSettings) {
-  const ProgramResult result =
-      snap("frame.fits", "--format raw16 --exposure 5ms --observer Anna --telescope 80/480");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(
+      snap("frame.fits", "--format raw16 --exposure 5ms --observer Anna --telescope 80/480"));
   EXPECT_EQ(result.out,
             "Took a frame of 64 x 48 raw16: \"" + utf8(scratch.file("frame.fits")) + "\".\n");
   EXPECT_EQ(result.err, "");
@@ -60,7 +59,7 @@ TEST_F(OcCaptureSnap, FitsHoldsTheSamplesAndTheSettings) {
 }
 
 TEST_F(OcCaptureSnap, FitsOfColoursHasThreePlanes) {
-  ASSERT_EQ(snap("frame.fit", "--format rgb24 --bin 2 --exposure 5ms").status, 0);
+  expectSuccess(snap("frame.fit", "--format rgb24 --bin 2 --exposure 5ms"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 2, 2, 5000, 40, 10);
   const Bytes frame = reference.frame(0);
   const Bytes samples = fitsSamples("frame.fit", frame.size());
@@ -75,7 +74,7 @@ TEST_F(OcCaptureSnap, FitsOfColoursHasThreePlanes) {
 }
 
 TEST_F(OcCaptureSnap, CorrectsFrames) {
-  ASSERT_EQ(snap("frame.fits", "--flip --bayer rggb --discard 2 --exposure 5ms").status, 0);
+  expectSuccess(snap("frame.fits", "--flip --bayer rggb --discard 2 --exposure 5ms"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 5000, 40, 10);
   const Bytes frame = reference.frame(2);
   const Bytes samples = fitsSamples("frame.fits", frame.size());
@@ -89,15 +88,14 @@ TEST_F(OcCaptureSnap, CorrectsFrames) {
 
 TEST_F(OcCaptureSnap, PngIsInColour) {
   const std::string name = "caf\u00e9 \U0001F52D.PNG";
-  ASSERT_EQ(snap(name, "").status, 0);
+  expectSuccess(snap(name, ""));
   EXPECT_TRUE(isPng(scratch.file(name)));
   EXPECT_EQ(contentOf(scratch.file(name)).substr(16, 10),
             std::string("\0\0\0\x40\0\0\0\x30\x08\x02", 10));
 }
 
 TEST_F(OcCaptureSnap, TellsInJson) {
-  const ProgramResult result = snap("frame.fits", "--json --quiet --exposure 5ms");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(snap("frame.fits", "--json --quiet --exposure 5ms"));
   EXPECT_EQ(result.err, "");
   const auto document = nlohmann::ordered_json::parse(result.out);
   expectMembers(document, {{"file", utf8(scratch.file("frame.fits"))},
@@ -114,27 +112,25 @@ TEST_F(OcCaptureSnap, TellsInJson) {
 }
 
 TEST_F(OcCaptureSnap, QuietWritesNothing) {
-  const ProgramResult result = snap("frame.png", "--quiet");
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(snap("frame.png", "--quiet"));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "");
 }
 
 TEST_F(OcCaptureSnap, LeavesOutATemperatureThatIsNone) {
   const ProgramResult result =
-      runWithSdks("snap", {"--camera 0 --json --out", scratch.file("frame.fits")},
-                  "clock stopped; force ASIGetControlValue 1 -1 3");
-  ASSERT_EQ(result.status, 0) << result.err;
+      expectSuccess(runWithSdks("snap", {"--camera 0 --json --out", scratch.file("frame.fits")},
+                                "clock stopped; force ASIGetControlValue 1 -1 3"));
   EXPECT_PRED_FORMAT2(IsNotSubstring, "CCD-TEMP", fitsHeader("frame.fits"));
   EXPECT_TRUE(nlohmann::ordered_json::parse(result.out)["temperature"].is_null());
 }
 
 TEST_F(OcCaptureSnap, DoesNotReplaceAFileUnasked) {
-  ASSERT_EQ(snap("frame.png", "--quiet").status, 0);
+  expectSuccess(snap("frame.png", "--quiet"));
   expectFailure(snap("frame.png", ""), 2,
                 "\"" + utf8(scratch.file("frame.png")) +
                     "\" exists already; name another file or add --overwrite.");
-  EXPECT_EQ(snap("frame.png", "--overwrite").status, 0);
+  expectSuccess(snap("frame.png", "--overwrite"));
 }
 
 TEST_F(OcCaptureSnap, ACameraThatFails) {

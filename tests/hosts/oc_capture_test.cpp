@@ -28,6 +28,11 @@ Part::Part(const std::vector<Part>& parts) {
   }
 }
 
+ProgramResult expectSuccess(const ProgramResult& result) {
+  EXPECT_EQ(result.status, 0) << result.err;
+  return result;
+}
+
 void expectFailure(const ProgramResult& result, int status, const std::string& message) {
   EXPECT_EQ(result.status, status);
   EXPECT_EQ(result.out, "");

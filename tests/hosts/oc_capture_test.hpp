@@ -75,10 +75,13 @@ class OcCaptureAsiTest : public OcCaptureTest {
   OcCaptureAsiTest() { sdks.add("ASICamera2"); }
 };
 
-/// The program wrote this message, and nothing else.
+/// Expects exit status 0. Returns the result.
+ProgramResult expectSuccess(const ProgramResult& result);
+
+/// Expects this exit status and this message, and no other output.
 void expectFailure(const ProgramResult& result, int status, const std::string& message);
 
-/// The document has these members, among others.
+/// Expects these members, among others.
 void expectMembers(const nlohmann::ordered_json& document, const nlohmann::ordered_json& expected);
 
 bool isPng(const std::filesystem::path& file);
