@@ -73,7 +73,7 @@ void SerReader::readHeader() {
     }
   };
   require(facts_.width > 0 && facts_.height > 0 && bytesOfFrame(facts_) <= largestFrame,
-          "frames of " + sizeText(facts_.width, facts_.height) + " pixels.");
+          "frames of " + dimensionsText(facts_.width, facts_.height) + " pixels.");
   require(facts_.depth > 0 && facts_.depth <= 16,
           "samples of " + std::to_string(facts_.depth) + " bits.");
   require(facts_.frames >= 0, std::to_string(facts_.frames) + " frames.");

@@ -29,9 +29,9 @@ struct SerFacts {
   std::string observer;  ///< these three end at the first NUL and are valid UTF-8
   std::string instrument;
   std::string telescope;
-  std::int64_t startLocal = 0;           ///< as serLocalTicks() counts; 0 or less when unknown
-  std::int64_t startUtc = 0;             ///< as serTicks() counts
-  std::vector<std::int64_t> timeStamps;  ///< as serTicks() counts, one a frame, or none at all
+  std::int64_t startLocal = 0;           ///< serLocalTicks(); 0 or less if unknown
+  std::int64_t startUtc = 0;             ///< serTicks()
+  std::vector<std::int64_t> timeStamps;  ///< like startUtc, one for each frame, or none
   std::int64_t unusedBytes = 0;          ///< after the frames and time stamps
 };
 

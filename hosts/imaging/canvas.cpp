@@ -63,7 +63,7 @@ double roundedUp(double step) {
 }  // namespace
 
 Canvas::Canvas(int width, int height, Colour background) : image_{width, height, 3, {}} {
-  image_.samples.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
+  image_.samples.resize(pixelCount(width, height) * 3);
   fill(0, 0, width, height, background);
 }
 
@@ -71,9 +71,7 @@ void Canvas::set(int x, int y, Colour colour) {
   if (x < 0 || y < 0 || x >= image_.width || y >= image_.height) {
     return;
   }
-  const std::size_t at = (static_cast<std::size_t>(y) * static_cast<std::size_t>(image_.width) +
-                          static_cast<std::size_t>(x)) *
-                         3;
+  const std::size_t at = pixelIndex(image_.width, x, y) * 3;
   image_.samples[at] = colour.red;
   image_.samples[at + 1] = colour.green;
   image_.samples[at + 2] = colour.blue;

@@ -65,8 +65,7 @@ const char* bayerName(BayerPattern bayer) {
 }
 
 std::size_t frameBytes(const FrameLayout& layout) {
-  return static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.height) *
-         row(layout.format).bytesPerPixel;
+  return pixelCount(layout.width, layout.height) * row(layout.format).bytesPerPixel;
 }
 
 }  // namespace orvane::host

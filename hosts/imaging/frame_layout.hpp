@@ -1,5 +1,5 @@
-// The layout of a frame's bytes: size, pixel format and Bayer pattern. The types are the library's;
-// this room calls none of its functions.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern. The types are the library's,
+// but no function of the library is called.
 #pragma once
 
 #include <cstddef>
@@ -44,6 +44,15 @@ constexpr RedPixel redPixelOf(BayerPattern bayer) {
 
 /// The size of one frame in bytes, rows without padding.
 std::size_t frameBytes(const FrameLayout& layout);
+
+constexpr std::size_t pixelCount(int width, int height) {
+  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+}
+
+/// The index of a pixel in an image of this width, row by row.
+constexpr std::size_t pixelIndex(int width, int x, int y) {
+  return pixelCount(width, y) + static_cast<std::size_t>(x);
+}
 
 /// How many samples these bytes of a frame hold: three a pixel in RGB24, one in other formats.
 constexpr std::size_t sampleCount(std::span<const std::uint8_t> frame, PixelFormat format) {

@@ -90,9 +90,7 @@ Histogram histogramOf(std::span<const std::uint8_t> frame, const FrameLayout& la
   // Squares of 2 x 2 pixels: each holds every colour of a Bayer pattern.
   for (int y = 0; y < layout.height; y += y % 2 == 0 ? 1 : 2 * every - 1) {
     for (int x = 0; x < layout.width; x += x % 2 == 0 ? 1 : 2 * every - 1) {
-      const std::size_t pixel =
-          static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) +
-          static_cast<std::size_t>(x);
+      const std::size_t pixel = pixelIndex(layout.width, x, y);
       if (isRgb) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
           add(channel, frame[3 * pixel + channel]);

@@ -132,7 +132,7 @@ Measurement measure(const BenchSettings& settings, const ChosenCamera& camera, S
 TableRow rowOf(const Measurement& result) {
   return {result.camera,
           formatName(result.layout.format),
-          sizeText(result.layout.width, result.layout.height),
+          dimensionsText(result.layout.width, result.layout.height),
           decimal(result.framesPerSecond, 1),
           decimal(result.megabytesPerSecond, 1),
           std::to_string(result.notReadyAnswers),

@@ -56,8 +56,8 @@ CommandOptions::CommandOptions(CLI::App& app, const Command& command, RunCommand
 
 void CommandOptions::add(const char* name, const char* type, const char* description,
                          ReadValue read, Presence presence) {
-  // The parser calls back before it checks for required options and for --help. So the value is
-  // only kept here, and is read when the command line is known to be complete.
+  // The parser calls back before it checks for required options and for --help. So this only keeps
+  // the value. It is read when the command line is known to be complete.
   const auto keep = [this, name, read = std::move(read)](const std::string& text) {
     givenValues_.push_back([name, read, text] { read(name, text); });
   };
@@ -81,7 +81,7 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
   for (const Command* command : commands) {
     options.emplace_back(app, *command, given);
   }
-  // Only for the list of commands, whose names are short; the commands keep their formatter.
+  // A narrow column for the list of commands. The commands keep their own formatter.
   app.formatter(std::make_shared<CLI::Formatter>());
   app.get_formatter()->column_width(14);
 

@@ -29,8 +29,8 @@ using RunCommand = std::function<int()>;
 /// The options of one command, as a part of the argument parser.
 class CommandOptions {
  public:
-  /// If the command line names this command, parsing it reads the options' values and then sets
-  /// `given`.
+  /// Adds the command to the parser. If the command line names it, the parser reads the options'
+  /// values and then sets `given`.
   CommandOptions(CLI::App& app, const Command& command, RunCommand& given);
   CommandOptions(const CommandOptions&) = delete;
   CommandOptions& operator=(const CommandOptions&) = delete;
@@ -49,22 +49,22 @@ class CommandOptions {
 
 struct Command {
   const char* name;
-  const char* description;  ///< one line of the program's help
-  const char* explanation;  ///< below the options in the command's help, or empty
-  const char* examples;     ///< one a line
+  const char* description;                         ///< one line of the program's help
+  const char* explanation = "";                    ///< below the options in the command's help
+  const char* examples;                            ///< one a line
   RunCommand (*prepare)(CommandOptions& options);  ///< see prepareCommand()
 };
 
-extern const Command listCommand;    ///< the cameras that are there, and what each can do
-extern const Command recordCommand;  ///< a camera's frames, written into a SER file
-extern const Command snapCommand;    ///< one frame of a camera, written into a PNG or FITS file
-extern const Command benchCommand;   ///< how fast cameras deliver
-extern const Command watchCommand;   ///< a camera's temperature and the brightness of its frames
-extern const Command playCommand;    ///< what a recording holds
-extern const Command doctorCommand;  ///< whether the makers' SDKs are there, load and are complete
+extern const Command listCommand;
+extern const Command recordCommand;
+extern const Command snapCommand;
+extern const Command benchCommand;
+extern const Command watchCommand;
+extern const Command playCommand;
+extern const Command doctorCommand;
 
-/// Makes a command's settings and adds its options, which write into them. Returns the function
-/// that runs the command with these settings after the command line has been read.
+/// Makes a command's settings, and adds its options, which write into them. Returns the function
+/// that runs the command with these settings.
 template <class Settings, void (*addOptions)(CommandOptions&, Settings&),
           int (*run)(const Settings&)>
 RunCommand prepareCommand(CommandOptions& options) {

@@ -59,7 +59,7 @@ std::string gainRange(const oc::CameraInfo& camera) {
 TableRow rowOf(const oc::CameraInfo& camera) {
   return {std::to_string(camera.index),
           camera.name,
-          sizeText(camera.maxWidth, camera.maxHeight),
+          dimensionsText(camera.maxWidth, camera.maxHeight),
           std::to_string(camera.bitDepth),
           pixelPitch(camera.pixelSizeUm),
           colour(camera),
@@ -111,7 +111,6 @@ int listCameras(const ListSettings& settings) {
 const Command listCommand{
     .name = "list",
     .description = "List the cameras and what they can do",
-    .explanation = "",
     .examples =
         R"(  oc_capture list --sdk C:\sdk
   oc_capture list --sdk C:\sdk --json)",

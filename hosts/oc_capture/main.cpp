@@ -1,5 +1,5 @@
-// oc_capture: lists cameras and records from them through the library's public header.
-// Here: the table of its commands, and how failures become messages and exit statuses.
+// oc_capture lists cameras and records from them through the library's public header. This file has
+// the table of its commands, and turns failures into messages and exit statuses.
 #include <array>
 #include <exception>
 #include <iostream>

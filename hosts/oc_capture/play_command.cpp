@@ -53,8 +53,8 @@ std::string colours(const SerFacts& facts) {
 }
 
 std::string shape(const SerFacts& facts) {
-  return std::to_string(facts.frames) + " frames of " + sizeText(facts.width, facts.height) + ", " +
-         colours(facts) + ", " + std::to_string(facts.depth) + " bits";
+  return std::to_string(facts.frames) + " frames of " + dimensionsText(facts.width, facts.height) +
+         ", " + colours(facts) + ", " + std::to_string(facts.depth) + " bits";
 }
 
 std::string startText(const SerFacts& facts) {

@@ -202,7 +202,7 @@ std::string textOf(const RecordSettings& settings, const Recording& recording,
                    const std::filesystem::path& preview) {
   const double rate = recording.seconds > 0 ? recording.frames / recording.seconds : 0.0;
   std::string text = "Recorded " + std::to_string(recording.frames) + " frames of " +
-                     sizeText(recording.layout.width, recording.layout.height) + " " +
+                     dimensionsText(recording.layout.width, recording.layout.height) + " " +
                      formatName(recording.layout.format) + " in " + decimal(recording.seconds, 1) +
                      " s (" + decimal(rate, 1) + " fps) to " +
                      inQuotes(utf8FromPath(settings.file.path));

@@ -71,20 +71,18 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
 
 FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera& camera,
                                 const Snapshot& snapshot) {
-  FitsDescription description;
-  description.layout = snapshot.layout;
-  description.start =
-      snapshot.frame.arrivalTime() - std::chrono::microseconds(camera.settings.exposureUs);
-  description.exposureSeconds = static_cast<double>(camera.settings.exposureUs) / 1e6;
-  description.gain = *camera.settings.gain;
-  description.offset = camera.settings.offset;
-  description.bin = camera.settings.bin;
-  description.pixelSizeUm = camera.description.pixelSizeUm;
-  description.temperature = snapshot.temperature;
-  description.camera = camera.description.name;
-  description.observer = settings.observer;
-  description.telescope = settings.telescope;
-  return description;
+  const std::chrono::microseconds exposure(camera.settings.exposureUs);
+  return {.layout = snapshot.layout,
+          .start = snapshot.frame.arrivalTime() - exposure,
+          .exposureSeconds = std::chrono::duration<double>(exposure).count(),
+          .gain = *camera.settings.gain,
+          .offset = camera.settings.offset,
+          .bin = camera.settings.bin,
+          .pixelSizeUm = camera.description.pixelSizeUm,
+          .temperature = snapshot.temperature,
+          .camera = camera.description.name,
+          .observer = settings.observer,
+          .telescope = settings.telescope};
 }
 
 Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
@@ -102,7 +100,7 @@ Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snap
 }
 
 std::string textOf(const SnapSettings& settings, const FrameLayout& layout) {
-  return "Took a frame of " + sizeText(layout.width, layout.height) + " " +
+  return "Took a frame of " + dimensionsText(layout.width, layout.height) + " " +
          formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n";
 }
 

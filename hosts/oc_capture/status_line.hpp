@@ -13,7 +13,7 @@ class StatusLine {
   /// A quiet status line shows nothing.
   explicit StatusLine(bool isQuiet);
 
-  /// Ends the line on a terminal: what is written next starts a new one.
+  /// On a terminal, ends the line, so that other output starts on a new one.
   ~StatusLine();
   StatusLine(const StatusLine&) = delete;
   StatusLine& operator=(const StatusLine&) = delete;

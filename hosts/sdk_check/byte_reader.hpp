@@ -13,7 +13,7 @@
 
 namespace orvane::host {
 
-/// Something lies beyond the end of the file, or is larger than in any library.
+/// Part of a table or text is beyond the end of the file, or it is larger than in any library.
 class DamagedFile : public std::exception {};
 
 /// Reads at any offset of some bytes, which must outlive it. Unless stated otherwise, a member

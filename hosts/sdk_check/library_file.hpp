@@ -1,5 +1,5 @@
-// Reads the file of a shared library without the system's loader. The file may be damaged, or no
-// library at all.
+// Reads the file of a shared library without the system's loader. The file may be damaged, or
+// something else than a library.
 #pragma once
 
 #include <cstdint>

@@ -20,7 +20,7 @@ namespace orvane::host {
 /// fit into `waitingBytes`, but at least three, plus the frame that is being written.
 std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes);
 
-/// Records on a thread of its own. The file is valid at any time.
+/// A recording in progress. The file is valid at any time.
 class SerRecorder {
  public:
   /// Takes the frames of a queue with Delivery::Every until it is closed or the camera is lost. The

@@ -64,7 +64,7 @@ std::string decimal(double number, int decimals) {
   return {digits.begin(), end.ptr};
 }
 
-std::string sizeText(int width, int height) {
+std::string dimensionsText(int width, int height) {
   return std::to_string(width) + " x " + std::to_string(height);
 }
 

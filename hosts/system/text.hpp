@@ -30,7 +30,7 @@ std::string decimal(double number);
 std::string decimal(double number, int decimals);
 
 /// As in "640 x 480".
-std::string sizeText(int width, int height);
+std::string dimensionsText(int width, int height);
 
 /// The text between quotation marks, for a sentence.
 std::string inQuotes(std::string_view text);
