@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 #include "system/text.hpp"
-#include "system/utc_text.hpp"
 
 namespace orvane::host {
 
@@ -15,7 +14,7 @@ namespace {
 constexpr std::size_t cardSize = 80;
 constexpr std::size_t blockSize = 2880;
 
-// A FITS header: cards of 80 characters, keyword, value and comment each.
+// A FITS header: cards of 80 characters, each with a keyword, a value and a comment.
 class Header {
  public:
   // Numbers and logical values end in column 30.
@@ -34,7 +33,7 @@ class Header {
     addPlain(keyword, text.find('.') == std::string::npos ? text + ".0" : text, comment);
   }
 
-  // In quotation marks, of which those inside are doubled, and of eight characters at least.
+  // In quotation marks, with at least eight characters. Quotation marks inside are doubled.
   void add(const std::string& keyword, const std::string& value, const std::string& comment) {
     constexpr std::size_t longest = cardSize - 12;
     constexpr std::size_t shortest = 8;
@@ -91,15 +90,14 @@ void addShape(Header& header, const FrameLayout& layout) {
     header.add("BZERO", 32768, "samples are unsigned");
     header.add("BSCALE", 1, "");
   }
-  header.add("ROWORDER", std::string("TOP-DOWN"), "the first row is the top one");
+  header.add("ROWORDER", "TOP-DOWN", "the first row is the top one");
 }
 
 std::string headerText(const FitsDescription& description) {
   Header header;
   addShape(header, description.layout);
   if (description.layout.bayer != BayerPattern::None) {
-    header.add("BAYERPAT", std::string(bayerName(description.layout.bayer)),
-               "colours of the first two rows");
+    header.add("BAYERPAT", bayerName(description.layout.bayer), "colours of the first two rows");
     header.add("XBAYROFF", 0, "");
     header.add("YBAYROFF", 0, "");
   }

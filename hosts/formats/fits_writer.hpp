@@ -23,8 +23,8 @@ struct FitsDescription {
   int bin = 1;
   double pixelSizeUm = 0;             ///< of the sensor; left out if it is not a positive number
   std::optional<double> temperature;  ///< degrees Celsius
-  std::string camera;                 ///< in these three, characters other than ASCII become "?"
-  std::string observer;               ///< left out when empty, like the telescope
+  std::string camera;                 ///< in these three, bytes other than ASCII become "?"
+  std::string observer;               ///< left out if empty, like the telescope
   std::string telescope;
 };
 

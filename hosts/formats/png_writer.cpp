@@ -1,11 +1,11 @@
-// Writes PNG files. The one source file with the image library's code in it.
+// Writes PNG files. The only source file that contains the image library's code.
 #include "formats/png_writer.hpp"
 
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
 
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION

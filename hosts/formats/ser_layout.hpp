@@ -30,7 +30,7 @@ constexpr std::size_t startLocal = 162;
 constexpr std::size_t startUtc = 170;
 }  // namespace offset
 
-/// Values of the field ColorID; those of Bayer patterns are the library's.
+/// Values of the field ColorID. Those of Bayer patterns are the same as in our library.
 namespace color {
 constexpr std::int32_t mono = 0;
 constexpr std::int32_t rggb = 8;
@@ -41,7 +41,7 @@ constexpr std::int32_t rgb = 100;
 constexpr std::int32_t bgr = 101;
 }  // namespace color
 
-/// Values of the field LittleEndian, which the programs in use write contrary to its name.
+/// Values of the field LittleEndian. Existing programs use them contrary to the field's name.
 namespace byteOrder {
 constexpr std::int32_t little = 0;
 }  // namespace byteOrder

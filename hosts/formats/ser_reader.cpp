@@ -31,7 +31,7 @@ SerChannels channelsOf(std::int32_t colorId) {
 std::int64_t bytesOfFrame(const SerFacts& facts) {
   const std::int64_t pixelBytes = (facts.channels == SerChannels::One ? 1 : 3) *
                                   static_cast<std::int64_t>(ser::sampleBytes(facts.depth));
-  // The two sides are multiplied only where that cannot overflow.
+  // Multiplies the two sides only if that cannot overflow.
   return facts.width > largestFrame / facts.height ? largestFrame + 1
                                                    : pixelBytes * facts.width * facts.height;
 }
@@ -67,19 +67,16 @@ void SerReader::readHeader() {
   facts_.startLocal = ser::integerAt<std::int64_t>(header, offset::startLocal);
   facts_.startUtc = ser::integerAt<std::int64_t>(header, offset::startUtc);
 
-  const std::string size = std::to_string(facts_.width) + " x " + std::to_string(facts_.height);
-  if (facts_.width < 1 || facts_.height < 1 || bytesOfFrame(facts_) > largestFrame) {
-    throw std::runtime_error(file_.name() + " has a header that cannot be right: frames of " +
-                             size + " pixels.");
-  }
-  if (facts_.depth < 1 || facts_.depth > 16) {
-    throw std::runtime_error(file_.name() + " has a header that cannot be right: samples of " +
-                             std::to_string(facts_.depth) + " bits.");
-  }
-  if (facts_.frames < 0) {
-    throw std::runtime_error(file_.name() + " has a header that cannot be right: " +
-                             std::to_string(facts_.frames) + " frames.");
-  }
+  const auto require = [&](bool isPossible, const std::string& text) {
+    if (!isPossible) {
+      throw std::runtime_error(file_.name() + " has a header that cannot be right: " + text);
+    }
+  };
+  require(facts_.width > 0 && facts_.height > 0 && bytesOfFrame(facts_) <= largestFrame,
+          "frames of " + dimensionsText(facts_.width, facts_.height) + " pixels.");
+  require(facts_.depth > 0 && facts_.depth <= 16,
+          "samples of " + std::to_string(facts_.depth) + " bits.");
+  require(facts_.frames >= 0, std::to_string(facts_.frames) + " frames.");
   frameBytes_ = static_cast<std::size_t>(bytesOfFrame(facts_));
 }
 

@@ -9,7 +9,7 @@
 
 #include "imaging/frame_layout.hpp"
 #include "imaging/image.hpp"
-#include "system/input_file.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 
@@ -22,25 +22,25 @@ struct SerFacts {
   int height = 0;
   int depth = 0;  ///< bits of a sample, 1 to 16; more than 8 are stored in two bytes
   SerChannels channels = SerChannels::One;
-  BayerPattern bayer = BayerPattern::None;  ///< none also for patterns of other colours
+  BayerPattern bayer = BayerPattern::None;  ///< None also for patterns of other colours
   std::int32_t colorId = 0;                 ///< as in the header
   bool isBigEndian = false;                 ///< samples of two bytes
   std::int32_t frames = 0;
-  std::string observer;  ///< these three up to the first NUL, valid UTF-8
+  std::string observer;  ///< these three end at the first NUL and are valid UTF-8
   std::string instrument;
   std::string telescope;
-  std::int64_t startLocal = 0;           ///< as serLocalTicks() counts; 0 or less when unknown
-  std::int64_t startUtc = 0;             ///< as serTicks() counts
-  std::vector<std::int64_t> timeStamps;  ///< as serTicks() counts, one a frame, or none at all
-  std::int64_t unusedBytes = 0;          ///< behind all this
+  std::int64_t startLocal = 0;           ///< serLocalTicks(); 0 or less if unknown
+  std::int64_t startUtc = 0;             ///< serTicks()
+  std::vector<std::int64_t> timeStamps;  ///< like startUtc, one for each frame, or none
+  std::int64_t unusedBytes = 0;          ///< after the frames and time stamps
 };
 
 /// A SER file that is open for reading. Frames are read on request; the time stamps are kept in
 /// memory.
 class SerReader {
  public:
-  /// Throws std::runtime_error with a sentence that names the file: it cannot be read, is no SER
-  /// file, its header has an impossible number, or it is shorter than its header says.
+  /// Throws std::runtime_error with a sentence that names the file, if it cannot be read, is no SER
+  /// file, has an impossible number in its header, or is shorter than its header says.
   explicit SerReader(const std::filesystem::path& path);
 
   const SerFacts& facts() const { return facts_; }
@@ -48,8 +48,8 @@ class SerReader {
   /// The size of one frame in bytes, at most 1 GiB.
   std::size_t frameBytes() const { return frameBytes_; }
 
-  /// Reads frame `index`, 0 up to facts().frames, unchanged into frameBytes() bytes. Throws
-  /// std::runtime_error with a sentence that names the file.
+  /// Reads frame `index`, from 0 on, unchanged into frameBytes() bytes. Throws std::runtime_error
+  /// with a sentence that names the file.
   void readFrame(std::int32_t index, std::span<std::uint8_t> frame) const;
 
   /// Frame `index` with its samples scaled to 16 bits and its channels in the order red, green,

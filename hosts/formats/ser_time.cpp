@@ -37,7 +37,7 @@ std::int64_t serLocalTicks(Clock::time_point time) {
 }
 
 std::optional<Clock::time_point> timeOfSerTicks(std::int64_t ticks) {
-  // A clock that counts nanoseconds holds little more.
+  // A 64-bit count of nanoseconds reaches little further.
   if (ticks < startOf(1700).count() || ticks >= startOf(2200).count()) {
     return std::nullopt;
   }

@@ -7,13 +7,13 @@
 
 namespace orvane::host {
 
-/// A point in time, UTC.
+/// The ticks of a point in time, in UTC.
 std::int64_t serTicks(std::chrono::system_clock::time_point time);
 
-/// The same point in time in this computer's time zone.
+/// The same in this computer's time zone.
 std::int64_t serLocalTicks(std::chrono::system_clock::time_point time);
 
-/// The point in time of such a count; none if it is before 1700 or after 2200.
+/// The inverse of serTicks(). None before 1700 and from 2200 on.
 std::optional<std::chrono::system_clock::time_point> timeOfSerTicks(std::int64_t ticks);
 
 }  // namespace orvane::host

@@ -29,7 +29,7 @@ std::int32_t colorId(const FrameLayout& layout) {
                                              : static_cast<std::int32_t>(layout.bayer);
 }
 
-// What is not set is 0: LuID, and the number of frames so far.
+// LuID and the number of frames stay 0.
 Header headerOf(const SerDescription& description) {
   namespace offset = ser::offset;
   Header header{};
@@ -59,7 +59,7 @@ SerWriter::~SerWriter() {
   try {
     close();
   } catch (const std::exception&) {
-    // A consequence of the failure that was reported before.
+    // The caller has been told of the first failure.
   }
 }
 
@@ -90,7 +90,7 @@ void SerWriter::close() {
 
 void SerWriter::finish() {
   checkpoint();
-  file_.truncate(framesEnd());  // a full disk leaves part of a frame behind
+  file_.truncate(framesEnd());  // removes the part of a frame that a full disk left
   std::vector<std::uint8_t> trailer(timeStamps_.size() * ser::timeStampSize);
   for (std::size_t frame = 0; frame < timeStamps_.size(); ++frame) {
     ser::putInteger(trailer, frame * ser::timeStampSize, timeStamps_[frame]);

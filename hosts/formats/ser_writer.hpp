@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "imaging/frame_layout.hpp"
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 
 /// What a SER file says about a recording.
 struct SerDescription {
   FrameLayout layout;
-  std::string observer;    ///< cut to 40 bytes, like the two below
+  std::string observer;    ///< truncated to 40 bytes, like the two below
   std::string instrument;  ///< the camera
   std::string telescope;
   std::int64_t startLocal = 0;  ///< serLocalTicks()
@@ -27,17 +27,17 @@ struct SerDescription {
 ///
 /// Rows are stored from the top, samples of 16 bits little-endian.
 ///
-/// A 16-bit recording always states a depth of 16 bits. Some makers' samples are left-aligned,
-/// others' right-aligned, and the library does not tell which. With a smaller depth, readers would
-/// clip or shift left-aligned samples. With 16, right-aligned ones only look dark until they are
-/// stretched.
+/// A 16-bit recording always states a depth of 16 bits. The samples of some makers are
+/// left-aligned, those of others right-aligned, and the library does not tell which. With a smaller
+/// depth, readers would clip or shift left-aligned samples. With 16, right-aligned samples only
+/// look dark until they are stretched.
 ///
 /// Every member throws std::runtime_error with a sentence that names the file.
 class SerWriter {
  public:
   SerWriter(const std::filesystem::path& path, const SerDescription& description);
 
-  /// Finishes the file as close() does, but quietly.
+  /// Finishes the file as close() does, but ignores failures.
   ~SerWriter();
   SerWriter(const SerWriter&) = delete;
   SerWriter& operator=(const SerWriter&) = delete;

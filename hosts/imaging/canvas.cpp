@@ -1,4 +1,4 @@
-// A picture to draw charts on. The one source file with the font library's code in it.
+// A picture to draw charts on. The only source file that contains the font library's code.
 #include "imaging/canvas.hpp"
 
 #include <stb_easy_font.h>
@@ -15,7 +15,7 @@ namespace orvane::host {
 
 namespace {
 
-// The font knows no others.
+// The font has no other characters.
 std::string asciiOnly(const std::string& text) {
   std::string ascii;
   for (const char letter : text) {
@@ -27,7 +27,7 @@ std::string asciiOnly(const std::string& text) {
   return ascii;
 }
 
-// The font's letters consist of upright rectangles.
+// The font's letters consist of rectangles.
 struct Rectangle {
   float left, top, right, bottom;
 };
@@ -49,7 +49,7 @@ std::vector<Rectangle> rectanglesOf(const std::string& text) {
   return rectangles;
 }
 
-// 1, 2 or 5 times a power of ten: the first that is no smaller.
+// Rounds up to 1, 2 or 5 times a power of ten.
 double roundedUp(double step) {
   const double power = std::pow(10, std::floor(std::log10(step)));
   for (const double factor : {1.0, 2.0, 5.0}) {
@@ -63,7 +63,7 @@ double roundedUp(double step) {
 }  // namespace
 
 Canvas::Canvas(int width, int height, Colour background) : image_{width, height, 3, {}} {
-  image_.samples.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
+  image_.samples.resize(pixelCount(width, height) * 3);
   fill(0, 0, width, height, background);
 }
 
@@ -71,9 +71,7 @@ void Canvas::set(int x, int y, Colour colour) {
   if (x < 0 || y < 0 || x >= image_.width || y >= image_.height) {
     return;
   }
-  const std::size_t at = (static_cast<std::size_t>(y) * static_cast<std::size_t>(image_.width) +
-                          static_cast<std::size_t>(x)) *
-                         3;
+  const std::size_t at = pixelIndex(image_.width, x, y) * 3;
   image_.samples[at] = colour.red;
   image_.samples[at + 1] = colour.green;
   image_.samples[at + 2] = colour.blue;

@@ -1,4 +1,4 @@
-// A picture to draw charts on: areas, lines, small text, other pictures, and axes.
+// A picture to draw charts on: areas, lines, small text, other pictures, axes, and their colours.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,18 @@ struct Colour {
   std::uint8_t blue = 0;
 };
 
-/// Coordinates are pixels from the top left corner. What lies outside is not drawn.
+/// The colours of charts.
+namespace chart {
+inline constexpr Colour paper{255, 255, 255};
+inline constexpr Colour grid{216, 220, 226};
+inline constexpr Colour ink{32, 36, 44};
+inline constexpr Colour faintInk{104, 112, 124};
+inline constexpr Colour blue{46, 110, 180};
+inline constexpr Colour orange{214, 116, 36};
+inline constexpr Colour red{190, 52, 52};
+}  // namespace chart
+
+/// Coordinates are pixels from the top left corner. Whatever is outside is not drawn.
 class Canvas {
  public:
   Canvas(int width, int height, Colour background);
@@ -28,7 +39,7 @@ class Canvas {
   /// One line of text with its top left corner here. Letters that are not ASCII appear as "?".
   void text(int x, int y, const std::string& text, Colour colour, int scale = 2);
 
-  /// The same with its top right corner, or the middle of its top, here.
+  /// The same, with its top right corner or the middle of its top here.
   void textToTheLeft(int x, int y, const std::string& text, Colour colour, int scale = 2);
   void textInTheMiddle(int x, int y, const std::string& text, Colour colour, int scale = 2);
 
@@ -64,8 +75,8 @@ struct Axis {
   double part(double value) const;
 };
 
-/// The axis for values in this range, with about `steps` steps. If both are equal, it extends
-/// beyond them.
+/// The axis for values in this range, with about `steps` steps. If both values are equal, the axis
+/// extends beyond them.
 Axis axisFor(double smallest, double largest, int steps);
 
 }  // namespace orvane::host

@@ -11,7 +11,8 @@ namespace orvane::host {
 namespace {
 
 BayerPattern withSwappedRows(BayerPattern bayer) {
-  // One bit of the code is the row of the red pixel. None becomes an unknown code, which is none.
+  // One bit of the code is the row of the red pixel. None becomes an unknown code, so it stays
+  // None.
   return bayerFromCode(static_cast<int>(bayer) ^ 2);
 }
 

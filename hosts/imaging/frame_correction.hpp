@@ -12,9 +12,9 @@ namespace orvane::host {
 
 /// What to correct in every frame.
 struct FrameCorrection {
-  bool flips = false;                 ///< the last row becomes the first
+  bool flips = false;                 ///< reverses the order of the rows
   bool swapsRedAndBlue = false;       ///< of RGB frames
-  std::optional<BayerPattern> bayer;  ///< of raw frames, before they are flipped
+  std::optional<BayerPattern> bayer;  ///< the pattern of raw frames before they are flipped
 };
 
 /// The layout of the corrected frames. Flipping frames of even height swaps the rows of the Bayer
@@ -25,7 +25,7 @@ FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& co
 void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
                   const FrameCorrection& correction);
 
-/// Corrects the image of a frame in place. Returns the Bayer pattern that it has then.
+/// Corrects the image of a frame in place. Returns the Bayer pattern of the corrected image.
 BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrection& correction);
 
 }  // namespace orvane::host

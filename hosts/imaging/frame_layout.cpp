@@ -1,6 +1,7 @@
 // The layout of a frame's bytes: size, pixel format and Bayer pattern.
 #include "imaging/frame_layout.hpp"
 
+#include <algorithm>
 #include <array>
 
 #include "system/text.hpp"
@@ -10,25 +11,16 @@ namespace orvane::host {
 namespace {
 
 struct Format {
-  PixelFormat format;
   const char* name;
   std::size_t bytesPerPixel;
 };
 
-constexpr std::array<Format, 4> formats{{{PixelFormat::Raw8, "raw8", 1},
-                                         {PixelFormat::Raw16, "raw16", 2},
-                                         {PixelFormat::Rgb24, "rgb24", 3},
-                                         {PixelFormat::Mono8, "mono8", 1}}};
+// In the order of their codes, which begin at 0.
+constexpr std::array<Format, 4> formats{{{"raw8", 1}, {"raw16", 2}, {"rgb24", 3}, {"mono8", 1}}};
 
-struct NamedBayerPattern {
-  BayerPattern bayer;
-  const char* name;
-};
-
-constexpr std::array<NamedBayerPattern, 4> patterns{{{BayerPattern::Rggb, "RGGB"},
-                                                     {BayerPattern::Grbg, "GRBG"},
-                                                     {BayerPattern::Gbrg, "GBRG"},
-                                                     {BayerPattern::Bggr, "BGGR"}}};
+// In the order of their codes.
+constexpr std::array<const char*, 4> patternNames{"RGGB", "GRBG", "GBRG", "BGGR"};
+constexpr int firstPattern = static_cast<int>(BayerPattern::Rggb);
 
 const Format& row(PixelFormat format) {
   return formats.at(static_cast<std::size_t>(format));
@@ -41,47 +33,39 @@ const char* formatName(PixelFormat format) {
 }
 
 std::optional<PixelFormat> formatFromName(std::string_view name) {
-  for (const Format& entry : formats) {
-    if (name == entry.name) {
-      return entry.format;
+  for (std::size_t code = 0; code < formats.size(); ++code) {
+    if (name == formats.at(code).name) {
+      return static_cast<PixelFormat>(code);
     }
   }
   return std::nullopt;
 }
 
 BayerPattern bayerFromCode(int code) {
-  for (const NamedBayerPattern& entry : patterns) {
-    if (code == static_cast<int>(entry.bayer)) {
-      return entry.bayer;
-    }
-  }
-  return BayerPattern::None;
+  return code >= firstPattern && code <= static_cast<int>(BayerPattern::Bggr)
+             ? static_cast<BayerPattern>(code)
+             : BayerPattern::None;
 }
 
 std::optional<BayerPattern> bayerFromName(std::string_view name) {
   const auto isName = [&](std::string_view known) {
     return known.size() == name.size() && containsIgnoringCase(known, name);
   };
-  for (const NamedBayerPattern& entry : patterns) {
-    if (isName(entry.name)) {
-      return entry.bayer;
-    }
+  const auto found = std::find_if(patternNames.begin(), patternNames.end(), isName);
+  if (found != patternNames.end()) {
+    return static_cast<BayerPattern>(firstPattern + (found - patternNames.begin()));
   }
   return isName("none") ? std::optional(BayerPattern::None) : std::nullopt;
 }
 
 const char* bayerName(BayerPattern bayer) {
-  for (const NamedBayerPattern& entry : patterns) {
-    if (bayer == entry.bayer) {
-      return entry.name;
-    }
-  }
-  return "";
+  return bayer == BayerPattern::None
+             ? ""
+             : patternNames.at(static_cast<std::size_t>(static_cast<int>(bayer) - firstPattern));
 }
 
 std::size_t frameBytes(const FrameLayout& layout) {
-  return static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.height) *
-         row(layout.format).bytesPerPixel;
+  return pixelCount(layout.width, layout.height) * row(layout.format).bytesPerPixel;
 }
 
 }  // namespace orvane::host

@@ -1,5 +1,5 @@
-// The layout of a frame's bytes: size, pixel format and Bayer pattern. The types are the library's;
-// this room calls none of its functions.
+// The layout of a frame's bytes: size, pixel format and Bayer pattern. The types are the library's,
+// but no function of the library is called.
 #pragma once
 
 #include <cstddef>
@@ -21,29 +21,38 @@ const char* formatName(PixelFormat format);
 /// The format with this name.
 std::optional<PixelFormat> formatFromName(std::string_view name);
 
-/// The Bayer pattern with this code of the library's; none for an unknown code.
+/// The Bayer pattern with this code of the library; None for an unknown code.
 BayerPattern bayerFromCode(int code);
 
-/// The Bayer pattern with this name, in letters of any case: "RGGB" and so on, or "none".
+/// The Bayer pattern with this name: "RGGB" and so on, or "none". Ignores case.
 std::optional<BayerPattern> bayerFromName(std::string_view name);
 
-/// "RGGB" and so on; "" for none.
+/// "RGGB" and so on; "" for None.
 const char* bayerName(BayerPattern bayer);
 
-/// Where the red pixel of a Bayer pattern's 2 x 2 pixels is: column and row, 0 or 1. Blue is in the
-/// other column and the other row, green in the other column or the other row.
+/// The column and row (0 or 1) of the red pixel in a Bayer pattern's 2 x 2 pixels. Blue is in the
+/// other column and the other row; the two others are green.
 struct RedPixel {
   int column = 0;
   int row = 0;
 };
 
 constexpr RedPixel redPixelOf(BayerPattern bayer) {
-  const auto code = static_cast<int>(bayer);  // its lowest bit is the column, the next one the row
+  const auto code = static_cast<int>(bayer);  // bit 0 is the column, bit 1 the row
   return {code & 1, code >> 1 & 1};
 }
 
 /// The size of one frame in bytes, rows without padding.
 std::size_t frameBytes(const FrameLayout& layout);
+
+constexpr std::size_t pixelCount(int width, int height) {
+  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+}
+
+/// The index of a pixel in an image of this width, row by row.
+constexpr std::size_t pixelIndex(int width, int x, int y) {
+  return pixelCount(width, y) + static_cast<std::size_t>(x);
+}
 
 /// How many samples these bytes of a frame hold: three a pixel in RGB24, one in other formats.
 constexpr std::size_t sampleCount(std::span<const std::uint8_t> frame, PixelFormat format) {

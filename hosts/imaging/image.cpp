@@ -7,12 +7,12 @@ namespace orvane::host {
 
 namespace {
 
-// The coordinate before the first is the second, so that the Bayer pattern continues.
-std::size_t mirrored(int coordinate, int size) {
+// Mirrors around the first and the last coordinate themselves, so that the Bayer pattern continues.
+int mirrored(int coordinate, int size) {
   const int inside = coordinate < 0      ? -coordinate
                      : coordinate < size ? coordinate
                                          : 2 * (size - 1) - coordinate;
-  return static_cast<std::size_t>(std::clamp(inside, 0, size - 1));
+  return std::clamp(inside, 0, size - 1);
 }
 
 std::uint16_t mean(int a, int b) {
@@ -47,18 +47,14 @@ Image shrink(Image image, int longestSide) {
   Image small{image.width / acrossX, image.height / acrossY, image.channels, {}};
   const auto channels = static_cast<std::size_t>(image.channels);
   const auto area = static_cast<std::uint64_t>(acrossX) * static_cast<std::uint64_t>(acrossY);
-  small.samples.reserve(static_cast<std::size_t>(small.width) *
-                        static_cast<std::size_t>(small.height) * channels);
+  small.samples.reserve(pixelCount(small.width, small.height) * channels);
   for (int y = 0; y < small.height; ++y) {
     for (int x = 0; x < small.width; ++x) {
       for (std::size_t channel = 0; channel < channels; ++channel) {
         std::uint64_t sum = 0;
         for (int row = y * acrossY; row < (y + 1) * acrossY; ++row) {
           for (int column = x * acrossX; column < (x + 1) * acrossX; ++column) {
-            const std::size_t pixel =
-                static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width) +
-                static_cast<std::size_t>(column);
-            sum += image.samples[pixel * channels + channel];
+            sum += image.samples[pixelIndex(image.width, column, row) * channels + channel];
           }
         }
         small.samples.push_back(static_cast<std::uint16_t>(sum / area));
@@ -78,25 +74,25 @@ Image debayer(const Image& raw, BayerPattern bayer) {
   std::uint16_t* pixel = image.samples.data();
   for (int y = 0; y < height; ++y) {
     const auto row = [&](int at) {
-      return raw.samples.data() + mirrored(at, height) * static_cast<std::size_t>(width);
+      return raw.samples.data() + pixelCount(width, mirrored(at, height));
     };
     const std::uint16_t* const above = row(y - 1);
     const std::uint16_t* const here = row(y);
     const std::uint16_t* const below = row(y + 1);
     const bool isRedRow = y % 2 == red.row;
     for (int x = 0; x < width; ++x, pixel += 3) {
-      const std::size_t left = mirrored(x - 1, width);
+      const auto left = static_cast<std::size_t>(mirrored(x - 1, width));
       const auto middle = static_cast<std::size_t>(x);
-      const std::size_t right = mirrored(x + 1, width);
+      const auto right = static_cast<std::size_t>(mirrored(x + 1, width));
       const std::uint16_t own = here[middle];
       const bool isRedColumn = x % 2 == red.column;
-      if (isRedRow != isRedColumn) {  // green: one of the others is beside it, one above it
+      if (isRedRow != isRedColumn) {  // green, between two of red and two of blue
         const std::uint16_t beside = mean(here[left], here[right]);
         const std::uint16_t upright = mean(above[middle], below[middle]);
         pixel[0] = isRedRow ? beside : upright;
         pixel[1] = own;
         pixel[2] = isRedRow ? upright : beside;
-      } else {  // red or blue: green is around it, the other one at the corners
+      } else {  // red or blue, with the other of the two at the corners
         const std::uint16_t corners = mean(above[left], above[right], below[left], below[right]);
         pixel[0] = isRedRow ? own : corners;
         pixel[1] = mean(above[middle], below[middle], here[left], here[right]);

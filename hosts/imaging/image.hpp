@@ -32,9 +32,9 @@ Image imageFromFrame(std::span<const std::uint8_t> frame, const FrameLayout& lay
 /// Incomplete squares at the right and at the bottom are left out.
 Image shrink(Image image, int longestSide);
 
-/// The colour image of a one-channel image with a Bayer pattern (not "none"). Bilinear: each of the
-/// two colours that a pixel lacks is the mean of its nearest neighbours that have it. The image is
-/// mirrored at its borders.
+/// Makes a colour image from a one-channel image with this Bayer pattern, which is not None.
+/// Bilinear: each of the two colours that a pixel lacks is the mean of its nearest neighbours that
+/// have it. The image is mirrored at its borders.
 Image debayer(const Image& raw, BayerPattern bayer);
 
 }  // namespace orvane::host

@@ -87,18 +87,16 @@ Histogram histogramOf(std::span<const std::uint8_t> frame, const FrameLayout& la
     sums.at(number) += static_cast<std::uint64_t>(sample);
     saturated += sample >= histogram.fullScale ? 1 : 0;
   };
-  // Pixels in squares of two: each square of a Bayer pattern has every colour.
+  // Squares of 2 x 2 pixels: each holds every colour of a Bayer pattern.
   for (int y = 0; y < layout.height; y += y % 2 == 0 ? 1 : 2 * every - 1) {
     for (int x = 0; x < layout.width; x += x % 2 == 0 ? 1 : 2 * every - 1) {
-      const std::size_t pixel =
-          static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) +
-          static_cast<std::size_t>(x);
+      const std::size_t pixel = pixelIndex(layout.width, x, y);
       if (isRgb) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
           add(channel, frame[3 * pixel + channel]);
         }
       } else {
-        // Red stands in red's row and column, blue in neither, green in one of them.
+        // Red is in red's row and column, blue in neither, green in one of the two.
         const std::size_t channel =
             isBayer ? (x % 2 != red.column ? 1U : 0U) + (y % 2 != red.row ? 1U : 0U) : 0U;
         add(channel, sampleAt(frame, layout.format, pixel));

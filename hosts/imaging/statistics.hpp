@@ -15,10 +15,10 @@ namespace orvane::host {
 ///
 /// The full scale of 8-bit samples is 255. 16-bit samples of a converter with fewer bits are either
 /// left-aligned (12 bits: 0 to 65520) or right-aligned (0 to 4095), and the SDKs do not tell which.
-/// The samples do: they are right-aligned if all of them fit into the converter's bits and at least
-/// one has a bit that left-aligned samples leave at zero. Samples that the SDK averaged or scaled
-/// after the conversion have such bits too, but do not fit; their full scale is that of
-/// left-aligned samples.
+/// So the samples are examined: they are right-aligned if all of them fit into the converter's bits
+/// and at least one has a bit that left-aligned samples leave at zero. Samples that the SDK
+/// averaged or scaled after the conversion have such bits too, but do not fit; their full scale is
+/// that of left-aligned samples.
 class SampleRange {
  public:
   /// `bitDepth` is the converter's, 8 to 16; any other counts as 16.

@@ -15,7 +15,7 @@ constexpr std::size_t levels = 65536;
 // Counts of the 65536 sample values.
 using Histogram = std::vector<std::uint64_t>;
 
-// The value that `rank` of the samples do not reach.
+// The sample at this rank, counted from 0, if the samples were sorted.
 int valueAtRank(const Histogram& histogram, std::uint64_t rank) {
   std::uint64_t below = 0;
   for (std::size_t value = 0; value < levels; ++value) {
@@ -27,11 +27,11 @@ int valueAtRank(const Histogram& histogram, std::uint64_t rank) {
   return static_cast<int>(levels - 1);
 }
 
-// What a channel's samples are like.
+// Statistics of a channel's samples.
 struct Channel {
   double median;
   double deviation;  // the median of the samples' distances from the median
-  double brightest;  // of all but one in ten thousand
+  double brightest;  // the largest, leaving out one in ten thousand
 };
 
 Channel channelOf(const Image& image, int number) {
@@ -53,16 +53,15 @@ Channel channelOf(const Image& image, int number) {
 
 Stretch stretchOf(const Channel& channel, double white) {
   if (white <= channel.median) {
-    return {};  // nothing stands out of the image: show it as it is
+    return {};  // no sample is brighter than the background: do not stretch
   }
-  // 1.4826 makes the median deviation of noise its standard deviation. Samples of few bits may not
-  // deviate at all; the background stays above black even so.
+  // The factor 1.4826 turns the median deviation of noise into its standard deviation. Samples of
+  // few bits may have a deviation of 0; the second term keeps the background above black.
   const double noise = std::max(1.4826 * channel.deviation, (white - channel.median) / 256);
   Stretch stretch;
   stretch.black = std::max(0.0, channel.median - 2.8 * noise);
   stretch.white = white;
-  // The curve that lifts a value to 1/4 has the midtones that the curve with midtones 1/4 gives for
-  // that value.
+  // The curve that maps a value to 1/4 has midtonesTransfer(1/4, value) as its midtones.
   const double background =
       std::max(channel.median - stretch.black, noise) / (stretch.white - stretch.black);
   stretch.midtones = std::min(midtonesTransfer(0.25, background), 0.5);

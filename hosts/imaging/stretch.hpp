@@ -9,8 +9,8 @@
 
 namespace orvane::host {
 
-/// The midtones transfer function: 0 to 0, `midtones` to 0.5, 1 to 1, and a smooth curve between.
-/// All values lie from 0 to 1.
+/// The midtones transfer function: a smooth curve through (0, 0), (`midtones`, 0.5) and (1, 1).
+/// Values below 0 become 0, those above 1 become 1.
 double midtonesTransfer(double midtones, double value);
 
 /// The curve that brightens one channel: samples up to `black` become 0, those from `white` on
@@ -21,10 +21,10 @@ struct Stretch {
   double midtones = 0.5;
 };
 
-/// The stretches that show what an image holds, one for each channel: a little below the channel's
-/// median becomes black, the median a quarter of white, and the brightest samples of all channels
-/// (some hot pixels aside) white. So the background becomes grey, whatever cast the sensor gives
-/// it, and what stands out of it keeps its colour. No channel is darkened beyond its black point.
+/// Finds a stretch for each channel. Values a little below the channel's median become black, the
+/// median becomes a quarter of white, and the brightest samples of all channels (apart from some
+/// hot pixels) become white. This makes the background grey, whatever its colour cast, and keeps
+/// the colours of brighter objects. No channel is darkened beyond its black point.
 std::vector<Stretch> autoStretch(const Image& image);
 
 /// The screen's value of each of the 65536 sample values.
@@ -33,12 +33,12 @@ std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 /// The image for a screen.
 ScreenImage stretched(const Image& image);
 
-/// A picture of a frame for a person to look at: debayered if it has a Bayer pattern, shrunk to
-/// `longestSide`, stretched. `frame` holds frameBytes(layout) bytes.
+/// A picture of a frame for viewing: debayered if it has a Bayer pattern, shrunk to `longestSide`,
+/// and stretched. `frame` holds frameBytes(layout) bytes.
 ScreenImage previewOf(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                       int longestSide = 2400);
 
-/// The same of an image with this Bayer pattern, or none.
+/// The same for an image with this Bayer pattern, or None.
 ScreenImage previewOf(Image image, BayerPattern bayer, int longestSide);
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// What "oc_capture bench" measures, and its chart.
+// The measurements of "oc_capture bench", and their chart.
 #include "oc_capture/bench_chart.hpp"
 
 #include <algorithm>
@@ -6,7 +6,6 @@
 #include <string>
 
 #include "imaging/canvas.hpp"
-#include "oc_capture/chart_colours.hpp"
 #include "system/argument_values.hpp"
 #include "system/text.hpp"
 

@@ -1,4 +1,4 @@
-// What "oc_capture bench" measures, and its chart.
+// The measurements of "oc_capture bench", and their chart.
 #pragma once
 
 #include <cstdint>
@@ -19,11 +19,11 @@ struct Measurement {
   std::int64_t notReadyAnswers = 0;
   double framesPerSecond = 0;
   double megabytesPerSecond = 0;
-  double waitP50 = 0;  ///< milliseconds from one frame to the next, as the three below
+  double waitP50 = 0;  ///< milliseconds from one frame to the next, like the three below
   double waitP90 = 0;
   double waitP99 = 0;
   double waitLongest = 0;
-  std::string error;  ///< empty, or what failed; the numbers are from before the failure
+  std::string error;  ///< what failed, or empty; the numbers are from before the failure
 };
 
 /// A row for each measurement: frames and megabytes a second as bars, waits on a logarithmic axis.

@@ -1,15 +1,17 @@
-// The options that say which camera is used and how it is opened, and what they mean for the
-// cameras that are found.
+// The options that choose a camera and its settings, and their meaning for the cameras that a scan
+// has found.
 #include "oc_capture/camera_options.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <limits>
+#include <system_error>
 
-#include "oc_capture/simulated_scene.hpp"
 #include "session/camera_choice.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
+#include "system/system.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -19,7 +21,7 @@ namespace {
 constexpr int smallestInt = std::numeric_limits<int>::min();
 constexpr int largestInt = std::numeric_limits<int>::max();
 
-// A value that has a name; `names` lists all of them, for the error's sentence.
+// A value that has a name. `names` lists all names for the error's sentence.
 template <class Value>
 ReadValue intoNamed(std::optional<Value>& value, std::optional<Value> (*fromName)(std::string_view),
                     const char* names) {
@@ -47,6 +49,26 @@ ReadValue intoSeconds(CaptureLength& length) {
     }
     length.microseconds = parseSeconds(option, text);
   };
+}
+
+// "--scene". It takes effect when its value is read, which is before any SDK is loaded. Real
+// cameras ignore it.
+void showToSimulatedCameras(const char*, const std::string& file) {
+  const std::filesystem::path path = pathFromUtf8(file);
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) {
+    throw UsageError("--scene needs a recording; there is no file " + inQuotes(file) + ".");
+  }
+  const std::string full = utf8FromPath(std::filesystem::absolute(path));
+  // These characters separate commands.
+  if (full.find_first_of(";\n") != std::string::npos) {
+    throw UsageError("--scene cannot take a file with a semicolon in its path: " + inQuotes(full) +
+                     ".");
+  }
+  // The simulated SDKs read their commands from this variable when they are loaded.
+  constexpr const char* variable = "ORVANE_SIMULATOR";
+  const std::string others = environmentVariable(variable);
+  setEnvironmentVariable(variable, (others.empty() ? "" : others + "; ") + "sdk *; scene " + full);
 }
 
 // Throws unless the camera offers the value.
@@ -92,7 +114,9 @@ int gainOf(const oc::CameraInfo& camera, std::optional<int> wanted) {
 void addSdkOptions(CommandOptions& options, std::string& sdkDirectory) {
   options.add("--sdk", "DIR", "Directory with the makers' SDK libraries", intoText(sdkDirectory),
               Presence::Required);
-  addSceneOption(options);
+  options.add("--scene", "FILE.ser",
+              "Recording that simulated cameras look at;\nwithout effect on real ones",
+              showToSimulatedCameras);
 }
 
 void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence presence) {
@@ -121,9 +145,9 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence p
 
 void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction) {
   options.addFlag("--flip", correction.flips, "Turn frames upside down");
-  options.addFlag("--swap-rb", correction.swapsRedAndBlue, "Exchange red and blue of rgb24 frames");
+  options.addFlag("--swap-rb", correction.swapsRedAndBlue, "Swap red and blue of rgb24 frames");
   options.add("--bayer", "PATTERN",
-              "The mosaic of raw frames as they come,\nin place of what the SDK says:\n"
+              "Bayer pattern of raw frames before --flip,\nif the SDK reports a wrong one:\n"
               "RGGB, GRBG, GBRG, BGGR or none",
               intoNamed(correction.bayer, bayerFromName, "RGGB, GRBG, GBRG, BGGR or none"));
 }
@@ -149,7 +173,7 @@ oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& cam
   }
   settings.gain = gainOf(camera, options.gain);
   settings.offset = options.offset;
-  // Throws now rather than when the camera is open.
+  // Throws now, not only after the camera was opened.
   correctedLayout({settings.width, settings.height, settings.format, BayerPattern::None},
                   options.correction);
   return settings;

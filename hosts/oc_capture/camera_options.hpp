@@ -1,5 +1,5 @@
-// The options that say which camera is used and how it is opened, and what they mean for the
-// cameras that are found.
+// The options that choose a camera and its settings, and their meaning for the cameras that a scan
+// has found.
 #pragma once
 
 #include <chrono>
@@ -14,7 +14,7 @@
 
 namespace orvane::host {
 
-/// An option that is not given has the value that stands here; without a value, the camera decides.
+/// Options that are not given keep these values. Those without a value depend on the camera.
 struct CameraOptions {
   std::string sdkDirectory;
   std::string camera;  ///< index or part of the name
@@ -29,7 +29,7 @@ struct CameraOptions {
   FrameCorrection correction;
 };
 
-/// "--sdk", which is required, and "--scene".
+/// "--sdk", which is required, and "--scene", a recording that simulated cameras look at.
 void addSdkOptions(CommandOptions& options, std::string& sdkDirectory);
 
 /// The options of addSdkOptions() and addCorrectionOptions(), "--camera" and the camera's settings.
@@ -39,7 +39,7 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera,
 /// "--flip", "--swap-rb" and "--bayer".
 void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction);
 
-/// When to stop taking frames; Ctrl-C stops it, too. Only one of the two can be given.
+/// When to stop taking frames, apart from Ctrl-C. Only one of the two can be given.
 struct CaptureLength {
   std::optional<int> frames;
   std::optional<std::int64_t> microseconds;
@@ -60,16 +60,17 @@ struct ChosenCamera {
   oc::Settings settings;
 };
 
-/// The settings that are asked for, completed with the camera's own. Throws UsageError with
-/// a sentence that says what the camera offers.
+/// The given settings, completed with the camera's own. Throws UsageError with a sentence that
+/// tells what the camera offers.
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
-/// Scans for cameras to use one of them. Errors of the scan go to standard error: the camera that
-/// is meant may have been found all the same. Throws oc::Error when there is no camera at all.
+/// Scans for cameras. Errors of the scan only go to standard error, because the camera that is
+/// needed may have been found. Throws oc::Error when there is no camera at all.
 oc::Scan findCameras(const std::string& sdkDirectory);
 
-/// Scans and chooses. Throws UsageError when no camera, or more than one, fits the options, or when
-/// this camera cannot do what they ask, and oc::Error when there is no camera at all.
+/// Scans for cameras and chooses one. Throws UsageError when no camera fits the options, when
+/// several do, or when this one does not offer the settings; oc::Error when there is no camera at
+/// all.
 ChosenCamera findCamera(const CameraOptions& options);
 
 }  // namespace orvane::host

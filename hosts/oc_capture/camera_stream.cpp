@@ -17,7 +17,7 @@ oc::CaptureOptions captureOptions() {
   return options;
 }
 
-// About what a frame will occupy; the camera may round its size.
+// The approximate size of a frame: the camera may round width and height.
 std::size_t expectedBytes(const oc::Settings& settings) {
   return frameBytes({settings.width / settings.bin, settings.height / settings.bin, settings.format,
                      BayerPattern::None});

@@ -11,28 +11,33 @@
 
 namespace orvane::host {
 
-/// An open camera and a queue that takes every frame from the first one on. The first failed read,
-/// or five waits without a frame, end the stream: reading it throws oc::Error then.
+inline double secondsBetween(std::chrono::steady_clock::time_point start,
+                             std::chrono::steady_clock::time_point end) {
+  return std::chrono::duration<double>(end - start).count();
+}
+
+/// An open camera and a queue that takes every frame from the first one on. A failed read, or five
+/// waits without a frame, end the stream: next() then throws oc::Error.
 class CameraStream {
  public:
-  /// The stream ends after this number of frames behind those to discard, if there is one. Frames
-  /// that wait may take `waitingBytes`. Throws oc::Error when the camera cannot be opened.
+  /// The stream ends `frames` frames after those to discard, if a number is given. Waiting frames
+  /// may use `waitingBytes`. Throws oc::Error when the camera cannot be opened.
   CameraStream(const ChosenCamera& camera, const CameraOptions& options, std::optional<int> frames,
                std::int64_t waitingBytes = 64'000'000);
 
-  /// Waits for the next frame, but not longer than Ctrl-C and the status line can wait. Empty when
-  /// none came.
+  /// Waits for the next frame, but only so long that Ctrl-C and the status line are not delayed.
+  /// Empty when none came.
   oc::Frame next() { return frames_.next(std::chrono::milliseconds(100)); }
 
-  /// Discards this number of frames, or fewer when the user stops the program, and shows progress.
+  /// Discards this number of frames, or fewer if the user stops the program. Shows the progress.
   void discard(int frames, StatusLine& line);
 
-  /// When the last discarded frame came; without one, when the camera was opened.
+  /// When the last discarded frame came, or the camera was opened if no frame was discarded.
   std::chrono::steady_clock::time_point start() const { return start_; }
 
   oc::CaptureState state() const { return capture_.state(); }
 
-  /// The queue, for a consumer that takes the place of next().
+  /// The queue, for a consumer that replaces next().
   oc::FrameQueue takeQueue() { return std::move(frames_); }
 
  private:

@@ -1,7 +1,13 @@
-// One command of the program: a row of the table in main.cpp, and the options that it may have.
+// The program's commands, and the options that they have.
 #include "oc_capture/command.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <deque>
+#include <iostream>
+
+#include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 
@@ -17,17 +23,41 @@ std::string textBelowOptions(const Command& command) {
          "\n\n" + statusText;
 }
 
+// The parser's error as a sentence.
+UsageError usageError(const CLI::ParseError& error, const CLI::App& app,
+                      std::span<const Command* const> commands) {
+  const std::string text = error.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {
+    std::vector<std::string> names;
+    for (const Command* command : commands) {
+      names.emplace_back(command->name);
+    }
+    return UsageError("Say what to do: " + alternatives(names) + ".");
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    const std::string option = text.substr(0, text.find(':'));
+    return UsageError(option + " needs one value.");
+  }
+  return UsageError(text + ".");
+}
+
 }  // namespace
 
-CommandOptions::CommandOptions(CLI::App& app, const Command& command)
+CommandOptions::CommandOptions(CLI::App& app, const Command& command, RunCommand& given)
     : parser_(*app.add_subcommand(command.name, command.description)) {
   parser_.footer(textBelowOptions(command));
+  parser_.callback([this, &given, run = command.prepare(*this)] {
+    for (const auto& readValue : givenValues_) {
+      readValue();
+    }
+    given = run;
+  });
 }
 
 void CommandOptions::add(const char* name, const char* type, const char* description,
                          ReadValue read, Presence presence) {
-  // The parser calls back before it checks for required options and for --help. So the value is
-  // only kept here, and is read when the command line is known to be complete.
+  // The parser calls back before it checks for required options and for --help. So this only keeps
+  // the value. It is read when the command line is known to be complete.
   const auto keep = [this, name, read = std::move(read)](const std::string& text) {
     givenValues_.push_back([name, read, text] { read(name, text); });
   };
@@ -36,27 +66,41 @@ void CommandOptions::add(const char* name, const char* type, const char* descrip
       ->required(presence == Presence::Required);
 }
 
-void CommandOptions::addFlag(const char* name, bool& flag, const char* description) {
+void CommandOptions::addFlag(const char* name, bool& flag, const std::string& description) {
   parser_.add_flag(name, flag, description);
 }
 
-bool CommandOptions::isGiven() const {
-  return parser_.parsed();
-}
-
-void CommandOptions::readValues() const {
-  for (const auto& readValue : givenValues_) {
-    readValue();
+RunCommand parseCommandLine(std::span<const Command* const> commands,
+                            std::vector<std::string> arguments) {
+  CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
+  app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // a path may start with a slash
+  app.footer("\"oc_capture COMMAND --help\" explains a command, with examples.");
+  RunCommand given;
+  std::deque<CommandOptions> options;  // its elements keep their addresses
+  for (const Command* command : commands) {
+    options.emplace_back(app, *command, given);
   }
+  // A narrow column for the list of commands. The commands keep their own formatter.
+  app.formatter(std::make_shared<CLI::Formatter>());
+  app.get_formatter()->column_width(14);
+
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // the order that the parser expects
+    app.parse(std::move(arguments));
+  } catch (const CLI::CallForHelp&) {
+    return [text = app.help()] {
+      std::cout << text << "\n" << std::flush;
+      return 0;
+    };
+  } catch (const CLI::ParseError& error) {
+    throw usageError(error, app, commands);
+  }
+  return given;
 }
 
 ReadValue intoText(std::string& value) {
   return [&value](const char*, const std::string& text) { value = text; };
-}
-
-void addReportingOptions(CommandOptions& options, Reporting& reporting) {
-  options.addFlag("--quiet", reporting.isQuiet, "Write nothing but errors and the JSON document");
-  options.addFlag("--json", reporting.asJson, "Write one JSON document at the end");
 }
 
 }  // namespace orvane::host

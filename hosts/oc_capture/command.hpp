@@ -1,8 +1,9 @@
-// One command of the program: a row of the table in main.cpp, and the options that it may have.
+// The program's commands, and the options that they have.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,16 @@ using ReadValue = std::function<void(const char* option, const std::string& text
 
 enum class Presence { Optional, Required };
 
+/// Runs a command. Returns the exit status, 0 or 1. Throws UsageError when the command cannot do
+/// what is asked, and another std::exception when a camera or a file fails.
+using RunCommand = std::function<int()>;
+
 /// The options of one command, as a part of the argument parser.
 class CommandOptions {
  public:
-  CommandOptions(CLI::App& app, const Command& command);
+  /// Adds the command to the parser. If the command line names it, the parser reads the options'
+  /// values and then sets `given`.
+  CommandOptions(CLI::App& app, const Command& command, RunCommand& given);
   CommandOptions(const CommandOptions&) = delete;
   CommandOptions& operator=(const CommandOptions&) = delete;
 
@@ -33,33 +40,31 @@ class CommandOptions {
            Presence presence = Presence::Optional);
 
   /// An option without a value, which sets `flag`.
-  void addFlag(const char* name, bool& flag, const char* description);
-
-  /// True when the command line names this command.
-  bool isGiven() const;
-
-  /// Reads the values that were given, in the options' order. Throws UsageError.
-  void readValues() const;
+  void addFlag(const char* name, bool& flag, const std::string& description);
 
  private:
   CLI::App& parser_;
   std::vector<std::function<void()>> givenValues_;
 };
 
-/// Runs a command. Returns the exit status, 0 or 1. Throws UsageError when the command cannot do
-/// what is asked, and another std::exception when a camera or a file fails.
-using RunCommand = std::function<int()>;
-
 struct Command {
   const char* name;
-  const char* description;  ///< one line of the program's help
-  const char* explanation;  ///< below the options in the command's help, or empty
-  const char* examples;     ///< one a line
+  const char* description;                         ///< one line of the program's help
+  const char* explanation = "";                    ///< below the options in the command's help
+  const char* examples;                            ///< one a line
   RunCommand (*prepare)(CommandOptions& options);  ///< see prepareCommand()
 };
 
-/// Makes a command's settings and adds its options, which write into them. Returns the function
-/// that runs the command with these settings; call it after readValues().
+extern const Command listCommand;
+extern const Command recordCommand;
+extern const Command snapCommand;
+extern const Command benchCommand;
+extern const Command watchCommand;
+extern const Command playCommand;
+extern const Command doctorCommand;
+
+/// Makes a command's settings, and adds its options, which write into them. Returns the function
+/// that runs the command with these settings.
 template <class Settings, void (*addOptions)(CommandOptions&, Settings&),
           int (*run)(const Settings&)>
 RunCommand prepareCommand(CommandOptions& options) {
@@ -67,6 +72,11 @@ RunCommand prepareCommand(CommandOptions& options) {
   addOptions(options, *settings);
   return [settings] { return run(*settings); };
 }
+
+/// Reads the arguments after the program's name, in UTF-8. Returns what runs the command that they
+/// name, or what prints a help text. Throws UsageError with a sentence.
+RunCommand parseCommandLine(std::span<const Command* const> commands,
+                            std::vector<std::string> arguments);
 
 // Functions that store an option's value.
 
@@ -79,14 +89,5 @@ ReadValue intoNumber(Value& value, int smallest, int largest) {
     value = parseWholeNumber(option, text, smallest, largest);
   };
 }
-
-/// What is written besides the command's result.
-struct Reporting {
-  bool isQuiet = false;  ///< nothing but errors and the JSON document
-  bool asJson = false;   ///< one JSON document at the end, instead of a sentence
-};
-
-/// "--quiet" and "--json".
-void addReportingOptions(CommandOptions& options, Reporting& reporting);
 
 }  // namespace orvane::host

@@ -11,8 +11,8 @@
 namespace orvane::host {
 
 /// Up to twelve frames from the first to the last, each brightened separately, with its number
-/// (from 0) and its time since the first. Throws UsageError when the correction does not suit the
-/// frames' format, and std::runtime_error when the file cannot be read.
+/// (from 0) and its time since the first frame. Throws UsageError if the correction does not apply
+/// to the frames' format, and std::runtime_error if the file cannot be read.
 ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& correction,
                          const std::string& title, const std::string& subtitle, StatusLine& line);
 

@@ -1,12 +1,15 @@
 // "oc_capture doctor": whether the makers' SDKs are there, load, and have all that is needed.
-#include "oc_capture/doctor_command.hpp"
-
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/doctor_report.hpp"
+#include "oc_capture/report.hpp"
+#include "sdk_check/examination.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/sdk_directory.hpp"
 #include "system/text.hpp"
@@ -23,27 +26,220 @@ struct DoctorSettings {
 
 void addOptions(CommandOptions& options, DoctorSettings& doctor) {
   addSdkOptions(options, doctor.sdkDirectory);
-  options.addFlag("--scan", doctor.mayScan, "Ask the library too, which opens every camera");
+  options.addFlag("--scan", doctor.mayScan, "Scan too, which opens every camera");
   options.addFlag("--json", doctor.asJson, "Write one JSON document");
 }
 
-// False when an SDK was not loaded because loading it could end this program: the scan would load
-// it.
+struct DoctorFindings {
+  std::filesystem::path directory;
+  std::vector<SdkFindings> sdks;  // all four
+  bool wasAskedToScan = false;
+  std::optional<oc::Scan> scan;
+
+  // What oc_libraries() should list.
+  std::string loadableSdks() const {
+    std::vector<std::string> names;
+    for (const SdkFindings& sdk : sdks) {
+      if (sdk.load == LoadOutcome::Loaded) {
+        names.emplace_back(sdk.sdk.baseName);
+      }
+    }
+    return joined(names, ", ");
+  }
+
+  std::string loadedSdks() const { return joined(scan->libraries, ", "); }
+
+  // Every SDK that is there works, and so did the scan, if there was one.
+  bool isHealthy() const {
+    return std::all_of(sdks.begin(), sdks.end(),
+                       [](const SdkFindings& sdk) { return !sdk.isPresent || sdk.isHealthy(); }) &&
+           (!scan || (scan->error.empty() && loadedSdks() == loadableSdks()));
+  }
+};
+
+constexpr std::size_t labelWidth = 14;
+
+// A path on Linux need not be UTF-8.
+std::string pathText(const std::filesystem::path& path) {
+  return validUtf8(utf8FromPath(path));
+}
+
+std::string line(const std::string& label, const std::string& text) {
+  return "  " + label + std::string(labelWidth - label.size(), ' ') + text + "\n";
+}
+
+std::string kindOf(const SdkFindings& sdk) {
+  if (!sdk.content.problem.empty()) {
+    return sdk.content.problem;
+  }
+  return std::to_string(sdk.content.bits) + "-bit library for " + sdk.content.processor;
+}
+
+std::string loadText(const SdkFindings& sdk) {
+  switch (sdk.load) {
+    case LoadOutcome::Loaded:
+      return "yes";
+    case LoadOutcome::Failed:
+      return "no: " + sdk.loadProblem +
+             (sdk.loadCode ? " (" + std::to_string(*sdk.loadCode) + ")" : "");
+    default:
+      return "not tried: loading this file could end the program";
+  }
+}
+
+// "4 of 5 WORD".
+std::string countText(std::size_t present, std::size_t all, const std::string& word) {
+  return std::to_string(present) + " of " + std::to_string(all) + " " + word;
+}
+
+std::string functionLines(const SdkFindings& sdk) {
+  if (sdk.load != LoadOutcome::Loaded) {
+    return line("Functions", "not known");
+  }
+  const std::size_t all = sdk.sdk.functions.size();
+  std::string lines = line("Functions", countText(all - sdk.missingFunctions.size(), all, "there"));
+  for (const std::string& function : sdk.missingFunctions) {
+    lines += line("", "missing: " + function);
+  }
+  return lines;
+}
+
+std::string importProblem(const ImportFinding& import) {
+  const std::string what = import.name + ", needed by " + import.neededBy;
+  return import.isMissing
+             ? "missing: " + what
+             : "unusable: " + what + ": " + pathText(import.file) + ": " + import.problem;
+}
+
+std::string importLines(const SdkFindings& sdk) {
+  if (sdk.imports.empty()) {
+    return line("Needs", sdk.content.problem.empty() ? "no other library" : "not known");
+  }
+  std::size_t fine = 0;
+  std::string problems;
+  for (const ImportFinding& import : sdk.imports) {
+    fine += import.isFine() ? 1 : 0;
+    problems += import.isFine() ? "" : line("", importProblem(import));
+  }
+  return line("Needs", countText(fine, sdk.imports.size(), "libraries found")) + problems;
+}
+
+std::string versionLine(const SdkFindings& sdk) {
+#ifdef _WIN32
+  return line("File version", sdk.content.version.value_or("none"));
+#else
+  return line("Soname", validUtf8(sdk.content.soname.value_or("none")));
+#endif
+}
+
+std::string stateOf(const SdkFindings& sdk) {
+  if (!sdk.isPresent) {
+    return "not there";
+  }
+  return sdk.isHealthy() ? "healthy" : "NOT HEALTHY";
+}
+
+std::string sdkLines(const SdkFindings& sdk) {
+  std::string lines =
+      std::string(sdk.sdk.maker) + ": " + stateOf(sdk) + "\n" + line("File", pathText(sdk.file));
+  if (sdk.isPresent) {
+    lines += line("Kind", kindOf(sdk)) + versionLine(sdk) + line("Loads", loadText(sdk)) +
+             functionLines(sdk) + importLines(sdk);
+  }
+  return lines + "\n";
+}
+
+std::string libraryLines(const DoctorFindings& findings) {
+  std::string lines = "The library itself\n";
+  if (findings.scan) {
+    lines += line("oc_scan", std::to_string(findings.scan->cameras.size()) + " cameras") +
+             line("oc_libraries", inQuotes(findings.loadedSdks())) +
+             line("oc_error", inQuotes(findings.scan->error));
+    if (findings.loadedSdks() != findings.loadableSdks()) {
+      lines += line("", "The library loaded other SDKs than could be loaded here.");
+    }
+  } else if (findings.wasAskedToScan) {
+    lines += line("", "not asked: a scan would load the file that it is not safe to load");
+  } else {
+    lines += line("", "not asked: it loads the SDKs in a scan only, and a scan opens every");
+    lines += line("", "camera for a moment; oc_libraries and oc_error know nothing before.");
+    lines += line("", "Add --scan when no other program is using a camera.");
+  }
+  return lines + "\n";
+}
+
+std::string summary(const DoctorFindings& findings) {
+  const auto countIf = [&](auto isCounted) {
+    return std::count_if(findings.sdks.begin(), findings.sdks.end(), isCounted);
+  };
+  const auto present = countIf([](const SdkFindings& sdk) { return sdk.isPresent; });
+  const auto healthy = countIf([](const SdkFindings& sdk) { return sdk.isHealthy(); });
+  if (present == 0) {
+    return "There is no SDK in this directory.\n";
+  }
+  return "Found " + std::to_string(present) + " of " + std::to_string(findings.sdks.size()) +
+         " SDKs, " + std::to_string(healthy) + " healthy.\n";
+}
+
+Json sdkJson(const SdkFindings& sdk) {
+  Json imports = Json::array();
+  for (const ImportFinding& import : sdk.imports) {
+    imports.push_back({{"name", import.name},
+                       {"neededBy", import.neededBy},
+                       {"missing", import.isMissing},
+                       {"file", orNull(pathText(import.file))},
+                       {"problem", orNull(import.problem)}});
+  }
+  const bool isLoaded = sdk.load == LoadOutcome::Loaded;
+  const LibraryFile& content = sdk.content;
+  return {{"maker", sdk.sdk.maker},
+          {"name", sdk.sdk.baseName},
+          {"file", pathText(sdk.file)},
+          {"present", sdk.isPresent},
+          {"healthy", sdk.isHealthy()},
+          {"problem", orNull(content.problem)},
+          {"bits", content.bits == 0 ? Json() : Json(content.bits)},
+          {"processor", orNull(content.processor)},
+          {"fileVersion", orNull(content.version)},
+          {"soname", content.soname ? Json(validUtf8(*content.soname)) : Json()},
+          {"loads", sdk.load == LoadOutcome::NotTried ? Json() : Json(isLoaded)},
+          {"loadError", orNull(sdk.loadProblem)},
+          {"loadErrorCode", orNull(sdk.loadCode)},
+          {"functions", sdk.sdk.functions.size()},
+          {"missingFunctions", isLoaded ? Json(sdk.missingFunctions) : Json()},
+          {"imports", imports}};
+}
+
+Json libraryJson(const DoctorFindings& findings) {
+  if (!findings.scan) {
+    return {{"scanned", false}, {"cameras", nullptr}, {"libraries", nullptr}, {"error", nullptr}};
+  }
+  return {{"scanned", true},
+          {"cameras", findings.scan->cameras.size()},
+          {"libraries", findings.loadedSdks()},
+          {"error", findings.scan->error}};
+}
+
+std::string textOf(const DoctorFindings& findings) {
+  return joined(findings.sdks, "", sdkLines) + libraryLines(findings) + summary(findings);
+}
+
+Json jsonOf(const DoctorFindings& findings) {
+  Json sdks = Json::array();
+  for (const SdkFindings& sdk : findings.sdks) {
+    sdks.push_back(sdkJson(sdk));
+  }
+  return {{"directory", pathText(findings.directory)},
+          {"healthy", findings.isHealthy()},
+          {"sdks", sdks},
+          {"library", libraryJson(findings)}};
+}
+
+// No scan if an SDK was not loaded because that could end this program: the scan would load it.
 bool canBeScanned(const std::vector<SdkFindings>& sdks) {
   return std::none_of(sdks.begin(), sdks.end(), [](const SdkFindings& sdk) {
     return sdk.isPresent && sdk.load == LoadOutcome::NotTried;
   });
-}
-
-void scan(DoctorFindings& findings) {
-  findings.wasAskedToScan = true;
-  if (!canBeScanned(findings.sdks)) {
-    return;
-  }
-  const oc::Scan found = presentable(oc::scan(findings.directory));
-  findings.scan =
-      LibraryFindings{joined(found.libraries, ", ", [](const std::string& name) { return name; }),
-                      found.error, static_cast<int>(found.cameras.size())};
 }
 
 int examineSdks(const DoctorSettings& settings) {
@@ -52,35 +248,34 @@ int examineSdks(const DoctorSettings& settings) {
   for (const Sdk& sdk : allSdks()) {
     findings.sdks.push_back(examineSdk(sdk, findings.directory));
   }
-  if (settings.mayScan) {
-    scan(findings);
+  findings.wasAskedToScan = settings.mayScan;
+  if (settings.mayScan && canBeScanned(findings.sdks)) {
+    findings.scan = presentable(oc::scan(findings.directory));
   }
-  std::cout << (settings.asJson ? doctorJson(findings) : doctorText(findings)) << std::flush;
+  report({false, settings.asJson}, jsonOf(findings), textOf(findings));
   if (!std::cout) {
     throw std::runtime_error("The findings could not be written.");
   }
   return findings.isHealthy() ? 0 : 1;
 }
 
-constexpr const char* explanation =
-    R"(For each of the four SDKs: its file, whether it loads and otherwise what the
-system says, the functions that the library calls and the SDK lacks, and the
-libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
-The exit status is 1 when an SDK that is there is not healthy, or the scan
-failed.
-
-With --scan the library itself is asked, too. It then opens every camera for a
-moment, which disturbs a program that is using one.)";
-
-constexpr const char* examples =
-    R"(  oc_capture doctor --sdk C:\sdk
-  oc_capture doctor --sdk C:\sdk --scan --json)";
-
 }  // namespace
 
 const Command doctorCommand{
-    "doctor", "Tell why an SDK cannot be used, without opening a camera", explanation,
-    examples, prepareCommand<DoctorSettings, addOptions, examineSdks>,
+    .name = "doctor",
+    .description = "Tell why an SDK cannot be used, without opening a camera",
+    .explanation =
+        R"(Tells about each of the four SDKs: its file, whether it loads or the system's
+message, the functions that the library calls but the SDK lacks, and the
+libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
+The exit status is 1 if an SDK is there but not healthy, or if the scan failed.
+
+With --scan the library itself scans for cameras, too. It opens every camera
+for a moment, which disturbs a program that is using one.)",
+    .examples =
+        R"(  oc_capture doctor --sdk C:\sdk
+  oc_capture doctor --sdk C:\sdk --scan --json)",
+    .prepare = prepareCommand<DoctorSettings, addOptions, examineSdks>,
 };
 
 }  // namespace orvane::host

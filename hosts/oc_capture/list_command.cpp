@@ -1,17 +1,14 @@
 // "oc_capture list": the cameras that are there, and what each can do.
-#include "oc_capture/list_command.hpp"
-
 #include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/text_table.hpp"
+#include "oc_capture/report.hpp"
 #include "session/camera_catalogue.hpp"
 #include "system/argument_values.hpp"
 #include "system/text.hpp"
@@ -22,14 +19,12 @@ namespace {
 
 struct ListSettings {
   std::string sdkDirectory;
-  bool asJson = false;
-  bool isQuiet = false;  // nothing but errors and the JSON document
+  Reporting reporting;
 };
 
 void addOptions(CommandOptions& options, ListSettings& list) {
   addSdkOptions(options, list.sdkDirectory);
-  options.addFlag("--json", list.asJson, "Write one JSON document");
-  options.addFlag("--quiet", list.isQuiet, "Write nothing but errors and the JSON document");
+  addReportingOptions(options, list.reporting);
 }
 
 std::string pixelPitch(double micrometres) {
@@ -64,7 +59,7 @@ std::string gainRange(const oc::CameraInfo& camera) {
 TableRow rowOf(const oc::CameraInfo& camera) {
   return {std::to_string(camera.index),
           camera.name,
-          std::to_string(camera.maxWidth) + " x " + std::to_string(camera.maxHeight),
+          dimensionsText(camera.maxWidth, camera.maxHeight),
           std::to_string(camera.bitDepth),
           pixelPitch(camera.pixelSizeUm),
           colour(camera),
@@ -83,36 +78,24 @@ std::string cameraTable(const std::vector<oc::CameraInfo>& cameras) {
   return textTable(rows, rows.front().size());
 }
 
-void printJson(const oc::Scan& catalogue) {
-  nlohmann::ordered_json document;
-  document["libraries"] = catalogue.libraries;
-  document["error"] = catalogue.error;
-  document["cameras"] = nlohmann::ordered_json::array();
+Json jsonOf(const oc::Scan& catalogue) {
+  Json document{
+      {"libraries", catalogue.libraries}, {"error", catalogue.error}, {"cameras", Json::array()}};
   for (const oc::CameraInfo& camera : catalogue.cameras) {
     document["cameras"].push_back(descriptionOf(camera));
   }
-  std::cout << document.dump(2) << "\n";
+  return document;
 }
 
-void printText(const oc::Scan& catalogue) {
-  const std::string libraries =
-      joined(catalogue.libraries, ", ", [](const std::string& name) { return name; });
-  std::cout << "Libraries: " << (libraries.empty() ? "none" : libraries) << "\n";
-  if (catalogue.cameras.empty()) {
-    std::cout << "No cameras.\n";
-  } else {
-    std::cout << cameraTable(catalogue.cameras);
-  }
+std::string textOf(const oc::Scan& catalogue) {
+  const std::string libraries = joined(catalogue.libraries, ", ");
+  return "Libraries: " + (libraries.empty() ? "none" : libraries) + "\n" +
+         (catalogue.cameras.empty() ? "No cameras.\n" : cameraTable(catalogue.cameras));
 }
 
 int listCameras(const ListSettings& settings) {
   const oc::Scan catalogue = readCatalogue(settings.sdkDirectory);
-  if (settings.asJson) {
-    printJson(catalogue);
-  } else if (!settings.isQuiet) {
-    printText(catalogue);
-  }
-  std::cout.flush();
+  report(settings.reporting, jsonOf(catalogue), textOf(catalogue));
   if (!std::cout) {
     throw std::runtime_error("The list could not be written.");
   }
@@ -123,18 +106,15 @@ int listCameras(const ListSettings& settings) {
   return 0;
 }
 
-constexpr const char* examples =
-    R"(  oc_capture list --sdk C:\sdk
-  oc_capture list --sdk C:\sdk --json)";
-
 }  // namespace
 
 const Command listCommand{
-    "list",
-    "List the cameras and what they can do",
-    "",
-    examples,
-    prepareCommand<ListSettings, addOptions, listCameras>,
+    .name = "list",
+    .description = "List the cameras and what they can do",
+    .examples =
+        R"(  oc_capture list --sdk C:\sdk
+  oc_capture list --sdk C:\sdk --json)",
+    .prepare = prepareCommand<ListSettings, addOptions, listCameras>,
 };
 
 }  // namespace orvane::host

@@ -1,23 +1,16 @@
-// oc_capture: lists cameras and records from them through the library's public header.
-// Here: the table of its commands, and how failures become messages and exit statuses.
+// oc_capture lists cameras and records from them through the library's public header. This file has
+// the table of its commands, and turns failures into messages and exit statuses.
 #include <array>
 #include <exception>
 #include <iostream>
 
-#include "oc_capture/bench_command.hpp"
-#include "oc_capture/command_line.hpp"
-#include "oc_capture/doctor_command.hpp"
-#include "oc_capture/list_command.hpp"
-#include "oc_capture/play_command.hpp"
-#include "oc_capture/record_command.hpp"
-#include "oc_capture/snap_command.hpp"
-#include "oc_capture/watch_command.hpp"
+#include "oc_capture/command.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 
-namespace orvane::host {
-
 namespace {
+
+using namespace orvane::host;
 
 // In the order of the help.
 constexpr std::array commands{&listCommand,  &recordCommand, &snapCommand,  &benchCommand,
@@ -31,7 +24,9 @@ int report(const std::exception& error, int status) {
   return status;
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
     useUtf8Console();
     return parseCommandLine(commands, commandLineArguments(argc, argv))();
@@ -40,12 +35,4 @@ int run(int argc, char** argv) {
   } catch (const std::exception& error) {
     return report(error, failed);
   }
-}
-
-}  // namespace
-
-}  // namespace orvane::host
-
-int main(int argc, char** argv) {
-  return orvane::host::run(argc, argv);
 }

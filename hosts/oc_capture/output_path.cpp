@@ -31,7 +31,8 @@ void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputO
         output.path = readPath(option, text, endings);
       },
       texts.presence);
-  options.addFlag("--overwrite", output.mayOverwrite, texts.overwriteDescription);
+  options.addFlag("--overwrite", output.mayOverwrite,
+                  "Replace " + std::string(texts.type) + " if it exists");
 }
 
 bool hasEnding(const std::filesystem::path& path, const std::string& ending) {

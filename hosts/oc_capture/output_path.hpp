@@ -16,21 +16,20 @@ struct OutputPath {
   bool isGiven() const { return !path.empty(); }
 };
 
-/// The help's words for the two options, and the endings that the file's name may have.
+/// The help texts of the two options, and the allowed endings of the file's name.
 struct OutputOption {
   const char* type;
   const char* description;
-  const char* overwriteDescription;
   std::vector<std::string> endings;
   Presence presence = Presence::Optional;
 };
 
 void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputOption& texts);
 
-/// True when the path has this ending; upper and lower case are the same.
+/// True when the path has this ending. Ignores case.
 bool hasEnding(const std::filesystem::path& path, const std::string& ending);
 
-/// Throws UsageError when a file is wanted, and its directory is missing or it exists and must not
+/// Throws UsageError if a file is wanted, and its directory is missing, or it exists and must not
 /// be replaced.
 void requireUsable(const OutputPath& output);
 

@@ -1,9 +1,5 @@
 // "oc_capture play": what a recording holds.
-#include "oc_capture/play_command.hpp"
-
 #include <filesystem>
-#include <iostream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -14,11 +10,11 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/contact_sheet.hpp"
 #include "oc_capture/output_path.hpp"
+#include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "session/frame_timing.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
-#include "system/utc_text.hpp"
 
 namespace orvane::host {
 
@@ -36,13 +32,10 @@ void addOptions(CommandOptions& options, PlaySettings& play) {
       "FILE.ser", "", "The recording",
       [&play](const char*, const std::string& text) { play.file = pathFromUtf8(text); },
       Presence::Required);
-  addOutputOptions(options, play.sheet,
-                   {"SHEET.png", "The contact sheet", "Replace SHEET.png if it exists", {".png"}});
+  addOutputOptions(options, play.sheet, {"SHEET.png", "The contact sheet", {".png"}});
   addCorrectionOptions(options, play.correction);
   addReportingOptions(options, play.reporting);
 }
-
-using Json = nlohmann::ordered_json;
 
 std::string colours(const SerFacts& facts) {
   switch (facts.channels) {
@@ -60,9 +53,8 @@ std::string colours(const SerFacts& facts) {
 }
 
 std::string shape(const SerFacts& facts) {
-  return std::to_string(facts.frames) + " frames of " + std::to_string(facts.width) + " x " +
-         std::to_string(facts.height) + ", " + colours(facts) + ", " + std::to_string(facts.depth) +
-         " bits";
+  return std::to_string(facts.frames) + " frames of " + dimensionsText(facts.width, facts.height) +
+         ", " + colours(facts) + ", " + std::to_string(facts.depth) + " bits";
 }
 
 std::string startText(const SerFacts& facts) {
@@ -85,73 +77,71 @@ std::string gapText(const FrameTiming& timing) {
          " ms, after frame " + std::to_string(timing.longestGapAfter);
 }
 
-void printLine(const char* label, const std::string& text) {
-  if (!text.empty()) {
-    std::cout << label << text << "\n";
-  }
+// A line, or nothing if the text is empty.
+std::string lineOf(const char* label, const std::string& text) {
+  return text.empty() ? "" : label + text + "\n";
 }
 
-void reportText(const PlaySettings& settings, const SerFacts& facts,
-                const std::optional<FrameTiming>& timing) {
-  std::cout << inQuotes(utf8FromPath(settings.file)) << ": " << shape(facts) << "\n";
-  printLine("Camera:    ", facts.instrument);
-  printLine("Telescope: ", facts.telescope);
-  printLine("Observer:  ", facts.observer);
-  const std::string start = startText(facts);
-  printLine("Start:     ", start.empty() ? "" : start + " UTC");
-  if (timing) {
-    printLine("Length:    ", rateText(*timing));
-    printLine("Gaps:      ", gapText(*timing));
-    printLine("Clock:     ", timing->stepsBack == 0
-                                 ? ""
-                                 : std::to_string(timing->stepsBack) +
-                                       " frames have an earlier time than the one before");
-  } else {
-    printLine("Length:    ", facts.timeStamps.empty() ? "unknown, there are no time stamps"
-                                                      : "unknown, the time stamps make no sense");
+std::string timingText(const SerFacts& facts, const std::optional<FrameTiming>& timing) {
+  if (!timing) {
+    return lineOf("Length:    ", facts.timeStamps.empty()
+                                     ? "unknown, there are no time stamps"
+                                     : "unknown, the time stamps make no sense");
   }
+  std::string text =
+      lineOf("Length:    ", rateText(*timing)) + lineOf("Gaps:      ", gapText(*timing));
+  if (timing->stepsBack > 0) {
+    text += lineOf("Clock:     ", std::to_string(timing->stepsBack) +
+                                      " frames have an earlier time than the one before");
+  }
+  return text;
+}
+
+std::string textOf(const PlaySettings& settings, const SerFacts& facts,
+                   const std::optional<FrameTiming>& timing) {
+  const std::string start = startText(facts);
+  std::string text =
+      inQuotes(utf8FromPath(settings.file)) + ": " + shape(facts) + "\n" +
+      lineOf("Camera:    ", facts.instrument) + lineOf("Telescope: ", facts.telescope) +
+      lineOf("Observer:  ", facts.observer) +
+      lineOf("Start:     ", start.empty() ? "" : start + " UTC") + timingText(facts, timing);
   if (facts.unusedBytes > 0) {
-    printLine("Unused:    ",
-              std::to_string(facts.unusedBytes) + " bytes behind the frames and time stamps");
+    text += lineOf("Unused:    ",
+                   std::to_string(facts.unusedBytes) + " bytes behind the frames and time stamps");
   }
   if (settings.sheet.isGiven()) {
-    printLine("Sheet:     ", inQuotes(utf8FromPath(settings.sheet.path)));
+    text += lineOf("Sheet:     ", inQuotes(utf8FromPath(settings.sheet.path)));
   }
-  std::cout << std::flush;
+  return text;
 }
 
 Json timingJson(const FrameTiming& timing) {
-  Json document;
-  document["seconds"] = timing.seconds;
-  document["framesPerSecond"] = timing.framesPerSecond;
-  document["medianIntervalSeconds"] = timing.medianInterval;
-  document["gaps"] = timing.gaps;
-  document["missedFrames"] = timing.missedFrames;
-  document["longestGapSeconds"] = timing.longestGap;
-  document["longestGapAfterFrame"] = timing.gaps == 0 ? Json() : Json(timing.longestGapAfter);
-  document["stepsBack"] = timing.stepsBack;
-  return document;
+  return {{"seconds", timing.seconds},
+          {"framesPerSecond", timing.framesPerSecond},
+          {"medianIntervalSeconds", timing.medianInterval},
+          {"gaps", timing.gaps},
+          {"missedFrames", timing.missedFrames},
+          {"longestGapSeconds", timing.longestGap},
+          {"longestGapAfterFrame", timing.gaps == 0 ? Json() : Json(timing.longestGapAfter)},
+          {"stepsBack", timing.stepsBack}};
 }
 
-void reportJson(const PlaySettings& settings, const SerFacts& facts,
-                const std::optional<FrameTiming>& timing) {
-  const std::string start = startText(facts);
-  Json document;
-  document["file"] = utf8FromPath(settings.file);
-  document["frames"] = facts.frames;
-  document["width"] = facts.width;
-  document["height"] = facts.height;
-  document["colours"] = colours(facts);
-  document["depth"] = facts.depth;
-  document["instrument"] = facts.instrument;
-  document["telescope"] = facts.telescope;
-  document["observer"] = facts.observer;
-  document["startUtc"] = start.empty() ? Json() : Json(start);
-  document["hasTimeStamps"] = !facts.timeStamps.empty();
-  document["timing"] = timing ? timingJson(*timing) : Json();
-  document["unusedBytes"] = facts.unusedBytes;
-  document["sheet"] = settings.sheet.isGiven() ? Json(utf8FromPath(settings.sheet.path)) : Json();
-  std::cout << document.dump(2) << "\n" << std::flush;
+Json jsonOf(const PlaySettings& settings, const SerFacts& facts,
+            const std::optional<FrameTiming>& timing) {
+  return {{"file", utf8FromPath(settings.file)},
+          {"frames", facts.frames},
+          {"width", facts.width},
+          {"height", facts.height},
+          {"colours", colours(facts)},
+          {"depth", facts.depth},
+          {"instrument", facts.instrument},
+          {"telescope", facts.telescope},
+          {"observer", facts.observer},
+          {"startUtc", orNull(startText(facts))},
+          {"hasTimeStamps", !facts.timeStamps.empty()},
+          {"timing", timing ? timingJson(*timing) : Json()},
+          {"unusedBytes", facts.unusedBytes},
+          {"sheet", orNull(utf8FromPath(settings.sheet.path))}};
 }
 
 void requireFile(const std::filesystem::path& file) {
@@ -175,32 +165,24 @@ int play(const PlaySettings& settings) {
              contactSheet(recording, settings.correction, utf8FromPath(settings.file.filename()),
                           shape(facts) + rate, line));
   }
-  if (settings.reporting.asJson) {
-    reportJson(settings, facts, timing);
-  } else if (!settings.reporting.isQuiet) {
-    reportText(settings, facts, timing);
-  }
+  report(settings.reporting, jsonOf(settings, facts, timing), textOf(settings, facts, timing));
   return 0;
 }
-
-constexpr const char* explanation =
-    R"(Frames, size, colours, depth, the rate and the gaps as the frames' time stamps
-have them. An interval of more than one and a half times the usual one counts
-as a gap. The contact sheet shows up to twelve frames from the first to the
-last, in colour and brightened.)";
-
-constexpr const char* examples =
-    R"(  oc_capture play jupiter.ser
-  oc_capture play jupiter.ser --out jupiter-sheet.png)";
 
 }  // namespace
 
 const Command playCommand{
-    "play",
-    "Tell what a recording holds, and show it on a contact sheet",
-    explanation,
-    examples,
-    prepareCommand<PlaySettings, addOptions, play>,
+    .name = "play",
+    .description = "Tell what a recording holds, and show it on a contact sheet",
+    .explanation =
+        R"(Tells the number of frames, their size, colours and depth. The rate and the
+gaps follow from the frames' time stamps: an interval of more than one and a
+half times the median is a gap. The contact sheet shows up to twelve frames
+from the first to the last, in colour and brightened.)",
+    .examples =
+        R"(  oc_capture play jupiter.ser
+  oc_capture play jupiter.ser --out jupiter-sheet.png)",
+    .prepare = prepareCommand<PlaySettings, addOptions, play>,
 };
 
 }  // namespace orvane::host

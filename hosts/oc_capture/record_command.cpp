@@ -1,15 +1,10 @@
 // "oc_capture record": a camera's frames, written into a SER file.
-#include "oc_capture/record_command.hpp"
-
-#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "formats/png_writer.hpp"
 #include "formats/ser_time.hpp"
@@ -18,9 +13,9 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
+#include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "session/ser_recorder.hpp"
-#include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
 
@@ -40,9 +35,8 @@ struct RecordSettings {
 
 void addOptions(CommandOptions& options, RecordSettings& record) {
   addCameraOptions(options, record.camera);
-  addOutputOptions(
-      options, record.file,
-      {"FILE.ser", "The recording", "Replace FILE.ser if it exists", {".ser"}, Presence::Required});
+  addOutputOptions(options, record.file,
+                   {"FILE.ser", "The recording", {".ser"}, Presence::Required});
   addLengthOptions(options, record.length, "Number of frames to record", "Length of the recording");
   constexpr int mostMegabytes = 1 << 20;
   options.add("--memory", "MB", "For frames that wait to be written;\n256 if not given",
@@ -67,18 +61,10 @@ struct Recording {
   double seconds = 0;              // from the start of the stream to the last frame
   double secondsUntilWritten = 0;  // from the start of the stream until the file is closed
   oc::Frame lastFrame;
-  std::exception_ptr failure;
+  std::string error;  // what failed, or empty
 };
 
-CaptureLength lengthOf(const RecordSettings& settings) {
-  CaptureLength length = settings.length;
-  if (!length.frames && !length.microseconds) {
-    length.frames = 100;
-  }
-  return length;
-}
-
-// In the order of these calls no frame since then has an earlier time.
+// The order of these calls makes sure that no frame after `start` has an earlier time.
 std::chrono::system_clock::time_point systemTimeOf(SteadyClock::time_point start) {
   const auto now = std::chrono::system_clock::now();
   return now - std::chrono::ceil<std::chrono::system_clock::duration>(SteadyClock::now() - start);
@@ -90,8 +76,7 @@ class RecordingSession {
   RecordingSession(const RecordSettings& settings, const ChosenCamera& camera)
       : settings_(settings),
         camera_(camera),
-        length_(lengthOf(settings)),
-        stream_(std::in_place, camera, settings.camera, length_.frames,
+        stream_(std::in_place, camera, settings.camera, settings.length.frames,
                 std::int64_t{1'000'000} * settings.memoryMegabytes),
         layout_(correctedLayout(stream_->state().layout, settings.camera.correction)),
         line_(settings.reporting.isQuiet) {}
@@ -111,17 +96,13 @@ class RecordingSession {
     stream_.reset();
     finish(recorder, recording);
     recording.secondsUntilWritten = secondsBetween(start, SteadyClock::now());
-    if (length_.frames == recording.frames && recording.lastFrame.arrival() > start) {
+    if (settings_.length.frames == recording.frames && recording.lastFrame.arrival() > start) {
       recording.seconds = secondsBetween(start, recording.lastFrame.arrival());
     }
     return recording;
   }
 
  private:
-  static double secondsBetween(SteadyClock::time_point start, SteadyClock::time_point end) {
-    return std::chrono::duration<double>(end - start).count();
-  }
-
   SerDescription serDescription(std::chrono::system_clock::time_point start) const {
     return {layout_,
             settings_.observer,
@@ -133,7 +114,7 @@ class RecordingSession {
 
   bool isOver(const SerRecorder& recorder, SteadyClock::time_point start) const {
     return stopRequested() ||
-           length_.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
+           settings_.length.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
   }
 
   void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start) {
@@ -146,12 +127,23 @@ class RecordingSession {
     recorder.stop();
   }
 
+  // The rates are those since the line was shown before.
   void showProgress(const SerRecorder& recorder) {
-    const auto size = static_cast<std::int64_t>(frameBytes(layout_));
     const oc::CaptureState state = stream_->state();
+    const double seconds = line_.secondsSinceShown();
     const std::int64_t frames = recorder.acceptedFrames();
-    line_.showRecording({frames, frames * size, static_cast<std::int64_t>(state.silentWaits),
-                         recorder.droppedFrames(), state.temperature});
+    const double rate = static_cast<double>(frames - shownFrames_) / (seconds > 0 ? seconds : 1);
+    shownFrames_ = frames;
+    std::string text = std::to_string(frames) + " frames, " + decimal(rate, 1) + " fps, " +
+                       decimal(rate * static_cast<double>(frameBytes(layout_)) / 1e6, 1) +
+                       " MB/s, " + std::to_string(state.silentWaits) + " not ready";
+    if (recorder.droppedFrames() > 0) {
+      text += ", " + std::to_string(recorder.droppedFrames()) + " dropped";
+    }
+    if (state.temperature) {
+      text += ", " + decimal(*state.temperature, 1) + " \u00b0C";
+    }
+    line_.show(text);
   }
 
   void finish(SerRecorder& recorder, Recording& recording) const {
@@ -165,8 +157,8 @@ class RecordingSession {
     }
     try {
       recorder.requireSuccess();
-    } catch (const std::exception&) {
-      recording.failure = std::current_exception();
+    } catch (const std::exception& error) {
+      recording.error = error.what();
     }
     recording.frames = recorder.writtenFrames();
     recording.droppedFrames = recorder.droppedFrames();
@@ -177,74 +169,57 @@ class RecordingSession {
 
   const RecordSettings& settings_;
   const ChosenCamera& camera_;
-  const CaptureLength length_;
   std::optional<CameraStream> stream_;
   FrameLayout layout_;  // of the corrected frames
-  RecordingLine line_;
+  StatusLine line_;
+  std::int64_t shownFrames_ = 0;
 };
 
-std::string messageOf(const std::exception_ptr& failure) {
-  try {
-    if (failure) {
-      std::rethrow_exception(failure);
-    }
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "";
+Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera, const Recording& recording,
+            const std::filesystem::path& preview) {
+  const double rate = recording.frames / (recording.seconds > 0 ? recording.seconds : 1);
+  return {{"file", utf8FromPath(settings.file.path)},
+          {"preview", orNull(utf8FromPath(preview))},
+          {"camera", camera.description.name},
+          {"width", recording.layout.width},
+          {"height", recording.layout.height},
+          {"format", formatName(recording.layout.format)},
+          {"bayer", bayerName(recording.layout.bayer)},
+          {"frames", recording.frames},
+          {"droppedFrames", recording.droppedFrames},
+          {"silentWaits", recording.silentWaits},
+          {"seconds", recording.seconds},
+          {"secondsUntilWritten", recording.secondsUntilWritten},
+          {"framesPerSecond", rate},
+          {"megabytesPerSecond", rate * static_cast<double>(frameBytes(recording.layout)) / 1e6},
+          {"mostFramesWaiting", recording.mostFramesWaiting},
+          {"framesThatMayWait", recording.framesThatMayWait},
+          {"peakMemoryBytes", peakMemory()},
+          {"error", recording.error}};
 }
 
-void reportJson(const RecordSettings& settings, const ChosenCamera& camera,
-                const Recording& recording, const std::optional<std::filesystem::path>& preview) {
-  const double seconds = recording.seconds > 0 ? recording.seconds : 1;
-  const double bytes =
-      static_cast<double>(recording.frames) * static_cast<double>(frameBytes(recording.layout));
-  nlohmann::ordered_json document;
-  document["file"] = utf8FromPath(settings.file.path);
-  document["preview"] = preview ? nlohmann::ordered_json(utf8FromPath(*preview)) : nullptr;
-  document["camera"] = camera.description.name;
-  document["width"] = recording.layout.width;
-  document["height"] = recording.layout.height;
-  document["format"] = formatName(recording.layout.format);
-  document["bayer"] = bayerName(recording.layout.bayer);
-  document["frames"] = recording.frames;
-  document["droppedFrames"] = recording.droppedFrames;
-  document["silentWaits"] = recording.silentWaits;
-  document["seconds"] = recording.seconds;
-  document["secondsUntilWritten"] = recording.secondsUntilWritten;
-  document["framesPerSecond"] = recording.frames / seconds;
-  document["megabytesPerSecond"] = bytes / seconds / 1e6;
-  document["mostFramesWaiting"] = recording.mostFramesWaiting;
-  document["framesThatMayWait"] = recording.framesThatMayWait;
-  document["peakMemoryBytes"] = peakMemory();
-  document["error"] = messageOf(recording.failure);
-  std::cout << document.dump(2) << "\n" << std::flush;
-}
-
-void reportText(const RecordSettings& settings, const Recording& recording,
-                const std::optional<std::filesystem::path>& preview) {
+std::string textOf(const RecordSettings& settings, const Recording& recording,
+                   const std::filesystem::path& preview) {
   const double rate = recording.seconds > 0 ? recording.frames / recording.seconds : 0.0;
-  std::cout << "Recorded " << recording.frames << " frames of " << recording.layout.width << " x "
-            << recording.layout.height << " " << formatName(recording.layout.format) << " in "
-            << decimal(recording.seconds, 1) << " s (" << decimal(rate, 1) << " fps) to "
-            << inQuotes(utf8FromPath(settings.file.path));
-  if (preview) {
-    std::cout << "; preview " << inQuotes(utf8FromPath(*preview));
-  }
-  std::cout << ".\n";
+  std::string text = "Recorded " + std::to_string(recording.frames) + " frames of " +
+                     dimensionsText(recording.layout.width, recording.layout.height) + " " +
+                     formatName(recording.layout.format) + " in " + decimal(recording.seconds, 1) +
+                     " s (" + decimal(rate, 1) + " fps) to " +
+                     inQuotes(utf8FromPath(settings.file.path));
+  text += preview.empty() ? ".\n" : "; preview " + inQuotes(utf8FromPath(preview)) + ".\n";
   if (recording.droppedFrames > 0) {
-    std::cout << recording.droppedFrames
-              << " frames were dropped, since the disk did not keep up; more --memory helps for a "
-                 "while.\n";
+    text += std::to_string(recording.droppedFrames) +
+            " frames were dropped, since the disk did not keep up; more --memory helps for a "
+            "while.\n";
   }
-  std::cout << std::flush;
+  return text;
 }
 
-// Writes the last frame as a picture beside the recording. Returns nothing when there is no frame.
-std::optional<std::filesystem::path> writePreview(const RecordSettings& settings,
-                                                  const Recording& recording) {
+// Writes the last frame as a picture beside the recording. Returns an empty path if there is no
+// frame.
+std::filesystem::path writePreview(const RecordSettings& settings, const Recording& recording) {
   if (recording.frames == 0) {
-    return std::nullopt;
+    return {};
   }
   std::filesystem::path preview = settings.file.path;
   preview.replace_extension(".png");
@@ -252,64 +227,56 @@ std::optional<std::filesystem::path> writePreview(const RecordSettings& settings
   return preview;
 }
 
-[[noreturn]] void reportFailure(const RecordSettings& settings, const ChosenCamera& camera,
-                                const Recording& recording) {
-  if (settings.reporting.asJson) {
-    reportJson(settings, camera, recording, std::nullopt);
+int record(const RecordSettings& given) {
+  RecordSettings settings = given;
+  if (!settings.length.frames && !settings.length.microseconds) {
+    settings.length.frames = 100;
   }
-  if (recording.frames > 0) {
-    std::cerr << recording.frames << " frames are in " << inQuotes(utf8FromPath(settings.file.path))
-              << ", which is a valid recording.\n";
-  }
-  std::rethrow_exception(recording.failure);
-}
-
-int record(const RecordSettings& settings) {
   requireUsable(settings.file);
   catchStopRequests();
   useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   Recording recording = RecordingSession(settings, camera).run();
-  if (!recording.failure && recording.frames == 0 && !stopRequested()) {
-    recording.failure =
-        std::make_exception_ptr(oc::Error("No frame came before the recording's end."));
+  if (recording.error.empty() && recording.frames == 0 && !stopRequested()) {
+    recording.error = "No frame came before the recording's end.";
   }
-  if (recording.failure) {
-    reportFailure(settings, camera, recording);
+  if (!recording.error.empty()) {
+    report({true, settings.reporting.asJson}, jsonOf(settings, camera, recording, {}), "");
+    if (recording.frames > 0) {
+      std::cerr << recording.frames << " frames are in "
+                << inQuotes(utf8FromPath(settings.file.path)) << ", which is a valid recording.\n";
+    }
+    throw oc::Error(recording.error);
   }
-  const auto preview = writePreview(settings, recording);
-  if (settings.reporting.asJson) {
-    reportJson(settings, camera, recording, preview);
-  } else if (!settings.reporting.isQuiet) {
-    reportText(settings, recording, preview);
-  }
+  const std::filesystem::path preview = writePreview(settings, recording);
+  report(settings.reporting, jsonOf(settings, camera, recording, preview),
+         textOf(settings, recording, preview));
   return 0;
 }
-
-constexpr const char* explanation =
-    R"(A recording ends after --frames frames (100 when neither that nor --seconds is
-given), after --seconds seconds, or on Ctrl-C; whatever ends it, the file is
-valid. Frames are waited for twice the exposure and 500 ms; five such waits
-without a frame end the recording with an error.
-
-A slow disk does not hold up the camera: frames that it cannot take at once
-wait in memory, in --memory megabytes (but at least three frames), and only
-when these are full are frames lost, and counted. While it records, the program
-needs little memory beside that: two frames and 8 bytes for each recorded one.
-
-FILE.ser holds the frames as the camera delivers them, 16-bit ones as 16 bits
-whatever the converter has, and each frame's time of arrival. FILE.png, written
-beside it, shows the last frame, in colour and brightened.)";
-
-constexpr const char* examples =
-    R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
-  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)";
 
 }  // namespace
 
 const Command recordCommand{
-    "record", "Record a camera's frames into a SER file",         explanation,
-    examples, prepareCommand<RecordSettings, addOptions, record>,
+    .name = "record",
+    .description = "Record a camera's frames into a SER file",
+    .explanation =
+        R"(A recording ends after --frames frames (100 if neither --frames nor --seconds is
+given), after --seconds seconds, or on Ctrl-C. The file is valid in any case.
+The program waits for a frame for twice the exposure plus 500 ms; after five
+such waits without a frame the recording ends with an error.
+
+A slow disk does not delay the camera: frames wait in memory, in --memory
+megabytes (but at least three frames). When this memory is full, frames are
+dropped and counted. Besides that, recording needs little memory: two frames,
+and 8 bytes for each recorded frame.
+
+FILE.ser holds the frames as the camera delivers them, and the time when each
+arrived. 16-bit frames are stored with 16 bits, whatever the converter's bit
+depth. FILE.png, beside it, shows the last frame, in colour and brightened.)",
+    .examples =
+        R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
+  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)",
+    .prepare = prepareCommand<RecordSettings, addOptions, record>,
 };
 
 }  // namespace orvane::host

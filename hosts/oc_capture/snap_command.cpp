@@ -1,9 +1,5 @@
 // "oc_capture snap": one frame of a camera, written into a PNG or FITS file.
-#include "oc_capture/snap_command.hpp"
-
 #include <chrono>
-#include <iostream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,6 +10,7 @@
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_stream.hpp"
 #include "oc_capture/output_path.hpp"
+#include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -34,12 +31,9 @@ struct SnapSettings {
 
 void addOptions(CommandOptions& options, SnapSettings& snap) {
   addCameraOptions(options, snap.camera);
-  addOutputOptions(options, snap.file,
-                   {"FILE",
-                    "The file: .png, .fits or .fit",
-                    "Replace the file if it exists",
-                    {".png", ".fits", ".fit"},
-                    Presence::Required});
+  addOutputOptions(
+      options, snap.file,
+      {"FILE", "The file: .png, .fits or .fit", {".png", ".fits", ".fit"}, Presence::Required});
   options.add("--observer", "NAME", "Written into a FITS file", intoText(snap.observer));
   options.add("--telescope", "NAME", "Written into a FITS file", intoText(snap.telescope));
   addReportingOptions(options, snap.reporting);
@@ -77,45 +71,37 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
 
 FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera& camera,
                                 const Snapshot& snapshot) {
-  FitsDescription description;
-  description.layout = snapshot.layout;
-  description.start =
-      snapshot.frame.arrivalTime() - std::chrono::microseconds(camera.settings.exposureUs);
-  description.exposureSeconds = static_cast<double>(camera.settings.exposureUs) / 1e6;
-  description.gain = *camera.settings.gain;
-  description.offset = camera.settings.offset;
-  description.bin = camera.settings.bin;
-  description.pixelSizeUm = camera.description.pixelSizeUm;
-  description.temperature = snapshot.temperature;
-  description.camera = camera.description.name;
-  description.observer = settings.observer;
-  description.telescope = settings.telescope;
-  return description;
+  const std::chrono::microseconds exposure(camera.settings.exposureUs);
+  return {.layout = snapshot.layout,
+          .start = snapshot.frame.arrivalTime() - exposure,
+          .exposureSeconds = std::chrono::duration<double>(exposure).count(),
+          .gain = *camera.settings.gain,
+          .offset = camera.settings.offset,
+          .bin = camera.settings.bin,
+          .pixelSizeUm = camera.description.pixelSizeUm,
+          .temperature = snapshot.temperature,
+          .camera = camera.description.name,
+          .observer = settings.observer,
+          .telescope = settings.telescope};
 }
 
-void report(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
-  const FrameLayout& layout = snapshot.layout;
-  if (settings.reporting.asJson) {
-    nlohmann::ordered_json document;
-    document["file"] = utf8FromPath(settings.file.path);
-    document["camera"] = camera.description.name;
-    document["width"] = layout.width;
-    document["height"] = layout.height;
-    document["format"] = formatName(layout.format);
-    document["bayer"] = bayerName(layout.bayer);
-    document["exposureUs"] = camera.settings.exposureUs;
-    document["gain"] = *camera.settings.gain;
-    document["offset"] = camera.settings.offset;
-    document["bin"] = camera.settings.bin;
-    document["temperature"] = snapshot.temperature ? nlohmann::ordered_json(*snapshot.temperature)
-                                                   : nlohmann::ordered_json();
-    std::cout << document.dump(2) << "\n" << std::flush;
-  } else if (!settings.reporting.isQuiet) {
-    std::cout << "Took a frame of " << layout.width << " x " << layout.height << " "
-              << formatName(layout.format) << ": " << inQuotes(utf8FromPath(settings.file.path))
-              << ".\n"
-              << std::flush;
-  }
+Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
+  return {{"file", utf8FromPath(settings.file.path)},
+          {"camera", camera.description.name},
+          {"width", snapshot.layout.width},
+          {"height", snapshot.layout.height},
+          {"format", formatName(snapshot.layout.format)},
+          {"bayer", bayerName(snapshot.layout.bayer)},
+          {"exposureUs", camera.settings.exposureUs},
+          {"gain", *camera.settings.gain},
+          {"offset", camera.settings.offset},
+          {"bin", camera.settings.bin},
+          {"temperature", orNull(snapshot.temperature)}};
+}
+
+std::string textOf(const SnapSettings& settings, const FrameLayout& layout) {
+  return "Took a frame of " + dimensionsText(layout.width, layout.height) + " " +
+         formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n";
 }
 
 int snap(const SnapSettings& settings) {
@@ -136,25 +122,24 @@ int snap(const SnapSettings& settings) {
     constexpr int anySize = 1 << 20;
     writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize));
   }
-  report(settings, camera, snapshot);
+  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot.layout));
   return 0;
 }
-
-constexpr const char* explanation =
-    R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
-holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
-three planes, rows from the top (ROWORDER), with the settings, the temperature
-and the time in its header.)";
-
-constexpr const char* examples =
-    R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
-  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)";
 
 }  // namespace
 
 const Command snapCommand{
-    "snap",   "Take one frame as a PNG or FITS file",         explanation,
-    examples, prepareCommand<SnapSettings, addOptions, snap>,
+    .name = "snap",
+    .description = "Take one frame as a PNG or FITS file",
+    .explanation =
+        R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
+holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
+three planes, rows from the top (ROWORDER), with the settings, the temperature
+and the time in its header.)",
+    .examples =
+        R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
+  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)",
+    .prepare = prepareCommand<SnapSettings, addOptions, snap>,
 };
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// A line on standard error that shows how far a long command is.
+// A line on standard error that shows the progress of a long command.
 #include "oc_capture/status_line.hpp"
 
 #include <algorithm>
@@ -6,28 +6,8 @@
 #include <iostream>
 
 #include "system/system.hpp"
-#include "system/text.hpp"
 
 namespace orvane::host {
-
-namespace {
-
-std::string progressText(const RecordingState& earlier, const RecordingState& now, double seconds) {
-  const double elapsed = seconds > 0 ? seconds : 1;
-  std::string line = std::to_string(now.frames) + " frames, ";
-  line += decimal(static_cast<double>(now.frames - earlier.frames) / elapsed, 1) + " fps, ";
-  line += decimal(static_cast<double>(now.bytes - earlier.bytes) / elapsed / 1e6, 1) + " MB/s, ";
-  line += std::to_string(now.silentWaits) + " not ready";
-  if (now.droppedFrames > 0) {
-    line += ", " + std::to_string(now.droppedFrames) + " dropped";
-  }
-  if (now.temperature) {
-    line += ", " + decimal(*now.temperature, 1) + " \u00b0C";
-  }
-  return line;
-}
-
-}  // namespace
 
 StatusLine::StatusLine(bool isQuiet) : isQuiet_(isQuiet), onTerminal_(isTerminal(stderr)) {}
 
@@ -54,17 +34,12 @@ void StatusLine::show(std::string text) {
   }
   if (onTerminal_) {
     const std::size_t width = text.size();
-    text.resize(std::max(width, width_), ' ');  // covers all of the text before
+    text.resize(std::max(width, width_), ' ');  // overwrites all of the text before
     width_ = width;
     std::cerr << "\r" << text << std::flush;
   } else {
     std::cerr << text << "\n";
   }
-}
-
-void RecordingLine::showRecording(const RecordingState& state) {
-  show(progressText(shown_, state, secondsSinceShown()));
-  shown_ = state;
 }
 
 }  // namespace orvane::host

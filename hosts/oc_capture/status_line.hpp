@@ -1,21 +1,19 @@
-// A line on standard error that shows how far a long command is.
+// A line on standard error that shows the progress of a long command.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
-#include <optional>
 #include <string>
 
 namespace orvane::host {
 
-/// On a terminal one line that is overwritten, elsewhere a new line every few seconds.
+/// On a terminal, one line that is overwritten; elsewhere, a new line every few seconds.
 class StatusLine {
  public:
   /// A quiet status line shows nothing.
   explicit StatusLine(bool isQuiet);
 
-  /// Ends the line on a terminal: what is written next starts a new one.
+  /// On a terminal, ends the line, so that other output starts on a new one.
   ~StatusLine();
   StatusLine(const StatusLine&) = delete;
   StatusLine& operator=(const StatusLine&) = delete;
@@ -36,26 +34,6 @@ class StatusLine {
   bool onTerminal_;
   std::size_t width_ = 0;  // of the text on the terminal
   Clock::time_point shownAt_ = Clock::now();
-};
-
-/// How far a recording is.
-struct RecordingState {
-  std::int64_t frames = 0;
-  std::int64_t bytes = 0;
-  std::int64_t silentWaits = 0;
-  std::int64_t droppedFrames = 0;
-  std::optional<double> temperature;  ///< degrees Celsius
-};
-
-/// Shows a recording's state, with the rates since the state that was shown before.
-class RecordingLine : public StatusLine {
- public:
-  using StatusLine::StatusLine;
-
-  void showRecording(const RecordingState& state);
-
- private:
-  RecordingState shown_;
 };
 
 }  // namespace orvane::host

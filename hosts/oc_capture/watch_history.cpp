@@ -1,4 +1,4 @@
-// What "oc_capture watch" has seen: points in bounded memory, and their plot over time.
+// The history of "oc_capture watch": points in bounded memory, and their plot over time.
 #include "oc_capture/watch_history.hpp"
 
 #include <algorithm>
@@ -7,7 +7,6 @@
 #include <span>
 
 #include "imaging/canvas.hpp"
-#include "oc_capture/chart_colours.hpp"
 
 namespace orvane::host {
 
@@ -98,7 +97,7 @@ class Panel {
   Axis values_;
 };
 
-// An axis for all values that the points have; nothing when they have none.
+// An axis for the values of the points. None if they have no values.
 std::optional<Axis> axisOf(const std::vector<WatchPoint>& points, const ValueOf& lowest,
                            const ValueOf& highest) {
   std::optional<double> smallest;

@@ -1,4 +1,4 @@
-// What "oc_capture watch" has seen: points in bounded memory, and their plot over time.
+// The history of "oc_capture watch": points in bounded memory, and their plot over time.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +14,12 @@ namespace orvane::host {
 /// One frame, or the summary of neighbouring frames.
 struct WatchPoint {
   double seconds = 0;                 ///< from the watch's start to the last of the frames
-  std::optional<double> temperature;  ///< degrees Celsius, the last that was read
+  std::optional<double> temperature;  ///< the last one read, degrees Celsius
   FrameStatistics statistics;  ///< mean of the means, smallest, largest, most saturated pixels
 };
 
-/// Keeps less than `mostPoints` points: when there are as many, pairs of neighbours are merged.
+/// Keeps fewer than `mostPoints` points: as soon as there are so many, pairs of neighbours are
+/// merged.
 class WatchHistory {
  public:
   void add(const WatchPoint& point);
@@ -35,8 +36,8 @@ class WatchHistory {
   std::size_t framesPerPoint_ = 1;
 };
 
-/// Plots of temperature, samples and saturated pixels, one below the other. The history must have
-/// a point.
+/// Plots of temperature, samples and saturated pixels, one below the other. The history must hold a
+/// point.
 ScreenImage watchPlot(const WatchHistory& history, const std::string& title);
 
 }  // namespace orvane::host

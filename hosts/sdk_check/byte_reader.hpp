@@ -13,11 +13,11 @@
 
 namespace orvane::host {
 
-/// Something lies beyond the end of the file, or is larger than in any library.
+/// Part of a table or text is beyond the end of the file, or it is larger than in any library.
 class DamagedFile : public std::exception {};
 
 /// Reads at any offset of some bytes, which must outlive it. Unless stated otherwise, a member
-/// throws DamagedFile when what it reads does not lie within the bytes as a whole.
+/// throws DamagedFile if not all that it reads is within the bytes.
 class ByteReader {
  public:
   explicit ByteReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t largestFile = 1U << 30U;
 constexpr std::size_t mostImports = 1000;
 
-// Does not read from pipes and devices: that might never end.
+// Does not read from pipes and devices, because that might never end.
 LibraryFile readFile(const fs::path& path) {
   LibraryFile unread;
   std::error_code ignored;
@@ -39,8 +39,8 @@ LibraryFile readFile(const fs::path& path) {
   return unread;
 }
 
-// Adds what a library needs, and what that needs in turn. The system's own libraries are assumed to
-// be complete.
+// Adds the libraries that a library needs, and those that they need. The system's own libraries are
+// assumed to be complete.
 void addImports(SdkFindings& findings, const fs::path& importer, const LibraryFile& content) {
   for (const std::string& name : content.imports) {
     const std::string validName = validUtf8(name);

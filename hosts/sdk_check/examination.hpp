@@ -1,4 +1,4 @@
-// Examines a maker's SDK: its file, whether it loads, and what is missing. No camera is opened.
+// Examines a maker's SDK: its file, whether it loads, and what it lacks. Opens no camera.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ struct ImportFinding {
   std::string neededBy;        ///< file name of the library that needs it
   std::filesystem::path file;  ///< empty if not known
   bool isMissing = false;
-  std::string problem;  ///< one sentence about why the file found cannot be used, or ""
+  std::string problem;  ///< one sentence: why the file that was found cannot be used; or ""
 
   bool isFine() const { return !isMissing && problem.empty(); }
 };
@@ -38,7 +38,7 @@ struct SdkFindings {
   std::string loadProblem;                    ///< the system's message
   std::optional<std::int64_t> loadCode;       ///< the system's error code, if it has one
   std::vector<std::string> missingFunctions;  ///< only if the SDK was loaded
-  std::vector<ImportFinding> imports;         ///< each followed by what it needs itself
+  std::vector<ImportFinding> imports;         ///< each followed by its own imports
 
   /// It loads and has every function that the library calls.
   bool isHealthy() const { return load == LoadOutcome::Loaded && missingFunctions.empty(); }

@@ -1,4 +1,4 @@
-// Reads the file of a shared library, and says what is wrong with it.
+// Reads the file of a shared library without the system's loader.
 #include "sdk_check/library_file.hpp"
 
 namespace orvane::host {

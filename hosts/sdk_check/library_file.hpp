@@ -1,5 +1,5 @@
-// Reads the file of a shared library without the system's loader. The file may be damaged, or no
-// library at all.
+// Reads the file of a shared library without the system's loader. The file may be damaged, or
+// something else than a library.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace orvane::host {
 
 /// What is not known is empty.
 struct LibraryFile {
-  std::string problem;     ///< one sentence about why this process cannot use the file, or ""
+  std::string problem;     ///< one sentence: why this process cannot use the file; or ""
   bool isDamaged = false;  ///< a library for this system, truncated or with bad offsets
   bool isLibrary = false;  ///< a library, not a program
   int bits = 0;            ///< 32 or 64; 0 also for another system's library
@@ -27,7 +27,7 @@ struct LibraryFile {
   bool isForThisProcess() const;
 };
 
-/// Reads a file's whole content. Never fails: the result tells what is wrong.
+/// Examines the whole content of a file. Never fails: the result tells what is wrong.
 LibraryFile readLibraryFile(std::span<const std::uint8_t> content);
 
 /// More entries than any library has. Longer tables are not read.
@@ -41,8 +41,8 @@ struct Processor {
 
 std::string processorName(std::span<const Processor> processors, unsigned machine);
 
-/// Reads this system's format; false if the bytes do not have it. Throws DamagedFile. Beyond the
-/// headers, it reads only files for this process. One source file per system.
+/// Reads a file in this system's format; false if it has another one. Of a file that is not for
+/// this process, it reads only the headers. Throws DamagedFile. One source file per system.
 bool readNativeLibrary(const ByteReader& bytes, LibraryFile& file);
 
 }  // namespace orvane::host

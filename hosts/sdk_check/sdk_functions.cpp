@@ -1,5 +1,5 @@
-// Which SDKs the library uses, and which functions of each it calls. The names come out of the
-// declarations by which the library itself calls the functions, so that none is forgotten here.
+// Which SDKs the library uses, and which functions of each it calls. The names come from the
+// declarations that the library itself uses, so the lists are complete.
 #include "sdk_check/sdk_functions.hpp"
 
 #include <array>
@@ -10,8 +10,8 @@ namespace orvane::host {
 
 namespace {
 
-// In a function: the lists are filled before main(), in no order that could be relied on. The rows
-// are in the order of Vendor.
+// In a function, because the lists are filled before main(), in no fixed order. The rows are in the
+// order of Vendor.
 std::array<Sdk, vendorCount>& sdks() {
   static std::array<Sdk, vendorCount> all{{
       {"ZWO ASI", "ASICamera2", {}},

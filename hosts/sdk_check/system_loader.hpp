@@ -1,4 +1,4 @@
-// Loads libraries by the same rules as the library loads SDKs, and finds the libraries that they
+// Loads libraries by the rules by which our library loads SDKs, and finds the libraries that they
 // need. One source file per system.
 #pragma once
 
@@ -20,14 +20,14 @@ struct LoadResult {
   std::optional<std::int64_t> code;  ///< the system's error code, if it has one
 };
 
-/// Loads a library by its full path, and runs its start code. From here on, the system shows this
+/// Loads a library by its full path, and runs its start code. From now on, the system shows this
 /// thread no message boxes about files.
 LoadResult loadLibrary(const std::filesystem::path& file);
 
 /// Whether a loaded library exports the function.
 bool hasFunction(void* module, const std::string& name);
 
-/// Whether the loader only reports a damaged file, and does not crash.
+/// Whether the loader reports a damaged file instead of crashing.
 extern const bool loaderSurvivesDamage;
 
 /// Where the loader finds a library that another one needs.
@@ -36,8 +36,8 @@ struct ImportPlace {
   bool isSystems = false;      ///< from the system's own directories, or already loaded
 };
 
-/// Looks for a library by the name under which `importer`, with this content, needs it, when
-/// `sdkFile` is loaded.
+/// Finds the library that the loader would use for an import of `importer`, which has this content,
+/// while it loads `sdkFile`.
 ImportPlace findImport(const std::string& name, const std::filesystem::path& sdkFile,
                        const std::filesystem::path& importer, const LibraryFile& content);
 

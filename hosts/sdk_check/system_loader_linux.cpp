@@ -44,14 +44,15 @@ bool hasFunction(void* module, const std::string& name) {
   return dlsym(module, name.c_str()) != nullptr;
 }
 
-// The loader maps what the headers promise. Reading beyond the end of the file ends the process.
+// The loader maps as much as the headers state. Reading beyond the end of the file ends the
+// process.
 const bool loaderSurvivesDamage = false;
 
 ImportPlace findImport(const std::string& name, const std::filesystem::path& /*sdkFile*/,
                        const std::filesystem::path& importer, const LibraryFile& content) {
   if (void* const loaded = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD)) {
     const std::filesystem::path file = fileOf(loaded);
-    dlclose(loaded);  // takes back this dlopen() only
+    dlclose(loaded);  // undoes only this dlopen()
     return {file, true};
   }
   for (const std::string& directory : content.searchDirectories) {

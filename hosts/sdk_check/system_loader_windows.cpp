@@ -75,7 +75,7 @@ ImportPlace findImport(const std::string& name, const std::filesystem::path& sdk
       return {directory / wideName, directory == system};
     }
   }
-  // API sets have no file of their name. The loader knows the file behind them.
+  // An API set has no file of its name. The loader knows the file that implements it.
   HMODULE const module = LoadLibraryExW(wideName.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   return module == nullptr ? ImportPlace{} : ImportPlace{fileOf(module), true};
 }

@@ -11,7 +11,7 @@ namespace orvane::host {
 
 namespace {
 
-// What the version resource starts with.
+// The start of the version resource.
 struct VersionInfo {
   WORD length;
   WORD valueLength;
@@ -59,7 +59,7 @@ class Image {
     return names;
   }
 
-  // Throws DamagedFile also if there is no version.
+  // Throws DamagedFile if there is no version.
   std::string version() const {
     constexpr DWORD versionType = 16;  // RT_VERSION
     const std::uint64_t root = offsetOf(directory(IMAGE_DIRECTORY_ENTRY_RESOURCE));
@@ -94,8 +94,8 @@ class Image {
     throw DamagedFile();
   }
 
-  // The entry of this type in a directory of the resources, or the first entry, as an offset from
-  // the root.
+  // Finds the entry of this type, or the first if no type is given, in a directory of the
+  // resources. Returns its offset from the root.
   DWORD resource(std::uint64_t offset, std::optional<DWORD> type) const {
     const auto level = bytes_.at<IMAGE_RESOURCE_DIRECTORY>(offset);
     for (const auto& entry : bytes_.table<IMAGE_RESOURCE_DIRECTORY_ENTRY>(

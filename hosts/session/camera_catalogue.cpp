@@ -1,4 +1,4 @@
-// The cameras that a scan found, and what follows from their descriptions.
+// The cameras that a scan found, and facts derived from their descriptions.
 #include "session/camera_catalogue.hpp"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ oc::Scan readCatalogue(const std::string& sdkDirectory) {
 nlohmann::ordered_json descriptionOf(const oc::CameraInfo& camera) {
   std::string text = validUtf8(camera.json);
   if (std::isnan(camera.pixelSizeUm)) {
-    // JSON has no such number. A quotation mark in a name has a backslash before it.
+    // JSON has no such number. The key cannot occur in a name, where quotation marks are escaped.
     const std::string key = "\"pixelSizeUm\":";
     const std::size_t start = text.find(key) + key.size();
     text.replace(start, text.find_first_of(",}", start) - start, "null");

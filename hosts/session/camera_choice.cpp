@@ -1,6 +1,8 @@
 // Which camera a user means.
 #include "session/camera_choice.hpp"
 
+#include <functional>
+
 #include "system/failures.hpp"
 #include "system/text.hpp"
 
@@ -16,17 +18,6 @@ std::string listOf(const Candidates& cameras) {
   });
 }
 
-template <class Condition>
-Candidates camerasWhere(const std::vector<oc::CameraInfo>& cameras, Condition condition) {
-  Candidates found;
-  for (const oc::CameraInfo& camera : cameras) {
-    if (condition(camera)) {
-      found.push_back(&camera);
-    }
-  }
-  return found;
-}
-
 }  // namespace
 
 const oc::CameraInfo& chooseCamera(const std::vector<oc::CameraInfo>& cameras,
@@ -34,32 +25,39 @@ const oc::CameraInfo& chooseCamera(const std::vector<oc::CameraInfo>& cameras,
   if (wish.empty()) {
     throw UsageError("The camera's name must not be empty.");
   }
-  const auto isIndex = [&](const oc::CameraInfo& camera) {
+  using Condition = std::function<bool(const oc::CameraInfo&)>;
+  const Condition isIndex = [&](const auto& camera) {
     return std::to_string(camera.index) == wish;
   };
-  const auto hasName = [&](const oc::CameraInfo& camera) {
-    return camera.name.size() == wish.size() && containsIgnoringCase(camera.name, wish);
-  };
-  const auto hasPart = [&](const oc::CameraInfo& camera) {
+  const Condition hasPart = [&](const auto& camera) {
     return containsIgnoringCase(camera.name, wish);
   };
+  const Condition hasName = [&](const auto& camera) {
+    return camera.name.size() == wish.size() && hasPart(camera);
+  };
+  const Condition any = [](const auto&) { return true; };
 
-  Candidates found = camerasWhere(cameras, isIndex);
-  if (found.empty()) {
-    found = camerasWhere(cameras, hasName);
+  const auto camerasWhere = [&](const Condition& condition) {
+    Candidates found;
+    for (const oc::CameraInfo& camera : cameras) {
+      if (condition(camera)) {
+        found.push_back(&camera);
+      }
+    }
+    return found;
+  };
+  for (const Condition& condition : {isIndex, hasName, hasPart}) {
+    const Candidates found = camerasWhere(condition);
+    if (found.size() > 1) {
+      throw UsageError("More than one camera fits " + inQuotes(wish) + ": " + listOf(found) +
+                       "; give the index or more of the name.");
+    }
+    if (found.size() == 1) {
+      return *found.front();
+    }
   }
-  if (found.empty()) {
-    found = camerasWhere(cameras, hasPart);
-  }
-  if (found.empty()) {
-    const Candidates all = camerasWhere(cameras, [](const oc::CameraInfo&) { return true; });
-    throw UsageError("No camera fits " + inQuotes(wish) + "; there are " + listOf(all) + ".");
-  }
-  if (found.size() > 1) {
-    throw UsageError("More than one camera fits " + inQuotes(wish) + ": " + listOf(found) +
-                     "; give the index or more of the name.");
-  }
-  return *found.front();
+  throw UsageError("No camera fits " + inQuotes(wish) + "; there are " + listOf(camerasWhere(any)) +
+                   ".");
 }
 
 }  // namespace orvane::host

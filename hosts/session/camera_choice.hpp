@@ -7,11 +7,9 @@
 
 namespace orvane::host {
 
-/// The camera that is meant by an index, or by a name or a part of one that fits a single camera.
-/// Upper and lower case are the same. A number that is an index is taken as the index; a camera
-/// whose whole name is given is preferred to those that have it as a part of theirs.
-///
-/// Throws UsageError with a sentence that lists what there is.
+/// Finds a camera by its index, by its name, or by a part of its name that no other camera has, in
+/// this order. Ignores case. Throws UsageError, with a sentence that lists the cameras, when none
+/// or several fit.
 const oc::CameraInfo& chooseCamera(const std::vector<oc::CameraInfo>& cameras,
                                    const std::string& wish);
 

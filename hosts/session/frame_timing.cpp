@@ -44,7 +44,7 @@ std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
   for (std::size_t frame = 0; frame < intervals.size(); ++frame) {
     const double interval = intervals[frame];
     timing.stepsBack += interval < 0 ? 1 : 0;
-    // Stamps that mostly stand still have no usual interval to hold the others against.
+    // If most intervals are 0, there is no usual interval to compare the others with.
     if (timing.medianInterval > 0 && interval > 1.5 * timing.medianInterval) {
       ++timing.gaps;
       timing.missedFrames += std::llround(interval / timing.medianInterval) - 1;

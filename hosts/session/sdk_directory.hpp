@@ -6,8 +6,8 @@
 
 namespace orvane::host {
 
-/// The directory's full path, with this system's own separators: Windows loads libraries by full
-/// path only. Throws UsageError when there is no such directory.
+/// The directory's full path with this system's separators, because Windows loads libraries only by
+/// full path. Throws UsageError when there is no such directory.
 std::filesystem::path fullSdkDirectory(const std::string& named);
 
 }  // namespace orvane::host

@@ -57,7 +57,7 @@ void SerRecorder::run() {
     try {
       writer_.close();
     } catch (const std::exception&) {
-      // A consequence of the failure before. The file is valid, if without time stamps.
+      // The first failure is reported. The file is valid, though it may lack time stamps.
     }
   }
   {

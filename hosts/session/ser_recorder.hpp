@@ -16,38 +16,38 @@
 
 namespace orvane::host {
 
-/// The capacity of a queue in which frames of this size wait to be written or looked at: as many as
-/// fit into these bytes, but at least three, and the one that is being written.
+/// The capacity of a queue in which frames of this size wait to be written or viewed: as many as
+/// fit into `waitingBytes`, but at least three, plus the frame that is being written.
 std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes);
 
-/// The file is valid at any time, and finished when this object ends.
+/// A recording in progress. The file is valid at any time.
 class SerRecorder {
  public:
-  /// Takes every frame of the queue (Delivery::Every) until it is closed or the camera is lost. The
-  /// correction changes frames in place, so nobody else may look at them. `description` is that of
-  /// the corrected frames. Throws std::runtime_error when the file cannot be created.
+  /// Takes the frames of a queue with Delivery::Every until it is closed or the camera is lost. The
+  /// correction changes frames in place, so nothing else may use them. `description` is that of the
+  /// corrected frames. Throws std::runtime_error when the file cannot be created.
   SerRecorder(const std::filesystem::path& path, const SerDescription& description,
               const FrameCorrection& correction, oc::FrameQueue frames);
 
-  /// Writes what waits and finishes the file, quietly.
+  /// Writes the waiting frames and finishes the file. Ignores failures.
   ~SerRecorder();
   SerRecorder(const SerRecorder&) = delete;
   SerRecorder& operator=(const SerRecorder&) = delete;
 
-  /// No more frames will come: what waits is written and the file finished.
+  /// Accepts no more frames. The waiting ones are still written, and the file is finished.
   void stop() { frames_.close(); }
 
-  /// Waits for the end: after stop(), when the queue has its frames, or when the camera is lost or
-  /// writing has failed. Returns true when it is reached.
+  /// Waits until the file is finished: after stop(), after the last frame that the queue takes, or
+  /// after a failure of the camera or of writing. Returns false if the time is too short for that.
   bool waitForEnd(std::chrono::milliseconds time);
 
-  /// Throws what has failed: oc::Error if it was the camera. Only after the end.
+  /// Throws the failure, if there was one; oc::Error if the camera failed. Only after the end.
   void requireSuccess() const;
 
   /// How many frames are in the file.
   std::int32_t writtenFrames() const { return writtenFrames_; }
 
-  /// How many frames are in the file or will be.
+  /// How many frames are in the file or waiting for it.
   std::int64_t acceptedFrames() const { return difference(frames_.accepted(), takenBefore_); }
 
   /// How many frames found no room.
@@ -55,7 +55,7 @@ class SerRecorder {
 
   const oc::FrameQueue& queue() const { return frames_; }
 
-  /// The last frame in the file; only after the end. Empty when there is none.
+  /// The last frame in the file, empty if there is none. Only after the end.
   const oc::Frame& lastFrame() const { return current_; }
 
  private:

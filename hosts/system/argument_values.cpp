@@ -19,23 +19,27 @@ struct Unit {
   double microseconds;
 };
 
-// The micro sign and the Greek letter look the same on a keyboard.
+// The micro sign and the Greek letter look the same.
 constexpr Unit units[] = {{"us", 1}, {"\u00b5s", 1}, {"\u03bcs", 1}, {"ms", 1e3}, {"s", 1e6}};
+
+constexpr const char* decimalDigits = "0123456789.";
+
+// The number that the text consists of.
+template <class Number>
+std::optional<Number> numberFrom(std::string_view text) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto parsed = std::from_chars(text.data(), end, number);
+  return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
+}
 
 // Digits with at most one point: no sign, no exponent, no "inf".
 std::optional<double> plainDecimal(std::string_view text) {
-  if (text.find_first_not_of("0123456789.") != std::string_view::npos) {
-    return std::nullopt;
-  }
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    return std::nullopt;
-  }
-  return number;
+  return text.find_first_not_of(decimalDigits) == std::string_view::npos ? numberFrom<double>(text)
+                                                                         : std::nullopt;
 }
 
-// Rounded; nothing where it is less than one microsecond or more than can be counted.
+// Rounded. None below one microsecond, or above what can be counted.
 std::optional<std::int64_t> wholeMicroseconds(double microseconds) {
   const double rounded = std::round(microseconds);
   if (rounded < 1 || rounded > 1e15) {
@@ -48,14 +52,12 @@ std::optional<std::int64_t> wholeMicroseconds(double microseconds) {
 
 int parseWholeNumber(const std::string& option, const std::string& text, int smallest,
                      int largest) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || number < smallest ||
-      number > largest) {
+  const auto number = numberFrom<int>(text);
+  if (!number || *number < smallest || *number > largest) {
     throw UsageError(option + " needs a whole number from " + std::to_string(smallest) + " to " +
                      std::to_string(largest) + ", not " + inQuotes(text) + ".");
   }
-  return number;
+  return *number;
 }
 
 std::int64_t parseSeconds(const std::string& option, const std::string& text) {
@@ -69,7 +71,7 @@ std::int64_t parseSeconds(const std::string& option, const std::string& text) {
 }
 
 std::int64_t parseDuration(const std::string& option, const std::string& text) {
-  const std::size_t numberEnd = std::min(text.find_first_not_of("0123456789."), text.size());
+  const std::size_t numberEnd = std::min(text.find_first_not_of(decimalDigits), text.size());
   const auto number = plainDecimal(std::string_view(text).substr(0, numberEnd));
   if (number && numberEnd == text.size()) {
     throw UsageError(option + " needs a unit: " + text + "us, " + text + "ms or " + text + "s.");

@@ -13,12 +13,12 @@ int parseWholeNumber(const std::string& option, const std::string& text, int sma
 /// A number of seconds above 0, such as "90" or "1.5", in microseconds. Throws UsageError.
 std::int64_t parseSeconds(const std::string& option, const std::string& text);
 
-/// A duration with its unit, such as "500us", "20ms" or "1.5s", in whole microseconds, 1 or more; a
-/// space may stand before the unit. A number alone is refused, since programs differ in the unit
-/// that they mean by it. Throws UsageError.
+/// A duration such as "500us", "20ms" or "1.5s", in whole microseconds, 1 or more. There may be
+/// spaces before the unit. A number without a unit is refused, because other programs take it for
+/// different units. Throws UsageError.
 std::int64_t parseDuration(const std::string& option, const std::string& text);
 
-/// Such a duration as text, in the unit that suits it.
+/// Such a duration as text, in the largest unit in which it is 1 or more.
 std::string durationText(std::int64_t microseconds);
 
 }  // namespace orvane::host

@@ -1,4 +1,4 @@
-// The operating system's part on Linux.
+// What the host programs ask of the operating system, on Linux.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -19,7 +19,7 @@ extern "C" void requestStop(int) {
   stopWasRequested = 1;
 }
 
-// A signal that is ignored stays so: whoever started the program wants it to survive that.
+// A signal that is ignored stays ignored: whoever started the program wants it to survive that.
 void setSignal(int signal, void (*handler)(int), int flags) {
   struct sigaction action = {};
   if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) {
@@ -44,7 +44,7 @@ bool isTerminal(std::FILE* stream) {
 
 void catchStopRequests() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    // The SDK's own system calls go on, and the second request finds the default action.
+    // The SDK's own system calls are restarted. The second request finds the default action.
     setSignal(signal, requestStop, static_cast<int>(SA_RESTART | SA_RESETHAND));
   }
   for (const int signal : {SIGPIPE, SIGXFSZ}) {
@@ -69,12 +69,8 @@ std::tm localTime(std::time_t time) {
   return calendar;
 }
 
-std::FILE* openEmptyFile(const std::filesystem::path& path) {
-  return std::fopen(path.c_str(), "w+be");
-}
-
-std::FILE* openExistingFile(const std::filesystem::path& path) {
-  return std::fopen(path.c_str(), "rbe");
+std::FILE* openFile(const std::filesystem::path& path, const std::string& mode) {
+  return std::fopen(path.c_str(), (mode + "e").c_str());
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

@@ -1,4 +1,4 @@
-// The operating system's part on Windows.
+// What the host programs ask of the operating system, on Windows.
 #include <io.h>
 #include <windows.h>
 // After windows.h, which they need.
@@ -26,8 +26,8 @@ BOOL WINAPI requestStop(DWORD event) {
   if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
     return isSecond ? FALSE : TRUE;
   }
-  // A console that closes and a user who logs off end the process as soon as this returns: leave
-  // the time that Windows grants to the recording, which is being finished on its own thread.
+  // When the console is closed or the user logs off, the process ends as soon as this returns.
+  // Until Windows ends it, another thread can finish the recording.
   Sleep(INFINITE);
   return TRUE;
 }
@@ -50,7 +50,7 @@ std::wstring wideFromUtf8(const std::string& text) {
 }  // namespace
 
 std::vector<std::string> commandLineArguments(int, char**) {
-  // main()'s own arguments are in the system's code page and have lost what it cannot write.
+  // main()'s arguments are in the system's code page and lack the characters outside it.
   int count = 0;
   const std::unique_ptr<LPWSTR[], decltype(&LocalFree)> wide(
       CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
@@ -64,7 +64,7 @@ std::vector<std::string> commandLineArguments(int, char**) {
 void useUtf8Console() {
   earlierCodePage = GetConsoleOutputCP();
   if (earlierCodePage != 0 && SetConsoleOutputCP(CP_UTF8) != 0) {
-    // The console belongs to the shell too, which goes on with it.
+    // The shell goes on to use the same console.
     static_cast<void>(std::atexit([] { SetConsoleOutputCP(earlierCodePage); }));
   }
 }
@@ -98,12 +98,8 @@ std::tm localTime(std::time_t time) {
   return calendar;
 }
 
-std::FILE* openEmptyFile(const std::filesystem::path& path) {
-  return _wfopen(path.c_str(), L"w+b");
-}
-
-std::FILE* openExistingFile(const std::filesystem::path& path) {
-  return _wfopen(path.c_str(), L"rb");
+std::FILE* openFile(const std::filesystem::path& path, const std::string& mode) {
+  return _wfopen(path.c_str(), wideFromUtf8(mode).c_str());
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

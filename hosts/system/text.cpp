@@ -1,17 +1,19 @@
-// Text: UTF-8, numbers, lists, and file names.
+// Text: UTF-8, numbers, lists, points in time, and file names.
 #include "system/text.hpp"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iomanip>
+#include <locale>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 namespace orvane::host {
 
 namespace {
 
-// Of the largest and of the smallest numbers that a double can hold.
-constexpr std::size_t longestDecimal = 1100;
+constexpr std::size_t longestDecimal = 1100;  // of any double
 
 bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
@@ -62,6 +64,10 @@ std::string decimal(double number, int decimals) {
   return {digits.begin(), end.ptr};
 }
 
+std::string dimensionsText(int width, int height) {
+  return std::to_string(width) + " x " + std::to_string(height);
+}
+
 std::string inQuotes(std::string_view text) {
   std::string marked = "\"";
   return marked.append(text).append("\"");
@@ -74,6 +80,20 @@ std::string alternatives(const std::vector<std::string>& items) {
     text += items[index];
   }
   return text;
+}
+
+std::string utcText(std::chrono::system_clock::time_point time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss clock(std::chrono::floor<std::chrono::microseconds>(time - day));
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << std::setfill('0') << std::setw(4) << static_cast<int>(date.year()) << "-" << std::setw(2)
+       << static_cast<unsigned>(date.month()) << "-" << std::setw(2)
+       << static_cast<unsigned>(date.day()) << "T" << std::setw(2) << clock.hours().count() << ":"
+       << std::setw(2) << clock.minutes().count() << ":" << std::setw(2) << clock.seconds().count()
+       << "." << std::setw(6) << clock.subseconds().count();
+  return text.str();
 }
 
 std::filesystem::path pathFromUtf8(std::string_view text) {

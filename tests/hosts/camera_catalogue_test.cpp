@@ -1,4 +1,4 @@
-// Cameras in the form that programs show, from well-formed and odd descriptions.
+// Cameras in the form that programs show, from well-formed and from odd descriptions.
 #include "session/camera_catalogue.hpp"
 
 #include <gtest/gtest.h>

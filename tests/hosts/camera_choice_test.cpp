@@ -60,7 +60,7 @@ TEST(CameraChoice, TakesANumberThatIsNoIndexAsPartOfAName) {
   EXPECT_EQ(refusal(camerasNamed({"Model 9"}), "9"), "chosen: 0");
 }
 
-TEST(CameraChoice, TakesTheIndexOfADescriptionThatWasReadThoughOthersWereNot) {
+TEST(CameraChoice, TakesTheIndexOfTheDescriptionWhereOthersAreMissing) {
   auto cameras = someCameras();
   cameras.erase(cameras.begin());
   EXPECT_EQ(refusal(cameras, "1"), "chosen: 1");

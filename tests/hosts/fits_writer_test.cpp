@@ -19,19 +19,19 @@ constexpr std::size_t blockSize = 2880;
 
 FitsDescription description(int width, int height, PixelFormat format, BayerPattern bayer) {
   using std::chrono::sys_days;
-  FitsDescription description;
-  description.layout = {width, height, format, bayer};
-  description.start = sys_days(std::chrono::year(2024) / 2 / 29) + std::chrono::hours(23) +
-                      std::chrono::minutes(5) + std::chrono::seconds(7) +
-                      std::chrono::microseconds(4200);
-  description.exposureSeconds = 0.02;
-  description.gain = -3;
-  description.offset = 10;
-  description.bin = 2;
-  description.pixelSizeUm = 3.75;
-  description.temperature = -10;
-  description.camera = "Anna's camera";
-  return description;
+  return {.layout = {width, height, format, bayer},
+          .start = sys_days(std::chrono::year(2024) / 2 / 29) + std::chrono::hours(23) +
+                   std::chrono::minutes(5) + std::chrono::seconds(7) +
+                   std::chrono::microseconds(4200),
+          .exposureSeconds = 0.02,
+          .gain = -3,
+          .offset = 10,
+          .bin = 2,
+          .pixelSizeUm = 3.75,
+          .temperature = -10,
+          .camera = "Anna's camera",
+          .observer = "",
+          .telescope = ""};
 }
 
 std::string text(const Bytes& bytes) {

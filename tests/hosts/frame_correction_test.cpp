@@ -1,4 +1,4 @@
-// Putting right what an SDK delivers otherwise than it says.
+// Correcting frames whose layout differs from what the SDK reported.
 #include "imaging/frame_correction.hpp"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ Bytes corrected(Bytes frame, const FrameLayout& layout, const FrameCorrection& c
   return frame;
 }
 
-TEST(FrameCorrection, TurnsRowsAround) {
+TEST(FrameCorrection, ReversesRows) {
   const FrameCorrection flip{true, false, {}};
   EXPECT_EQ(corrected({1, 2, 3, 4, 5, 6}, {2, 3, PixelFormat::Mono8, BayerPattern::None}, flip),
             (Bytes{5, 6, 3, 4, 1, 2}));
@@ -28,7 +28,7 @@ TEST(FrameCorrection, TurnsRowsAround) {
   EXPECT_EQ(corrected({7, 8}, {2, 1, PixelFormat::Raw8, BayerPattern::None}, flip), (Bytes{7, 8}));
 }
 
-TEST(FrameCorrection, ExchangesRedAndBlue) {
+TEST(FrameCorrection, SwapsRedAndBlue) {
   EXPECT_EQ(corrected({1, 2, 3, 4, 5, 6}, {2, 1, PixelFormat::Rgb24, BayerPattern::None},
                       {false, true, {}}),
             (Bytes{3, 2, 1, 6, 5, 4}));
@@ -43,8 +43,8 @@ TEST(FrameCorrection, WithoutAnyTheFrameStays) {
   EXPECT_EQ(correctedLayout(layout, {}).bayer, BayerPattern::Grbg);
 }
 
-// An evenly coloured scene keeps its colours when it is turned upside down.
-TEST(FrameCorrection, TheBayerPatternTurnsWithTheRows) {
+// An evenly coloured scene keeps its colours when it is flipped.
+TEST(FrameCorrection, FlipsTheBayerPatternWithTheRows) {
   for (const BayerPattern bayer :
        {BayerPattern::Rggb, BayerPattern::Grbg, BayerPattern::Gbrg, BayerPattern::Bggr}) {
     for (const int height : {4, 5}) {
@@ -76,7 +76,7 @@ TEST(FrameCorrection, TakesAnotherBayerPattern) {
   EXPECT_EQ(correctedLayout(layout, {true, false, BayerPattern::Bggr}).bayer, BayerPattern::Grbg);
 }
 
-TEST(FrameCorrection, RefusesWhatMakesNoSense) {
+TEST(FrameCorrection, RefusesCorrectionsThatDoNotApply) {
   for (const PixelFormat format : {PixelFormat::Raw8, PixelFormat::Raw16, PixelFormat::Mono8}) {
     EXPECT_THROW(correctedLayout({2, 2, format, BayerPattern::None}, {false, true, {}}),
                  UsageError);

@@ -1,4 +1,4 @@
-// What the time stamps of a recording tell about it.
+// The timing of a recording from its time stamps.
 #include "session/frame_timing.hpp"
 
 #include <gtest/gtest.h>

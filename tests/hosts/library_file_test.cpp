@@ -1,4 +1,4 @@
-// Reading the files of libraries: images made here, a real library, and both truncated or changed.
+// Reading the files of libraries: made images, a real library, and both truncated or changed.
 #include "sdk_check/library_file.hpp"
 
 #include <gtest/gtest.h>

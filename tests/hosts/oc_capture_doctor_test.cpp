@@ -37,18 +37,15 @@ const std::string notAsked =
 
 class OcCaptureDoctor : public OcCaptureTest {
  protected:
-  ProgramResult doctor(const std::vector<std::string>& more = {},
-                       const std::string& simulator = "") const {
-    std::vector<std::string> arguments{"doctor", "--sdk", sdks.utf8()};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return run(arguments, simulator);
-  }
-
-  ordered_json doctorJson(int status, const std::vector<std::string>& more = {"--json"}) const {
-    const ProgramResult result = doctor(more);
+  ProgramResult doctor(int status, const char* more = "", const std::string& simulator = "") const {
+    const ProgramResult result = runWithSdks("doctor", {more}, simulator);
     EXPECT_EQ(result.status, status);
     EXPECT_EQ(result.err, "");
-    return ordered_json::parse(result.out);
+    return result;
+  }
+
+  ordered_json doctorJson(int status, const char* more = "--json") const {
+    return ordered_json::parse(doctor(status, more).out);
   }
 
   std::string pathOf(const std::string& baseName) const { return utf8(sdks.file(baseName)); }
@@ -68,32 +65,18 @@ class OcCaptureDoctor : public OcCaptureTest {
 
   // Only the problem is known of the file in ZWO's place. The system's message may be any.
   void expectUseless(const std::string& problem) const {
-    const ProgramResult result = doctor();
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "");
+    const ProgramResult result = doctor(1);
     const std::regex loadLine(R"(  Loads         no: (.+)\n)");
     std::smatch words;
     ASSERT_TRUE(std::regex_search(result.out, words, loadLine)) << result.out;
     EXPECT_EQ(std::regex_match(words[1].str(), std::regex(R"(.+ \(\d+\))")), hasErrorCodes)
         << words[1];
-    EXPECT_EQ(result.out,
-              "ZWO ASI: NOT HEALTHY\n"
-              "  File          " +
-                  pathOf("ASICamera2") +
-                  "\n"
-                  "  Kind          " +
-                  problem +
-                  "\n"
-                  "  " +
-                  nameLabel +
-                  "none\n"
-                  "  Loads         no: " +
-                  words[1].str() +
-                  "\n"
-                  "  Functions     not known\n"
-                  "  Needs         not known\n"
-                  "\n" +
-                  othersNotThere() + notAsked + "Found 1 of " + sdkTotal + " SDKs, 0 healthy.\n");
+    EXPECT_EQ(result.out, "ZWO ASI: NOT HEALTHY\n  File          " + pathOf("ASICamera2") +
+                              "\n  Kind          " + problem + "\n  " + nameLabel +
+                              "none\n  Loads         no: " + words[1].str() +
+                              "\n  Functions     not known\n  Needs         not known\n\n" +
+                              othersNotThere() + notAsked + "Found 1 of " + sdkTotal +
+                              " SDKs, 0 healthy.\n");
   }
 
   // The simulated SDK, relabelled for another processor.
@@ -125,21 +108,16 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
   for (const char* name : sdkNames) {
     sdks.add(name);
   }
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
-  const auto healthy = [&](const std::string& maker, const std::string& baseName,
-                           const std::string& functions) {
-    const std::string name = hasErrorCodes ? "none" : "lib" + baseName + ".so";
-    return maker + ": healthy\n  File          " + pathOf(baseName) +
-           "\n  Kind          64-bit library for x64\n  " + nameLabel + name +
-           "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
-           " there\n  Needs         N of N libraries found\n\n";
-  };
+  const ProgramResult result = doctor(0);
   std::string allHealthy;
   for (const SdkFamily& family : sdkFamilies) {
-    allHealthy +=
-        healthy(family.maker, family.baseName, std::to_string(functionsOf(family.baseName).size()));
+    const std::string baseName = family.baseName;
+    const std::string functions = std::to_string(functionsOf(baseName).size());
+    allHealthy += std::string(family.maker) + ": healthy\n  File          " + pathOf(baseName) +
+                  "\n  Kind          64-bit library for x64\n  " + nameLabel +
+                  (hasErrorCodes ? "none" : "lib" + baseName + ".so") +
+                  "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
+                  " there\n  Needs         N of N libraries found\n\n";
   }
   const std::regex counts(R"((\d+) of \1 libraries found)");
   EXPECT_EQ(std::regex_replace(result.out, counts, "N of N libraries found"),
@@ -148,30 +126,23 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
 }
 
 TEST_F(OcCaptureDoctor, EmptyDirectoryIsNoFailure) {
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out, notThere("ZWO ASI", "ASICamera2") + othersNotThere() + notAsked +
-                            "There is no SDK in this directory.\n");
+  EXPECT_EQ(doctor(0).out, notThere("ZWO ASI", "ASICamera2") + othersNotThere() + notAsked +
+                               "There is no SDK in this directory.\n");
 }
 
 TEST_F(OcCaptureDoctor, OneSdkThatIsMissingIsNoFailure) {
   for (const char* name : {"ASICamera2", "PlayerOneCamera", "toupcam"}) {
     sdks.add(name);
   }
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_NE(result.out.find(notThere("QHYCCD", "qhyccd")), std::string::npos) << result.out;
-  EXPECT_NE(result.out.find("\nFound 3 of " + sdkTotal + " SDKs, 3 healthy.\n"), std::string::npos)
-      << result.out;
+  const ProgramResult result = doctor(0);
+  EXPECT_PRED_FORMAT2(IsSubstring, notThere("QHYCCD", "qhyccd"), result.out);
+  EXPECT_PRED_FORMAT2(IsSubstring, "\nFound 3 of " + sdkTotal + " SDKs, 3 healthy.\n", result.out);
 }
 
 TEST_F(OcCaptureDoctor, DirectoryThatDoesNotExist) {
-  const std::string missing = utf8(scratch.file("caf\u00e9"));
-  const ProgramResult result = run({"doctor", "--sdk", missing}, "");
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "oc_capture: There is no directory \"" + missing + "\".\n");
+  const auto missing = scratch.file("caf\u00e9");
+  expectFailure(run({"doctor --sdk", missing}, ""), 2,
+                "There is no directory \"" + utf8(missing) + "\".");
 }
 
 TEST_F(OcCaptureDoctor, TextFileInTheSdksPlace) {
@@ -214,50 +185,45 @@ TEST_F(OcCaptureDoctor, FileThatIsCutOff) {
   const std::string image = contentOf(sdks.file("ASICamera2"));
   for (const std::size_t size : {50U, 300U, 9000U}) {
     sdks.addFile("ASICamera2", image.substr(0, size));
-    const ProgramResult result = doctor({"--scan"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.out.find("  Kind          The file is cut off or damaged.\n"),
-              std::string::npos)
-        << size << ": " << result.out;
+    const ProgramResult result = doctor(1, "--scan");
+    EXPECT_PRED_FORMAT2(IsSubstring, "  Kind          The file is cut off or damaged.\n",
+                        result.out)
+        << size;
     // The loader of Linux may crash on such a file.
-    EXPECT_NE(
-        result.out.find(hasErrorCodes ? "  Loads         no: " : "  Loads         not tried: "),
-        std::string::npos)
-        << size << ": " << result.out;
+    EXPECT_PRED_FORMAT2(
+        IsSubstring,
+        hasErrorCodes ? "  Loads         no: " : "  Loads         not tried: ", result.out)
+        << size;
     EXPECT_EQ(result.out.find("it is not safe to load") == std::string::npos, hasErrorCodes);
   }
 }
 
 TEST_F(OcCaptureDoctor, SdkThatLacksFunctions) {
   sdks.add("qhyccd", {"GetQHYCCDLiveFrame", "SetQHYCCDParam"});
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 1);
-  EXPECT_NE(result.out.find("QHYCCD: NOT HEALTHY\n"), std::string::npos) << result.out;
-  EXPECT_NE(result.out.find("  Loads         yes\n"
-                            "  Functions     18 of 20 there\n"
-                            "                missing: SetQHYCCDParam\n"
-                            "                missing: GetQHYCCDLiveFrame\n"),
-            std::string::npos)
-      << result.out;
-  EXPECT_NE(result.out.find("\nFound 1 of " + sdkTotal + " SDKs, 0 healthy.\n"), std::string::npos);
-
-  const ordered_json json = doctorJson(1);
-  EXPECT_EQ(json["sdks"][2]["missingFunctions"],
+  const ProgramResult result = doctor(1);
+  EXPECT_PRED_FORMAT2(IsSubstring, "QHYCCD: NOT HEALTHY\n", result.out);
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      "  Loads         yes\n"
+                      "  Functions     18 of 20 there\n"
+                      "                missing: SetQHYCCDParam\n"
+                      "                missing: GetQHYCCDLiveFrame\n",
+                      result.out);
+  EXPECT_PRED_FORMAT2(IsSubstring, "\nFound 1 of " + sdkTotal + " SDKs, 0 healthy.\n", result.out);
+  EXPECT_EQ(doctorJson(1)["sdks"][2]["missingFunctions"],
             (ordered_json{"SetQHYCCDParam", "GetQHYCCDLiveFrame"}));
 }
 
 TEST_F(OcCaptureDoctor, SdkWhoseDependencyIsMissing) {
   sdks.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK));
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 1);
+  const ProgramResult result = doctor(1);
   EXPECT_TRUE(std::regex_search(
       result.out, std::regex(R"(\n  Loads         no: .+\n  Functions     not known\n)"
                              R"(  Needs         \d+ of \d+ libraries found\n)")))
       << result.out;
-  EXPECT_NE(result.out.find(std::string("                missing: ") + dependencyFile +
-                            ", needed by " + utf8(sdks.file("ASICamera2").filename()) + "\n"),
-            std::string::npos)
-      << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      std::string("                missing: ") + dependencyFile + ", needed by " +
+                          utf8(sdks.file("ASICamera2").filename()) + "\n",
+                      result.out);
   EXPECT_EQ(doctorJson(1)["sdks"][0]["loadErrorCode"],
             hasErrorCodes ? ordered_json(126) : ordered_json(nullptr));
 }
@@ -265,14 +231,12 @@ TEST_F(OcCaptureDoctor, SdkWhoseDependencyIsMissing) {
 TEST_F(OcCaptureDoctor, SdkWhoseDependencyIsNoLibrary) {
   sdks.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_SDK));
   addDependency("this is a text file\n");
-  const ProgramResult result = doctor();
-  EXPECT_EQ(result.status, 1);
-  EXPECT_NE(result.out.find(std::string("                unusable: ") + dependencyFile +
-                            ", needed by " + utf8(sdks.file("ASICamera2").filename()) + ": " +
-                            utf8(sdks.path() / dependencyFile) +
-                            ": This is no library, neither for Windows nor for Linux.\n"),
-            std::string::npos)
-      << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      std::string("                unusable: ") + dependencyFile + ", needed by " +
+                          utf8(sdks.file("ASICamera2").filename()) + ": " +
+                          utf8(sdks.path() / dependencyFile) +
+                          ": This is no library, neither for Windows nor for Linux.\n",
+                      doctor(1).out);
 }
 
 TEST_F(OcCaptureDoctor, DependencyBesideTheSdkIsFoundThere) {
@@ -297,46 +261,41 @@ TEST_F(OcCaptureDoctor, DependencyBesideTheSdkIsFoundThere) {
 TEST_F(OcCaptureDoctor, TellsTheFileVersion) {
   sdks.addFile("toupcam", contentOf(ORVANE_LIBRARY_FILE));
   EXPECT_EQ(doctorJson(1)["sdks"][3]["fileVersion"], ORVANE_LIBRARY_VERSION ".0");
-  EXPECT_NE(doctor().out.find("  File version  " ORVANE_LIBRARY_VERSION ".0\n"), std::string::npos);
+  EXPECT_PRED_FORMAT2(IsSubstring, "  File version  " ORVANE_LIBRARY_VERSION ".0\n", doctor(1).out);
 }
 #endif
 
 TEST_F(OcCaptureDoctor, OpensNoCameraUnlessAsked) {
   sdks.add("ASICamera2");
   const auto log = scratch.file("calls");
-  EXPECT_EQ(doctor({}, "log " + utf8(log)).status, 0);
+  doctor(0, "", "log " + utf8(log));
   EXPECT_EQ(contentOf(log), "");
 
-  const ProgramResult scanned = doctor({"--scan"}, "log " + utf8(log));
-  EXPECT_EQ(scanned.status, 0);
-  EXPECT_NE(contentOf(log).find("ASIOpenCamera"), std::string::npos);
-  EXPECT_NE(scanned.out.find("The library itself\n"
-                             "  oc_scan       4 cameras\n"
-                             "  oc_libraries  \"ASICamera2\"\n"
-                             "  oc_error      \"\"\n"
-                             "\n"
-                             "Found 1 of " +
-                             sdkTotal + " SDKs, 1 healthy.\n"),
-            std::string::npos)
-      << scanned.out;
+  const ProgramResult scanned = doctor(0, "--scan", "log " + utf8(log));
+  EXPECT_PRED_FORMAT2(IsSubstring, "ASIOpenCamera", contentOf(log));
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      "The library itself\n"
+                      "  oc_scan       4 cameras\n"
+                      "  oc_libraries  \"ASICamera2\"\n"
+                      "  oc_error      \"\"\n"
+                      "\n"
+                      "Found 1 of " +
+                          sdkTotal + " SDKs, 1 healthy.\n",
+                      scanned.out);
 }
 
 TEST_F(OcCaptureDoctor, ScanThatFailsIsAFailure) {
   sdks.add("ASICamera2");
-  const ProgramResult result = doctor({"--scan"}, "force ASIGetCameraProperty 3 1 5");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_NE(result.out.find("  oc_error      \"ASIGetCameraProperty: 5\"\n"), std::string::npos)
-      << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring, "  oc_error      \"ASIGetCameraProperty: 5\"\n",
+                      doctor(1, "--scan", "force ASIGetCameraProperty 3 1 5").out);
 }
 
 TEST_F(OcCaptureDoctor, LibraryLoadsWhatCanBeLoadedHere) {
   sdks.addFile("ASICamera2", "this is a text file\n");
   sdks.add("PlayerOneCamera");
   sdks.add("toupcam");
-  const ordered_json json = doctorJson(1, {"--json", "--scan"});
-  EXPECT_EQ(json["library"]["scanned"], true);
-  EXPECT_EQ(json["library"]["libraries"], "PlayerOneCamera, toupcam");
-  EXPECT_EQ(json["library"]["error"], "");
+  expectMembers(doctorJson(1, "--json --scan")["library"],
+                {{"scanned", true}, {"libraries", "PlayerOneCamera, toupcam"}, {"error", ""}});
 }
 
 TEST_F(OcCaptureDoctor, JsonHasTheseKeysInThisOrder) {
@@ -350,35 +309,29 @@ TEST_F(OcCaptureDoctor, JsonHasTheseKeysInThisOrder) {
     return keys;
   };
   EXPECT_EQ(keysOf(json), "directory healthy sdks library ");
-  EXPECT_EQ(json["directory"], sdks.utf8());
-  EXPECT_EQ(json["healthy"], true);
+  expectMembers(json, {{"directory", sdks.utf8()}, {"healthy", true}});
   ASSERT_EQ(json["sdks"].size(), sdkCount);
   const std::string sdkKeys =
       "maker name file present healthy problem bits processor fileVersion soname loads loadError "
       "loadErrorCode functions missingFunctions imports ";
   EXPECT_EQ(keysOf(json["sdks"][0]), sdkKeys);
-  EXPECT_EQ(json["sdks"][0]["bits"], 64);
-  EXPECT_EQ(json["sdks"][0]["missingFunctions"], ordered_json::array());
+  expectMembers(json["sdks"][0], {{"bits", 64}, {"missingFunctions", ordered_json::array()}});
   EXPECT_EQ(keysOf(json["sdks"][0]["imports"][0]), "name neededBy missing file problem ");
   EXPECT_EQ(json["library"].dump(),
             R"({"scanned":false,"cameras":null,"libraries":null,"error":null})");
   // Nothing is known of an SDK that is not there.
-  ordered_json absent = json["sdks"][1];
-  EXPECT_EQ(keysOf(absent), sdkKeys);
-  EXPECT_EQ(absent["present"], false);
-  EXPECT_TRUE(absent["loads"].is_null());
-  EXPECT_TRUE(absent["missingFunctions"].is_null());
+  EXPECT_EQ(keysOf(json["sdks"][1]), sdkKeys);
+  expectMembers(json["sdks"][1],
+                {{"present", false}, {"loads", nullptr}, {"missingFunctions", nullptr}});
 }
 
 TEST_F(OcCaptureDoctor, FindsSdksInADirectoryOfAnyName) {
   sdks.add("ASICamera2");
   const auto directory = scratch.file("caf\u00e9 \U0001F52D");
   std::filesystem::copy(sdks.path(), directory);
-  const ProgramResult result = run({"doctor", "--sdk", utf8(directory)}, "");
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out.find("ZWO ASI: healthy\n  File          " +
-                            utf8(directory / sdks.file("ASICamera2").filename()) + "\n"),
-            0U)
+  const ProgramResult result = expectSuccess(run({"doctor --sdk", directory}, ""));
+  EXPECT_TRUE(result.out.starts_with("ZWO ASI: healthy\n  File          " +
+                                     utf8(directory / sdks.file("ASICamera2").filename()) + "\n"))
       << result.out;
 }
 

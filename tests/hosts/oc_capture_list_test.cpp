@@ -11,21 +11,19 @@ using nlohmann::ordered_json;
 
 class OcCaptureList : public OcCaptureTest {
  protected:
-  ProgramResult list(const std::string& simulator = "") const {
-    return run({"list", "--sdk", sdks.utf8()}, simulator);
-  }
-
-  ProgramResult listJson(const std::string& simulator = "") const {
-    return run({"list", "--json", "--sdk", sdks.utf8()}, simulator);
+  // Expects this status and text on standard error. Returns standard output.
+  std::string list(const char* more = "", const std::string& simulator = "", int status = 0,
+                   const std::string& err = "") const {
+    const ProgramResult result = runWithSdks("list", {more}, simulator);
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.err, err);
+    return result.out;
   }
 };
 
 TEST_F(OcCaptureList, ShowsEachCameraWithItsLimits) {
   sdks.add("ASICamera2");
-  const ProgramResult result = list();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out,
+  EXPECT_EQ(list(),
             "Libraries: ASICamera2\n"
             "Index  Name               Sensor       Bits  Pixel    Colour  Cooled  USB  Bins     "
             "Formats                 Gain      Longest exposure\n"
@@ -43,12 +41,8 @@ TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
   for (const char* name : sdkNames) {
     sdks.add(name);
   }
-  const ProgramResult result = listJson();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
-  const ordered_json document = ordered_json::parse(result.out);
-  EXPECT_EQ(document["libraries"], ordered_json(sdkNames));
-  EXPECT_EQ(document["error"], "");
+  const ordered_json document = ordered_json::parse(list("--json"));
+  expectMembers(document, {{"libraries", sdkNames}, {"error", ""}});
 
   // The library in this process tells the same about them.
   const LibraryUnderTest oc;
@@ -63,30 +57,21 @@ TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
 }
 
 TEST_F(OcCaptureList, JsonHasThreeKeysInThisOrder) {
-  const ProgramResult result = listJson();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(ordered_json::parse(result.out).dump(), R"({"libraries":[],"error":"","cameras":[]})");
+  EXPECT_EQ(ordered_json::parse(list("--json")).dump(),
+            R"({"libraries":[],"error":"","cameras":[]})");
 }
 
 TEST_F(OcCaptureList, SaysThatThereIsNothing) {
-  const ProgramResult result = list();
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "Libraries: none\nNo cameras.\n");
-  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(list(), "Libraries: none\nNo cameras.\n");
 }
 
 TEST_F(OcCaptureList, TellsWhatFailedAndListsTheRest) {
   sdks.add("ASICamera2");
   const std::string third = "force ASIGetCameraProperty 3 1 5";
-  const ProgramResult text = list(third);
-  EXPECT_EQ(text.status, 1);
-  EXPECT_EQ(text.err, "oc_capture: ASIGetCameraProperty: 5\n");
-  EXPECT_NE(text.out.find("\n1      ZWO ASI294MC Pro"), std::string::npos) << text.out;
+  const std::string err = "oc_capture: ASIGetCameraProperty: 5\n";
+  EXPECT_PRED_FORMAT2(IsSubstring, "\n1      ZWO ASI294MC Pro", list("", third, 1, err));
 
-  const ProgramResult json = listJson(third);
-  EXPECT_EQ(json.status, 1);
-  EXPECT_EQ(json.err, "oc_capture: ASIGetCameraProperty: 5\n");
-  const ordered_json document = ordered_json::parse(json.out);
+  const ordered_json document = ordered_json::parse(list("--json", third, 1, err));
   EXPECT_EQ(document["error"], "ASIGetCameraProperty: 5");
   EXPECT_EQ(document["cameras"].size(), 2U);
 }
@@ -94,29 +79,25 @@ TEST_F(OcCaptureList, TellsWhatFailedAndListsTheRest) {
 TEST_F(OcCaptureList, ShowsACameraWhosePixelSizeIsNotANumber) {
   sdks.add("ASICamera2");
   const std::string odd = "output ASIGetCameraProperty PixelSize 1 1 nan";
-  const ProgramResult text = list(odd);
-  EXPECT_EQ(text.status, 0);
-  EXPECT_NE(text.out.find("1280 x 960   12    -        GRBG"), std::string::npos) << text.out;
+  EXPECT_PRED_FORMAT2(IsSubstring, "1280 x 960   12    -        GRBG", list("", odd));
 
-  const ordered_json document = ordered_json::parse(listJson(odd).out);
+  const ordered_json document = ordered_json::parse(list("--json", odd));
   EXPECT_TRUE(document["cameras"][0]["pixelSizeUm"].is_null());
   EXPECT_EQ(document["cameras"].size(), 4U);
 }
 
 TEST_F(OcCaptureList, ShowsACameraThatIsInUseElsewhereWithoutItsRanges) {
   sdks.add("ASICamera2");
-  const ProgramResult result = list("force ASIOpenCamera 1 1 16");
-  EXPECT_EQ(result.status, 0);
-  EXPECT_NE(result.out.find("mono8  -         -\n1 "), std::string::npos) << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring, "mono8  -         -\n1 ",
+                      list("", "force ASIOpenCamera 1 1 16"));
 }
 
 TEST_F(OcCaptureList, FindsSdksInADirectoryOfAnyName) {
   sdks.add("ASICamera2");
   const auto directory = scratch.file("caf\u00e9 \U0001F52D");
   std::filesystem::copy(sdks.path(), directory);
-  const ProgramResult result = run({"list", "--sdk", utf8(directory)}, "");
-  EXPECT_EQ(result.status, 0);
-  EXPECT_NE(result.out.find("ZWO ASI120MC-S"), std::string::npos) << result.out;
+  const ProgramResult result = expectSuccess(run({"list --sdk", directory}, ""));
+  EXPECT_PRED_FORMAT2(IsSubstring, "ZWO ASI120MC-S", result.out);
 }
 
 }  // namespace

@@ -10,34 +10,27 @@ namespace {
 
 using nlohmann::ordered_json;
 
-class OcCaptureMeasure : public OcCaptureTest {
+class OcCaptureMeasure : public OcCaptureAsiTest {
  protected:
-  OcCaptureMeasure() { sdks.add("ASICamera2"); }
-
-  ProgramResult start(const std::string& command, const std::vector<std::string>& more,
-                      const std::string& simulator = "seed 5") const {
-    std::vector<std::string> arguments{command,    "--sdk", sdks.utf8(),  "--width", "64",
-                                       "--height", "48",    "--exposure", "2ms"};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return run(arguments, simulator);
+  ProgramResult bench(const CommandLine& more, const std::string& simulator = "seed 5") const {
+    return runWithSdks("bench", {"--width 64 --height 48 --exposure 2ms", more}, simulator);
   }
 
-  std::string chart() const { return utf8(scratch.file("caf\u00e9.png")); }
-
-  bool hasChart() const {
-    const auto path = scratch.file("caf\u00e9.png");
-    return std::filesystem::exists(path) && contentOf(path).substr(0, 8) == "\x89PNG\r\n\x1a\n";
+  // Watches the first camera and draws the chart.
+  ProgramResult watch(const char* more, const std::string& simulator = "seed 5") const {
+    return runWithSdks("watch",
+                       {"--camera 0 --width 64 --height 48 --exposure 2ms --out", chart, more},
+                       simulator);
   }
+
+  const std::filesystem::path chart = scratch.file("caf\u00e9.png");
 };
 
 TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
-  const ProgramResult result =
-      start("bench", {"--seconds", "0.1", "--json", "--quiet", "--out", chart()});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(bench({"--seconds 0.1 --json --quiet --out", chart}));
   EXPECT_EQ(result.err, "");
   const auto document = ordered_json::parse(result.out);
-  EXPECT_EQ(document["exposureUs"], 2000);
-  EXPECT_EQ(document["chart"], chart());
+  expectMembers(document, {{"exposureUs", 2000}, {"chart", utf8(chart)}});
   std::string measured;
   for (const auto& entry : document["measurements"]) {
     measured += entry["camera"].get<std::string>().substr(7, 4) + " " +
@@ -55,13 +48,12 @@ TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
   EXPECT_EQ(measured,
             "120M raw8, 120M rgb24, 120M raw16, 120M mono8, 294M raw8, 294M rgb24, 294M raw16, "
             "294M mono8, 2600 raw8, 2600 raw16, 290M raw8, 290M raw16, ");
-  EXPECT_TRUE(hasChart());
+  EXPECT_TRUE(isPng(chart));
 }
 
 TEST_F(OcCaptureMeasure, BenchShowsATable) {
-  const ProgramResult result = start(
-      "bench", {"--seconds", "0.1", "--camera", "asi120", "--format", "raw16", "--discard", "1"});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result =
+      expectSuccess(bench({"--seconds 0.1 --camera asi120 --format raw16 --discard 1"}));
   EXPECT_TRUE(std::regex_match(
       result.out,
       std::regex("Camera          Format  Size     Frames/s +MB/s +Not ready +Wait p50 ms +p90 "
@@ -71,31 +63,25 @@ TEST_F(OcCaptureMeasure, BenchShowsATable) {
 }
 
 TEST_F(OcCaptureMeasure, BenchGoesOnAfterACameraThatFails) {
-  const ProgramResult result =
-      start("bench", {"--seconds", "0.05", "--format", "raw8", "--json", "--out", chart()},
-            "seed 5; force ASIStartVideoCapture 2 1 16");
+  const ProgramResult result = bench({"--seconds 0.05 --format raw8 --json --out", chart},
+                                     "seed 5; force ASIStartVideoCapture 2 1 16");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "oc_capture: ZWO ASI294MC Pro, raw8: ASIStartVideoCapture: 16\n");
   const auto document = ordered_json::parse(result.out);
   ASSERT_EQ(document["measurements"].size(), 4U);
-  EXPECT_EQ(document["measurements"][1]["error"], "ASIStartVideoCapture: 16");
-  EXPECT_EQ(document["measurements"][1]["frames"], 0);
+  expectMembers(document["measurements"][1],
+                {{"error", "ASIStartVideoCapture: 16"}, {"frames", 0}});
   EXPECT_GT(document["measurements"][2]["frames"], 0);
-  EXPECT_TRUE(hasChart());
+  EXPECT_TRUE(isPng(chart));
 }
 
 TEST_F(OcCaptureMeasure, BenchHoldsSettingsAgainstEveryCameraFirst) {
-  const ProgramResult result = start("bench", {"--bin", "3"});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, "oc_capture: ZWO ASI120MC-S has no bin 3; it offers 1, 2.\n");
+  expectFailure(bench({"--bin 3"}), 2, "ZWO ASI120MC-S has no bin 3; it offers 1, 2.");
 }
 
 TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
-  const ProgramResult result = start("watch",
-                                     {"--camera", "0", "--format", "raw16", "--gain", "100",
-                                      "--frames", "7", "--json", "--out", chart()},
-                                     "clock stopped; seed 5");
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result =
+      expectSuccess(watch("--format raw16 --gain 100 --frames 7 --json", stoppedClock));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 1, 2000, 100, 10);
   double sum = 0;
   int smallest = 65535;
@@ -114,16 +100,16 @@ TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
     mostSaturated = std::max(mostSaturated, saturated);
   }
   const auto document = ordered_json::parse(result.out);
-  EXPECT_EQ(document["camera"], "ZWO ASI120MC-S");
-  EXPECT_EQ(document["frames"], 7);
   EXPECT_NEAR(document["mean"].get<double>(), sum / (7 * 64 * 48), 1e-6);
-  EXPECT_EQ(document["min"], smallest);
-  EXPECT_EQ(document["max"], largest);
-  EXPECT_EQ(document["mostSaturatedPixels"], mostSaturated);
   EXPECT_TRUE(document["lowestTemperature"].is_number());
-  EXPECT_EQ(document["plot"], chart());
-  EXPECT_EQ(document["error"], "");
-  EXPECT_TRUE(hasChart());
+  expectMembers(document, {{"camera", "ZWO ASI120MC-S"},
+                           {"frames", 7},
+                           {"min", smallest},
+                           {"max", largest},
+                           {"mostSaturatedPixels", mostSaturated},
+                           {"plot", utf8(chart)},
+                           {"error", ""}});
+  EXPECT_TRUE(isPng(chart));
   EXPECT_TRUE(std::regex_match(
       result.err, std::regex("[0-9.]+ s, 7 frames, [-0-9.]+ \u00b0C, mean [0-9.]+, min [0-9]+, max "
                              "[0-9]+, saturated [0-9]+\n")))
@@ -131,39 +117,31 @@ TEST_F(OcCaptureMeasure, WatchTellsTheFramesStatistics) {
 }
 
 TEST_F(OcCaptureMeasure, WatchEndsAfterItsTime) {
-  const ProgramResult result =
-      start("watch", {"--camera", "0", "--seconds", "0.2", "--out", chart()});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(watch("--seconds 0.2"));
   EXPECT_TRUE(std::regex_match(
       result.out,
       std::regex(
           "Watched [0-9]+ frames in 0\\.[0-9] s: mean [0-9.]+, min [0-9]+, max [0-9]+, "
           "saturated pixels at most [0-9]+, [-0-9.]+ to [-0-9.]+ \u00b0C; plot \".*\"\\.\n")))
       << result.out;
-  EXPECT_TRUE(hasChart());
+  EXPECT_TRUE(isPng(chart));
 }
 
 TEST_F(OcCaptureMeasure, WatchOfACameraThatFailsShowsWhatCameBefore) {
   const ProgramResult result =
-      start("watch", {"--camera", "0", "--seconds", "100", "--json", "--quiet", "--out", chart()},
-            "clock stopped; seed 5; force ASIGetVideoData 4 -1 5");
+      watch("--seconds 100 --json --quiet", "clock stopped; seed 5; force ASIGetVideoData 4 -1 5");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "oc_capture: ASIGetVideoData: 5\n");
-  const auto document = ordered_json::parse(result.out);
-  EXPECT_EQ(document["frames"], 3);
-  EXPECT_EQ(document["error"], "ASIGetVideoData: 5");
-  EXPECT_TRUE(hasChart());
+  expectMembers(ordered_json::parse(result.out), {{"frames", 3}, {"error", "ASIGetVideoData: 5"}});
+  EXPECT_TRUE(isPng(chart));
 }
 
 TEST_F(OcCaptureMeasure, WatchWithoutATemperature) {
-  const ProgramResult result =
-      start("watch", {"--camera", "0", "--frames", "2", "--json", "--quiet", "--out", chart()},
-            "clock stopped; force ASIGetControlValue 1 -1 3");
-  ASSERT_EQ(result.status, 0) << result.err;
-  const auto document = ordered_json::parse(result.out);
-  EXPECT_TRUE(document["lowestTemperature"].is_null());
-  EXPECT_TRUE(document["highestTemperature"].is_null());
-  EXPECT_TRUE(hasChart());
+  const ProgramResult result = expectSuccess(
+      watch("--frames 2 --json --quiet", "clock stopped; force ASIGetControlValue 1 -1 3"));
+  expectMembers(ordered_json::parse(result.out),
+                {{"lowestTemperature", nullptr}, {"highestTemperature", nullptr}});
+  EXPECT_TRUE(isPng(chart));
 }
 
 }  // namespace

@@ -38,10 +38,8 @@ class OcCapturePlay : public OcCaptureTest {
     std::ofstream(recording(), std::ios::binary) << content;
   }
 
-  ProgramResult play(const std::vector<std::string>& more = {}) const {
-    std::vector<std::string> arguments{"play", utf8(recording())};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return run(arguments);
+  ProgramResult play(const CommandLine& more = {}) const {
+    return run({"play", recording(), more});
   }
 
   std::string name() const { return "\"" + utf8(recording()) + "\""; }
@@ -49,8 +47,7 @@ class OcCapturePlay : public OcCaptureTest {
 
 TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
   write({0, 20, 40, 60, 160, 180, 200}, 7);
-  const ProgramResult result = play();
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(play());
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out,
             name() +
@@ -66,90 +63,70 @@ TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
 
 TEST_F(OcCapturePlay, TellsTheSameInJson) {
   write({0, 20, 40, 60, 160, 180, 200}, 7);
-  const ProgramResult result = play({"--json", "--quiet"});
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(play({"--json --quiet"}));
   const auto document = nlohmann::ordered_json::parse(result.out);
-  EXPECT_EQ(document["file"], utf8(recording()));
-  EXPECT_EQ(document["frames"], 7);
-  EXPECT_EQ(document["width"], 4);
-  EXPECT_EQ(document["height"], 2);
-  EXPECT_EQ(document["colours"], "mosaic GRBG");
-  EXPECT_EQ(document["depth"], 8);
-  EXPECT_EQ(document["startUtc"], "2024-02-29T23:06:40.000000");
-  EXPECT_EQ(document["hasTimeStamps"], true);
-  EXPECT_DOUBLE_EQ(document["timing"]["seconds"], 0.2);
-  EXPECT_DOUBLE_EQ(document["timing"]["framesPerSecond"], 30);
-  EXPECT_EQ(document["timing"]["gaps"], 1);
-  EXPECT_EQ(document["timing"]["missedFrames"], 4);
-  EXPECT_EQ(document["timing"]["longestGapAfterFrame"], 3);
-  EXPECT_EQ(document["unusedBytes"], 0);
-  EXPECT_TRUE(document["sheet"].is_null());
+  expectMembers(document, {{"file", utf8(recording())},
+                           {"frames", 7},
+                           {"width", 4},
+                           {"height", 2},
+                           {"colours", "mosaic GRBG"},
+                           {"depth", 8},
+                           {"startUtc", "2024-02-29T23:06:40.000000"},
+                           {"hasTimeStamps", true},
+                           {"unusedBytes", 0},
+                           {"sheet", nullptr}});
+  const auto& timing = document["timing"];
+  EXPECT_DOUBLE_EQ(timing["seconds"], 0.2);
+  EXPECT_DOUBLE_EQ(timing["framesPerSecond"], 30);
+  expectMembers(timing, {{"gaps", 1}, {"missedFrames", 4}, {"longestGapAfterFrame", 3}});
 }
 
 TEST_F(OcCapturePlay, MakesAContactSheet) {
   write(std::vector<int>(30, 5), 30);
   const auto sheet = scratch.file("caf\u00e9.png");
-  const ProgramResult result = play({"--out", utf8(sheet), "--flip", "--bayer", "none"});
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_NE(result.out.find("Length:    unknown, the time stamps make no sense\n"),
-            std::string::npos)
-      << result.out;
-  EXPECT_NE(result.out.find("Sheet:     \"" + utf8(sheet) + "\"\n"), std::string::npos);
-  EXPECT_EQ(contentOf(sheet).substr(0, 8), "\x89PNG\r\n\x1a\n");
+  const ProgramResult result = expectSuccess(play({"--flip --bayer none --out", sheet}));
+  EXPECT_PRED_FORMAT2(IsSubstring, "Length:    unknown, the time stamps make no sense\n",
+                      result.out);
+  EXPECT_PRED_FORMAT2(IsSubstring, "Sheet:     \"" + utf8(sheet) + "\"\n", result.out);
+  EXPECT_TRUE(isPng(sheet));
 
-  EXPECT_EQ(play({"--out", utf8(sheet)}).status, 2);
-  EXPECT_EQ(play({"--out", utf8(sheet), "--overwrite", "--quiet"}).out, "");
+  EXPECT_EQ(play({"--out", sheet}).status, 2);
+  EXPECT_EQ(play({"--overwrite --quiet --out", sheet}).out, "");
 }
 
 TEST_F(OcCapturePlay, ARecordingWithoutFramesOrTimes) {
   write({}, 0);
-  ProgramResult result = play({"--out", utf8(preview())});
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_NE(result.out.find("0 frames of 4 x 2"), std::string::npos);
-  EXPECT_NE(result.out.find("Length:    unknown, there are no time stamps\n"), std::string::npos);
+  const ProgramResult result = expectSuccess(play({"--out", preview()}));
+  EXPECT_PRED_FORMAT2(IsSubstring, "0 frames of 4 x 2", result.out);
+  EXPECT_PRED_FORMAT2(IsSubstring, "Length:    unknown, there are no time stamps\n", result.out);
   EXPECT_TRUE(std::filesystem::exists(preview()));
 
   // As a crash leaves it: frames that the header does not count.
   write({0, 20}, 0);
-  result = play();
-  EXPECT_NE(result.out.find("Unused:    32 bytes behind the frames and time stamps\n"),
-            std::string::npos)
-      << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring, "Unused:    32 bytes behind the frames and time stamps\n",
+                      play().out);
 }
 
 TEST_F(OcCapturePlay, RefusesFilesThatLie) {
   write({0, 20}, 100);
-  ProgramResult result = play();
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "oc_capture: " + name() +
-                            " is cut short: its header promises 100 frames, and it holds 4.\n");
+  expectFailure(play(), 1,
+                name() + " is cut short: its header promises 100 frames, and it holds 4.");
   std::ofstream(recording()) << "no recording";
-  result = play();
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "oc_capture: " + name() + " is no SER file.\n");
+  expectFailure(play(), 1, name() + " is no SER file.");
 }
 
 TEST_F(OcCapturePlay, RefusesACorrectionThatFitsNoBayerPattern) {
   write({0, 20}, 2);
-  const ProgramResult result = play({"--out", utf8(preview()), "--swap-rb"});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, "oc_capture: --swap-rb needs frames in RGB.\n");
+  expectFailure(play({"--swap-rb --out", preview()}), 2, "--swap-rb needs frames in RGB.");
   EXPECT_FALSE(std::filesystem::exists(preview()));
 }
 
 TEST_F(OcCapturePlay, ReadsWhatRecordWrites) {
   sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments(
-                    {"--format", "rgb24", "--width", "64", "--height", "48", "--frames", "5"}))
-                .status,
-            0);
-  const ProgramResult result = play({"--swap-rb", "--out", utf8(scratch.file("sheet.png"))});
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out.rfind(name() + ": 5 frames of 64 x 48, RGB, 8 bits\nCamera:    ZWO "
-                                      "ASI120MC-S\n",
-                             0),
-            0U)
+  expectSuccess(record({"--format rgb24 --width 64 --height 48 --frames 5"}));
+  const ProgramResult result = expectSuccess(play({"--swap-rb --out", scratch.file("sheet.png")}));
+  EXPECT_TRUE(result.out.starts_with(
+      name() + ": 5 frames of 64 x 48, RGB, 8 bits\nCamera:    ZWO ASI120MC-S\n"))
       << result.out;
 }
 

@@ -25,15 +25,15 @@ void PrintTo(const Format& format, std::ostream* stream) {
   *stream << format.name;
 }
 
-class OcCaptureRecordFormat : public OcCaptureTest, public ::testing::WithParamInterface<Format> {};
+class OcCaptureRecordFormat : public OcCaptureAsiTest,
+                              public ::testing::WithParamInterface<Format> {};
 
 TEST_P(OcCaptureRecordFormat, HoldsTheCamerasFramesByteByByte) {
   const Format& format = GetParam();
-  sdks.add("ASICamera2");
   const std::int64_t before = ticksNow();
-  const ProgramResult result = run(recordArguments(
-      {"--format", format.name, "--width", "320", "--height", "240", "--exposure", "5ms", "--gain",
-       "40", "--offset", "7", "--frames", "12", "--observer", "Anna", "--telescope", "80/480"}));
+  const ProgramResult result =
+      record({"--width 320 --height 240 --exposure 5ms --gain 40 --offset 7 --frames 12",
+              "--observer Anna --telescope 80/480 --format", format.name});
   const std::int64_t after = ticksNow();
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_TRUE(std::regex_match(
@@ -69,7 +69,7 @@ TEST_P(OcCaptureRecordFormat, HoldsTheCamerasFramesByteByByte) {
     EXPECT_TRUE(file.frames[static_cast<std::size_t>(number)] == reference.frame(number))
         << "frame " << number;
   }
-  EXPECT_EQ(contentOf(preview()).substr(0, 8), "\x89PNG\r\n\x1a\n");
+  EXPECT_TRUE(isPng(preview()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Record, OcCaptureRecordFormat,
@@ -85,11 +85,9 @@ class OcCaptureRecordPolling : public OcCaptureTest,
 TEST_P(OcCaptureRecordPolling, HoldsTheCamerasFramesInOrder) {
   const std::string baseName = GetParam();
   sdks.add(baseName);
-  const ProgramResult result =
-      run(recordArguments({"--format", "raw8", "--width", "320", "--height", "240", "--exposure",
-                           "20ms", "--gain", "100", "--offset", "5", "--frames", "6"}),
-          "seed 5");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(record(
+      {"--format raw8 --width 320 --height 240 --exposure 20ms --gain 100 --offset 5 --frames 6"},
+      "seed 5"));
 
   const SerFile file(recording());
   ASSERT_EQ(file.frames.size(), 6U);
@@ -109,12 +107,17 @@ INSTANTIATE_TEST_SUITE_P(Record, OcCaptureRecordPolling,
                          ::testing::Values("PlayerOneCamera", "qhyccd", "toupcam"),
                          [](const auto& test) { return test.param; });
 
-class OcCaptureRecord : public OcCaptureTest {};
+class OcCaptureRecord : public OcCaptureAsiTest {
+ protected:
+  // Records frames of 64 x 48 pixels.
+  ProgramResult recordSmall(const char* more, const std::string& simulator = stoppedClock,
+                            const char* camera = "0") const {
+    return record({"--width 64 --height 48", more}, simulator, camera);
+  }
+};
 
 TEST_F(OcCaptureRecord, WithoutSettingsTakesTheCamerasOwn) {
-  sdks.add("ASICamera2");
-  const ProgramResult result = run(recordArguments({"--frames", "2"}, "asi120"));
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(record({"--frames 2"}, stoppedClock, "asi120"));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 1280);
   EXPECT_EQ(file.height, 960);
@@ -127,25 +130,19 @@ TEST_F(OcCaptureRecord, WithoutSettingsTakesTheCamerasOwn) {
 }
 
 TEST_F(OcCaptureRecord, HoldsNoRangeAgainstTheUserThatTheCameraHasNotTold) {
-  sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments({"--width", "64", "--height", "48", "--frames", "1", "--gain", "70",
-                                 "--exposure", "30ms"}),
-                "clock stopped; seed 5; force ASIOpenCamera 1 1 16")
-                .status,
-            0);
+  expectSuccess(recordSmall("--frames 1 --gain 70 --exposure 30ms",
+                            "clock stopped; seed 5; force ASIOpenCamera 1 1 16"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 30000, 70, 10);
   EXPECT_TRUE(SerFile(recording()).frames.at(0) == reference.frame(0));
 }
 
 TEST_F(OcCaptureRecord, WithoutALengthTakesAHundredFrames) {
-  sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments({"--width", "64", "--height", "48"})).status, 0);
+  expectSuccess(recordSmall(""));
   EXPECT_EQ(SerFile(recording()).frameCount, 100);
 }
 
 TEST_F(OcCaptureRecord, TakesTheSizeThatTheCameraMakesOfIt) {
-  sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments({"--width", "101", "--height", "51", "--frames", "1"})).status, 0);
+  expectSuccess(record({"--width 101 --height 51 --frames 1"}));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 96);
   EXPECT_EQ(file.height, 50);
@@ -153,51 +150,37 @@ TEST_F(OcCaptureRecord, TakesTheSizeThatTheCameraMakesOfIt) {
 }
 
 TEST_F(OcCaptureRecord, BinsTheSensor) {
-  sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments({"--bin", "2", "--frames", "1"})).status, 0);
+  expectSuccess(record({"--bin 2 --frames 1"}));
   const SerFile file(recording());
   EXPECT_EQ(file.width, 640);
   EXPECT_EQ(file.height, 480);
 }
 
 TEST_F(OcCaptureRecord, MonoCamerasHaveNoBayerPattern) {
-  sdks.add("ASICamera2");
-  ASSERT_EQ(run(recordArguments(
-                    {"--format", "raw16", "--width", "64", "--height", "48", "--frames", "1"}, "3"))
-                .status,
-            0);
+  expectSuccess(recordSmall("--format raw16 --frames 1", stoppedClock, "3"));
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, 0);
   EXPECT_EQ(file.depth, 16);
 }
 
 TEST_F(OcCaptureRecord, EndsAfterTheSecondsThatWereGiven) {
-  sdks.add("ASICamera2");
-  const ProgramResult result = run(recordArguments({"--width", "64", "--height", "48", "--exposure",
-                                                    "10ms", "--seconds", "0.5"}),
-                                   "");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(recordSmall("--exposure 10ms --seconds 0.5", ""));
   const SerFile file(recording());
   EXPECT_GT(file.frameCount, 0);
   EXPECT_EQ(file.timeStamps.size(), static_cast<std::size_t>(file.frameCount));
 }
 
 TEST_F(OcCaptureRecord, TakesFileNamesOfAnyKind) {
-  sdks.add("ASICamera2");
   const auto path = scratch.file("caf\u00e9 \U0001F52D.SER");
-  const ProgramResult result = run({"record", "--sdk", sdks.utf8(), "--camera", "0", "--width",
-                                    "64", "--height", "48", "--frames", "1", "--out", utf8(path)});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(
+      runWithSdks("record", {"--camera 0 --width 64 --height 48 --frames 1 --out", path}));
   EXPECT_EQ(SerFile(path).frameCount, 1);
   EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D.png")));
-  EXPECT_NE(result.out.find(utf8(path)), std::string::npos) << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring, utf8(path), result.out);
 }
 
 TEST_F(OcCaptureRecord, TellsItsProgress) {
-  sdks.add("ASICamera2");
-  const ProgramResult result =
-      run(recordArguments({"--width", "64", "--height", "48", "--frames", "3"}));
-  ASSERT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(recordSmall("--frames 3"));
   // No terminal here: lines. The last one comes at the end of a recording however short.
   EXPECT_TRUE(std::regex_search(
       result.err,
@@ -207,13 +190,8 @@ TEST_F(OcCaptureRecord, TellsItsProgress) {
 }
 
 TEST_F(OcCaptureRecord, AsksForNothingThatItDoesNotNeed) {
-  sdks.add("ASICamera2");
   const auto log = scratch.file("calls");
-  ASSERT_EQ(run(recordArguments(
-                    {"--width", "64", "--height", "48", "--exposure", "20ms", "--frames", "1"}),
-                "clock stopped; log " + utf8(log))
-                .status,
-            0);
+  expectSuccess(recordSmall("--exposure 20ms --frames 1", "clock stopped; log " + utf8(log)));
   const std::string calls = contentOf(log);
   const std::string stream = calls.substr(calls.find("ASIStartVideoCapture"));
   // Twice the exposure and 500 ms is what the SDK may wait, less what has passed.

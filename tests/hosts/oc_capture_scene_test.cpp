@@ -11,32 +11,23 @@ namespace {
 class OcCaptureScene : public OcCaptureTest {
  protected:
   // Records a small region in 16 bits, as the recording shows it where nothing changes it.
-  ProgramResult recordInto(const std::filesystem::path& file, const std::vector<std::string>& more,
-                           const std::string& simulator = "clock stopped; seed 5") const {
-    std::vector<std::string> arguments{
-        "record",   "--sdk",      sdks.utf8(), "--camera", "0",   "--out",
-        utf8(file), "--format",   "raw16",     "--width",  "320", "--height",
-        "240",      "--exposure", "20ms",      "--offset", "0",   "--overwrite"};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return run(arguments, simulator);
+  ProgramResult recordInto(const std::filesystem::path& file, const CommandLine& more,
+                           const std::string& simulator = stoppedClock) const {
+    return runWithSdks("record",
+                       {"--camera 0 --format raw16 --width 320 --height 240 --exposure 20ms",
+                        "--offset 0 --overwrite --out", file, more},
+                       simulator);
   }
 
-  void expectRefusal(const std::string& scene, const std::string& message) const {
-    const ProgramResult result = run({"list", "--sdk", sdks.utf8(), "--scene", scene});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "oc_capture: " + message + "\n");
-  }
+  const std::filesystem::path first = scratch.file("first.ser");
 };
 
 TEST_F(OcCaptureScene, RecordingOfARecordingIsTheSame) {
   sdks.add("ASICamera2");
-  const auto first = scratch.file("caf\u00e9 \U0001F52D first.ser");
-  ASSERT_EQ(recordInto(first, {"--frames", "3", "--gain", "20"}).status, 0);
-  const ProgramResult result =
-      recordInto(recording(), {"--frames", "7", "--gain", "50", "--scene", utf8(first)});
-  ASSERT_EQ(result.status, 0) << result.err;
-  const SerFile played(first);
+  const auto scene = scratch.file("caf\u00e9 \U0001F52D first.ser");
+  expectSuccess(recordInto(scene, {"--frames 3 --gain 20"}));
+  expectSuccess(recordInto(recording(), {"--frames 7 --gain 50 --scene", scene}));
+  const SerFile played(scene);
   const SerFile file(recording());
   EXPECT_EQ(file.colorId, played.colorId);
   ASSERT_EQ(file.frames.size(), 7U);
@@ -44,7 +35,7 @@ TEST_F(OcCaptureScene, RecordingOfARecordingIsTheSame) {
     EXPECT_TRUE(file.frames[number] == played.frames[number % 3]) << "frame " << number;
   }
   // The synthetic scene is another one at that gain.
-  ASSERT_EQ(recordInto(recording(), {"--frames", "1", "--gain", "50"}).status, 0);
+  expectSuccess(recordInto(recording(), {"--frames 1 --gain 50"}));
   EXPECT_FALSE(SerFile(recording()).frames[0] == played.frames[0]);
 }
 
@@ -54,15 +45,12 @@ class OcCaptureSceneOfEachMaker : public OcCaptureScene,
 
 TEST_P(OcCaptureSceneOfEachMaker, ShowsTheRecordingsFrames) {
   sdks.add(GetParam());
-  const auto first = scratch.file("first.ser");
-  ASSERT_EQ(recordInto(first, {"--frames", "2"}, "seed 5").status, 0);
+  expectSuccess(recordInto(first, {"--frames 2"}, "seed 5"));
   // In the middle of its gain range a camera shows a recording as it is.
-  const auto camera =
-      nlohmann::json::parse(run({"list", "--json", "--sdk", sdks.utf8()}).out)["cameras"][0];
+  const auto camera = nlohmann::json::parse(runWithSdks("list", {"--json"}).out)["cameras"][0];
   const int gain = (camera["minGain"].get<int>() + camera["maxGain"].get<int>()) / 2;
-  const ProgramResult result = recordInto(
-      recording(), {"--frames", "4", "--gain", std::to_string(gain), "--scene", utf8(first)}, "");
-  ASSERT_EQ(result.status, 0) << result.err;
+  expectSuccess(
+      recordInto(recording(), {"--frames 4 --gain", std::to_string(gain), "--scene", first}, ""));
   const SerFile played(first);
   for (const Bytes& frame : SerFile(recording()).frames) {
     EXPECT_TRUE(frame == played.frames[0] || frame == played.frames[1]);
@@ -75,39 +63,39 @@ INSTANTIATE_TEST_SUITE_P(Makers, OcCaptureSceneOfEachMaker,
 
 TEST_F(OcCaptureScene, OtherCommandsToTheSimulatorStay) {
   sdks.add("ASICamera2");
-  ASSERT_EQ(recordInto(scratch.file("first.ser"), {"--frames", "1"}).status, 0);
+  expectSuccess(recordInto(first, {"--frames 1"}));
   const auto log = scratch.file("calls");
-  const ProgramResult result =
-      recordInto(recording(), {"--frames", "1", "--scene", utf8(scratch.file("first.ser"))},
-                 "clock stopped; sdk toupcam; seed 7; sdk ASICamera2; log " + utf8(log));
-  ASSERT_EQ(result.status, 0) << result.err;
-  EXPECT_NE(contentOf(log).find("ASIStartVideoCapture"), std::string::npos);
+  expectSuccess(recordInto(recording(), {"--frames 1 --scene", first},
+                           "clock stopped; sdk toupcam; seed 7; sdk ASICamera2; log " + utf8(log)));
+  EXPECT_PRED_FORMAT2(IsSubstring, "ASIStartVideoCapture", contentOf(log));
 }
 
 TEST_F(OcCaptureScene, DamagedRecordingIsReportedAndTheSyntheticSceneStays) {
   sdks.add("ASICamera2");
   const auto damaged = scratch.file("damaged.ser");
   std::ofstream(damaged, std::ios::binary) << "LUCAM-RECORDER and no more";
-  ASSERT_EQ(recordInto(scratch.file("first.ser"), {"--frames", "1"}).status, 0);
-  const ProgramResult result = recordInto(recording(), {"--frames", "1", "--scene", utf8(damaged)});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_NE(result.err.find("ASICamera2: \"" + utf8(damaged) +
-                            "\" cannot be played: it is no SER recording\n"
-                            "ASICamera2: a command in ORVANE_SIMULATOR was not carried out\n"),
-            std::string::npos)
-      << result.err;
-  EXPECT_TRUE(SerFile(recording()).frames == SerFile(scratch.file("first.ser")).frames);
+  expectSuccess(recordInto(first, {"--frames 1"}));
+  const ProgramResult result =
+      expectSuccess(recordInto(recording(), {"--frames 1 --scene", damaged}));
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      "ASICamera2: \"" + utf8(damaged) +
+                          "\" cannot be played: it is no SER recording\n"
+                          "ASICamera2: a command in ORVANE_SIMULATOR was not carried out\n",
+                      result.err);
+  EXPECT_TRUE(SerFile(recording()).frames == SerFile(first).frames);
 }
 
 TEST_F(OcCaptureScene, FileThatIsNotThere) {
-  const std::string missing = utf8(scratch.file("missing.ser"));
-  expectRefusal(missing, "--scene needs a recording; there is no file \"" + missing + "\".");
+  const auto missing = scratch.file("missing.ser");
+  expectFailure(runWithSdks("list", {"--scene", missing}), 2,
+                "--scene needs a recording; there is no file \"" + utf8(missing) + "\".");
 }
 
 TEST_F(OcCaptureScene, FileWithASemicolon) {
-  const std::string file = utf8(scratch.file("a;b.ser"));
-  std::ofstream(scratch.file("a;b.ser"), std::ios::binary) << "any";
-  expectRefusal(file, "--scene cannot take a file with a semicolon in its path: \"" + file + "\".");
+  const auto file = scratch.file("a;b.ser");
+  std::ofstream(file, std::ios::binary) << "any";
+  expectFailure(runWithSdks("list", {"--scene", file}), 2,
+                "--scene cannot take a file with a semicolon in its path: \"" + utf8(file) + "\".");
 }
 
 }  // namespace

@@ -9,27 +9,12 @@ namespace {
 
 constexpr std::size_t fitsBlock = 2880;
 
-class OcCaptureSnap : public OcCaptureTest {
+class OcCaptureSnap : public OcCaptureAsiTest {
  protected:
-  OcCaptureSnap() { sdks.add("ASICamera2"); }
-
   // Takes a frame of 64 x 48 pixels into this file.
-  ProgramResult snap(const std::string& name, const std::vector<std::string>& more) const {
-    std::vector<std::string> arguments{"snap",
-                                       "--sdk",
-                                       sdks.utf8(),
-                                       "--camera",
-                                       "0",
-                                       "--width",
-                                       "64",
-                                       "--height",
-                                       "48",
-                                       "--gain",
-                                       "40",
-                                       "--out",
-                                       utf8(scratch.file(name))};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return run(arguments);
+  ProgramResult snap(const std::string& name, const char* more) const {
+    return runWithSdks(
+        "snap", {"--camera 0 --width 64 --height 48 --gain 40 --out", scratch.file(name), more});
   }
 
   Bytes fitsSamples(const std::string& name, std::size_t size) const {
@@ -45,9 +30,8 @@ class OcCaptureSnap : public OcCaptureTest {
 };
 
 TEST_F(OcCaptureSnap, FitsHoldsTheSamplesAndTheSettings) {
-  const ProgramResult result = snap("frame.fits", {"--format", "raw16", "--exposure", "5ms",
-                                                   "--observer", "Anna", "--telescope", "80/480"});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(
+      snap("frame.fits", "--format raw16 --exposure 5ms --observer Anna --telescope 80/480"));
   EXPECT_EQ(result.out,
             "Took a frame of 64 x 48 raw16: \"" + utf8(scratch.file("frame.fits")) + "\".\n");
   EXPECT_EQ(result.err, "");
@@ -70,12 +54,12 @@ TEST_F(OcCaptureSnap, FitsHoldsTheSamplesAndTheSettings) {
         "XBINNING=                    1 ", "YBINNING=                    1 ",
         "CCD-TEMP= ", "INSTRUME= 'ZWO ASI120MC-S'", "OBSERVER= 'Anna    '", "TELESCOP= '80/480  '",
         "DATE-OBS= '20"}) {
-    EXPECT_NE(header.find(card), std::string::npos) << card;
+    EXPECT_PRED_FORMAT2(IsSubstring, card, header);
   }
 }
 
 TEST_F(OcCaptureSnap, FitsOfColoursHasThreePlanes) {
-  ASSERT_EQ(snap("frame.fit", {"--format", "rgb24", "--bin", "2", "--exposure", "5ms"}).status, 0);
+  expectSuccess(snap("frame.fit", "--format rgb24 --bin 2 --exposure 5ms"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 2, 2, 5000, 40, 10);
   const Bytes frame = reference.frame(0);
   const Bytes samples = fitsSamples("frame.fit", frame.size());
@@ -84,15 +68,13 @@ TEST_F(OcCaptureSnap, FitsOfColoursHasThreePlanes) {
     ASSERT_EQ(samples[at % 3 * plane + at / 3], frame[at]) << at;
   }
   const std::string header = fitsHeader("frame.fit");
-  EXPECT_NE(header.find("XPIXSZ  =                  7.5 "), std::string::npos);
-  EXPECT_NE(header.find("XBINNING=                    2 "), std::string::npos);
-  EXPECT_EQ(header.find("BAYERPAT"), std::string::npos);
+  EXPECT_PRED_FORMAT2(IsSubstring, "XPIXSZ  =                  7.5 ", header);
+  EXPECT_PRED_FORMAT2(IsSubstring, "XBINNING=                    2 ", header);
+  EXPECT_PRED_FORMAT2(IsNotSubstring, "BAYERPAT", header);
 }
 
-TEST_F(OcCaptureSnap, PutsFramesRight) {
-  ASSERT_EQ(snap("frame.fits", {"--flip", "--bayer", "rggb", "--discard", "2", "--exposure", "5ms"})
-                .status,
-            0);
+TEST_F(OcCaptureSnap, CorrectsFrames) {
+  expectSuccess(snap("frame.fits", "--flip --bayer rggb --discard 2 --exposure 5ms"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 5000, 40, 10);
   const Bytes frame = reference.frame(2);
   const Bytes samples = fitsSamples("frame.fits", frame.size());
@@ -101,78 +83,69 @@ TEST_F(OcCaptureSnap, PutsFramesRight) {
       ASSERT_EQ(samples[(47 - y) * 64 + x], frame[y * 64 + x]) << x << ", " << y;
     }
   }
-  EXPECT_NE(fitsHeader("frame.fits").find("BAYERPAT= 'GBRG    '"), std::string::npos);
+  EXPECT_PRED_FORMAT2(IsSubstring, "BAYERPAT= 'GBRG    '", fitsHeader("frame.fits"));
 }
 
 TEST_F(OcCaptureSnap, PngIsInColour) {
   const std::string name = "caf\u00e9 \U0001F52D.PNG";
-  ASSERT_EQ(snap(name, {}).status, 0);
-  const std::string content = contentOf(scratch.file(name));
-  EXPECT_EQ(content.substr(0, 8), "\x89PNG\r\n\x1a\n");
-  EXPECT_EQ(content.substr(16, 10), std::string("\0\0\0\x40\0\0\0\x30\x08\x02", 10));
+  expectSuccess(snap(name, ""));
+  EXPECT_TRUE(isPng(scratch.file(name)));
+  EXPECT_EQ(contentOf(scratch.file(name)).substr(16, 10),
+            std::string("\0\0\0\x40\0\0\0\x30\x08\x02", 10));
 }
 
 TEST_F(OcCaptureSnap, TellsInJson) {
-  const ProgramResult result = snap("frame.fits", {"--json", "--quiet", "--exposure", "5ms"});
-  ASSERT_EQ(result.status, 0) << result.err;
+  const ProgramResult result = expectSuccess(snap("frame.fits", "--json --quiet --exposure 5ms"));
   EXPECT_EQ(result.err, "");
   const auto document = nlohmann::ordered_json::parse(result.out);
-  EXPECT_EQ(document["file"], utf8(scratch.file("frame.fits")));
-  EXPECT_EQ(document["camera"], "ZWO ASI120MC-S");
-  EXPECT_EQ(document["width"], 64);
-  EXPECT_EQ(document["height"], 48);
-  EXPECT_EQ(document["format"], "raw8");
-  EXPECT_EQ(document["bayer"], "GRBG");
-  EXPECT_EQ(document["exposureUs"], 5000);
-  EXPECT_EQ(document["gain"], 40);
-  EXPECT_EQ(document["offset"], 10);
-  EXPECT_EQ(document["bin"], 1);
+  expectMembers(document, {{"file", utf8(scratch.file("frame.fits"))},
+                           {"camera", "ZWO ASI120MC-S"},
+                           {"width", 64},
+                           {"height", 48},
+                           {"format", "raw8"},
+                           {"bayer", "GRBG"},
+                           {"exposureUs", 5000},
+                           {"gain", 40},
+                           {"offset", 10},
+                           {"bin", 1}});
   EXPECT_TRUE(document["temperature"].is_number());
 }
 
 TEST_F(OcCaptureSnap, QuietWritesNothing) {
-  const ProgramResult result = snap("frame.png", {"--quiet"});
-  EXPECT_EQ(result.status, 0);
+  const ProgramResult result = expectSuccess(snap("frame.png", "--quiet"));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "");
 }
 
 TEST_F(OcCaptureSnap, LeavesOutATemperatureThatIsNone) {
-  std::vector<std::string> arguments{
-      "snap",  "--sdk", sdks.utf8(), "--camera", "0", "--out", utf8(scratch.file("frame.fits")),
-      "--json"};
-  const ProgramResult result = run(arguments, "clock stopped; force ASIGetControlValue 1 -1 3");
-  ASSERT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(fitsHeader("frame.fits").find("CCD-TEMP"), std::string::npos);
+  const ProgramResult result =
+      expectSuccess(runWithSdks("snap", {"--camera 0 --json --out", scratch.file("frame.fits")},
+                                "clock stopped; force ASIGetControlValue 1 -1 3"));
+  EXPECT_PRED_FORMAT2(IsNotSubstring, "CCD-TEMP", fitsHeader("frame.fits"));
   EXPECT_TRUE(nlohmann::ordered_json::parse(result.out)["temperature"].is_null());
 }
 
 TEST_F(OcCaptureSnap, DoesNotReplaceAFileUnasked) {
-  ASSERT_EQ(snap("frame.png", {"--quiet"}).status, 0);
-  const ProgramResult refused = snap("frame.png", {});
-  EXPECT_EQ(refused.status, 2);
-  EXPECT_EQ(refused.err, "oc_capture: \"" + utf8(scratch.file("frame.png")) +
-                             "\" exists already; name another file or add --overwrite.\n");
-  EXPECT_EQ(snap("frame.png", {"--overwrite"}).status, 0);
+  expectSuccess(snap("frame.png", "--quiet"));
+  expectFailure(snap("frame.png", ""), 2,
+                "\"" + utf8(scratch.file("frame.png")) +
+                    "\" exists already; name another file or add --overwrite.");
+  expectSuccess(snap("frame.png", "--overwrite"));
 }
 
 TEST_F(OcCaptureSnap, ACameraThatFails) {
-  const ProgramResult result =
-      run({"snap", "--sdk", sdks.utf8(), "--camera", "0", "--out", utf8(scratch.file("a.png"))},
-          "clock stopped; force ASIGetVideoData 1 -1 5");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "oc_capture: ASIGetVideoData: 5\n");
+  expectFailure(runWithSdks("snap", {"--camera 0 --out", scratch.file("a.png")},
+                            "clock stopped; force ASIGetVideoData 1 -1 5"),
+                1, "ASIGetVideoData: 5");
   EXPECT_FALSE(std::filesystem::exists(scratch.file("a.png")));
 }
 
 #ifndef _WIN32
 TEST_F(OcCaptureSnap, AFullDisk) {
   std::filesystem::create_symlink("/dev/full", scratch.file("full.fits"));
-  const ProgramResult result = snap("full.fits", {"--overwrite"});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "oc_capture: Cannot write \"" + utf8(scratch.file("full.fits")) +
-                            "\": No space left on device\n");
+  expectFailure(
+      snap("full.fits", "--overwrite"), 1,
+      "Cannot write \"" + utf8(scratch.file("full.fits")) + "\": No space left on device");
 }
 #endif
 

@@ -1,6 +1,9 @@
-// What the tests of oc_capture share: the frames that it should have recorded.
+// What the tests of oc_capture share: starting it, and the frames that it should have recorded.
 #include "oc_capture_test.hpp"
 
+#include <iomanip>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +14,41 @@ namespace {
 constexpr int rgb24 = 2;
 
 }  // namespace
+
+Part::Part(const char* literal) {
+  std::istringstream stream(literal);
+  for (std::string word; stream >> std::quoted(word);) {
+    words.push_back(word);
+  }
+}
+
+Part::Part(const std::vector<Part>& parts) {
+  for (const Part& part : parts) {
+    words.insert(words.end(), part.words.begin(), part.words.end());
+  }
+}
+
+ProgramResult expectSuccess(const ProgramResult& result) {
+  EXPECT_EQ(result.status, 0) << result.err;
+  return result;
+}
+
+void expectFailure(const ProgramResult& result, int status, const std::string& message) {
+  EXPECT_EQ(result.status, status);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "oc_capture: " + message + "\n");
+}
+
+void expectMembers(const nlohmann::ordered_json& document, const nlohmann::ordered_json& expected) {
+  for (const auto& member : expected.items()) {
+    EXPECT_EQ(document.value(member.key(), nlohmann::ordered_json("missing")), member.value())
+        << member.key();
+  }
+}
+
+bool isPng(const std::filesystem::path& file) {
+  return contentOf(file).starts_with("\x89PNG\r\n\x1a\n");
+}
 
 ReferenceCamera::ReferenceCamera(const SdkDirectory& sdks, const std::string& baseName, int width,
                                  int height, int bin, int format, std::int64_t exposureUs, int gain,

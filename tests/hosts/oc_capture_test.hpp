@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -17,28 +18,48 @@
 namespace orvane::testing {
 
 using Bytes = std::vector<std::uint8_t>;
+using ::testing::IsNotSubstring;
+using ::testing::IsSubstring;
+
+/// A part of a command line: words separated by spaces in a literal ("" is an empty word), one word
+/// in a string or a path, or several parts.
+struct Part {
+  Part(const char* literal);
+  Part(const std::string& word) : words{word} {}
+  Part(const std::filesystem::path& file) : words{utf8(file)} {}
+  Part(const std::vector<Part>& parts);
+
+  std::vector<std::string> words;
+};
+
+using CommandLine = std::vector<Part>;
 
 /// A directory of simulated SDKs, empty at first, and a place for recordings.
 class OcCaptureTest : public ::testing::Test {
  protected:
+  static constexpr const char* stoppedClock = "clock stopped; seed 5";
+
   /// How oc_capture is started with these arguments and simulator commands.
-  ProgramStart start(const std::vector<std::string>& arguments,
-                     const std::string& simulator = "clock stopped; seed 5") const {
-    return {ORVANE_OC_CAPTURE_FILE, arguments, simulator, scratch.path()};
+  ProgramStart start(const CommandLine& arguments,
+                     const std::string& simulator = stoppedClock) const {
+    return {ORVANE_OC_CAPTURE_FILE, Part(arguments).words, simulator, scratch.path()};
   }
 
-  ProgramResult run(const std::vector<std::string>& arguments,
-                    const std::string& simulator = "clock stopped; seed 5") const {
+  ProgramResult run(const CommandLine& arguments,
+                    const std::string& simulator = stoppedClock) const {
     return runProgram(start(arguments, simulator));
   }
 
-  /// The arguments that record from a camera into recording(), and these.
-  std::vector<std::string> recordArguments(const std::vector<std::string>& more,
-                                           const std::string& camera = "0") const {
-    std::vector<std::string> arguments{"record", "--sdk", sdks.utf8(),      "--camera",
-                                       camera,   "--out", utf8(recording())};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return arguments;
+  /// Runs a command with "--sdk".
+  ProgramResult runWithSdks(const char* command, const CommandLine& more,
+                            const std::string& simulator = stoppedClock) const {
+    return run({command, "--sdk", sdks.path(), more}, simulator);
+  }
+
+  /// Records from a camera, the first if not given, into recording().
+  ProgramResult record(const CommandLine& more, const std::string& simulator = stoppedClock,
+                       const char* camera = "0") const {
+    return runWithSdks("record", {"--camera", camera, "--out", recording(), more}, simulator);
   }
 
   std::filesystem::path recording() const { return scratch.file("recording.ser"); }
@@ -47,6 +68,23 @@ class OcCaptureTest : public ::testing::Test {
   const SdkDirectory sdks;
   const ScratchDirectory scratch;
 };
+
+/// The same with ZWO's simulated SDK in the directory. Its first camera is an ASI120MC-S.
+class OcCaptureAsiTest : public OcCaptureTest {
+ protected:
+  OcCaptureAsiTest() { sdks.add("ASICamera2"); }
+};
+
+/// Expects exit status 0. Returns the result.
+ProgramResult expectSuccess(const ProgramResult& result);
+
+/// Expects this exit status and this message, and no other output.
+void expectFailure(const ProgramResult& result, int status, const std::string& message);
+
+/// Expects these members, among others.
+void expectMembers(const nlohmann::ordered_json& document, const nlohmann::ordered_json& expected);
+
+bool isPng(const std::filesystem::path& file);
 
 /// The camera with the simulator's seed 5, opened in this process, to know what its frames are.
 class ReferenceCamera {
@@ -58,7 +96,7 @@ class ReferenceCamera {
   ReferenceCamera(const ReferenceCamera&) = delete;
   ReferenceCamera& operator=(const ReferenceCamera&) = delete;
 
-  /// Frame `number` as the library hands it on.
+  /// Frame `number` as the library delivers it.
   Bytes frame(int number) const;
 
  private:

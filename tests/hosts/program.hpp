@@ -1,4 +1,4 @@
-// Runs a program as a user does: arguments in, exit status and what it wrote out.
+// Runs a program as a user does, with arguments, and collects its exit status and its output.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ struct ProgramStart {
   std::vector<std::string> arguments;     ///< UTF-8
   std::string simulator;                  ///< the simulated SDKs' commands: ORVANE_SIMULATOR
   std::filesystem::path outputDirectory;  ///< what the program writes is collected in files here
-  std::int64_t largestFile = 0;           ///< Linux: the program may write no larger file; 0: any
-  bool mayBeInterrupted = false;          ///< interrupt() will be called
+  std::int64_t largestFile = 0;           ///< Linux: limit on the size of files; 0 for none
+  bool mayBeInterrupted = false;          ///< needed for interrupt()
 };
 
 struct ProgramResult {
@@ -35,7 +35,7 @@ class Program {
 
   bool isRunning();
 
-  /// Ctrl-C. The program must have been started with `mayBeInterrupted`.
+  /// Sends Ctrl-C. The program must have been started with `mayBeInterrupted`.
   void interrupt();
 
   ProgramResult wait();
@@ -49,6 +49,8 @@ class Program {
 };
 
 /// Starts a program and waits for its end.
-ProgramResult runProgram(const ProgramStart& start);
+inline ProgramResult runProgram(const ProgramStart& start) {
+  return Program(start).wait();
+}
 
 }  // namespace orvane::testing

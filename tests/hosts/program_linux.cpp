@@ -24,7 +24,7 @@ void redirect(int descriptor, const std::filesystem::path& file) {
   }
 }
 
-// As execve() takes a list of texts.
+// A list of texts in the form that execve() takes.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);
@@ -39,7 +39,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
                                 const std::filesystem::path& errFile) {
   redirect(STDOUT_FILENO, outFile);
   redirect(STDERR_FILENO, errFile);
-  // A test run in the background may have been started with these ignored.
+  // Tests that run in the background may have inherited these as ignored.
   struct sigaction usual = {};
   usual.sa_handler = SIG_DFL;
   sigaction(SIGINT, &usual, nullptr);
@@ -101,10 +101,6 @@ ProgramResult Program::wait() {
   }
   const int status = process_->waitStatus;
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outFile_), contentOf(errFile_)};
-}
-
-ProgramResult runProgram(const ProgramStart& start) {
-  return Program(start).wait();
 }
 
 }  // namespace orvane::testing

@@ -14,8 +14,8 @@ std::wstring wide(const std::string& utf8Text) {
   return std::filesystem::path(std::u8string(utf8Text.begin(), utf8Text.end())).wstring();
 }
 
-// An argument as the other side takes it apart again: backslashes count double before a quotation
-// mark, and only there.
+// Quotes an argument as CommandLineToArgvW() expects it: backslashes before a quotation mark, and
+// only those, are doubled.
 std::wstring quotedArgument(const std::wstring& argument) {
   std::wstring text = L"\"";
   std::size_t backslashes = 0;
@@ -53,7 +53,7 @@ BOOL WINAPI ignoreCtrlC(DWORD event) {
   return event == CTRL_C_EVENT ? TRUE : FALSE;
 }
 
-// Ctrl-C reaches all programs of a console: one of our own keeps it from whoever runs the tests.
+// Ctrl-C reaches all programs of a console, so the test takes one of its own.
 void takeOwnConsole() {
   FreeConsole();
   AllocConsole();
@@ -61,12 +61,8 @@ void takeOwnConsole() {
 }
 
 std::string withPlainLineEnds(const std::string& text) {
-  std::string plain;
-  for (const char letter : text) {
-    if (letter != '\r') {
-      plain += letter;
-    }
-  }
+  std::string plain = text;
+  std::erase(plain, '\r');
   return plain;
 }
 
@@ -125,10 +121,6 @@ ProgramResult Program::wait() {
   GetExitCodeProcess(process_->information.hProcess, &status);
   return {static_cast<int>(status), withPlainLineEnds(contentOf(outFile_)),
           withPlainLineEnds(contentOf(errFile_))};
-}
-
-ProgramResult runProgram(const ProgramStart& start) {
-  return Program(start).wait();
 }
 
 }  // namespace orvane::testing

@@ -6,8 +6,8 @@
 
 namespace orvane::testing {
 
-/// A directory of the running test's own, empty at first. It is left behind for a look after a
-/// failure, and emptied when the test runs again.
+/// A directory of the running test, initially empty. It is kept after the test for inspection, and
+/// emptied when the test runs again.
 class ScratchDirectory {
  public:
   ScratchDirectory();

@@ -1,4 +1,4 @@
-// The list of the functions that an SDK must have, held against the library's own sources.
+// The list of the functions that an SDK must have, compared with the library's own sources.
 #include "sdk_check/sdk_functions.hpp"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ namespace {
 
 using testing::contentOf;
 
-// The functions that the declarations of one maker name.
+// The functions of one maker that the library declares.
 std::vector<std::string> declaredIn(const std::filesystem::path& header) {
   const std::string text = contentOf(header);
   const std::regex declaration(R"(\nSDK_(?:HRESULT_)?FUNCTION\(\w+,\s*(\w+),)");

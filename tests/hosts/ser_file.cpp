@@ -10,7 +10,7 @@ namespace orvane::testing {
 
 namespace {
 
-// Takes values off the start of a file's content.
+// Reads values one after the other from a file's content.
 class Reader {
  public:
   explicit Reader(std::string content) : content_(std::move(content)) {}

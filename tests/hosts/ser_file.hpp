@@ -9,7 +9,7 @@
 namespace orvane::testing {
 
 struct SerFile {
-  /// Reads the whole file. Throws std::runtime_error where it is too short for its own header.
+  /// Reads the whole file. Throws std::runtime_error if it is too short for its own header.
   explicit SerFile(const std::filesystem::path& file);
 
   std::string fileId;
@@ -26,8 +26,8 @@ struct SerFile {
   std::int64_t startLocal = 0;
   std::int64_t startUtc = 0;
   std::vector<std::vector<std::uint8_t>> frames;
-  std::vector<std::int64_t> timeStamps;  ///< none where there is no room for one for each frame
-  std::int64_t unreadBytes = 0;          ///< what stands behind all this
+  std::vector<std::int64_t> timeStamps;  ///< none if there is no room for one for each frame
+  std::int64_t unreadBytes = 0;          ///< after all that
 };
 
 }  // namespace orvane::testing

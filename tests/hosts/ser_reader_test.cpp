@@ -1,4 +1,4 @@
-// Reading SER files, honest and lying ones.
+// Reading SER files with correct and with wrong headers.
 #include "formats/ser_reader.hpp"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 #include "formats/ser_writer.hpp"
 #include "scratch_directory.hpp"
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 
@@ -30,7 +30,7 @@ std::string number(std::int32_t value) {
   return text;
 }
 
-// A header by its numbers, in their order.
+// The numbers of a header, in their order in the file.
 struct Header {
   std::int32_t colorId = 0;
   std::int32_t endian = 0;
@@ -47,12 +47,14 @@ struct Header {
 
 class SerReaderTest : public ::testing::Test {
  protected:
+  using Samples = std::vector<std::uint16_t>;
+
   SerReader open(const std::string& content) const {
     std::ofstream(path, std::ios::binary) << content;
     return SerReader(path);
   }
 
-  // What is said about this content, after the file's name.
+  // The message about this content, after the file's name.
   std::string complaintAbout(const std::string& content) const {
     try {
       open(content);
@@ -84,51 +86,48 @@ TEST_F(SerReaderTest, ReadsWhatTheWriterWrites) {
   writer.close();
 
   const SerReader reader(path);
-  EXPECT_EQ(reader.facts().width, 2);
-  EXPECT_EQ(reader.facts().height, 2);
-  EXPECT_EQ(reader.facts().depth, 16);
-  EXPECT_EQ(reader.facts().bayer, BayerPattern::Gbrg);
-  EXPECT_EQ(reader.facts().frames, 2);
-  EXPECT_EQ(reader.facts().observer, "Anna");
-  EXPECT_EQ(reader.facts().instrument, "Camera 1");
-  EXPECT_EQ(reader.facts().telescope, std::string(40, 't'));
-  EXPECT_EQ(reader.facts().startLocal, 5);
-  EXPECT_EQ(reader.facts().startUtc, 6);
-  EXPECT_EQ(reader.facts().timeStamps, (std::vector<std::int64_t>{100, 200}));
-  EXPECT_EQ(reader.facts().unusedBytes, 0);
+  const SerFacts& facts = reader.facts();
+  EXPECT_EQ(facts.width, 2);
+  EXPECT_EQ(facts.height, 2);
+  EXPECT_EQ(facts.depth, 16);
+  EXPECT_EQ(facts.bayer, BayerPattern::Gbrg);
+  EXPECT_EQ(facts.frames, 2);
+  EXPECT_EQ(facts.observer, "Anna");
+  EXPECT_EQ(facts.instrument, "Camera 1");
+  EXPECT_EQ(facts.telescope, std::string(40, 't'));
+  EXPECT_EQ(facts.startLocal, 5);
+  EXPECT_EQ(facts.startUtc, 6);
+  EXPECT_EQ(facts.timeStamps, (std::vector<std::int64_t>{100, 200}));
+  EXPECT_EQ(facts.unusedBytes, 0);
   Bytes frame(reader.frameBytes());
   reader.readFrame(1, frame);
   EXPECT_EQ(frame, second);
   reader.readFrame(0, frame);
   EXPECT_EQ(frame, first);
-  EXPECT_EQ(reader.readImage(0).samples, (std::vector<std::uint16_t>{0x201, 0x403, 0x605, 0x807}));
+  EXPECT_EQ(reader.readImage(0).samples, (Samples{0x201, 0x403, 0x605, 0x807}));
   EXPECT_THROW(reader.readFrame(2, frame), std::runtime_error);
   EXPECT_THROW(reader.readFrame(-1, frame), std::runtime_error);
 }
 
 TEST_F(SerReaderTest, SpreadsSamplesOfAnyDepth) {
-  EXPECT_EQ(open(Header{}.text() + "\x80\xff").readImage(0).samples,
-            (std::vector<std::uint16_t>{0x8080, 0xffff}));
-  EXPECT_EQ(open(Header{0, 0, 2, 1, 12, 1}.text() + std::string("\xff\x0f\x00\x00", 4))
-                .readImage(0)
-                .samples,
-            (std::vector<std::uint16_t>{0xffff, 0}));
+  const auto samples = [&](std::int32_t depth, std::int32_t endian, std::string_view bytes) {
+    return open(Header{0, endian, 2, 1, depth, 1}.text().append(bytes)).readImage(0).samples;
+  };
+  using namespace std::string_view_literals;
+  EXPECT_EQ(samples(8, 0, "\x80\xff"sv), (Samples{0x8080, 0xffff}));
+  EXPECT_EQ(samples(12, 0, "\xff\x0f\x00\x00"sv), (Samples{0xffff, 0}));
   // The other order of bytes, and a sample that is larger than its depth allows.
-  EXPECT_EQ(open(Header{0, 1, 2, 1, 12, 1}.text() + std::string("\x0f\xff\x10\x00", 4))
-                .readImage(0)
-                .samples,
-            (std::vector<std::uint16_t>{0xffff, 0xffff}));
-  EXPECT_EQ(open(Header{0, 0, 2, 1, 1, 1}.text() + std::string("\x01\x00", 2)).readImage(0).samples,
-            (std::vector<std::uint16_t>{0xffff, 0}));
+  EXPECT_EQ(samples(12, 1, "\x0f\xff\x10\x00"sv), (Samples{0xffff, 0xffff}));
+  EXPECT_EQ(samples(1, 0, "\x01\x00"sv), (Samples{0xffff, 0}));
 }
 
 TEST_F(SerReaderTest, PutsColoursInTheirOrder) {
   const Image rgb = open(Header{100, 0, 1, 1, 8, 1}.text() + "\x01\x02\x03").readImage(0);
   EXPECT_EQ(rgb.channels, 3);
-  EXPECT_EQ(rgb.samples, (std::vector<std::uint16_t>{0x101, 0x202, 0x303}));
+  EXPECT_EQ(rgb.samples, (Samples{0x101, 0x202, 0x303}));
   const Image bgr =
       open(Header{101, 0, 1, 1, 16, 1}.text() + "\x01\x01\x02\x02\x03\x03").readImage(0);
-  EXPECT_EQ(bgr.samples, (std::vector<std::uint16_t>{0x303, 0x202, 0x101}));
+  EXPECT_EQ(bgr.samples, (Samples{0x303, 0x202, 0x101}));
 }
 
 TEST_F(SerReaderTest, AFileWithoutTimeStamps) {

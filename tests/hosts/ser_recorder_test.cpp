@@ -1,4 +1,4 @@
-// Recording on a thread of its own, from a scripted camera.
+// The recorder's thread, with a scripted camera.
 #include "session/ser_recorder.hpp"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::Grbg};
 
 class SerRecorderTest : public ::testing::Test {
  protected:
-  // The camera sends so many frames; frame n holds the number n.
+  // The camera sends `toSend_` frames. Each byte of frame n is n.
   SerRecorderTest() {
     script().read = [this](std::uint8_t* buffer, int size) -> int {
       if (sent_ == toSend_) {
@@ -69,7 +69,7 @@ class SerRecorderTest : public ::testing::Test {
 };
 
 TEST(RecordingCapacity, IsAtLeastThreeFramesAndTheOneInWork) {
-  EXPECT_EQ(recordingCapacity(1, 1000), 4U);  // however little memory is allowed
+  EXPECT_EQ(recordingCapacity(1, 1000), 4U);
   EXPECT_EQ(recordingCapacity(10'500, 1000), 11U);
 }
 
@@ -77,7 +77,7 @@ TEST_F(SerRecorderTest, WritesWhatItTakesAndCountsWhatItDrops) {
   constexpr int count = 60;
   const auto before = serTicks(std::chrono::system_clock::now());
   oc::FrameQueue queue = send(count, recordingCapacity(1, 8));
-  const oc::Frame held = queue.next(longTime);  // does not come back before the others are gone
+  const oc::Frame held = queue.next(longTime);  // keeps one place of the queue
   waitForFrames();
   SerRecorder recorder(path, description(), {}, std::move(queue));
   EXPECT_EQ(recorder.queue().capacity(), 4U);
@@ -144,7 +144,7 @@ TEST_F(SerRecorderTest, CorrectsFrames) {
   EXPECT_EQ(SerFile(path).frames.at(0), (std::vector<std::uint8_t>{2, 2, 2, 2, 1, 1, 1, 1}));
 }
 
-TEST_F(SerRecorderTest, FinishesTheFileWhereItGoesOutOfSight) {
+TEST_F(SerRecorderTest, TheDestructorFinishesTheFile) {
   {
     const SerRecorder recorder(path, description(), {}, send(2, 4));
     waitForFrames();

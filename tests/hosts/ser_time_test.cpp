@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-
 #include <cstdlib>
 
-#include "system/utc_text.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 

@@ -1,4 +1,4 @@
-// SER files, byte by byte and as a reader sees them.
+// SER files, byte by byte and through a reader.
 #include "formats/ser_writer.hpp"
 
 #include <gtest/gtest.h>
@@ -15,6 +15,12 @@ using orvane::testing::ScratchDirectory;
 using orvane::testing::SerFile;
 using Bytes = std::vector<std::uint8_t>;
 
+class SerWriterTest : public ::testing::Test {
+ protected:
+  const ScratchDirectory scratch;
+  const std::filesystem::path path = scratch.file("caf\u00e9 \U0001F52D.ser");
+};
+
 SerDescription description(int width, int height, PixelFormat format, BayerPattern bayer) {
   SerDescription description;
   description.layout = {width, height, format, bayer};
@@ -25,9 +31,7 @@ std::string nuls(std::size_t count) {
   return std::string(count, '\0');
 }
 
-TEST(SerWriter, WritesTheseBytes) {
-  const ScratchDirectory scratch;
-  const auto path = scratch.file("known.ser");
+TEST_F(SerWriterTest, WritesTheseBytes) {
   SerDescription known = description(2, 1, PixelFormat::Raw16, BayerPattern::Gbrg);
   known.observer = "Anna";
   known.instrument = "Camera 1";
@@ -59,14 +63,13 @@ TEST(SerWriter, WritesTheseBytes) {
   EXPECT_EQ(expected.size(), 178U + 8U + 16U);
 }
 
-TEST(SerWriter, NamesTheColoursAndTheDepth) {
+TEST_F(SerWriterTest, NamesTheColoursAndTheDepth) {
   struct Case {
     PixelFormat format;
     BayerPattern bayer;
     int colorId;
     int depth;
   };
-  const ScratchDirectory scratch;
   for (const Case& expected : {Case{PixelFormat::Raw8, BayerPattern::None, 0, 8},
                                Case{PixelFormat::Raw8, BayerPattern::Rggb, 8, 8},
                                Case{PixelFormat::Raw8, BayerPattern::Grbg, 9, 8},
@@ -76,7 +79,6 @@ TEST(SerWriter, NamesTheColoursAndTheDepth) {
                                Case{PixelFormat::Rgb24, BayerPattern::None, 100, 8},
                                Case{PixelFormat::Mono8, BayerPattern::None, 0, 8}}) {
     const SerDescription frame = description(4, 3, expected.format, expected.bayer);
-    const auto path = scratch.file("colours.ser");
     SerWriter writer(path, frame);
     const Bytes content(frameBytes(frame.layout), 7);
     writer.addFrame(content, 1);
@@ -90,40 +92,35 @@ TEST(SerWriter, NamesTheColoursAndTheDepth) {
   }
 }
 
-TEST(SerWriter, CutsLongNamesBetweenCharacters) {
-  const ScratchDirectory scratch;
+TEST_F(SerWriterTest, CutsLongNamesBetweenCharacters) {
   SerDescription longNames = description(1, 1, PixelFormat::Raw8, BayerPattern::None);
   longNames.observer = std::string(40, 'o');
   longNames.instrument = std::string(41, 'i');
   longNames.telescope = std::string(39, 't') + "\u00e9";
-  SerWriter(scratch.file("names.ser"), longNames).close();
-  const SerFile file(scratch.file("names.ser"));
+  SerWriter(path, longNames).close();
+  const SerFile file(path);
   // A name that fills its field has no NUL behind it.
-  EXPECT_EQ(contentOf(scratch.file("names.ser")).substr(42, 120),
+  EXPECT_EQ(contentOf(path).substr(42, 120),
             std::string(40, 'o') + std::string(40, 'i') + std::string(39, 't') + nuls(1));
   EXPECT_EQ(file.frameCount, 0);
   EXPECT_EQ(file.unreadBytes, 0);
 }
 
-TEST(SerWriter, ACrashCostsNoMoreThanTheFramesSinceTheCheckpoint) {
-  const ScratchDirectory scratch;
-  const auto path = scratch.file("crash.ser");
+TEST_F(SerWriterTest, ACrashCostsNoMoreThanTheFramesSinceTheCheckpoint) {
   SerWriter writer(path, description(2, 1, PixelFormat::Raw8, BayerPattern::None));
   EXPECT_EQ(SerFile(path).frameCount, 0);
   writer.addFrame(Bytes{1, 2}, 10);
   writer.addFrame(Bytes{3, 4}, 20);
   writer.checkpoint();
   writer.addFrame(Bytes{5, 6}, 30);
-  // The file as it would be found now:
+  // The file as a crash would leave it now:
   const SerFile file(path);
   EXPECT_EQ(file.frameCount, 2);
   EXPECT_EQ(file.frames, (std::vector<Bytes>{{1, 2}, {3, 4}}));
   EXPECT_EQ(file.unreadBytes, 2);
 }
 
-TEST(SerWriter, IsFinishedWhereItGoesOutOfSight) {
-  const ScratchDirectory scratch;
-  const auto path = scratch.file("caf\u00e9 \U0001F52D.ser");
+TEST_F(SerWriterTest, TheDestructorFinishesTheFile) {
   {
     SerWriter writer(path, description(2, 1, PixelFormat::Raw8, BayerPattern::None));
     writer.addFrame(Bytes{1, 2}, 10);
@@ -135,15 +132,13 @@ TEST(SerWriter, IsFinishedWhereItGoesOutOfSight) {
   EXPECT_EQ(file.unreadBytes, 0);
 }
 
-TEST(SerWriter, RefusesAFrameOfAnotherSize) {
-  const ScratchDirectory scratch;
-  SerWriter writer(scratch.file("size.ser"),
-                   description(2, 1, PixelFormat::Raw8, BayerPattern::None));
+TEST_F(SerWriterTest, RefusesAFrameOfAnotherSize) {
+  SerWriter writer(path, description(2, 1, PixelFormat::Raw8, BayerPattern::None));
   EXPECT_THROW(writer.addFrame(Bytes{1}, 0), std::runtime_error);
   EXPECT_THROW(writer.addFrame(Bytes{1, 2, 3}, 0), std::runtime_error);
   EXPECT_EQ(writer.frameCount(), 0);
   writer.close();
-  EXPECT_EQ(SerFile(scratch.file("size.ser")).unreadBytes, 0);
+  EXPECT_EQ(SerFile(path).unreadBytes, 0);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What is counted in a frame's samples, and which of them are saturated.
+// Statistics and histograms of a frame's samples, and which of them are saturated.
 #include "imaging/statistics.hpp"
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ TEST(SampleRange, FindsSamplesInTheLowerBits) {
 
 TEST(SampleRange, OfAveragedSamplesIsThatOfTheUpperBits) {
   EXPECT_EQ(fullScaleOf(12, {17, 4096}), 0xFFF0);
-  EXPECT_EQ(fullScaleOf(12, {0, 0}), 0xFFF0);  // nothing to be told from
+  EXPECT_EQ(fullScaleOf(12, {0, 0}), 0xFFF0);  // samples that show nothing
 }
 
 TEST(SampleRange, OfOtherDepthsIsWhole) {
@@ -54,14 +54,14 @@ TEST(SampleRange, OfOtherDepthsIsWhole) {
   EXPECT_EQ(fullScaleOf(99, {1}), 65535);
 }
 
-TEST(SampleRange, LooksAtEverySample) {
+TEST(SampleRange, ExaminesEverySample) {
   std::vector<int> samples(1000000, 16);
   EXPECT_EQ(fullScaleOf(12, samples), 0xFFF0);
   samples[123457] = 17;
   EXPECT_EQ(fullScaleOf(12, samples), 4095);
 }
 
-TEST(SampleRange, KeepsWhatEarlierFramesShowed) {
+TEST(SampleRange, RemembersEarlierFrames) {
   SampleRange range(PixelFormat::Raw16, 12);
   range.add(words({17, 33}));
   EXPECT_EQ(range.fullScale(), 4095);
@@ -104,7 +104,7 @@ TEST(FrameStatistics, OfSixteenBitsAtTheLowEnd) {
             2);
   EXPECT_EQ(frameStatistics(words({4094}), row(1, PixelFormat::Raw16), 12).saturated, 0);
   EXPECT_EQ(frameStatistics(words({65535, 65534}), row(2, PixelFormat::Raw16), 16).saturated, 1);
-  // A depth that makes no sense is brought to one that does.
+  // An impossible depth counts as 16.
   EXPECT_EQ(frameStatistics(words({65535}), row(1, PixelFormat::Raw16), 99).saturated, 1);
 }
 
@@ -112,7 +112,7 @@ TEST(FrameStatistics, OfNothing) {
   EXPECT_EQ(frameStatistics({}, row(0, PixelFormat::Raw8), 8).saturated, 0);
 }
 
-// One rule for both: what the averaged samples of a binned 12-bit camera reach is saturated, too.
+// Both use one rule, also for the averaged samples of a binned 12-bit camera.
 TEST(Saturation, IsTheSameInStatisticsAndHistogram) {
   const FrameLayout layout = row(4, PixelFormat::Raw16);
   for (const Bytes& frame : {words({0xfff0, 0xfff0, 0xffe0, 16}), words({4095, 4095, 4094, 1}),
@@ -190,7 +190,7 @@ TEST(Histogram, OfRgbHasThreeChannels) {
   EXPECT_EQ(histogram.channel[2].smallest, 3);
 }
 
-TEST(Histogram, LargeFramesAreLookedAtInPartButEvenly) {
+TEST(Histogram, LargeFramesAreSampledEvenly) {
   const FrameLayout layout{3000, 2000, PixelFormat::Raw8, BayerPattern::Rggb};
   std::vector<std::uint8_t> frame(6000000);
   for (std::size_t index = 0; index < frame.size(); ++index) {

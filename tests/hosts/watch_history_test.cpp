@@ -1,4 +1,4 @@
-// What a watch has seen, in bounded memory.
+// The history of a watch, in bounded memory.
 #include "oc_capture/watch_history.hpp"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ TEST(WatchHistory, JoinsNeighboursWhenThereAreTooMany) {
   EXPECT_EQ(second.statistics.largest, 1003);
   EXPECT_EQ(second.statistics.saturated, 3);
 
-  // From here on two frames make a point.
+  // From now on two frames make a point.
   history.add(pointNumber(most));
   EXPECT_EQ(history.points().size(), WatchHistory::mostPoints / 2);
   history.add(pointNumber(most + 1));

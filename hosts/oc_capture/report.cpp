@@ -1,7 +1,8 @@
-// Rows of texts as a table in columns.
-#include "oc_capture/text_table.hpp"
+// What a command reports when it ends: a text for a person or one JSON document.
+#include "oc_capture/report.hpp"
 
 #include <algorithm>
+#include <iostream>
 
 #include "system/text.hpp"
 
@@ -18,6 +19,23 @@ std::size_t columnWidth(const std::vector<TableRow>& rows, std::size_t column) {
 }
 
 }  // namespace
+
+void addReportingOptions(CommandOptions& options, Reporting& reporting) {
+  options.addFlag("--quiet", reporting.isQuiet, "Write nothing but errors and the JSON document");
+  options.addFlag("--json", reporting.asJson, "Write one JSON document at the end");
+}
+
+void report(const Reporting& reporting, const Json& document, const std::string& text) {
+  if (reporting.asJson) {
+    std::cout << document.dump(2) << "\n" << std::flush;
+  } else if (!reporting.isQuiet) {
+    std::cout << text << std::flush;
+  }
+}
+
+Json orNull(const std::string& text) {
+  return text.empty() ? Json() : Json(text);
+}
 
 std::string textTable(const std::vector<TableRow>& rows, std::size_t textColumns) {
   std::vector<std::string> lines(rows.size());

@@ -1,5 +1,5 @@
 // Files that are written at any position.
-#include "system/output_file.hpp"
+#include "system/file.hpp"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ TEST(OutputFile, IsWrittenAtAnyPosition) {
   file.writeAt(0, Bytes{'a', 'b'});
   file.writeAt(3, Bytes{'D'});
   file.writeAt(5, Bytes{});
-  EXPECT_EQ(contentOf(path), "abcDe");  // nothing is held back
+  EXPECT_EQ(contentOf(path), "abcDe");  // nothing is buffered
   file.truncate(4);
   file.close();
   EXPECT_EQ(contentOf(path), "abcD");
@@ -52,7 +52,7 @@ TEST(OutputFile, GrowsBeyondFourGibibytes) {
   EXPECT_EQ(contentOf(path), "a");
 }
 
-TEST(OutputFile, SaysWhichFileItCannotCreateAndWhy) {
+TEST(OutputFile, NamesTheFileThatItCannotCreateAndTheReason) {
   const ScratchDirectory scratch;
   try {
     const OutputFile file(scratch.file("missing/caf\u00e9"));

@@ -1,0 +1,41 @@
+// What a command reports when it ends: a text for a person or one JSON document.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "oc_capture/command.hpp"
+
+namespace orvane::host {
+
+using Json = nlohmann::ordered_json;
+
+struct Reporting {
+  bool isQuiet = false;  ///< nothing but errors and the JSON document
+  bool asJson = false;   ///< one JSON document at the end, instead of a text
+};
+
+/// "--quiet" and "--json".
+void addReportingOptions(CommandOptions& options, Reporting& reporting);
+
+/// Writes the JSON document or the text to standard output, or nothing if quiet.
+void report(const Reporting& reporting, const Json& document, const std::string& text);
+
+/// The value, or null if there is none.
+template <class Value>
+Json orNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json();
+}
+
+/// The text, or null if it is empty.
+Json orNull(const std::string& text);
+
+using TableRow = std::vector<std::string>;
+
+/// One line for each row; all rows have the same number of columns. The first `textColumns` columns
+/// are aligned to the left, the others to the right.
+std::string textTable(const std::vector<TableRow>& rows, std::size_t textColumns);
+
+}  // namespace orvane::host
