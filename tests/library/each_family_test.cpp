@@ -324,7 +324,7 @@ const FamilyRow toupTek{
     .closeCalls = "Toupcam_Stop(h2) = -2147467259\nToupcam_Close(h2)\n",
 };
 
-const std::vector<FamilyRow> families{asi, playerOne, qhy, toupTek};
+const FamilyRow families[sdkCount]{asi, playerOne, qhy, toupTek};
 
 class EachFamily : public FamilyTest, public ::testing::WithParamInterface<FamilyRow> {
  protected:
