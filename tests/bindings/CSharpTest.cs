@@ -19,7 +19,8 @@ static class CSharpTest
     [DllImport("ASICamera2")] static extern int sim_get_camera(int index, byte[] camera);
     [DllImport("ASICamera2")] static extern int sim_set_cameras(byte[] camera, int count);
 
-    const int CameraCount = 15; // of all simulated SDKs
+    // Of all simulated SDKs.
+    static readonly int CameraCount = int.Parse(Environment.GetEnvironmentVariable("ORVANE_CAMERAS"));
     static string sdks;
     static IReadOnlyList<CameraInfo> cameras;
 

@@ -23,7 +23,7 @@ import orvane_desktop_camera as binding
 from orvane_desktop_camera import Bayer, CameraError, CameraInfo, Format, FrameTimeout, Library
 
 NAMES = os.environ["ORVANE_SDKS"].split(", ")
-CAMERA_COUNT = 15  # of all simulated SDKs
+CAMERA_COUNT = int(os.environ["ORVANE_CAMERAS"])  # of all simulated SDKs
 CONTROLS = {name: ctypes.CDLL(str(SDKS / f"lib{name}.so")) for name in NAMES}
 ASI = CONTROLS["ASICamera2"]
 

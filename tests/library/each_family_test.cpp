@@ -324,6 +324,8 @@ const FamilyRow toupTek{
     .closeCalls = "Toupcam_Stop(h2) = -2147467259\nToupcam_Close(h2)\n",
 };
 
+const FamilyRow families[sdkCount]{asi, playerOne, qhy, toupTek};
+
 class EachFamily : public FamilyTest, public ::testing::WithParamInterface<FamilyRow> {
  protected:
   EachFamily() : FamilyTest(GetParam().sdk) {
@@ -534,7 +536,7 @@ std::string nameOf(const ::testing::TestParamInfo<FamilyRow>& instance) {
   return instance.param.sdk;
 }
 
-INSTANTIATE_TEST_SUITE_P(Sdks, EachFamily, ::testing::Values(asi, playerOne, qhy, toupTek), nameOf);
+INSTANTIATE_TEST_SUITE_P(Sdks, EachFamily, ::testing::ValuesIn(families), nameOf);
 
 // The families whose SDKs address a camera by an id and list its bins, formats and Bayer pattern.
 using FamilyWithIds = EachFamily;
@@ -633,8 +635,7 @@ TEST_P(MissingFunction, ThatStopsStillLetsTheDeviceBeClosed) {
   expectClosed();
 }
 
-INSTANTIATE_TEST_SUITE_P(Sdks, MissingFunction, ::testing::Values(asi, playerOne, qhy, toupTek),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Sdks, MissingFunction, ::testing::ValuesIn(families), nameOf);
 
 TEST_F(LibraryTest, QhyAndToupTekScansCloseTheCameraWhenAFunctionIsMissingWhileItIsOpen) {
   const SimulatedSdk qhySdk = install("qhyccd", {"GetQHYCCDParamMinMaxStep"});
