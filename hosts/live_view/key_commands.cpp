@@ -37,7 +37,6 @@ constexpr std::array bindings = {
     Binding{'H', ViewCommand::ToggleHelp, ViewCommand::ToggleHelp},
     Binding{keys::f1, ViewCommand::ToggleHelp, ViewCommand::ToggleHelp},
     Binding{keys::escape, ViewCommand::Dismiss, ViewCommand::Dismiss},
-    Binding{keys::enter, ViewCommand::Confirm, ViewCommand::Confirm},
 };
 
 constexpr std::array lines = {

@@ -31,7 +31,6 @@ enum class ViewCommand {
   ToggleCrosshair,
   ToggleHelp,
   Dismiss,
-  Confirm,
 };
 
 /// A key that was pressed: the character of a capital letter or a digit, or a virtual key code of

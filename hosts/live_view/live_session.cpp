@@ -9,7 +9,6 @@
 #include "live_view/live_controls.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
-#include "session/sdk_directory.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
 

@@ -11,7 +11,6 @@
 #include "oc_capture/report.hpp"
 #include "sdk_check/examination.hpp"
 #include "session/camera_catalogue.hpp"
-#include "session/sdk_directory.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {

@@ -47,7 +47,7 @@ std::string colours(const SerFacts& facts) {
       break;
   }
   if (facts.bayer != BayerPattern::None) {
-    return std::string("mosaic ") + bayerName(facts.bayer);
+    return std::string("Bayer pattern ") + bayerName(facts.bayer);
   }
   return facts.colorId == 0 ? "mono" : "colour code " + std::to_string(facts.colorId);
 }

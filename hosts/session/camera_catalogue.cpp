@@ -1,4 +1,4 @@
-// The cameras that a scan found, and facts derived from their descriptions.
+// The SDK directory, the cameras that a scan finds there, and facts derived from their descriptions.
 #include "session/camera_catalogue.hpp"
 
 #include <algorithm>
@@ -6,12 +6,22 @@
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <system_error>
 #include <utility>
 
-#include "session/sdk_directory.hpp"
+#include "system/failures.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
+
+std::filesystem::path fullSdkDirectory(const std::string& named) {
+  const std::filesystem::path directory = pathFromUtf8(named);
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(directory, ignored)) {
+    throw UsageError("There is no directory " + inQuotes(named) + ".");
+  }
+  return std::filesystem::absolute(directory).make_preferred();
+}
 
 oc::Scan presentable(oc::Scan found) {
   found.error = validUtf8(found.error);

@@ -1,11 +1,17 @@
-// The cameras that a scan found, and facts derived from their descriptions.
+// The SDK directory, the cameras that a scan finds there, and facts derived from their descriptions.
 #pragma once
 
+#include <filesystem>
 #include <nlohmann/json_fwd.hpp>
 #include <orvane_desktop_camera.hpp>
 #include <string>
 
 namespace orvane::host {
+
+/// The full path of the directory of SDKs that the user named, with this system's separators,
+/// because Windows loads libraries only by full path. Throws UsageError when there is no such
+/// directory.
+std::filesystem::path fullSdkDirectory(const std::string& named);
 
 /// The scan in a form that can be shown: names and error are valid UTF-8 (other bytes become
 /// U+FFFD), and a pixel size that is not a finite number is NaN.

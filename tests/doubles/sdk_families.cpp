@@ -25,28 +25,37 @@ const std::vector<std::string>& functionsOf(const std::string& baseName) {
   throw std::runtime_error("no SDK " + baseName);
 }
 
-SimCamera torturedCamera(const SdkFamily& family) {
+SimCamera colourCamera(const char* name, const char* key) {
   SimCamera camera{};
-  std::strcpy(camera.name, "a camera with a rather long name");
-  std::strcpy(camera.key, "a-camera-with-a-rather-long-key-0123456789");
-  camera.id = 7;
-  camera.width = 16;
-  camera.height = 96;
+  std::strcpy(camera.name, name);
+  std::strcpy(camera.key, key);
+  camera.id = 7;  // not the enumeration index
   camera.pixelSizeUm = 3.75;
   camera.bitDepth = 12;
   camera.isColor = 1;
-  camera.bayerPattern = family.rggb;
   camera.isUsb3Camera = 1;
   camera.isUsb3Host = 1;
-  const std::int32_t bins[] = {1, 2, 3, 4};
-  std::memcpy(camera.bins, bins, sizeof bins);
+  camera.bins[0] = 1;
+  camera.bins[1] = 2;
   const std::int32_t formats[8] = {0, 1, 2, 3, -1, -1, -1, -1};
   std::memcpy(camera.formats, formats, sizeof formats);
-  camera.gainMax = 1000;
+  camera.gainMax = 100;
   camera.exposureMinUs = 32;
   camera.exposureMaxUs = 1e9;
   camera.offsetMax = 20;
   camera.hasTemperature = 1;
+  return camera;
+}
+
+SimCamera torturedCamera(const SdkFamily& family) {
+  SimCamera camera = colourCamera("a camera with a rather long name",
+                                  "a-camera-with-a-rather-long-key-0123456789");
+  camera.width = 16;
+  camera.height = 96;
+  camera.bayerPattern = family.rggb;
+  camera.bins[2] = 3;
+  camera.bins[3] = 4;
+  camera.gainMax = 1000;
   return camera;
 }
 

@@ -85,6 +85,9 @@ std::string joinedSdkNames();
 /// The functions of an SDK that the library declares.
 const std::vector<std::string>& functionsOf(const std::string& baseName);
 
+/// A colour camera with every feature. The caller sets its size and the maker's own codes.
+SimCamera colourCamera(const char* name, const char* key);
+
 /// A colour camera of 16 x 96 pixels: a narrow sensor saves the simulator time. Its names are too
 /// long for the small-string buffer of std::string.
 SimCamera torturedCamera(const SdkFamily& family);

@@ -51,7 +51,7 @@ TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out,
             name() +
-                ": 7 frames of 4 x 2, mosaic GRBG, 8 bits\n"
+                ": 7 frames of 4 x 2, Bayer pattern GRBG, 8 bits\n"
                 "Camera:    Camera 1\n"
                 "Telescope: 80/480\n"
                 "Observer:  Anna\n"
@@ -69,7 +69,7 @@ TEST_F(OcCapturePlay, TellsTheSameInJson) {
                            {"frames", 7},
                            {"width", 4},
                            {"height", 2},
-                           {"colours", "mosaic GRBG"},
+                           {"colours", "Bayer pattern GRBG"},
                            {"depth", 8},
                            {"startUtc", "2024-02-29T23:06:40.000000"},
                            {"hasTimeStamps", true},

@@ -165,7 +165,7 @@ TEST_F(Boundary, WidthAndHeightOutliveTheCloseAndBufferSizeDoesNot) {
 
 TEST_F(Boundary, UnloadingTheLibraryClosesNoCameraAndANewLoadStartsFresh) {
   openSmall();
-  oc.module.unload();
+  oc.unload();
   EXPECT_EQ(sdk.takeLog(), "");
   EXPECT_EQ(sdk.invariants().streamsRunning, 1);
   LibraryUnderTest again;

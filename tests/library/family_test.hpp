@@ -11,28 +11,9 @@ namespace orvane::testing {
 /// A small colour camera of 320 x 202 pixels with every feature. The caller sets the maker's own
 /// codes.
 inline SimCamera smallCamera() {
-  SimCamera camera{};
-  setText(camera.name, "small");
-  setText(camera.key, "small-0123");
-  camera.id = 7;  // not the enumeration index
+  SimCamera camera = colourCamera("small", "small-0123");
   camera.width = 320;
   camera.height = 202;
-  camera.pixelSizeUm = 3.75;
-  camera.bitDepth = 12;
-  camera.isColor = 1;
-  camera.isUsb3Camera = 1;
-  camera.isUsb3Host = 1;
-  camera.bins[0] = 1;
-  camera.bins[1] = 2;
-  const std::int32_t formats[8] = {0, 1, 2, 3, -1, -1, -1, -1};
-  std::memcpy(camera.formats, formats, sizeof formats);
-  camera.gainMin = 0;
-  camera.gainMax = 100;
-  camera.exposureMinUs = 32;
-  camera.exposureMaxUs = 1000000000;
-  camera.offsetMin = 0;
-  camera.offsetMax = 20;
-  camera.hasTemperature = 1;
   return camera;
 }
 

@@ -32,7 +32,7 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
   sdk.setCameras({camera()});
   stream(oc, directory);
   sdk.takeLog();
-  oc.module.unload();
+  oc.unload();
   EXPECT_EQ(sdk.takeLog(), "");
   EXPECT_EQ(sdk.invariants().devicesOpen, 1);
   EXPECT_EQ(sdk.invariants().streamsRunning, 1);
@@ -52,12 +52,12 @@ TEST_P(Unload, WhileStreamingCallsNothingAndTheSdkWorksWithTheNextLoad) {
 TEST_P(Unload, AfterACloseRepeatedlyLeavesNothingOpen) {
   const SimulatedSdk sdk = install(GetParam());
   sdk.setCameras({camera()});
-  oc.module.unload();
+  oc.unload();
   for (int i = 0; i < 10; ++i) {
     LibraryUnderTest next;
     stream(next, directory);
     next.close();
-    next.module.unload();
+    next.unload();
   }
   expectClean(sdk);
 }
@@ -66,7 +66,7 @@ TEST_P(Unload, KeepsTheSdkLoaded) {
   directory.add(GetParam());
   EXPECT_FALSE(isLoaded(directory.file(GetParam())));
   EXPECT_GE(oc.scan(), 2);
-  oc.module.unload();
+  oc.unload();
   EXPECT_TRUE(isLoaded(directory.file(GetParam())));
 }
 
@@ -84,7 +84,7 @@ TEST(UnloadFresh, LibraryThatNeverScannedIsUnloadedAndLoadedAgain) {
     EXPECT_STREQ(library.error(), "");
     EXPECT_STREQ(library.info(0), "{}");
     library.library_dir("somewhere");
-    library.module.unload();
+    library.unload();
   }
 }
 
@@ -94,7 +94,7 @@ TEST(UnloadFresh, RepeatedUnloadsAfterFailuresLeakNothing) {
   const auto useOnce = [] {
     LibraryUnderTest library;
     expectOpenFails(library);
-    library.module.unload();
+    library.unload();
   };
   for (int i = 0; i < 50; ++i) {
     useOnce();
@@ -124,7 +124,7 @@ TEST(UnloadFresh, AfterFailuresInEndedAndRunningThreads) {
     });
     hasFailed.get_future().wait();
     fail();
-    library.module.unload();
+    library.unload();
     isUnloaded.set_value();
     stays.join();
   }
@@ -149,7 +149,7 @@ TEST(UnloadFresh, InAProcessWithoutAFreeFiberLocalSlot) {
     std::thread(fail).join();
     fail();
     EXPECT_EQ(FlsAlloc(nullptr), FLS_OUT_OF_INDEXES);
-    library.module.unload();
+    library.unload();
   }
   for (const DWORD slot : slots) {
     EXPECT_TRUE(FlsFree(slot));

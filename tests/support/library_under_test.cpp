@@ -1,22 +1,19 @@
-// The built library, loaded into this process.
+// The built library, loaded into this process as a host does.
 #include "support/library_under_test.hpp"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
 
 namespace orvane::testing {
 
-LibraryUnderTest::LibraryUnderTest()
-    : module(ORVANE_LIBRARY_FILE),
-      library_dir(module.function<decltype(::oc_library_dir)>("oc_library_dir")),
-      scan(module.function<decltype(::oc_scan)>("oc_scan")),
-      libraries(module.function<decltype(::oc_libraries)>("oc_libraries")),
-      info(module.function<decltype(::oc_info)>("oc_info")),
-      open(module.function<decltype(::oc_open)>("oc_open")),
-      width(module.function<decltype(::oc_width)>("oc_width")),
-      height(module.function<decltype(::oc_height)>("oc_height")),
-      buffer_size(module.function<decltype(::oc_buffer_size)>("oc_buffer_size")),
-      read(module.function<decltype(::oc_read)>("oc_read")),
-      apply(module.function<decltype(::oc_apply)>("oc_apply")),
-      temperature(module.function<decltype(::oc_temperature)>("oc_temperature")),
-      close(module.function<decltype(::oc_close)>("oc_close")),
-      error(module.function<decltype(::oc_error)>("oc_error")) {}
+LibraryUnderTest::LibraryUnderTest() : OrvaneDesktopCamera() {
+  const auto path = std::filesystem::absolute(ORVANE_LIBRARY_FILE).make_preferred().u8string();
+  const std::string file(path.begin(), path.end());
+  char message[4096];
+  if (orvane_desktop_camera_load(this, file.c_str(), message, sizeof message) == 0) {
+    throw std::runtime_error(message);
+  }
+}
 
 }  // namespace orvane::testing

@@ -1,29 +1,17 @@
-// The built library, loaded into this process by a host that looks its functions up by name.
+// The built library, loaded into this process as a host does.
 #pragma once
 
-#include "orvane_desktop_camera.h"
-#include "support/shared_library.hpp"
+#include "orvane_desktop_camera_loader.h"
 
 namespace orvane::testing {
 
-/// The thirteen functions of one loaded library.
-struct LibraryUnderTest {
+/// The thirteen functions of the built library. It stays loaded until unload() or the end of the
+/// process.
+struct LibraryUnderTest : OrvaneDesktopCamera {
+  /// Throws std::runtime_error if the library cannot be loaded.
   LibraryUnderTest();
 
-  SharedLibrary module;
-  decltype(::oc_library_dir)* library_dir;
-  decltype(::oc_scan)* scan;
-  decltype(::oc_libraries)* libraries;
-  decltype(::oc_info)* info;
-  decltype(::oc_open)* open;
-  decltype(::oc_width)* width;
-  decltype(::oc_height)* height;
-  decltype(::oc_buffer_size)* buffer_size;
-  decltype(::oc_read)* read;
-  decltype(::oc_apply)* apply;
-  decltype(::oc_temperature)* temperature;
-  decltype(::oc_close)* close;
-  decltype(::oc_error)* error;
+  void unload() { orvane_desktop_camera_unload(this); }
 };
 
 }  // namespace orvane::testing

@@ -10,27 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "orvane_desktop_camera.h"
+#include "orvane_desktop_camera_loader.h"
 #include "torture/contract.hpp"
 
 namespace orvane::testing {
-
-/// The functions under test, linked or loaded at run time.
-struct Exports {
-  decltype(::oc_library_dir)* library_dir;
-  decltype(::oc_scan)* scan;
-  decltype(::oc_libraries)* libraries;
-  decltype(::oc_info)* info;
-  decltype(::oc_open)* open;
-  decltype(::oc_width)* width;
-  decltype(::oc_height)* height;
-  decltype(::oc_buffer_size)* buffer_size;
-  decltype(::oc_read)* read;
-  decltype(::oc_apply)* apply;
-  decltype(::oc_temperature)* temperature;
-  decltype(::oc_close)* close;
-  decltype(::oc_error)* error;
-};
 
 /// How a checked library observes what a call does to its surroundings.
 struct Surroundings {
@@ -47,9 +30,10 @@ struct Surroundings {
 /// std::bad_alloc left the function as the contract requires.
 class CheckedLibrary {
  public:
-  /// `contract` must be in the same state as the library.
-  CheckedLibrary(const Exports& exports, Contract contract, Surroundings surroundings)
-      : oc_(exports), surroundings_(std::move(surroundings)), contract_(std::move(contract)) {}
+  /// `library` has the functions under test, linked or loaded at run time. `contract` must be in
+  /// the same state as the library.
+  CheckedLibrary(const OrvaneDesktopCamera& library, Contract contract, Surroundings surroundings)
+      : oc_(library), surroundings_(std::move(surroundings)), contract_(std::move(contract)) {}
 
   void libraryDir(const char* directory);
   std::optional<int> scan();
@@ -68,7 +52,7 @@ class CheckedLibrary {
   auto step(const char* function, Run run, Demand demand)
       -> std::optional<std::invoke_result_t<Demand, Transcript&>>;
 
-  Exports oc_;
+  OrvaneDesktopCamera oc_;
   Surroundings surroundings_;
   Contract contract_;
 };

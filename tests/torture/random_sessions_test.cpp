@@ -80,14 +80,10 @@ class RandomSessions : public ::testing::TestWithParam<int> {
   // Loads the library as in a new process.
   void load() {
     if (loaded_) {
-      loaded_->module.unload();
+      loaded_->unload();
     }
     loaded_.emplace();
-    const LibraryUnderTest& oc = *loaded_;
-    const Exports exports{oc.library_dir, oc.scan,   oc.libraries,   oc.info, oc.open,
-                          oc.width,       oc.height, oc.buffer_size, oc.read, oc.apply,
-                          oc.temperature, oc.close,  oc.error};
-    library_.emplace(exports, Contract(world_),
+    library_.emplace(*loaded_, Contract(world_),
                      Surroundings{.takeEvents = [this] { return takeEvents(); }});
     directory_ = bareNames;
     if (!bareNamesAreFound) {

@@ -24,9 +24,10 @@
 namespace orvane::testing {
 namespace {
 
-constexpr Exports linked{::oc_library_dir, ::oc_scan,   ::oc_libraries,   ::oc_info, ::oc_open,
-                         ::oc_width,       ::oc_height, ::oc_buffer_size, ::oc_read, ::oc_apply,
-                         ::oc_temperature, ::oc_close,  ::oc_error};
+constexpr OrvaneDesktopCamera linked{
+    ::oc_library_dir, ::oc_scan,   ::oc_libraries,   ::oc_info, ::oc_open,
+    ::oc_width,       ::oc_height, ::oc_buffer_size, ::oc_read, ::oc_apply,
+    ::oc_temperature, ::oc_close,  ::oc_error,       nullptr};
 
 #if defined(_WIN32) || defined(__SANITIZE_ADDRESS__)
 constexpr bool isThorough = false;  // runs take longer here

@@ -22,7 +22,6 @@ TEST(CommandOfKey, KeysOfTheHelpDoWhatItSays) {
       {'Z', ViewCommand::ToggleZoom},          {'X', ViewCommand::ToggleCrosshair},
       {'N', ViewCommand::ToggleNightMode},     {'H', ViewCommand::ToggleHelp},
       {keys::f1, ViewCommand::ToggleHelp},     {keys::escape, ViewCommand::Dismiss},
-      {keys::enter, ViewCommand::Confirm},
   };
   for (const auto& [key, command] : plain) {
     EXPECT_EQ(commandOfKey({key, false}), command) << key;
@@ -40,7 +39,8 @@ TEST(CommandOfKey, ShiftMakesLargerSteps) {
 
 TEST(CommandOfKey, OtherKeysDoNothing) {
   EXPECT_EQ(commandOfKey({'Q', false}), ViewCommand::None);
-  EXPECT_EQ(commandOfKey({0x10, true}), ViewCommand::None);  // Shift itself
+  EXPECT_EQ(commandOfKey({0x10, true}), ViewCommand::None);          // Shift itself
+  EXPECT_EQ(commandOfKey({keys::enter, false}), ViewCommand::None);  // for the list of cameras only
 }
 
 TEST(HelpLines, SayEachKeyOnce) {
