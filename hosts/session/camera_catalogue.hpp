@@ -1,4 +1,5 @@
-// The SDK directory, the cameras that a scan finds there, and facts derived from their descriptions.
+// The SDK directory, the cameras that a scan finds there, and facts derived from their
+// descriptions.
 #pragma once
 
 #include <filesystem>
