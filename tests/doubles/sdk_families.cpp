@@ -27,8 +27,8 @@ const std::vector<std::string>& functionsOf(const std::string& baseName) {
 
 SimCamera colourCamera(const char* name, const char* key) {
   SimCamera camera{};
-  std::strcpy(camera.name, name);
-  std::strcpy(camera.key, key);
+  std::string(name).copy(camera.name, sizeof camera.name - 1);
+  std::string(key).copy(camera.key, sizeof camera.key - 1);
   camera.id = 7;  // not the enumeration index
   camera.pixelSizeUm = 3.75;
   camera.bitDepth = 12;
