@@ -35,7 +35,7 @@ json=$((seconds / 5 + 1))
 run adversarial_sdks $((seconds - json > 0 ? seconds - json : 1)) 2048
 run camera_json "$json" 700
 if [ "$failed" -ne 0 ]; then
-  echo "== findings in $build/findings; the whole story stands in $build/*.log"
+  echo "== findings in $build/findings; logs in $build/*.log"
   exit 1
 fi
 echo "== no findings"

@@ -145,8 +145,8 @@ bool runCommand(std::string_view verb, std::string_view arguments, bool isMeant)
 bool runEnvironment() {
   const bool isRun = runCommands(environmentVariable("ORVANE_SIMULATOR"));
   if (!isRun) {
-    static_cast<void>(std::fprintf(
-        stderr, "%s: a command in ORVANE_SIMULATOR was not carried out\n", maker.sdkName));
+    static_cast<void>(
+        std::fprintf(stderr, "%s: a command in ORVANE_SIMULATOR failed\n", maker.sdkName));
   }
   return isRun;
 }

@@ -80,7 +80,7 @@ TEST_F(OcCaptureScene, DamagedRecordingIsReportedAndTheSyntheticSceneStays) {
   EXPECT_PRED_FORMAT2(IsSubstring,
                       "ASICamera2: \"" + utf8(damaged) +
                           "\" cannot be played: it is no SER recording\n"
-                          "ASICamera2: a command in ORVANE_SIMULATOR was not carried out\n",
+                          "ASICamera2: a command in ORVANE_SIMULATOR failed\n",
                       result.err);
   EXPECT_TRUE(SerFile(recording()).frames == SerFile(first).frames);
 }
