@@ -41,12 +41,6 @@ TEST_P(EachAlone, IsFoundWithoutTheOthers) {
 INSTANTIATE_TEST_SUITE_P(Sdks, EachAlone, ::testing::ValuesIn(sdkNames),
                          [](const auto& instance) { return std::string(instance.param); });
 
-TEST_F(MixedScan, NoneIsNoError) {
-  expectNothingFound();
-  EXPECT_EQ(oc.open(0, 1, 1, 1, 0, 1, 0, 0), 0);
-  EXPECT_EQ(error(), "Camera not found; rescan");
-}
-
 TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
   const SimulatedSdk toupcam = install("toupcam");
   const SimulatedSdk qhy = install("qhyccd");
@@ -95,6 +89,7 @@ TEST_F(MixedScan, RescanAfterUnpluggingMovesTheIndices) {
   asi.set_plugged(0, 0);
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "name"), "\"other\"");
+  EXPECT_EQ(info(1), "{}");
   asi.set_plugged(0, 1);
   EXPECT_EQ(oc.scan(), 2);
   EXPECT_EQ(infoValue(0, "name"), "\"small\"");

@@ -157,14 +157,5 @@ TEST_F(Open, FailedOpenLeavesTheSizeItHadReached) {
   EXPECT_EQ(oc.width(), 8) << "as the SDK reported it";
 }
 
-TEST_F(Open, CleanSessionWorksAfterAFailedOne) {
-  sdk.forceResult("ASIGetROIFormat", 4, 1, 1);
-  expectOpenFailed(open(), "ASIGetROIFormat: 4");
-  ASSERT_EQ(open(), 1) << error();
-  EXPECT_EQ(readFrame(), 320 * 202);
-  oc.close();
-  expectClean(sdk);
-}
-
 }  // namespace
 }  // namespace orvane::testing
