@@ -26,6 +26,9 @@ class SdkDirectory {
   /// The path of the library with this base name in the directory.
   std::filesystem::path file(const std::string& baseName) const;
 
+  /// The whole content of a file.
+  static std::string contentOf(const std::filesystem::path& file);
+
   /// The directory in the form that oc_library_dir() takes.
   std::string utf8() const;
 

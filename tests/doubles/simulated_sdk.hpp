@@ -14,13 +14,25 @@ namespace orvane::testing {
 /// instance. Starts reset, with its clock stopped and its log enabled.
 class SimulatedSdk {
  public:
-  explicit SimulatedSdk(const std::filesystem::path& file);
+  explicit SimulatedSdk(const std::filesystem::path& file) : module(file) {
+    reset();
+    stop_clock(1);
+    log_enable(1);
+  }
 
   /// The calls since the last takeLog(), one per line; empties the log.
-  std::string takeLog() const;
+  std::string takeLog() const {
+    std::string calls = log();
+    log_clear();
+    return calls;
+  }
 
   /// The open devices and streams, and the violations so far.
-  SimInvariants invariants() const;
+  SimInvariants invariants() const {
+    SimInvariants now{};
+    read_invariants(&now);
+    return now;
+  }
 
   /// Replaces the cameras of the SDK by these.
   void setCameras(const std::vector<SimCamera>& cameras) const {

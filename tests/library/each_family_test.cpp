@@ -43,7 +43,7 @@ struct FamilyRow {
   int format;
   const char* openCalls;  ///< with this bin and format
   Opened opened;
-  int frameMemory = 0;  ///< the least size of a buffer
+  int frameMemory = 0;                   ///< the least size of a buffer
   std::vector<const char*> formatCalls;  ///< the call that sets format 0, 1, ...
 
   const char* frameFunction;
@@ -352,8 +352,8 @@ TEST_P(EachFamily, ScanListsACameraThatCannotBeOpenedOnlyIfItsPropertiesAreKnown
   sdk.setCameras({small});
   EXPECT_EQ(oc.scan(), family.givesHandle ? 0 : 1);
   EXPECT_EQ(error(), "");
-  const std::string log = sdk.takeLog();
-  EXPECT_EQ(testing::callsOf(family.openCall, log), lastLine(log)) << "no call must follow";
+  const std::string last = lastLine(sdk.takeLog());
+  EXPECT_TRUE(last.starts_with(family.openCall)) << "no call must follow, but " << last;
   if (!family.givesHandle) {
     EXPECT_EQ(infoValue(0, "name"), "\"small\"");
     EXPECT_EQ(infoValue(0, "maxWidth"), "320");
@@ -403,7 +403,7 @@ TEST_P(EachFamily, FramesOfEveryFormatReachTheHost) {
       }
       EXPECT_EQ(result, size);
       frame.resize(static_cast<std::size_t>(size));
-      std::vector<std::uint8_t> expected = sdkFrame(number, size);
+      std::vector<std::uint8_t> expected = rendered(number);
       if (&family == &sdkFamilies[0] && format == 2) {  // ZWO's RGB24 has blue first
         for (std::size_t i = 0; i < expected.size(); i += 3) {
           std::swap(expected[i], expected[i + 2]);

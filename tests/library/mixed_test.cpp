@@ -56,17 +56,6 @@ TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
   EXPECT_EQ(infoValue(0, "name"), "\"small\"");
 }
 
-TEST_F(MixedScan, AllFourFailuresAreJoined) {
-  install("ASICamera2").forceResult("ASIGetCameraProperty", 1);
-  install("PlayerOneCamera").forceResult("POAGetCameraProperties", 2);
-  install("qhyccd").forceResult("InitQHYCCDResource", 3);
-  install("toupcam").forceResult("Toupcam_get_RawFormat", -4);
-  EXPECT_EQ(oc.scan(), 0);
-  EXPECT_EQ(error(),
-            "ASIGetCameraProperty: 1; POAGetCameraProperties: 2; InitQHYCCDResource: 3; "
-            "Toupcam_get_RawFormat: -4");
-}
-
 TEST_F(MixedScan, SdkThatAppearsBetweenTwoScansTakesItsPlaceInTheOrder) {
   install("toupcam").setCameras({});
   const SimulatedSdk asi = install("ASICamera2");

@@ -59,18 +59,14 @@ TEST_F(Open, DimensionsAreComparedWithTheUnbinnedSensor) {
   EXPECT_EQ(open(320, 202, 2), 1) << "the full sensor at bin 2";
 }
 
-TEST_F(Open, FullSensorAtBin2GivesHalfOfItRoundedTo8And2) {
+TEST_F(Open, BinnedSizesAreRoundedTo8And2) {
   small.width = 300;
-  small.height = 202;
   rescan();
   ASSERT_EQ(open(300, 202, 2), 1) << error();
   EXPECT_NE(sdk.takeLog().find("ASISetROIFormat(7, 144, 100, 2, 0) = 0\n"), std::string::npos);
   EXPECT_EQ(oc.width(), 144);
   EXPECT_EQ(oc.height(), 100);
-}
-
-TEST_F(Open, RequestBelowTheBinnedSensorIsABinnedSize) {
-  ASSERT_EQ(open(100, 51, 2), 1) << error();
+  ASSERT_EQ(open(100, 51, 2), 1) << error();  // below the binned sensor: a binned size
   EXPECT_EQ(oc.width(), 96);
   EXPECT_EQ(oc.height(), 50);
 }

@@ -95,14 +95,7 @@ TEST_F(Qhy, IdWithoutANulIsReadToTheEndOfItsBuffer) {
   EXPECT_EQ(open(), 1) << error();
 }
 
-TEST_F(Qhy, FrameIsTheSizeWhereTheMemoryLengthIsSmaller) {
-  scan();
-  sdk.forceResult("GetQHYCCDMemLength", 10);
-  ASSERT_EQ(open(320, 202, 1, 1), 1);
-  EXPECT_EQ(oc.buffer_size(), 320 * 202 * 2);
-}
-
-TEST_F(Qhy, MemoryLengthIsNotCheckedButItsSizeIs) {
+TEST_F(Qhy, BufferIsTheLargerOfFrameAndMemoryLengthAndItsSizeIsChecked) {
   scan();
   for (const std::int64_t length : {qhyError, (std::int64_t{1} << 30) + 1}) {
     onlyResult("GetQHYCCDMemLength", length);
@@ -111,6 +104,9 @@ TEST_F(Qhy, MemoryLengthIsNotCheckedButItsSizeIs) {
   onlyResult("GetQHYCCDMemLength", 1 << 30);
   EXPECT_EQ(open(), 1);
   EXPECT_EQ(oc.buffer_size(), 1 << 30);
+  onlyResult("GetQHYCCDMemLength", 10);
+  EXPECT_EQ(open(320, 202, 1, 1), 1);
+  EXPECT_EQ(oc.buffer_size(), 320 * 202 * 2);
 }
 
 TEST_F(Qhy, AnyDifferenceInTheFrameIsAChangeOfGeometry) {

@@ -120,7 +120,8 @@ TEST_F(ToupTek, OnlyTheFirst128EntriesAreExamined) {
 }
 
 TEST_F(ToupTek, DisplayNamesOfOtherScripts) {
-  for (const std::string& name : {"caméra", "天文相机", "🔭 scope", std::string(63, 'n')}) {
+  const std::vector<std::string> names = {"caméra", "天文相机", "🔭 scope", std::string(63, 'n')};
+  for (const std::string& name : names) {
     setText(small.name, name);
     rescan();
     EXPECT_EQ(infoValue(0, "name"), '"' + name + '"');

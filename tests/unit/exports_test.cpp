@@ -9,6 +9,7 @@
 #include "orvane_desktop_camera.h"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
+#include "vendors/vendor_family.hpp"
 
 namespace orvane {
 namespace {
@@ -49,8 +50,8 @@ TEST_F(Exports, RefuseABinOfZeroEvenWhenItIsListed) {
 TEST_F(Exports, LetTheSdkWriteIntoTheHostsBuffer) {
   static std::vector<std::uint8_t> larger;
   larger.assign(64 * 48 + 10, 0xEE);
-  streamWith(Vendor::Asi).add(
-      ASIGetVideoData, [](int cameraId, unsigned char* buffer, long length, int waitMs) {
+  streamWith(Vendor::Asi)
+      .add(ASIGetVideoData, [](int cameraId, unsigned char* buffer, long length, int waitMs) {
         EXPECT_EQ(cameraId, 5);
         EXPECT_EQ(buffer, larger.data());
         EXPECT_EQ(length, 64 * 48 + 10);
@@ -65,8 +66,9 @@ TEST_F(Exports, LetTheSdkWriteIntoTheHostsBuffer) {
 }
 
 TEST_F(Exports, ReportAnSdkThatRunsOutOfMemory) {
-  streamWith(Vendor::Asi).add(ASISetControlValue,
-                              [](int, int, long, int) -> int { throw std::bad_alloc(); });
+  streamWith(Vendor::Asi).add(ASISetControlValue, [](int, int, long, int) -> int {
+    throw std::bad_alloc();
+  });
   EXPECT_EQ(oc_apply(1000, 1, 1), 0);
   EXPECT_STREQ(oc_error(), std::bad_alloc().what());
 }
