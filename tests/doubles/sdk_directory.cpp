@@ -78,9 +78,4 @@ std::filesystem::path SdkDirectory::file(const std::string& baseName) const {
   return path_ / fileName(baseName);
 }
 
-std::string SdkDirectory::utf8() const {
-  const std::u8string text = path_.u8string();
-  return {text.begin(), text.end()};
-}
-
 }  // namespace orvane::testing

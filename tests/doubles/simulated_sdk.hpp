@@ -60,7 +60,6 @@ class SimulatedSdk {
   SharedLibrary module;
   decltype(::sim_reset)* reset = found("sim_reset");
   decltype(::sim_set_cameras)* set_cameras = found("sim_set_cameras");
-  decltype(::sim_get_camera)* get_camera = found("sim_get_camera");
   decltype(::sim_set_plugged)* set_plugged = found("sim_set_plugged");
   decltype(::sim_force_result)* force_result = found("sim_force_result");
   decltype(::sim_force_output)* force_output = found("sim_force_output");

@@ -28,19 +28,6 @@ TEST_F(MixedScan, AllInTheirFixedOrder) {
   }
 }
 
-class EachAlone : public LibraryTest, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(EachAlone, IsFoundWithoutTheOthers) {
-  const SimulatedSdk sdk = install(GetParam());
-  EXPECT_GE(oc.scan(), 2);
-  EXPECT_EQ(libraries(), GetParam());
-  EXPECT_EQ(error(), "");
-  expectClean(sdk);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sdks, EachAlone, ::testing::ValuesIn(sdkNames),
-                         [](const auto& instance) { return std::string(instance.param); });
-
 TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
   const SimulatedSdk toupcam = install("toupcam");
   const SimulatedSdk qhy = install("qhyccd");

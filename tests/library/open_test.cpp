@@ -35,11 +35,8 @@ TEST_F(Open, BinOrFormatThatIsNotListedFails) {
   for (const auto& [bin, format] : {std::pair{3, 0}, {0, 0}, {-1, 0}, {1, 4}, {1, -1}}) {
     expectOpenFailed(open(320, 202, bin, format), "Unsupported bin or format");
   }
+  expectOpenFailed(open(0, -5, 1, 4), "Unsupported bin or format");  // before the dimensions
   EXPECT_EQ(sdk.takeLog(), "");
-}
-
-TEST_F(Open, FormatIsCheckedBeforeTheDimensions) {
-  expectOpenFailed(open(0, -5, 1, 4), "Unsupported bin or format");
 }
 
 TEST_F(Open, NegativeBinThatIsListedLeavesNoRegion) {

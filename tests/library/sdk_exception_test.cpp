@@ -163,7 +163,9 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
   sdk.clear_faults();
   if (isHalfOpen) {
     EXPECT_EQ(oc.scan(), -1) << "a half-open camera counts as open";
-    EXPECT_FALSE(std::isnan(oc.temperature()));
+    if (std::string(call.situation) == "start") {
+      EXPECT_FALSE(std::isnan(oc.temperature()));
+    }
     sdk.takeLog();
     oc.close();
     EXPECT_TRUE(sdk.takeLog().starts_with(family.closeCall)) << "no stop before it";

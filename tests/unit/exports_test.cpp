@@ -77,6 +77,7 @@ TEST_F(Exports, ReportAnSdkThatRunsOutOfMemory) {
 // them.
 TEST_F(Exports, PassPlayerOneSettingsWithoutUndefinedBytes) {
   static std::vector<std::uint64_t> sent;
+  sent.clear();
   streamWith(Vendor::PlayerOne).add(POASetConfig, [](int, int, POAConfigValue value, int) {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, &value, sizeof bytes);
