@@ -56,12 +56,5 @@ TEST_F(PlayerOne, OnlyTheReadinessOneIsTrue) {
   EXPECT_EQ(sdk.takeLog(), "POAImageReady(7 -> 2) = 0\n");
 }
 
-TEST_F(PlayerOne, TheCodeOfATimeOutIsAnErrorOfPOAImageReady) {
-  openSmall();
-  sdk.forceResult("POAImageReady", 9);
-  EXPECT_EQ(nextFrame(), -1);
-  EXPECT_EQ(error(), "POAImageReady: 9");
-}
-
 }  // namespace
 }  // namespace orvane::testing
