@@ -2,10 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <fstream>
 #include <string>
 #include <string_view>
-
-#include "core/system.hpp"
 
 namespace orvane::sim {
 
@@ -34,7 +33,7 @@ class CallLog {
   bool isEnabled_ = false;
   std::string text_;
   std::size_t lineStart_ = 0;
-  File file_;
+  std::ofstream file_;
 };
 
 }  // namespace orvane::sim
