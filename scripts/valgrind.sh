@@ -3,11 +3,8 @@
 # loading and replay tests under Valgrind's memcheck. Any error or definite leak is a failure. There are
 # no suppressions.
 #   valgrind.sh [TEST...]    test programs; default: all four
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" valgrind
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${test_tools[@]}" valgrind
 
 [ $# -gt 0 ] || set -- unit_tests library_tests loading_tests fuzz_replay_tests
 build=build/linux-x64-valgrind
