@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 
 #include "core/call.hpp"
@@ -117,10 +116,7 @@ std::string_view textIn(const char* buffer) {
   if (buffer == nullptr) {
     return {};
   }
-  const void* end = std::memchr(buffer, '\0', textBufferSize);
-  return {buffer, end == nullptr
-                      ? textBufferSize
-                      : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
+  return {buffer, std::find(buffer, buffer + textBufferSize, '\0')};
 }
 
 }  // namespace
@@ -396,7 +392,7 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
     call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
     call.out("channels", channels, 1);
     if (camera.device.reportedLength != 0 && frameBytes(*frame) > camera.device.reportedLength) {
-      sdk().countWritePastBuffer();
+      ++sdk().counts.writesPastBuffer;
     }
     sdk().takeFrame(camera, data);
     return QHYCCD_SUCCESS;

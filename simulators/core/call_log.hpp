@@ -22,8 +22,7 @@ class CallLog {
 
   void clear();
 
-  // All lines so far.
-  const char* text() const { return text_.c_str(); }
+  const char* text() const { return text_.c_str(); }  // all lines so far
 
   // A call's line is written as its pieces in order, then the line's end.
   void append(std::string_view piece) { text_ += piece; }
