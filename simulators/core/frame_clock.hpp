@@ -30,8 +30,7 @@ class Clock {
   using Steady = std::chrono::steady_clock;
 
   bool isStopped_ = false;
-  std::int64_t stoppedAt_ = 0;
-  std::int64_t shift_ = 0;  // the running clock's difference to the computer's
+  std::int64_t base_ = 0;  // this clock's time at `start_`; a stopped clock's time
   Steady::time_point start_ = Steady::now();
 };
 
