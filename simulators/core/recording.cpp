@@ -73,6 +73,8 @@ class Recording::View {
   }
 
  private:
+  static constexpr std::size_t anyColor = 3;
+
   // The first pixel of a binned one. With a Bayer pattern, every second pixel belongs to it: those
   // with the same filter.
   std::int64_t firstBehind(std::int64_t binned) const {
@@ -95,7 +97,10 @@ class Recording::View {
     if (x < 0 || y < 0 || x >= recording_.format_.width || y >= recording_.format_.height) {
       return 0;
     }
-    return recording_.light(plane, static_cast<std::int32_t>(x), static_cast<std::int32_t>(y));
+    const auto column = static_cast<std::int32_t>(x);
+    const auto row = static_cast<std::int32_t>(y);
+    return plane == anyColor ? recording_.brightness(column, row)
+                             : recording_.light(plane, column, row);
   }
 
   const Recording& recording_;
@@ -207,14 +212,11 @@ float Recording::sample(std::int32_t x, std::int32_t y, std::size_t plane) const
 }
 
 float Recording::light(std::size_t plane, std::int32_t x, std::int32_t y) const {
-  const bool isMono = format_.color.planes == 1 && format_.color.bayerPattern == BayerPattern::None;
-  if (plane == anyColor && !isMono) {
-    return redPart * light(0, x, y) + greenPart * light(1, x, y) + bluePart * light(2, x, y);
-  }
   if (format_.color.planes == 3) {
     return sample(x, y, plane);
   }
-  if (isMono || filterPlane(format_.color.bayerPattern, x, y) == plane) {
+  if (format_.color.bayerPattern == BayerPattern::None ||
+      filterPlane(format_.color.bayerPattern, x, y) == plane) {
     return sample(x, y, 0);
   }
   const bool isInside = x > 0 && y > 0 && x + 1 < format_.width && y + 1 < format_.height;
@@ -248,6 +250,13 @@ float Recording::ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::i
     }
   }
   return count > 0 ? sum / count : 0;  // no such neighbour in a recording one pixel wide
+}
+
+float Recording::brightness(std::int32_t x, std::int32_t y) const {
+  if (format_.color.planes == 1 && format_.color.bayerPattern == BayerPattern::None) {
+    return sample(x, y, 0);
+  }
+  return redPart * light(0, x, y) + greenPart * light(1, x, y) + bluePart * light(2, x, y);
 }
 
 void Recording::render(const FrameSettings& settings, std::int64_t frameNumber,

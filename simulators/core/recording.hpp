@@ -63,12 +63,11 @@ class Recording {
   // Makes a frame the present one.
   void show(std::int64_t frameNumber);
 
-  // The present frame's light in one colour (0 red, 1 green, 2 blue) or in all, at a pixel inside
-  // the frame. 65536 is full scale. With a Bayer pattern, the value comes from the pixel or from
-  // the average of its neighbours with the filter of this colour.
+  // The present frame's light at a pixel inside the frame, in one colour (0 red, 1 green, 2 blue)
+  // or whatever its colour. 65536 is full scale. With a Bayer pattern, the value comes from the
+  // pixel or from the average of its neighbours with the filter of this colour.
   float light(std::size_t plane, std::int32_t x, std::int32_t y) const;
-
-  static constexpr std::size_t anyColor = 3;
+  float brightness(std::int32_t x, std::int32_t y) const;
 
   float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
   float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
