@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "core/call.hpp"
@@ -116,7 +117,10 @@ std::string_view textIn(const char* buffer) {
   if (buffer == nullptr) {
     return {};
   }
-  return {buffer, std::find(buffer, buffer + textBufferSize, '\0')};
+  const void* end = std::memchr(buffer, '\0', textBufferSize);
+  return {buffer, end == nullptr
+                      ? textBufferSize
+                      : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
 }
 
 }  // namespace
