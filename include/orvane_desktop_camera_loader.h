@@ -71,7 +71,7 @@ typedef struct OrvaneDesktopCamera {
   void* module; /**< the operating system's handle of the library */
 } OrvaneDesktopCamera;
 
-/** @cond for the two functions below only */
+/** @cond for orvane_desktop_camera_load() only */
 static inline void* orvane_desktop_camera_open_module(const char* file) {
 #if defined(_WIN32)
   wchar_t path[4096];
@@ -85,18 +85,6 @@ static inline void* orvane_desktop_camera_open_module(const char* file) {
 #else
   return dlopen(file, RTLD_NOW | RTLD_LOCAL);
 #endif
-}
-
-/* Writes the function's address into the function pointer at `slot`. */
-static inline int orvane_desktop_camera_find(void* module, const char* name, void* slot) {
-#if defined(_WIN32)
-  FARPROC address = GetProcAddress((HMODULE)module, name);
-#else
-  void* address = dlsym(module, name);
-#endif
-  /* Standard C converts no object pointer into a function pointer. */
-  memcpy(slot, &address, sizeof address);
-  return address != NULL;
 }
 /** @endcond */
 
@@ -160,7 +148,14 @@ static inline int orvane_desktop_camera_load(OrvaneDesktopCamera* camera, const 
     return 0;
   }
   for (i = 0; i < sizeof functions / sizeof functions[0]; ++i) {
-    if (!orvane_desktop_camera_find(camera->module, functions[i].name, functions[i].slot)) {
+#if defined(_WIN32)
+    FARPROC address = GetProcAddress((HMODULE)camera->module, functions[i].name);
+#else
+    void* address = dlsym(camera->module, functions[i].name);
+#endif
+    /* Standard C converts no object pointer into a function pointer. */
+    memcpy(functions[i].slot, &address, sizeof address);
+    if (address == NULL) {
       snprintf(message, messageLength, "%s has no function %s", file, functions[i].name);
       orvane_desktop_camera_unload(camera);
       return 0;
