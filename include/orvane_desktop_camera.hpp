@@ -647,24 +647,14 @@ struct Opening {
   std::uint64_t number = 0;
 };
 
-// One frame; its buffer returns to the pool when nobody holds it any more.
+// One frame.
 struct FrameData {
-  FrameData() = default;
-  ~FrameData() {
-    if (pool) {
-      pool->give(buffer);
-    }
-  }
-  FrameData(const FrameData&) = delete;
-  FrameData& operator=(const FrameData&) = delete;
-
-  std::shared_ptr<BufferPool> pool;
   std::vector<std::uint8_t> buffer;
-  std::size_t size = 0;
+  std::size_t size;
   std::shared_ptr<const Opening> opening;
-  std::uint64_t number = 0;
   Clock::time_point arrival;
   std::chrono::system_clock::time_point arrivalTime;
+  std::uint64_t number = 0;
 };
 
 // The frames for one consumer. The hub's mutex guards every member.
@@ -1193,13 +1183,13 @@ class Worker {
 
   void deliver(std::size_t size, Clock::time_point arrival,
                std::chrono::system_clock::time_point arrivalTime) {
-    auto frame = std::make_shared<FrameData>();
-    frame->buffer = std::exchange(buffer_, {});
-    frame->pool = hub_->pool;
-    frame->size = size;
-    frame->opening = opening_;
-    frame->arrival = arrival;
-    frame->arrivalTime = arrivalTime;
+    // The buffer returns to the pool when nobody holds the frame any more.
+    std::shared_ptr<FrameData> frame(
+        new FrameData{std::exchange(buffer_, {}), size, opening_, arrival, arrivalTime},
+        [pool = hub_->pool](FrameData* dropped) {
+          pool->give(dropped->buffer);
+          delete dropped;
+        });
     waitsInRow_ = 0;
     bool isFull = false;
     {

@@ -20,6 +20,7 @@ using System;
 using System.Collections.Generic;
 using System.Diagnostics;
 using System.Globalization;
+using System.Linq;
 using System.Runtime.InteropServices;
 using System.Text;
 using System.Text.RegularExpressions;
@@ -95,11 +96,8 @@ namespace Orvane.DesktopCamera
         /// <summary>Reads the library's description of a camera: one flat JSON object.</summary>
         public static CameraInfo FromJson(string json)
         {
-            var fields = new Dictionary<string, string>();
-            foreach (Match match in Field.Matches(json))
-            {
-                fields[match.Groups[1].Value] = match.Groups[2].Value;
-            }
+            Dictionary<string, string> fields = Field.Matches(json).Cast<Match>()
+                .ToDictionary(match => match.Groups[1].Value, match => match.Groups[2].Value);
             try
             {
                 return new CameraInfo
@@ -143,11 +141,8 @@ namespace Orvane.DesktopCamera
 
         private static int Number(string text) => int.Parse(text, CultureInfo.InvariantCulture);
 
-        private static int[] Numbers(string list)
-        {
-            string inside = list.Substring(1, list.Length - 2);
-            return inside.Length == 0 ? new int[0] : Array.ConvertAll(inside.Split(','), Number);
-        }
+        private static int[] Numbers(string list) => Array.ConvertAll(
+            list.Split(new[] { '[', ',', ']' }, StringSplitOptions.RemoveEmptyEntries), Number);
 
         // The library removes control characters from names, so there are no other escapes.
         private static string Text(string quoted) =>
@@ -202,21 +197,15 @@ namespace Orvane.DesktopCamera
                 {
                     throw Error();
                 }
-                string libraries = Native.Text(Native.oc_libraries());
-                var result = new ScanResult
+                return new ScanResult
                 {
                     Error = Native.Text(Native.oc_error()),
-                    Libraries = libraries.Length == 0
-                        ? new string[0]
-                        : libraries.Split(new[] { ", " }, StringSplitOptions.None)
+                    Libraries = Native.Text(Native.oc_libraries())
+                        .Split(new[] { ", " }, StringSplitOptions.RemoveEmptyEntries),
+                    Cameras = Enumerable.Range(0, count)
+                        .Select(index => CameraInfo.FromJson(Native.Text(Native.oc_info(index))))
+                        .ToList()
                 };
-                var cameras = new List<CameraInfo>();
-                for (int index = 0; index < count; ++index)
-                {
-                    cameras.Add(CameraInfo.FromJson(Native.Text(Native.oc_info(index))));
-                }
-                result.Cameras = cameras;
-                return result;
             }
         }
 

@@ -215,7 +215,7 @@ class Camera:
     def __init__(self, library: Library, info: CameraInfo, format: Format, exposure_us: int):
         self._library = library
         self._c = library._c
-        self._closed = False
+        self.closed = False
         self._exposure_us = exposure_us
         self.info = info
         self.format = format
@@ -231,10 +231,6 @@ class Camera:
 
     def __del__(self) -> None:
         self.close()
-
-    @property
-    def closed(self) -> bool:
-        return self._closed
 
     def new_buffer(self) -> np.ndarray:
         """A buffer for poll() and read()."""
@@ -298,7 +294,7 @@ class Camera:
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> Iterator[np.ndarray]:
         """Yields frames as read() returns them, until the camera is closed."""
-        while not self._closed:
+        while not self.closed:
             yield self.read(buffer, timeout_ms)
 
     def apply(self, *, exposure_us: int, gain: int, offset: int) -> None:
@@ -322,16 +318,16 @@ class Camera:
         -300.
         """
         with _one_call:
-            return math.nan if self._closed else self._c.oc_temperature()
+            return math.nan if self.closed else self._c.oc_temperature()
 
     def close(self) -> None:
         """Stops the stream and releases the camera. Closing twice is no error."""
         global _open_camera
-        if getattr(self, "_closed", True):
+        if getattr(self, "closed", True):
             return
         with _one_call:
-            if not self._closed:
-                self._closed = True
+            if not self.closed:
+                self.closed = True
                 _open_camera = None
                 self._c.oc_close()
 
@@ -339,7 +335,7 @@ class Camera:
         return min(2 * self._exposure_us // 1000 + 500, _INT32_MAX)
 
     def _demand_open(self) -> None:
-        if self._closed:
+        if self.closed:
             raise CameraError("Camera closed")
 
 
