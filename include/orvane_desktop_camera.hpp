@@ -722,15 +722,13 @@ class Worker;
 
 // What the capture thread, its owner and the consumers share.
 struct Hub {
-  struct Request {
-    std::function<void(Worker&)> work;
-    bool isApply = false;
-  };
+  using Request = std::function<void(Worker&)>;
 
   std::mutex mutex;              // guards everything here but the pool
   std::condition_variable news;  // for consumers: a frame, the end of a queue, a new phase
   std::condition_variable work;  // for the thread: a request, the end, room in a queue
   std::deque<Request> requests;
+  bool endsWithApply = false;  // the last request
   bool mustStop = false;
   bool hasEnded = false;
   CaptureState state;
@@ -747,13 +745,14 @@ struct Hub {
     });
   }
 
-  void ask(Request request) {
+  void ask(Request request, bool isApply) {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (request.isApply && !requests.empty() && requests.back().isApply) {
+    if (isApply && endsWithApply && !requests.empty()) {
       requests.back() = std::move(request);
     } else {
       requests.push_back(std::move(request));
     }
+    endsWithApply = isApply;
     work.notify_one();
   }
 };
@@ -982,15 +981,13 @@ class Worker {
 
   void open(const CameraInfo& camera, const Settings& settings) {
     camera_.reset();
-    std::uint64_t number = 0;
+    CaptureState fresh;
+    fresh.camera = camera;
+    fresh.settings = settings;
+    fresh.settings.gain = settings.gain.value_or(camera.minGain);
+    const std::uint64_t number = fresh.opening = state().opening + 1;
     {
       const std::lock_guard<std::mutex> lock(hub_->mutex);
-      number = hub_->state.opening + 1;
-      CaptureState fresh;
-      fresh.camera = camera;
-      fresh.settings = settings;
-      fresh.settings.gain = settings.gain.value_or(camera.minGain);
-      fresh.opening = number;
       hub_->state = std::move(fresh);
     }
     isCameraWanted_ = true;
@@ -1125,8 +1122,8 @@ class Worker {
           hub_->requests.pop_front();
         }
       }
-      if (request.work) {
-        request.work(*this);
+      if (request) {
+        request(*this);
         tell();
       } else {
         stream();
@@ -1431,10 +1428,8 @@ class CaptureThread {
    * @param offset in the maker's units
    */
   void apply(std::int64_t exposureUs, int gain, int offset) {
-    hub_->ask({[exposureUs, gain, offset](detail::Worker& worker) {
-                 worker.apply(exposureUs, gain, offset);
-               },
-               true});
+    const auto work = [=](detail::Worker& worker) { worker.apply(exposureUs, gain, offset); };
+    hub_->ask(work, true);
   }
 
   /**
@@ -1482,7 +1477,7 @@ class CaptureThread {
     using Result = decltype(work(std::declval<detail::Worker&>()));
     auto task = std::make_shared<std::packaged_task<Result(detail::Worker&)>>(std::move(work));
     std::future<Result> result = task->get_future();
-    hub_->ask({[task](detail::Worker& worker) { (*task)(worker); }, false});
+    hub_->ask([task](detail::Worker& worker) { (*task)(worker); }, false);
     return result;
   }
 
