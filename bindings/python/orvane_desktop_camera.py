@@ -50,10 +50,6 @@ class Format(enum.IntEnum):
     RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI, blue, green, red for Player One
     MONO8 = 3  #: 8 bits of brightness
 
-    @property
-    def dtype(self) -> np.dtype:
-        return np.dtype("<u2") if self is Format.RAW16 else np.dtype(np.uint8)
-
 
 class Bayer(enum.IntEnum):
     """The Bayer pattern: the first two pixels of the first row, then those of the second."""
@@ -266,7 +262,8 @@ class Camera:
         shape = (self.height, self.width)
         if self.format is Format.RGB24:
             shape += (3,)
-        return buffer[:count].view(self.format.dtype).reshape(shape)
+        pixel = "<u2" if self.format is Format.RAW16 else np.uint8
+        return buffer[:count].view(pixel).reshape(shape)
 
     def read(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
