@@ -13,11 +13,6 @@ namespace orvane::host {
 
 namespace {
 
-std::filesystem::path newPath(const std::filesystem::path& directory,
-                              const oc::CameraInfo& camera) {
-  return unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name));
-}
-
 SerDescription descriptionOf(const oc::CameraInfo& camera, const FrameLayout& layout) {
   const auto now = std::chrono::system_clock::now();
   return {layout, "", camera.name, "", serLocalTicks(now), serTicks(now)};
@@ -44,8 +39,8 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
   std::error_code ignored;
   for (int number = 2; std::filesystem::exists(path, ignored); ++number) {
     path = first;
-    path.replace_filename(pathFromUtf8(utf8FromPath(first.stem()) + "_" + std::to_string(number) +
-                                       utf8FromPath(first.extension())));
+    path.replace_extension() += "_" + std::to_string(number);
+    path += first.extension();
   }
   return path;
 }
@@ -61,7 +56,7 @@ std::string contentText(const RecordingProgress& recording) {
 
 LiveRecording::LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
                              const FrameLayout& layout, oc::FrameQueue frames)
-    : path_(newPath(directory, camera)),
+    : path_(unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name))),
       frameBytes_(frameBytes(layout)),
       recorder_(path_, descriptionOf(camera, layout), {}, std::move(frames)) {}
 
