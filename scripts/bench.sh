@@ -45,7 +45,7 @@ for ((run = 1; run <= runs; ++run)); do
     "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
   part "swap red and blue; implementations" "$linux/benchmarks/swap_red_and_blue"
   part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
-    "$linux/benchmarks/copy_and_write" /dev/shm "$linux"
+    /dev/shm "$linux"
   part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \
     "$windows/benchmarks/empty_library.dll"
   size=$(stat -c %s "$dll")
