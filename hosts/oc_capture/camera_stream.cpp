@@ -1,6 +1,7 @@
 // The frames of a camera for one command.
 #include "oc_capture/camera_stream.hpp"
 
+#include <span>
 #include <string>
 
 #include "session/ser_recorder.hpp"
@@ -9,13 +10,6 @@
 namespace orvane::host {
 
 namespace {
-
-oc::CaptureOptions captureOptions() {
-  oc::CaptureOptions options;
-  options.capacity = 0;
-  options.failures = 1;
-  return options;
-}
 
 // The approximate size of a frame: the camera may round width and height.
 std::size_t expectedBytes(const oc::Settings& settings) {
@@ -27,12 +21,21 @@ std::size_t expectedBytes(const oc::Settings& settings) {
 
 CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
                            std::optional<int> frames, std::int64_t waitingBytes)
-    : capture_(captureOptions()),
+    : correction_(options.correction),
+      capture_({.capacity = 0, .failures = 1}),
       frames_(capture_.frames(
           oc::Delivery::Every, recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
           frames ? static_cast<std::uint64_t>(*frames + std::int64_t{options.discard}) : 0)) {
   capture_.open(camera.description, camera.settings).get();
   start_ = capture_.state().opened;
+}
+
+oc::Frame CameraStream::next() {
+  const oc::Frame frame = frames_.next(std::chrono::milliseconds(100));
+  if (frame) {
+    correctFrame(std::span(frame.data(), frame.size()), frame.layout(), correction_);
+  }
+  return frame;
 }
 
 void CameraStream::discard(int frames, StatusLine& line) {

@@ -26,8 +26,8 @@ class CameraStream {
                std::int64_t waitingBytes = 64'000'000);
 
   /// Waits for the next frame, but only so long that Ctrl-C and the status line are not delayed.
-  /// Empty when none came.
-  oc::Frame next() { return frames_.next(std::chrono::milliseconds(100)); }
+  /// The frame is corrected. Empty when none came.
+  oc::Frame next();
 
   /// Discards this number of frames, or fewer if the user stops the program. Shows the progress.
   void discard(int frames, StatusLine& line);
@@ -37,10 +37,14 @@ class CameraStream {
 
   oc::CaptureState state() const { return capture_.state(); }
 
-  /// The queue, for a consumer that replaces next().
+  /// The layout of the corrected frames.
+  FrameLayout layout() const { return correctedLayout(state().layout, correction_); }
+
+  /// The queue, for a consumer that replaces next() and corrects the frames.
   oc::FrameQueue takeQueue() { return std::move(frames_); }
 
  private:
+  const FrameCorrection correction_;
   oc::CaptureThread capture_;
   oc::FrameQueue frames_;
   std::chrono::steady_clock::time_point start_;

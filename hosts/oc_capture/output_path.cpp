@@ -9,26 +9,16 @@
 
 namespace orvane::host {
 
-namespace {
-
-std::filesystem::path readPath(const char* option, const std::string& text,
-                               const std::vector<std::string>& endings) {
-  std::filesystem::path path = pathFromUtf8(text);
-  if (std::none_of(endings.begin(), endings.end(),
-                   [&](const std::string& ending) { return hasEnding(path, ending); })) {
-    throw UsageError(std::string(option) + " needs a file name that ends in " +
-                     alternatives(endings) + ", not " + inQuotes(text) + ".");
-  }
-  return path;
-}
-
-}  // namespace
-
 void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputOption& texts) {
   options.add(
       "--out", texts.type, texts.description,
       [&output, endings = texts.endings](const char* option, const std::string& text) {
-        output.path = readPath(option, text, endings);
+        output.path = pathFromUtf8(text);
+        if (std::none_of(endings.begin(), endings.end(),
+                         [&](const auto& ending) { return hasEnding(output.path, ending); })) {
+          throw UsageError(std::string(option) + " needs a file name that ends in " +
+                           alternatives(endings) + ", not " + inQuotes(text) + ".");
+        }
       },
       texts.presence);
   options.addFlag("--overwrite", output.mayOverwrite,

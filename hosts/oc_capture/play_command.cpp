@@ -62,12 +62,6 @@ std::string startText(const SerFacts& facts) {
   return start ? utcText(*start) : "";
 }
 
-std::string rateText(const FrameTiming& timing) {
-  return decimal(timing.seconds, 3) + " s, " + decimal(timing.framesPerSecond, 1) +
-         " frames/s, usually " + decimal(timing.medianInterval * 1e3, 1) +
-         " ms from frame to frame";
-}
-
 std::string gapText(const FrameTiming& timing) {
   if (timing.gaps == 0) {
     return "none";
@@ -89,7 +83,11 @@ std::string timingText(const SerFacts& facts, const std::optional<FrameTiming>& 
                                      : "unknown, the time stamps make no sense");
   }
   std::string text =
-      lineOf("Length:    ", rateText(*timing)) + lineOf("Gaps:      ", gapText(*timing));
+      lineOf("Length:    ", decimal(timing->seconds, 3) + " s, " +
+                                decimal(timing->framesPerSecond, 1) + " frames/s, usually " +
+                                decimal(timing->medianInterval * 1e3, 1) +
+                                " ms from frame to frame") +
+      lineOf("Gaps:      ", gapText(*timing));
   if (timing->stepsBack > 0) {
     text += lineOf("Clock:     ", std::to_string(timing->stepsBack) +
                                       " frames have an earlier time than the one before");
@@ -144,15 +142,11 @@ Json jsonOf(const PlaySettings& settings, const SerFacts& facts,
           {"sheet", orNull(utf8FromPath(settings.sheet.path))}};
 }
 
-void requireFile(const std::filesystem::path& file) {
-  std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) {
-    throw UsageError("There is no file " + inQuotes(utf8FromPath(file)) + ".");
-  }
-}
-
 int play(const PlaySettings& settings) {
-  requireFile(settings.file);
+  std::error_code ignored;
+  if (!std::filesystem::exists(settings.file, ignored)) {
+    throw UsageError("There is no file " + inQuotes(utf8FromPath(settings.file)) + ".");
+  }
   requireUsable(settings.sheet);
   const SerReader recording(settings.file);
   const SerFacts& facts = recording.facts();

@@ -61,7 +61,8 @@ struct Recording {
   double seconds = 0;              // from the start of the stream to the last frame
   double secondsUntilWritten = 0;  // from the start of the stream until the file is closed
   oc::Frame lastFrame;
-  std::string error;  // what failed, or empty
+  std::filesystem::path preview;  // the last frame as a picture; empty if there is none
+  std::string error;              // what failed, or empty
 };
 
 // The order of these calls makes sure that no frame after `start` has an earlier time.
@@ -78,14 +79,17 @@ class RecordingSession {
         camera_(camera),
         stream_(std::in_place, camera, settings.camera, settings.length.frames,
                 std::int64_t{1'000'000} * settings.memoryMegabytes),
-        layout_(correctedLayout(stream_->state().layout, settings.camera.correction)),
+        layout_(stream_->layout()),
         line_(settings.reporting.isQuiet) {}
 
   // Failures after the file was created are in the result.
   Recording run() {
     stream_->discard(settings_.camera.discard, line_);
     const SteadyClock::time_point start = stream_->start();
-    SerRecorder recorder(settings_.file.path, serDescription(systemTimeOf(start)),
+    const auto systemStart = systemTimeOf(start);
+    SerRecorder recorder(settings_.file.path,
+                         {layout_, settings_.observer, camera_.description.name,
+                          settings_.telescope, serLocalTicks(systemStart), serTicks(systemStart)},
                          settings_.camera.correction, stream_->takeQueue());
     waitForFrames(recorder, start);
     Recording recording;
@@ -103,15 +107,6 @@ class RecordingSession {
   }
 
  private:
-  SerDescription serDescription(std::chrono::system_clock::time_point start) const {
-    return {layout_,
-            settings_.observer,
-            camera_.description.name,
-            settings_.telescope,
-            serLocalTicks(start),
-            serTicks(start)};
-  }
-
   bool isOver(const SerRecorder& recorder, SteadyClock::time_point start) const {
     return stopRequested() ||
            settings_.length.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
@@ -175,11 +170,11 @@ class RecordingSession {
   std::int64_t shownFrames_ = 0;
 };
 
-Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera, const Recording& recording,
-            const std::filesystem::path& preview) {
+Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera,
+            const Recording& recording) {
   const double rate = recording.frames / (recording.seconds > 0 ? recording.seconds : 1);
   return {{"file", utf8FromPath(settings.file.path)},
-          {"preview", orNull(utf8FromPath(preview))},
+          {"preview", orNull(utf8FromPath(recording.preview))},
           {"camera", camera.description.name},
           {"width", recording.layout.width},
           {"height", recording.layout.height},
@@ -198,15 +193,17 @@ Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera, const Re
           {"error", recording.error}};
 }
 
-std::string textOf(const RecordSettings& settings, const Recording& recording,
-                   const std::filesystem::path& preview) {
+std::string textOf(const RecordSettings& settings, const Recording& recording) {
   const double rate = recording.seconds > 0 ? recording.frames / recording.seconds : 0.0;
   std::string text = "Recorded " + std::to_string(recording.frames) + " frames of " +
                      dimensionsText(recording.layout.width, recording.layout.height) + " " +
                      formatName(recording.layout.format) + " in " + decimal(recording.seconds, 1) +
                      " s (" + decimal(rate, 1) + " fps) to " +
                      inQuotes(utf8FromPath(settings.file.path));
-  text += preview.empty() ? ".\n" : "; preview " + inQuotes(utf8FromPath(preview)) + ".\n";
+  if (!recording.preview.empty()) {
+    text += "; preview " + inQuotes(utf8FromPath(recording.preview));
+  }
+  text += ".\n";
   if (recording.droppedFrames > 0) {
     text += std::to_string(recording.droppedFrames) +
             " frames were dropped, since the disk did not keep up; more --memory helps for a "
@@ -215,42 +212,32 @@ std::string textOf(const RecordSettings& settings, const Recording& recording,
   return text;
 }
 
-// Writes the last frame as a picture beside the recording. Returns an empty path if there is no
-// frame.
-std::filesystem::path writePreview(const RecordSettings& settings, const Recording& recording) {
-  if (recording.frames == 0) {
-    return {};
-  }
-  std::filesystem::path preview = settings.file.path;
-  preview.replace_extension(".png");
-  writePng(preview, previewOf(recording.lastFrame.pixels(), recording.layout));
-  return preview;
-}
-
 int record(const RecordSettings& given) {
   RecordSettings settings = given;
   if (!settings.length.frames && !settings.length.microseconds) {
     settings.length.frames = 100;
   }
   requireUsable(settings.file);
-  catchStopRequests();
-  useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   Recording recording = RecordingSession(settings, camera).run();
   if (recording.error.empty() && recording.frames == 0 && !stopRequested()) {
     recording.error = "No frame came before the recording's end.";
   }
-  if (!recording.error.empty()) {
-    report({true, settings.reporting.asJson}, jsonOf(settings, camera, recording, {}), "");
+  const bool hasFailed = !recording.error.empty();
+  if (!hasFailed && recording.frames > 0) {
+    recording.preview = settings.file.path;
+    recording.preview.replace_extension(".png");
+    writePng(recording.preview, previewOf(recording.lastFrame.pixels(), recording.layout));
+  }
+  report(settings.reporting, jsonOf(settings, camera, recording),
+         hasFailed ? "" : textOf(settings, recording));
+  if (hasFailed) {
     if (recording.frames > 0) {
       std::cerr << recording.frames << " frames are in "
                 << inQuotes(utf8FromPath(settings.file.path)) << ", which is a valid recording.\n";
     }
     throw oc::Error(recording.error);
   }
-  const std::filesystem::path preview = writePreview(settings, recording);
-  report(settings.reporting, jsonOf(settings, camera, recording, preview),
-         textOf(settings, recording, preview));
   return 0;
 }
 

@@ -1,7 +1,6 @@
 // "oc_capture snap": one frame of a camera, written into a PNG or FITS file.
 #include <chrono>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "formats/fits_writer.hpp"
@@ -55,10 +54,7 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
   for (int before = settings.camera.discard; !stopRequested();) {
     const oc::Frame frame = stream.next();
     if (frame && before-- == 0) {
-      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
-                   settings.camera.correction);
-      return {correctedLayout(frame.layout(), settings.camera.correction), frame,
-              stream.state().temperature};
+      return {stream.layout(), frame, stream.state().temperature};
     }
     if (line.isDue()) {
       const std::chrono::duration<double> waited = Clock::now() - start;
@@ -106,8 +102,6 @@ std::string textOf(const SnapSettings& settings, const FrameLayout& layout) {
 
 int snap(const SnapSettings& settings) {
   requireUsable(settings.file);
-  catchStopRequests();
-  useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   const Snapshot snapshot = takeSnapshot(settings, camera);
   if (!hasEnding(settings.file.path, ".png")) {

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "formats/png_writer.hpp"
@@ -52,7 +51,7 @@ struct Summary {
 
   void add(const WatchPoint& point) {
     smallest =
-        frames == 0 ? point.statistics.smallest : std::min(smallest, point.statistics.smallest);
+        std::min(frames == 0 ? point.statistics.smallest : smallest, point.statistics.smallest);
     largest = std::max(largest, point.statistics.largest);
     mostSaturated = std::max(mostSaturated, point.statistics.saturated);
     sumOfMeans += point.statistics.mean;
@@ -86,14 +85,12 @@ std::string lineOf(const Summary& summary) {
 void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, StatusLine& line,
                  Summary& summary) {
   CameraStream stream(camera, settings.camera, settings.length.frames);
-  summary.layout = correctedLayout(stream.state().layout, settings.camera.correction);
+  summary.layout = stream.layout();
   stream.discard(settings.camera.discard, line);
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return Clock::now() - start; };
   while (!stopRequested() && !settings.length.isReached(summary.frames, elapsed())) {
     if (const oc::Frame frame = stream.next()) {
-      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
-                   settings.camera.correction);
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
                    frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
     }
@@ -154,8 +151,6 @@ std::string textOf(const Summary& summary, const std::string& plot) {
 
 int watch(const WatchSettings& settings) {
   requireUsable(settings.plot);
-  catchStopRequests();
-  useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   Summary summary = watchCamera(settings, camera);
   if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {

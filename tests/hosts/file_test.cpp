@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "failure.hpp"
 #include "scratch_directory.hpp"
 
 namespace orvane::host {
@@ -54,14 +55,9 @@ TEST(OutputFile, GrowsBeyondFourGibibytes) {
 
 TEST(OutputFile, NamesTheFileThatItCannotCreateAndTheReason) {
   const ScratchDirectory scratch;
-  try {
-    const OutputFile file(scratch.file("missing/caf\u00e9"));
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    const std::string text = error.what();
-    EXPECT_EQ(text.rfind("Cannot create \"", 0), 0U) << text;
-    EXPECT_NE(text.find("caf\u00e9\": No such file or directory"), std::string::npos) << text;
-  }
+  const auto path = scratch.file("missing/caf\u00e9");
+  EXPECT_EQ(testing::failureOf<std::runtime_error>([&] { OutputFile{path}; }),
+            "Cannot create \"" + testing::utf8(path) + "\": No such file or directory");
 }
 
 }  // namespace

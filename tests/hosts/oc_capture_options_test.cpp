@@ -111,33 +111,21 @@ TEST_F(OcCaptureOptions, DoctorTakesAll) {
   expectAllTaken("doctor", {{"--json --scan --sdk", sdks.path()}});
 }
 
-TEST_F(OcCaptureOptions, HelpHasAnExampleForEachCommand) {
+TEST_F(OcCaptureOptions, HelpHasAnExampleAndFitsIntoEightyColumns) {
   for (const char* command : commands) {
     const std::string help = run({command, "--help"}).out;
     EXPECT_PRED_FORMAT2(IsSubstring, "Examples:\n  oc_capture " + std::string(command) + " ", help);
     EXPECT_PRED_FORMAT2(IsSubstring, "Exit status: 0 done", help);
-  }
-}
-
-TEST_F(OcCaptureOptions, HelpFitsIntoEightyColumns) {
-  for (const char* command : commands) {
-    std::istringstream help(run({command, "--help"}).out);
-    for (std::string line; std::getline(help, line);) {
-      const bool isExample = line.rfind("  oc_capture ", 0) == 0;
-      EXPECT_TRUE(isExample || line.size() <= 80) << line;
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_TRUE(line.starts_with("  oc_capture ") || line.size() <= 80) << line;
     }
   }
 }
 
 TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
   expectSuccess(recordSmall("--discard 3"));
-  const SerFile file(recording());
-  const ReferenceCamera camera = reference();
-  ASSERT_EQ(file.frames.size(), 4U);
-  for (int number = 0; number < 4; ++number) {
-    EXPECT_TRUE(file.frames[static_cast<std::size_t>(number)] == camera.frame(number + 3))
-        << number;
-  }
+  expectFrames(SerFile(recording()), reference(), 4, 3);
 }
 
 TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternFlipped) {

@@ -8,32 +8,20 @@ namespace orvane::testing {
 
 namespace {
 
-std::string bytesOf(std::int64_t value, int count) {
-  std::string text;
-  for (int byte = 0; byte < count; ++byte) {
-    text += static_cast<char>(static_cast<std::uint64_t>(value) >> (8 * byte) & 0xFFU);
-  }
-  return text;
-}
-
 class OcCapturePlay : public OcCaptureTest {
  protected:
   // Frames of 4 x 2 samples of 8 bits with the Bayer pattern GRBG, with these times in
   // milliseconds.
   void write(const std::vector<int>& milliseconds, std::int32_t promisedFrames) const {
     constexpr std::int64_t start = 638448448000000000;  // 2024-02-29 23:06:40 UTC
-    const auto padded = [](const std::string& text) {
-      return text + std::string(40 - text.size(), '\0');
-    };
-    std::string content = "LUCAM-RECORDER" + bytesOf(0, 4) + bytesOf(9, 4) + bytesOf(0, 4) +
-                          bytesOf(4, 4) + bytesOf(2, 4) + bytesOf(8, 4) +
-                          bytesOf(promisedFrames, 4) + padded("Anna") + padded("Camera 1") +
-                          padded("80/480") + bytesOf(start, 8) + bytesOf(start, 8);
+    const SerHeader header{9,      0,          4,        2,     8,    promisedFrames,
+                           "Anna", "Camera 1", "80/480", start, start};
+    std::string content = header.bytes();
     for (std::size_t frame = 0; frame < milliseconds.size(); ++frame) {
       content += "12345678";
     }
     for (const int moment : milliseconds) {
-      content += bytesOf(start + std::int64_t{10000} * moment, 8);
+      content += serNumber(start + std::int64_t{10000} * moment);
     }
     std::ofstream(recording(), std::ios::binary) << content;
   }
