@@ -13,7 +13,6 @@ namespace {
 oc::CaptureOptions captureOptions() {
   oc::CaptureOptions options;
   options.capacity = 0;
-  options.failures = 1;
   return options;
 }
 
@@ -25,6 +24,12 @@ std::size_t expectedBytes(const oc::Settings& settings) {
 
 }  // namespace
 
+std::string failedReadsText(std::uint64_t failedReads) {
+  return failedReads == 0 ? ""
+                          : std::to_string(failedReads) + (failedReads == 1 ? " read" : " reads") +
+                                " failed, and reading went on.\n";
+}
+
 CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
                            std::optional<int> frames, std::int64_t waitingBytes)
     : capture_(captureOptions()),
@@ -35,12 +40,29 @@ CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& opti
   start_ = capture_.state().opened;
 }
 
+void CameraStream::tellFailures(StatusLine& line) {
+  const oc::CaptureState now = state();
+  // The failure that loses the camera is reported as the command's own.
+  if (now.failedReads == toldFailures_ || now.phase == oc::Phase::Lost) {
+    return;
+  }
+  constexpr std::uint64_t mostLines = 20;
+  if (toldFailures_ < mostLines) {
+    line.tell(now.text + ". Reading goes on.");
+  } else if (!toldLimit_) {
+    line.tell("Further failed reads are only counted.");
+    toldLimit_ = true;
+  }
+  toldFailures_ = now.failedReads;
+}
+
 void CameraStream::discard(int frames, StatusLine& line) {
   for (int discarded = 0; discarded < frames && !stopRequested();) {
     if (const oc::Frame frame = next()) {
       ++discarded;
       start_ = frame.arrival();
     }
+    tellFailures(line);
     if (line.isDue()) {
       line.show("Waiting: " + std::to_string(discarded) + " of " + std::to_string(frames) +
                 " frames are thrown away");
