@@ -175,7 +175,7 @@ TEST_F(OcCaptureRecord, TakesFileNamesOfAnyKind) {
   const ProgramResult result = expectSuccess(
       runWithSdks("record", {"--camera 0 --width 64 --height 48 --frames 1 --out", path}));
   EXPECT_EQ(SerFile(path).frameCount, 1);
-  EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D.png")));
+  EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D-preview.png")));
   EXPECT_PRED_FORMAT2(IsSubstring, utf8(path), result.out);
 }
 

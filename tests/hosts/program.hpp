@@ -38,6 +38,9 @@ class Program {
   /// Sends Ctrl-C. The program must have been started with `mayBeInterrupted`.
   void interrupt();
 
+  /// Ends the program at once, in whatever it is doing.
+  void kill();
+
   ProgramResult wait();
 
  private:

@@ -91,7 +91,11 @@ bool Program::isRunning() {
 }
 
 void Program::interrupt() {
-  kill(process_->id, SIGINT);
+  ::kill(process_->id, SIGINT);
+}
+
+void Program::kill() {
+  ::kill(process_->id, SIGKILL);
 }
 
 ProgramResult Program::wait() {

@@ -115,6 +115,10 @@ void Program::interrupt() {
   }
 }
 
+void Program::kill() {
+  TerminateProcess(process_->information.hProcess, 1);
+}
+
 ProgramResult Program::wait() {
   WaitForSingleObject(process_->information.hProcess, INFINITE);
   DWORD status = 0;
