@@ -115,9 +115,9 @@ const Command repairCommand{
         R"(After a crash or a power failure, the header of a recording may count other
 frames than there are, and the time stamps are missing. This command writes a
 new recording with all whole frames. Their times come from the file itself or
-from its time journal, FILE.ser.orvane-times, which is there until a recording is
-finished. A frame whose time is unknown gets the time 0. FILE.ser and its journal
-stay.)",
+from its time journal, FILE.ser.orvane-times, which is there until a recording
+is finished. A frame whose time is unknown gets the time 0. FILE.ser and its
+journal stay.)",
     .examples =
         R"(  oc_capture repair jupiter.ser
   oc_capture repair jupiter.ser --out saved.ser --json)",

@@ -23,8 +23,7 @@ class OpenFile {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
   };
 
-  /// `file` may be null.
-  OpenFile(const std::filesystem::path& path, std::FILE* file);
+  explicit OpenFile(const std::filesystem::path& path);
 
   /// The reason is that of `errno`.
   [[noreturn]] void fail(const char* action) const;

@@ -114,10 +114,9 @@ TEST_F(OcCaptureSafety, APreviewThatFailsDoesNotHideTheRecording) {
 
 TEST_F(OcCaptureSafety, ASingleFailedReadDoesNotEndARecording) {
   const std::string failing =
-      "clock stopped; force ASIGetVideoData 4 1 5; force ASIGetVideoData 7 2 16";
+      "clock stopped; force ASIGetVideoData 4 1 5; force ASIGetVideoData 7 2 5";
   const ProgramResult result = expectSuccess(recordSmall({"--frames 10"}, failing));
   EXPECT_PRED_FORMAT2(IsSubstring, "ASIGetVideoData: 5. Reading goes on.\n", result.err);
-  EXPECT_PRED_FORMAT2(IsSubstring, "ASIGetVideoData: 16. Reading goes on.\n", result.err);
   EXPECT_PRED_FORMAT2(IsSubstring, "\n3 reads failed, and reading went on.\n", result.out);
   EXPECT_EQ(SerFile(recording()).frameCount, 10);
 
@@ -142,9 +141,9 @@ TEST_F(OcCaptureSafety, TheOtherCommandsReadOnToo) {
 }
 
 TEST_F(OcCaptureSafety, AGapIsToldAndCounted) {
-  // Four failed reads, with a pause of 50 ms after each.
+  // 600 answers that no frame is ready, with a pause of 1 ms after each.
   const ProgramResult result = expectSuccess(
-      recordSmall({"--frames 40 --exposure 20ms"}, "seed 5; force ASIGetVideoData 21 4 5"));
+      recordSmall({"--frames 40 --exposure 20ms"}, "seed 5; force ASIGetVideoData 21 600 11"));
   EXPECT_TRUE(std::regex_search(result.err,
                                 std::regex("(^|\n)No frame for [0-9.]+ m?s after frame 19\\.\n")))
       << result.err;
@@ -156,12 +155,12 @@ TEST_F(OcCaptureSafety, AGapIsToldAndCounted) {
 
   const ProgramResult quiet =
       expectSuccess(recordSmall({"--frames 40 --exposure 20ms --overwrite --quiet --json"},
-                                "seed 5; force ASIGetVideoData 21 4 5"));
+                                "seed 5; force ASIGetVideoData 21 600 11"));
   EXPECT_EQ(quiet.err, "");
   const auto document = ordered_json::parse(quiet.out);
   EXPECT_GE(document["gaps"], 1);
   EXPECT_GE(document["missedFrames"], 5);
-  EXPECT_GT(document["longestGapSeconds"], 0.1);
+  EXPECT_GT(document["longestGapSeconds"], 0.5);
   EXPECT_EQ(document["longestGapAfterFrame"], 19);
   const auto played = ordered_json::parse(run({"play --json", recording()}).out);
   EXPECT_EQ(played["timing"]["longestGapAfterFrame"], 19);
@@ -188,13 +187,12 @@ TEST_F(OcCaptureSafety, ThreeGoodFramesHaveNoGap) {
 
 TEST_F(OcCaptureSafety, TheRateIsThatOfTheFrames) {
   const ProgramResult result =
-      expectSuccess(recordSmall({"--seconds 0.6 --exposure 20ms --json --quiet"}, "seed 5"));
+      expectSuccess(recordSmall({"--seconds 1.1 --exposure 200ms --json --quiet"}, "seed 5"));
   const auto document = ordered_json::parse(result.out);
   const SerFile file(recording());
   const double seconds =
       static_cast<double>(file.timeStamps.back() - file.timeStamps.front()) / 1e7;
-  EXPECT_NEAR(document["framesPerSecond"].get<double>(), (file.frameCount - 1) / seconds, 0.5);
-  EXPECT_LT(document["framesPerSecond"].get<double>(), 51);
+  EXPECT_NEAR(document["framesPerSecond"].get<double>(), (file.frameCount - 1) / seconds, 0.1);
 }
 
 }  // namespace
