@@ -9,7 +9,8 @@
 
 namespace orvane::host {
 
-OpenFile::OpenFile(const std::filesystem::path& path) : name_(inQuotes(utf8FromPath(path))) {}
+OpenFile::OpenFile(const std::filesystem::path& path, std::FILE* file)
+    : name_(inQuotes(utf8FromPath(path))), file_(file) {}
 
 void OpenFile::fail(const char* action) const {
   fail(action, std::generic_category().message(errno));
@@ -19,7 +20,7 @@ void OpenFile::fail(const char* action, const std::string& reason) const {
   throw std::runtime_error(std::string("Cannot ") + action + " " + name_ + ": " + reason);
 }
 
-InputFile::InputFile(const std::filesystem::path& path) : OpenFile(path) {
+InputFile::InputFile(const std::filesystem::path& path) : OpenFile(path, nullptr) {
   file_.reset(openFile(path, "rb"));
   if (file_ == nullptr) {
     fail("read");
@@ -44,7 +45,7 @@ void InputFile::readAt(std::int64_t position, std::span<std::uint8_t> bytes) con
 }
 
 OutputFile::OutputFile(const std::filesystem::path& path, Existing existing)
-    : OpenFile(path), path_(path), temporary_(temporaryName(path)), existing_(existing) {
+    : OpenFile(path, nullptr), path_(path), temporary_(temporaryName(path)), existing_(existing) {
   file_.reset(openFileToWrite(temporary_));
   if (file_ == nullptr) {
     failToCreate();

@@ -23,7 +23,8 @@ class OpenFile {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
   };
 
-  explicit OpenFile(const std::filesystem::path& path);
+  /// `file` may be null.
+  OpenFile(const std::filesystem::path& path, std::FILE* file);
 
   /// The reason is that of `errno`.
   [[noreturn]] void fail(const char* action) const;
