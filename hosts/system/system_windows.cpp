@@ -128,10 +128,11 @@ std::FILE* openFile(const std::filesystem::path& path, const std::string& mode) 
 }
 
 std::FILE* openFileToWrite(const std::filesystem::path& path) {
-  // Without FILE_SHARE_WRITE, this is the lock. With FILE_SHARE_DELETE, the file can be renamed.
-  const HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                                    FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+  // Without FILE_SHARE_WRITE, this is the lock. With FILE_SHARE_DELETE, the file can be renamed. A
+  // handle with the access right DELETE would keep most programs from reading the file.
+  const HANDLE handle =
+      CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     errno = errnoOf(GetLastError());
     return nullptr;
