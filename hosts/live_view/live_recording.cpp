@@ -46,9 +46,12 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
 }
 
 std::string contentText(const RecordingProgress& recording) {
-  const std::string content = std::to_string(recording.frames) +
-                              (recording.frames == 1 ? " frame in " : " frames in ") +
-                              inQuotes(recording.file) + ".";
+  // The file appears with its first frame.
+  const std::string content = recording.frames == 0
+                                  ? "no frame, so there is no file."
+                                  : std::to_string(recording.frames) +
+                                        (recording.frames == 1 ? " frame in " : " frames in ") +
+                                        inQuotes(recording.file) + ".";
   return recording.droppedFrames == 0 ? content
                                       : content + " Dropped, since the disk did not keep up: " +
                                             std::to_string(recording.droppedFrames) + ".";

@@ -94,7 +94,10 @@ void measureWaits(const BenchSettings& settings, const ChosenCamera& camera, Sta
       waits.push_back(secondsBetween(last, frame.arrival()));
       last = frame.arrival();
     }
-    result.notReadyAnswers = static_cast<std::int64_t>(stream.state().emptyReads - notReadyBefore);
+    stream.tellFailures(line);
+    const oc::CaptureState state = stream.state();
+    result.notReadyAnswers = static_cast<std::int64_t>(state.emptyReads - notReadyBefore);
+    result.failedReads = state.failedReads;
     result.seconds = secondsBetween(start, last);
     if (line.isDue()) {
       line.show(result.camera + ", " + formatName(result.layout.format) + ": " +
@@ -142,7 +145,12 @@ std::string textOf(const BenchSettings& settings, const std::vector<Measurement>
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
   constexpr std::size_t textColumns = 3;
   const std::string chart = utf8FromPath(settings.chart.path);
-  return textTable(rows, textColumns) + (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
+  std::uint64_t failedReads = 0;
+  for (const Measurement& result : results) {
+    failedReads += result.failedReads;
+  }
+  return textTable(rows, textColumns) + failedReadsText(failedReads) +
+         (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
 }
 
 Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& results) {
@@ -161,6 +169,7 @@ Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& resul
                             {"framesPerSecond", result.framesPerSecond},
                             {"megabytesPerSecond", result.megabytesPerSecond},
                             {"notReadyAnswers", result.notReadyAnswers},
+                            {"failedReads", result.failedReads},
                             {"waitMilliseconds", waits},
                             {"error", result.error}});
   }
@@ -186,7 +195,8 @@ int bench(const BenchSettings& settings) {
   requireUsable(settings.chart);
   const std::vector<Measurement> results = measureAll(settings);
   if (settings.chart.isGiven()) {
-    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
+    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs),
+             settings.chart.existing());
   }
   report(settings.reporting, jsonOf(settings, results), textOf(settings, results));
   int status = 0;

@@ -19,10 +19,16 @@ std::size_t expectedBytes(const oc::Settings& settings) {
 
 }  // namespace
 
+std::string failedReadsText(std::uint64_t failedReads) {
+  return failedReads == 0 ? ""
+                          : std::to_string(failedReads) + (failedReads == 1 ? " read" : " reads") +
+                                " failed, and reading went on.\n";
+}
+
 CameraStream::CameraStream(const ChosenCamera& camera, const CameraOptions& options,
                            std::optional<int> frames, std::int64_t waitingBytes)
     : correction_(options.correction),
-      capture_({.capacity = 0, .failures = 1}),
+      capture_({.capacity = 0}),
       frames_(capture_.frames(
           oc::Delivery::Every, recordingCapacity(waitingBytes, expectedBytes(camera.settings)),
           frames ? static_cast<std::uint64_t>(*frames + std::int64_t{options.discard}) : 0)) {
@@ -38,12 +44,29 @@ oc::Frame CameraStream::next() {
   return frame;
 }
 
+void CameraStream::tellFailures(StatusLine& line) {
+  const oc::CaptureState now = state();
+  // The failure that loses the camera is reported as the command's own.
+  if (now.failedReads == toldFailures_ || now.phase == oc::Phase::Lost) {
+    return;
+  }
+  constexpr std::uint64_t mostLines = 20;
+  if (toldFailures_ < mostLines) {
+    line.tell(now.text + ". Reading goes on.");
+  } else if (!toldLimit_) {
+    line.tell("Further failed reads are only counted.");
+    toldLimit_ = true;
+  }
+  toldFailures_ = now.failedReads;
+}
+
 void CameraStream::discard(int frames, StatusLine& line) {
   for (int discarded = 0; discarded < frames && !stopRequested();) {
     if (const oc::Frame frame = next()) {
       ++discarded;
       start_ = frame.arrival();
     }
+    tellFailures(line);
     if (line.isDue()) {
       line.show("Waiting: " + std::to_string(discarded) + " of " + std::to_string(frames) +
                 " frames are thrown away");

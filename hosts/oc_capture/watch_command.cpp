@@ -47,6 +47,7 @@ struct Summary {
   std::int64_t mostSaturated = 0;
   std::optional<double> lowestTemperature;
   std::optional<double> highestTemperature;
+  std::uint64_t failedReads = 0;
   std::string error;
 
   void add(const WatchPoint& point) {
@@ -94,6 +95,8 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
                    frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
     }
+    stream.tellFailures(line);
+    summary.failedReads = stream.state().failedReads;
     if (line.isDue()) {
       line.show(lineOf(summary));
     }
@@ -128,6 +131,7 @@ Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::strin
           {"mostSaturatedPixels", summary.mostSaturated},
           {"lowestTemperature", orNull(summary.lowestTemperature)},
           {"highestTemperature", orNull(summary.highestTemperature)},
+          {"failedReads", summary.failedReads},
           {"plot", orNull(plot)},
           {"error", summary.error}};
 }
@@ -146,7 +150,8 @@ std::string textOf(const Summary& summary, const std::string& plot) {
     text += ", " + decimal(*summary.lowestTemperature, 1) + " to " +
             decimal(*summary.highestTemperature, 1) + " \u00b0C";
   }
-  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n";
+  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n" +
+         failedReadsText(summary.failedReads);
 }
 
 int watch(const WatchSettings& settings) {
@@ -160,7 +165,8 @@ int watch(const WatchSettings& settings) {
   if (settings.plot.isGiven() && !summary.history.points().empty()) {
     writePng(settings.plot.path,
              watchPlot(summary.history,
-                       camera.description.name + ", " + formatName(camera.settings.format)));
+                       camera.description.name + ", " + formatName(camera.settings.format)),
+             settings.plot.existing());
     plot = utf8FromPath(settings.plot.path);
   }
   report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));

@@ -12,7 +12,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* commands[] = {"list", "record", "snap", "bench", "watch", "play", "doctor"};
+constexpr const char* commands[] = {"list",  "record", "snap",   "bench",
+                                    "watch", "play",   "repair", "doctor"};
 
 class OcCaptureOptions : public OcCaptureAsiTest {
  protected:
@@ -80,7 +81,7 @@ TEST_F(OcCaptureOptions, RecordTakesAll) {
       "record",
       {"--overwrite --memory 1 --observer Anna --telescope 80/480 --quiet --json --out",
        recording()},
-      "raw16 --bayer BGGR --frames 2", "--seconds 0.1");
+      "raw16 --bayer BGGR --frames 2", "--seconds 0.1 --no-preview");
 }
 
 TEST_F(OcCaptureOptions, SnapTakesAll) {
@@ -105,6 +106,13 @@ TEST_F(OcCaptureOptions, PlayTakesAll) {
   expectSuccess(runWithSdks("record", {"--camera 0 --format rgb24 --frames 1 --out", colours}));
   const CommandLine all{"--overwrite --quiet --json --flip --out", png};
   expectAllTaken("play", {{all, "--bayer GBRG", recording()}, {all, "--swap-rb", colours}});
+}
+
+TEST_F(OcCaptureOptions, RepairTakesAll) {
+  expectSuccess(recordSmall("--quiet"));
+  std::filesystem::resize_file(recording(), 178 + 2 * 64 * 48);
+  expectAllTaken("repair",
+                 {{"--overwrite --quiet --json --out", scratch.file("new.ser"), recording()}});
 }
 
 TEST_F(OcCaptureOptions, DoctorTakesAll) {

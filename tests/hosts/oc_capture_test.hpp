@@ -63,7 +63,7 @@ class OcCaptureTest : public ::testing::Test {
   }
 
   std::filesystem::path recording() const { return scratch.file("recording.ser"); }
-  std::filesystem::path preview() const { return scratch.file("recording.png"); }
+  std::filesystem::path preview() const { return scratch.file("recording-preview.png"); }
 
   const SdkDirectory sdks;
   const ScratchDirectory scratch;

@@ -45,6 +45,7 @@ TEST(UnusedPath, IsNumberedWhereThereIsAFile) {
 
 TEST(LiveRecording, ItsContentIsASentence) {
   EXPECT_EQ(contentText({"a.ser", 1}), "1 frame in \"a.ser\".");
+  EXPECT_EQ(contentText({"a.ser", 0}), "no frame, so there is no file.");
   EXPECT_EQ(contentText({.file = "a.ser", .frames = 12, .droppedFrames = 3}),
             "12 frames in \"a.ser\". Dropped, since the disk did not keep up: 3.");
 }
