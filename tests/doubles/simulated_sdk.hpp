@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,16 @@ class SimulatedSdk {
     std::string calls = log();
     log_clear();
     return calls;
+  }
+
+  /// The calls of this function since the last takeLog(); empties the log.
+  std::string takeCallsOf(const std::string& function) const {
+    std::istringstream calls(takeLog());
+    std::string found;
+    for (std::string line; std::getline(calls, line);) {
+      found += line.starts_with(function + "(") ? line + "\n" : "";
+    }
+    return found;
   }
 
   /// The open devices and streams, and the violations so far.

@@ -63,7 +63,7 @@ TEST_F(Asi, UnknownFormatThatTheCameraListsIsPassedOnUnchanged) {
   small.formats[1] = 9;
   rescan();
   open(320, 202, 1, 9);
-  EXPECT_NE(callsOf("ASISetROIFormat").find("(7, 320, 202, 1, 9)"), std::string::npos);
+  EXPECT_NE(sdk.takeCallsOf("ASISetROIFormat").find("(7, 320, 202, 1, 9)"), std::string::npos);
 }
 
 TEST_F(Asi, ShortestExposureIsPassedOn) {
@@ -77,14 +77,14 @@ TEST_F(Asi, EveryWritableOffsetControlIsSet) {
   sdk.forceOutput("ASIGetControlCaps", "ControlType", 5, 1, 2);
   EXPECT_EQ(oc.apply(5000, 20, 7), 1);
   const std::string offset = "ASISetControlValue(7, 5, 7, 0) = 0\n";
-  EXPECT_EQ(callsOf("ASISetControlValue"), exposureAndGain + offset + offset + offset);
+  EXPECT_EQ(sdk.takeCallsOf("ASISetControlValue"), exposureAndGain + offset + offset + offset);
 }
 
 TEST_F(Asi, CameraWithoutAWritableOffsetIsNoError) {
   openSmall();
   sdk.forceOutput("ASIGetControlCaps", "IsWritable", 0);
   EXPECT_EQ(oc.apply(5000, 20, 7), 1);
-  EXPECT_EQ(callsOf("ASISetControlValue"), exposureAndGain);
+  EXPECT_EQ(sdk.takeCallsOf("ASISetControlValue"), exposureAndGain);
   EXPECT_EQ(error(), "");
 }
 
@@ -93,7 +93,7 @@ TEST_F(Asi, NoControlsAtAllIsNoError) {
   for (const int count : {0, -1}) {
     onlyOutput("ASIGetNumOfControls", "count", count);
     EXPECT_EQ(oc.apply(5000, 20, 7), 1);
-    EXPECT_EQ(callsOf("ASIGetControlCaps"), "");
+    EXPECT_EQ(sdk.takeCallsOf("ASIGetControlCaps"), "");
   }
 }
 

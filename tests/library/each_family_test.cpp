@@ -341,7 +341,7 @@ TEST_P(EachFamily, ScanThatFailsAtACameraKeepsTheCamerasBefore) {
   EXPECT_EQ(error(), std::string(family.examineCall) + ": " + std::to_string(row.failure));
   EXPECT_EQ(infoValue(0, "name"), "\"small\"");
   EXPECT_EQ(info(1), "{}");
-  const std::string calls = callsOf(family.examineCall);
+  const std::string calls = sdk.takeCallsOf(family.examineCall);
   EXPECT_EQ(std::count(calls.begin(), calls.end(), '\n'), 2) << "the third must not be examined";
   expectClean(sdk);
 }
@@ -457,7 +457,7 @@ TEST_P(EachFamily, ExposureOutOfRangeFailsBeforeAnySetting) {
   }
   for (const std::int64_t exposure : exposures) {
     expectOpenFailed(oc.open(0, 320, 202, 1, 0, exposure, 150, 5), "Exposure out of range");
-    EXPECT_EQ(callsOf(row.settingFunction), "");
+    EXPECT_EQ(sdk.takeCallsOf(row.settingFunction), "");
   }
 }
 

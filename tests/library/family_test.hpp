@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <sstream>
 #include <utility>
 
 #include "library/library_test.hpp"
@@ -93,16 +92,6 @@ class FamilyTest : public LibraryTest {
   void onlyOutput(const char* function, const char* output, double value) const {
     sdk.clear_faults();
     sdk.forceOutput(function, output, value);
-  }
-
-  /// The calls of this function since the log was emptied. Empties the log.
-  std::string callsOf(const std::string& function) const {
-    std::istringstream log(sdk.takeLog());
-    std::string found;
-    for (std::string line; std::getline(log, line);) {
-      found += line.starts_with(function + "(") ? line + "\n" : "";
-    }
-    return found;
   }
 
   /// These values of the first camera's description, separated by blanks.

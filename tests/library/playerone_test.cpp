@@ -38,7 +38,7 @@ TEST_F(PlayerOne, WidthOf7IsRequestedUnchanged) {
   sdk.forceOutput("POAGetImageSize", "width", 7);
   sdk.forceOutput("POAGetImageSize", "height", 5);
   EXPECT_EQ(open(7, 5), 1) << error();
-  EXPECT_EQ(callsOf("POASetImageSize"), "POASetImageSize(7, 7, 5) = 0\n");
+  EXPECT_EQ(sdk.takeCallsOf("POASetImageSize"), "POASetImageSize(7, 7, 5) = 0\n");
   EXPECT_EQ(oc.width(), 7);
   EXPECT_EQ(oc.height(), 5);
 }

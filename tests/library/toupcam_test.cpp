@@ -132,7 +132,8 @@ TEST_F(ToupTek, IdWithoutANulIsReadToTheEndOfItsField) {
   setText(small.key, std::string(64, 'k'));
   rescan();
   EXPECT_EQ(open(), 1) << error();
-  EXPECT_EQ(callsOf("Toupcam_Open"), "Toupcam_Open(\"" + std::string(64, 'k') + "\") = h2\n");
+  EXPECT_EQ(sdk.takeCallsOf("Toupcam_Open"),
+            "Toupcam_Open(\"" + std::string(64, 'k') + "\") = h2\n");
 }
 
 #ifdef _WIN32
@@ -194,7 +195,7 @@ TEST_F(ToupTek, Gains0And65535ArePassedOn) {
   sdk.forceResult("Toupcam_put_ExpoAGain", 0);
   for (const int good : {0, 65535}) {
     EXPECT_EQ(oc.apply(5000, good, 7), 1) << error();
-    EXPECT_EQ(callsOf("Toupcam_put_ExpoAGain"),
+    EXPECT_EQ(sdk.takeCallsOf("Toupcam_put_ExpoAGain"),
               "Toupcam_put_ExpoAGain(h2, " + std::to_string(good) + ") = 0\n");
   }
 }
@@ -203,7 +204,7 @@ TEST_F(ToupTek, BlackLevelIsPassedUnscaledAndANegativeOneToo) {
   openSmall(1);
   sdk.forceResult("Toupcam_put_Option", 0);
   EXPECT_EQ(oc.apply(5000, 200, -9), 1);
-  EXPECT_EQ(callsOf("Toupcam_put_Option"), "Toupcam_put_Option(h2, 21, -9) = 0\n");
+  EXPECT_EQ(sdk.takeCallsOf("Toupcam_put_Option"), "Toupcam_put_Option(h2, 21, -9) = 0\n");
 }
 
 }  // namespace

@@ -148,7 +148,7 @@ TEST_F(LiveSessionTest, ControlsReachTheCamera) {
 TEST_F(LiveSessionTest, ControlsThatAreRefusedLeaveThoseOfBefore) {
   start();
   session.reset();
-  const std::string opening = callsOf("ASISetControlValue", sdk.takeLog());
+  const std::string opening = sdk.takeCallsOf("ASISetControlValue");
   const auto calls = static_cast<int>(std::ranges::count(opening, '\n'));
   sdk.forceResult("ASISetControlValue", 16, calls + 2, 1);
   start();
