@@ -20,7 +20,17 @@ constexpr std::chrono::milliseconds betweenStates{200};
 LiveCamera::LiveCamera(LiveOptions options, std::function<void()> onNews)
     : onNews_(std::move(onNews)),
       session_(std::move(options), [this] { frameOrStateCame(); }),
-      thread_([this](const std::stop_token& stop) { run(stop); }) {}
+      thread_([this] { run(); }) {}
+
+// Not a jthread: through winpthreads, waiting for a stop token was seen to hang at the stop.
+LiveCamera::~LiveCamera() {
+  {
+    const std::lock_guard lock(mutex_);
+    mustStop_ = true;
+  }
+  wake_.notify_one();
+  thread_.join();
+}
 
 void LiveCamera::send(LiveRequest request) {
   {
@@ -43,14 +53,14 @@ void LiveCamera::frameOrStateCame() {
   }
 }
 
-void LiveCamera::run(const std::stop_token& stop) {
+void LiveCamera::run() {
   useFineSleep();
   session_.run(&LiveSession::rescan);
   while (true) {
     publish();
     std::unique_lock lock(mutex_);
-    wake_.wait_for(lock, stop, betweenStates, [this] { return !requests_.empty(); });
-    if (stop.stop_requested()) {
+    wake_.wait_for(lock, betweenStates, [this] { return mustStop_ || !requests_.empty(); });
+    if (mustStop_) {
       return;
     }
     const std::vector<LiveRequest> requests = std::exchange(requests_, {});
