@@ -187,15 +187,10 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 /* Fills in the invariants. */
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
-/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Without the
- * command "sdk" they are for this SDK. Returns 1, or 0 if a command is wrong: it is not understood,
- * this SDK has no such function, output or camera, or its file cannot be used. The command and the
- * reason are then written to the standard error output. This command and all after it are not run.
- *
- * When the SDK is loaded, or at its first call, it runs the commands in the environment variable
- * ORVANE_SIMULATOR. Without the command "sdk" they are for all simulated SDKs. A wrong one is told
- * once in a process. On Windows the SDK is then not loaded. Elsewhere, where a library cannot refuse
- * to be loaded, it has no cameras. */
+/* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1,
+ * or 0 if a command is wrong: it is then told on the standard error output, with the reason, and it
+ * and all after it are not run. When the SDK is loaded, it runs the commands in the environment
+ * variable ORVANE_SIMULATOR. A wrong one stops the SDK, as that document describes. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus
