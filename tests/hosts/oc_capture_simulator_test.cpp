@@ -137,7 +137,9 @@ TEST_F(OcCaptureSimulator, TheDocumentedExamplesRunAsShown) {
     const std::string expected = replaced(example[3], "\"" + name + "\"", "\"" + out + "\"");
     const ProgramResult result =
         run({arguments.c_str(), "--overwrite --sdk", sdks.path(), "--out", out}, simulator);
-    EXPECT_EQ(result.err, expected) << simulator;
+    // The document leaves out the lines that tell how far a recording is.
+    EXPECT_EQ(std::regex_replace(result.err, std::regex("[^\n]* fps, [^\n]*\n"), ""), expected)
+        << simulator;
     EXPECT_EQ(result.status, 1) << simulator;
     ++count;
   }
