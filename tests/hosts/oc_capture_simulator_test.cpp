@@ -47,16 +47,16 @@ class OcCaptureSimulator : public OcCaptureTest {
 TEST_F(OcCaptureSimulator, AnErrorThatConcernsAllIsToldOnceAndNoSdkWorks) {
   const std::string told =
       "ORVANE_SIMULATOR: \"focre ASIOpenCamera 1 -1 16\": unknown command \"focre\"\n";
-  const ProgramResult result = runWithSdks("list", "", "seed 5; focre ASIOpenCamera 1 -1 16");
+  const ProgramResult result = runWithSdks("list", {}, "seed 5; focre ASIOpenCamera 1 -1 16");
   EXPECT_EQ(result.err, told + "oc_capture: No camera was found.\n");
   EXPECT_EQ(result.status, 1);
   EXPECT_PRED_FORMAT2(IsSubstring, "unknown SDK \"qhycdc\"",
-                      runWithSdks("list", "", "sdk qhycdc; seed 5").err);
+                      runWithSdks("list", {}, "sdk qhycdc; seed 5").err);
 }
 
 TEST_F(OcCaptureSimulator, AnErrorInACommandForOneSdkStopsThatOneOnly) {
   const std::string command = "output ASIGetCameraProperty PixelSise 1 -1 3";
-  const ProgramResult result = runWithSdks("list", "", "sdk ASICamera2; " + command);
+  const ProgramResult result = runWithSdks("list", {}, "sdk ASICamera2; " + command);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err.find("ORVANE_SIMULATOR: \"" + command +
                             "\": unknown output \"PixelSise\" of ASIGetCameraProperty, which has "
@@ -71,7 +71,7 @@ TEST_F(OcCaptureSimulator, AnErrorInACommandForOneSdkStopsThatOneOnly) {
 }
 
 TEST_F(OcCaptureSimulator, AFunctionOfOneSdkNeedsNoNameOfTheSdk) {
-  const ProgramResult result = runWithSdks("list", "", "force Toupcam_EnumV2 1 -1 0");
+  const ProgramResult result = runWithSdks("list", {}, "force Toupcam_EnumV2 1 -1 0");
   EXPECT_EQ(result.err, "");
   EXPECT_PRED_FORMAT2(IsSubstring, "ZWO ASI120MC-S", result.out);
   EXPECT_PRED_FORMAT2(IsNotSubstring, "G3CMOS06300KPA", result.out);
@@ -80,7 +80,7 @@ TEST_F(OcCaptureSimulator, AFunctionOfOneSdkNeedsNoNameOfTheSdk) {
 // What a stopped SDK is to the library: a file that does not load, or an SDK without cameras.
 TEST_F(OcCaptureSimulator, AStoppedSdkIsNotLoadedOrHasNoCameras) {
   const std::string json =
-      runWithSdks("doctor", "--scan --json", "sdk toupcam; force Toupcam_Opne 1 1 0").out;
+      runWithSdks("doctor", {"--scan --json"}, "sdk toupcam; force Toupcam_Opne 1 1 0").out;
 #ifdef _WIN32
   EXPECT_PRED_FORMAT2(IsSubstring, "\"ASICamera2, PlayerOneCamera, qhyccd\"", json);
 #else
@@ -92,7 +92,7 @@ TEST_F(OcCaptureSimulator, AStoppedSdkIsNotLoadedOrHasNoCameras) {
 // Every command in the table, with values for its parameters.
 TEST_F(OcCaptureSimulator, TheDocumentedCommandsAreAccepted) {
   const SimulatedSdk sdk(sdks.file("ASICamera2"));
-  expectSuccess(record("--frames 1 --width 64 --height 48"));
+  expectSuccess(record({"--frames 1 --width 64 --height 48"}));
   const std::map<std::string, std::string> values{{"NAME", "ASICamera2"},
                                                   {"FUNCTION", "ASIGetCameraProperty"},
                                                   {"OUTPUT", "PixelSize"},
@@ -148,13 +148,13 @@ TEST_F(OcCaptureSimulator, TheDocumentedExamplesRunAsShown) {
 
 // The example of a scene names a file that only its reader has.
 TEST_F(OcCaptureSimulator, TheDocumentedSceneIsAccepted) {
-  expectSuccess(record("--frames 1 --width 64 --height 48"));
+  expectSuccess(record({"--frames 1 --width 64 --height 48"}));
   const auto scenes = matches(document(), "ORVANE_SIMULATOR=\"([^\"]*)\"");
   EXPECT_EQ(scenes.size(), 1U);
   for (const auto& scene : scenes) {
     const std::string command = replaced(scene[1], "/home/me/jupiter.ser", utf8(recording()));
     EXPECT_PRED_FORMAT2(IsSubstring, utf8(recording()), command);
-    const ProgramResult result = runWithSdks("list", "", command);
+    const ProgramResult result = runWithSdks("list", {}, command);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.status, 0);
   }

@@ -115,9 +115,10 @@ TEST_F(SimulatorCommands, ThoseForAnotherSdkAreLeftToIt) {
 TEST_F(SimulatorCommands, ThoseBeforeAWrongOneAreRunAndThoseAfterItAreNot) {
   const SimulatedSdk sdk = install("ASICamera2");
   expectRefused(sdk,
-                "force ASIGetNumOfConnectedCameras 1 1 2; focre; force ASIGetCameraProperty 1 1 4",
+                "force ASIGetNumOfConnectedCameras 1 1 0; focre; force ASIGetCameraProperty 1 1 4",
                 "focre", "unknown command \"focre\"");
-  EXPECT_EQ(oc.scan(), 2);
+  EXPECT_EQ(oc.scan(), 0);
+  EXPECT_EQ(oc.scan(), 4);
   EXPECT_EQ(error(), "");
 }
 
