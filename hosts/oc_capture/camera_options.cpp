@@ -6,8 +6,9 @@
 #include <filesystem>
 #include <iostream>
 #include <limits>
-#include <system_error>
+#include <stdexcept>
 
+#include "formats/ser_reader.hpp"
 #include "session/camera_choice.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -51,20 +52,29 @@ ReadValue intoSeconds(CaptureLength& length) {
   };
 }
 
+// A file that simulated cameras can show. They check it too, but a program cannot ask them.
+void requireRecording(const std::filesystem::path& path) {
+  try {
+    const SerReader recording(path);
+    if (recording.facts().frames == 0 && recording.facts().framesBehind == 0) {
+      throw std::runtime_error(inQuotes(utf8FromPath(path)) + " has no whole frame.");
+    }
+  } catch (const std::runtime_error& error) {
+    throw UsageError(error.what());
+  }
+}
+
 // "--scene". It takes effect when its value is read, which is before any SDK is loaded. Real
 // cameras ignore it.
-void showToSimulatedCameras(const char*, const std::string& file) {
+void showToSimulatedCameras(const std::string& file) {
   const std::filesystem::path path = pathFromUtf8(file);
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(path, ignored)) {
-    throw UsageError("--scene needs a recording; there is no file " + inQuotes(file) + ".");
-  }
   const std::string full = utf8FromPath(std::filesystem::absolute(path));
   // These characters separate commands.
   if (full.find_first_of(";\n") != std::string::npos) {
     throw UsageError("--scene cannot take a file with a semicolon in its path: " + inQuotes(full) +
                      ".");
   }
+  requireRecording(path);
   // The simulated SDKs read their commands from this variable when they are loaded.
   constexpr const char* variable = "ORVANE_SIMULATOR";
   const std::string others = environmentVariable(variable);
@@ -101,26 +111,31 @@ PixelFormat formatOf(const oc::CameraInfo& camera, std::optional<PixelFormat> wa
   return format;
 }
 
-int gainOf(const oc::CameraInfo& camera, std::optional<int> wanted) {
+int gainOf(const oc::CameraInfo& camera, std::optional<int> wanted, bool showsScene) {
   if (wanted && hasGainRange(camera) && (*wanted < camera.minGain || *wanted > camera.maxGain)) {
     throw UsageError("--gain can be " + std::to_string(camera.minGain) + " to " +
                      std::to_string(camera.maxGain) + " with " + camera.name + ".");
   }
-  return wanted.value_or(usualGain(camera));
+  return wanted.value_or(showsScene ? middleGain(camera) : usualGain(camera));
 }
 
 }  // namespace
 
-void addSdkOptions(CommandOptions& options, std::string& sdkDirectory) {
+void addSdkOptions(CommandOptions& options, std::string& sdkDirectory, bool* showsScene) {
   options.add("--sdk", "DIR", "Directory with the makers' SDK libraries", intoText(sdkDirectory),
               Presence::Required);
   options.add("--scene", "FILE.ser",
-              "Recording that simulated cameras look at;\nwithout effect on real ones",
-              showToSimulatedCameras);
+              "Recording that simulated cameras look at;\nreal ones do not see it",
+              [showsScene](const char*, const std::string& file) {
+                showToSimulatedCameras(file);
+                if (showsScene != nullptr) {
+                  *showsScene = true;
+                }
+              });
 }
 
 void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence presence) {
-  addSdkOptions(options, camera.sdkDirectory);
+  addSdkOptions(options, camera.sdkDirectory, &camera.showsScene);
   options.add("--camera", "CAMERA", "Index, or a part of the name\nthat fits one camera only",
               intoText(camera.camera), presence);
   options.add("--width", "PIXELS", "Frame width; whole sensor if not given",
@@ -133,9 +148,12 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence p
               intoNamed(camera.format, formatFromName, "raw8, raw16, rgb24 or mono8"));
   options.add("--exposure", "TIME", "With its unit: 500us, 20ms, 1.5s;\n20ms if not given",
               intoExposure(camera.exposureUs));
-  options.add("--gain", "N", "In the maker's units;\na third of the camera's range if not given",
-              intoNumber(camera.gain, smallestInt, largestInt));
-  options.add("--offset", "N", "Black level in the maker's units;\n10 if not given",
+  options.add(
+      "--gain", "N",
+      "In the maker's units; if not given, a third of\nthe camera's range, with --scene the middle",
+      intoNumber(camera.gain, smallestInt, largestInt));
+  options.add("--offset", "N",
+              "Black level in the maker's units;\nif not given, 10, with --scene 0",
               intoNumber(camera.offset, smallestInt, largestInt));
   options.add("--discard", "N",
               "Frames to throw away before the first that counts;\n0 if not given",
@@ -171,8 +189,8 @@ oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& cam
     throw UsageError("--exposure can be " + durationText(camera.maxExposureUs) + " at most with " +
                      camera.name + ".");
   }
-  settings.gain = gainOf(camera, options.gain);
-  settings.offset = options.offset;
+  settings.gain = gainOf(camera, options.gain, options.showsScene);
+  settings.offset = options.offset.value_or(options.showsScene ? 0 : 10);
   // Throws now, not only after the camera was opened.
   correctedLayout({settings.width, settings.height, settings.format, BayerPattern::None},
                   options.correction);

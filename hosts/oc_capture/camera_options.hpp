@@ -17,20 +17,22 @@ namespace orvane::host {
 /// Options that are not given keep these values. Those without a value depend on the camera.
 struct CameraOptions {
   std::string sdkDirectory;
-  std::string camera;  ///< index or part of the name
+  bool showsScene = false;  ///< with settings that are not given, the recording is unchanged
+  std::string camera;       ///< index or part of the name
   std::optional<int> width;
   std::optional<int> height;
   int bin = 1;
   std::optional<PixelFormat> format;
   std::int64_t exposureUs = 20'000;
   std::optional<int> gain;
-  int offset = 10;
+  std::optional<int> offset;
   int discard = 0;  ///< frames to throw away after the camera was opened
   FrameCorrection correction;
 };
 
-/// "--sdk", which is required, and "--scene", a recording that simulated cameras look at.
-void addSdkOptions(CommandOptions& options, std::string& sdkDirectory);
+/// "--sdk", which is required, and "--scene", a recording that simulated cameras look at. Sets
+/// `showsScene`, if it is not null, when there is one.
+void addSdkOptions(CommandOptions& options, std::string& sdkDirectory, bool* showsScene = nullptr);
 
 /// The options of addSdkOptions() and addCorrectionOptions(), "--camera" and the camera's settings.
 void addCameraOptions(CommandOptions& options, CameraOptions& camera,

@@ -250,7 +250,8 @@ TEST_F(OcCaptureDoctor, OpensNoCameraUnlessAsked) {
   sdks.add("ASICamera2");
   const auto log = scratch.file("calls");
   doctor(0, "", "log " + utf8(log));
-  EXPECT_EQ(contentOf(log), "");
+  // On Linux an SDK that is not called does not even make the file.
+  EXPECT_EQ(std::filesystem::exists(log) ? contentOf(log) : "", "");
 
   const ProgramResult scanned = doctor(0, "--scan", "log " + utf8(log));
   EXPECT_PRED_FORMAT2(IsSubstring, "ASIOpenCamera", contentOf(log));
