@@ -1,5 +1,4 @@
-// The floors call the makers' functions in a plain program: they look them up by name, as the
-// library does.
+// The floors call the makers' functions in a plain program.
 #pragma once
 
 #include <filesystem>
@@ -7,15 +6,14 @@
 
 #include "platform/platform.hpp"
 
-// The types of the makers' functions, name##Signature.
-#define SDK_FUNCTION(maker, name, ...) using name##Signature = __VA_ARGS__
-#define SDK_HRESULT_FUNCTION(maker, name, ...) SDK_FUNCTION(maker, name, __VA_ARGS__)
+// The makers' functions, and their types under the names name##Signature.
+#include "simulated_sdk.hpp"
 #include "vendors/sdk/asi_sdk.hpp"
 #include "vendors/sdk/playerone_sdk.hpp"
 #include "vendors/sdk/qhyccd_sdk.hpp"
 #include "vendors/sdk/toupcam_sdk.hpp"
 
-/// One SDK call of a floor: a look-up and a call.
+/// One SDK call of a floor: a look-up by name, as in the library, and a call.
 #define FLOOR_CALL(sdk, name) \
   (reinterpret_cast<name##Signature*>(platform::findFunction(sdk, #name)))
 

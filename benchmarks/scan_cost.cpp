@@ -2,9 +2,9 @@
 //
 //     scan_cost LIBRARY_FILE INSTANT_SDK_DIRECTORY [GATE_NS]
 //
-// The instant SDKs have 128 cameras each (ORVANE_INSTANT_CAMERAS=128). The floor makes the same SDK
-// calls with functions that were looked up before. The difference is the library's own part:
-// look-ups, descriptions, memory. The exit status is 1 if a camera costs more than GATE_NS.
+// The instant SDKs have 128 cameras each (ORVANE_INSTANT_CAMERAS=128). They are also linked into
+// this program: the floor makes the same SDK calls directly. The difference is the library's own
+// part: look-ups, descriptions, memory. The exit status is 1 if a camera costs more than GATE_NS.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -19,23 +19,11 @@
 namespace orvane {
 namespace {
 
-using testing::SharedLibrary;
-
 constexpr int rounds = 301;
 constexpr int camerasPerSdk = 128;
 constexpr int cameraCount = 4 * camerasPerSdk;
 
-// SDK functions, looked up once.
-#define SDK_CALL(name) name##Signature* const name = sdk.function<name##Signature>(#name)
-
-void scanAsi(const SharedLibrary& sdk) {
-  static SDK_CALL(ASIGetNumOfConnectedCameras);
-  static SDK_CALL(ASIGetCameraProperty);
-  static SDK_CALL(ASIOpenCamera);
-  static SDK_CALL(ASIInitCamera);
-  static SDK_CALL(ASIGetNumOfControls);
-  static SDK_CALL(ASIGetControlCaps);
-  static SDK_CALL(ASICloseCamera);
+void scanAsi() {
   const int cameras = ASIGetNumOfConnectedCameras();
   for (int i = 0; i < cameras; ++i) {
     ASI_CAMERA_INFO info{};
@@ -52,13 +40,7 @@ void scanAsi(const SharedLibrary& sdk) {
   }
 }
 
-void scanPlayerOne(const SharedLibrary& sdk) {
-  static SDK_CALL(POAGetCameraCount);
-  static SDK_CALL(POAGetCameraProperties);
-  static SDK_CALL(POAOpenCamera);
-  static SDK_CALL(POAInitCamera);
-  static SDK_CALL(POAGetConfigAttributesByConfigID);
-  static SDK_CALL(POACloseCamera);
+void scanPlayerOne() {
   const int cameras = POAGetCameraCount();
   for (int i = 0; i < cameras; ++i) {
     POACameraProperties properties{};
@@ -73,17 +55,7 @@ void scanPlayerOne(const SharedLibrary& sdk) {
   }
 }
 
-void scanQhy(const SharedLibrary& sdk) {
-  static SDK_CALL(ScanQHYCCD);
-  static SDK_CALL(GetQHYCCDId);
-  static SDK_CALL(GetQHYCCDModel);
-  static SDK_CALL(OpenQHYCCD);
-  static SDK_CALL(SetQHYCCDStreamMode);
-  static SDK_CALL(InitQHYCCD);
-  static SDK_CALL(GetQHYCCDChipInfo);
-  static SDK_CALL(IsQHYCCDControlAvailable);
-  static SDK_CALL(GetQHYCCDParamMinMaxStep);
-  static SDK_CALL(CloseQHYCCD);
+void scanQhy() {
   const std::uint32_t cameras = ScanQHYCCD();
   for (std::uint32_t i = 0; i < cameras; ++i) {
     char id[257] = {};
@@ -108,14 +80,7 @@ void scanQhy(const SharedLibrary& sdk) {
   }
 }
 
-void scanToupTek(const SharedLibrary& sdk) {
-  static SDK_CALL(Toupcam_EnumV2);
-  static SDK_CALL(Toupcam_Open);
-  static SDK_CALL(Toupcam_get_MaxBitDepth);
-  static SDK_CALL(Toupcam_get_RawFormat);
-  static SDK_CALL(Toupcam_get_ExpTimeRange);
-  static SDK_CALL(Toupcam_get_ExpoAGainRange);
-  static SDK_CALL(Toupcam_Close);
+void scanToupTek() {
   std::array<ToupcamDeviceV2, TOUPCAM_MAX> devices{};
   const unsigned cameras = Toupcam_EnumV2(devices.data());
   for (unsigned i = 0; i < cameras; ++i) {
@@ -131,17 +96,10 @@ void scanToupTek(const SharedLibrary& sdk) {
 }
 
 bool run(const std::string& libraryFile, const std::string& sdkDirectory, double gateNs) {
-  const SharedLibrary library(benchmarks::fullPath(libraryFile));
+  const testing::SharedLibrary library(benchmarks::fullPath(libraryFile));
   const auto scan = library.function<decltype(::oc_scan)>("oc_scan");
   const auto info = library.function<decltype(::oc_info)>("oc_info");
   library.function<decltype(::oc_library_dir)>("oc_library_dir")(sdkDirectory.c_str());
-  const auto sdk = [&](const char* baseName) {
-    return SharedLibrary(platform::libraryPath(sdkDirectory, baseName));
-  };
-  const SharedLibrary asi = sdk("ASICamera2");
-  const SharedLibrary playerOne = sdk("PlayerOneCamera");
-  const SharedLibrary qhy = sdk("qhyccd");
-  const SharedLibrary toupTek = sdk("toupcam");
   if (scan() != cameraCount) {
     throw std::runtime_error("the scan did not find 512 cameras: " +
                              std::string(library.function<decltype(::oc_error)>("oc_error")()));
@@ -149,10 +107,10 @@ bool run(const std::string& libraryFile, const std::string& sdkDirectory, double
 
   const auto times = benchmarks::medianTimes(rounds, {[scan] { scan(); },
                                                       [&] {
-                                                        scanAsi(asi);
-                                                        scanPlayerOne(playerOne);
-                                                        scanQhy(qhy);
-                                                        scanToupTek(toupTek);
+                                                        scanAsi();
+                                                        scanPlayerOne();
+                                                        scanQhy();
+                                                        scanToupTek();
                                                       },
                                                       [info] {
                                                         for (int i = 0; i < cameraCount; ++i) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <type_traits>
 
 namespace orvane::fuzz {
 
@@ -86,7 +87,22 @@ class Input {
                                      : std::bit_cast<double>(longWord());
   }
 
+  /// Sets each output to any number of its type.
+  template <class... Numbers>
+  void fill(Numbers&... outputs) {
+    ((outputs = static_cast<Numbers>(any<Numbers>())), ...);
+  }
+
  private:
+  template <class Number>
+  auto any() {
+    if constexpr (std::is_floating_point_v<Number>) {
+      return real();
+    } else {
+      return number();
+    }
+  }
+
   std::span<const std::uint8_t> bytes_;
 };
 

@@ -108,12 +108,8 @@ struct Library {
   decltype(&::oc_close) close;             /**< oc_close() */
   decltype(&::oc_error) error;             /**< oc_error() */
 
-  /**
-   * The functions that the program links. A program that never calls this, and so never uses a
-   * default argument of this type, need not link the library.
-   *
-   * @return the table
-   */
+  /** @return the functions that the program links. A program that never calls this, and so never
+   * uses a default argument of this type, need not link the library. */
   static Library linked() {
     return {&::oc_library_dir, &::oc_scan,   &::oc_libraries,   &::oc_info, &::oc_open,
             &::oc_width,       &::oc_height, &::oc_buffer_size, &::oc_read, &::oc_apply,
@@ -121,11 +117,9 @@ struct Library {
   }
 
   /**
-   * The functions of a library that was loaded at run time.
-   *
    * @param loaded an OrvaneDesktopCamera of orvane_desktop_camera_loader.h, or anything with
-   * members of the same names. It must stay loaded while the table is in use.
-   * @return the table
+   *     members of the same names. It must stay loaded while the table is in use.
+   * @return its functions
    */
   template <class Loaded>
   static Library from(const Loaded& loaded) {
@@ -139,13 +133,7 @@ struct Library {
 template <class Byte>
 class ByteView {
  public:
-  /** No bytes. */
-  ByteView() = default;
-
-  /**
-   * @param data the first byte
-   * @param size how many there are
-   */
+  /** @param data the first byte @param size how many there are */
   ByteView(Byte* data, std::size_t size) : data_(data), size_(size) {}
 
   /** @param container of bytes, such as std::vector<std::uint8_t>; it must outlive the view */
@@ -162,15 +150,12 @@ class ByteView {
   Byte* begin() const { return data_; }
   /** @return the end, after the last byte */
   Byte* end() const { return data_ + size_; }
-  /**
-   * @param index below size()
-   * @return that byte
-   */
+  /** @param index below size() @return that byte */
   Byte& operator[](std::size_t index) const { return data_[index]; }
 
  private:
-  Byte* data_ = nullptr;
-  std::size_t size_ = 0;
+  Byte* data_;
+  std::size_t size_;
 };
 
 /** Bytes to read. */
@@ -276,11 +261,9 @@ class Description {
   double real(std::string_view key) const {
     const std::string_view value = scalar(key);
     require(!value.empty(), key);
-    const bool isNegative = value.front() == '-';
-    const std::string_view digits = isNegative ? value.substr(1) : value;
-    if (digits.substr(0, 3) == "inf") {
+    if (value.substr(0, 3) == "inf" || value.substr(0, 4) == "-inf") {
       const double infinity = std::numeric_limits<double>::infinity();
-      return isNegative ? -infinity : infinity;
+      return value.front() == '-' ? -infinity : infinity;
     }
     std::istringstream stream{std::string(value)};
     stream.imbue(std::locale::classic());
@@ -358,11 +341,9 @@ inline std::string textOf(const std::exception_ptr& failure) {
 /** @endcond */
 
 /**
- * Reads the library's description of a camera.
- *
  * @param index of the camera, for the text of a failure
- * @param json what oc_info() returned
- * @return the description; CameraInfo::ordinal is 0
+ * @param json the description that oc_info() returned
+ * @return its values; CameraInfo::ordinal is 0
  * @throw Error when a value is missing or not of its kind
  */
 inline CameraInfo parseCameraInfo(int index, std::string_view json) {
@@ -455,11 +436,8 @@ inline std::optional<CameraInfo> findAgain(const std::vector<CameraInfo>& camera
 }
 
 /**
- * How long a camera may be silent: twice the exposure plus 500 ms. After `patience` such waits
- * without a frame it counts as lost.
- *
  * @param exposureUs microseconds, 1 to 2147483647
- * @return the time
+ * @return how long a camera may be silent: twice the exposure plus 500 ms
  */
 inline std::chrono::milliseconds usualWait(std::int64_t exposureUs) {
   return std::chrono::milliseconds(2 * exposureUs / 1000 + 500);
@@ -508,17 +486,8 @@ class Camera {
   Camera(const Camera&) = delete;
   Camera& operator=(const Camera&) = delete;
 
-  /** @return how the bytes of its frames are to be read */
+  /** @return how the bytes of its frames are to be read; the size is as the camera rounded it */
   const FrameLayout& layout() const { return layout_; }
-  /** @return the frames' width, as the camera rounded it */
-  int width() const { return layout_.width; }
-  /** @return the frames' height, as the camera rounded it */
-  int height() const { return layout_.height; }
-  /** @return the frames' format */
-  Format format() const { return layout_.format; }
-  /** @return the frames' Bayer pattern: None for Rgb24 and Mono8, too */
-  Bayer bayer() const { return layout_.bayer; }
-
   /** @return the bytes that a buffer for read() must have; may be more than a frame has */
   std::size_t bufferSize() const { return bufferSize_; }
 
@@ -556,12 +525,8 @@ class Camera {
     }
   }
 
-  /**
-   * The sensor's temperature.
-   *
-   * @return degrees Celsius; none when the SDK gives none, or a number that is no temperature (not
-   *     between -150 and 150)
-   */
+  /** @return the sensor's temperature, degrees Celsius; none when the SDK gives none, or a number
+   * that is no temperature (not between -150 and 150) */
   std::optional<double> temperature() const {
     const double celsius = library_.temperature();
     return celsius > -150 && celsius < 150 ? std::optional<double>(celsius) : std::nullopt;
@@ -682,24 +647,14 @@ struct Opening {
   std::uint64_t number = 0;
 };
 
-// One frame; its buffer returns to the pool when nobody holds it any more.
+// One frame.
 struct FrameData {
-  FrameData() = default;
-  ~FrameData() {
-    if (pool) {
-      pool->give(buffer);
-    }
-  }
-  FrameData(const FrameData&) = delete;
-  FrameData& operator=(const FrameData&) = delete;
-
-  std::shared_ptr<BufferPool> pool;
   std::vector<std::uint8_t> buffer;
-  std::size_t size = 0;
+  std::size_t size;
   std::shared_ptr<const Opening> opening;
-  std::uint64_t number = 0;
   Clock::time_point arrival;
   std::chrono::system_clock::time_point arrivalTime;
+  std::uint64_t number = 0;
 };
 
 // The frames for one consumer. The hub's mutex guards every member.
@@ -767,15 +722,13 @@ class Worker;
 
 // What the capture thread, its owner and the consumers share.
 struct Hub {
-  struct Request {
-    std::function<void(Worker&)> work;
-    bool isApply = false;
-  };
+  using Request = std::function<void(Worker&)>;
 
   std::mutex mutex;              // guards everything here but the pool
   std::condition_variable news;  // for consumers: a frame, the end of a queue, a new phase
   std::condition_variable work;  // for the thread: a request, the end, room in a queue
   std::deque<Request> requests;
+  bool endsWithApply = false;  // the last request
   bool mustStop = false;
   bool hasEnded = false;
   CaptureState state;
@@ -792,15 +745,14 @@ struct Hub {
     });
   }
 
-  void ask(Request request) {
-    {
-      const std::lock_guard<std::mutex> lock(mutex);
-      if (request.isApply && !requests.empty() && requests.back().isApply) {
-        requests.back() = std::move(request);
-      } else {
-        requests.push_back(std::move(request));
-      }
+  void ask(Request request, bool isApply) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (isApply && endsWithApply && !requests.empty()) {
+      requests.back() = std::move(request);
+    } else {
+      requests.push_back(std::move(request));
     }
+    endsWithApply = isApply;
     work.notify_one();
   }
 };
@@ -810,10 +762,8 @@ struct Lease {
   Lease() = default;
   ~Lease() {
     if (hub) {
-      {
-        const std::lock_guard<std::mutex> lock(hub->mutex);
-        --queue->held;
-      }
+      const std::lock_guard<std::mutex> lock(hub->mutex);
+      --queue->held;
       hub->work.notify_one();
     }
   }
@@ -907,10 +857,8 @@ class FrameQueue {
   /** @param other becomes no queue */
   FrameQueue(FrameQueue&& other) = default;
 
-  /**
-   * @param other its queue moves here; the one that was here ends as in the destructor
-   * @return this queue
-   */
+  /** @param other its queue moves here; the one that was here ends as in the destructor
+   * @return this queue */
   FrameQueue& operator=(FrameQueue&& other) noexcept {
     FrameQueue moved(std::move(other));
     std::swap(hub_, moved.hub_);
@@ -921,75 +869,13 @@ class FrameQueue {
   /**
    * Waits for a frame.
    *
-   * @return the frame; empty when no more frames will come: the queue was closed or the
-   *     CaptureThread is gone, and every frame that waited was taken
+   * @param wait how long at most; 0 does not wait; no value waits without a limit
+   * @return the frame; empty when none came in time, or when no more frames will come: the queue
+   *     was closed or the CaptureThread is gone, and every frame that waited was taken
    * @throw Error when the camera was lost and no frame waits; the text is CaptureState::text. The
    *     queue goes on when a camera is opened again.
    */
-  Frame next() { return take(std::nullopt); }
-
-  /**
-   * Waits for a frame for a limited time.
-   *
-   * @param wait how long; 0 does not wait
-   * @return the frame; empty when none came in time, or when no more frames will come
-   * @throw Error as next()
-   */
-  Frame next(std::chrono::milliseconds wait) { return take(wait); }
-
-  /** No more frames are put in. Those that wait can still be taken. */
-  void close() {
-    {
-      const std::lock_guard<std::mutex> lock(hub_->mutex);
-      queue_->isClosed = true;
-    }
-    hub_->news.notify_all();
-  }
-
-  /** @return how many frames may wait or be held */
-  std::size_t capacity() const { return queue_->capacity; }
-  /** @return how many frames wait */
-  std::size_t waiting() const { return locked()->waiting.size(); }
-  /** @return the most frames that have waited at a time */
-  std::size_t mostWaiting() const { return locked()->mostWaiting; }
-  /** @return frames that were put in since the queue was made, also those replaced since */
-  std::uint64_t accepted() const { return locked()->accepted; }
-  /** @return frames that were taken out since the queue was made */
-  std::uint64_t taken() const { return locked()->taken; }
-  /** @return frames that were dropped since the queue was made; see Delivery */
-  std::uint64_t dropped() const { return locked()->dropped; }
-
- private:
-  friend class CaptureThread;
-
-  // A queue for as long as its mutex is locked.
-  class Locked {
-   public:
-    Locked(std::mutex& mutex, const detail::Queue& queue) : lock_(mutex), queue_(queue) {}
-    const detail::Queue* operator->() const { return &queue_; }
-
-   private:
-    std::lock_guard<std::mutex> lock_;
-    const detail::Queue& queue_;
-  };
-  Locked locked() const { return {hub_->mutex, *queue_}; }
-
-  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity,
-             std::uint64_t most)
-      : hub_(std::move(hub)), queue_(std::make_shared<detail::Queue>()) {
-    queue_->delivery = delivery;
-    queue_->capacity = capacity;
-    queue_->most = most;
-    if (capacity > 0) {
-      {
-        const std::lock_guard<std::mutex> lock(hub_->mutex);
-        hub_->queues.push_back(queue_);
-      }
-      hub_->work.notify_one();
-    }
-  }
-
-  Frame take(std::optional<std::chrono::milliseconds> wait) {
+  Frame next(std::optional<std::chrono::milliseconds> wait = std::nullopt) {
     auto lease = std::make_shared<detail::Lease>();  // before a frame is taken, which could be lost
     std::unique_lock<std::mutex> lock(hub_->mutex);
     const auto isOver = [this] {
@@ -1018,6 +904,52 @@ class FrameQueue {
     return {};
   }
 
+  /** No more frames are put in. Those that wait can still be taken. */
+  void close() {
+    const std::lock_guard<std::mutex> lock(hub_->mutex);
+    queue_->isClosed = true;
+    hub_->news.notify_all();
+  }
+
+  /** @return how many frames may wait or be held */
+  std::size_t capacity() const { return queue_->capacity; }
+  /** @return how many frames wait */
+  std::size_t waiting() const {
+    const std::lock_guard<std::mutex> lock(hub_->mutex);
+    return queue_->waiting.size();
+  }
+  /** @return the most frames that have waited at a time */
+  std::size_t mostWaiting() const { return locked(&detail::Queue::mostWaiting); }
+  /** @return frames that were put in since the queue was made, also those replaced since */
+  std::uint64_t accepted() const { return locked(&detail::Queue::accepted); }
+  /** @return frames that were taken out since the queue was made */
+  std::uint64_t taken() const { return locked(&detail::Queue::taken); }
+  /** @return frames that were dropped since the queue was made; see Delivery */
+  std::uint64_t dropped() const { return locked(&detail::Queue::dropped); }
+
+ private:
+  friend class CaptureThread;
+
+  // A copy of a member.
+  template <class Value>
+  Value locked(Value detail::Queue::*member) const {
+    const std::lock_guard<std::mutex> lock(hub_->mutex);
+    return (*queue_).*member;
+  }
+
+  FrameQueue(std::shared_ptr<detail::Hub> hub, Delivery delivery, std::size_t capacity,
+             std::uint64_t most)
+      : hub_(std::move(hub)), queue_(std::make_shared<detail::Queue>()) {
+    queue_->delivery = delivery;
+    queue_->capacity = capacity;
+    queue_->most = most;
+    if (capacity > 0) {
+      const std::lock_guard<std::mutex> lock(hub_->mutex);
+      hub_->queues.push_back(queue_);
+      hub_->work.notify_one();
+    }
+  }
+
   std::shared_ptr<detail::Hub> hub_;
   std::shared_ptr<detail::Queue> queue_;
 };
@@ -1041,25 +973,21 @@ class Worker {
       }
     }
     camera_.reset();
-    {
-      const std::lock_guard<std::mutex> lock(hub_->mutex);
-      hub_->hasEnded = true;
-      hub_->state.phase = hub_->state.phase == Phase::Lost ? Phase::Lost : Phase::Idle;
-    }
+    const std::lock_guard<std::mutex> lock(hub_->mutex);
+    hub_->hasEnded = true;
+    hub_->state.phase = hub_->state.phase == Phase::Lost ? Phase::Lost : Phase::Idle;
     hub_->news.notify_all();
   }
 
   void open(const CameraInfo& camera, const Settings& settings) {
     camera_.reset();
-    std::uint64_t number = 0;
+    CaptureState fresh;
+    fresh.camera = camera;
+    fresh.settings = settings;
+    fresh.settings.gain = settings.gain.value_or(camera.minGain);
+    const std::uint64_t number = fresh.opening = state().opening + 1;
     {
       const std::lock_guard<std::mutex> lock(hub_->mutex);
-      number = hub_->state.opening + 1;
-      CaptureState fresh;
-      fresh.camera = camera;
-      fresh.settings = settings;
-      fresh.settings.gain = settings.gain.value_or(camera.minGain);
-      fresh.opening = number;
       hub_->state = std::move(fresh);
     }
     isCameraWanted_ = true;
@@ -1194,8 +1122,8 @@ class Worker {
           hub_->requests.pop_front();
         }
       }
-      if (request.work) {
-        request.work(*this);
+      if (request) {
+        request(*this);
         tell();
       } else {
         stream();
@@ -1252,13 +1180,13 @@ class Worker {
 
   void deliver(std::size_t size, Clock::time_point arrival,
                std::chrono::system_clock::time_point arrivalTime) {
-    auto frame = std::make_shared<FrameData>();
-    frame->buffer = std::exchange(buffer_, {});
-    frame->pool = hub_->pool;
-    frame->size = size;
-    frame->opening = opening_;
-    frame->arrival = arrival;
-    frame->arrivalTime = arrivalTime;
+    // The buffer returns to the pool when nobody holds the frame any more.
+    std::shared_ptr<FrameData> frame(
+        new FrameData{std::exchange(buffer_, {}), size, opening_, arrival, arrivalTime},
+        [pool = hub_->pool](FrameData* dropped) {
+          pool->give(dropped->buffer);
+          delete dropped;
+        });
     waitsInRow_ = 0;
     bool isFull = false;
     {
@@ -1353,12 +1281,10 @@ class Worker {
   }
 
   void settle(Phase phase, std::string text) {
-    {
-      const std::lock_guard<std::mutex> lock(hub_->mutex);
-      hub_->state.phase = phase;
-      hub_->state.text = std::move(text);
-      hub_->state.temperature.reset();
-    }
+    const std::lock_guard<std::mutex> lock(hub_->mutex);
+    hub_->state.phase = phase;
+    hub_->state.text = std::move(text);
+    hub_->state.temperature.reset();
     hub_->news.notify_all();
   }
 
@@ -1448,9 +1374,7 @@ class CaptureThread {
     }
     hub_->work.notify_one();
     thread_.join();
-    std::deque<detail::Hub::Request> unanswered;
-    const std::lock_guard<std::mutex> lock(hub_->mutex);
-    unanswered.swap(hub_->requests);
+    hub_->requests.clear();  // their futures end
   }
 
   CaptureThread(const CaptureThread&) = delete;
@@ -1504,10 +1428,8 @@ class CaptureThread {
    * @param offset in the maker's units
    */
   void apply(std::int64_t exposureUs, int gain, int offset) {
-    hub_->ask({[exposureUs, gain, offset](detail::Worker& worker) {
-                 worker.apply(exposureUs, gain, offset);
-               },
-               true});
+    const auto work = [=](detail::Worker& worker) { worker.apply(exposureUs, gain, offset); };
+    hub_->ask(work, true);
   }
 
   /**
@@ -1544,11 +1466,7 @@ class CaptureThread {
     return ask([directory](detail::Worker& worker) { return worker.rescan(directory); });
   }
 
-  /**
-   * Closes the camera.
-   *
-   * @return when it is closed
-   */
+  /** Closes the camera. @return when it is closed */
   std::future<void> close() {
     return ask([](detail::Worker& worker) { worker.close(); });
   }
@@ -1559,7 +1477,7 @@ class CaptureThread {
     using Result = decltype(work(std::declval<detail::Worker&>()));
     auto task = std::make_shared<std::packaged_task<Result(detail::Worker&)>>(std::move(work));
     std::future<Result> result = task->get_future();
-    hub_->ask({[task](detail::Worker& worker) { (*task)(worker); }, false});
+    hub_->ask([task](detail::Worker& worker) { (*task)(worker); }, false);
     return result;
   }
 

@@ -28,6 +28,7 @@
 #define ORVANE_DESKTOP_CAMERA_LOADER_H
 
 #include <stddef.h>
+#include <stdio.h>
 #include <string.h>
 
 #include "orvane_desktop_camera.h"
@@ -53,43 +54,24 @@ extern "C" {
 /** The loaded library. All members are null before a load, after one that failed and after the
  * unload. */
 typedef struct OrvaneDesktopCamera {
-  /** oc_library_dir(). */
-  void (*library_dir)(const char* dir);
-  /** oc_scan(). */
-  int (*scan)(void);
-  /** oc_libraries(). */
-  const char* (*libraries)(void);
-  /** oc_info(). */
-  const char* (*info)(int index);
-  /** oc_open(). */
+  void (*library_dir)(const char* dir); /**< oc_library_dir() */
+  int (*scan)(void);                    /**< oc_scan() */
+  const char* (*libraries)(void);       /**< oc_libraries() */
+  const char* (*info)(int index);       /**< oc_info() */
   int (*open)(int index, int width, int height, int bin, int format, int64_t exposureUs, int gain,
-              int offset);
-  /** oc_width(). */
-  int (*width)(void);
-  /** oc_height(). */
-  int (*height)(void);
-  /** oc_buffer_size(). */
-  int (*buffer_size)(void);
-  /** oc_read(). */
-  int (*read)(uint8_t* buffer, int bufferLength, int timeoutMs);
-  /** oc_apply(). */
-  int (*apply)(int64_t exposureUs, int gain, int offset);
-  /** oc_temperature(). */
-  double (*temperature)(void);
-  /** oc_close(). */
-  void (*close)(void);
-  /** oc_error(). */
-  const char* (*error)(void);
-  /** The operating system's handle of the library. */
-  void* module;
+              int offset);                                       /**< oc_open() */
+  int (*width)(void);                                            /**< oc_width() */
+  int (*height)(void);                                           /**< oc_height() */
+  int (*buffer_size)(void);                                      /**< oc_buffer_size() */
+  int (*read)(uint8_t* buffer, int bufferLength, int timeoutMs); /**< oc_read() */
+  int (*apply)(int64_t exposureUs, int gain, int offset);        /**< oc_apply() */
+  double (*temperature)(void);                                   /**< oc_temperature() */
+  void (*close)(void);                                           /**< oc_close() */
+  const char* (*error)(void);                                    /**< oc_error() */
+  void* module; /**< the operating system's handle of the library */
 } OrvaneDesktopCamera;
 
-/**
- * For the two functions below only: opens a library.
- *
- * @param file UTF-8, a full path
- * @return its handle, or null
- */
+/** @cond for orvane_desktop_camera_load() only */
 static inline void* orvane_desktop_camera_open_module(const char* file) {
 #if defined(_WIN32)
   wchar_t path[4096];
@@ -104,46 +86,7 @@ static inline void* orvane_desktop_camera_open_module(const char* file) {
   return dlopen(file, RTLD_NOW | RTLD_LOCAL);
 #endif
 }
-
-/**
- * For orvane_desktop_camera_load() only: looks one function up.
- *
- * @param module the library's handle
- * @param name of the function
- * @param slot a pointer to a function pointer, which receives the address
- * @return 1, or 0 where the library has no such function
- */
-static inline int orvane_desktop_camera_find(void* module, const char* name, void* slot) {
-#if defined(_WIN32)
-  FARPROC address = GetProcAddress((HMODULE)module, name);
-#else
-  void* address = dlsym(module, name);
-#endif
-  if (address == NULL) {
-    return 0;
-  }
-  /* Standard C converts no object pointer into a function pointer. */
-  memcpy(slot, &address, sizeof address);
-  return 1;
-}
-
-/**
- * For orvane_desktop_camera_load() only: appends a text, cut down to fit, to the message.
- *
- * @param message may be null
- * @param length its size in bytes
- * @param text what is appended
- */
-static inline void orvane_desktop_camera_append(char* message, size_t length, const char* text) {
-  size_t used;
-  if (message == NULL || length == 0) {
-    return;
-  }
-  for (used = strlen(message); used + 1 < length && *text != '\0'; ++used, ++text) {
-    message[used] = *text;
-  }
-  message[used] = '\0';
-}
+/** @endcond */
 
 /**
  * Releases the library and makes every member null; does nothing with one that is not loaded.
@@ -173,8 +116,7 @@ static inline void orvane_desktop_camera_unload(OrvaneDesktopCamera* camera) {
  * @param file UTF-8, a full path, as "C:\\...\\orvane_desktop_camera.dll"; not null. On Windows a
  *     path fails that is not a full one, is not valid UTF-8, or has 4096 characters or more. On
  *     Linux the system looks for a name without a slash.
- * @param message receives one sentence after a failure and "" otherwise, cut down to fit; may be
- *     null
+ * @param message receives one sentence after a failure, otherwise ""; cut to fit; may be null
  * @param messageLength its size in bytes
  * @return 1, or 0 after a failure: nothing stays loaded then, and every member is null
  */
@@ -197,21 +139,24 @@ static inline int orvane_desktop_camera_load(OrvaneDesktopCamera* camera, const 
                    {"oc_close", (void*)&camera->close},
                    {"oc_error", (void*)&camera->error}};
   size_t i;
-  if (message != NULL && messageLength > 0) {
-    message[0] = '\0';
-  }
+  messageLength = message == NULL ? 0 : messageLength;
+  snprintf(message, messageLength, "%s", "");
   memset(camera, 0, sizeof *camera);
   camera->module = orvane_desktop_camera_open_module(file);
   if (camera->module == NULL) {
-    orvane_desktop_camera_append(message, messageLength, "Cannot load ");
-    orvane_desktop_camera_append(message, messageLength, file);
+    snprintf(message, messageLength, "Cannot load %s", file);
     return 0;
   }
   for (i = 0; i < sizeof functions / sizeof functions[0]; ++i) {
-    if (!orvane_desktop_camera_find(camera->module, functions[i].name, functions[i].slot)) {
-      orvane_desktop_camera_append(message, messageLength, file);
-      orvane_desktop_camera_append(message, messageLength, " has no function ");
-      orvane_desktop_camera_append(message, messageLength, functions[i].name);
+#if defined(_WIN32)
+    FARPROC address = GetProcAddress((HMODULE)camera->module, functions[i].name);
+#else
+    void* address = dlsym(camera->module, functions[i].name);
+#endif
+    /* Standard C converts no object pointer into a function pointer. */
+    memcpy(functions[i].slot, &address, sizeof address);
+    if (address == NULL) {
+      snprintf(message, messageLength, "%s has no function %s", file, functions[i].name);
       orvane_desktop_camera_unload(camera);
       return 0;
     }

@@ -3,25 +3,21 @@
 # recording and of loading, and the swap of red and blue compared with other libraries. Each run prints
 # the processor's name and ratios measured inside that run. The exit status is 1 if a gate is missed.
 #   bench.sh [RUNS]      the number of runs, 1 by default
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" libyuv-dev libopencv-imgproc-dev python3
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" libyuv-dev \
+  libopencv-imgproc-dev python3
 
 runs=${1:-1}
 linux=build/linux-x64-bench
 windows=build/windows-x64-bench
-configure() {
-  local configured
-  configured=$(cmake -S . -G Ninja -D CMAKE_BUILD_TYPE=Release -D ORVANE_BUILD_TESTS=OFF "$@" 2>&1) ||
-    { echo "$configured"; exit 1; }
+# build DIRECTORY OPTION...
+build() {
+  quietly cmake -S . -B "$@" -G Ninja -D CMAKE_BUILD_TYPE=Release -D ORVANE_BUILD_TESTS=OFF
+  cmake --build "$1"
 }
 echo "== build"
-configure -B "$linux" -D ORVANE_BUILD_COMPARISONS=ON
-cmake --build "$linux"
-configure -B "$windows" -D CMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/mingw-w64-x86_64.cmake"
-cmake --build "$windows"
+build "$linux" -D ORVANE_BUILD_COMPARISONS=ON
+build "$windows" -D CMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/mingw-w64-x86_64.cmake"
 
 library=$PWD/$linux/bin/liborvane_desktop_camera.so
 dll=$windows/bin/orvane_desktop_camera.dll
@@ -49,7 +45,7 @@ for ((run = 1; run <= runs; ++run)); do
     "$linux/benchmarks/scan_cost" "$library" "$linux/instant-sdks"
   part "swap red and blue; implementations" "$linux/benchmarks/swap_red_and_blue"
   part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
-    "$linux/benchmarks/copy_and_write" /dev/shm "$linux"
+    /dev/shm "$linux"
   part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \
     "$windows/benchmarks/empty_library.dll"
   size=$(stat -c %s "$dll")

@@ -2,11 +2,8 @@
 # Installs what is missing, builds with GCC's coverage counters, runs the tests on this system and reports
 # which lines and branches of src/ they reach. Prints a table and every line that was not reached, and
 # writes an HTML report to build/coverage/report/.
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" gcovr
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${test_tools[@]}" gcovr
 
 build=build/coverage
 echo "== build"

@@ -2,16 +2,12 @@
 # Installs what is missing, builds the Windows library, oc_capture and the simulated SDKs, and runs
 # oc_capture through Wine: lists the cameras, records from one camera of each maker into demo-output/,
 # and records from a camera that sees one of these recordings.
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}"
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools[@]}"
 
 echo "== build"
 quietly cmake --preset windows-x64
-cmake --build --preset windows-x64 --target oc_capture \
-  simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
+cmake --build --preset windows-x64 --target oc_capture simulated_sdks
 
 capture() {
   cmake/run_with_wine.sh build/windows-x64/bin/oc_capture.exe "$@"
@@ -66,4 +62,4 @@ fi
 echo
 echo "$table"
 echo
-echo "The recordings, each with a .png of its last frame, brightened, are in $PWD/$out"
+echo "The recordings, each with a -preview.png of its last frame, brightened, are in $PWD/$out"

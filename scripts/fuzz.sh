@@ -4,18 +4,16 @@
 #   fuzz.sh [SECONDS]        60 by default
 # New inputs go to build/linux-x64-fuzz/corpus/. Inputs that break a rule go to
 # build/linux-x64-fuzz/findings/, and the exit status is then 1.
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" clang libclang-rt-14-dev nlohmann-json3-dev
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" clang libclang-rt-14-dev
 
 seconds=${1:-60}
 build=build/linux-x64-fuzz
 echo "== build"
-configured=$(cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+quietly cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
   -D CMAKE_C_COMPILER=clang -D CMAKE_CXX_COMPILER=clang++ -D ORVANE_BUILD_FUZZERS=ON \
   -D ORVANE_BUILD_TESTS=OFF -D ORVANE_BUILD_SIMULATORS=OFF -D ORVANE_BUILD_HOSTS=OFF \
-  -D ORVANE_BUILD_BENCHMARKS=OFF 2>&1) || { echo "$configured"; exit 1; }
+  -D ORVANE_BUILD_BENCHMARKS=OFF
 cmake --build "$build" --target fuzz_adversarial_sdks fuzz_camera_json
 
 # run NAME SECONDS LARGEST-INPUT

@@ -1,11 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, then checks the sources with clang-format and clang-tidy and compiles them
 # with clang. Warnings are errors.
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" "${lint_tools[@]}"
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${test_tools[@]}" "${lint_tools[@]}"
 
 sources=$(git ls-files '*.cpp' '*.hpp' '*.c' '*.h')
 echo "== clang-format"

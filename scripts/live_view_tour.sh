@@ -3,11 +3,9 @@
 # virtual screen, presses its keys and takes screenshots. Fails if the program ends by itself or a
 # recording is not a valid SER file.
 #   live_view_tour.sh [DIRECTORY]      for the screenshots; default: live-view-tour/
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" "${screen_tools[@]}"
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools[@]}" \
+  "${screen_tools[@]}"
 
 out=${1:-live-view-tour}
 mkdir -p "$out/recordings"
@@ -16,8 +14,7 @@ rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.ser
 
 echo "== build"
 quietly cmake --preset windows-x64
-cmake --build --preset windows-x64 --target live_view \
-  simulated_ASICamera2 simulated_PlayerOneCamera simulated_qhyccd simulated_toupcam
+cmake --build --preset windows-x64 --target live_view simulated_sdks
 sdk=build/windows-x64/simulated-sdks
 
 # A separate screen. The server chooses its number.

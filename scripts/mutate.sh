@@ -3,10 +3,7 @@
 # a test to fail. Ends with status 1 when a change goes unnoticed that tests/mutation/survivors.md does
 # not explain.
 #   mutate.sh [COUNT [SEED]]     how many changes, and which; 300 and 1 without arguments
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" python3
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${test_tools[@]}" python3
 export PYTHONDONTWRITEBYTECODE=1
 exec python3 tests/mutation/mutate.py build/mutation --count "${1:-300}" --seed "${2:-1}"

@@ -3,11 +3,9 @@
 # Linux, and makes a package for each in build/<preset>/packages/. The files have the time of the last
 # commit, so that the same commit always gives the same archives.
 #   package.sh [PRESET...]      windows-x64, linux-x64; default: both
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" "${package_tools[@]}" git
+  "${package_tools[@]}" git
 
 export SOURCE_DATE_EPOCH="${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}"
 [ $# -gt 0 ] || set -- windows-x64 linux-x64

@@ -4,11 +4,9 @@
 # tenth of a run takes more than twice as long as the first.
 #   soak.sh [PRESET...]      linux-x64, windows-x64; default: both
 # SOAK_CYCLES (10000), SOAK_READS (1000000) and SOAK_RANDOM_STEPS (250000) set the lengths.
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" "${test_tools[@]}"
+  "${test_tools[@]}"
 
 export ORVANE_SOAK_CYCLES="${SOAK_CYCLES:-10000}"
 export ORVANE_SOAK_READS="${SOAK_READS:-1000000}"

@@ -2,11 +2,9 @@
 # Installs what is missing, then builds and tests everything: the Windows library through Wine, the
 # Linux build, and the Linux build under the sanitizers.
 #   test.sh [PRESET...]      windows-x64, linux-x64, linux-x64-sanitize; default: all
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" \
-  "${host_headers[@]}" "${test_tools[@]}" "${binding_tools[@]}" "${package_tools[@]}"
+  "${test_tools[@]}" "${binding_tools[@]}" "${package_tools[@]}"
 
 [ $# -gt 0 ] || set -- windows-x64 linux-x64 linux-x64-sanitize
 summary=()

@@ -1,10 +1,11 @@
-# The other scripts source this file.
+# The other scripts begin with this file: they run in the project's directory and end at the first failure.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # The Debian packages that each job needs.
-build_tools=(cmake ninja-build)
+build_tools=(cmake ninja-build libcli11-dev nlohmann-json3-dev libstb-dev)
 windows_tools=(g++-mingw-w64-x86-64-posix wine wine64)
 native_tools=(g++)
-host_headers=(libcli11-dev nlohmann-json3-dev libstb-dev)
 test_tools=(googletest python3)
 screen_tools=(xvfb xdotool imagemagick ffmpeg fonts-liberation)
 binding_tools=(python3 python3-numpy mono-mcs mono-runtime)

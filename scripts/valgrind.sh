@@ -3,11 +3,8 @@
 # loading and replay tests under Valgrind's memcheck. Any error or definite leak is a failure. There are
 # no suppressions.
 #   valgrind.sh [TEST...]    test programs; default: all four
-set -eu
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/tools.sh
-scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${host_headers[@]}" \
-  "${test_tools[@]}" valgrind
+. "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
+scripts/install_tools.sh "${build_tools[@]}" "${native_tools[@]}" "${test_tools[@]}" valgrind
 
 [ $# -gt 0 ] || set -- unit_tests library_tests loading_tests fuzz_replay_tests
 build=build/linux-x64-valgrind
@@ -23,31 +20,22 @@ export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2
 
 # A library test changes its process's state for good, so every case runs in a process of its own.
 one_case() {
-  local log="$2/$(basename "$1").$3.log"
-  local name
-  name=$(sed -n "$3p" "$2/$(basename "$1").cases")
-  if ! valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite \
+  local log="$logs/${1##*/}.${2//\//_}.log"
+  valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite \
     --errors-for-leak-kinds=definite --num-callers=30 \
-    "$1" --gtest_filter="$name" >"$log" 2>&1; then
-    echo "FAILED: $name ($log)"
-  fi
+    "$1" --gtest_filter="$2" >"$log" 2>&1 || echo "FAILED: $2 ($log)"
 }
 export -f one_case
-logs="$build/valgrind"
+export logs="$PWD/$build/valgrind"
 rm -rf "$logs"
 mkdir -p "$logs"
 failures=0
 for program in "$@"; do
   file="$PWD/$build/tests/$program"
-  "$file" --gtest_list_tests | awk '
-    /^[^ ]/ { suite = $1; next }
-    /^ / { print suite $1 }' >"$logs/$program.cases"
-  count=$(wc -l <"$logs/$program.cases")
-  seq "$count" | xargs -P "$(nproc)" -I{} bash -c 'one_case "$@"' _ "$file" "$PWD/$logs" {} \
-    >"$logs/$program.failed"
-  failed=$(wc -l <"$logs/$program.failed")
-  cat "$logs/$program.failed"
-  echo "== $program: $count cases under memcheck, $failed with findings"
-  failures=$((failures + failed))
+  cases=$("$file" --gtest_list_tests | awk '/^[^ ]/ { suite = $1; next } { print suite $1 }')
+  mapfile -t failed < <(xargs -P "$(nproc)" -I{} bash -c 'one_case "$@"' _ "$file" {} <<<"$cases")
+  ((${#failed[@]} == 0)) || printf '%s\n' "${failed[@]}"
+  echo "== $program: $(wc -l <<<"$cases") cases under memcheck, ${#failed[@]} with findings"
+  failures=$((failures + ${#failed[@]}))
 done
 exit $((failures > 0))

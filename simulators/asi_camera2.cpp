@@ -354,7 +354,7 @@ int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       return ASI_ERROR_GENERAL_ERROR;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      sdk().countShortBuffer();
+      ++sdk().counts.shortBuffers;
       return ASI_ERROR_BUFFER_TOO_SMALL;
     }
     if (!sdk().waitForFrame(camera, waitMs)) {

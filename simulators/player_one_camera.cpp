@@ -443,7 +443,7 @@ int POAGetImageData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       return POA_ERROR_OPERATION_FAILED;
     }
     if (bufferSize < frameBytes(frameSettings(camera))) {
-      sdk().countShortBuffer();
+      ++sdk().counts.shortBuffers;
       return POA_ERROR_SIZE_LESS;
     }
     if (!sdk().waitForFrame(camera, waitMs)) {

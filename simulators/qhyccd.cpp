@@ -396,7 +396,7 @@ std::uint32_t GetQHYCCDLiveFrame(void* handle, std::uint32_t* width, std::uint32
     call.out("bitsPerPixel", bitsPerPixel, frame->layout == Layout::Raw16 ? 16 : 8);
     call.out("channels", channels, 1);
     if (camera.device.reportedLength != 0 && frameBytes(*frame) > camera.device.reportedLength) {
-      sdk().countWritePastBuffer();
+      ++sdk().counts.writesPastBuffer;
     }
     sdk().takeFrame(camera, data);
     return QHYCCD_SUCCESS;

@@ -158,8 +158,8 @@ void describe(Call& call, const SimCamera& camera, ToupcamDeviceV2& device) {
   call.set("ypixsz", model.ypixsz, static_cast<float>(camera.pixelSizeUm));
   call.set("width", model.res[0].width, static_cast<unsigned>(camera.width));
   call.set("height", model.res[0].height, static_cast<unsigned>(camera.height));
-  setText(device.displayname, name);
-  setText(device.id, idOf(camera));
+  copyText(device.displayname, name);
+  copyText(device.id, idOf(camera));
   device.model = lastingModel(name, model);
 }
 

@@ -63,11 +63,6 @@ ToupcamText nativeText(std::string_view utf8) {
 
 #endif
 
-void setText(ToupcamChar (&field)[textFieldLength], const ToupcamText& text) {
-  const std::size_t length = std::min(text.size(), textFieldLength);
-  std::fill(std::copy_n(text.begin(), length, field), field + textFieldLength, ToupcamChar{});
-}
-
 ToupcamText textIn(const ToupcamChar* field) {
   return {field, std::find(field, field + textFieldLength, ToupcamChar{})};
 }

@@ -19,10 +19,6 @@ constexpr std::size_t textFieldLength = 64;
 // become replacement characters.
 ToupcamText nativeText(std::string_view utf8);
 
-// Copies text into a field of a device entry. Text that is at least as long as the field fills it
-// without a NUL.
-void setText(ToupcamChar (&field)[textFieldLength], const ToupcamText& text);
-
 // The text in a field that a user passes back, up to its NUL, or the whole field if it has none.
 ToupcamText textIn(const ToupcamChar* field);
 

@@ -1,6 +1,6 @@
 // ZWO's ASICamera2 with functions that return at once: cameras of 64 x 48 pixels, or of any size
 // with prepared frames.
-#include <array>
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -14,48 +14,31 @@ namespace orvane {
 
 namespace {
 
+int frameWidth = benchmarks::instantWidth;
+int frameHeight = benchmarks::instantHeight;
+int bytesPerPixel = 1;
+
+std::size_t frameBytes() {
+  return static_cast<std::size_t>(frameWidth * frameHeight * bytesPerPixel);
+}
+
 // The environment variable ORVANE_INSTANT_SIZE ("1936x1096") gives the camera that size and frames
-// for the benchmark of recording. They are filled in advance, so that delivering one is only a
-// copy. Without it the camera delivers nothing.
-class PreparedFrames {
- public:
-  PreparedFrames() {
-    const char* const size = std::getenv("ORVANE_INSTANT_SIZE");  // NOLINT(concurrency-mt-unsafe)
-    // NOLINTNEXTLINE(cert-err34-c): only the benchmark of recording sets it
-    if (size == nullptr || std::sscanf(size, "%dx%d", &width, &height) != 2) {
-      return;
-    }
+// for the benchmark of recording. They are filled in advance, for the largest format, so that
+// delivering one is only a copy. Without it there are none, and the camera delivers nothing.
+const std::vector<std::vector<std::uint8_t>> preparedFrames = [] {
+  std::vector<std::vector<std::uint8_t>> frames;
+  const char* const size = std::getenv("ORVANE_INSTANT_SIZE");  // NOLINT(concurrency-mt-unsafe)
+  // NOLINTNEXTLINE(cert-err34-c): only the benchmark of recording sets it
+  if (size != nullptr && std::sscanf(size, "%dx%d", &frameWidth, &frameHeight) == 2) {
+    frames.assign(4, std::vector<std::uint8_t>(3 * frameBytes()));
     std::minstd_rand random(1);
-    for (std::vector<std::uint8_t>& frame : frames_) {
-      frame.resize(bytes(3));
-      for (std::uint8_t& byte : frame) {
-        byte = static_cast<std::uint8_t>(random() >> 16);
-      }
+    for (std::vector<std::uint8_t>& frame : frames) {
+      std::generate(frame.begin(), frame.end(),
+                    [&] { return static_cast<std::uint8_t>(random() >> 16); });
     }
   }
-
-  // Copies the next frame into the buffer.
-  void deliver(std::uint8_t* buffer, std::size_t bytesPerPixel) {
-    if (!frames_[next_].empty()) {
-      std::memcpy(buffer, frames_[next_].data(), bytes(bytesPerPixel));
-      next_ = (next_ + 1) % frames_.size();
-    }
-  }
-
-  int width = benchmarks::instantWidth;
-  int height = benchmarks::instantHeight;
-
- private:
-  std::size_t bytes(std::size_t bytesPerPixel) const {
-    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * bytesPerPixel;
-  }
-
-  std::size_t next_ = 0;
-  std::array<std::vector<std::uint8_t>, 4> frames_;
-};
-
-PreparedFrames frames;
-std::size_t bytesPerPixel = 1;
+  return frames;
+}();
 
 }  // namespace
 
@@ -67,8 +50,8 @@ int ASIGetNumOfConnectedCameras() {
 
 int ASIGetCameraProperty(ASI_CAMERA_INFO* info, int /*index*/) {
   info->Name[0] = 'i';
-  info->MaxWidth = frames.width;
-  info->MaxHeight = frames.height;
+  info->MaxWidth = frameWidth;
+  info->MaxHeight = frameHeight;
   info->SupportedBins[0] = 1;
   info->SupportedVideoFormat[1] = ASI_IMG_RGB24;
   info->SupportedVideoFormat[2] = ASI_IMG_RAW16;
@@ -99,13 +82,16 @@ int ASISetROIFormat(int /*cameraId*/, int /*width*/, int /*height*/, int /*bin*/
 }
 
 int ASIGetROIFormat(int /*cameraId*/, int* width, int* height, int* /*bin*/, int* /*imageType*/) {
-  *width = frames.width;
-  *height = frames.height;
+  *width = frameWidth;
+  *height = frameHeight;
   return 0;
 }
 
 int ASIGetVideoData(int /*cameraId*/, unsigned char* buffer, long /*bufferSize*/, int /*waitMs*/) {
-  frames.deliver(buffer, bytesPerPixel);
+  if (!preparedFrames.empty()) {
+    static std::size_t next = 0;
+    std::memcpy(buffer, preparedFrames[next++ % preparedFrames.size()].data(), frameBytes());
+  }
   return 0;
 }
 

@@ -20,6 +20,7 @@ using System;
 using System.Collections.Generic;
 using System.Diagnostics;
 using System.Globalization;
+using System.Linq;
 using System.Runtime.InteropServices;
 using System.Text;
 using System.Text.RegularExpressions;
@@ -95,11 +96,8 @@ namespace Orvane.DesktopCamera
         /// <summary>Reads the library's description of a camera: one flat JSON object.</summary>
         public static CameraInfo FromJson(string json)
         {
-            var fields = new Dictionary<string, string>();
-            foreach (Match match in Field.Matches(json))
-            {
-                fields[match.Groups[1].Value] = match.Groups[2].Value;
-            }
+            Dictionary<string, string> fields = Field.Matches(json).Cast<Match>()
+                .ToDictionary(match => match.Groups[1].Value, match => match.Groups[2].Value);
             try
             {
                 return new CameraInfo
@@ -143,11 +141,8 @@ namespace Orvane.DesktopCamera
 
         private static int Number(string text) => int.Parse(text, CultureInfo.InvariantCulture);
 
-        private static int[] Numbers(string list)
-        {
-            string inside = list.Substring(1, list.Length - 2);
-            return inside.Length == 0 ? new int[0] : Array.ConvertAll(inside.Split(','), Number);
-        }
+        private static int[] Numbers(string list) => Array.ConvertAll(
+            list.Split(new[] { '[', ',', ']' }, StringSplitOptions.RemoveEmptyEntries), Number);
 
         // The library removes control characters from names, so there are no other escapes.
         private static string Text(string quoted) =>
@@ -191,7 +186,9 @@ namespace Orvane.DesktopCamera
         /// could not all be read.</summary>
         public static ScanResult Scan(string sdkDirectory)
         {
-            byte[] directory = Native.Utf8(System.IO.Path.GetFullPath(sdkDirectory));
+            // Refuses text that UTF-8 cannot represent.
+            byte[] directory = new UTF8Encoding(false, true).GetBytes(
+                System.IO.Path.GetFullPath(sdkDirectory) + "\0");
             lock (OneCall)
             {
                 Native.oc_library_dir(directory);
@@ -200,21 +197,15 @@ namespace Orvane.DesktopCamera
                 {
                     throw Error();
                 }
-                string libraries = Native.Text(Native.oc_libraries());
-                var result = new ScanResult
+                return new ScanResult
                 {
                     Error = Native.Text(Native.oc_error()),
-                    Libraries = libraries.Length == 0
-                        ? new string[0]
-                        : libraries.Split(new[] { ", " }, StringSplitOptions.None)
+                    Libraries = Native.Text(Native.oc_libraries())
+                        .Split(new[] { ", " }, StringSplitOptions.RemoveEmptyEntries),
+                    Cameras = Enumerable.Range(0, count)
+                        .Select(index => CameraInfo.FromJson(Native.Text(Native.oc_info(index))))
+                        .ToList()
                 };
-                var cameras = new List<CameraInfo>();
-                for (int index = 0; index < count; ++index)
-                {
-                    cameras.Add(CameraInfo.FromJson(Native.Text(Native.oc_info(index))));
-                }
-                result.Cameras = cameras;
-                return result;
             }
         }
 
@@ -291,29 +282,26 @@ namespace Orvane.DesktopCamera
             }
         }
 
-        /// <summary>Waits for a frame, at most twice the exposure plus half a second. One such
-        /// timeout is normal. After five in a row assume that the camera is lost, because an
-        /// unplugged camera may cause no other error.</summary>
-        public ReadOnlySpan<byte> Read(Span<byte> buffer) =>
-            Read(buffer, (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue));
-
         /// <summary>Waits for the next frame and returns the filled part of the buffer: rows without
         /// padding, from the top (ToupTek on Windows: from the bottom). Throws
-        /// FrameTimeoutException if none comes.</summary>
-        public ReadOnlySpan<byte> Read(Span<byte> buffer, int timeoutMs)
+        /// FrameTimeoutException if none comes. Default timeout: twice the exposure plus half a
+        /// second. One such timeout is normal. After five in a row assume that the camera is lost,
+        /// because an unplugged camera may cause no other error.</summary>
+        public ReadOnlySpan<byte> Read(Span<byte> buffer, int? timeoutMs = null)
         {
+            int limitMs = timeoutMs ?? (int)Math.Min(2 * exposureUs / 1000 + 500, int.MaxValue);
             var waited = Stopwatch.StartNew();
             while (true)
             {
-                long left = Math.Max(0, timeoutMs - waited.ElapsedMilliseconds);
+                long left = Math.Max(0, limitMs - waited.ElapsedMilliseconds);
                 ReadOnlySpan<byte> frame = Poll(buffer, (int)Math.Min(left, LongestCallMs));
                 if (frame.Length > 0)
                 {
                     return frame;
                 }
-                if (waited.ElapsedMilliseconds >= timeoutMs)
+                if (waited.ElapsedMilliseconds >= limitMs)
                 {
-                    throw new FrameTimeoutException("No frame within " + timeoutMs + " ms");
+                    throw new FrameTimeoutException("No frame within " + limitMs + " ms");
                 }
                 // Only ZWO's SDK waits.
                 Thread.Sleep(1);
@@ -377,49 +365,28 @@ namespace Orvane.DesktopCamera
     }
 
     /// <summary>The thirteen functions. They pass text as bytes, because the runtime marshals UTF-8
-    /// differently on each system.</summary>
+    /// differently on each system. They state no calling convention: x64 has only one.</summary>
     internal static unsafe class Native
     {
         private const string Library = "orvane_desktop_camera";
-        private const CallingConvention Cdecl = CallingConvention.Cdecl;
 
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern void oc_library_dir(byte[] dir);
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_scan();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern IntPtr oc_libraries();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern IntPtr oc_info(int index);
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_open(int index, int width, int height, int bin, int format,
-                                           long exposureUs, int gain, int offset);
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_width();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_height();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_buffer_size();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_read(byte* buffer, int bufferLength, int timeoutMs);
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern int oc_apply(long exposureUs, int gain, int offset);
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern double oc_temperature();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern void oc_close();
-        [DllImport(Library, CallingConvention = Cdecl)]
-        internal static extern IntPtr oc_error();
-
-        /// <summary>A NUL-terminated copy. Refuses text that UTF-8 cannot represent.</summary>
-        internal static byte[] Utf8(string text)
-        {
-            if (text.IndexOf('\0') >= 0)
-            {
-                throw new ArgumentException("A path holds no NUL character");
-            }
-            return new UTF8Encoding(false, true).GetBytes(text + "\0");
-        }
+        [DllImport(Library)] internal static extern void oc_library_dir(byte[] dir);
+        [DllImport(Library)] internal static extern int oc_scan();
+        [DllImport(Library)] internal static extern IntPtr oc_libraries();
+        [DllImport(Library)] internal static extern IntPtr oc_info(int index);
+        [DllImport(Library)] internal static extern int oc_open(
+            int index, int width, int height, int bin, int format,
+            long exposureUs, int gain, int offset);
+        [DllImport(Library)] internal static extern int oc_width();
+        [DllImport(Library)] internal static extern int oc_height();
+        [DllImport(Library)] internal static extern int oc_buffer_size();
+        [DllImport(Library)] internal static extern int oc_read(
+            byte* buffer, int bufferLength, int timeoutMs);
+        [DllImport(Library)] internal static extern int oc_apply(
+            long exposureUs, int gain, int offset);
+        [DllImport(Library)] internal static extern double oc_temperature();
+        [DllImport(Library)] internal static extern void oc_close();
+        [DllImport(Library)] internal static extern IntPtr oc_error();
 
         /// <summary>A copy of the library's text. A name need not be valid UTF-8.</summary>
         internal static string Text(IntPtr text)

@@ -50,10 +50,6 @@ class Format(enum.IntEnum):
     RGB24 = 2  #: three bytes: red, green, blue for ZWO ASI, blue, green, red for Player One
     MONO8 = 3  #: 8 bits of brightness
 
-    @property
-    def dtype(self) -> np.dtype:
-        return np.dtype("<u2") if self is Format.RAW16 else np.dtype(np.uint8)
-
 
 class Bayer(enum.IntEnum):
     """The Bayer pattern: the first two pixels of the first row, then those of the second."""
@@ -124,7 +120,10 @@ class Library:
         self.scan_error = ""
         try:
             self._c = ctypes.CDLL(str(self.file.absolute()))
-            _declare(self._c)
+            for name, (result, arguments) in _SIGNATURES.items():
+                function = getattr(self._c, name)
+                function.restype = result
+                function.argtypes = arguments
         except (OSError, AttributeError) as error:
             raise CameraError(f"Cannot load {self.file}: {error}") from error
 
@@ -135,9 +134,11 @@ class Library:
         is raised: see `scan_error`. A camera that cannot be opened is not reported there: a ZWO ASI
         or Player One camera is listed with limits of 0, and others are left out.
         """
-        directory = _utf8(os.fspath(Path(sdk_directory).absolute()))
+        directory = os.fspath(Path(sdk_directory).absolute())
+        if "\0" in directory:
+            raise ValueError("A path holds no NUL character")
         with _one_call:
-            self._c.oc_library_dir(directory)
+            self._c.oc_library_dir(directory.encode("utf-8"))
             count = self._c.oc_scan()
             if count < 0:
                 raise self._error()
@@ -170,17 +171,15 @@ class Library:
         types cannot hold.
         """
         global _open_camera
-        index = camera.index if isinstance(camera, CameraInfo) else _integer(camera)
         with _one_call:
-            if isinstance(camera, CameraInfo):
-                info = camera
-            else:
-                description = _text(self._c.oc_info(index))
+            info = camera
+            if not isinstance(camera, CameraInfo):
+                description = _text(self._c.oc_info(_integer(camera)))
                 if description == "{}":
                     raise CameraError("Camera not found; rescan")
                 info = CameraInfo.from_json(description)
             numbers = (
-                index,
+                info.index,
                 _integer(info.max_width if width is None else width),
                 _integer(info.max_height if height is None else height),
                 _integer(bin),
@@ -189,8 +188,8 @@ class Library:
                 _integer(info.min_gain if gain is None else gain),
                 _integer(offset),
             )
-            before = _open_camera() if _open_camera is not None else None
-            if before is not None:
+            before = _open_camera and _open_camera()
+            if before:
                 before.close()
             if not self._c.oc_open(*numbers):
                 raise self._error()
@@ -212,7 +211,7 @@ class Camera:
     def __init__(self, library: Library, info: CameraInfo, format: Format, exposure_us: int):
         self._library = library
         self._c = library._c
-        self._closed = False
+        self.closed = False
         self._exposure_us = exposure_us
         self.info = info
         self.format = format
@@ -228,10 +227,6 @@ class Camera:
 
     def __del__(self) -> None:
         self.close()
-
-    @property
-    def closed(self) -> bool:
-        return self._closed
 
     def new_buffer(self) -> np.ndarray:
         """A buffer for poll() and read()."""
@@ -250,7 +245,10 @@ class Camera:
         """
         if buffer is None:
             buffer = self.new_buffer()
-        _check_buffer(buffer)
+        if buffer.dtype != np.uint8 or buffer.ndim != 1:
+            raise ValueError("The buffer must be a one-dimensional array of bytes (uint8)")
+        if not buffer.flags.c_contiguous or not buffer.flags.writeable:
+            raise ValueError("The buffer must be contiguous and writable")
         if timeout_ms is None:
             timeout_ms = min(self._timeout_ms(), _LONGEST_CALL_MS)
         timeout = _integer(timeout_ms)
@@ -264,7 +262,8 @@ class Camera:
         shape = (self.height, self.width)
         if self.format is Format.RGB24:
             shape += (3,)
-        return buffer[:count].view(self.format.dtype).reshape(shape)
+        pixel = "<u2" if self.format is Format.RAW16 else np.uint8
+        return buffer[:count].view(pixel).reshape(shape)
 
     def read(
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
@@ -292,7 +291,7 @@ class Camera:
         self, buffer: Optional[np.ndarray] = None, timeout_ms: Optional[int] = None
     ) -> Iterator[np.ndarray]:
         """Yields frames as read() returns them, until the camera is closed."""
-        while not self._closed:
+        while not self.closed:
             yield self.read(buffer, timeout_ms)
 
     def apply(self, *, exposure_us: int, gain: int, offset: int) -> None:
@@ -316,16 +315,16 @@ class Camera:
         -300.
         """
         with _one_call:
-            return math.nan if self._closed else self._c.oc_temperature()
+            return math.nan if self.closed else self._c.oc_temperature()
 
     def close(self) -> None:
         """Stops the stream and releases the camera. Closing twice is no error."""
         global _open_camera
-        if getattr(self, "_closed", True):
+        if getattr(self, "closed", True):
             return
         with _one_call:
-            if not self._closed:
-                self._closed = True
+            if not self.closed:
+                self.closed = True
                 _open_camera = None
                 self._c.oc_close()
 
@@ -333,7 +332,7 @@ class Camera:
         return min(2 * self._exposure_us // 1000 + 500, _INT32_MAX)
 
     def _demand_open(self) -> None:
-        if self._closed:
+        if self.closed:
             raise CameraError("Camera closed")
 
 
@@ -349,22 +348,9 @@ def _integer(value: int, bits: int = 32) -> int:
     return number
 
 
-def _utf8(text: str) -> bytes:
-    if "\0" in text:
-        raise ValueError("A path holds no NUL character")
-    return text.encode("utf-8")
-
-
 def _text(raw: bytes) -> str:
     # A camera's name need not be valid UTF-8.
     return raw.decode("utf-8", errors="replace")
-
-
-def _check_buffer(buffer: np.ndarray) -> None:
-    if buffer.dtype != np.uint8 or buffer.ndim != 1:
-        raise ValueError("The buffer must be a one-dimensional array of bytes (uint8)")
-    if not buffer.flags.c_contiguous or not buffer.flags.writeable:
-        raise ValueError("The buffer must be contiguous and writable")
 
 
 def _find_library() -> Path:
@@ -384,24 +370,18 @@ def _find_library() -> Path:
     )
 
 
-def _declare(c: ctypes.CDLL) -> None:
-    integer, text = ctypes.c_int, ctypes.c_char_p
-    signatures = {
-        "oc_library_dir": (None, [text]),
-        "oc_scan": (integer, []),
-        "oc_libraries": (text, []),
-        "oc_info": (text, [integer]),
-        "oc_open": (integer, [integer] * 5 + [ctypes.c_int64, integer, integer]),
-        "oc_width": (integer, []),
-        "oc_height": (integer, []),
-        "oc_buffer_size": (integer, []),
-        "oc_read": (integer, [ctypes.c_void_p, integer, integer]),
-        "oc_apply": (integer, [ctypes.c_int64, integer, integer]),
-        "oc_temperature": (ctypes.c_double, []),
-        "oc_close": (None, []),
-        "oc_error": (text, []),
-    }
-    for name, (result, arguments) in signatures.items():
-        function = getattr(c, name)
-        function.restype = result
-        function.argtypes = arguments
+_SIGNATURES = {  # the result and the arguments of each function
+    "oc_library_dir": (None, [ctypes.c_char_p]),
+    "oc_scan": (ctypes.c_int, []),
+    "oc_libraries": (ctypes.c_char_p, []),
+    "oc_info": (ctypes.c_char_p, [ctypes.c_int]),
+    "oc_open": (ctypes.c_int, [ctypes.c_int] * 5 + [ctypes.c_int64, ctypes.c_int, ctypes.c_int]),
+    "oc_width": (ctypes.c_int, []),
+    "oc_height": (ctypes.c_int, []),
+    "oc_buffer_size": (ctypes.c_int, []),
+    "oc_read": (ctypes.c_int, [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]),
+    "oc_apply": (ctypes.c_int, [ctypes.c_int64, ctypes.c_int, ctypes.c_int]),
+    "oc_temperature": (ctypes.c_double, []),
+    "oc_close": (None, []),
+    "oc_error": (ctypes.c_char_p, []),
+}

@@ -29,10 +29,7 @@ struct Device {
   }
 };
 
-/// The body of a call that takes an open device and only returns a result.
-struct NoBody {
-  void operator()(const Device& /*device*/, const auto&... /*rest*/) const {}
-};
+struct FillOutputs;
 
 /// One SDK: its functions and its open devices.
 struct Sdk {
@@ -48,17 +45,24 @@ struct Sdk {
     script->add(declared, body);
   }
 
-  /// Adds a call that takes an open device. `body` gets the device and the other arguments. If it
-  /// returns nothing, the call returns any result.
-  template <const auto& declared, class Body = NoBody>
+  /// Adds a call that takes an open device. `body` gets the device, unless it takes none, and the
+  /// other arguments. If it returns nothing, the call returns any result.
+  template <const auto& declared, class Body = FillOutputs>
   void addCall(Body body = {}) {
     addCall<declared>(declared, body);
   }
+
+  /// Adds the calls that stop the stream of a device and close the device. They return any number.
+  template <const auto& stop, const auto& close>
+  void addEnds();
 
  private:
   template <const auto& declared, Vendor vendor, void (*check)(std::int64_t, const char*),
             class Result, class Id, class... Rest, class Body>
   void addCall(const SdkFunction<vendor, check, Result(Id, Rest...)>& type, Body body);
+  template <auto effect, Vendor vendor, void (*check)(std::int64_t, const char*), class Result,
+            class Id>
+  void addEnd(const SdkFunction<vendor, check, Result(Id)>& declared);
 };
 
 /// A device's key: the camera id or the handle.
@@ -103,6 +107,10 @@ class Adversary {
 
   /// A width or height of a sensor or frame: usually small enough for real frames, else any number.
   std::int32_t length();
+  template <class... Numbers>
+  void fillLengths(Numbers&... outputs) {
+    ((outputs = static_cast<Numbers>(length())), ...);
+  }
 
   /// Usually true.
   bool isSound() { return input.byte() < 224; }
@@ -170,18 +178,55 @@ class Adversary {
 /// The only instance in the process.
 Adversary& adversary();
 
+/// The body of a call that only returns a result, after it has set its outputs to any numbers.
+struct FillOutputs {
+  void operator()(auto... arguments) const { (fill(arguments), ...); }
+
+ private:
+  static void fill(auto /*input*/) {}
+  static void fill(auto* output) { adversary().input.fill(*output); }
+};
+
 template <const auto& declared, Vendor vendor, void (*check)(std::int64_t, const char*),
           class Result, class Id, class... Rest, class Body>
 void Sdk::addCall(const SdkFunction<vendor, check, Result(Id, Rest...)>& /*type*/, Body /*body*/) {
   add(declared, [](Id id, Rest... rest) -> Result {
     Device& device = adversary().used(vendor, keyOf(id), declared.name());
-    if constexpr (std::is_void_v<decltype(Body{}(device, rest...))>) {
-      Body{}(device, rest...);
+    const auto run = [&] {
+      if constexpr (std::is_invocable_v<Body, Rest...>) {
+        return Body{}(rest...);
+      } else {
+        return Body{}(device, rest...);
+      }
+    };
+    if constexpr (std::is_void_v<decltype(run())>) {
+      run();
       return static_cast<Result>(adversary().result(vendor));
     } else {
-      return static_cast<Result>(Body{}(device, rest...));
+      return static_cast<Result>(run());
     }
   });
+}
+
+template <auto effect, Vendor vendor, void (*check)(std::int64_t, const char*), class Result,
+          class Id>
+void Sdk::addEnd(const SdkFunction<vendor, check, Result(Id)>& declared) {
+  add(declared, [](Id id) -> Result {
+    (adversary().*effect)(vendor, keyOf(id));
+    if constexpr (std::is_unsigned_v<Result>) {
+      return adversary().input.word();
+    } else if constexpr (!std::is_void_v<Result>) {
+      return adversary().input.number();
+    }
+  });
+}
+
+template <const auto& stop, const auto& close>
+void Sdk::addEnds() {
+  stopFunction = stop.name();
+  closeFunction = close.name();
+  addEnd<&Adversary::stopped>(stop);
+  addEnd<&Adversary::closed>(close);
 }
 
 }  // namespace orvane::fuzz

@@ -23,9 +23,6 @@ void checkId(const char* id) {
 }  // namespace
 
 void addQhy(Sdk& sdk) {
-  sdk.stopFunction = StopQHYCCDLive.name();
-  sdk.closeFunction = CloseQHYCCD.name();
-
   sdk.add(InitQHYCCDResource, []() -> std::uint32_t { return adversary().qhyResourceResult; });
   sdk.add(ScanQHYCCD, [] { return static_cast<std::uint32_t>(adversary().cameraCount()); });
   sdk.add(GetQHYCCDId, [](std::uint32_t /*index*/, char* id) { return fillText(id); });
@@ -37,43 +34,27 @@ void addQhy(Sdk& sdk) {
     checkId(id);
     return adversary().openedHandle(Vendor::Qhy);
   });
-  sdk.add(CloseQHYCCD, [](void* handle) {
-    adversary().closed(Vendor::Qhy, keyOf(handle));
-    return adversary().input.word();
-  });
-  sdk.addCall<SetQHYCCDStreamMode>([](const Device& /*device*/, std::uint8_t mode) {
-    adversary().require(mode == 1, "stream mode that is not live");
-  });
+  sdk.addCall<SetQHYCCDStreamMode>(
+      [](std::uint8_t mode) { adversary().require(mode == 1, "stream mode that is not live"); });
   sdk.addCall<InitQHYCCD>();
-  sdk.addCall<GetQHYCCDChipInfo>([](const Device& /*device*/, double* chipWidth, double* chipHeight,
+  sdk.addCall<GetQHYCCDChipInfo>([](double* chipWidth, double* chipHeight,
                                     std::uint32_t* imageWidth, std::uint32_t* imageHeight,
                                     double* pixelWidth, double* pixelHeight,
                                     std::uint32_t* bitsPerPixel) {
     Adversary& answers = adversary();
-    *chipWidth = answers.input.real();
-    *chipHeight = answers.input.real();
-    *imageWidth = static_cast<std::uint32_t>(answers.length());
-    *imageHeight = static_cast<std::uint32_t>(answers.length());
-    *pixelWidth = answers.input.real();
-    *pixelHeight = answers.input.real();
-    *bitsPerPixel = static_cast<std::uint32_t>(answers.input.number());
+    answers.input.fill(*chipWidth, *chipHeight);
+    answers.fillLengths(*imageWidth, *imageHeight);
+    answers.input.fill(*pixelWidth, *pixelHeight, *bitsPerPixel);
   });
-  sdk.addCall<IsQHYCCDControlAvailable>([](const Device& /*device*/, int /*controlId*/) {
+  sdk.addCall<IsQHYCCDControlAvailable>([](int /*controlId*/) {
     return adversary().isSound() ? adversary().input.byte() % 6U : adversary().input.word();
   });
-  sdk.addCall<GetQHYCCDParamMinMaxStep>([](const Device& /*device*/, int /*controlId*/,
-                                           double* minimum, double* maximum, double* step) {
-    for (double* out : {minimum, maximum, step}) {
-      *out = adversary().input.real();
-    }
-  });
-  sdk.addCall<SetQHYCCDParam>([](const Device& /*device*/, int /*controlId*/, double value) {
+  sdk.addCall<GetQHYCCDParamMinMaxStep>();
+  sdk.addCall<SetQHYCCDParam>([](int /*controlId*/, double value) {
     adversary().require(value == value, "parameter that is no number");
   });
-  sdk.addCall<GetQHYCCDParam>(
-      [](const Device& /*device*/, int /*controlId*/) { return adversary().input.real(); });
-  sdk.addCall<SetQHYCCDBinMode>([](const Device& /*device*/, std::uint32_t horizontal,
-                                   std::uint32_t vertical) {
+  sdk.addCall<GetQHYCCDParam>([](int /*controlId*/) { return adversary().input.real(); });
+  sdk.addCall<SetQHYCCDBinMode>([](std::uint32_t horizontal, std::uint32_t vertical) {
     adversary().require(horizontal == vertical && horizontal >= 1 && horizontal <= 4, "bin mode");
   });
   sdk.addCall<SetQHYCCDBitsMode>([](Device& device, std::uint32_t bits) {
@@ -94,10 +75,6 @@ void addQhy(Sdk& sdk) {
   });
   sdk.addCall<BeginQHYCCDLive>(
       [](Device& device) { return adversary().started(Vendor::Qhy, device); });
-  sdk.add(StopQHYCCDLive, [](void* handle) {
-    adversary().stopped(Vendor::Qhy, keyOf(handle));
-    return adversary().input.word();
-  });
   sdk.addCall<GetQHYCCDLiveFrame>([](const Device& device, std::uint32_t* width,
                                      std::uint32_t* height, std::uint32_t* bitsPerPixel,
                                      std::uint32_t* channels, std::uint8_t* data) {
@@ -110,6 +87,7 @@ void addQhy(Sdk& sdk) {
     *channels = static_cast<std::uint32_t>(isSound ? 1 : answers.input.number());
     answers.deliverFrame(device, data, device.frameBytes());
   });
+  sdk.addEnds<StopQHYCCDLive, CloseQHYCCD>();
 }
 
 }  // namespace orvane::fuzz

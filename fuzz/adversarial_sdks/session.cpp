@@ -3,6 +3,7 @@
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <tuple>
 
 #include "adversarial_sdks/adversary.hpp"
 #include "api/state.hpp"
@@ -80,15 +81,17 @@ void scan() {
   }
 }
 
-void open(int index, int width, int height, int bin, int format, std::int64_t exposureUs, int gain,
-          int offset) {
-  const int opened = oc_open(index, width, height, bin, format, exposureUs, gain, offset);
+// In the order of oc_open().
+using OpenArguments = std::tuple<int, int, int, int, int, std::int64_t, int, int>;
+
+void open(const OpenArguments& arguments) {
+  const int opened = std::apply(oc_open, arguments);
   require(opened == 0 || opened == 1, "result of oc_open");
   require((opened == 1) == (state.active.openIndex >= 0), "open against its result");
   if (opened == 0) {
     checkFailed("failed open without a message");
   } else {
-    require(state.active.openIndex == index, "another camera was opened");
+    require(state.active.openIndex == std::get<0>(arguments), "another camera was opened");
   }
 }
 
@@ -100,21 +103,16 @@ std::int64_t anyExposure() {
 
 void openAnything() {
   Input& input = adversary().input;
-  const int index = input.number();
-  const int width = input.number();
-  const int height = input.number();
-  const int bin = input.number();
-  const int format = input.number();
-  const std::int64_t exposureUs = anyExposure();
-  const int gain = input.number();
-  open(index, width, height, bin, format, exposureUs, gain, input.number());
+  // Braces evaluate their contents in order, so a run is the same with every compiler.
+  open({input.number(), input.number(), input.number(), input.number(), input.number(),
+        anyExposure(), input.number(), input.number()});
 }
 
 // Opens with arguments that the camera supports.
 void openOffered() {
   Input& input = adversary().input;
   if (state.catalogue.empty()) {
-    open(0, 1, 1, 1, 0, 1, 0, 0);
+    open({0, 1, 1, 1, 0, 1, 0, 0});
     return;
   }
   const auto index = input.byte() % state.catalogue.size();
@@ -126,9 +124,8 @@ void openOffered() {
   const int format = pick(camera.formats);
   const int width = adversary().isSound() ? camera.maxWidth : input.number();
   const int height = adversary().isSound() ? camera.maxHeight : input.number();
-  const std::int64_t exposureUs = anyExposure();
-  open(static_cast<int>(index), width, height, bin, format, exposureUs, input.number(),
-       input.number());
+  open({static_cast<int>(index), width, height, bin, format, anyExposure(), input.number(),
+        input.number()});
 }
 
 void read() {

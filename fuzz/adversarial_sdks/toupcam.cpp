@@ -15,24 +15,13 @@ const ToupcamModelV2* anyModel() {
   model.name = nullptr;  // the library does not read it
   model.flag = answers.isSound() ? answers.input.byte() : answers.input.longWord();
   model.xpixsz = static_cast<float>(answers.input.number());
-  model.res[0].width = static_cast<unsigned>(answers.length());
-  model.res[0].height = static_cast<unsigned>(answers.length());
+  answers.fillLengths(model.res[0].width, model.res[0].height);
   return &model;
 }
-
-// The two functions that report a range differ only in the type of the numbers.
-constexpr auto fillRange = [](const Device& /*device*/, auto* least, auto* most, auto* usual) {
-  for (auto* out : {least, most, usual}) {
-    *out = static_cast<std::remove_pointer_t<decltype(out)>>(adversary().input.number());
-  }
-};
 
 }  // namespace
 
 void addToupTek(Sdk& sdk) {
-  sdk.stopFunction = Toupcam_Stop.name();
-  sdk.closeFunction = Toupcam_Close.name();
-
   sdk.add(Toupcam_EnumV2, [](ToupcamDeviceV2* devices) -> unsigned {
     Adversary& answers = adversary();
     const auto count = static_cast<unsigned>(answers.cameraCount());
@@ -52,20 +41,16 @@ void addToupTek(Sdk& sdk) {
     adversary().require(length <= 64, "id without an end");
     return adversary().openedHandle(Vendor::ToupTek);
   });
-  sdk.add(Toupcam_Close,
-          [](HToupcam handle) { adversary().closed(Vendor::ToupTek, keyOf(handle)); });
-  sdk.addCall<Toupcam_get_MaxBitDepth>([](const Device& /*device*/) {
-    return adversary().isSound() ? 12 : adversary().input.number();
+  sdk.addCall<Toupcam_get_MaxBitDepth>(
+      []() { return adversary().isSound() ? 12 : adversary().input.number(); });
+  sdk.addCall<Toupcam_get_RawFormat>([](unsigned* fourCc, unsigned* bitsPerPixel) {
+    Adversary& answers = adversary();
+    constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
+    *fourCc = answers.isSound() ? codes[answers.input.byte() % 4U] : answers.input.word();
+    answers.input.fill(*bitsPerPixel);
   });
-  sdk.addCall<Toupcam_get_RawFormat>(
-      [](const Device& /*device*/, unsigned* fourCc, unsigned* bitsPerPixel) {
-        Adversary& answers = adversary();
-        constexpr unsigned codes[] = {0x42474752, 0x52474742, 0x47425247, 0x47524247};
-        *fourCc = answers.isSound() ? codes[answers.input.byte() % 4U] : answers.input.word();
-        *bitsPerPixel = static_cast<unsigned>(answers.input.number());
-      });
-  sdk.addCall<Toupcam_get_ExpTimeRange>(fillRange);
-  sdk.addCall<Toupcam_get_ExpoAGainRange>(fillRange);
+  sdk.addCall<Toupcam_get_ExpTimeRange>();
+  sdk.addCall<Toupcam_get_ExpoAGainRange>();
   sdk.addCall<Toupcam_put_Option>([](Device& device, unsigned option, int value) {
     if (option == TOUPCAM_OPTION_BITDEPTH) {
       device.bytesPerPixel = value != 0 ? 2 : 1;
@@ -94,20 +79,14 @@ void addToupTek(Sdk& sdk) {
     answers.deliverFrame(device, data, device.frameBytes());
     return answers.isSound() ? answers.result(Vendor::ToupTek) : TOUPCAM_E_PENDING;
   });
-  sdk.add(Toupcam_Stop, [](HToupcam handle) -> std::int32_t {
-    adversary().stopped(Vendor::ToupTek, keyOf(handle));
-    return adversary().input.number();
-  });
-  sdk.addCall<Toupcam_put_AutoExpoEnable>([](const Device& /*device*/, int mode) {
-    adversary().require(mode == 0, "automatic exposure switched on");
-  });
-  sdk.addCall<Toupcam_put_ExpoTime>([](const Device& /*device*/, unsigned microseconds) {
+  sdk.addCall<Toupcam_put_AutoExpoEnable>(
+      [](int mode) { adversary().require(mode == 0, "automatic exposure switched on"); });
+  sdk.addCall<Toupcam_put_ExpoTime>([](unsigned microseconds) {
     adversary().require(microseconds >= 1 && microseconds <= 2147483647U, "exposure out of range");
   });
   sdk.addCall<Toupcam_put_ExpoAGain>();
-  sdk.addCall<Toupcam_get_Temperature>([](const Device& /*device*/, short* tenths) {
-    *tenths = static_cast<short>(adversary().input.number());
-  });
+  sdk.addCall<Toupcam_get_Temperature>();
+  sdk.addEnds<Toupcam_Stop, Toupcam_Close>();
 }
 
 }  // namespace orvane::fuzz

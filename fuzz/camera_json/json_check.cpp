@@ -13,14 +13,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string anyBytes(Input& input, std::size_t count) {
-  std::string bytes;
-  for (std::size_t i = 0; i < count && !input.empty(); ++i) {
-    bytes += static_cast<char>(input.byte());
-  }
-  return bytes;
-}
-
 std::vector<std::int32_t> anyNumbers(Input& input) {
   std::vector<std::int32_t> numbers(input.byte() % 9U);
   for (std::int32_t& number : numbers) {
@@ -36,17 +28,14 @@ CameraInfo anyCamera(Input& input) {
   camera.isCooled = (flags & 2U) != 0;
   camera.isUsb3Camera = (flags & 4U) != 0;
   camera.isUsb3Host = (flags & 8U) != 0;
-  camera.maxWidth = input.number();
-  camera.maxHeight = input.number();
-  camera.bitDepth = input.number();
-  camera.pixelSizeUm = input.real();
+  input.fill(camera.maxWidth, camera.maxHeight, camera.bitDepth, camera.pixelSizeUm);
   camera.bins = anyNumbers(input);
   camera.formats = anyNumbers(input);
   camera.maxExposureUs = static_cast<std::int64_t>(input.longWord());
-  camera.minGain = input.number();
-  camera.maxGain = input.number();
-  camera.bayer = input.number();
-  camera.name = anyBytes(input, 512);  // the rest of the input
+  input.fill(camera.minGain, camera.maxGain, camera.bayer);
+  while (!input.empty() && camera.name.size() < 512) {
+    camera.name += static_cast<char>(input.byte());
+  }
   return camera;
 }
 
@@ -104,10 +93,6 @@ Json expected(std::int32_t index, const CameraInfo& camera, const std::string& n
           {"bayer", camera.bayer}};
 }
 
-bool isClose(double read, double written) {
-  return std::abs(read - written) <= std::abs(written) * 1e-5;
-}
-
 }  // namespace
 
 std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes) {
@@ -136,7 +121,8 @@ std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes)
   const bool isJson = isUtf8(name) && std::isfinite(camera.pixelSizeUm);
   require(read.is_discarded() != isJson, "readable against expectation");
   if (isJson && !read.is_discarded()) {
-    require(isClose(read["pixelSizeUm"].get<double>(), camera.pixelSizeUm), "pixel size");
+    const double error = std::abs(read["pixelSizeUm"].get<double>() - camera.pixelSizeUm);
+    require(error <= std::abs(camera.pixelSizeUm) * 1e-5, "pixel size");
     read["pixelSizeUm"] = nullptr;
     require(read.dump() == expected(index, camera, name).dump(), "another camera was read back");
   }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "system/file.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -156,8 +155,8 @@ std::vector<std::uint8_t> fitsFile(std::span<const std::uint8_t> frame,
 }
 
 void writeFits(const std::filesystem::path& path, std::span<const std::uint8_t> frame,
-               const FitsDescription& description) {
-  OutputFile file(path);
+               const FitsDescription& description, Existing existing) {
+  OutputFile file(path, existing);
   file.writeAt(0, fitsFile(frame, description));
   file.close();
 }

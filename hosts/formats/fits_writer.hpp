@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "imaging/frame_layout.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 
@@ -35,6 +36,6 @@ std::vector<std::uint8_t> fitsFile(std::span<const std::uint8_t> frame,
 
 /// Writes that file. Throws std::runtime_error with a sentence that names it.
 void writeFits(const std::filesystem::path& path, std::span<const std::uint8_t> frame,
-               const FitsDescription& description);
+               const FitsDescription& description, Existing existing = Existing::Refuse);
 
 }  // namespace orvane::host

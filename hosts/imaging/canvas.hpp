@@ -48,9 +48,6 @@ class Canvas {
 
   static int textWidth(const std::string& text, int scale = 2);
 
-  /// The height of letters without descenders.
-  static constexpr int textHeight(int scale = 2) { return 9 * scale; }
-
   const ScreenImage& image() const { return image_; }
 
  private:

@@ -34,8 +34,6 @@ class Brightness {
   Brightness(std::span<const std::uint8_t> frame, const FrameLayout& layout)
       : frame_(frame), layout_(layout) {}
 
-  int width() const { return layout_.width; }
-  int height() const { return layout_.height; }
   bool isBayer() const { return layout_.bayer != BayerPattern::None; }
 
   double at(int x, int y) const {
@@ -47,16 +45,15 @@ class Brightness {
 
   // One pixel; for a place outside the frame, the nearest pixel in it.
   double sample(int x, int y) const {
-    const auto column = static_cast<std::size_t>(std::clamp(x, 0, layout_.width - 1));
-    const auto row = static_cast<std::size_t>(std::clamp(y, 0, layout_.height - 1));
-    const std::size_t pixel = row * static_cast<std::size_t>(layout_.width) + column;
+    const Point inside = clamped({x, y});
+    const std::size_t pixel = pixelIndex(layout_.width, inside.x, inside.y);
     return layout_.format == PixelFormat::Rgb24
                ? (frame_[3 * pixel] + frame_[3 * pixel + 1] + frame_[3 * pixel + 2]) / 3.0
                : sampleAt(frame_, layout_.format, pixel);
   }
 
   Point clamped(Point point) const {
-    return {std::clamp(point.x, 0, width() - 1), std::clamp(point.y, 0, height() - 1)};
+    return {std::clamp(point.x, 0, layout_.width - 1), std::clamp(point.y, 0, layout_.height - 1)};
   }
 
  private:
@@ -65,23 +62,19 @@ class Brightness {
 };
 
 int brightnessAt(const Image& reduced, int x, int y) {
-  const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(reduced.width) +
-                            static_cast<std::size_t>(x);
-  if (reduced.channels == 1) {
-    return 3 * reduced.samples[pixel];
-  }
-  return reduced.samples[3 * pixel] + reduced.samples[3 * pixel + 1] +
-         reduced.samples[3 * pixel + 2];
+  const std::size_t pixel = pixelIndex(reduced.width, x, y);
+  return reduced.channels == 1 ? 3 * reduced.samples[pixel]
+                               : reduced.samples[3 * pixel] + reduced.samples[3 * pixel + 1] +
+                                     reduced.samples[3 * pixel + 2];
 }
 
 // The brightest pixel of each cell of the reduced image; places are still in the reduced image.
 std::vector<Candidate> brightestOfCells(const Image& reduced) {
   const int columns = (reduced.width + cellSide - 1) / cellSide;
   const int rows = (reduced.height + cellSide - 1) / cellSide;
-  std::vector<Candidate> cells(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
+  std::vector<Candidate> cells(pixelCount(columns, rows));
   for (int y = 0; y < reduced.height; ++y) {
-    Candidate* const row =
-        cells.data() + static_cast<std::size_t>(y / cellSide) * static_cast<std::size_t>(columns);
+    Candidate* const row = cells.data() + pixelCount(columns, y / cellSide);
     for (int x = 0; x < reduced.width; ++x) {
       const int brightness = brightnessAt(reduced, x, y);
       Candidate& cell = row[x / cellSide];
@@ -241,14 +234,14 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
 }
 
 // The mean square of the steps between neighbours, against that of the light itself.
-double sharpnessAround(const Brightness& brightness, Point centre) {
+double sharpnessAround(const Brightness& brightness, const FrameLayout& layout, Point centre) {
   const Sky sky = skyAround(brightness, centre, sharpnessReach);
   double steps = 0;
   double light = 0;
   const int left = std::max(0, centre.x - sharpnessReach);
   const int top = std::max(0, centre.y - sharpnessReach);
-  const int right = std::min(brightness.width() - 2, centre.x + sharpnessReach);
-  const int bottom = std::min(brightness.height() - 2, centre.y + sharpnessReach);
+  const int right = std::min(layout.width - 2, centre.x + sharpnessReach);
+  const int bottom = std::min(layout.height - 2, centre.y + sharpnessReach);
   for (int y = top; y < bottom; ++y) {
     for (int x = left; x < right; ++x) {
       const double here = brightness.at(x, y);
@@ -273,7 +266,7 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
   }
   std::ranges::sort(candidates, std::greater(), &Candidate::brightness);
   const int sky = candidates[(candidates.size() - 1) / 2].brightness;  // the median
-  focus.sharpness = sharpnessAround(brightness, inFrame(candidates.front(), factor));
+  focus.sharpness = sharpnessAround(brightness, layout, inFrame(candidates.front(), factor));
   if (before) {
     focus.star = starAt(brightness, {static_cast<int>(before->x), static_cast<int>(before->y)},
                         starSearchReach);

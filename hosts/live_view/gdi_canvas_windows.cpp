@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "live_view/window_layout.hpp"
-
 namespace orvane::host {
 
 namespace {
@@ -33,10 +31,17 @@ void GdiCanvas::resize(int width, int height, int dpi) {
   if (width == width_ && height == height_ && dpi == dpi_) {
     return;
   }
-  release();
+  memory_.reset();
+  bits_ = nullptr;
   if (dpi != dpi_) {
     dpi_ = dpi;
-    makeFonts();
+    for (std::size_t size = 0; size < fonts_.size(); ++size) {
+      const FontKind& kind = fontKinds.at(size);
+      fonts_.at(size).reset(CreateFontW(-at(kind.height), 0, 0, 0, kind.weight, FALSE, FALSE, FALSE,
+                                        DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                                        ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS,
+                                        L"Segoe UI"));
+    }
   }
   width_ = width;
   height_ = height;
@@ -56,35 +61,13 @@ void GdiCanvas::resize(int width, int height, int dpi) {
     return;
   }
   bits_ = static_cast<std::uint32_t*>(bits);
-  memory_ = CreateCompatibleDC(nullptr);
-  firstBitmap_ = SelectObject(memory_, bitmap_.get());
-  SetBkMode(memory_, TRANSPARENT);
-}
-
-void GdiCanvas::release() {
-  if (memory_ != nullptr) {
-    SelectObject(memory_, firstBitmap_);
-    SelectObject(memory_, GetStockObject(BLACK_PEN));
-    DeleteDC(memory_);
-    memory_ = nullptr;
-  }
-  bitmap_.reset();
-  pen_.reset();
-  bits_ = nullptr;
-}
-
-void GdiCanvas::makeFonts() {
-  for (std::size_t size = 0; size < fonts_.size(); ++size) {
-    const FontKind& kind = fontKinds.at(size);
-    fonts_.at(size).reset(CreateFontW(-scaled(kind.height, dpi_), 0, 0, 0, kind.weight, FALSE,
-                                      FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                                      CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
-                                      VARIABLE_PITCH | FF_SWISS, L"Segoe UI"));
-  }
+  memory_.reset(CreateCompatibleDC(nullptr));
+  SelectObject(memory_.get(), bitmap_.get());
+  SetBkMode(memory_.get(), TRANSPARENT);
 }
 
 void GdiCanvas::show(HDC screen, const RECT& part) const {
-  BitBlt(screen, part.left, part.top, part.right - part.left, part.bottom - part.top, memory_,
+  BitBlt(screen, part.left, part.top, part.right - part.left, part.bottom - part.top, memory_.get(),
          part.left, part.top, SRCCOPY);
 }
 
@@ -100,58 +83,55 @@ COLORREF GdiCanvas::colorRef(const PaletteColor& color) const {
 }
 
 HBRUSH GdiCanvas::brush(const PaletteColor& color) const {
-  SetDCBrushColor(memory_, colorRef(color));
+  SetDCBrushColor(memory_.get(), colorRef(color));
   return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
 }
 
 void GdiCanvas::fill(const PixelRect& rect, const PaletteColor& color) {
   const RECT area = rectOf(rect);
-  FillRect(memory_, &area, brush(color));
+  FillRect(memory_.get(), &area, brush(color));
 }
 
 void GdiCanvas::outline(const PixelRect& rect, const PaletteColor& color) {
   const RECT area = rectOf(rect);
-  FrameRect(memory_, &area, brush(color));
+  FrameRect(memory_.get(), &area, brush(color));
 }
 
 void GdiCanvas::dim(const PixelRect& rect) {
   const ScreenTarget target = pixelsOf(rect);
   for (int y = 0; y < target.height; ++y) {
-    std::uint32_t* const row = target.pixels + y * target.pitch;
-    std::transform(row, row + target.width, row,
-                   [](std::uint32_t pixel) { return pixel >> 3 & 0x1F1F1F; });
+    for (std::uint32_t& pixel : target.row(y)) {
+      pixel = pixel >> 3 & 0x1F1F1F;
+    }
   }
 }
 
 void GdiCanvas::dot(const PixelRect& rect, const PaletteColor& color) {
   useLine(color);
-  SelectObject(memory_, brush(color));
-  Ellipse(memory_, rect.left, rect.top, rect.left + rect.width, rect.top + rect.height);
+  SelectObject(memory_.get(), brush(color));
+  Ellipse(memory_.get(), rect.left, rect.top, rect.right(), rect.bottom());
 }
 
 void GdiCanvas::circle(int x, int y, int radius, const PaletteColor& color) {
   useLine(color);
-  SelectObject(memory_, GetStockObject(NULL_BRUSH));
-  Ellipse(memory_, x - radius, y - radius, x + radius + 1, y + radius + 1);
+  SelectObject(memory_.get(), GetStockObject(NULL_BRUSH));
+  Ellipse(memory_.get(), x - radius, y - radius, x + radius + 1, y + radius + 1);
 }
 
 void GdiCanvas::polyline(const std::vector<POINT>& points, const PaletteColor& color) {
   useLine(color);
-  Polyline(memory_, points.data(), static_cast<int>(points.size()));
+  Polyline(memory_.get(), points.data(), static_cast<int>(points.size()));
 }
 
 // Selects a pen; its width follows the screen's resolution.
 void GdiCanvas::useLine(const PaletteColor& color) {
-  if (const COLORREF value = colorRef(color); !pen_ || value != penColor_) {
-    GdiObject<HPEN> pen(CreatePen(PS_SOLID, std::max(1, dpi_ / 96), value));
-    SelectObject(memory_, pen.get());
-    pen_ = std::move(pen);
-    penColor_ = value;
-  }
+  GdiObject<HPEN> pen(CreatePen(PS_SOLID, std::max(1, dpi_ / 96), colorRef(color)));
+  SelectObject(memory_.get(), pen.get());
+  pen_ = std::move(pen);
 }
 
 void GdiCanvas::useFont(TextSize size) const {
-  SelectObject(memory_, fonts_.at(static_cast<std::size_t>(size)).get());
+  SelectObject(memory_.get(), fonts_.at(static_cast<std::size_t>(size)).get());
 }
 
 void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize size,
@@ -159,19 +139,16 @@ void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize si
   const std::wstring wide = wideOf(utf8);
   RECT area = rectOf(rect);
   useFont(size);
-  SetTextColor(memory_, colorRef(color));
-  const UINT side = align == TextAlign::Left     ? DT_LEFT
-                    : align == TextAlign::Centre ? DT_CENTER
-                                                 : DT_RIGHT;
-  DrawTextW(memory_, wide.data(), static_cast<int>(wide.size()), &area,
-            side | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+  SetTextColor(memory_.get(), colorRef(color));
+  DrawTextW(memory_.get(), wide.data(), static_cast<int>(wide.size()), &area,
+            static_cast<UINT>(align) | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
 int GdiCanvas::textWidth(const std::string& utf8, TextSize size) {
   const std::wstring wide = wideOf(utf8);
   SIZE extent = {};
   useFont(size);
-  GetTextExtentPoint32W(memory_, wide.data(), static_cast<int>(wide.size()), &extent);
+  GetTextExtentPoint32W(memory_.get(), wide.data(), static_cast<int>(wide.size()), &extent);
   return static_cast<int>(extent.cx);
 }
 

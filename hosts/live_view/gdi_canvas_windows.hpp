@@ -11,37 +11,38 @@
 #include <vector>
 
 #include "live_view/palette.hpp"
-#include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
+#include "live_view/window_layout.hpp"
 
 namespace orvane::host {
 
 inline RECT rectOf(const PixelRect& rect) {
-  return {rect.left, rect.top, rect.left + rect.width, rect.top + rect.height};
+  return {rect.left, rect.top, rect.right(), rect.bottom()};
 }
 
-/// Owns a bitmap, a font or a pen. It must not be selected when it is deleted.
+/// Owns a bitmap, a font or a pen, which must not be selected when it is deleted; or a device
+/// context.
 struct GdiDelete {
   void operator()(HGDIOBJ object) const { DeleteObject(object); }
+  void operator()(HDC context) const { DeleteDC(context); }
 };
 template <class Handle>
 using GdiObject = std::unique_ptr<std::remove_pointer_t<Handle>, GdiDelete>;
 
 enum class TextSize { Small, Normal, Title, Figure };
-enum class TextAlign { Left, Centre, Right };
+enum class TextAlign : UINT { Left = DT_LEFT, Centre = DT_CENTER, Right = DT_RIGHT };
 
 class GdiCanvas {
  public:
-  GdiCanvas() = default;
-  ~GdiCanvas() { release(); }
-  GdiCanvas(const GdiCanvas&) = delete;
-  GdiCanvas& operator=(const GdiCanvas&) = delete;
-
   /// Adapts the bitmap to the window's size and the fonts to the screen's resolution. Erases the
   /// bitmap.
   void resize(int width, int height, int dpi);
 
   int dpi() const { return dpi_; }
+
+  /// A length given for 96 dots per inch, on this screen.
+  int at(int length) const { return scaled(length, dpi_); }
+
   bool isEmpty() const { return bits_ == nullptr; }
 
   /// Selects the colours of night mode for what is drawn from now on.
@@ -71,24 +72,19 @@ class GdiCanvas {
   void text(const PixelRect& rect, const std::string& utf8, TextSize size,
             const PaletteColor& color, TextAlign align = TextAlign::Left);
 
-  /// How wide the text is, in pixels.
   int textWidth(const std::string& utf8, TextSize size);
 
  private:
-  void release();
-  void makeFonts();
   COLORREF colorRef(const PaletteColor& color) const;
   HBRUSH brush(const PaletteColor& color) const;
   void useLine(const PaletteColor& color);
   void useFont(TextSize size) const;
 
-  HDC memory_ = nullptr;
   GdiObject<HBITMAP> bitmap_;
-  HGDIOBJ firstBitmap_ = nullptr;
   std::uint32_t* bits_ = nullptr;
   std::array<GdiObject<HFONT>, 4> fonts_;
-  GdiObject<HPEN> pen_;  // of the last colour used
-  COLORREF penColor_ = 0;
+  GdiObject<HPEN> pen_;
+  GdiObject<HDC> memory_;  // last: the others are selected into it
   bool isNight_ = false;
   int width_ = 0;
   int height_ = 0;

@@ -20,21 +20,12 @@ constexpr std::chrono::milliseconds betweenStates{200};
 LiveCamera::LiveCamera(LiveOptions options, std::function<void()> onNews)
     : onNews_(std::move(onNews)),
       session_(std::move(options), [this] { frameOrStateCame(); }),
-      thread_([this] { run(); }) {}
+      thread_([this](const std::stop_token& stop) { run(stop); }) {}
 
-LiveCamera::~LiveCamera() {
+void LiveCamera::send(LiveRequest request) {
   {
     const std::lock_guard lock(mutex_);
-    mustStop_ = true;
-  }
-  wake_.notify_one();
-  thread_.join();
-}
-
-void LiveCamera::send(const LiveRequest& request) {
-  {
-    const std::lock_guard lock(mutex_);
-    requests_.push_back(request);
+    requests_.push_back(std::move(request));
   }
   wake_.notify_one();
 }
@@ -52,24 +43,22 @@ void LiveCamera::frameOrStateCame() {
   }
 }
 
-void LiveCamera::run() {
+void LiveCamera::run(const std::stop_token& stop) {
   useFineSleep();
-  session_.start();
-  publish();
+  session_.run(&LiveSession::rescan);
   while (true) {
-    const std::vector<LiveRequest> requests = takeRequests();
-    {
-      const std::lock_guard lock(mutex_);
-      if (mustStop_) {
-        break;
-      }
+    publish();
+    std::unique_lock lock(mutex_);
+    wake_.wait_for(lock, stop, betweenStates, [this] { return !requests_.empty(); });
+    if (stop.stop_requested()) {
+      return;
     }
+    const std::vector<LiveRequest> requests = std::exchange(requests_, {});
+    lock.unlock();
     for (const LiveRequest& request : requests) {
       session_.run(request);
     }
-    publish();
   }
-  session_.stop();
 }
 
 void LiveCamera::publish() {
@@ -79,12 +68,6 @@ void LiveCamera::publish() {
     state_ = std::move(state);
   }
   onNews_();
-}
-
-std::vector<LiveRequest> LiveCamera::takeRequests() {
-  std::unique_lock lock(mutex_);
-  wake_.wait_for(lock, betweenStates, [this] { return mustStop_ || !requests_.empty(); });
-  return std::exchange(requests_, {});
 }
 
 }  // namespace orvane::host

@@ -13,20 +13,16 @@
 
 namespace orvane::host {
 
-/// Every member can be called from one other thread.
+/// Every member can be called from one other thread. The destructor ends a recording, closes the
+/// camera and waits for that.
 class LiveCamera {
  public:
   /// `onNews` is called on other threads when there is a new frame or a new state; it must be quick
   /// and must not call this object.
   LiveCamera(LiveOptions options, std::function<void()> onNews);
 
-  /// Ends a recording, closes the camera and waits for that.
-  ~LiveCamera();
-  LiveCamera(const LiveCamera&) = delete;
-  LiveCamera& operator=(const LiveCamera&) = delete;
-
   /// Leaves a request for the thread.
-  void send(const LiveRequest& request);
+  void send(LiveRequest request);
 
   /// Takes the newest frame; empty when there has been none since the last call.
   oc::Frame takeFrame() { return session_.takeFrame(); }
@@ -38,19 +34,17 @@ class LiveCamera {
   using Clock = std::chrono::steady_clock;
 
   void frameOrStateCame();
-  void run();
+  void run(const std::stop_token& stop);
   void publish();
-  std::vector<LiveRequest> takeRequests();
 
   std::function<void()> onNews_;
   Clock::time_point told_;  // used only on the capture thread
   mutable std::mutex mutex_;
-  std::condition_variable wake_;
+  std::condition_variable_any wake_;
   std::vector<LiveRequest> requests_;
   std::shared_ptr<const LiveState> state_ = std::make_shared<LiveState>();
-  bool mustStop_ = false;
   LiveSession session_;
-  std::thread thread_;  // last: it uses the others
+  std::jthread thread_;  // last: it uses the others
 };
 
 }  // namespace orvane::host

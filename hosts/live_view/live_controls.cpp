@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <vector>
 
 #include "session/camera_catalogue.hpp"
@@ -11,10 +12,33 @@ namespace orvane::host {
 
 namespace {
 
-constexpr int muchLonger = 10;  // steps: a factor of ten
+// Shorter ones are useless at night.
+constexpr std::int64_t shortestSliderExposureUs = 10;
 
-// Wider than the slider's, for makers with fine units.
+// Cameras do not report their range of offsets; they refuse an offset that is too large. The keys'
+// range is wider, for makers with fine units.
+constexpr NumberRange offsetSliderRange{0, 300};
 constexpr NumberRange offsetKeyRange{0, 10000};
+
+struct Step {
+  ViewCommand command;
+  SliderKind control;
+  int direction;
+  bool isLarge = false;
+};
+
+constexpr Step commandSteps[] = {
+    {ViewCommand::LongerExposure, SliderKind::Exposure, 1},
+    {ViewCommand::ShorterExposure, SliderKind::Exposure, -1},
+    {ViewCommand::MuchLongerExposure, SliderKind::Exposure, 1, true},
+    {ViewCommand::MuchShorterExposure, SliderKind::Exposure, -1, true},
+    {ViewCommand::MoreGain, SliderKind::Gain, 1},
+    {ViewCommand::LessGain, SliderKind::Gain, -1},
+    {ViewCommand::MuchMoreGain, SliderKind::Gain, 1, true},
+    {ViewCommand::MuchLessGain, SliderKind::Gain, -1, true},
+    {ViewCommand::MoreOffset, SliderKind::Offset, 1},
+    {ViewCommand::LessOffset, SliderKind::Offset, -1},
+};
 
 const std::vector<std::int64_t>& stepTable() {
   static const std::vector<std::int64_t> table = [] {
@@ -99,51 +123,34 @@ NumberRange gainRangeOf(const oc::CameraInfo& camera) {
   return hasGainRange(camera) ? NumberRange{camera.minGain, camera.maxGain} : NumberRange{0, 500};
 }
 
-std::optional<ControlsRequest> controlsAfter(ViewCommand command, const ControlsRequest& now,
-                                             const oc::CameraInfo& camera) {
-  ControlsRequest after = now;
-  const auto expose = [&](int steps) {
-    after.exposureUs = steppedExposure(now.exposureUs, steps, longestExposureOf(camera));
-    return after;
-  };
-  const NumberRange gains = gainRangeOf(camera);
-  const auto amplify = [&](std::int64_t change) {
-    after.gain = gains.clamped(now.gain + change);
-    return after;
-  };
-  const auto lift = [&](std::int64_t change) {
-    after.offset = offsetKeyRange.clamped(now.offset + change);
-    return after;
-  };
-  switch (command) {
-    case ViewCommand::LongerExposure:
-      return expose(1);
-    case ViewCommand::ShorterExposure:
-      return expose(-1);
-    case ViewCommand::MuchLongerExposure:
-      return expose(muchLonger);
-    case ViewCommand::MuchShorterExposure:
-      return expose(-muchLonger);
-    case ViewCommand::MoreGain:
-      return amplify(gains.step(false));
-    case ViewCommand::LessGain:
-      return amplify(-gains.step(false));
-    case ViewCommand::MuchMoreGain:
-      return amplify(gains.step(true));
-    case ViewCommand::MuchLessGain:
-      return amplify(-gains.step(true));
-    case ViewCommand::MoreOffset:
-      return lift(1);
-    case ViewCommand::LessOffset:
-      return lift(-1);
-    default:
-      return std::nullopt;
+std::optional<Controls> controlsAfter(ViewCommand command, const Controls& now,
+                                      const oc::CameraInfo& camera) {
+  const Step* const step = std::ranges::find(commandSteps, command, &Step::command);
+  if (step == std::end(commandSteps)) {
+    return std::nullopt;
   }
+  Controls after = now;
+  const NumberRange gains = gainRangeOf(camera);
+  switch (step->control) {
+    case SliderKind::Exposure:
+      after.exposureUs =
+          steppedExposure(now.exposureUs, step->isLarge ? 10 * step->direction : step->direction,
+                          longestExposureOf(camera));
+      break;
+    case SliderKind::Gain:
+      after.gain =
+          gains.clamped(std::int64_t{now.gain} + step->direction * gains.step(step->isLarge));
+      break;
+    case SliderKind::Offset:
+      after.offset = offsetKeyRange.clamped(std::int64_t{now.offset} + step->direction);
+      break;
+  }
+  return after;
 }
 
-ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsRequest& now,
-                              const oc::CameraInfo& camera) {
-  ControlsRequest after = now;
+Controls controlsAfter(SliderKind slider, double place, const Controls& now,
+                       const oc::CameraInfo& camera) {
+  Controls after = now;
   switch (slider) {
     case SliderKind::Exposure:
       after.exposureUs = exposureAtPlace(place, longestExposureOf(camera));
@@ -158,7 +165,7 @@ ControlsRequest controlsAfter(SliderKind slider, double place, const ControlsReq
   return after;
 }
 
-double placeOf(SliderKind slider, const ControlsRequest& now, const oc::CameraInfo& camera) {
+double placeOf(SliderKind slider, const Controls& now, const oc::CameraInfo& camera) {
   switch (slider) {
     case SliderKind::Exposure:
       return exposurePlace(now.exposureUs, longestExposureOf(camera));

@@ -46,25 +46,21 @@ void LivePicture::setFrame(LiveFrame frame) {
   }
 }
 
-void LivePicture::clear() {
-  frame_ = {};
-}
-
 bool LivePicture::measure(Clock::time_point now) {
   if (!hasFrame() || now < nextMeasurement_) {
     return false;
   }
   const Clock::time_point begin = Clock::now();
   const int factor = reductionFactor(frame_.layout, measuredWidth, measuredHeight);
-  reduceFrame(frame_.bytes, frame_.layout, factor, reduced_);
+  reduceFrame(frame_.bytes, frame_.layout, factor, image_);
   range_->add(frame_.bytes);
   measurements_.areThere = true;
   measurements_.histogram = histogramOf(frame_.bytes, frame_.layout, range_->fullScale());
-  measurements_.focus = measureFocus(frame_.bytes, frame_.layout, reduced_, factor, followed_);
+  measurements_.focus = measureFocus(frame_.bytes, frame_.layout, image_, factor, followed_);
   measureTrend();
   measureStretch();
-  const Clock::duration taken = Clock::now() - begin;
-  nextMeasurement_ = now + std::max<Clock::duration>(betweenMeasurements, 8 * taken);
+  nextMeasurement_ =
+      now + std::max<Clock::duration>(betweenMeasurements, 8 * (Clock::now() - begin));
   return true;
 }
 
@@ -89,10 +85,10 @@ void LivePicture::measureTrend() {
 }
 
 void LivePicture::measureStretch() {
-  if (reduced_.samples.empty()) {
+  if (image_.samples.empty()) {
     return;
   }
-  std::vector<Stretch> fresh = autoStretch(reduced_);
+  std::vector<Stretch> fresh = autoStretch(image_);
   if (fresh.size() == stretches_.size()) {
     for (std::size_t channel = 0; channel < fresh.size(); ++channel) {
       const Stretch& before = stretches_[channel];
@@ -121,25 +117,26 @@ void LivePicture::move(int right, int down) {
 
 PictureView LivePicture::draw(const ScreenTarget& area, std::uint32_t background) {
   for (int y = 0; y < area.height; ++y) {
-    std::fill_n(area.pixels + y * area.pitch, area.width, background);
+    std::ranges::fill(area.row(y), background);
   }
   if (!hasFrame() || area.width <= 0 || area.height <= 0) {
     return {};
   }
-  return isPixelByPixel_ ? drawPart(area) : drawWhole(area);
+  const PictureView view = isPixelByPixel_ ? cutPart(area) : reduceWhole(area);
+  curves_.apply(image_, tint_, pixels_);
+  drawScaled(pixels_, partOf(area, view.onScreen));
+  return view;
 }
 
-PictureView LivePicture::drawWhole(const ScreenTarget& area) {
+PictureView LivePicture::reduceWhole(const ScreenTarget& area) {
   const PixelRect place =
       fittedPicture({0, 0, area.width, area.height}, frame_.layout.width, frame_.layout.height);
   const int factor = reductionFactor(frame_.layout, place.width, place.height);
-  reduceFrame(frame_.bytes, frame_.layout, factor, reduced_);
-  curves_.apply(reduced_, tint_, pixels_);
-  drawScaled(pixels_, partOf(area, place));
+  reduceFrame(frame_.bytes, frame_.layout, factor, image_);
   return {place, static_cast<double>(place.width) / frame_.layout.width, 0, 0};
 }
 
-PictureView LivePicture::drawPart(const ScreenTarget& area) {
+PictureView LivePicture::cutPart(const ScreenTarget& area) {
   const FrameLayout& layout = frame_.layout;
   if (centreX_ < 0 || centreY_ < 0) {
     centreX_ = layout.width / 2;
@@ -147,13 +144,11 @@ PictureView LivePicture::drawPart(const ScreenTarget& area) {
   }
   const PixelRect wanted{centreX_ - area.width / 2, centreY_ - area.height / 2, area.width,
                          area.height};
-  const PixelRect shown = cutFrame(frame_.bytes, layout, wanted, part_);
+  const PixelRect shown = cutFrame(frame_.bytes, layout, wanted, image_);
   centreX_ = shown.width < layout.width ? shown.left + area.width / 2 : layout.width / 2;
   centreY_ = shown.height < layout.height ? shown.top + area.height / 2 : layout.height / 2;
-  curves_.apply(part_, tint_, pixels_);
   const PixelRect place{(area.width - shown.width) / 2, (area.height - shown.height) / 2,
                         shown.width, shown.height};
-  drawScaled(pixels_, partOf(area, place));
   return {place, 1, static_cast<double>(shown.left), static_cast<double>(shown.top)};
 }
 

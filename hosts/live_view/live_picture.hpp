@@ -42,7 +42,6 @@ struct PictureView {
   double frameY(double screenY) const { return frameTop + (screenY - onScreen.top) / scale; }
 };
 
-/// Measurements of the latest frames.
 struct Measurements {
   bool areThere = false;  ///< a frame has been measured
   Histogram histogram;
@@ -55,14 +54,12 @@ class LivePicture {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// The most diameters that are kept.
-  static constexpr std::size_t trendLength = 120;
+  static constexpr std::size_t trendLength = 120;  ///< the most diameters that are kept
 
-  /// Shows this frame from now on.
   void setFrame(LiveFrame frame);
 
   /// Forgets the frame: nothing is shown.
-  void clear();
+  void clear() { frame_ = {}; }
 
   bool hasFrame() const { return !frame_.bytes.empty(); }
 
@@ -90,12 +87,11 @@ class LivePicture {
  private:
   void measureStretch();
   void measureTrend();
-  PictureView drawWhole(const ScreenTarget& area);
-  PictureView drawPart(const ScreenTarget& area);
+  PictureView reduceWhole(const ScreenTarget& area);
+  PictureView cutPart(const ScreenTarget& area);
 
   LiveFrame frame_;
-  Image reduced_;
-  Image part_;
+  Image image_;  // reduced for measuring, or made for drawing
   ScreenPixels pixels_;
   ScreenCurves curves_;
   std::vector<Stretch> stretches_;

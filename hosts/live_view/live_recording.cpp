@@ -13,11 +13,6 @@ namespace orvane::host {
 
 namespace {
 
-std::filesystem::path newPath(const std::filesystem::path& directory,
-                              const oc::CameraInfo& camera) {
-  return unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name));
-}
-
 SerDescription descriptionOf(const oc::CameraInfo& camera, const FrameLayout& layout) {
   const auto now = std::chrono::system_clock::now();
   return {layout, "", camera.name, "", serLocalTicks(now), serTicks(now)};
@@ -44,16 +39,19 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const s
   std::error_code ignored;
   for (int number = 2; std::filesystem::exists(path, ignored); ++number) {
     path = first;
-    path.replace_filename(pathFromUtf8(utf8FromPath(first.stem()) + "_" + std::to_string(number) +
-                                       utf8FromPath(first.extension())));
+    path.replace_extension() += "_" + std::to_string(number);
+    path += first.extension();
   }
   return path;
 }
 
 std::string contentText(const RecordingProgress& recording) {
-  const std::string content = std::to_string(recording.frames) +
-                              (recording.frames == 1 ? " frame in " : " frames in ") +
-                              inQuotes(recording.file) + ".";
+  // The file appears with its first frame.
+  const std::string content = recording.frames == 0
+                                  ? "no frame, so there is no file."
+                                  : std::to_string(recording.frames) +
+                                        (recording.frames == 1 ? " frame in " : " frames in ") +
+                                        inQuotes(recording.file) + ".";
   return recording.droppedFrames == 0 ? content
                                       : content + " Dropped, since the disk did not keep up: " +
                                             std::to_string(recording.droppedFrames) + ".";
@@ -61,7 +59,7 @@ std::string contentText(const RecordingProgress& recording) {
 
 LiveRecording::LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
                              const FrameLayout& layout, oc::FrameQueue frames)
-    : path_(newPath(directory, camera)),
+    : path_(unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name))),
       frameBytes_(frameBytes(layout)),
       recorder_(path_, descriptionOf(camera, layout), {}, std::move(frames)) {}
 

@@ -28,7 +28,7 @@ struct RecordingProgress {
   std::int64_t droppedFrames = 0;  ///< the disk was too slow for them
 };
 
-/// "3 frames in "NAME".", and how many were dropped, if any.
+/// "3 frames in "NAME"." or that there is no frame, and how many were dropped, if any.
 std::string contentText(const RecordingProgress& recording);
 
 /// Records a camera's frames into a new SER file in a directory.

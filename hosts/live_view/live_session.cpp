@@ -9,7 +9,6 @@
 #include "live_view/live_controls.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
-#include "system/failures.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -32,13 +31,6 @@ oc::Settings usualSettings(const oc::CameraInfo& camera) {
           .offset = usualOffset};
 }
 
-oc::CaptureOptions captureOptions(std::function<void()> onNews) {
-  return {// Short, so that a key is not kept waiting by a long exposure.
-          .longestCall = std::chrono::milliseconds(50),
-          .silentWaits = 0,  // the user sees the silence and decides
-          .onNews = std::move(onNews)};
-}
-
 // The value after `now`; the first value follows the last.
 template <class Value>
 Value nextOf(const std::vector<Value>& values, Value now) {
@@ -56,17 +48,17 @@ std::string numberOf(std::size_t count, const std::string& thing) {
 }  // namespace
 
 LiveSession::LiveSession(LiveOptions options, std::function<void()> onNews)
-    : options_(std::move(options)), capture_(captureOptions(std::move(onNews))) {}
-
-void LiveSession::start() {
-  scan();
-  openFirst();
-}
+    : options_(std::move(options)),
+      // Calls are short, so that a key is not kept waiting by a long exposure. Silence loses no
+      // camera: the user sees it and decides.
+      capture_({.longestCall = std::chrono::milliseconds(50),
+                .silentWaits = 0,
+                .onNews = std::move(onNews)}) {}
 
 void LiveSession::run(const LiveRequest& request) {
   state();
   try {
-    std::visit([this](const auto& wanted) { execute(wanted); }, request);
+    request(*this);
   } catch (const std::exception& error) {
     say(NoticeKind::Error, error.what());
   }
@@ -91,19 +83,11 @@ const LiveState& LiveSession::state() {
     endRecording();
   }
   state_.capture = std::move(now);
-  state_.recording.reset();
-  if (recording_) {
-    state_.recording = recording_->progress();
-  }
+  state_.recording = recording_ ? std::optional(recording_->progress()) : std::nullopt;
   return state_;
 }
 
-void LiveSession::stop() {
-  endRecording();
-  capture_.close().get();
-}
-
-void LiveSession::execute(const RescanRequest&) {
+void LiveSession::rescan() {
   if (!mayReopen()) {
     return;
   }
@@ -125,36 +109,36 @@ void LiveSession::execute(const RescanRequest&) {
   open(static_cast<std::size_t>(found - state_.cameras.begin()), wanted_);
 }
 
-void LiveSession::execute(const ChooseRequest& request) {
-  if (request.position < state_.cameras.size() && mayReopen()) {
-    open(request.position, usualSettings(state_.cameras[request.position]));
+void LiveSession::choose(std::size_t position) {
+  if (position < state_.cameras.size() && mayReopen()) {
+    open(position, usualSettings(state_.cameras[position]));
   }
 }
 
-void LiveSession::execute(const ControlsRequest& request) {
+void LiveSession::setControls(const Controls& controls) {
   if (isStreaming()) {
-    wanted_.exposureUs = request.exposureUs;
-    wanted_.gain = request.gain;
-    wanted_.offset = request.offset;
-    capture_.apply(request.exposureUs, request.gain, request.offset);
+    wanted_.exposureUs = controls.exposureUs;
+    wanted_.gain = controls.gain;
+    wanted_.offset = controls.offset;
+    capture_.apply(controls.exposureUs, controls.gain, controls.offset);
   }
 }
 
-void LiveSession::execute(const NextFormatRequest&) {
+void LiveSession::nextFormat() {
   if (isStreaming() && mayReopen()) {
     wanted_.format = nextOf(state_.camera()->formats, wanted_.format);
-    reopen();
+    finishOpening(capture_.reopen(wanted_));
   }
 }
 
-void LiveSession::execute(const NextBinRequest&) {
+void LiveSession::nextBin() {
   if (isStreaming() && mayReopen()) {
     wanted_.bin = nextOf(state_.camera()->bins, wanted_.bin);
-    reopen();
+    finishOpening(capture_.reopen(wanted_));
   }
 }
 
-void LiveSession::execute(const ToggleRecordingRequest&) {
+void LiveSession::toggleRecording() {
   if (recording_) {
     endRecording();
   } else if (!isStreaming()) {
@@ -201,20 +185,11 @@ void LiveSession::scan() {
 }
 
 void LiveSession::openFirst() {
-  if (state_.cameras.empty()) {
-    return;  // scan() has reported it
-  }
-  if (options_.camera.empty()) {
-    if (state_.cameras.size() == 1) {
-      open(0, usualSettings(state_.cameras.front()));
-    }
-    return;
-  }
-  try {
+  if (options_.camera.empty() && state_.cameras.size() == 1) {
+    choose(0);
+  } else if (!options_.camera.empty() && !state_.cameras.empty()) {
     const oc::CameraInfo& camera = chooseCamera(state_.cameras, options_.camera);
-    open(static_cast<std::size_t>(&camera - state_.cameras.data()), usualSettings(camera));
-  } catch (const UsageError& error) {
-    say(NoticeKind::Error, error.what());
+    choose(static_cast<std::size_t>(&camera - state_.cameras.data()));
   }
 }
 
@@ -222,11 +197,6 @@ void LiveSession::open(std::size_t position, const oc::Settings& settings) {
   state_.chosen = position;
   state_.capture.camera = state_.cameras[position];
   finishOpening(capture_.open(state_.cameras[position], settings));
-}
-
-// Opens the same camera with the wanted settings. If it refuses them, it keeps those of before.
-void LiveSession::reopen() {
-  finishOpening(capture_.reopen(wanted_));
 }
 
 void LiveSession::finishOpening(std::future<void> opening) {
@@ -252,19 +222,15 @@ void LiveSession::noticeFailures(const oc::CaptureState& now) {
     say(NoticeKind::Error, "The camera refused the setting: " + now.refusal + ".");
   }
   if (now.phase == oc::Phase::Lost) {
-    cameraIsLost(now.text);
+    state_.phase = LivePhase::Lost;
+    const bool wasRecording = recording_.has_value();
+    endRecording();
+    const std::string saved = wasRecording ? " " + state_.notice.text : "";
+    say(NoticeKind::Error, state_.cameraName() + " does not answer (" + now.text +
+                               "). Check its cable, then press F5." + saved);
   } else if (now.failedReads != state_.capture.failedReads) {
     say(NoticeKind::Warning, state_.cameraName() + ": " + now.text + ".");
   }
-}
-
-void LiveSession::cameraIsLost(const std::string& text) {
-  state_.phase = LivePhase::Lost;
-  const bool wasRecording = recording_.has_value();
-  endRecording();
-  const std::string saved = wasRecording ? " " + state_.notice.text : "";
-  say(NoticeKind::Error, state_.cameraName() + " does not answer (" + text +
-                             "). Check its cable, then press F5." + saved);
 }
 
 void LiveSession::endRecording() {

@@ -9,7 +9,6 @@
 #include <optional>
 #include <orvane_desktop_camera.hpp>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "live_view/live_recording.hpp"
@@ -22,21 +21,12 @@ struct LiveOptions {
   std::filesystem::path recordings = ".";  ///< directory for SER files
 };
 
-/// What a user can ask for.
-struct RescanRequest {};
-struct ChooseRequest {
-  std::size_t position = 0;  ///< in LiveState::cameras
-};
-struct ControlsRequest {
+/// What a user can change while a camera streams.
+struct Controls {
   std::int64_t exposureUs = 0;
   int gain = 0;
   int offset = 0;
 };
-struct NextFormatRequest {};
-struct NextBinRequest {};
-struct ToggleRecordingRequest {};
-using LiveRequest = std::variant<RescanRequest, ChooseRequest, ControlsRequest, NextFormatRequest,
-                                 NextBinRequest, ToggleRecordingRequest>;
 
 enum class LivePhase {
   Searching,  ///< the first scan has not ended
@@ -53,7 +43,11 @@ struct Notice {
   std::string text;
 };
 
-/// What the user is shown.
+class LiveSession;
+
+/// A user's request, such as &LiveSession::rescan.
+using LiveRequest = std::function<void(LiveSession&)>;
+
 struct LiveState {
   LivePhase phase = LivePhase::Searching;
   std::vector<oc::CameraInfo> cameras;
@@ -68,19 +62,26 @@ struct LiveState {
 };
 
 /// Every member but takeFrame() is called on the same thread. Scanning, opening and ending a
-/// recording block until they are done.
+/// recording block until they are done. The destructor ends a recording and closes the camera.
 class LiveSession {
  public:
   /// `onNews` is called on the capture thread as CaptureOptions::onNews says.
   explicit LiveSession(LiveOptions options, std::function<void()> onNews = {});
 
-  /// Looks for cameras the first time, and opens the one that was named or the only one.
-  void start();
-
-  /// Does what the user asks for. Failures become notices.
+  /// Calls one of the requests below. Failures become notices.
   void run(const LiveRequest& request);
 
-  /// True while a camera streams, as far as state() has noticed.
+  /// Looks for cameras. Opens the camera that was open last; if there was none, the one that the
+  /// options name, or the only one.
+  void rescan();
+
+  void choose(std::size_t position);  ///< in LiveState::cameras
+  void setControls(const Controls& controls);
+  void nextFormat();
+  void nextBin();
+  void toggleRecording();
+
+  /// As far as state() has noticed.
   bool isStreaming() const { return state_.phase == LivePhase::Streaming; }
 
   /// Takes the newest frame; empty when there has been none since the last call. From any thread.
@@ -89,25 +90,13 @@ class LiveSession {
   /// The state now, with notices of what has happened since the last call.
   const LiveState& state();
 
-  /// Ends a recording and closes the camera.
-  void stop();
-
  private:
-  void execute(const RescanRequest& request);
-  void execute(const ChooseRequest& request);
-  void execute(const ControlsRequest& request);
-  void execute(const NextFormatRequest& request);
-  void execute(const NextBinRequest& request);
-  void execute(const ToggleRecordingRequest& request);
-
   bool mayReopen();
   void scan();
   void openFirst();
   void open(std::size_t position, const oc::Settings& settings);
-  void reopen();
   void finishOpening(std::future<void> opening);
   void noticeFailures(const oc::CaptureState& now);
-  void cameraIsLost(const std::string& text);
   void endRecording();
   void say(NoticeKind kind, const std::string& text);
 

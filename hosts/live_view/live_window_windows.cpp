@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -17,6 +18,7 @@
 #include "live_view/live_camera.hpp"
 #include "live_view/live_controls.hpp"
 #include "live_view/live_picture.hpp"
+#include "live_view/live_texts.hpp"
 #include "live_view/panel_windows.hpp"
 #include "live_view/window_layout.hpp"
 
@@ -36,20 +38,16 @@ constexpr SIZE leastSize = {860, 700};
 template <class Function>
 Function systemFunction(const wchar_t* library, const char* name) {
   HMODULE module = LoadLibraryExW(library, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (module == nullptr) {
-    return nullptr;
-  }
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  return module == nullptr
+             ? nullptr
+             : reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
 int dpiOf(HWND window) {
   static const auto getDpiForWindow =
       systemFunction<UINT(WINAPI*)(HWND)>(L"user32.dll", "GetDpiForWindow");
   if (getDpiForWindow != nullptr) {
-    const UINT dpi = getDpiForWindow(window);
-    if (dpi != 0) {
-      return static_cast<int>(dpi);
-    }
+    return static_cast<int>(getDpiForWindow(window));
   }
   HDC screen = GetDC(nullptr);
   const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
@@ -87,9 +85,8 @@ class LiveWindow {
   }
 
   ~LiveWindow() {
-    camera_.reset();
     if (window_ != nullptr) {
-      DestroyWindow(window_);
+      close();
     }
   }
   LiveWindow(const LiveWindow&) = delete;
@@ -105,7 +102,6 @@ class LiveWindow {
 
  private:
   enum class Overlay { None, Help, Cameras };
-  enum class Drag { None, Slider, Picture };
 
   static LRESULT CALLBACK receive(HWND window, UINT message, WPARAM word, LPARAM number) {
     if (message == WM_NCCREATE) {
@@ -155,7 +151,7 @@ class LiveWindow {
         mouseReleased(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_CAPTURECHANGED:
-        drag_ = Drag::None;
+        drag_ = {};
         return 0;
       case WM_MOUSEWHEEL: {
         POINT point = {GET_X_LPARAM(number), GET_Y_LPARAM(number)};
@@ -165,13 +161,11 @@ class LiveWindow {
       }
       case WM_ENDSESSION:
         if (word != FALSE) {
-          camera_.reset();  // the process may end as soon as this returns
+          close();  // the process may end as soon as this returns
         }
         return 0;
       case WM_CLOSE:
-        ShowWindow(window_, SW_HIDE);  // the camera may need a moment
-        camera_.reset();
-        DestroyWindow(window_);
+        close();
         return 0;
       case WM_DESTROY:
         window_ = nullptr;
@@ -180,6 +174,12 @@ class LiveWindow {
       default:
         return DefWindowProcW(window_, message, word, number);
     }
+  }
+
+  void close() {
+    ShowWindow(window_, SW_HIDE);  // the camera may need a moment
+    camera_.reset();
+    DestroyWindow(window_);
   }
 
   void resized() {
@@ -217,28 +217,27 @@ class LiveWindow {
 
   void drawPicture() {
     view_ = picture_.draw(canvas_.pixelsOf(layout_.picture), canvas_.valueOf(palette::picture));
+    const PixelRect& area = layout_.picture;
     if (picture_.hasFrame()) {
       if (hasCrosshair_) {
-        drawCrosshair(canvas_, layout_, view_);
+        drawCrosshair(canvas_, area, view_);
       }
       if (picture_.measurements().focus.star) {
-        drawStarMark(canvas_, layout_, view_, *picture_.measurements().focus.star);
+        drawStarMark(canvas_, area, view_, *picture_.measurements().focus.star);
       }
     } else if (overlay_ == Overlay::None) {
-      drawEmptyPicture(canvas_, layout_, *state_);
+      canvas_.text(area, emptyPictureText(*state_), TextSize::Title, palette::quietText,
+                   TextAlign::Centre);
     }
     if (overlay_ == Overlay::Help) {
-      drawHelp(canvas_, layout_);
+      drawHelp(canvas_, area);
     } else if (overlay_ == Overlay::Cameras) {
-      drawCameraList(canvas_, layout_, *state_, selected_);
+      drawCameraList(canvas_, area, *state_, selected_);
     }
   }
 
   void newsCame() {
     hasNews_ = false;
-    if (!camera_) {
-      return;
-    }
     if (auto state = camera_->state(); state != state_) {
       const auto before = std::exchange(state_, std::move(state));
       stateCame(*before);
@@ -276,29 +275,22 @@ class LiveWindow {
   bool isStreaming() const { return state_->phase == LivePhase::Streaming; }
 
   void keyPressed(const KeyPress& press) {
-    if (!camera_) {
-      return;
-    }
-    if (overlay_ == Overlay::Cameras && keyInCameraList(press)) {
-      return;
-    }
-    if (const ViewCommand command = commandOfKey(press); command != ViewCommand::None) {
-      execute(command);
+    if (overlay_ != Overlay::Cameras || !keyInCameraList(press)) {
+      execute(commandOfKey(press));
     }
   }
 
   // True if the list used the key.
   bool keyInCameraList(const KeyPress& press) {
-    const std::size_t count = state_->cameras.size();
     if (press.key >= '1' && press.key <= '9') {
       chooseCamera(static_cast<std::size_t>(press.key - '1'));
     } else if (press.key == keys::enter) {
       chooseCamera(selected_);
-    } else if (press.key == keys::up && selected_ > 0) {
-      --selected_;
-    } else if (press.key == keys::down && selected_ + 1 < count) {
-      ++selected_;
-    } else if (press.key != keys::up && press.key != keys::down) {
+    } else if (press.key == keys::up) {
+      selected_ -= selected_ > 0 ? 1 : 0;
+    } else if (press.key == keys::down) {
+      selected_ += selected_ + 1 < state_->cameras.size() ? 1 : 0;
+    } else {
       return false;
     }
     redrawPicture();
@@ -322,16 +314,16 @@ class LiveWindow {
         }
         break;
       case ViewCommand::NextFormat:
-        camera_->send(NextFormatRequest{});
+        camera_->send(&LiveSession::nextFormat);
         break;
       case ViewCommand::NextBin:
-        camera_->send(NextBinRequest{});
+        camera_->send(&LiveSession::nextBin);
         break;
       case ViewCommand::ToggleRecording:
-        camera_->send(ToggleRecordingRequest{});
+        camera_->send(&LiveSession::toggleRecording);
         break;
       case ViewCommand::Rescan:
-        camera_->send(RescanRequest{});
+        camera_->send(&LiveSession::rescan);
         break;
       case ViewCommand::ToggleStretch:
         picture_.setStretched(!picture_.isStretched());
@@ -353,22 +345,23 @@ class LiveWindow {
         showOverlay(Overlay::None);
         break;
       default:
-        break;
+        return;
     }
     redrawPicture();
     redrawPanel();
   }
 
   void mousePressed(int x, int y) {
-    if (!camera_) {
-      return;
-    }
     for (std::size_t index = 0; index < layout_.sliders.size(); ++index) {
-      if (layout_.sliders[index].track.contains(x, y)) {
-        SetCapture(window_);
-        drag_ = Drag::Slider;
-        draggedSlider_ = static_cast<SliderKind>(index);
-        mouseMoved(x, y);
+      if (const PixelRect track = layout_.sliders[index].track; track.contains(x, y)) {
+        const auto slider = static_cast<SliderKind>(index);
+        startDrag([this, slider, track](int atX, int) {
+          if (isStreaming()) {
+            const double place = placeOnTrack(track, atX);
+            sendControls(controlsAfter(slider, place, controls_, *state_->camera()));
+          }
+        });
+        drag_(x, y);
         return;
       }
     }
@@ -379,51 +372,52 @@ class LiveWindow {
     } else if (layout_.status.contains(x, y) && x > layout_.panel.left) {
       execute(ViewCommand::ToggleHelp);
     } else if (overlay_ == Overlay::Cameras) {
-      const int row = cameraListPlace(layout_, state_->cameras.size(), dpi_).rowAt(x, y);
+      const int row = cameraListPlace(layout_.picture, state_->cameras.size(), dpi_).rowAt(x, y);
       if (row >= 0) {
         chooseCamera(static_cast<std::size_t>(row));
       }
     } else if (overlay_ == Overlay::Help) {
       showOverlay(Overlay::None);
     } else if (layout_.picture.contains(x, y)) {
-      SetCapture(window_);
-      drag_ = Drag::Picture;
       dragFrom_ = {x, y};
-      hasDragged_ = false;
+      startDrag([this](int atX, int atY) { dragPicture(atX, atY); });
+      isClick_ = true;
+    }
+  }
+
+  // From now on until the button is released, this is called with the places of the mouse.
+  void startDrag(std::function<void(int x, int y)> drag) {
+    SetCapture(window_);
+    drag_ = std::move(drag);
+    isClick_ = false;
+  }
+
+  void dragPicture(int x, int y) {
+    const int right = x - dragFrom_.x;
+    const int down = y - dragFrom_.y;
+    if (!isClick_ || std::abs(right) + std::abs(down) > scaled(4, dpi_)) {
+      isClick_ = false;
+      picture_.move(right, down);
+      dragFrom_ = {x, y};
+      redrawPicture();
     }
   }
 
   void mouseMoved(int x, int y) {
-    switch (drag_) {
-      case Drag::Slider:
-        if (isStreaming()) {
-          const auto& track = layout_.sliders.at(static_cast<std::size_t>(draggedSlider_)).track;
-          sendControls(
-              controlsAfter(draggedSlider_, placeOnTrack(track, x), controls_, *state_->camera()));
-        }
-        break;
-      case Drag::Picture:
-        if (hasDragged_ ||
-            std::abs(x - dragFrom_.x) + std::abs(y - dragFrom_.y) > scaled(4, dpi_)) {
-          hasDragged_ = true;
-          picture_.move(x - dragFrom_.x, y - dragFrom_.y);
-          dragFrom_ = {x, y};
-          redrawPicture();
-        }
-        break;
-      case Drag::None:
-        break;
+    if (drag_) {
+      drag_(x, y);
     }
   }
 
   void mouseReleased(int x, int y) {
-    if (drag_ == Drag::Picture && !hasDragged_ && picture_.hasFrame()) {
+    if (!drag_) {
+      return;
+    }
+    if (isClick_ && picture_.hasFrame()) {
       picture_.followStarAt(view_.frameX(x - layout_.picture.left),
                             view_.frameY(y - layout_.picture.top));
     }
-    if (drag_ != Drag::None) {
-      ReleaseCapture();
-    }
+    ReleaseCapture();
   }
 
   void wheelTurned(int x, int y, int clicks) {
@@ -440,9 +434,9 @@ class LiveWindow {
     }
   }
 
-  void sendControls(const ControlsRequest& controls) {
+  void sendControls(const Controls& controls) {
     controls_ = controls;
-    camera_->send(controls);
+    camera_->send([controls](LiveSession& session) { session.setControls(controls); });
     redrawPanel();
   }
 
@@ -454,7 +448,7 @@ class LiveWindow {
 
   void chooseCamera(std::size_t position) {
     if (position < state_->cameras.size()) {
-      camera_->send(ChooseRequest{position});
+      camera_->send([position](LiveSession& session) { session.choose(position); });
       showOverlay(Overlay::None);
     }
   }
@@ -478,10 +472,10 @@ class LiveWindow {
 
   void redrawPanel() {
     mustDrawPanel_ = true;
-    const RECT panel = rectOf(layout_.panel);
-    const RECT status = rectOf(layout_.status);
-    InvalidateRect(window_, &panel, FALSE);
-    InvalidateRect(window_, &status, FALSE);
+    for (const PixelRect& part : {layout_.panel, layout_.status}) {
+      const RECT area = rectOf(part);
+      InvalidateRect(window_, &area, FALSE);
+    }
   }
 
   HWND window_ = nullptr;
@@ -490,14 +484,13 @@ class LiveWindow {
   WindowLayout layout_;
   LivePicture picture_;
   std::shared_ptr<const LiveState> state_ = std::make_shared<LiveState>();
-  ControlsRequest controls_;
+  Controls controls_;
   Overlay overlay_ = Overlay::None;
   std::size_t selected_ = 0;  // in the list of cameras
   bool hasOfferedList_ = false;
-  Drag drag_ = Drag::None;
-  SliderKind draggedSlider_ = SliderKind::Exposure;
+  std::function<void(int x, int y)> drag_;  // empty while no button is pressed
   POINT dragFrom_ = {};
-  bool hasDragged_ = false;
+  bool isClick_ = false;  // on the picture, and not moved yet
   PictureView view_;
   bool hasCrosshair_ = false;
   bool mustDrawPicture_ = true;

@@ -14,15 +14,19 @@ namespace orvane::host {
 namespace {
 
 PaletteColor colorOf(NoticeKind kind) {
-  switch (kind) {
-    case NoticeKind::Warning:
-      return palette::warning;
-    case NoticeKind::Error:
-      return palette::error;
-    case NoticeKind::Information:
-      break;
-  }
-  return palette::text;
+  return kind == NoticeKind::Error     ? palette::error
+         : kind == NoticeKind::Warning ? palette::warning
+                                       : palette::text;
+}
+
+// A strip of this height in the middle.
+PixelRect middleOf(const PixelRect& rect, int height) {
+  return {rect.left, rect.top + (rect.height - height) / 2, rect.width, height};
+}
+
+// What is left without this much of the left side.
+PixelRect restOf(const PixelRect& rect, int width) {
+  return {rect.left + width, rect.top, rect.width - width, rect.height};
 }
 
 // One drawing of the panel and the status line.
@@ -32,11 +36,14 @@ class PanelDrawing {
       : canvas_(canvas), layout_(layout), content_(content) {}
 
   void draw() {
-    canvas_.fill(layout_.panel, palette::panel);
-    canvas_.fill({layout_.panel.left, layout_.panel.top, at(1), layout_.panel.height},
-                 palette::line);
+    const PixelRect& panel = layout_.panel;
+    canvas_.fill(panel, palette::panel);
+    canvas_.fill({panel.left, panel.top, at(1), panel.height}, palette::line);
     drawCamera();
-    drawSliders();
+    const Controls& now = content_.controls;
+    drawSlider(SliderKind::Exposure, "Exposure", exposureText(now.exposureUs));
+    drawSlider(SliderKind::Gain, "Gain", std::to_string(now.gain));
+    drawSlider(SliderKind::Offset, "Offset", std::to_string(now.offset));
     drawHistogram();
     drawFocus();
     drawFacts();
@@ -45,7 +52,7 @@ class PanelDrawing {
   }
 
  private:
-  int at(int length) const { return scaled(length, canvas_.dpi()); }
+  int at(int length) const { return canvas_.at(length); }
 
   void captioned(const PixelRect& rect, const std::string& caption, const std::string& value) {
     canvas_.text(rect, caption, TextSize::Normal, palette::quietText);
@@ -60,19 +67,10 @@ class PanelDrawing {
                  palette::quietText);
   }
 
-  void drawSliders() {
-    const ControlsRequest& now = content_.controls;
-    drawSlider(SliderKind::Exposure, "Exposure", exposureText(now.exposureUs));
-    drawSlider(SliderKind::Gain, "Gain", std::to_string(now.gain));
-    drawSlider(SliderKind::Offset, "Offset", std::to_string(now.offset));
-  }
-
   void drawSlider(SliderKind kind, const std::string& caption, const std::string& value) {
     const SliderPlace& place = layout_.sliders.at(static_cast<std::size_t>(kind));
     captioned(place.caption, caption, isLive() ? value : unknownText);
-    const int height = at(4);
-    const int top = place.track.top + (place.track.height - height) / 2;
-    const PixelRect track{place.track.left, top, place.track.width, height};
+    const PixelRect track = middleOf(place.track, at(4));
     canvas_.fill(track, palette::raised);
     if (!isLive()) {
       return;
@@ -80,96 +78,90 @@ class PanelDrawing {
     const double part = placeOf(kind, content_.controls, *content_.state.camera());
     const int knobWidth = at(8);
     const int way = static_cast<int>(std::lround(part * (track.width - knobWidth)));
-    canvas_.fill({track.left, track.top, way, height}, palette::accent);
-    const int knobHeight = at(16);
-    canvas_.fill({track.left + way, place.track.top + (place.track.height - knobHeight) / 2,
-                  knobWidth, knobHeight},
-                 palette::accent);
+    const PixelRect knob = middleOf(place.track, at(16));
+    canvas_.fill({track.left, track.top, way, track.height}, palette::accent);
+    canvas_.fill({track.left + way, knob.top, knobWidth, knob.height}, palette::accent);
   }
 
   void drawHistogram() {
     const Histogram& histogram = content_.picture.measurements().histogram;
-    const PixelRect& plot = layout_.histogram;
     captioned(layout_.histogramCaption, "Histogram",
               isMeasured() ? saturationText(histogram.saturated) : "");
-    canvas_.fill(plot, palette::raised);
+    canvas_.fill(layout_.histogram, palette::raised);
     if (!isMeasured()) {
       return;
     }
     if (histogram.channels == 1) {
-      drawCurve(histogram.channel[0], palette::greyCurve);
+      drawChannel(histogram.channel[0], palette::greyCurve);
     } else {
-      drawCurve(histogram.channel[0], palette::redCurve);
-      drawCurve(histogram.channel[2], palette::blueCurve);
-      drawCurve(histogram.channel[1], palette::greenCurve);
+      drawChannel(histogram.channel[0], palette::redCurve);
+      drawChannel(histogram.channel[2], palette::blueCurve);
+      drawChannel(histogram.channel[1], palette::greenCurve);
     }
     canvas_.text(layout_.histogramNumbers, histogramText(histogram), TextSize::Small,
                  palette::quietText);
   }
 
   // Heights are logarithms, so that a few bright pixels can be seen beside a dark sky.
-  void drawCurve(const ChannelHistogram& channel, const PaletteColor& color) {
-    const PixelRect& plot = layout_.histogram;
-    const std::uint32_t most = *std::max_element(channel.bins.begin(), channel.bins.end());
-    const double highest = std::log1p(static_cast<double>(most));
+  void drawChannel(const ChannelHistogram& channel, const PaletteColor& color) {
+    const auto height = [](std::uint32_t count) { return std::log1p(static_cast<double>(count)); };
+    const auto& bins = channel.bins;
+    const double highest = height(*std::ranges::max_element(bins));
     if (highest <= 0) {
       return;
     }
-    std::vector<POINT> points;
-    points.reserve(channel.bins.size());
-    const int room = plot.height - at(6);
     const auto isUsed = [](std::uint32_t count) { return count > 0; };
-    const auto first = std::find_if(channel.bins.begin(), channel.bins.end(), isUsed);
-    const auto last = std::find_if(channel.bins.rbegin(), channel.bins.rend(), isUsed);
-    const auto end = static_cast<std::size_t>(channel.bins.rend() - last);
-    for (auto bin = static_cast<std::size_t>(first - channel.bins.begin()); bin < end; ++bin) {
-      const double part = std::log1p(static_cast<double>(channel.bins.at(bin))) / highest;
-      points.push_back(
-          {plot.left + static_cast<LONG>(bin) * (plot.width - 1) /
-                           static_cast<LONG>(channel.bins.size() - 1),
-           plot.top + plot.height - at(2) - static_cast<LONG>(std::lround(part * room))});
+    const auto first = std::ranges::find_if(bins, isUsed) - bins.begin();
+    const auto end = bins.rend() - std::find_if(bins.rbegin(), bins.rend(), isUsed);
+    const int room = layout_.histogram.height - at(6);
+    std::vector<double> heights;
+    for (auto bin = first; bin < end; ++bin) {
+      heights.push_back(height(bins.at(static_cast<std::size_t>(bin))) / highest * room);
+    }
+    drawCurve(layout_.histogram, at(2), heights, first, std::ssize(bins), color);
+  }
+
+  // A curve through points above equal steps of a plot. Heights are in pixels above the plot's
+  // margin; they begin at the step `first`.
+  void drawCurve(const PixelRect& plot, int margin, const std::vector<double>& heights,
+                 std::ptrdiff_t first, std::ptrdiff_t steps, const PaletteColor& color) {
+    std::vector<POINT> points;
+    points.reserve(heights.size());
+    for (const double height : heights) {
+      const std::ptrdiff_t step = first + std::ssize(points);
+      points.push_back({plot.left + static_cast<LONG>(step * (plot.width - 1) / (steps - 1)),
+                        plot.bottom() - margin - static_cast<LONG>(std::lround(height))});
     }
     canvas_.polyline(points, color);
   }
 
   void drawFocus() {
-    const Focus& focus = content_.picture.measurements().focus;
+    const Measurements& measured = content_.picture.measurements();
     captioned(layout_.focusCaption, "Focus", "");
+    canvas_.fill(layout_.focusTrend, palette::raised);
     if (!isMeasured()) {
-      canvas_.fill(layout_.focusTrend, palette::raised);
       return;
     }
-    canvas_.text(layout_.focusCaption, focusCaption(focus), TextSize::Small, palette::quietText,
-                 TextAlign::Right);
-    canvas_.text(layout_.focusFigure, focusText(focus), TextSize::Figure, palette::text);
-    if (content_.picture.measurements().leastDiameter) {
-      canvas_.text(layout_.focusFigure,
-                   "best " + decimal(*content_.picture.measurements().leastDiameter, 2) + " px",
+    canvas_.text(layout_.focusCaption, focusCaption(measured.focus), TextSize::Small,
+                 palette::quietText, TextAlign::Right);
+    canvas_.text(layout_.focusFigure, focusText(measured.focus), TextSize::Figure, palette::text);
+    if (measured.leastDiameter) {
+      canvas_.text(layout_.focusFigure, "best " + decimal(*measured.leastDiameter, 2) + " px",
                    TextSize::Normal, palette::quietText, TextAlign::Right);
     }
-    drawTrend();
-  }
-
-  void drawTrend() {
-    const PixelRect& plot = layout_.focusTrend;
-    canvas_.fill(plot, palette::raised);
-    const std::deque<double>& diameters = content_.picture.measurements().diameters;
-    if (diameters.size() < 2) {
+    std::vector<double> heights(measured.diameters.begin(), measured.diameters.end());
+    if (heights.size() < 2) {
       return;
     }
-    const double most = *std::max_element(diameters.begin(), diameters.end());
     // From 0, so that the noise of a good focus does not fill the plot.
-    const double scale = (plot.height - at(6)) / (most * 1.1);
-    const int step = plot.width - 1;
-    std::vector<POINT> points;
-    const std::size_t missing = LivePicture::trendLength - diameters.size();
-    for (std::size_t index = 0; index < diameters.size(); ++index) {
-      const auto number = static_cast<LONG>(index + missing);
-      points.push_back({plot.left + number * step / static_cast<LONG>(LivePicture::trendLength - 1),
-                        plot.top + plot.height - at(3) -
-                            static_cast<LONG>(std::lround(diameters[index] * scale))});
+    const double scale =
+        (layout_.focusTrend.height - at(6)) / (*std::ranges::max_element(heights) * 1.1);
+    for (double& height : heights) {
+      height *= scale;
     }
-    canvas_.polyline(points, palette::accent);
+    constexpr std::ptrdiff_t steps = LivePicture::trendLength;
+    drawCurve(layout_.focusTrend, at(3), heights, steps - std::ssize(heights), steps,
+              palette::accent);
   }
 
   void drawFacts() {
@@ -181,14 +173,13 @@ class PanelDrawing {
         {"Picture", std::string(content_.picture.isStretched() ? "brightened" : "as it is") +
                         (content_.picture.isPixelByPixel() ? ", 1:1" : ", whole")},
     };
-    const int height = at(21);
-    PixelRect line{layout_.facts.left, layout_.facts.top, layout_.facts.width, height};
+    PixelRect line{layout_.facts.left, layout_.facts.top, layout_.facts.width, at(21)};
     for (const auto& [caption, value] : facts) {
-      if (line.top + height > layout_.facts.top + layout_.facts.height) {
+      if (line.bottom() > layout_.facts.bottom()) {
         break;
       }
       captioned(line, caption, value);
-      line.top += height;
+      line.top = line.bottom();
     }
   }
 
@@ -198,9 +189,10 @@ class PanelDrawing {
     canvas_.fill(button, palette::raised);
     canvas_.outline(button, recording ? palette::recording : palette::line);
     const int side = at(12);
-    const PixelRect sign{button.left + at(14), button.top + (button.height - side) / 2, side, side};
-    const PixelRect label{sign.left + side + at(12), button.top,
-                          button.width - at(14) - side - at(24), button.height};
+    const int margin = at(14);
+    const PixelRect sign{button.left + margin, middleOf(button, side).top, side, side};
+    const PixelRect label{sign.right() + at(12), button.top, button.width - margin - side - at(24),
+                          button.height};
     if (recording) {
       canvas_.fill(sign, palette::recording);
       canvas_.text(label, recordingText(*recording), TextSize::Normal, palette::text);
@@ -234,7 +226,10 @@ class PanelDrawing {
   const PanelContent& content_;
 };
 
-void drawBox(GdiCanvas& canvas, const ListPlace& list, const std::string& title) {
+// Darkens the picture and draws an empty list over it.
+void drawBox(GdiCanvas& canvas, const PixelRect& picture, const ListPlace& list,
+             const std::string& title) {
+  canvas.dim(picture);
   canvas.fill(list.box, palette::panel);
   canvas.outline(list.box, palette::line);
   canvas.text(list.title, title, TextSize::Title, palette::text);
@@ -246,78 +241,64 @@ void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent
   PanelDrawing(canvas, layout, content).draw();
 }
 
-void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state) {
-  canvas.text(layout.picture, emptyPictureText(state), TextSize::Title, palette::quietText,
-              TextAlign::Centre);
-}
-
-void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view,
+void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star) {
-  const int x = layout.picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
-  const int y = layout.picture.top + static_cast<int>(std::lround(view.screenY(star.y)));
-  const int radius = std::max(scaled(11, canvas.dpi()),
-                              static_cast<int>(std::lround(star.halfFluxDiameter * view.scale)));
-  const PixelRect& shown = layout.picture;
-  const PixelRect inside{shown.left + radius, shown.top + radius, shown.width - 2 * radius,
-                         shown.height - 2 * radius};
+  const int x = picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
+  const int y = picture.top + static_cast<int>(std::lround(view.screenY(star.y)));
+  const int radius =
+      std::max(canvas.at(11), static_cast<int>(std::lround(star.halfFluxDiameter * view.scale)));
+  const PixelRect inside{picture.left + radius, picture.top + radius, picture.width - 2 * radius,
+                         picture.height - 2 * radius};
   if (inside.contains(x, y)) {
     canvas.circle(x, y, radius, palette::accent);
   }
 }
 
-void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view) {
-  const int left = layout.picture.left + view.onScreen.left;
-  const int top = layout.picture.top + view.onScreen.top;
+void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view) {
+  const int left = picture.left + view.onScreen.left;
+  const int top = picture.top + view.onScreen.top;
   const int middleX = left + view.onScreen.width / 2;
   const int middleY = top + view.onScreen.height / 2;
-  const int line = scaled(1, canvas.dpi());
-  canvas.fill({left, middleY, view.onScreen.width, line}, palette::accent);
-  canvas.fill({middleX, top, line, view.onScreen.height}, palette::accent);
-  canvas.circle(middleX, middleY, scaled(24, canvas.dpi()), palette::accent);
+  canvas.fill({left, middleY, view.onScreen.width, canvas.at(1)}, palette::accent);
+  canvas.fill({middleX, top, canvas.at(1), view.onScreen.height}, palette::accent);
+  canvas.circle(middleX, middleY, canvas.at(24), palette::accent);
 }
 
-void drawHelp(GdiCanvas& canvas, const WindowLayout& layout) {
+void drawHelp(GdiCanvas& canvas, const PixelRect& picture) {
   const auto lines = helpLines();
-  const int dpi = canvas.dpi();
-  const ListPlace list = placeList(layout.picture, 520, static_cast<int>(lines.size()), dpi);
-  canvas.dim(layout.picture);
-  drawBox(canvas, list, "Keys");
-  const int keysWidth = scaled(112, dpi);
+  const ListPlace list = placeList(picture, 520, static_cast<int>(lines.size()), canvas.dpi());
+  drawBox(canvas, picture, list, "Keys");
+  const int keysWidth = canvas.at(112);
   for (int number = 0; number < list.rows; ++number) {
     const HelpLine& line = lines[static_cast<std::size_t>(number)];
     const PixelRect row = list.row(number);
     canvas.text({row.left, row.top, keysWidth, row.height}, std::string(line.keys),
                 TextSize::Normal, palette::accent);
-    canvas.text({row.left + keysWidth, row.top, row.width - keysWidth, row.height},
-                std::string(line.meaning), TextSize::Normal, palette::text);
+    canvas.text(restOf(row, keysWidth), std::string(line.meaning), TextSize::Normal, palette::text);
   }
 }
 
-ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi) {
-  return placeList(layout.picture, 540, static_cast<int>(cameras), dpi);
+ListPlace cameraListPlace(const PixelRect& picture, std::size_t cameras, int dpi) {
+  return placeList(picture, 540, static_cast<int>(cameras), dpi);
 }
 
-void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state,
+void drawCameraList(GdiCanvas& canvas, const PixelRect& picture, const LiveState& state,
                     std::size_t selected) {
-  const int dpi = canvas.dpi();
-  const ListPlace list = cameraListPlace(layout, state.cameras.size(), dpi);
-  canvas.dim(layout.picture);
-  drawBox(canvas, list, state.cameras.empty() ? "No cameras" : "Choose a camera");
-  const int inset = scaled(8, dpi);
+  const ListPlace list = cameraListPlace(picture, state.cameras.size(), canvas.dpi());
+  drawBox(canvas, picture, list, state.cameras.empty() ? "No cameras" : "Choose a camera");
+  const int inset = canvas.at(8);
   for (int number = 0; number < list.rows; ++number) {
     const auto position = static_cast<std::size_t>(number);
     const oc::CameraInfo& camera = state.cameras[position];
     const PixelRect row = list.row(number);
-    const bool isSelected = position == selected;
-    if (isSelected) {
+    if (position == selected) {
       canvas.fill(row, palette::raised);
-      canvas.fill({row.left, row.top, scaled(3, dpi), row.height}, palette::accent);
+      canvas.fill({row.left, row.top, canvas.at(3), row.height}, palette::accent);
     }
     const PixelRect inner{row.left + inset, row.top, row.width - 2 * inset, row.height};
     canvas.text(inner, std::to_string(position + 1), TextSize::Small, palette::quietText);
-    canvas.text({inner.left + scaled(24, dpi), inner.top, inner.width / 2, inner.height},
-                camera.name, TextSize::Normal,
-                state.chosen == position ? palette::accent : palette::text);
+    canvas.text({inner.left + canvas.at(24), inner.top, inner.width / 2, inner.height}, camera.name,
+                TextSize::Normal, state.chosen == position ? palette::accent : palette::text);
     canvas.text(inner, cameraDetails(camera), TextSize::Small, palette::quietText,
                 TextAlign::Right);
   }

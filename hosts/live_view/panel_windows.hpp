@@ -14,28 +14,26 @@ namespace orvane::host {
 /// Everything that the panel and the status line show.
 struct PanelContent {
   const LiveState& state;
-  const ControlsRequest& controls;
+  const Controls& controls;
   const LivePicture& picture;
 };
 
 /// The panel and the status line.
 void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content);
 
-/// The text in place of a picture.
-void drawEmptyPicture(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state);
+// What lies over the picture, whose area is given.
 
 /// A ring around the star that is measured.
-void drawStarMark(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view,
+void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star);
 
-void drawCrosshair(GdiCanvas& canvas, const WindowLayout& layout, const PictureView& view);
+void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view);
 
-void drawHelp(GdiCanvas& canvas, const WindowLayout& layout);
+void drawHelp(GdiCanvas& canvas, const PixelRect& picture);
 
-/// The place of the list of cameras.
-ListPlace cameraListPlace(const WindowLayout& layout, std::size_t cameras, int dpi);
+ListPlace cameraListPlace(const PixelRect& picture, std::size_t cameras, int dpi);
 
-void drawCameraList(GdiCanvas& canvas, const WindowLayout& layout, const LiveState& state,
+void drawCameraList(GdiCanvas& canvas, const PixelRect& picture, const LiveState& state,
                     std::size_t selected);
 
 }  // namespace orvane::host

@@ -130,10 +130,7 @@ int reductionFactor(const FrameLayout& layout, int width, int height) {
   const int down = layout.height / std::max(height, 1);
   // The image keeps its shape, so the direction that is reduced more decides how much is shown.
   const int factor = std::clamp(std::max(across, down), 1, largestFactor);
-  if (layout.bayer == BayerPattern::None) {
-    return factor;
-  }
-  return std::max(2, factor / 2 * 2);
+  return layout.bayer == BayerPattern::None ? factor : std::max(2, factor / 2 * 2);
 }
 
 void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout, int factor,
@@ -142,8 +139,7 @@ void reduceFrame(std::span<const std::uint8_t> frame, const FrameLayout& layout,
   reduced.width = layout.width / factor;
   reduced.height = layout.height / factor;
   reduced.channels = isColour ? 3 : 1;
-  reduced.samples.resize(static_cast<std::size_t>(reduced.width) *
-                         static_cast<std::size_t>(reduced.height) *
+  reduced.samples.resize(pixelCount(reduced.width, reduced.height) *
                          static_cast<std::size_t>(reduced.channels));
   if (layout.format == PixelFormat::Rgb24) {
     reduceSquares(PlainSquares<ByteSamples, 3>{{frame.data()}}, layout, factor, 3, reduced);
@@ -167,11 +163,7 @@ PixelRect cutFrame(std::span<const std::uint8_t> frame, const FrameLayout& layou
   std::vector<std::uint8_t> bytes;
   bytes.reserve(frameBytes(cut));
   for (int y = top; y < top + height; ++y) {
-    const std::size_t first =
-        (static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) +
-         static_cast<std::size_t>(left)) *
-        pixelBytes;
-    const auto row = frame.subspan(first, rowBytes);
+    const auto row = frame.subspan(pixelIndex(layout.width, left, y) * pixelBytes, rowBytes);
     bytes.insert(bytes.end(), row.begin(), row.end());
   }
   part = imageFromFrame(bytes, cut);

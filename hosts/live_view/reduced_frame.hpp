@@ -16,9 +16,9 @@ struct PixelRect {
   int width = 0;
   int height = 0;
 
-  bool contains(int x, int y) const {
-    return x >= left && y >= top && x < left + width && y < top + height;
-  }
+  int right() const { return left + width; }
+  int bottom() const { return top + height; }
+  bool contains(int x, int y) const { return x >= left && y >= top && x < right() && y < bottom(); }
   bool operator==(const PixelRect&) const = default;
 };
 

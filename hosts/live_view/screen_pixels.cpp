@@ -56,8 +56,6 @@ std::vector<Place> places(int source, int target) {
 
 }  // namespace
 
-ScreenCurves::ScreenCurves() : ScreenCurves({Stretch{}, Stretch{}, Stretch{}}) {}
-
 ScreenCurves::ScreenCurves(const std::vector<Stretch>& stretches) {
   curves_.reserve(stretches.size());
   for (const Stretch& stretch : stretches) {
@@ -70,9 +68,10 @@ void ScreenCurves::apply(const Image& image, ScreenTint tint, ScreenPixels& scre
   screen.height = image.height;
   screen.pixels.resize(image.samples.size() / static_cast<std::size_t>(image.channels));
   const bool isColor = image.channels == 3;
+  const bool hasThree = curves_.size() == 3 && isColor;
   const std::uint8_t* const first = curves_.front().data();
-  const std::uint8_t* const second = curves_.size() == 3 && isColor ? curves_[1].data() : first;
-  const std::uint8_t* const third = curves_.size() == 3 && isColor ? curves_[2].data() : first;
+  const std::uint8_t* const second = hasThree ? curves_[1].data() : first;
+  const std::uint8_t* const third = hasThree ? curves_[2].data() : first;
   const auto fill = [&](auto pack) {
     const std::uint16_t* sample = image.samples.data();
     for (std::uint32_t& pixel : screen.pixels) {

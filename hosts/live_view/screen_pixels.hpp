@@ -1,7 +1,9 @@
 // Turns images into screen pixels: stretched, in colour or red, scaled.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "imaging/image.hpp"
@@ -22,11 +24,9 @@ enum class ScreenTint { Natural, Red };
 /// For each channel, the screen's value of every sample value.
 class ScreenCurves {
  public:
-  /// No stretch: the samples' upper 8 bits.
-  ScreenCurves();
-
-  /// One stretch for each channel of the image.
-  explicit ScreenCurves(const std::vector<Stretch>& stretches);
+  /// One stretch for each channel of the image, or one for all. Without any: the samples' upper 8
+  /// bits.
+  explicit ScreenCurves(const std::vector<Stretch>& stretches = {Stretch{}});
 
   /// Stretches the image into pixels, whose memory is used again.
   void apply(const Image& image, ScreenTint tint, ScreenPixels& screen) const;
@@ -41,6 +41,10 @@ struct ScreenTarget {
   std::ptrdiff_t pitch = 0;         ///< pixels from one row to the next
   int width = 0;
   int height = 0;
+
+  std::span<std::uint32_t> row(int y) const {
+    return {pixels + y * pitch, static_cast<std::size_t>(width)};
+  }
 };
 
 /// Fills the target with the pixels, scaled with bilinear interpolation.

@@ -27,6 +27,7 @@ constexpr int formatWidth = 90;
 struct Panel {
   int left = 0;
   Axis axis;
+  bool isLogarithmic = false;  // the axis has powers of ten
 
   int x(double value) const {
     return left + static_cast<int>(std::lround(axis.part(value) * panelWidth));
@@ -37,31 +38,15 @@ int rowTop(std::size_t row) {
   return top + static_cast<int>(row) * rowHeight;
 }
 
-int nameWidth(const std::vector<Measurement>& results) {
-  int width = 160;
-  for (const Measurement& result : results) {
-    width = std::max(width, Canvas::textWidth(result.camera));
-  }
-  return width;
-}
-
-void drawGrid(Canvas& canvas, const Panel& panel, const std::string& title, int bottom,
-              std::string (*label)(const Axis&, double)) {
+void drawGrid(Canvas& canvas, const Panel& panel, const std::string& title, int bottom) {
   canvas.text(panel.left, top - 62, title, chart::ink);
   for (const double tick : panel.axis.ticks()) {
     const int x = panel.x(tick);
     canvas.fill(x, top - 8, 1, bottom - top + 16, chart::grid);
-    canvas.textInTheMiddle(x, top - 34, label(panel.axis, tick), chart::faintInk);
+    const std::string label =
+        panel.isLogarithmic ? decimal(std::pow(10, tick)) : panel.axis.label(tick);
+    canvas.textInTheMiddle(x, top - 34, label, chart::faintInk);
   }
-}
-
-std::string plainLabel(const Axis& axis, double tick) {
-  return axis.label(tick);
-}
-
-// For the axis of the waits, which is logarithmic.
-std::string powerLabel(const Axis&, double tick) {
-  return decimal(std::pow(10, tick));
 }
 
 double logOf(double milliseconds) {
@@ -117,14 +102,16 @@ struct Panels {
   explicit Panels(const std::vector<Measurement>& results) {
     double highestRate = 1e-3;
     double highestFlow = 1e-3;
+    int nameWidth = 160;
     for (const Measurement& result : results) {
+      nameWidth = std::max(nameWidth, Canvas::textWidth(result.camera));
       highestRate = std::max(highestRate, result.framesPerSecond);
       highestFlow = std::max(highestFlow, result.megabytesPerSecond);
     }
-    const int first = margin + nameWidth(results) + 16 + formatWidth;
+    const int first = margin + nameWidth + 16 + formatWidth;
     rates = {first, axisFor(0, highestRate, 5)};
     flows = {first + panelWidth + panelGap, axisFor(0, highestFlow, 5)};
-    waits = {first + 2 * (panelWidth + panelGap), powersFor(results)};
+    waits = {first + 2 * (panelWidth + panelGap), powersFor(results), true};
   }
 
   Panel rates;  // frames a second
@@ -155,9 +142,9 @@ ScreenImage benchChart(const std::vector<Measurement>& results, std::int64_t exp
   for (std::size_t row = 0; row < results.size(); row += 2) {
     canvas.fill(margin - 8, rowTop(row), width - 2 * margin + 16, rowHeight, band);
   }
-  drawGrid(canvas, panels.rates, "frames/s", bottom, plainLabel);
-  drawGrid(canvas, panels.flows, "MB/s", bottom, plainLabel);
-  drawGrid(canvas, panels.waits, "wait from frame to frame, ms", bottom, powerLabel);
+  drawGrid(canvas, panels.rates, "frames/s", bottom);
+  drawGrid(canvas, panels.flows, "MB/s", bottom);
+  drawGrid(canvas, panels.waits, "wait from frame to frame, ms", bottom);
   for (std::size_t row = 0; row < results.size(); ++row) {
     if (row == 0 || results[row - 1].camera != results[row].camera) {
       canvas.text(margin, rowTop(row) + 9, results[row].camera, chart::ink);

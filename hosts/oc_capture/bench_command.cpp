@@ -5,7 +5,6 @@
 #include <iostream>
 #include <iterator>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -57,11 +56,8 @@ std::vector<ChosenCamera> plannedMeasurements(const BenchSettings& settings) {
   std::vector<ChosenCamera> planned;
   for (const oc::CameraInfo& camera : cameras) {
     CameraOptions options = settings.camera;
-    if (options.format) {
-      planned.push_back({camera, settingsFor(options, camera)});
-      continue;
-    }
-    for (const PixelFormat format : camera.formats) {
+    for (const PixelFormat format :
+         options.format ? std::vector{*options.format} : camera.formats) {
       options.format = format;
       planned.push_back({camera, settingsFor(options, camera)});
     }
@@ -86,7 +82,7 @@ void summarise(Measurement& result, std::vector<double>& waits) {
 void measureWaits(const BenchSettings& settings, const ChosenCamera& camera, StatusLine& line,
                   Measurement& result, std::vector<double>& waits) {
   CameraStream stream(camera, settings.camera, std::nullopt);
-  result.layout = stream.state().layout;
+  result.layout = stream.layout();
   stream.discard(settings.camera.discard, line);
   stream.discard(1, line);
   const std::uint64_t notReadyBefore = stream.state().emptyReads;
@@ -97,10 +93,11 @@ void measureWaits(const BenchSettings& settings, const ChosenCamera& camera, Sta
     if (const oc::Frame frame = stream.next()) {
       waits.push_back(secondsBetween(last, frame.arrival()));
       last = frame.arrival();
-      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
-                   settings.camera.correction);
     }
-    result.notReadyAnswers = static_cast<std::int64_t>(stream.state().emptyReads - notReadyBefore);
+    stream.tellFailures(line);
+    const oc::CaptureState state = stream.state();
+    result.notReadyAnswers = static_cast<std::int64_t>(state.emptyReads - notReadyBefore);
+    result.failedReads = state.failedReads;
     result.seconds = secondsBetween(start, last);
     if (line.isDue()) {
       line.show(result.camera + ", " + formatName(result.layout.format) + ": " +
@@ -148,7 +145,12 @@ std::string textOf(const BenchSettings& settings, const std::vector<Measurement>
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
   constexpr std::size_t textColumns = 3;
   const std::string chart = utf8FromPath(settings.chart.path);
-  return textTable(rows, textColumns) + (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
+  std::uint64_t failedReads = 0;
+  for (const Measurement& result : results) {
+    failedReads += result.failedReads;
+  }
+  return textTable(rows, textColumns) + failedReadsText(failedReads) +
+         (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
 }
 
 Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& results) {
@@ -167,25 +169,13 @@ Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& resul
                             {"framesPerSecond", result.framesPerSecond},
                             {"megabytesPerSecond", result.megabytesPerSecond},
                             {"notReadyAnswers", result.notReadyAnswers},
+                            {"failedReads", result.failedReads},
                             {"waitMilliseconds", waits},
                             {"error", result.error}});
   }
   return {{"exposureUs", settings.camera.exposureUs},
           {"measurements", measurements},
           {"chart", orNull(utf8FromPath(settings.chart.path))}};
-}
-
-// Writes what failed to standard error. Returns the exit status.
-int reportFailures(const std::vector<Measurement>& results) {
-  int status = 0;
-  for (const Measurement& result : results) {
-    if (!result.error.empty()) {
-      std::cerr << "oc_capture: " << result.camera << ", " << formatName(result.layout.format)
-                << ": " << result.error << "\n";
-      status = 1;
-    }
-  }
-  return status;
 }
 
 // Measures one after another. A failure does not stop the next.
@@ -203,14 +193,21 @@ std::vector<Measurement> measureAll(const BenchSettings& settings) {
 
 int bench(const BenchSettings& settings) {
   requireUsable(settings.chart);
-  catchStopRequests();
-  useFineSleep();
   const std::vector<Measurement> results = measureAll(settings);
   if (settings.chart.isGiven()) {
-    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
+    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs),
+             settings.chart.existing());
   }
   report(settings.reporting, jsonOf(settings, results), textOf(settings, results));
-  return reportFailures(results);
+  int status = 0;
+  for (const Measurement& result : results) {
+    if (!result.error.empty()) {
+      std::cerr << "oc_capture: " << result.camera << ", " << formatName(result.layout.format)
+                << ": " << result.error << "\n";
+      status = 1;
+    }
+  }
+  return status;
 }
 
 }  // namespace

@@ -180,6 +180,8 @@ oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& cam
 }
 
 oc::Scan findCameras(const std::string& sdkDirectory) {
+  catchStopRequests();
+  useFineSleep();
   oc::Scan catalogue = readCatalogue(sdkDirectory);
   if (!catalogue.error.empty()) {
     std::cerr << "oc_capture: " << catalogue.error << "\n";

@@ -64,8 +64,9 @@ struct ChosenCamera {
 /// tells what the camera offers.
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
-/// Scans for cameras. Errors of the scan only go to standard error, because the camera that is
-/// needed may have been found. Throws oc::Error when there is no camera at all.
+/// Scans for cameras, to capture from them: Ctrl-C now only sets stopRequested(). Errors of the
+/// scan only go to standard error, because the camera that is needed may have been found. Throws
+/// oc::Error when there is no camera at all.
 oc::Scan findCameras(const std::string& sdkDirectory);
 
 /// Scans for cameras and chooses one. Throws UsageError when no camera fits the options, when

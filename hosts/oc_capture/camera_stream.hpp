@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <orvane_desktop_camera.hpp>
+#include <string>
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/status_line.hpp"
@@ -16,8 +17,12 @@ inline double secondsBetween(std::chrono::steady_clock::time_point start,
   return std::chrono::duration<double>(end - start).count();
 }
 
-/// An open camera and a queue that takes every frame from the first one on. A failed read, or five
-/// waits without a frame, end the stream: next() then throws oc::Error.
+/// A line of a report, empty if no read has failed.
+std::string failedReadsText(std::uint64_t failedReads);
+
+/// An open camera and a queue that takes every frame from the first one on. A camera that is lost,
+/// as oc::CaptureThread describes it, ends the stream: next() then throws oc::Error. Single failed
+/// reads are counted and told.
 class CameraStream {
  public:
   /// The stream ends `frames` frames after those to discard, if a number is given. Waiting frames
@@ -26,8 +31,11 @@ class CameraStream {
                std::int64_t waitingBytes = 64'000'000);
 
   /// Waits for the next frame, but only so long that Ctrl-C and the status line are not delayed.
-  /// Empty when none came.
-  oc::Frame next() { return frames_.next(std::chrono::milliseconds(100)); }
+  /// The frame is corrected. Empty when none came.
+  oc::Frame next();
+
+  /// Tells of reads that have failed since the last call. To be called in every wait for frames.
+  void tellFailures(StatusLine& line);
 
   /// Discards this number of frames, or fewer if the user stops the program. Shows the progress.
   void discard(int frames, StatusLine& line);
@@ -37,13 +45,19 @@ class CameraStream {
 
   oc::CaptureState state() const { return capture_.state(); }
 
-  /// The queue, for a consumer that replaces next().
+  /// The layout of the corrected frames.
+  FrameLayout layout() const { return correctedLayout(state().layout, correction_); }
+
+  /// The queue, for a consumer that replaces next() and corrects the frames.
   oc::FrameQueue takeQueue() { return std::move(frames_); }
 
  private:
+  const FrameCorrection correction_;
   oc::CaptureThread capture_;
   oc::FrameQueue frames_;
   std::chrono::steady_clock::time_point start_;
+  std::uint64_t toldFailures_ = 0;
+  bool toldLimit_ = false;
 };
 
 }  // namespace orvane::host

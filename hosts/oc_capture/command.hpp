@@ -61,6 +61,7 @@ extern const Command snapCommand;
 extern const Command benchCommand;
 extern const Command watchCommand;
 extern const Command playCommand;
+extern const Command repairCommand;
 extern const Command doctorCommand;
 
 /// Makes a command's settings, and adds its options, which write into them. Returns the function

@@ -44,19 +44,14 @@ std::string caption(const SerFacts& facts, std::int32_t frame) {
   return text;
 }
 
-ScreenImage thumbnail(const SerReader& recording, std::int32_t frame,
-                      const FrameCorrection& correction) {
-  Image image = recording.readImage(frame);
-  const BayerPattern bayer = correctImage(image, recording.facts().bayer, correction);
-  return previewOf(std::move(image), bayer, longestSide);
-}
-
 std::vector<ScreenImage> thumbnails(const SerReader& recording,
                                     const std::vector<std::int32_t>& frames,
                                     const FrameCorrection& correction, StatusLine& line) {
   std::vector<ScreenImage> pictures;
   for (const std::int32_t frame : frames) {
-    pictures.push_back(thumbnail(recording, frame, correction));
+    Image image = recording.readImage(frame);
+    const BayerPattern bayer = correctImage(image, recording.facts().bayer, correction);
+    pictures.push_back(previewOf(std::move(image), bayer, longestSide));
     if (line.isDue()) {
       line.show("Contact sheet: " + std::to_string(pictures.size()) + " of " +
                 std::to_string(frames.size()) + " frames");

@@ -39,7 +39,7 @@ struct DoctorFindings {
   std::string loadableSdks() const {
     std::vector<std::string> names;
     for (const SdkFindings& sdk : sdks) {
-      if (sdk.load == LoadOutcome::Loaded) {
+      if (sdk.isLoaded()) {
         names.emplace_back(sdk.sdk.baseName);
       }
     }
@@ -67,23 +67,19 @@ std::string line(const std::string& label, const std::string& text) {
   return "  " + label + std::string(labelWidth - label.size(), ' ') + text + "\n";
 }
 
-std::string kindOf(const SdkFindings& sdk) {
-  if (!sdk.content.problem.empty()) {
-    return sdk.content.problem;
-  }
-  return std::to_string(sdk.content.bits) + "-bit library for " + sdk.content.processor;
+std::string kindOf(const LibraryFile& file) {
+  return !file.problem.empty() ? file.problem
+                               : std::to_string(file.bits) + "-bit library for " + file.processor;
 }
 
 std::string loadText(const SdkFindings& sdk) {
-  switch (sdk.load) {
-    case LoadOutcome::Loaded:
-      return "yes";
-    case LoadOutcome::Failed:
-      return "no: " + sdk.loadProblem +
-             (sdk.loadCode ? " (" + std::to_string(*sdk.loadCode) + ")" : "");
-    default:
-      return "not tried: loading this file could end the program";
+  if (!sdk.load) {
+    return "not tried: loading this file could end the program";
   }
+  const auto& code = sdk.load->code;
+  return sdk.isLoaded() ? "yes"
+                        : "no: " + validUtf8(sdk.load->problem) +
+                              (code ? " (" + std::to_string(*code) + ")" : "");
 }
 
 // "4 of 5 WORD".
@@ -92,7 +88,7 @@ std::string countText(std::size_t present, std::size_t all, const std::string& w
 }
 
 std::string functionLines(const SdkFindings& sdk) {
-  if (sdk.load != LoadOutcome::Loaded) {
+  if (!sdk.isLoaded()) {
     return line("Functions", "not known");
   }
   const std::size_t all = sdk.sdk.functions.size();
@@ -131,18 +127,14 @@ std::string versionLine(const SdkFindings& sdk) {
 #endif
 }
 
-std::string stateOf(const SdkFindings& sdk) {
-  if (!sdk.isPresent) {
-    return "not there";
-  }
-  return sdk.isHealthy() ? "healthy" : "NOT HEALTHY";
-}
-
 std::string sdkLines(const SdkFindings& sdk) {
+  const char* const state = !sdk.isPresent    ? "not there"
+                            : sdk.isHealthy() ? "healthy"
+                                              : "NOT HEALTHY";
   std::string lines =
-      std::string(sdk.sdk.maker) + ": " + stateOf(sdk) + "\n" + line("File", pathText(sdk.file));
+      std::string(sdk.sdk.maker) + ": " + state + "\n" + line("File", pathText(sdk.file));
   if (sdk.isPresent) {
-    lines += line("Kind", kindOf(sdk)) + versionLine(sdk) + line("Loads", loadText(sdk)) +
+    lines += line("Kind", kindOf(sdk.content)) + versionLine(sdk) + line("Loads", loadText(sdk)) +
              functionLines(sdk) + importLines(sdk);
   }
   return lines + "\n";
@@ -168,11 +160,12 @@ std::string libraryLines(const DoctorFindings& findings) {
 }
 
 std::string summary(const DoctorFindings& findings) {
-  const auto countIf = [&](auto isCounted) {
-    return std::count_if(findings.sdks.begin(), findings.sdks.end(), isCounted);
-  };
-  const auto present = countIf([](const SdkFindings& sdk) { return sdk.isPresent; });
-  const auto healthy = countIf([](const SdkFindings& sdk) { return sdk.isHealthy(); });
+  int present = 0;
+  int healthy = 0;
+  for (const SdkFindings& sdk : findings.sdks) {
+    present += sdk.isPresent ? 1 : 0;
+    healthy += sdk.isHealthy() ? 1 : 0;
+  }
   if (present == 0) {
     return "There is no SDK in this directory.\n";
   }
@@ -189,7 +182,7 @@ Json sdkJson(const SdkFindings& sdk) {
                        {"file", orNull(pathText(import.file))},
                        {"problem", orNull(import.problem)}});
   }
-  const bool isLoaded = sdk.load == LoadOutcome::Loaded;
+  const LoadResult load = sdk.load.value_or(LoadResult());
   const LibraryFile& content = sdk.content;
   return {{"maker", sdk.sdk.maker},
           {"name", sdk.sdk.baseName},
@@ -201,11 +194,11 @@ Json sdkJson(const SdkFindings& sdk) {
           {"processor", orNull(content.processor)},
           {"fileVersion", orNull(content.version)},
           {"soname", content.soname ? Json(validUtf8(*content.soname)) : Json()},
-          {"loads", sdk.load == LoadOutcome::NotTried ? Json() : Json(isLoaded)},
-          {"loadError", orNull(sdk.loadProblem)},
-          {"loadErrorCode", orNull(sdk.loadCode)},
+          {"loads", sdk.load ? Json(sdk.isLoaded()) : Json()},
+          {"loadError", orNull(validUtf8(load.problem))},
+          {"loadErrorCode", orNull(load.code)},
           {"functions", sdk.sdk.functions.size()},
-          {"missingFunctions", isLoaded ? Json(sdk.missingFunctions) : Json()},
+          {"missingFunctions", sdk.isLoaded() ? Json(sdk.missingFunctions) : Json()},
           {"imports", imports}};
 }
 
@@ -236,9 +229,8 @@ Json jsonOf(const DoctorFindings& findings) {
 
 // No scan if an SDK was not loaded because that could end this program: the scan would load it.
 bool canBeScanned(const std::vector<SdkFindings>& sdks) {
-  return std::none_of(sdks.begin(), sdks.end(), [](const SdkFindings& sdk) {
-    return sdk.isPresent && sdk.load == LoadOutcome::NotTried;
-  });
+  return std::none_of(sdks.begin(), sdks.end(),
+                      [](const SdkFindings& sdk) { return sdk.isPresent && !sdk.load; });
 }
 
 int examineSdks(const DoctorSettings& settings) {

@@ -27,10 +27,6 @@ void addOptions(CommandOptions& options, ListSettings& list) {
   addReportingOptions(options, list.reporting);
 }
 
-std::string pixelPitch(double micrometres) {
-  return std::isnan(micrometres) ? "-" : decimal(micrometres) + " um";
-}
-
 std::string colour(const oc::CameraInfo& camera) {
   if (!camera.isColor) {
     return "mono";
@@ -50,24 +46,20 @@ std::string orDash(const std::string& text) {
   return text.empty() ? "-" : text;
 }
 
-std::string gainRange(const oc::CameraInfo& camera) {
-  return hasGainRange(camera)
-             ? std::to_string(camera.minGain) + " to " + std::to_string(camera.maxGain)
-             : "-";
-}
-
 TableRow rowOf(const oc::CameraInfo& camera) {
+  const std::string gains =
+      std::to_string(camera.minGain) + " to " + std::to_string(camera.maxGain);
   return {std::to_string(camera.index),
           camera.name,
           dimensionsText(camera.maxWidth, camera.maxHeight),
           std::to_string(camera.bitDepth),
-          pixelPitch(camera.pixelSizeUm),
+          std::isnan(camera.pixelSizeUm) ? "-" : decimal(camera.pixelSizeUm) + " um",
           colour(camera),
           camera.isCooled ? "yes" : "no",
           usb(camera),
           orDash(joined(camera.bins, ",", [](int bin) { return std::to_string(bin); })),
           orDash(joined(camera.formats, ",", formatName)),
-          gainRange(camera),
+          hasGainRange(camera) ? gains : "-",
           hasLongestExposure(camera) ? durationText(camera.maxExposureUs) : "-"};
 }
 

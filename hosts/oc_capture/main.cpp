@@ -12,8 +12,8 @@ namespace {
 using namespace orvane::host;
 
 // In the order of the help.
-constexpr std::array commands{&listCommand,  &recordCommand, &snapCommand,  &benchCommand,
-                              &watchCommand, &playCommand,   &doctorCommand};
+constexpr std::array commands{&listCommand,  &recordCommand, &snapCommand,   &benchCommand,
+                              &watchCommand, &playCommand,   &repairCommand, &doctorCommand};
 
 }  // namespace
 

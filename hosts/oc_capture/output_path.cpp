@@ -2,33 +2,25 @@
 #include "oc_capture/output_path.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <system_error>
 
 #include "system/failures.hpp"
+#include "system/system.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
-
-namespace {
-
-std::filesystem::path readPath(const char* option, const std::string& text,
-                               const std::vector<std::string>& endings) {
-  std::filesystem::path path = pathFromUtf8(text);
-  if (std::none_of(endings.begin(), endings.end(),
-                   [&](const std::string& ending) { return hasEnding(path, ending); })) {
-    throw UsageError(std::string(option) + " needs a file name that ends in " +
-                     alternatives(endings) + ", not " + inQuotes(text) + ".");
-  }
-  return path;
-}
-
-}  // namespace
 
 void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputOption& texts) {
   options.add(
       "--out", texts.type, texts.description,
       [&output, endings = texts.endings](const char* option, const std::string& text) {
-        output.path = readPath(option, text, endings);
+        output.path = pathFromUtf8(text);
+        if (std::none_of(endings.begin(), endings.end(),
+                         [&](const auto& ending) { return hasEnding(output.path, ending); })) {
+          throw UsageError(std::string(option) + " needs a file name that ends in " +
+                           alternatives(endings) + ", not " + inQuotes(text) + ".");
+        }
       },
       texts.presence);
   options.addFlag("--overwrite", output.mayOverwrite,
@@ -49,6 +41,11 @@ void requireUsable(const OutputPath& output) {
   if (!output.mayOverwrite && std::filesystem::exists(output.path, ignored)) {
     throw UsageError(inQuotes(utf8FromPath(output.path)) +
                      " exists already; name another file or add --overwrite.");
+  }
+  if (output.isGiven() &&
+      (isBeingWritten(output.path) || isBeingWritten(temporaryName(output.path)))) {
+    throw std::runtime_error("Cannot create " + inQuotes(utf8FromPath(output.path)) +
+                             ": another program is writing it");
   }
 }
 

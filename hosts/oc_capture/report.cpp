@@ -37,6 +37,22 @@ Json orNull(const std::string& text) {
   return text.empty() ? Json() : Json(text);
 }
 
+std::string gapText(const GapCount& gaps) {
+  if (gaps.gaps == 0) {
+    return "none";
+  }
+  return std::to_string(gaps.gaps) + ", in which about " + std::to_string(gaps.missedFrames) +
+         " frames are missing; the longest, " + decimal(gaps.longestGap * 1e3, 1) +
+         " ms, after frame " + std::to_string(gaps.longestGapAfter);
+}
+
+Json gapsJson(const GapCount& gaps) {
+  return {{"gaps", gaps.gaps},
+          {"missedFrames", gaps.missedFrames},
+          {"longestGapSeconds", gaps.longestGap},
+          {"longestGapAfterFrame", gaps.gaps == 0 ? Json() : Json(gaps.longestGapAfter)}};
+}
+
 std::string textTable(const std::vector<TableRow>& rows, std::size_t textColumns) {
   std::vector<std::string> lines(rows.size());
   const std::size_t columns = rows.front().size();

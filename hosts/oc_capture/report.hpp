@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "oc_capture/command.hpp"
+#include "session/frame_timing.hpp"
 
 namespace orvane::host {
 
@@ -31,6 +32,12 @@ Json orNull(const std::optional<Value>& value) {
 
 /// The text, or null if it is empty.
 Json orNull(const std::string& text);
+
+/// The gaps of a recording: "none", or how many and how long.
+std::string gapText(const GapCount& gaps);
+
+/// The same as members of a JSON document.
+Json gapsJson(const GapCount& gaps);
 
 using TableRow = std::vector<std::string>;
 

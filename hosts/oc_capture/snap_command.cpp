@@ -1,7 +1,6 @@
 // "oc_capture snap": one frame of a camera, written into a PNG or FITS file.
 #include <chrono>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "formats/fits_writer.hpp"
@@ -46,6 +45,7 @@ struct Snapshot {
   FrameLayout layout;
   oc::Frame frame;
   std::optional<double> temperature;
+  std::uint64_t failedReads = 0;
 };
 
 Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
@@ -54,11 +54,10 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
   const Clock::time_point start = Clock::now();
   for (int before = settings.camera.discard; !stopRequested();) {
     const oc::Frame frame = stream.next();
+    stream.tellFailures(line);
     if (frame && before-- == 0) {
-      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
-                   settings.camera.correction);
-      return {correctedLayout(frame.layout(), settings.camera.correction), frame,
-              stream.state().temperature};
+      const oc::CaptureState state = stream.state();
+      return {stream.layout(), frame, state.temperature, state.failedReads};
     }
     if (line.isDue()) {
       const std::chrono::duration<double> waited = Clock::now() - start;
@@ -96,23 +95,24 @@ Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snap
           {"gain", *camera.settings.gain},
           {"offset", camera.settings.offset},
           {"bin", camera.settings.bin},
-          {"temperature", orNull(snapshot.temperature)}};
+          {"temperature", orNull(snapshot.temperature)},
+          {"failedReads", snapshot.failedReads}};
 }
 
-std::string textOf(const SnapSettings& settings, const FrameLayout& layout) {
+std::string textOf(const SnapSettings& settings, const Snapshot& snapshot) {
+  const FrameLayout& layout = snapshot.layout;
   return "Took a frame of " + dimensionsText(layout.width, layout.height) + " " +
-         formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n";
+         formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n" +
+         failedReadsText(snapshot.failedReads);
 }
 
 int snap(const SnapSettings& settings) {
   requireUsable(settings.file);
-  catchStopRequests();
-  useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   const Snapshot snapshot = takeSnapshot(settings, camera);
   if (!hasEnding(settings.file.path, ".png")) {
     writeFits(settings.file.path, snapshot.frame.pixels(),
-              fitsDescription(settings, camera, snapshot));
+              fitsDescription(settings, camera, snapshot), settings.file.existing());
   } else {
     StatusLine line(settings.reporting.isQuiet);
     constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
@@ -120,9 +120,10 @@ int snap(const SnapSettings& settings) {
       line.show("Making the picture");
     }
     constexpr int anySize = 1 << 20;
-    writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize));
+    writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize),
+             settings.file.existing());
   }
-  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot.layout));
+  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot));
   return 0;
 }
 

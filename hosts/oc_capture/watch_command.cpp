@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "formats/png_writer.hpp"
@@ -48,11 +47,12 @@ struct Summary {
   std::int64_t mostSaturated = 0;
   std::optional<double> lowestTemperature;
   std::optional<double> highestTemperature;
+  std::uint64_t failedReads = 0;
   std::string error;
 
   void add(const WatchPoint& point) {
     smallest =
-        frames == 0 ? point.statistics.smallest : std::min(smallest, point.statistics.smallest);
+        std::min(frames == 0 ? point.statistics.smallest : smallest, point.statistics.smallest);
     largest = std::max(largest, point.statistics.largest);
     mostSaturated = std::max(mostSaturated, point.statistics.saturated);
     sumOfMeans += point.statistics.mean;
@@ -86,17 +86,17 @@ std::string lineOf(const Summary& summary) {
 void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, StatusLine& line,
                  Summary& summary) {
   CameraStream stream(camera, settings.camera, settings.length.frames);
-  summary.layout = correctedLayout(stream.state().layout, settings.camera.correction);
+  summary.layout = stream.layout();
   stream.discard(settings.camera.discard, line);
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return Clock::now() - start; };
   while (!stopRequested() && !settings.length.isReached(summary.frames, elapsed())) {
     if (const oc::Frame frame = stream.next()) {
-      correctFrame(std::span(frame.data(), frame.size()), frame.layout(),
-                   settings.camera.correction);
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
                    frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
     }
+    stream.tellFailures(line);
+    summary.failedReads = stream.state().failedReads;
     if (line.isDue()) {
       line.show(lineOf(summary));
     }
@@ -131,6 +131,7 @@ Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::strin
           {"mostSaturatedPixels", summary.mostSaturated},
           {"lowestTemperature", orNull(summary.lowestTemperature)},
           {"highestTemperature", orNull(summary.highestTemperature)},
+          {"failedReads", summary.failedReads},
           {"plot", orNull(plot)},
           {"error", summary.error}};
 }
@@ -149,13 +150,12 @@ std::string textOf(const Summary& summary, const std::string& plot) {
     text += ", " + decimal(*summary.lowestTemperature, 1) + " to " +
             decimal(*summary.highestTemperature, 1) + " \u00b0C";
   }
-  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n";
+  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n" +
+         failedReadsText(summary.failedReads);
 }
 
 int watch(const WatchSettings& settings) {
   requireUsable(settings.plot);
-  catchStopRequests();
-  useFineSleep();
   const ChosenCamera camera = findCamera(settings.camera);
   Summary summary = watchCamera(settings, camera);
   if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {
@@ -165,7 +165,8 @@ int watch(const WatchSettings& settings) {
   if (settings.plot.isGiven() && !summary.history.points().empty()) {
     writePng(settings.plot.path,
              watchPlot(summary.history,
-                       camera.description.name + ", " + formatName(camera.settings.format)));
+                       camera.description.name + ", " + formatName(camera.settings.format)),
+             settings.plot.existing());
     plot = utf8FromPath(settings.plot.path);
   }
   report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 
-#include "sdk_check/system_loader.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -54,7 +54,7 @@ void addImports(SdkFindings& findings, const fs::path& importer, const LibraryFi
     const LibraryFile import = isFound && !place.isSystems ? readFile(place.file) : LibraryFile{};
     // If the SDK was loaded, the loader found everything that it needs.
     findings.imports.push_back({validName, validUtf8(utf8FromPath(importer.filename())), place.file,
-                                !isFound && findings.load != LoadOutcome::Loaded, import.problem});
+                                !isFound && !findings.isLoaded(), import.problem});
     addImports(findings, place.file, import);
   }
 }
@@ -65,22 +65,6 @@ bool mayBeLoaded(const SdkFindings& findings) {
   return fs::is_directory(findings.file, ignored) ||
          (fs::is_regular_file(findings.file, ignored) &&
           (loaderSurvivesDamage || !findings.content.isDamaged));
-}
-
-void tryToLoad(SdkFindings& findings) {
-  const LoadResult result = loadLibrary(findings.file);
-  if (result.module == nullptr) {
-    findings.load = LoadOutcome::Failed;
-    findings.loadProblem = validUtf8(result.problem);
-    findings.loadCode = result.code;
-    return;
-  }
-  findings.load = LoadOutcome::Loaded;
-  for (const std::string& function : findings.sdk.functions) {
-    if (!hasFunction(result.module, function)) {
-      findings.missingFunctions.push_back(function);
-    }
-  }
 }
 
 }  // namespace
@@ -94,7 +78,12 @@ SdkFindings examineSdk(const Sdk& sdk, const fs::path& directory) {
   if (findings.isPresent) {
     findings.content = readFile(findings.file);
     if (mayBeLoaded(findings)) {
-      tryToLoad(findings);
+      findings.load = loadLibrary(findings.file);
+    }
+    if (findings.isLoaded()) {
+      std::copy_if(sdk.functions.begin(), sdk.functions.end(),
+                   std::back_inserter(findings.missingFunctions),
+                   [&](const auto& name) { return !hasFunction(findings.load->module, name); });
     }
     addImports(findings, findings.file, findings.content);
   }

@@ -1,7 +1,6 @@
 // Examines a maker's SDK: its file, whether it loads, and what it lacks. Opens no camera.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "sdk_check/library_file.hpp"
 #include "sdk_check/sdk_functions.hpp"
+#include "sdk_check/system_loader.hpp"
 
 namespace orvane::host {
 
@@ -23,25 +23,19 @@ struct ImportFinding {
   bool isFine() const { return !isMissing && problem.empty(); }
 };
 
-enum class LoadOutcome {
-  NotTried,
-  Failed,
-  Loaded,
-};
-
 struct SdkFindings {
   Sdk sdk;
   std::filesystem::path file;  ///< full path
   bool isPresent = false;      ///< otherwise everything below is empty
   LibraryFile content;
-  LoadOutcome load = LoadOutcome::NotTried;
-  std::string loadProblem;                    ///< the system's message
-  std::optional<std::int64_t> loadCode;       ///< the system's error code, if it has one
+  std::optional<LoadResult> load;             ///< empty if loading was not tried
   std::vector<std::string> missingFunctions;  ///< only if the SDK was loaded
   std::vector<ImportFinding> imports;         ///< each followed by its own imports
 
+  bool isLoaded() const { return load && load->module != nullptr; }
+
   /// It loads and has every function that the library calls.
-  bool isHealthy() const { return load == LoadOutcome::Loaded && missingFunctions.empty(); }
+  bool isHealthy() const { return isLoaded() && missingFunctions.empty(); }
 };
 
 /// Examines the SDK in this directory, given by its full path. An SDK that loads stays loaded.

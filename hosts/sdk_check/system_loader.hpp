@@ -16,7 +16,7 @@ std::string libraryFileName(const std::string& baseName);
 
 struct LoadResult {
   void* module = nullptr;            ///< null on failure; stays loaded until the process ends
-  std::string problem;               ///< the system's message, in UTF-8
+  std::string problem;               ///< the system's message
   std::optional<std::int64_t> code;  ///< the system's error code, if it has one
 };
 

@@ -23,12 +23,14 @@ std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes)
 }
 
 SerRecorder::SerRecorder(const std::filesystem::path& path, const SerDescription& description,
-                         const FrameCorrection& correction, oc::FrameQueue frames)
+                         const FrameCorrection& correction, oc::FrameQueue frames,
+                         const RecordingOptions& options)
     : correction_(correction),
       frames_(std::move(frames)),
       takenBefore_(frames_.taken()),
       droppedBefore_(frames_.dropped()),
-      writer_(path, description),
+      writer_(path, description, options.existing),
+      gaps_(static_cast<double>(options.exposureUs) / 1e6),
       thread_([this] { run(); }) {}
 
 SerRecorder::~SerRecorder() {
@@ -73,6 +75,7 @@ void SerRecorder::writeFrames() {
     const std::span bytes(frame.data(), frame.size());
     correctFrame(bytes, frame.layout(), correction_);
     writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
+    noteArrival(frame.arrival());
     writtenFrames_ = writer_.frameCount();
     current_ = std::move(frame);
     if (Clock::now() - checkpoint >= betweenCheckpoints) {
@@ -80,6 +83,30 @@ void SerRecorder::writeFrames() {
       checkpoint = Clock::now();
     }
   }
+}
+
+void SerRecorder::noteArrival(Clock::time_point arrival) {
+  const std::lock_guard lock(mutex_);
+  if (writtenFrames_ == 0) {
+    firstArrival_ = arrival;
+  } else {
+    const std::chrono::duration<double> interval = arrival - lastArrival_;
+    for (const FrameGap& gap : gaps_.add(interval.count())) {
+      if (times_.firstGaps.size() < RecordingTimes::mostGaps) {
+        times_.firstGaps.push_back(gap);
+      }
+    }
+  }
+  lastArrival_ = arrival;
+}
+
+RecordingTimes SerRecorder::times() const {
+  const std::lock_guard lock(mutex_);
+  RecordingTimes times = times_;
+  times.count = gaps_.count();
+  times.frameTime = gaps_.frameTime();
+  times.seconds = std::chrono::duration<double>(lastArrival_ - firstArrival_).count();
+  return times;
 }
 
 }  // namespace orvane::host

@@ -10,9 +10,11 @@
 #include <mutex>
 #include <orvane_desktop_camera.hpp>
 #include <thread>
+#include <vector>
 
 #include "formats/ser_writer.hpp"
 #include "imaging/frame_correction.hpp"
+#include "session/frame_timing.hpp"
 
 namespace orvane::host {
 
@@ -20,14 +22,31 @@ namespace orvane::host {
 /// fit into `waitingBytes`, but at least three, plus the frame that is being written.
 std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes);
 
-/// A recording in progress. The file is valid at any time.
+/// How to record.
+struct RecordingOptions {
+  Existing existing = Existing::Refuse;
+  std::int64_t exposureUs = 0;  ///< 0 if unknown; see GapFinder
+};
+
+/// When the recorded frames arrived.
+struct RecordingTimes {
+  GapCount count;
+  std::vector<FrameGap> firstGaps;  ///< at most mostGaps
+  double frameTime = 0;             ///< see GapFinder
+  double seconds = 0;               ///< from the first frame to the last
+
+  static constexpr std::size_t mostGaps = 20;
+};
+
+/// A recording in progress. The file appears with its first frame and is valid from then on.
 class SerRecorder {
  public:
   /// Takes the frames of a queue with Delivery::Every until it is closed or the camera is lost. The
   /// correction changes frames in place, so nothing else may use them. `description` is that of the
   /// corrected frames. Throws std::runtime_error when the file cannot be created.
   SerRecorder(const std::filesystem::path& path, const SerDescription& description,
-              const FrameCorrection& correction, oc::FrameQueue frames);
+              const FrameCorrection& correction, oc::FrameQueue frames,
+              const RecordingOptions& options = {});
 
   /// Writes the waiting frames and finishes the file. Ignores failures.
   ~SerRecorder();
@@ -53,6 +72,9 @@ class SerRecorder {
   /// How many frames found no room.
   std::int64_t droppedFrames() const { return difference(frames_.dropped(), droppedBefore_); }
 
+  /// The arrival of the frames in the file.
+  RecordingTimes times() const;
+
   const oc::FrameQueue& queue() const { return frames_; }
 
   /// The last frame in the file, empty if there is none. Only after the end.
@@ -64,6 +86,7 @@ class SerRecorder {
   }
   void run();
   void writeFrames();
+  void noteArrival(std::chrono::steady_clock::time_point arrival);
 
   const FrameCorrection correction_;
   oc::FrameQueue frames_;
@@ -73,7 +96,11 @@ class SerRecorder {
   oc::Frame current_;
   std::atomic<std::int32_t> writtenFrames_ = 0;
   std::exception_ptr failure_;
-  std::mutex mutex_;
+  std::chrono::steady_clock::time_point firstArrival_;
+  std::chrono::steady_clock::time_point lastArrival_;
+  mutable std::mutex mutex_;
+  GapFinder gaps_;
+  RecordingTimes times_;
   std::condition_variable ended_;
   bool hasEnded_ = false;
   std::thread thread_;  // last: it uses all the others

@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: change_settings SDK-DIRECTORY\n");
     return 2;
   }
-  frame = openFirstCamera(argv[1], 5000, 100);
+  frame = openFirstCamera(argv[1], 5000);
   if (frame == NULL) {
     return 1;
   }
@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     }
     /* The next one or two frames may still have the previous settings. */
     for (stale = 0; stale < 3; ++stale) {
-      bytes = waitForFrame(frame, oc_buffer_size(), (int)(2 * exposureUs / 1000) + 500);
+      bytes = waitForFrame(frame, exposureUs);
     }
     if (bytes == 0) {
       break;

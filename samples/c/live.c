@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: live SDK-DIRECTORY SECONDS\n");
     return 2;
   }
-  frame = openFirstCamera(argv[1], exposureUs, 100);
+  frame = openFirstCamera(argv[1], exposureUs);
   if (frame == NULL) {
     return 1;
   }

@@ -23,9 +23,9 @@ static inline void pauseOneMillisecond(void) {
 #endif
 }
 
-/* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8 bits.
- * Returns a buffer for its frames, or NULL after printing why not. */
-static inline uint8_t* openFirstCamera(const char* sdkDirectory, int64_t exposureUs, int gain) {
+/* Scans the SDKs in this directory and opens the first camera at 640 x 480, bin 1, raw 8 bits,
+ * gain 100, offset 10. Returns a buffer for its frames, or NULL after printing why not. */
+static inline uint8_t* openFirstCamera(const char* sdkDirectory, int64_t exposureUs) {
   char directory[3072];
   uint8_t* frame;
   oc_library_dir(utf8Argument(sdkDirectory, directory, sizeof directory));
@@ -33,7 +33,7 @@ static inline uint8_t* openFirstCamera(const char* sdkDirectory, int64_t exposur
     fprintf(stderr, "No camera found. %s\n", oc_error());
     return NULL;
   }
-  if (!oc_open(0, 640, 480, 1, OC_FORMAT_RAW8, exposureUs, gain, 10)) {
+  if (!oc_open(0, 640, 480, 1, OC_FORMAT_RAW8, exposureUs, 100, 10)) {
     fprintf(stderr, "Cannot open the camera: %s\n", oc_error());
     return NULL;
   }
@@ -46,12 +46,13 @@ static inline uint8_t* openFirstCamera(const char* sdkDirectory, int64_t exposur
   return frame;
 }
 
-/* Waits for a frame, at most timeoutMs plus two seconds. Returns the number of its bytes, or 0
- * after printing what went wrong. */
-static inline int waitForFrame(uint8_t* buffer, int length, int timeoutMs) {
+/* Waits for a frame of this exposure, with two seconds to spare. Returns the number of its bytes,
+ * or 0 after printing what went wrong. */
+static inline int waitForFrame(uint8_t* buffer, int64_t exposureUs) {
+  const int timeoutMs = (int)(2 * exposureUs / 1000) + 500;
   const time_t end = time(NULL) + 2 + timeoutMs / 1000;
   while (time(NULL) <= end) {
-    const int bytes = oc_read(buffer, length, timeoutMs);
+    const int bytes = oc_read(buffer, oc_buffer_size(), timeoutMs);
     if (bytes > 0) {
       return bytes;
     }

@@ -21,11 +21,11 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: snap SDK-DIRECTORY FILE.pgm\n");
     return 2;
   }
-  frame = openFirstCamera(argv[1], exposureUs, 100);
+  frame = openFirstCamera(argv[1], exposureUs);
   if (frame == NULL) {
     return 1;
   }
-  if (waitForFrame(frame, oc_buffer_size(), (int)(2 * exposureUs / 1000) + 500) > 0) {
+  if (waitForFrame(frame, exposureUs) > 0) {
     /* The camera may have rounded the size: ask for it. */
     if (writePgm(argv[2], frame, oc_width(), oc_height())) {
       printf("%s: %d x %d\n", argv[2], oc_width(), oc_height());

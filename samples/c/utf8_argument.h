@@ -1,4 +1,3 @@
-/* A program's argument in UTF-8. */
 #ifndef UTF8_ARGUMENT_H
 #define UTF8_ARGUMENT_H
 

@@ -65,7 +65,7 @@ class Call {
     return run([&]() -> Result {
       Camera* camera = sdk().find(key);
       if (camera == nullptr || !camera->device.isOpen) {
-        sdk().countCallOnClosed();
+        ++sdk().counts.callsOnClosed;
         return numberAs<Result>(sdk().isKnown(key) ? maker.failures.closed
                                                    : maker.failures.noCamera);
       }

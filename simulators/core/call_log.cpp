@@ -2,18 +2,20 @@
 
 #include <utility>
 
+#include "core/system.hpp"
+
 namespace orvane::sim {
 
 void CallLog::enable(bool enabled) {
   isEnabled_ = enabled;
   if (!enabled) {
-    file_.reset();
+    file_ = {};
   }
 }
 
 bool CallLog::enableFile(const std::string& path) {
-  File file = openFile(path, "ab");
-  if (file == nullptr) {
+  std::ofstream file(pathFromUtf8(path), std::ios::binary | std::ios::app);
+  if (!file) {
     return false;
   }
   file_ = std::move(file);
@@ -28,10 +30,9 @@ void CallLog::clear() {
 
 void CallLog::endLine() {
   text_ += '\n';
-  if (file_) {
-    // A failed write, on a full disk for example, must not disturb the simulation.
-    static_cast<void>(std::fputs(text_.c_str() + lineStart_, file_.get()));
-    static_cast<void>(std::fflush(file_.get()));
+  if (file_.is_open()) {
+    file_ << std::string_view(text_).substr(lineStart_) << std::flush;
+    file_.clear();  // a failed write, on a full disk for example, must not disturb the simulation
   }
   lineStart_ = text_.size();
 }

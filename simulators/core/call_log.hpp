@@ -2,10 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <fstream>
 #include <string>
 #include <string_view>
-
-#include "core/system.hpp"
 
 namespace orvane::sim {
 
@@ -23,8 +22,7 @@ class CallLog {
 
   void clear();
 
-  // All lines so far.
-  const char* text() const { return text_.c_str(); }
+  const char* text() const { return text_.c_str(); }  // all lines so far
 
   // A call's line is written as its pieces in order, then the line's end.
   void append(std::string_view piece) { text_ += piece; }
@@ -34,7 +32,7 @@ class CallLog {
   bool isEnabled_ = false;
   std::string text_;
   std::size_t lineStart_ = 0;
-  File file_;
+  std::ofstream file_;
 };
 
 }  // namespace orvane::sim

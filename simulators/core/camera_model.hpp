@@ -27,10 +27,11 @@ std::string_view textOf(const char (&field)[Size]) {
 
 // Copies text into a maker's field and fills the rest with zeros. Text that is at least as long as
 // the field fills it without a NUL, as in the makers' SDKs.
-template <std::size_t Size>
-constexpr void copyText(char (&field)[Size], std::string_view text) {
-  char* end = std::copy_n(text.data(), std::min(text.size(), Size), field);
-  std::fill(end, field + Size, '\0');
+template <class Char, std::size_t Size>
+constexpr void copyText(Char (&field)[Size],
+                        std::type_identity_t<std::basic_string_view<Char>> text) {
+  Char* end = std::copy_n(text.data(), std::min(text.size(), Size), field);
+  std::fill(end, field + Size, Char{});
 }
 
 // The parts of a default camera.

@@ -15,11 +15,8 @@ class Cooler {
   // Cools to `target` degrees Celsius, as far as the cooler can, or stops cooling.
   void set(std::int64_t now, bool isOn, double target);
 
-  // Degrees Celsius.
-  double temperature(std::int64_t now) const;
-
-  // The cooler's power, in percent of its full power.
-  double power(std::int64_t now) const;
+  double temperature(std::int64_t now) const;  // degrees Celsius
+  double power(std::int64_t now) const;        // the cooler's, in percent of its full power
 
  private:
   double settled(std::int64_t now) const;

@@ -18,33 +18,26 @@ std::int64_t later(std::int64_t moment, std::int64_t duration, std::int64_t limi
 
 std::int64_t Clock::now() const {
   if (isStopped_) {
-    return stoppedAt_;
+    return base_;
   }
   const auto elapsed =
       std::chrono::duration_cast<std::chrono::microseconds>(Steady::now() - start_).count();
-  return later(shift_, elapsed, lastMoment);
+  return later(base_, elapsed, lastMoment);
 }
 
 void Clock::stop(bool stopped) {
-  if (stopped == isStopped_) {
-    return;
-  }
-  stoppedAt_ = now();
+  base_ = now();
+  start_ = Steady::now();
   isStopped_ = stopped;
-  if (!stopped) {
-    start_ = Steady::now();
-    shift_ = stoppedAt_;
-  }
 }
 
 void Clock::advance(std::int64_t microseconds) {
-  std::int64_t& moment = isStopped_ ? stoppedAt_ : shift_;
-  moment = later(moment, std::max<std::int64_t>(microseconds, 0), lastMoment);
+  base_ = later(base_, std::max<std::int64_t>(microseconds, 0), lastMoment);
 }
 
 void Clock::waitUntil(std::int64_t moment) {
   if (isStopped_) {
-    stoppedAt_ = std::clamp(moment, stoppedAt_, lastMoment);
+    base_ = std::clamp(moment, base_, lastMoment);
     return;
   }
   for (std::int64_t left = moment - now(); left > 0; left = moment - now()) {

@@ -20,8 +20,7 @@ class Clock {
   // Stops the clock, or lets it run on from its present time.
   void stop(bool stopped);
 
-  // Moves the clock forward. A negative time counts as 0.
-  void advance(std::int64_t microseconds);
+  void advance(std::int64_t microseconds);  // a negative time counts as 0
 
   // Waits until this time, or returns at once if it is past. A stopped clock is set to this time
   // instead.
@@ -31,8 +30,7 @@ class Clock {
   using Steady = std::chrono::steady_clock;
 
   bool isStopped_ = false;
-  std::int64_t stoppedAt_ = 0;
-  std::int64_t shift_ = 0;  // the running clock's difference to the computer's
+  std::int64_t base_ = 0;  // this clock's time at `start_`; a stopped clock's time
   Steady::time_point start_ = Steady::now();
 };
 
@@ -61,8 +59,7 @@ struct Frame {
 // There is no thread: every call first completes the frames that are due by the clock.
 class FrameStream {
  public:
-  // True between start() and stop().
-  bool isRunning() const { return isRunning_; }
+  bool isRunning() const { return isRunning_; }  // between start() and stop()
 
   // Whether a stream of one frame has exposed and delivered it.
   bool isFinished() const { return isSingleFrame_ && !isExposing_ && queue_.empty(); }
@@ -77,14 +74,12 @@ class FrameStream {
   // Applies new settings at once: drops the waiting frames and the one that is being exposed.
   void restartFrame(std::int64_t now, const FrameSettings& settings);
 
-  // The oldest waiting frame; null if there is none.
+  // The oldest waiting frame; null if there is none. take() removes it.
   const Frame* waiting(std::int64_t now);
+  void take(std::int64_t now);
 
   // When the frame that is being exposed will be complete; empty if none is being exposed.
   std::optional<std::int64_t> nextCompletion() const;
-
-  // Removes the oldest waiting frame. There must be one.
-  void take(std::int64_t now);
 
  private:
   void catchUp(std::int64_t now);

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <new>
+#include <system_error>
 #include <utility>
 
+#include "core/system.hpp"
 #include "formats/ser_layout.hpp"
 
 namespace orvane::sim {
@@ -150,16 +153,18 @@ std::string Recording::readFormat(std::span<const std::uint8_t> header, std::int
 
 std::string Recording::open(const std::string& path) {
   Recording opened;
-  opened.file_ = openFile(path, "rb");
-  const std::int64_t size = opened.isOpen() ? sizeOf(opened.file_.get()) : -1;
-  if (size < 0) {
+  const std::filesystem::path name = pathFromUtf8(path);
+  opened.file_.open(name, std::ios::binary);
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(name, error);
+  if (!opened.isOpen() || error) {
     return "it cannot be opened";
   }
   std::array<std::uint8_t, ser::headerSize> header{};
-  if (std::fread(header.data(), 1, header.size(), opened.file_.get()) != header.size()) {
+  if (!opened.read(0, header)) {
     return "it is no SER recording";
   }
-  std::string problem = opened.readFormat(header, size);
+  std::string problem = opened.readFormat(header, static_cast<std::int64_t>(size));
   if (!problem.empty()) {
     return problem;
   }
@@ -173,6 +178,13 @@ std::string Recording::open(const std::string& path) {
   return "";
 }
 
+bool Recording::read(std::int64_t position, std::span<std::uint8_t> bytes) {
+  file_.clear();  // of the end that an earlier call has met
+  file_.seekg(position);
+  file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  return file_.good();
+}
+
 void Recording::show(std::int64_t frameNumber) {
   const std::int64_t frame = frameNumber % format_.frameCount;
   if (frame == present_) {
@@ -181,8 +193,7 @@ void Recording::show(std::int64_t frameNumber) {
   present_ = frame;
   const std::int64_t start =
       static_cast<std::int64_t>(ser::headerSize) + frame * format_.frameBytes();
-  if (!seek(file_.get(), start) ||
-      std::fread(bytes_.data(), 1, bytes_.size(), file_.get()) != bytes_.size()) {
+  if (!read(start, bytes_)) {
     std::fill(bytes_.begin(), bytes_.end(), std::uint8_t{0});
   }
   const auto shift = static_cast<std::uint32_t>(16 - format_.depth);
@@ -204,13 +215,10 @@ float Recording::light(std::size_t plane, std::int32_t x, std::int32_t y) const 
   if (format_.color.planes == 3) {
     return sample(x, y, plane);
   }
-  const bool isOwn = format_.color.bayerPattern == BayerPattern::None ||
-                     filterPlane(format_.color.bayerPattern, x, y) == plane;
-  return isOwn ? sample(x, y, 0) : ofNeighbours(plane, x, y);
-}
-
-// The average of the neighbouring pixels with the filter of this colour.
-float Recording::ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const {
+  if (format_.color.bayerPattern == BayerPattern::None ||
+      filterPlane(format_.color.bayerPattern, x, y) == plane) {
+    return sample(x, y, 0);
+  }
   const bool isInside = x > 0 && y > 0 && x + 1 < format_.width && y + 1 < format_.height;
   return isInside ? ofAllNeighbours(plane, x, y) : ofNeighboursAtTheEdge(plane, x, y);
 }

@@ -6,12 +6,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "core/sensor.hpp"
-#include "core/system.hpp"
 
 namespace orvane::sim {
 
@@ -23,7 +23,7 @@ class Recording {
   std::string open(const std::string& path);
 
   void close() { *this = {}; }
-  bool isOpen() const { return file_ != nullptr; }
+  bool isOpen() const { return file_.is_open(); }
 
   // Writes a frame, as Renderer::render() does. The recording is open and repeats: frame numbers
   // beyond its end start again at its first frame. A frame that can no longer be read is black.
@@ -57,22 +57,23 @@ class Recording {
   // Returns "", or the reason why the file cannot be played.
   std::string readFormat(std::span<const std::uint8_t> header, std::int64_t fileSize);
 
+  // Fills `bytes` from the file. Returns whether it has so many.
+  bool read(std::int64_t position, std::span<std::uint8_t> bytes);
+
   // Makes a frame the present one.
   void show(std::int64_t frameNumber);
 
-  // The present frame's light in one colour (0 red, 1 green, 2 blue) at a pixel inside the frame.
-  // 65536 is full scale. With a Bayer pattern, the value comes from the pixel or its neighbours.
+  // The present frame's light at a pixel inside the frame, in one colour (0 red, 1 green, 2 blue)
+  // or whatever its colour. 65536 is full scale. With a Bayer pattern, the value comes from the
+  // pixel or from the average of its neighbours with the filter of this colour.
   float light(std::size_t plane, std::int32_t x, std::int32_t y) const;
-
-  // The present frame's light at a pixel, whatever its colour.
   float brightness(std::int32_t x, std::int32_t y) const;
 
   float sample(std::int32_t x, std::int32_t y, std::size_t plane) const;
-  float ofNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
   float ofAllNeighbours(std::size_t plane, std::int32_t x, std::int32_t y) const;
   float ofNeighboursAtTheEdge(std::size_t plane, std::int32_t x, std::int32_t y) const;
 
-  File file_;
+  std::ifstream file_;
   Format format_;
   std::int64_t present_ = -1;  // the frame that has been read; -1 if none
   std::vector<std::uint8_t> bytes_;

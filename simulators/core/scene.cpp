@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <numbers>
 
 #include "core/random.hpp"
@@ -32,13 +33,16 @@ constexpr Light ringColor{0.80F, 0.70F, 0.55F};
 
 Light mixed(const Light& a, const Light& b, double part) {
   const auto t = static_cast<float>(part);
-  return {a.red + (b.red - a.red) * t, a.green + (b.green - a.green) * t,
-          a.blue + (b.blue - a.blue) * t};
+  return {a[0] + (b[0] - a[0]) * t, a[1] + (b[1] - a[1]) * t, a[2] + (b[2] - a[2]) * t};
 }
 
 Light scaled(const Light& light, double factor) {
   const auto f = static_cast<float>(factor);
-  return {light.red * f, light.green * f, light.blue * f};
+  return {light[0] * f, light[1] * f, light[2] * f};
+}
+
+void add(Light& light, const Light& more) {
+  std::transform(light.begin(), light.end(), more.begin(), light.begin(), std::plus());
 }
 
 double square(double value) {
@@ -162,7 +166,7 @@ void Scene::set(std::uint64_t seed, double aspect, double pixel) {
 void Scene::addStar(double x, double y, const Light& peak) {
   const double dilution = (starWidth * starWidth) / (starWidth_ * starWidth_);
   const Light diluted = scaled(peak, dilution);
-  const double brightest = std::max({diluted.red, diluted.green, diluted.blue});
+  const double brightest = *std::max_element(diluted.begin(), diluted.end());
   const double reach =
       starWidth_ * std::sqrt(std::max(0.0, std::cbrt(brightest / faintestLight) - 1));
   stars_.push_back({x, y, diluted, reach});
@@ -174,19 +178,16 @@ Light Scene::sky(double x, double y) const {
   const double glow = 0.5 + 0.5 * std::sin(9 * y + 1.5 * fromMiddle + 2 * hills(fromMiddle, y, 5));
   const double cloud = starCloud(fromMiddle, y);
   Light light{0.0075F, 0.0085F, 0.0115F};
-  const auto add = [&light](const Light& more) {
-    light = {light.red + more.red, light.green + more.green, light.blue + more.blue};
-  };
-  add(scaled({0.0125F, 0.0090F, 0.0055F}, horizon));
-  add(scaled({0.0006F, 0.0019F, 0.0008F}, glow));
-  add(scaled({0.0200F, 0.0180F, 0.0170F}, cloud));
+  add(light, scaled({0.0125F, 0.0090F, 0.0055F}, horizon));
+  add(light, scaled({0.0006F, 0.0019F, 0.0008F}, glow));
+  add(light, scaled({0.0200F, 0.0180F, 0.0170F}, cloud));
   return light;
 }
 
-void Scene::light(const SceneRow& row, float* red, float* green, float* blue) const {
-  addSky(row, red, green, blue);
-  addStars(row, red, green, blue);
-  addPlanet(row, red, green, blue);
+void Scene::light(const SceneRow& row, Light* lights) const {
+  setSky(row, lights);
+  addStars(row, lights);
+  addPlanet(row, lights);
 }
 
 void Scene::setSky() {
@@ -204,7 +205,7 @@ void Scene::setSky() {
   }
 }
 
-void Scene::addSky(const SceneRow& row, float* red, float* green, float* blue) const {
+void Scene::setSky(const SceneRow& row, Light* lights) const {
   const double firstRow = std::floor(row.y / skyCell_);
   const Light* const upper = sky_.data() + static_cast<std::size_t>(firstRow) * skyColumns_;
   const auto cornerAt = [&](std::size_t column) {
@@ -218,16 +219,13 @@ void Scene::addSky(const SceneRow& row, float* red, float* green, float* blue) c
     const double step = pixel_ / skyCell_;
     const auto end = std::min(static_cast<std::int32_t>(std::ceil((1 - start) / step)), row.count);
     for (; i < end; ++i) {
-      const Light here = mixed(left, right, start + i * step);
-      red[i] = here.red;
-      green[i] = here.green;
-      blue[i] = here.blue;
+      lights[i] = mixed(left, right, start + i * step);
     }
     left = right;
   }
 }
 
-void Scene::addStars(const SceneRow& row, float* red, float* green, float* blue) const {
+void Scene::addStars(const SceneRow& row, Light* lights) const {
   for (const Star& star : stars_) {
     const double dy = row.y - star.y;
     if (std::abs(dy) > star.reach) {
@@ -240,15 +238,12 @@ void Scene::addStars(const SceneRow& row, float* red, float* green, float* blue)
     for (std::int32_t i = first; i <= last; ++i) {
       const double dx = row.x + i * pixel_ - star.x;
       const double q = 1 + (dx * dx + dy * dy) / (starWidth_ * starWidth_);
-      const auto profile = static_cast<float>(1 / (q * q * q));
-      red[i] += star.peak.red * profile;
-      green[i] += star.peak.green * profile;
-      blue[i] += star.peak.blue * profile;
+      add(lights[i], scaled(star.peak, 1 / (q * q * q)));
     }
   }
 }
 
-void Scene::addPlanet(const SceneRow& row, float* red, float* green, float* blue) const {
+void Scene::addPlanet(const SceneRow& row, Light* lights) const {
   const double dy = (row.y - planetY) / planetRadius;
   if (std::abs(dy) > planetReach) {
     return;
@@ -265,10 +260,7 @@ void Scene::addPlanet(const SceneRow& row, float* red, float* green, float* blue
     const double u = dx * cosRoll + dy * sinRoll;
     const double v = dy * cosRoll - dx * sinRoll;
     const auto cover = [&](const Light& light, double part) {
-      const Light here = mixed({red[i], green[i], blue[i]}, light, part);
-      red[i] = here.red;
-      green[i] = here.green;
-      blue[i] = here.blue;
+      lights[i] = mixed(lights[i], light, part);
     };
 
     const double discV = v / planetFlattening;

@@ -7,18 +7,15 @@
 // sensor shows it.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace orvane::sim {
 
-// Brightness in three colours; 1 is the brightest part of the planet.
-struct Light {
-  float red = 0;
-  float green = 0;
-  float blue = 0;
-};
+// Brightness in red, green and blue; 1 is the brightest part of the planet.
+using Light = std::array<float, 3>;
 
 // A row of pixels whose light is computed.
 struct SceneRow {
@@ -33,8 +30,8 @@ class Scene {
   // are `pixel` frame heights wide.
   void set(std::uint64_t seed, double aspect, double pixel);
 
-  // Computes the light on each pixel of a row, one plane per colour.
-  void light(const SceneRow& row, float* red, float* green, float* blue) const;
+  // Computes the light on each pixel of a row.
+  void light(const SceneRow& row, Light* lights) const;
 
  private:
   struct Star {
@@ -47,9 +44,9 @@ class Scene {
   void setSky();
   void addStar(double x, double y, const Light& peak);
   Light sky(double x, double y) const;
-  void addSky(const SceneRow& row, float* red, float* green, float* blue) const;
-  void addStars(const SceneRow& row, float* red, float* green, float* blue) const;
-  void addPlanet(const SceneRow& row, float* red, float* green, float* blue) const;
+  void setSky(const SceneRow& row, Light* lights) const;
+  void addStars(const SceneRow& row, Light* lights) const;
+  void addPlanet(const SceneRow& row, Light* lights) const;
 
   double aspect_ = 1;
   double pixel_ = 1;

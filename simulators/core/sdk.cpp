@@ -55,7 +55,7 @@ void Sdk::reset() {
   log.clear();
   seed = 1;
   recording_.close();
-  counts_ = {};
+  counts = {};
   isSdkInitialised = false;
   setCameras(maker.cameras);
 }
@@ -201,7 +201,7 @@ void Sdk::startStream(Camera& camera, bool isSingleFrame) {
 
 void Sdk::stopStream(Camera& camera) {
   if (!camera.device.stream.isRunning()) {
-    ++counts_.stopsWithoutStart;
+    ++counts.stopsWithoutStart;
   }
   camera.device.stream.stop();
 }
@@ -284,7 +284,7 @@ std::int32_t Sdk::renderFrame(std::int32_t frame, std::uint8_t* buffer, std::int
 }
 
 SimInvariants Sdk::invariants() const {
-  SimInvariants now = counts_;
+  SimInvariants now = counts;
   now.exceptionsAlive = exceptionsAlive();
   for (const Camera& camera : cameras_) {
     now.devicesOpen += camera.device.isOpen ? 1 : 0;

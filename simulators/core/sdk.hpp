@@ -62,10 +62,8 @@ struct Device {
   Cooler cooler;
   FrameStream stream;
 
-  // The control with the maker's number; null if the camera has no such control.
+  // A control by the maker's number: null, or 0 as the value, if the camera has no such control.
   Control* find(int id);
-
-  // The value of a control; 0 if the camera has no such control.
   double value(int id) const;
 };
 
@@ -118,13 +116,16 @@ class Sdk {
  public:
   Sdk() { reset(); }
 
-  // Restores the state of a library that has just been loaded.
-  void reset();
+  void reset();  // sim_reset()
 
   Clock clock;
   Faults faults;
   CallLog log;
   std::uint64_t seed = 1;  // of the scene and the noise
+  SimInvariants counts{};  // of the caller's errors
+
+  // Set by the function that initialises the whole SDK, if the SDK has one.
+  bool isSdkInitialised = false;
 
   // Sets the cameras. Forgets open devices and the enumeration.
   void setCameras(std::span<const SimCamera> models);
@@ -166,8 +167,7 @@ class Sdk {
   // frame is waiting. Does not wait if no stream is running or no frame will come.
   bool waitForFrame(Camera& camera, std::int32_t milliseconds);
 
-  // The settings of the waiting frame; null if there is none.
-  const FrameSettings* waitingFrame(Camera& camera);
+  const FrameSettings* waitingFrame(Camera& camera);  // its settings; null if there is none
 
   // Writes the waiting frame and removes it from the queue. There must be one. A pitch of 0 means
   // rows without a gap.
@@ -178,12 +178,6 @@ class Sdk {
 
   // sim_invariants().
   SimInvariants invariants() const;
-  void countCallOnClosed() { ++counts_.callsOnClosed; }
-  void countShortBuffer() { ++counts_.shortBuffers; }
-  void countWritePastBuffer() { ++counts_.writesPastBuffer; }
-
-  // Set by the function that initialises the whole SDK, if the SDK has one.
-  bool isSdkInitialised = false;
 
  private:
   void render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
@@ -201,13 +195,10 @@ class Sdk {
   std::size_t forgottenHandles_ = 0;
   Renderer renderer_;
   Recording recording_;  // played if it is open
-  SimInvariants counts_{};
 };
 
-// The one SDK that this library simulates.
-Sdk& sdk();
+Sdk& sdk();  // the one that this library simulates
 
-// sim_command().
-bool runCommands(std::string_view commands);
+bool runCommands(std::string_view commands);  // sim_command()
 
 }  // namespace orvane::sim

@@ -63,14 +63,12 @@ void makeNoise(std::uint64_t key, std::int32_t count, float* noise) {
   }
 }
 
-// The part of the light that the optics pass to each pixel of a row.
-void lensRow(const SceneRow& row, double aspect, double pixel, float* lens) {
+// The part of the light that the optics pass to a place of the frame.
+float lens(double x, double y, double aspect) {
   const double corner = (aspect * aspect + 1) / 4;
-  const double dy = row.y - 0.5;
-  for (std::int32_t i = 0; i < row.count; ++i) {
-    const double dx = row.x + i * pixel - aspect / 2;
-    lens[i] = static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
-  }
+  const double dx = x - aspect / 2;
+  const double dy = y - 0.5;
+  return static_cast<float>(1 - vignetting * (dx * dx + dy * dy) / corner);
 }
 
 // Hot pixels belong to the sensor: their positions do not depend on the region.
@@ -164,7 +162,7 @@ void storeSamples(const FrameSettings& settings, const std::int32_t* counts, std
 void Renderer::forget() {
   geometry_ = {};
   light_ = {};
-  planes_ = {};
+  lights_ = {};
 }
 
 void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
@@ -177,7 +175,7 @@ void Renderer::prepare(std::uint64_t seed, const FrameSettings& settings) {
   const auto width = static_cast<std::size_t>(settings.region.width);
   const auto rowSamples = width * static_cast<std::size_t>(samplesPerPixel(settings.layout));
   const auto rows = static_cast<std::size_t>(settings.region.height);
-  planes_.resize(4 * width);
+  lights_.resize(width);
   isWholeFrame_ = rowSamples * rows <= mostKeptSamples;
   if (isWholeFrame_) {
     try {
@@ -203,33 +201,23 @@ void Renderer::lightRow(std::int32_t row, float* light) {
       region.y + (geometry_.isUpsideDown ? region.height - 1 - row : row);
   const double pixel = static_cast<double>(geometry_.bin) / geometry_.sensorHeight;
   const SceneRow place{(region.x + 0.5) * pixel, (sensorRow + 0.5) * pixel, region.width};
-  const auto width = static_cast<std::size_t>(region.width);
-  const auto plane = [&](std::size_t number) { return planes_.data() + number * width; };
-  scene_.light(place, plane(0), plane(1), plane(2));
-  float* const lens = plane(3);
-  lensRow(place, static_cast<double>(geometry_.sensorWidth) / geometry_.sensorHeight, pixel, lens);
+  scene_.light(place, lights_.data());
 
+  const double aspect = static_cast<double>(geometry_.sensorWidth) / geometry_.sensorHeight;
   const std::int32_t samples = samplesPerPixel(geometry_.layout);
-  if (samples == 3) {
-    const bool isBlueFirst = geometry_.layout == Layout::Bgr24;
-    for (std::size_t color = 0; color < 3; ++color) {
-      const float* const from = plane(isBlueFirst ? 2 - color : color);
-      for (std::size_t x = 0; x < width; ++x) {
-        light[3 * x + color] = from[x] * lens[x];
+  for (std::int32_t x = 0; x < region.width; ++x) {
+    const Light& here = lights_[static_cast<std::size_t>(x)];
+    const float passed = lens(place.x + x * pixel, place.y, aspect);
+    if (samples == 3) {
+      const bool isBlueFirst = geometry_.layout == Layout::Bgr24;
+      for (std::size_t color = 0; color < 3; ++color) {
+        light[3 * x + static_cast<std::ptrdiff_t>(color)] =
+            here[isBlueFirst ? 2 - color : color] * passed;
       }
-    }
-  } else if (!isFiltered(geometry_)) {
-    for (std::size_t x = 0; x < width; ++x) {
-      light[x] =
-          (redPart * plane(0)[x] + greenPart * plane(1)[x] + bluePart * plane(2)[x]) * lens[x];
-    }
-  } else {
-    for (std::int32_t phase = 0; phase < 2; ++phase) {
-      const float* const from =
-          plane(filterPlane(geometry_.bayerPattern, region.x + phase, region.y + row));
-      for (auto x = static_cast<std::size_t>(phase); x < width; x += 2) {
-        light[x] = from[x] * lens[x];
-      }
+    } else if (isFiltered(geometry_)) {
+      light[x] = here[filterPlane(geometry_.bayerPattern, region.x + x, region.y + row)] * passed;
+    } else {
+      light[x] = (redPart * here[0] + greenPart * here[1] + bluePart * here[2]) * passed;
     }
   }
   addHotPixels(mix(geometry_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,

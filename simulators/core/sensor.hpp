@@ -141,7 +141,7 @@ class Renderer {
   std::uint64_t seed_ = 0;
   FrameGeometry geometry_;  // of the frame whose light is kept
   Scene scene_;
-  std::vector<float> planes_;  // of one row: red, green, blue, what the optics pass
+  std::vector<Light> lights_;  // of one row of the scene
   std::vector<float> light_;   // all samples of the frame, or one row if the frame is too large
   bool isWholeFrame_ = false;
 };

@@ -3,6 +3,7 @@
 python_test.py LIBRARY SDK-DIRECTORY BINDING-DIRECTORY [unittest's arguments]
 """
 
+import concurrent.futures
 import ctypes
 import gc
 import math
@@ -11,9 +12,9 @@ import re
 import subprocess
 import sys
 import tempfile
-import threading
 import unittest
 from pathlib import Path
+from unittest import mock
 
 LIBRARY, SDKS, BINDING = (Path(argument).resolve() for argument in sys.argv[1:4])
 sys.path.insert(0, str(BINDING))
@@ -26,8 +27,6 @@ NAMES = os.environ["ORVANE_SDKS"].split(", ")
 CAMERA_COUNT = int(os.environ["ORVANE_CAMERAS"])  # of all simulated SDKs
 CONTROLS = {name: ctypes.CDLL(str(SDKS / f"lib{name}.so")) for name in NAMES}
 ASI = CONTROLS["ASICamera2"]
-
-
 ASI.sim_log.restype = ctypes.c_char_p
 INVARIANTS = (
     "devicesOpen streamsRunning callsOnClosed stopsWithoutStart shortBuffers writesPastBuffer".split()
@@ -51,8 +50,9 @@ class BindingTest(unittest.TestCase):
 
     def tearDown(self):
         gc.collect()
-        if binding._open_camera is not None and binding._open_camera() is not None:
-            binding._open_camera().close()
+        still_open = binding._open_camera and binding._open_camera()
+        if still_open:
+            still_open.close()
         self.assert_all_closed()
 
     def assert_all_closed(self):
@@ -85,11 +85,8 @@ class Loading(BindingTest):
             Library(SDKS / "libtoupcam.so")
 
     def test_the_environment_names_the_library(self):
-        os.environ["ORVANE_DESKTOP_CAMERA_LIBRARY"] = str(LIBRARY)
-        try:
+        with mock.patch.dict(os.environ, ORVANE_DESKTOP_CAMERA_LIBRARY=str(LIBRARY)):
             self.assertEqual(Library().file, LIBRARY)
-        finally:
-            del os.environ["ORVANE_DESKTOP_CAMERA_LIBRARY"]
 
     def test_without_a_name_the_places_are_told(self):
         self.assert_fails(
@@ -179,9 +176,10 @@ class Opening(BindingTest):
         self.assert_fails("Unsupported bin or format", self.open, format=7)
         self.assert_fails("Invalid capture dimensions", self.open, width=0)
         self.assert_fails("Exposure out of range", self.open, exposure_us=0)
+        first = self.open()
         self.command("force ASIStartVideoCapture 1 1 16")
         self.assert_fails("ASIStartVideoCapture: 16", self.open)
-        self.assert_all_closed()
+        self.assertTrue(first.closed)
 
     def test_numbers_that_do_not_fit(self):
         with self.assertRaisesRegex(OverflowError, "2147483648 does not fit in 32 bits"):
@@ -202,13 +200,6 @@ class Opening(BindingTest):
             first.close()
             self.assertEqual(second.read().shape, (48, 64))
 
-    def test_a_failed_open_closes_the_first_too(self):
-        first = self.open(0)
-        self.command("force ASIStartVideoCapture 1 1 16")
-        self.assert_fails("ASIStartVideoCapture: 16", self.open)
-        self.assertTrue(first.closed)
-        self.assert_all_closed()
-
     def test_closed_when_the_block_fails_and_when_forgotten(self):
         with self.assertRaisesRegex(RuntimeError, "in the block"):
             with self.open():
@@ -218,12 +209,6 @@ class Opening(BindingTest):
         del camera
         gc.collect()
         self.assert_all_closed()
-
-    def test_closing_twice(self):
-        camera = self.open()
-        camera.close()
-        camera.close()
-        self.assertTrue(camera.closed)
 
 
 class Reading(BindingTest):
@@ -261,7 +246,6 @@ class Reading(BindingTest):
         for prefix in ("ZWO", "Mars", "QHY", "ATR"):
             with self.open(self.first_of(prefix).index) as camera:
                 self.assertEqual(camera.read().shape, (camera.height, camera.width))
-        self.assert_all_closed()
 
     def test_no_frame_is_no_error_of_poll_and_a_time_out_of_read(self):
         with self.open() as camera:
@@ -296,7 +280,6 @@ class Reading(BindingTest):
         with self.open() as camera:
             ASI.sim_set_plugged(0, 0)
             self.assertRaisesRegex(CameraError, "^ASIGetVideoData: ", camera.read)
-        self.assert_all_closed()
 
     def test_buffers_that_do_not_fit(self):
         with self.open() as camera:
@@ -316,23 +299,13 @@ class Reading(BindingTest):
             self.assertEqual(camera.read(np.empty(size + 100, np.uint8)).shape, (48, 64))
 
     def test_two_threads(self):
-        failures = []
-
         def use(camera):
-            try:
-                for _ in range(20):
-                    camera.read()
-                    camera.temperature
-            except Exception as failure:
-                failures.append(failure)
+            for _ in range(20):
+                camera.read()
+                camera.temperature
 
-        with self.open() as camera:
-            threads = [threading.Thread(target=use, args=(camera,)) for _ in range(2)]
-            for thread in threads:
-                thread.start()
-            for thread in threads:
-                thread.join()
-        self.assertEqual(failures, [])
+        with self.open() as camera, concurrent.futures.ThreadPoolExecutor(2) as pool:
+            list(pool.map(use, [camera, camera]))  # raises what a thread raised
 
 
 class Controls(BindingTest):

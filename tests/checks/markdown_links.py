@@ -5,6 +5,8 @@
 
 Links to other sites are not checked. Build directories are skipped."""
 
+import collections
+import functools
 import os
 import re
 import sys
@@ -44,16 +46,14 @@ def anchor_of(heading):
     return kept.replace(" ", "-")
 
 
+@functools.cache
 def anchors_of(path):
-    found = {}
-    anchors = set()
+    times, anchors = collections.Counter(), set()
     for _, line in lines_of_text(path):
-        match = HEADING.match(line)
-        if match:
-            anchor = anchor_of(match.group(1))
-            times = found.get(anchor, 0)
-            found[anchor] = times + 1
-            anchors.add(anchor if times == 0 else f"{anchor}-{times}")
+        if match := HEADING.match(line):
+            anchor = anchor_of(match[1])
+            anchors.add(f"{anchor}-{times[anchor]}" if times[anchor] else anchor)
+            times[anchor] += 1
     return anchors
 
 
@@ -65,7 +65,7 @@ def links_of(path):
                 yield number, match.group(1)
 
 
-def fault_of(path, link, anchors):
+def fault_of(path, link):
     """What is wrong with a link, or None."""
     target, _, anchor = unquote(link).partition("#")
     if os.path.isabs(target):
@@ -76,9 +76,7 @@ def fault_of(path, link, anchors):
     if anchor:
         if not file.endswith(".md"):
             return "names a heading in a file that has none"
-        if file not in anchors:
-            anchors[file] = anchors_of(file)
-        if anchor not in anchors[file]:
+        if anchor not in anchors_of(file):
             return "names a heading that is not there"
     return None
 
@@ -86,7 +84,6 @@ def fault_of(path, link, anchors):
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
-    anchors = {}
     files = links = faults = 0
     for path in markdown_files(os.path.abspath(sys.argv[1])):
         files += 1
@@ -94,8 +91,7 @@ def main():
             if SCHEME.match(link):
                 continue
             links += 1
-            fault = fault_of(path, link, anchors)
-            if fault:
+            if fault := fault_of(path, link):
                 faults += 1
                 print(f"{os.path.relpath(path, sys.argv[1])}:{number}: {link} {fault}")
     print(f"{links} links in {files} files, {faults} faults")

@@ -89,10 +89,10 @@ TEST(CppFaceScripted, AnExceptionOutOfAnOpenLeavesNoCameraOpen) {
 TEST_F(CppFaceCamera, WithoutASizeTheWholeSensorIsTaken) {
   sdk.setCameras({smallCamera()});
   const oc::Camera camera(first(), {.format = oc::Format::Raw16});
-  EXPECT_EQ(camera.width(), 320);
-  EXPECT_EQ(camera.height(), 202);
-  EXPECT_EQ(camera.format(), oc::Format::Raw16);
-  EXPECT_EQ(camera.bayer(), oc::Bayer::Rggb);
+  EXPECT_EQ(camera.layout().width, 320);
+  EXPECT_EQ(camera.layout().height, 202);
+  EXPECT_EQ(camera.layout().format, oc::Format::Raw16);
+  EXPECT_EQ(camera.layout().bayer, oc::Bayer::Rggb);
   EXPECT_GE(camera.bufferSize(), 2U * 320 * 202);
 }
 
@@ -100,20 +100,17 @@ TEST_F(CppFaceCamera, OnlyRawFramesHaveABayerPattern) {
   sdk.setCameras({smallCamera()});
   const oc::CameraInfo info = first();
   for (const oc::Format format : {oc::Format::Rgb24, oc::Format::Mono8}) {
-    oc::Settings settings = small();
-    settings.format = format;
-    EXPECT_EQ(oc::Camera(info, settings).bayer(), oc::Bayer::None);
+    EXPECT_EQ(oc::Camera(info, {.format = format}).layout().bayer, oc::Bayer::None);
   }
 }
 
 TEST_F(CppFaceCamera, AnOpenThatFailsThrowsTheLibrarysText) {
   const oc::CameraInfo info = first();
-  oc::Settings settings = small();
-  settings.exposureUs = 0;
-  EXPECT_EQ(errorOf([&] { oc::Camera(info, settings); }), "Exposure out of range");
-  settings = small();
-  settings.bin = 99;
-  EXPECT_EQ(errorOf([&] { oc::Camera(info, settings); }), "Unsupported bin or format");
+  const auto refusal = [&](const oc::Settings& settings) {
+    return errorOf([&] { oc::Camera(info, settings); });
+  };
+  EXPECT_EQ(refusal({.exposureUs = 0}), "Exposure out of range");
+  EXPECT_EQ(refusal({.bin = 99}), "Unsupported bin or format");
   expectClean(sdk);
 }
 

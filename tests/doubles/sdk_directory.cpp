@@ -18,15 +18,6 @@ std::string fileName(const std::string& baseName) {
 #endif
 }
 
-std::string readAll(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::string content(std::filesystem::file_size(file), '\0');
-  if (!stream.read(content.data(), static_cast<std::streamsize>(content.size()))) {
-    throw std::runtime_error("cannot read " + file.string());
-  }
-  return content;
-}
-
 void writeAll(const std::filesystem::path& file, const std::string& content) {
   std::ofstream stream(file, std::ios::binary);
   stream << content;
@@ -63,7 +54,7 @@ SdkDirectory::SdkDirectory(const std::string& name) {
 }
 
 void SdkDirectory::add(const std::string& baseName, const std::vector<std::string>& missing) const {
-  std::string image = readAll(std::filesystem::path(ORVANE_SDK_DIR) / fileName(baseName));
+  std::string image = contentOf(std::filesystem::path(ORVANE_SDK_DIR) / fileName(baseName));
   for (const std::string& function : missing) {
     removeFunction(image, function);
   }
@@ -74,13 +65,17 @@ void SdkDirectory::addFile(const std::string& baseName, const std::string& conte
   writeAll(file(baseName), content);
 }
 
-std::filesystem::path SdkDirectory::file(const std::string& baseName) const {
-  return path_ / fileName(baseName);
+std::string SdkDirectory::contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::string content(std::filesystem::file_size(file), '\0');
+  if (!stream.read(content.data(), static_cast<std::streamsize>(content.size()))) {
+    throw std::runtime_error("cannot read " + file.string());
+  }
+  return content;
 }
 
-std::string SdkDirectory::utf8() const {
-  const std::u8string text = path_.u8string();
-  return {text.begin(), text.end()};
+std::filesystem::path SdkDirectory::file(const std::string& baseName) const {
+  return path_ / fileName(baseName);
 }
 
 }  // namespace orvane::testing

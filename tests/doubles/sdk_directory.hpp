@@ -9,6 +9,12 @@
 
 namespace orvane::testing {
 
+/// A path in the form that oc_library_dir() takes.
+inline std::string utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
 /// A directory of the running test, initially empty. It is kept after the test for inspection, and
 /// emptied when the test runs again.
 class SdkDirectory {
@@ -26,8 +32,11 @@ class SdkDirectory {
   /// The path of the library with this base name in the directory.
   std::filesystem::path file(const std::string& baseName) const;
 
-  /// The directory in the form that oc_library_dir() takes.
-  std::string utf8() const;
+  /// The whole content of a file.
+  static std::string contentOf(const std::filesystem::path& file);
+
+  /// utf8Of() the directory.
+  std::string utf8() const { return utf8Of(path_); }
 
   const std::filesystem::path& path() const { return path_; }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,13 +15,35 @@ namespace orvane::testing {
 /// instance. Starts reset, with its clock stopped and its log enabled.
 class SimulatedSdk {
  public:
-  explicit SimulatedSdk(const std::filesystem::path& file);
+  explicit SimulatedSdk(const std::filesystem::path& file) : module(file) {
+    reset();
+    stop_clock(1);
+    log_enable(1);
+  }
 
   /// The calls since the last takeLog(), one per line; empties the log.
-  std::string takeLog() const;
+  std::string takeLog() const {
+    std::string calls = log();
+    log_clear();
+    return calls;
+  }
+
+  /// The calls of this function since the last takeLog(); empties the log.
+  std::string takeCallsOf(const std::string& function) const {
+    std::istringstream calls(takeLog());
+    std::string found;
+    for (std::string line; std::getline(calls, line);) {
+      found += line.starts_with(function + "(") ? line + "\n" : "";
+    }
+    return found;
+  }
 
   /// The open devices and streams, and the violations so far.
-  SimInvariants invariants() const;
+  SimInvariants invariants() const {
+    SimInvariants now{};
+    read_invariants(&now);
+    return now;
+  }
 
   /// Replaces the cameras of the SDK by these.
   void setCameras(const std::vector<SimCamera>& cameras) const {
@@ -48,7 +71,6 @@ class SimulatedSdk {
   SharedLibrary module;
   decltype(::sim_reset)* reset = found("sim_reset");
   decltype(::sim_set_cameras)* set_cameras = found("sim_set_cameras");
-  decltype(::sim_get_camera)* get_camera = found("sim_get_camera");
   decltype(::sim_set_plugged)* set_plugged = found("sim_set_plugged");
   decltype(::sim_force_result)* force_result = found("sim_force_result");
   decltype(::sim_force_output)* force_output = found("sim_force_output");

@@ -4,16 +4,13 @@
 
 #if defined(_WIN32)
 #  include <windows.h>
-#  define ORVANE_STAND_IN_EXPORT extern "C" __declspec(dllexport)
-#else
-#  define ORVANE_STAND_IN_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
-ORVANE_STAND_IN_EXPORT int ASIGetNumOfConnectedCameras() {
+extern "C" int ASIGetNumOfConnectedCameras() {
   return 1;
 }
 
-ORVANE_STAND_IN_EXPORT int ASIGetCameraProperty(void* /*info*/, int /*index*/) {
+extern "C" int ASIGetCameraProperty(void* /*info*/, int /*index*/) {
   return numberOfTheDependency();
 }
 

@@ -3,23 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
+#include "failure.hpp"
 #include "system/failures.hpp"
 
 namespace orvane::host {
 
 namespace {
 
-std::string refusal(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const UsageError& error) {
-    return error.what();
-  }
-  return "not refused";
-}
+using orvane::testing::failureOf;
 
 TEST(WholeNumber, IsReadWithinItsLimits) {
   EXPECT_EQ(parseWholeNumber("--gain", "0", -5, 5), 0);
@@ -30,7 +23,7 @@ TEST(WholeNumber, IsReadWithinItsLimits) {
 TEST(WholeNumber, IsRefusedInAnyOtherForm) {
   for (const char* text : {"", " 1", "1 ", "+1", "1.0", "0x1", "1e3", "one", "-", "4", "-1",
                            "99999999999", "1\xc2\xb2"}) {
-    EXPECT_EQ(refusal([&] { parseWholeNumber("--bin", text, 1, 3); }),
+    EXPECT_EQ(failureOf<UsageError>([&] { parseWholeNumber("--bin", text, 1, 3); }),
               std::string("--bin needs a whole number from 1 to 3, not \"") + text + "\".");
   }
 }
@@ -46,7 +39,7 @@ TEST(Seconds, AreRefusedInAnyOtherForm) {
   for (const char* text : {"", "0", "0.0", "-1", "1s", "1e3", "inf", "nan", "1,5", "1.2.3", ".",
                            "99999999999999999999"}) {
     EXPECT_EQ(
-        refusal([&] { parseSeconds("--seconds", text); }),
+        failureOf<UsageError>([&] { parseSeconds("--seconds", text); }),
         std::string("--seconds needs a number of seconds above 0, such as 30 or 1.5, not \"") +
             text + "\".");
   }
@@ -65,16 +58,16 @@ TEST(Duration, TakesItsUnitFromTheText) {
 }
 
 TEST(Duration, WithoutAUnitIsRefusedSinceItCouldMeanAnything) {
-  EXPECT_EQ(refusal([] { parseDuration("--exposure", "20"); }),
+  EXPECT_EQ(failureOf<UsageError>([] { parseDuration("--exposure", "20"); }),
             "--exposure needs a unit: 20us, 20ms or 20s.");
-  EXPECT_EQ(refusal([] { parseDuration("--exposure", "1.5"); }),
+  EXPECT_EQ(failureOf<UsageError>([] { parseDuration("--exposure", "1.5"); }),
             "--exposure needs a unit: 1.5us, 1.5ms or 1.5s.");
 }
 
 TEST(Duration, IsRefusedInAnyOtherForm) {
   for (const char* text : {"", "ms", "-20ms", "20m", "20MS", "20ms ", "1.2.3s", "1e3us", "infs",
                            "0s", "0.1us", "twenty", "20ms5us", "99999999999999999999s"}) {
-    EXPECT_EQ(refusal([&] { parseDuration("--exposure", text); }),
+    EXPECT_EQ(failureOf<UsageError>([&] { parseDuration("--exposure", text); }),
               std::string("--exposure needs a duration such as 500us, 20ms or 1.5s, not \"") +
                   text + "\".");
   }

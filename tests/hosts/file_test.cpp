@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "failure.hpp"
 #include "scratch_directory.hpp"
 
 namespace orvane::host {
@@ -23,17 +24,22 @@ TEST(OutputFile, IsWrittenAtAnyPosition) {
   file.writeAt(0, Bytes{'a', 'b'});
   file.writeAt(3, Bytes{'D'});
   file.writeAt(5, Bytes{});
+  file.publish();
   EXPECT_EQ(contentOf(path), "abcDe");  // nothing is buffered
   file.truncate(4);
   file.close();
   EXPECT_EQ(contentOf(path), "abcD");
 }
 
-TEST(OutputFile, EmptiesAFileThatExists) {
+TEST(OutputFile, ReplacesAFileThatExists) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("file");
-  OutputFile(path).writeAt(0, Bytes{1, 2, 3});
-  OutputFile(path).close();
+  {
+    OutputFile file(path);
+    file.writeAt(0, Bytes{1, 2, 3});
+    file.close();
+  }
+  OutputFile(path, Existing::Replace).close();
   EXPECT_EQ(contentOf(path), "");
 }
 
@@ -43,6 +49,7 @@ TEST(OutputFile, GrowsBeyondFourGibibytes) {
   const auto path = scratch.file("large");
   OutputFile file(path);
   file.writeAt(0, Bytes{'a'});
+  file.publish();
   file.writeAt(position, Bytes{'b'});  // the hole takes no space
   EXPECT_EQ(std::filesystem::file_size(path), static_cast<std::uintmax_t>(position + 1));
   file.truncate(position - 1);
@@ -54,14 +61,9 @@ TEST(OutputFile, GrowsBeyondFourGibibytes) {
 
 TEST(OutputFile, NamesTheFileThatItCannotCreateAndTheReason) {
   const ScratchDirectory scratch;
-  try {
-    const OutputFile file(scratch.file("missing/caf\u00e9"));
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    const std::string text = error.what();
-    EXPECT_EQ(text.rfind("Cannot create \"", 0), 0U) << text;
-    EXPECT_NE(text.find("caf\u00e9\": No such file or directory"), std::string::npos) << text;
-  }
+  const auto path = scratch.file("missing/caf\u00e9");
+  EXPECT_EQ(testing::failureOf<std::runtime_error>([&] { OutputFile{path}; }),
+            "Cannot create \"" + testing::utf8(path) + "\": No such file or directory");
 }
 
 }  // namespace

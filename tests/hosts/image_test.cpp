@@ -69,50 +69,11 @@ Rgb pixelAt(const Image& image, int x, int y) {
   return {image.samples[at], image.samples[at + 1], image.samples[at + 2]};
 }
 
-// The name of a Bayer pattern lists the colours of its first row, then those of its second row.
-class EveryBayerPattern : public ::testing::TestWithParam<BayerPattern> {
- protected:
-  static char colourAt(int x, int y) {
-    return bayerName(GetParam())[static_cast<std::size_t>(2 * (y % 2) + x % 2)];
-  }
-};
-
-TEST_P(EveryBayerPattern, AnEvenlyColouredSceneComesBackExactly) {
-  Image bayer{6, 4, 1, {}};
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 6; ++x) {
-      const char colour = colourAt(x, y);
-      bayer.samples.push_back(colour == 'R' ? 60000 : colour == 'G' ? 3001 : 17);
-    }
-  }
-  const Image image = debayer(bayer, GetParam());
-  ASSERT_EQ(image.width, 6);
-  ASSERT_EQ(image.height, 4);
-  ASSERT_EQ(image.channels, 3);
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 6; ++x) {
-      EXPECT_EQ(pixelAt(image, x, y), (Rgb{60000, 3001, 17})) << x << ", " << y;
-    }
-  }
-}
-
-TEST_P(EveryBayerPattern, EveryPixelKeepsItsOwnColour) {
-  Image bayer{5, 3, 1, {}};
-  for (int index = 0; index < 15; ++index) {
-    bayer.samples.push_back(static_cast<std::uint16_t>(1000 * index));
-  }
-  const Image image = debayer(bayer, GetParam());
-  for (int y = 0; y < 3; ++y) {
-    for (int x = 0; x < 5; ++x) {
-      const char colour = colourAt(x, y);
-      const std::size_t channel = colour == 'R' ? 0 : colour == 'G' ? 1 : 2;
-      EXPECT_EQ(pixelAt(image, x, y).at(channel), 1000 * (y * 5 + x)) << x << ", " << y;
-    }
-  }
-}
+class EveryBayerPattern : public ::testing::TestWithParam<BayerPattern> {};
 
 // A colour that a pixel lacks is the mean of those of its eight neighbours that have it. Beyond the
-// border, the image is mirrored on the border's pixels.
+// border, the image is mirrored on the border's pixels. The name of a Bayer pattern lists the
+// colours of its first row, then those of its second row.
 class NeighbourMeans {
  public:
   NeighbourMeans(const Image& bayer, const char* colours) : bayer_(bayer), colours_(colours) {}
@@ -157,6 +118,8 @@ TEST_P(EveryBayerPattern, EveryPixelHasTheMeansOfItsNeighboursAlsoAtTheBorder) {
       }
       const Image bayer = imageFromFrame(frame, layout);
       const Image image = debayer(bayer, GetParam());
+      ASSERT_EQ(image.width, width);
+      ASSERT_EQ(image.samples.size(), bayer.samples.size() * 3);
       const NeighbourMeans expected(bayer, bayerName(GetParam()));
       for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -174,18 +137,15 @@ INSTANTIATE_TEST_SUITE_P(Debayer, EveryBayerPattern,
                                            BayerPattern::Gbrg, BayerPattern::Bggr),
                          [](const auto& test) { return bayerName(test.param); });
 
-// The samples of the cases below, whose results were worked out by hand:
+// The results were worked out by hand, from these samples:
 //      1000   200  3000   400
 //        50    70    90   110
 //      5000   600  7000   800
 //       130   150   170   190
-Image handMade() {
-  return {
-      4, 4, 1, {1000, 200, 3000, 400, 50, 70, 90, 110, 5000, 600, 7000, 800, 130, 150, 170, 190}};
-}
-
 TEST(Debayer, MeansOfTheNeighboursWithRedAtTheCorner) {
-  const Image image = debayer(handMade(), BayerPattern::Rggb);
+  const Image image = debayer(
+      {4, 4, 1, {1000, 200, 3000, 400, 50, 70, 90, 110, 5000, 600, 7000, 800, 130, 150, 170, 190}},
+      BayerPattern::Rggb);
   // Blue pixel: green from its four sides, red from its four corners.
   EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{4000, (200 + 50 + 90 + 600 + 2) / 4, 70}));
   // Red pixel.
@@ -194,37 +154,10 @@ TEST(Debayer, MeansOfTheNeighboursWithRedAtTheCorner) {
   EXPECT_EQ(pixelAt(image, 2, 1), (Rgb{5000, 90, 90}));
   // Green pixel in a row of red.
   EXPECT_EQ(pixelAt(image, 1, 2), (Rgb{6000, 600, 110}));
-}
-
-TEST(Debayer, MeansOfTheNeighboursWithGreenAtTheCorner) {
-  const Image grbg = debayer(handMade(), BayerPattern::Grbg);
-  EXPECT_EQ(pixelAt(grbg, 1, 1), (Rgb{(200 + 600) / 2, 70, (50 + 90) / 2}));
-  EXPECT_EQ(pixelAt(grbg, 1, 2),
-            (Rgb{600, (70 + 5000 + 7000 + 150 + 2) / 4, (50 + 90 + 130 + 170 + 2) / 4}));
-  const Image gbrg = debayer(handMade(), BayerPattern::Gbrg);
-  EXPECT_EQ(pixelAt(gbrg, 1, 1), (Rgb{(50 + 90) / 2, 70, (200 + 600) / 2}));
-  EXPECT_EQ(pixelAt(gbrg, 1, 2),
-            (Rgb{(50 + 90 + 130 + 170 + 2) / 4, (70 + 5000 + 7000 + 150 + 2) / 4, 600}));
-}
-
-TEST(Debayer, MeansOfTheNeighboursWithBlueAtTheCorner) {
-  const Image image = debayer(handMade(), BayerPattern::Bggr);
-  EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{70, (200 + 50 + 90 + 600 + 2) / 4, 4000}));
-  EXPECT_EQ(pixelAt(image, 2, 2), (Rgb{130, (90 + 600 + 800 + 170 + 2) / 4, 7000}));
-}
-
-TEST(Debayer, TheBorderIsContinuedAsInAMirror) {
-  const Image image = debayer(handMade(), BayerPattern::Rggb);
   // Above row 0 is row 1 again, left of column 0 is column 1, and so on.
   EXPECT_EQ(pixelAt(image, 0, 0), (Rgb{1000, (2 * 200 + 2 * 50 + 2) / 4, 70}));
   EXPECT_EQ(pixelAt(image, 3, 3), (Rgb{7000, (2 * 170 + 2 * 800 + 2) / 4, 190}));
   EXPECT_EQ(pixelAt(image, 3, 0), (Rgb{3000, 400, 110}));
-}
-
-TEST(Debayer, MeansAreRounded) {
-  // Blue pixel in the middle: corners 1, 2, 2, 2 and sides 1, 1, 1, 3.
-  const Image image = debayer({3, 3, 1, {1, 1, 2, 1, 9, 1, 2, 3, 2}}, BayerPattern::Rggb);
-  EXPECT_EQ(pixelAt(image, 1, 1), (Rgb{2, 2, 9}));
 }
 
 TEST(Debayer, ImagesTooSmallForABayerPatternStayGrey) {

@@ -9,6 +9,7 @@ struct WrongArguments {
   const char* name;
   const char* arguments;
   const char* message;
+  const char* camera = "0";
 };
 
 void PrintTo(const WrongArguments& wrong, std::ostream* stream) {
@@ -115,13 +116,14 @@ constexpr WrongArguments wrongRecordings[] = {
 
 INSTANTIATE_TEST_SUITE_P(Arguments, WrongRecording, ::testing::ValuesIn(wrongRecordings), caseName);
 
-// Wrong for the camera: a ZWO ASI120MC-S of 1280 x 960 pixels.
+// Wrong for the camera, mostly a ZWO ASI120MC-S of 1280 x 960 pixels.
 class WrongForTheCamera : public OcCaptureArguments,
                           public ::testing::WithParamInterface<WrongArguments> {};
 
 TEST_P(WrongForTheCamera, GetsOneSentence) {
   sdks.add("ASICamera2");
-  expectRefusal(record({GetParam().arguments}), GetParam().message);
+  expectRefusal(record({GetParam().arguments}, stoppedClock, GetParam().camera),
+                GetParam().message);
 }
 
 constexpr WrongArguments wrongForTheCamera[] = {
@@ -132,7 +134,17 @@ constexpr WrongArguments wrongForTheCamera[] = {
     {"GainAbove", "--gain 101", "--gain can be 0 to 100 with ZWO ASI120MC-S."},
     {"SwapOfRaw", "--swap-rb", "--swap-rb needs frames in rgb24."},
     {"BayerOfColours", "--format rgb24 --bayer RGGB", "--bayer needs frames in raw8 or raw16."},
-    {"Exposure", "--exposure 1001s", "--exposure can be 1000s at most with ZWO ASI120MC-S."}};
+    {"Exposure", "--exposure 1001s", "--exposure can be 1000s at most with ZWO ASI120MC-S."},
+    {"FormatOfMono", "--format rgb24",
+     "ZWO ASI2600MM Pro has no format rgb24; it offers raw8, raw16.", "ASI2600MM"},
+    {"NameThatFitsSeveral", "",
+     "More than one camera fits \"pro\": 1 (ZWO ASI294MC Pro), 2 (ZWO ASI2600MM Pro); give the "
+     "index or more of the name.",
+     "pro"},
+    {"NameThatFitsNone", "",
+     "No camera fits \"Webcam\"; there are 0 (ZWO ASI120MC-S), 1 (ZWO ASI294MC Pro), 2 (ZWO "
+     "ASI2600MM Pro), 3 (ZWO ASI290MM Mini).",
+     "Webcam"}};
 
 INSTANTIATE_TEST_SUITE_P(Arguments, WrongForTheCamera, ::testing::ValuesIn(wrongForTheCamera),
                          caseName);
@@ -147,30 +159,11 @@ TEST_F(OcCaptureArguments, HelpIsNoError) {
   }
 }
 
-TEST_F(OcCaptureArguments, AFormatThatAMonoCameraLacks) {
-  sdks.add("ASICamera2");
-  expectRefusal(record({"--format rgb24"}, stoppedClock, "ASI2600MM"),
-                "ZWO ASI2600MM Pro has no format rgb24; it offers raw8, raw16.");
-}
-
-TEST_F(OcCaptureArguments, ANameThatFitsSeveralCameras) {
-  sdks.add("ASICamera2");
-  expectRefusal(record({}, stoppedClock, "pro"),
-                "More than one camera fits \"pro\": 1 (ZWO ASI294MC Pro), 2 (ZWO ASI2600MM Pro); "
-                "give the index or more of the name.");
-}
-
-TEST_F(OcCaptureArguments, ANameThatFitsNone) {
-  sdks.add("ASICamera2");
-  expectRefusal(record({}, stoppedClock, "Webcam"),
-                "No camera fits \"Webcam\"; there are 0 (ZWO ASI120MC-S), 1 (ZWO ASI294MC Pro), 2 "
-                "(ZWO ASI2600MM Pro), 3 (ZWO ASI290MM Mini).");
-}
-
 TEST_F(OcCaptureArguments, ADirectoryThatDoesNotExist) {
   const auto missing = scratch.file("caf\u00e9");
   const std::string message = "There is no directory \"" + utf8(missing) + "\".";
   expectRefusal(run({"list --sdk", missing}), message);
+  expectRefusal(run({"doctor --sdk", missing}), message);
   expectRefusal(runWithSdks("record", {"--camera 0 --out", missing / "a.ser"}), message);
 }
 

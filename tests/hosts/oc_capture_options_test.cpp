@@ -12,7 +12,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* commands[] = {"list", "record", "snap", "bench", "watch", "play", "doctor"};
+constexpr const char* commands[] = {"list",  "record", "snap",   "bench",
+                                    "watch", "play",   "repair", "doctor"};
 
 class OcCaptureOptions : public OcCaptureAsiTest {
  protected:
@@ -80,7 +81,7 @@ TEST_F(OcCaptureOptions, RecordTakesAll) {
       "record",
       {"--overwrite --memory 1 --observer Anna --telescope 80/480 --quiet --json --out",
        recording()},
-      "raw16 --bayer BGGR --frames 2", "--seconds 0.1");
+      "raw16 --bayer BGGR --frames 2", "--seconds 0.1 --no-preview");
 }
 
 TEST_F(OcCaptureOptions, SnapTakesAll) {
@@ -107,37 +108,32 @@ TEST_F(OcCaptureOptions, PlayTakesAll) {
   expectAllTaken("play", {{all, "--bayer GBRG", recording()}, {all, "--swap-rb", colours}});
 }
 
+TEST_F(OcCaptureOptions, RepairTakesAll) {
+  expectSuccess(recordSmall("--quiet"));
+  std::filesystem::resize_file(recording(), 178 + 2 * 64 * 48);
+  expectAllTaken("repair",
+                 {{"--overwrite --quiet --json --out", scratch.file("new.ser"), recording()}});
+}
+
 TEST_F(OcCaptureOptions, DoctorTakesAll) {
   expectAllTaken("doctor", {{"--json --scan --sdk", sdks.path()}});
 }
 
-TEST_F(OcCaptureOptions, HelpHasAnExampleForEachCommand) {
+TEST_F(OcCaptureOptions, HelpHasAnExampleAndFitsIntoEightyColumns) {
   for (const char* command : commands) {
     const std::string help = run({command, "--help"}).out;
     EXPECT_PRED_FORMAT2(IsSubstring, "Examples:\n  oc_capture " + std::string(command) + " ", help);
     EXPECT_PRED_FORMAT2(IsSubstring, "Exit status: 0 done", help);
-  }
-}
-
-TEST_F(OcCaptureOptions, HelpFitsIntoEightyColumns) {
-  for (const char* command : commands) {
-    std::istringstream help(run({command, "--help"}).out);
-    for (std::string line; std::getline(help, line);) {
-      const bool isExample = line.rfind("  oc_capture ", 0) == 0;
-      EXPECT_TRUE(isExample || line.size() <= 80) << line;
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_TRUE(line.starts_with("  oc_capture ") || line.size() <= 80) << line;
     }
   }
 }
 
 TEST_F(OcCaptureOptions, DiscardedFramesAreNotRecorded) {
   expectSuccess(recordSmall("--discard 3"));
-  const SerFile file(recording());
-  const ReferenceCamera camera = reference();
-  ASSERT_EQ(file.frames.size(), 4U);
-  for (int number = 0; number < 4; ++number) {
-    EXPECT_TRUE(file.frames[static_cast<std::size_t>(number)] == camera.frame(number + 3))
-        << number;
-  }
+  expectFrames(SerFile(recording()), reference(), 4, 3);
 }
 
 TEST_F(OcCaptureOptions, FlippedFramesHaveTheirBayerPatternFlipped) {

@@ -36,10 +36,9 @@ TEST_P(OcCaptureRecordFormat, HoldsTheCamerasFramesByteByByte) {
               "--observer Anna --telescope 80/480 --format", format.name});
   const std::int64_t after = ticksNow();
   ASSERT_EQ(result.status, 0) << result.err;
-  EXPECT_TRUE(std::regex_match(
-      result.out, std::regex(R"(Recorded 12 frames of 320 x 240 )" + std::string(format.name) +
-                             R"( in \d+\.\d s \(\d+\.\d fps\) to ".*"; preview ".*"\.\n)")))
-      << result.out;
+  expectMatch(result.out,
+              R"(Recorded 12 frames of 320 x 240 )" + std::string(format.name) +
+                  R"( in \d+\.\d s \(\d+\.\d fps\) to ".*"; preview ".*"\.\n(Gaps: .*\n)?)");
 
   const SerFile file(recording());
   EXPECT_EQ(file.fileId, "LUCAM-RECORDER");
@@ -64,11 +63,7 @@ TEST_P(OcCaptureRecordFormat, HoldsTheCamerasFramesByteByByte) {
   EXPECT_EQ(file.unreadBytes, 0);
 
   const ReferenceCamera reference(sdks, "ASICamera2", 320, 240, 1, format.code, 5000, 40, 7);
-  ASSERT_EQ(file.frames.size(), 12U);
-  for (int number = 0; number < 12; ++number) {
-    EXPECT_TRUE(file.frames[static_cast<std::size_t>(number)] == reference.frame(number))
-        << "frame " << number;
-  }
+  expectFrames(file, reference, 12);
   EXPECT_TRUE(isPng(preview()));
 }
 
@@ -124,16 +119,14 @@ TEST_F(OcCaptureRecord, WithoutSettingsTakesTheCamerasOwn) {
   EXPECT_EQ(file.colorId, 9);
   // Gain: a third of 0 to 100. Offset 10, exposure 20 ms, bin 1, the first format: raw8.
   const ReferenceCamera reference(sdks, "ASICamera2", 1280, 960, 1, 0, 20000, 33, 10);
-  ASSERT_EQ(file.frames.size(), 2U);
-  EXPECT_TRUE(file.frames[0] == reference.frame(0));
-  EXPECT_TRUE(file.frames[1] == reference.frame(1));
+  expectFrames(file, reference, 2);
 }
 
 TEST_F(OcCaptureRecord, HoldsNoRangeAgainstTheUserThatTheCameraHasNotTold) {
   expectSuccess(recordSmall("--frames 1 --gain 70 --exposure 30ms",
                             "clock stopped; seed 5; force ASIOpenCamera 1 1 16"));
   const ReferenceCamera reference(sdks, "ASICamera2", 64, 48, 1, 0, 30000, 70, 10);
-  EXPECT_TRUE(SerFile(recording()).frames.at(0) == reference.frame(0));
+  expectFrames(SerFile(recording()), reference, 1);
 }
 
 TEST_F(OcCaptureRecord, WithoutALengthTakesAHundredFrames) {
@@ -175,7 +168,7 @@ TEST_F(OcCaptureRecord, TakesFileNamesOfAnyKind) {
   const ProgramResult result = expectSuccess(
       runWithSdks("record", {"--camera 0 --width 64 --height 48 --frames 1 --out", path}));
   EXPECT_EQ(SerFile(path).frameCount, 1);
-  EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D.png")));
+  EXPECT_TRUE(std::filesystem::exists(scratch.file("caf\u00e9 \U0001F52D-preview.png")));
   EXPECT_PRED_FORMAT2(IsSubstring, utf8(path), result.out);
 }
 

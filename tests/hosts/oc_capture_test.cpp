@@ -3,6 +3,7 @@
 
 #include <iomanip>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -37,6 +38,10 @@ void expectFailure(const ProgramResult& result, int status, const std::string& m
   EXPECT_EQ(result.status, status);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "oc_capture: " + message + "\n");
+}
+
+void expectMatch(const std::string& text, const std::string& pattern) {
+  EXPECT_TRUE(std::regex_match(text, std::regex(pattern))) << text;
 }
 
 void expectMembers(const nlohmann::ordered_json& document, const nlohmann::ordered_json& expected) {
@@ -79,6 +84,14 @@ Bytes ReferenceCamera::frame(int number) const {
     std::swap(frame[pixel], frame[pixel + 2]);
   }
   return frame;
+}
+
+void expectFrames(const SerFile& file, const ReferenceCamera& camera, int count, int first) {
+  ASSERT_EQ(file.frames.size(), static_cast<std::size_t>(count));
+  for (int number = 0; number < count; ++number) {
+    EXPECT_TRUE(file.frames[static_cast<std::size_t>(number)] == camera.frame(first + number))
+        << "frame " << number;
+  }
 }
 
 }  // namespace orvane::testing

@@ -63,7 +63,7 @@ class OcCaptureTest : public ::testing::Test {
   }
 
   std::filesystem::path recording() const { return scratch.file("recording.ser"); }
-  std::filesystem::path preview() const { return scratch.file("recording.png"); }
+  std::filesystem::path preview() const { return scratch.file("recording-preview.png"); }
 
   const SdkDirectory sdks;
   const ScratchDirectory scratch;
@@ -80,6 +80,9 @@ ProgramResult expectSuccess(const ProgramResult& result);
 
 /// Expects this exit status and this message, and no other output.
 void expectFailure(const ProgramResult& result, int status, const std::string& message);
+
+/// Expects a text that matches the regular expression as a whole.
+void expectMatch(const std::string& text, const std::string& pattern);
 
 /// Expects these members, among others.
 void expectMembers(const nlohmann::ordered_json& document, const nlohmann::ordered_json& expected);
@@ -105,5 +108,8 @@ class ReferenceCamera {
   bool swapsRedAndBlue_;
   std::size_t frameSize_;
 };
+
+/// Expects this number of frames in a recording: the camera's, from `first` on.
+void expectFrames(const SerFile& file, const ReferenceCamera& camera, int count, int first = 0);
 
 }  // namespace orvane::testing

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "failure.hpp"
 #include "scratch_directory.hpp"
 
 namespace orvane::host {
@@ -35,12 +36,9 @@ TEST(PngWriter, WritesSizeAndColourTypeIntoTheHeader) {
 
 TEST(PngWriter, NamesTheFileThatItCannotWrite) {
   const ScratchDirectory scratch;
-  try {
-    writePng(scratch.file("missing") / "grey.png", {1, 1, 1, {0}});
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    EXPECT_NE(std::string(error.what()).find("grey.png"), std::string::npos) << error.what();
-  }
+  const auto write = [&] { writePng(scratch.file("missing") / "grey.png", {1, 1, 1, {0}}); };
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "grey.png",
+                      testing::failureOf<std::runtime_error>(write));
 }
 
 }  // namespace

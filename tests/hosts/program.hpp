@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,27 +24,27 @@ struct ProgramResult {
   std::string err;  ///< standard error
 };
 
-/// A program that has been started. wait() must be called.
+/// A program that has been started. wait() must be called once.
 class Program {
  public:
   explicit Program(const ProgramStart& start);
-  ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  bool isRunning();
+  bool isRunning() const;
 
   /// Sends Ctrl-C. The program must have been started with `mayBeInterrupted`.
-  void interrupt();
+  void interrupt() const;
 
-  ProgramResult wait();
+  /// Ends the program at once, in whatever it is doing.
+  void kill() const;
+
+  ProgramResult wait() const;
 
  private:
-  struct Process;
-
   std::filesystem::path outFile_;
   std::filesystem::path errFile_;
-  std::unique_ptr<Process> process_;
+  std::intptr_t process_;  // its id on Linux, its handle on Windows
 };
 
 /// Starts a program and waits for its end.

@@ -62,44 +62,35 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 }  // namespace
 
-struct Program::Process {
-  pid_t id = -1;
-  bool hasEnded = false;
-  int waitStatus = 0;
-};
-
 Program::Program(const ProgramStart& start)
     : outFile_(start.outputDirectory / "stdout"),
       errFile_(start.outputDirectory / "stderr"),
-      process_(std::make_unique<Process>()) {
-  process_->id = fork();
-  if (process_->id < 0) {
+      process_(fork()) {
+  if (process_ < 0) {
     throw std::runtime_error("no new process");
   }
-  if (process_->id == 0) {
+  if (process_ == 0) {
     becomeProgram(start, outFile_, errFile_);
   }
 }
 
-Program::~Program() = default;
-
-bool Program::isRunning() {
-  if (!process_->hasEnded) {
-    process_->hasEnded = waitpid(process_->id, &process_->waitStatus, WNOHANG) == process_->id;
-  }
-  return !process_->hasEnded;
+bool Program::isRunning() const {
+  siginfo_t end{};
+  waitid(P_PID, static_cast<id_t>(process_), &end, WEXITED | WNOHANG | WNOWAIT);
+  return end.si_pid == 0;
 }
 
-void Program::interrupt() {
-  kill(process_->id, SIGINT);
+void Program::interrupt() const {
+  ::kill(static_cast<pid_t>(process_), SIGINT);
 }
 
-ProgramResult Program::wait() {
-  if (!process_->hasEnded) {
-    waitpid(process_->id, &process_->waitStatus, 0);
-    process_->hasEnded = true;
-  }
-  const int status = process_->waitStatus;
+void Program::kill() const {
+  ::kill(static_cast<pid_t>(process_), SIGKILL);
+}
+
+ProgramResult Program::wait() const {
+  int status = 0;
+  waitpid(static_cast<pid_t>(process_), &status, 0);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outFile_), contentOf(errFile_)};
 }
 

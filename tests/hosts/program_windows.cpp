@@ -31,14 +31,6 @@ std::wstring quotedArgument(const std::wstring& argument) {
   return text.append(backslashes, L'\\') + L'"';
 }
 
-std::wstring commandLine(const ProgramStart& start) {
-  std::wstring line = quotedArgument(start.file.wstring());
-  for (const std::string& argument : start.arguments) {
-    line += L' ' + quotedArgument(wide(argument));
-  }
-  return line;
-}
-
 HANDLE inheritableFile(const std::filesystem::path& file) {
   SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
   HANDLE handle = CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -60,22 +52,19 @@ void takeOwnConsole() {
   SetConsoleCtrlHandler(ignoreCtrlC, TRUE);
 }
 
-std::string withPlainLineEnds(const std::string& text) {
-  std::string plain = text;
-  std::erase(plain, '\r');
-  return plain;
+std::string withPlainLineEnds(std::string text) {
+  std::erase(text, '\r');
+  return text;
+}
+
+HANDLE handle(std::intptr_t process) {
+  return reinterpret_cast<HANDLE>(process);
 }
 
 }  // namespace
 
-struct Program::Process {
-  PROCESS_INFORMATION information{};
-};
-
 Program::Program(const ProgramStart& start)
-    : outFile_(start.outputDirectory / "stdout"),
-      errFile_(start.outputDirectory / "stderr"),
-      process_(std::make_unique<Process>()) {
+    : outFile_(start.outputDirectory / "stdout"), errFile_(start.outputDirectory / "stderr") {
   if (start.largestFile > 0) {
     throw std::logic_error("Windows has no limit on the size of files");
   }
@@ -87,38 +76,44 @@ Program::Program(const ProgramStart& start)
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdOutput = inheritableFile(outFile_);
   startup.hStdError = inheritableFile(errFile_);
-  std::wstring line = commandLine(start);
+  std::wstring line = quotedArgument(start.file.wstring());
+  for (const std::string& argument : start.arguments) {
+    line += L' ' + quotedArgument(wide(argument));
+  }
   SetEnvironmentVariableW(L"ORVANE_SIMULATOR", wide(start.simulator).c_str());
+  PROCESS_INFORMATION process{};
   const BOOL started = CreateProcessW(start.file.c_str(), line.data(), nullptr, nullptr, TRUE, 0,
-                                      nullptr, nullptr, &startup, &process_->information);
+                                      nullptr, nullptr, &startup, &process);
   SetEnvironmentVariableW(L"ORVANE_SIMULATOR", nullptr);
   CloseHandle(startup.hStdOutput);
   CloseHandle(startup.hStdError);
   if (started == 0) {
     throw std::runtime_error("cannot start " + utf8(start.file));
   }
+  CloseHandle(process.hThread);
+  process_ = reinterpret_cast<std::intptr_t>(process.hProcess);
 }
 
-Program::~Program() {
-  CloseHandle(process_->information.hProcess);
-  CloseHandle(process_->information.hThread);
+bool Program::isRunning() const {
+  return WaitForSingleObject(handle(process_), 0) == WAIT_TIMEOUT;
 }
 
-bool Program::isRunning() {
-  return WaitForSingleObject(process_->information.hProcess, 0) == WAIT_TIMEOUT;
-}
-
-void Program::interrupt() {
+void Program::interrupt() const {
   if (GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) == 0) {
-    TerminateProcess(process_->information.hProcess, 1);
+    TerminateProcess(handle(process_), 1);
     throw std::runtime_error("Ctrl-C could not be sent");
   }
 }
 
-ProgramResult Program::wait() {
-  WaitForSingleObject(process_->information.hProcess, INFINITE);
+void Program::kill() const {
+  TerminateProcess(handle(process_), 1);
+}
+
+ProgramResult Program::wait() const {
+  WaitForSingleObject(handle(process_), INFINITE);
   DWORD status = 0;
-  GetExitCodeProcess(process_->information.hProcess, &status);
+  GetExitCodeProcess(handle(process_), &status);
+  CloseHandle(handle(process_));
   return {static_cast<int>(status), withPlainLineEnds(contentOf(outFile_)),
           withPlainLineEnds(contentOf(errFile_))};
 }

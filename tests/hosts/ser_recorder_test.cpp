@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "cpp_face/scripted_library.hpp"
+#include "failure.hpp"
 #include "formats/ser_time.hpp"
 #include "scratch_directory.hpp"
 #include "ser_file.hpp"
@@ -20,7 +21,7 @@ using orvane::testing::script;
 using orvane::testing::SerFile;
 
 constexpr std::chrono::milliseconds longTime{20000};
-const FrameLayout layout{4, 2, PixelFormat::Raw8, BayerPattern::Grbg};
+const SerDescription description{{4, 2, PixelFormat::Raw8, BayerPattern::Grbg}, "", "", "", 0, 0};
 
 class SerRecorderTest : public ::testing::Test {
  protected:
@@ -33,17 +34,13 @@ class SerRecorderTest : public ::testing::Test {
       std::memset(buffer, sent_++, static_cast<std::size_t>(size));
       return size;
     };
-    oc::CaptureOptions options;
-    options.failures = 1;
-    capture_.emplace(options, testing::scriptedLibrary());
+    capture_.emplace(oc::CaptureOptions{.failures = 1}, testing::scriptedLibrary());
   }
 
   oc::FrameQueue send(int frames, std::size_t capacity, std::uint64_t most = 0) {
     oc::FrameQueue queue = capture_->frames(oc::Delivery::Every, capacity, most);
     toSend_ = frames;
-    oc::Settings settings;
-    settings.exposureUs = 1;
-    capture_->open(oc::parseCameraInfo(0, testing::infoText(0, "a")), settings).get();
+    capture_->open(oc::parseCameraInfo(0, testing::infoText(0, "a")), {.exposureUs = 1}).get();
     return queue;
   }
 
@@ -52,12 +49,6 @@ class SerRecorderTest : public ::testing::Test {
     while (capture_->state().frames < count) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-  }
-
-  SerDescription description() const {
-    SerDescription description;
-    description.layout = layout;
-    return description;
   }
 
   const ScratchDirectory scratch;
@@ -79,7 +70,7 @@ TEST_F(SerRecorderTest, WritesWhatItTakesAndCountsWhatItDrops) {
   oc::FrameQueue queue = send(count, recordingCapacity(1, 8));
   const oc::Frame held = queue.next(longTime);  // keeps one place of the queue
   waitForFrames();
-  SerRecorder recorder(path, description(), {}, std::move(queue));
+  SerRecorder recorder(path, description, {}, std::move(queue));
   EXPECT_EQ(recorder.queue().capacity(), 4U);
   recorder.stop();
   ASSERT_TRUE(recorder.waitForEnd(longTime));
@@ -104,7 +95,7 @@ TEST_F(SerRecorderTest, CountsWhatIsDroppedWhileItRecords) {
   std::optional<oc::Frame> held;
   toSend_ = 1;
   held = queue.next(longTime);
-  SerRecorder recorder(path, description(), {}, std::move(queue));
+  SerRecorder recorder(path, description, {}, std::move(queue));
   toSend_ = 11;
   waitForFrames();
   EXPECT_EQ(recorder.droppedFrames(), 10);
@@ -120,7 +111,7 @@ TEST_F(SerRecorderTest, CountsWhatIsDroppedWhileItRecords) {
 
 TEST_F(SerRecorderTest, EndsByItselfWithTheFramesThatWereAskedFor) {
   constexpr int count = 40;
-  SerRecorder recorder(path, description(), {}, send(2 * count, count + 1, count));
+  SerRecorder recorder(path, description, {}, send(2 * count, count + 1, count));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   recorder.requireSuccess();
   EXPECT_EQ(recorder.droppedFrames(), 0);
@@ -132,21 +123,19 @@ TEST_F(SerRecorderTest, EndsByItselfWithTheFramesThatWereAskedFor) {
 }
 
 TEST_F(SerRecorderTest, CorrectsFrames) {
-  FrameCorrection correction;
-  correction.flips = true;
   script().read = [](std::uint8_t* buffer, int size) {
     std::memset(buffer, 1, static_cast<std::size_t>(size / 2));
     std::memset(buffer + size / 2, 2, static_cast<std::size_t>(size / 2));
     return size;
   };
-  SerRecorder recorder(path, description(), correction, send(1, 4, 1));
+  SerRecorder recorder(path, description, {true, false, {}}, send(1, 4, 1));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_EQ(SerFile(path).frames.at(0), (std::vector<std::uint8_t>{2, 2, 2, 2, 1, 1, 1, 1}));
 }
 
 TEST_F(SerRecorderTest, TheDestructorFinishesTheFile) {
   {
-    const SerRecorder recorder(path, description(), {}, send(2, 4));
+    const SerRecorder recorder(path, description, {}, send(2, 4));
     waitForFrames();
   }
   const SerFile file(path);
@@ -157,7 +146,7 @@ TEST_F(SerRecorderTest, TheDestructorFinishesTheFile) {
 
 TEST_F(SerRecorderTest, TellsWhatFailedAndKeepsTheFramesBefore) {
   atEnd_ = 7;  // the frame has a byte less
-  SerRecorder recorder(path, description(), {}, send(1, 4));
+  SerRecorder recorder(path, description, {}, send(1, 4));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_THROW(recorder.requireSuccess(), std::runtime_error);
   EXPECT_EQ(recorder.writtenFrames(), 1);
@@ -167,14 +156,10 @@ TEST_F(SerRecorderTest, TellsWhatFailedAndKeepsTheFramesBefore) {
 TEST_F(SerRecorderTest, ALostCameraEndsItAfterTheFramesBefore) {
   script().error = "ASIGetVideoData: 5";
   atEnd_ = -1;
-  SerRecorder recorder(path, description(), {}, send(3, 4));
+  SerRecorder recorder(path, description, {}, send(3, 4));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
-  try {
-    recorder.requireSuccess();
-    FAIL();
-  } catch (const oc::Error& error) {
-    EXPECT_STREQ(error.what(), "ASIGetVideoData: 5");
-  }
+  EXPECT_EQ(testing::failureOf<oc::Error>([&] { recorder.requireSuccess(); }),
+            "ASIGetVideoData: 5");
   const SerFile file(path);
   EXPECT_EQ(file.frameCount, 3);
   EXPECT_EQ(file.timeStamps.size(), 3U);

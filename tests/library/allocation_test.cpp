@@ -10,7 +10,10 @@ namespace {
 
 std::atomic<long> allocations{0};
 
-void* countedAllocation(std::size_t size) {
+}  // namespace
+
+// The standard library's other forms call these.
+void* operator new(std::size_t size) {
   ++allocations;
   void* memory = std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) {
@@ -18,25 +21,10 @@ void* countedAllocation(std::size_t size) {
   }
   return memory;
 }
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  return countedAllocation(size);
-}
-void* operator new[](std::size_t size) {
-  return countedAllocation(size);
-}
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
 void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
   std::free(memory);
 }
 

@@ -26,27 +26,6 @@ inline SimCamera smallCamera(const SdkFamily& family) {
   return camera;
 }
 
-/// A copy of a camera with another name, key and id.
-inline SimCamera secondCamera(SimCamera camera) {
-  setText(camera.name, "second");
-  setText(camera.key, "other");
-  camera.id = 9;
-  return camera;
-}
-
-/// The lines of a call log that call this function.
-inline std::string callsOf(const std::string& function, const std::string& log) {
-  std::string found;
-  for (std::size_t start = 0; start < log.size();) {
-    const std::size_t end = log.find('\n', start) + 1;
-    if (log.compare(start, function.size() + 1, function + "(") == 0) {
-      found += log.substr(start, end - start);
-    }
-    start = end;
-  }
-  return found;
-}
-
 /// The library and one maker's SDK.
 class FamilyTest : public LibraryTest {
  protected:
@@ -85,7 +64,14 @@ class FamilyTest : public LibraryTest {
     return readFrame();
   }
 
-  SimCamera secondCamera() const { return testing::secondCamera(small); }
+  /// A copy of the small camera with another name, key and id.
+  SimCamera secondCamera() const {
+    SimCamera camera = small;
+    setText(camera.name, "second");
+    setText(camera.key, "other");
+    camera.id = 9;
+    return camera;
+  }
 
   /// Copies of the small camera with different keys.
   std::vector<SimCamera> manyCameras(std::size_t count) const {
@@ -108,11 +94,6 @@ class FamilyTest : public LibraryTest {
     sdk.forceOutput(function, output, value);
   }
 
-  /// The calls of this function since the log was emptied. Empties the log.
-  std::string callsOf(const std::string& function) const {
-    return testing::callsOf(function, sdk.takeLog());
-  }
-
   /// These values of the first camera's description, separated by blanks.
   std::string values(const std::vector<std::string>& keys) const {
     std::string text;
@@ -133,9 +114,10 @@ class FamilyTest : public LibraryTest {
   }
 
   /// The bytes that the SDK delivers for frame `number` of the open stream.
-  std::vector<std::uint8_t> sdkFrame(int number, int size) {
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    EXPECT_EQ(sdk.render_frame(number, bytes.data(), size), size);
+  std::vector<std::uint8_t> rendered(int number) const {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(oc.buffer_size()));
+    const int size = sdk.render_frame(number, bytes.data(), oc.buffer_size());
+    bytes.resize(static_cast<std::size_t>(size));
     return bytes;
   }
 

@@ -15,12 +15,6 @@
 
 namespace orvane::testing {
 
-/// A path in the form that oc_library_dir() takes.
-inline std::string utf8Of(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 /// The library, newly loaded, and an empty directory from which it loads SDKs.
 class LibraryTest : public ::testing::Test {
  protected:

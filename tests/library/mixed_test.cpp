@@ -28,25 +28,6 @@ TEST_F(MixedScan, AllInTheirFixedOrder) {
   }
 }
 
-class EachAlone : public LibraryTest, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(EachAlone, IsFoundWithoutTheOthers) {
-  const SimulatedSdk sdk = install(GetParam());
-  EXPECT_GE(oc.scan(), 2);
-  EXPECT_EQ(libraries(), GetParam());
-  EXPECT_EQ(error(), "");
-  expectClean(sdk);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sdks, EachAlone, ::testing::ValuesIn(sdkNames),
-                         [](const auto& instance) { return std::string(instance.param); });
-
-TEST_F(MixedScan, NoneIsNoError) {
-  expectNothingFound();
-  EXPECT_EQ(oc.open(0, 1, 1, 1, 0, 1, 0, 0), 0);
-  EXPECT_EQ(error(), "Camera not found; rescan");
-}
-
 TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
   const SimulatedSdk toupcam = install("toupcam");
   const SimulatedSdk qhy = install("qhyccd");
@@ -60,17 +41,6 @@ TEST_F(MixedScan, TwoFailuresAreJoinedInOrderAndTheOthersCamerasKept) {
   EXPECT_EQ(error(), "ASIGetCameraProperty: 5; QHY scan failed");
   EXPECT_EQ(libraries(), "ASICamera2, PlayerOneCamera, qhyccd, toupcam");
   EXPECT_EQ(infoValue(0, "name"), "\"small\"");
-}
-
-TEST_F(MixedScan, AllFourFailuresAreJoined) {
-  install("ASICamera2").forceResult("ASIGetCameraProperty", 1);
-  install("PlayerOneCamera").forceResult("POAGetCameraProperties", 2);
-  install("qhyccd").forceResult("InitQHYCCDResource", 3);
-  install("toupcam").forceResult("Toupcam_get_RawFormat", -4);
-  EXPECT_EQ(oc.scan(), 0);
-  EXPECT_EQ(error(),
-            "ASIGetCameraProperty: 1; POAGetCameraProperties: 2; InitQHYCCDResource: 3; "
-            "Toupcam_get_RawFormat: -4");
 }
 
 TEST_F(MixedScan, SdkThatAppearsBetweenTwoScansTakesItsPlaceInTheOrder) {
@@ -95,6 +65,7 @@ TEST_F(MixedScan, RescanAfterUnpluggingMovesTheIndices) {
   asi.set_plugged(0, 0);
   EXPECT_EQ(oc.scan(), 1);
   EXPECT_EQ(infoValue(0, "name"), "\"other\"");
+  EXPECT_EQ(info(1), "{}");
   asi.set_plugged(0, 1);
   EXPECT_EQ(oc.scan(), 2);
   EXPECT_EQ(infoValue(0, "name"), "\"small\"");

@@ -93,26 +93,18 @@ class SdkException : public FamilyTest, public ::testing::WithParamInterface<Thr
     }
     sdk.throwFrom(call.function, kind, "usb lost");
     return leavingException([&] {
-      switch (call.step) {
-        case Step::Scan:
-        case Step::ScanOfLimits:
-          result = oc.scan();
-          break;
-        case Step::Open:
-        case Step::HalfOpen:
-          result = open();
-          break;
-        case Step::Apply:
-          result = oc.apply(10000, 150, 5);
-          break;
-        case Step::Read:
-          result = nextFrame();
-          break;
-        case Step::Temperature:
-          result = oc.temperature();
-          break;
-        default:
-          oc.close();
+      if (call.step <= Step::ScanOfLimits) {
+        result = oc.scan();
+      } else if (call.step <= Step::HalfOpen) {
+        result = open();
+      } else if (call.step == Step::Apply) {
+        result = oc.apply(10000, 150, 5);
+      } else if (call.step == Step::Read) {
+        result = nextFrame();
+      } else if (call.step == Step::Temperature) {
+        result = oc.temperature();
+      } else {
+        oc.close();
       }
     });
   }
@@ -144,10 +136,9 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
   EXPECT_EQ(sdk.invariants().exceptionsAlive - aliveBefore, kept);
   EXPECT_EQ(error(), isReported ? "usb lost" : "");
 
-  const bool isScanStep = call.step == Step::Scan || call.step == Step::ScanOfLimits;
   if (leaves) {
     EXPECT_EQ(result, -99);
-  } else if (isScanStep) {
+  } else if (call.step <= Step::ScanOfLimits) {
     EXPECT_EQ(result, call.step == Step::Scan ? 0 : 1);
   } else if (call.step == Step::Temperature) {
     EXPECT_TRUE(std::isnan(result));
@@ -163,14 +154,22 @@ void SdkException::expectRow(const ThrowingCall& call, int kind) {
   // open in the SDK.
   const int openAfter = sdk.invariants().devicesOpen;
   const bool isHalfOpen = call.step == Step::HalfOpen && leaves;
-  const bool streamsOn =
-      call.step == Step::Apply || call.step == Step::Read || call.step == Step::Temperature;
+  const bool streamsOn = call.step >= Step::Apply && call.step <= Step::Temperature;
   EXPECT_EQ(openAfter, streamsOn || isHalfOpen || call.step == Step::Close ? 1 : 0);
   if (streamsOn) {
     sdk.clear_faults();
     EXPECT_EQ(nextFrame(), 320 * 202) << error();
   }
   sdk.clear_faults();
+  if (isHalfOpen) {
+    EXPECT_EQ(oc.scan(), -1) << "a half-open camera counts as open";
+    if (std::string(call.situation) == "start") {
+      EXPECT_FALSE(std::isnan(oc.temperature()));
+    }
+    sdk.takeLog();
+    oc.close();
+    EXPECT_TRUE(sdk.takeLog().starts_with(family.closeCall)) << "no stop before it";
+  }
   oc.close();
   expectClosed();
   const int openAtEnd = sdk.invariants().devicesOpen;

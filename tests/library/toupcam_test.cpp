@@ -59,14 +59,6 @@ TEST_F(ToupTek, FailingRawFormatEndsTheScanForMonochromeCamerasToo) {
   expectClean(sdk);
 }
 
-TEST_F(ToupTek, PositiveResultsAreSuccesses) {
-  sdk.forceOutput("Toupcam_get_RawFormat", "result", 1);
-  sdk.forceOutput("Toupcam_get_ExpTimeRange", "result", 1);
-  sdk.forceOutput("Toupcam_get_ExpoAGainRange", "result", 1);
-  EXPECT_EQ(oc.scan(), 1) << error();
-  EXPECT_EQ(limits(), "1000000000 0 1000");
-}
-
 TEST_F(ToupTek, BitDepthDecidesTheFormats) {
   const std::pair<std::int64_t, const char*> depths[] = {
       {8, "[0]"}, {9, "[0,1]"}, {16, "[0,1]"}, {0, "[0]"}, {-2147467259, "[0]"}};
@@ -77,28 +69,19 @@ TEST_F(ToupTek, BitDepthDecidesTheFormats) {
   }
 }
 
-TEST_F(ToupTek, UsbFlagsDistinguishCameraAndPort) {
-  small.isUsb3Host = 0;
-  small.isCooled = 1;
-  rescan();
-  EXPECT_EQ(values({"isUsb3Camera", "isUsb3Host", "isCooled"}), "true false true");
-  for (const int flag : {0x100, 0}) {  // 0x100: on a USB 2 port, no USB 3 camera
-    onlyOutput("Toupcam_EnumV2", "flag", flag);
-    EXPECT_EQ(oc.scan(), 1);
-    EXPECT_EQ(values({"isUsb3Camera", "isUsb3Host"}), "false false");
-  }
-}
-
 TEST_F(ToupTek, EveryFlagIsABitOfItsOwn) {
   constexpr std::uint32_t mono = 0x10;
   constexpr std::uint32_t usb3 = 0x40;
   constexpr std::uint32_t cooled = 0x80;
-  for (const std::uint32_t flag : {mono, usb3, cooled}) {
+  constexpr std::uint32_t usb2Port = 0x100;
+  for (const std::uint32_t flag : {mono, usb3, cooled, usb2Port}) {
     for (const std::uint32_t flags : {flag, ~flag}) {
       onlyOutput("Toupcam_EnumV2", "flag", flags);
       EXPECT_EQ(oc.scan(), 1);
       const auto text = [&](std::uint32_t bit) { return (flags & bit) != 0 ? "true" : "false"; };
       EXPECT_EQ(infoValue(0, "isUsb3Camera"), text(usb3)) << flags;
+      const bool isUsb3Host = (flags & (usb3 | usb2Port)) == usb3;
+      EXPECT_EQ(infoValue(0, "isUsb3Host"), isUsb3Host ? "true" : "false") << flags;
       EXPECT_EQ(infoValue(0, "isCooled"), text(cooled)) << flags;
       EXPECT_EQ(infoValue(0, "isColor"), (flags & mono) != 0 ? "false" : "true") << flags;
     }
@@ -137,10 +120,11 @@ TEST_F(ToupTek, OnlyTheFirst128EntriesAreExamined) {
 }
 
 TEST_F(ToupTek, DisplayNamesOfOtherScripts) {
-  for (const char* name : {"", "caméra", "天文相机", "🔭 scope"}) {
+  const std::vector<std::string> names = {"caméra", "天文相机", "🔭 scope", std::string(63, 'n')};
+  for (const std::string& name : names) {
     setText(small.name, name);
     rescan();
-    EXPECT_EQ(infoValue(0, "name"), '"' + std::string(name) + '"');
+    EXPECT_EQ(infoValue(0, "name"), '"' + name + '"');
   }
 }
 
@@ -148,13 +132,8 @@ TEST_F(ToupTek, IdWithoutANulIsReadToTheEndOfItsField) {
   setText(small.key, std::string(64, 'k'));
   rescan();
   EXPECT_EQ(open(), 1) << error();
-  EXPECT_EQ(callsOf("Toupcam_Open"), "Toupcam_Open(\"" + std::string(64, 'k') + "\") = h2\n");
-}
-
-TEST_F(ToupTek, NameOf63UnitsIsComplete) {
-  setText(small.name, std::string(63, 'n'));
-  rescan();
-  EXPECT_EQ(infoValue(0, "name"), '"' + std::string(63, 'n') + '"');
+  EXPECT_EQ(sdk.takeCallsOf("Toupcam_Open"),
+            "Toupcam_Open(\"" + std::string(64, 'k') + "\") = h2\n");
 }
 
 #ifdef _WIN32
@@ -175,36 +154,9 @@ TEST_F(ToupTek, SizeThatTheSdkReportsBackIsUsed) {
   EXPECT_EQ(oc.buffer_size(), 160 * 100);
 }
 
-TEST_F(ToupTek, OnlyBin1IsOffered) {
-  scan();
-  expectOpenFailed(open(320, 202, 2), "Unsupported bin or format");
-}
-
 TEST_F(ToupTek, OddRegionIsRefusedByTheSdk) {
   scan();
   expectOpenFailed(open(319, 202), "ToupTek ROI: -2147024809");
-}
-
-TEST_F(ToupTek, PositiveResultsOfAnOpenAreSuccesses) {
-  scan();
-  for (const char* function :
-       {"Toupcam_put_Option", "Toupcam_put_Roi", "Toupcam_put_AutoExpoEnable",
-        "Toupcam_put_ExpoTime", "Toupcam_put_ExpoAGain"}) {
-    sdk.forceOutput(function, "result", 1);
-  }
-  EXPECT_EQ(open(), 1) << error();
-}
-
-TEST_F(ToupTek, GainIsCheckedAfterTheExposureIsSet) {
-  scan();
-  expectOpenFailed(oc.open(0, 320, 202, 1, 0, 20000, 65536, 5), "ToupTek gain out of range");
-  EXPECT_EQ(callsOf("Toupcam_put_ExpoTime"), "Toupcam_put_ExpoTime(h2, 20000) = 1\n");
-}
-
-TEST_F(ToupTek, PositiveResultOfAReadIsAFrame) {
-  openSmall();
-  sdk.forceOutput("Toupcam_PullImageWithRowPitch", "result", 1);
-  EXPECT_EQ(nextFrame(), 320 * 202);
 }
 
 TEST_F(ToupTek, AnotherSizeIsAChangeOfGeometry) {
@@ -233,7 +185,7 @@ TEST_F(ToupTek, GainBelowZeroOrAbove65535FailsAfterTheExposureIsSet) {
     EXPECT_EQ(oc.apply(5000, bad, 7), 0);
     EXPECT_EQ(error(), "ToupTek gain out of range");
     const std::string log = sdk.takeLog();
-    EXPECT_NE(log.find("Toupcam_put_ExpoTime(h2, 5000)"), std::string::npos);
+    EXPECT_NE(log.find("Toupcam_put_ExpoTime(h2, 5000)"), std::string::npos) << log;
     EXPECT_EQ(log.find("Toupcam_put_ExpoAGain"), std::string::npos);
   }
 }
@@ -243,7 +195,7 @@ TEST_F(ToupTek, Gains0And65535ArePassedOn) {
   sdk.forceResult("Toupcam_put_ExpoAGain", 0);
   for (const int good : {0, 65535}) {
     EXPECT_EQ(oc.apply(5000, good, 7), 1) << error();
-    EXPECT_EQ(callsOf("Toupcam_put_ExpoAGain"),
+    EXPECT_EQ(sdk.takeCallsOf("Toupcam_put_ExpoAGain"),
               "Toupcam_put_ExpoAGain(h2, " + std::to_string(good) + ") = 0\n");
   }
 }
@@ -252,13 +204,7 @@ TEST_F(ToupTek, BlackLevelIsPassedUnscaledAndANegativeOneToo) {
   openSmall(1);
   sdk.forceResult("Toupcam_put_Option", 0);
   EXPECT_EQ(oc.apply(5000, 200, -9), 1);
-  EXPECT_EQ(callsOf("Toupcam_put_Option"), "Toupcam_put_Option(h2, 21, -9) = 0\n");
-}
-
-TEST_F(ToupTek, ModelWithoutABlackLevelFails) {
-  small.offsetMax = -1;
-  rescan();
-  expectOpenFailed(open(), "ToupTek black level: -2147467263");
+  EXPECT_EQ(sdk.takeCallsOf("Toupcam_put_Option"), "Toupcam_put_Option(h2, 21, -9) = 0\n");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Files with the name of an SDK that this process cannot load. They contribute no cameras and no
 // message.
 #include "library/library_test.hpp"
-#include "loading/surroundings.hpp"
 
 namespace orvane::testing {
 namespace {
@@ -10,7 +9,7 @@ class BadFile : public LibraryTest {
  protected:
   BadFile() {
     directory.add("ASICamera2");
-    sdk = contentOf(directory.file("ASICamera2"));
+    sdk = SdkDirectory::contentOf(directory.file("ASICamera2"));
   }
 
   // The simulated SDK, changed only in the machine number of its file header.
@@ -90,7 +89,7 @@ TEST_F(BadFile, ReplacedByAGoodOneIsLoadedByTheSecondScan) {
 // A library for another purpose under the name of an SDK is loaded, and lacks the functions of the
 // SDK.
 TEST_F(BadFile, LibraryOfAnotherPurposeNamesItsFirstMissingFunction) {
-  directory.addFile("ASICamera2", contentOf(ORVANE_STAND_IN_DEPENDENCY));
+  directory.addFile("ASICamera2", SdkDirectory::contentOf(ORVANE_STAND_IN_DEPENDENCY));
   EXPECT_EQ(oc.scan(), 0);
   EXPECT_EQ(libraries(), "ASICamera2");
   EXPECT_EQ(error(), "ASICamera2: missing ASIGetNumOfConnectedCameras");

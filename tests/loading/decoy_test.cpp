@@ -7,11 +7,13 @@ namespace {
 
 class Decoy : public LibraryTest {
  protected:
-  // An SDK of each maker, to be put into the current directory, on PATH, or both.
+  // An SDK of each maker, in the current directory and on PATH.
   Decoy() {
     for (const char* name : sdkNames) {
       decoys.add(name);
     }
+    std::filesystem::current_path(decoys.path());
+    prependToSearchPaths(decoys.path());
   }
 
   void expectNothingFrom(const std::string& named) {
@@ -24,16 +26,12 @@ class Decoy : public LibraryTest {
 };
 
 TEST_F(Decoy, IsNotLoadedWhereTheNamedDirectoryHasNoSdk) {
-  std::filesystem::current_path(decoys.path());
-  prependToSearchPaths(decoys.path());
   expectNothingFrom("");
   expectNothingFrom(directory.utf8());
   expectNothingFrom(directory.utf8() + "/no/such/directory");
 }
 
 TEST_F(Decoy, IsNotPreferredToTheNamedDirectory) {
-  std::filesystem::current_path(decoys.path());
-  prependToSearchPaths(decoys.path());
   const SimulatedSdk named = install("ASICamera2");
   named.setCameras({});
   EXPECT_EQ(oc.scan(), 0);
@@ -44,15 +42,13 @@ TEST_F(Decoy, IsNotPreferredToTheNamedDirectory) {
 #ifdef _WIN32
 // The library's search flags need an absolute path; Windows rejects them with a relative one.
 TEST_F(Decoy, RelativeDirectoryFindsNothing) {
+  expectNothingFrom(".");
   std::filesystem::current_path(decoys.path().parent_path());
   expectNothingFrom("decoys");
   expectNothingFrom(".\\decoys");
-  std::filesystem::current_path(decoys.path());
-  expectNothingFrom(".");
 }
 
 TEST_F(Decoy, BareDriveStandsForItsCurrentDirectoryAndFindsNothing) {
-  std::filesystem::current_path(decoys.path());
   const std::string drive = utf8Of(std::filesystem::absolute(decoys.path()).root_name());
   ASSERT_EQ(drive.size(), 2U) << drive;
   expectNothingFrom(drive);

@@ -129,12 +129,6 @@ TEST_F(DirectoryName, IsTheLatestAtTheScanAfterAFailedLoad) {
   expectFoundIn(directory.utf8());
 }
 
-TEST_F(DirectoryName, IsSearchedAgainByALaterScan) {
-  expectNothingFound();
-  directory.add("ASICamera2");
-  expectAsiFound();
-}
-
 TEST_F(DirectoryName, DoesNotMatterToALoadedLibrary) {
   const SimulatedSdk first = install("ASICamera2");
   expectAsiFound();

@@ -2,8 +2,6 @@
 #include "loading/surroundings.hpp"
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #ifdef _WIN32
 #  include <windows.h>
@@ -50,11 +48,6 @@ bool isLoaded(const std::filesystem::path& library) {
   }
   return held != nullptr;
 #endif
-}
-
-std::string contentOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace orvane::testing

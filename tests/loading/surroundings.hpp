@@ -16,7 +16,4 @@ void prependToSearchPaths(const std::filesystem::path& directory);
 /// Whether this process has loaded the library.
 bool isLoaded(const std::filesystem::path& library);
 
-/// The whole content of a file.
-std::string contentOf(const std::filesystem::path& file);
-
 }  // namespace orvane::testing

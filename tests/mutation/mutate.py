@@ -9,6 +9,7 @@ status is 1 when a mutant survives all tests and survivors.md gives no reason fo
 
 import argparse
 import collections
+import filecmp
 import hashlib
 import os
 import pathlib
@@ -23,7 +24,6 @@ import typing
 
 ROOT = pathlib.Path(__file__).absolute().parents[2]
 REASONS = pathlib.Path(__file__).with_name("survivors.md")
-NOT_COPIED = [".git", "build"]
 # The tests run on Linux, where these files are not built.
 WINDOWS_ONLY = re.compile(r"windows_dll/|platform_windows")
 # Test programs, the quickest first. A program whose cases need processes of their own runs through
@@ -38,6 +38,9 @@ SECONDS_PER_TEST = 60
 BYTES_PER_PROCESS = 8 << 30
 # Random sessions are the last resort: shorter ones, as through Wine.
 SHORTER = {"ORVANE_RANDOM_STEPS": "4000"}
+# As GoogleTest prints it, and as CTest does.
+FAILED_TEST = re.compile(
+    r"\[  FAILED  \] (\S+)|Test +#\d+: (\S+) \.*\**(?:Failed|Exception|Timeout)")
 
 TOKEN = re.compile(r"""
     (?P<skip>//[^\n]*|/\*.*?\*/|^[ \t]*\#(?:\\\n|[^\n])*)
@@ -92,8 +95,8 @@ class Source:
         excluded = self.excluded_tokens()
         for i, token in enumerate(self.tokens):
             if i not in excluded:
-                self.mutate_operator(i, token)
-                self.mutate_constant(i, token)
+                self.mutate_operator(token)
+                self.mutate_constant(token)
                 self.mutate_condition(i, token)
                 self.remove_statement(i)
                 self.swap_arguments(i)
@@ -101,12 +104,11 @@ class Source:
     def matching_brackets(self):
         partners, stack = {}, []
         for i, token in enumerate(self.tokens):
-            if token.kind == "operator" and token.text in ("(", "[", "{", "[["):
+            if token.text in ("(", "[", "{", "[["):
                 stack.append(i)
-            elif token.kind == "operator" and token.text in (")", "]", "}", "]]"):
+            elif token.text in (")", "]", "}", "]]"):
                 # "]]" may also close two subscripts; the sources have none of these.
-                partners[stack[-1]] = i
-                stack.pop()
+                partners[stack.pop()] = i
         return partners
 
     def function_bodies(self):
@@ -134,7 +136,7 @@ class Source:
         change += f" #{same + 1}" if same else ""
         self.mutants.append(Mutant(self.file, start, end, replacement, line, source, change))
 
-    def mutate_operator(self, i, token):
+    def mutate_operator(self, token):
         if token.kind != "operator":
             return
         before, after = self.text[token.start - 1], self.text[token.end]
@@ -142,15 +144,14 @@ class Source:
         if before.isspace() and after.isspace():
             for other in OTHER_OPERATORS.get(token.text, []):
                 self.add(token.start, token.end, other, f"{token.text} -> {other}")
-        elif token.text in ("++", "--"):
-            other = "--" if token.text == "++" else "++"
+        elif other := {"++": "--", "--": "++"}.get(token.text):
             self.add(token.start, token.end, other, f"{token.text} -> {other}")
         elif token.text in ("!", "-", "~") and not after.isspace():
             self.add(token.start, token.end, "", f"remove {token.text}")
 
-    def mutate_constant(self, i, token):
-        if token.text in ("true", "false"):
-            others = ["false" if token.text == "true" else "true"]
+    def mutate_constant(self, token):
+        if other := {"true": "false", "false": "true"}.get(token.text):
+            others = [other]
         elif token.kind != "number":
             return
         elif re.fullmatch(r"\d[\d']*", token.text):
@@ -166,10 +167,9 @@ class Source:
     def mutate_condition(self, i, token):
         if token.text == "?" and self.in_body[i]:
             # The value of a conditional expression, always the first or always the second one.
+            start = self.tokens[self.start_of_operand(i)].start
             for constant in ("true ||", "false &&"):
-                start = self.start_of_operand(i)
-                self.add(self.tokens[start].start, token.start,
-                         f"{constant} ({self.text[self.tokens[start].start:token.start]}) ",
+                self.add(start, token.start, f"{constant} ({self.text[start:token.start]}) ",
                          f"condition of ? -> {constant.split()[0]}")
         if token.text not in ("if", "while") or self.tokens[i + 1].text != "(":
             return
@@ -177,12 +177,10 @@ class Source:
         for j in range(begin, end):
             if self.tokens[j].text == ";":
                 begin = j + 1
-        inner = self.tokens[begin:end]
-        if any(part.text == "=" for part in inner):
+        if any(part.text == "=" for part in self.tokens[begin:end]):
             return  # a declaration
-        start, stop = inner[0].start, inner[-1].end
         for constant in ("true", "false"):
-            self.add(start, stop, constant, f"condition of {token.text} -> {constant}")
+            self.add(self.tokens[begin].start, self.tokens[end - 1].end, constant, f"condition of {token.text} -> {constant}")
 
     def start_of_operand(self, i):
         """Goes back from ? to the beginning of its condition."""
@@ -287,26 +285,17 @@ def limit_resources():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def files_below(root):
-    for path in root.iterdir():
-        if path.name in NOT_COPIED:
-            continue
-        for file in path.rglob("*") if path.is_dir() else [path]:
-            if file.is_file():
-                yield file.relative_to(root)
-
-
 def copy_sources(tree):
     """Copies what differs, and gives it a new time: an earlier run may have ended on a mutant."""
-    wanted = set(files_below(ROOT))
-    for file in list(files_below(tree)) if tree.exists() else []:
-        if file not in wanted:
-            (tree / file).unlink()
-    for file in wanted:
-        content, target = (ROOT / file).read_bytes(), tree / file
-        if not target.exists() or target.read_bytes() != content:
-            target.parent.mkdir(parents=True, exist_ok=True)
-            target.write_bytes(content)
+    def copy(file, target):
+        if not os.path.exists(target) or not filecmp.cmp(file, target, shallow=False):
+            shutil.copyfile(file, target)
+
+    shutil.copytree(ROOT, tree, ignore=shutil.ignore_patterns(".git", "build"), copy_function=copy,
+                    dirs_exist_ok=True)
+    for file in tree.rglob("*"):
+        if file.is_file() and not (ROOT / file.relative_to(tree)).exists():
+            file.unlink()
 
 
 class Builder:
@@ -345,7 +334,7 @@ class Builder:
                 return "does not compile"
             if sound_objects and programs == STAGES[0][0] and self.same_code(sound_objects):
                 return "same code"
-            failed = self.run_ctest(directory) if directory else self.run_program(programs[0])
+            failed = self.failed_test(programs[0], directory)
             if failed:
                 return f"killed by {failed}"
         return "survived"
@@ -357,25 +346,22 @@ class Builder:
         programs = [program for programs, _ in STAGES for program in programs]
         return self.make(["orvane_desktop_camera", *programs]) and self.objects() == sound_objects
 
-    def run_program(self, program):
+    def failed_test(self, program, directory):
+        """Runs the program, or CTest in the directory. Returns the test that failed, or None."""
+        if directory:
+            command = ["ctest", "-j", self.jobs, "--stop-on-failure", "--timeout",
+                       str(SECONDS_PER_TEST)]
+        else:
+            command = [str(self.build / "tests" / program), "--gtest_fail_fast"]
         try:
-            done = run([str(self.build / "tests" / program), "--gtest_fail_fast"],
-                       timeout=SECONDS_PER_TEST, preexec_fn=limit_resources)
+            done = run(command, cwd=self.build / (directory or "."), preexec_fn=limit_resources,
+                       env=os.environ | SHORTER, timeout=None if directory else SECONDS_PER_TEST)
         except subprocess.TimeoutExpired:
             return f"{program} (timeout)"
         if done.returncode == 0:
             return None
-        failed = re.search(r"\[  FAILED  \] (\S+)", done.stdout)
-        return failed[1] if failed else f"{program} (crash)"
-
-    def run_ctest(self, directory):
-        done = run(["ctest", "-j", self.jobs, "--stop-on-failure", "--timeout",
-                    str(SECONDS_PER_TEST)], cwd=self.build / directory, preexec_fn=limit_resources,
-                   env=os.environ | SHORTER)
-        if done.returncode == 0:
-            return None
-        failed = re.search(r"Test +#\d+: (\S+) \.*\**(Failed|Exception|Timeout)", done.stdout)
-        return failed[1] if failed else f"ctest in {directory}"
+        failed = FAILED_TEST.search(done.stdout)
+        return failed[1] or failed[2] if failed else directory or f"{program} (crash)"
 
     def try_mutant(self, mutant):
         path = self.tree / mutant.file

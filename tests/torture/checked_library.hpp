@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -18,7 +17,7 @@ namespace orvane::testing {
 /// How a checked library observes what a call does to its surroundings.
 struct Surroundings {
   /// Returns the events since the last call. Throws a Violation if they are inconsistent.
-  std::function<std::vector<Event>()> takeEvents;
+  std::function<std::vector<SdkCall>()> takeEvents;
   /// Called directly before and after each function. `leave` returns the number of events before a
   /// failed allocation, if one failed. Both may be empty.
   std::function<void()> enter{};
@@ -39,7 +38,8 @@ class CheckedLibrary {
   std::optional<int> scan();
   std::optional<std::string> info(int index);
   std::optional<int> open(const OpenArguments& arguments);
-  std::optional<int> read(std::uint8_t* buffer, int bufferLength, int timeoutMs);
+  /// Reads into a buffer of this length, or without a buffer. The bytes after it must not change.
+  std::optional<int> read(int bufferLength, int timeoutMs, bool hasBuffer = true);
   std::optional<int> apply(std::int64_t exposureUs, int gain, int offset);
   std::optional<double> temperature();
   void close();
@@ -48,13 +48,14 @@ class CheckedLibrary {
   const Contract& contract() const { return contract_; }
 
  private:
-  template <class Run, class Demand>
-  auto step(const char* function, Run run, Demand demand)
-      -> std::optional<std::invoke_result_t<Demand, Transcript&>>;
+  /// Calls `run` and requires what the rule of the contract returns. Both get the arguments.
+  template <class Run, class Rule, class... Arguments>
+  auto step(const char* function, Run run, Rule rule, const Arguments&... arguments);
 
   OrvaneDesktopCamera oc_;
   Surroundings surroundings_;
   Contract contract_;
+  std::vector<std::uint8_t> buffer_;
 };
 
 }  // namespace orvane::testing

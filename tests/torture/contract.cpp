@@ -55,8 +55,8 @@ int Contract::scan(Transcript& did) {
     did.allocate();
     libraries_ += (libraries_.empty() ? "" : ", ") + name;
     try {
-      SdkCalls calls(*families[family], did);
-      families[family]->discover(calls, {world_[family], isInitialised_, catalogue_, family});
+      SdkCalls sdk(*families[family], did);
+      families[family]->discover(sdk, {world_[family], isInitialised_, catalogue_, family});
     } catch (const std::exception& failure) {
       error_ += (error_.empty() ? "" : "; ") + std::string(failure.what());
     }
@@ -126,7 +126,7 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
       arguments.height > camera.maxHeight) {
     did.refuse("Invalid capture dimensions");
   }
-  const FamilyContract& family = *families[camera.family];
+  const FamilyContract& family = rules();
   const auto inSteps = [](int size, int step) { return size / step * step; };
   const int width =
       inSteps(std::min(camera.maxWidth / arguments.bin, arguments.width), family.widthStep);
@@ -139,40 +139,30 @@ void Contract::openOrThrow(const OpenArguments& arguments, Transcript& did) {
   active_.height = height;
   active_.format = arguments.format;
 
-  SdkCalls calls(family, did);
-  const std::string function = family.sdk.openCall;
-  const SdkCall& opening = calls.open(camera.id);
-  if (family.sdk.givesHandle) {
-    if (opening.result == "null") {
-      throw std::runtime_error(function + " failed");
-    }
-    active_.device = opening.result;
-  } else {
-    calls.checked(opening, function);
-    active_.device = camera.id;
-  }
+  SdkCalls sdk(family, did);
+  const SdkCall& opening = sdk.checked(sdk.open(camera.id), family.sdk.openCall);
+  active_.device = sdk.deviceOf(opening);
   active_.openIndex = arguments.index;
 
+  SdkCalls calls = device(did);
   const std::int64_t memory = family.configure(calls, active_, arguments.bin);
   const std::int64_t size = std::max(active_.frameBytes(), memory);
   if (size < 1 || size > 1073741824) {
     did.refuse("Invalid frame buffer size");
   }
   active_.bufferSize = static_cast<int>(size);
-  applyOrThrow(arguments.exposureUs, arguments.gain, arguments.offset, did);
-  family.start(calls, active_.device);
+  applyOrThrow(calls, arguments.exposureUs, arguments.gain, arguments.offset);
+  family.start(calls);
   active_.isStreaming = true;
 }
 
-int Contract::read(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did) {
+int Contract::read(const std::uint8_t* buffer, int bufferLength, int timeoutMs, Transcript& did) {
   return remembering(-1, [&] {
-    if (!active_.isStreaming || !hasBuffer || bufferLength < active_.bufferSize) {
+    if (!active_.isStreaming || buffer == nullptr || bufferLength < active_.bufferSize) {
       did.refuse("Camera closed or buffer too small");
     }
-    const FamilyContract& family = *families[active_.camera.family];
-    SdkCalls calls(family, did);
-    const bool isThere =
-        family.read(calls, active_, std::to_string(bufferLength), std::to_string(timeoutMs));
+    SdkCalls calls = device(did);
+    const bool isThere = rules().read(calls, active_, bufferLength, timeoutMs);
     return isThere ? static_cast<int>(active_.frameBytes()) : 0;
   });
 }
@@ -182,27 +172,25 @@ int Contract::apply(std::int64_t exposureUs, int gain, int offset, Transcript& d
     if (!active_.isStreaming) {
       did.refuse("Camera closed");
     }
-    applyOrThrow(exposureUs, gain, offset, did);
+    SdkCalls calls = device(did);
+    applyOrThrow(calls, exposureUs, gain, offset);
     return 1;
   });
 }
 
-void Contract::applyOrThrow(std::int64_t exposureUs, int gain, int offset, Transcript& did) const {
+void Contract::applyOrThrow(SdkCalls& calls, std::int64_t exposureUs, int gain, int offset) const {
   if (exposureUs < 1 || exposureUs > std::numeric_limits<std::int32_t>::max()) {
-    did.refuse("Exposure out of range");
+    calls.refuse("Exposure out of range");
   }
-  const FamilyContract& family = *families[active_.camera.family];
-  SdkCalls calls(family, did);
-  family.apply(calls, active_.device, exposureUs, gain, offset);
+  rules().apply(calls, exposureUs, gain, offset);
 }
 
 double Contract::temperature(Transcript& did) const {
   double celsius = std::numeric_limits<double>::quiet_NaN();
   if (isOpen()) {
     swallowing([&] {
-      const FamilyContract& family = *families[active_.camera.family];
-      SdkCalls calls(family, did);
-      celsius = family.temperature(calls, active_.device);
+      SdkCalls calls = device(did);
+      celsius = rules().temperature(calls);
     });
   }
   return celsius;
@@ -212,15 +200,18 @@ void Contract::close(Transcript& did) {
   if (!isOpen()) {
     return;
   }
-  const FamilyContract& family = *families[active_.camera.family];
-  SdkCalls calls(family, did);
+  SdkCalls calls = device(did);
   if (active_.isStreaming) {
-    swallowing([&] { calls.ask(family.stopCall, {active_.device}); });
+    swallowing([&] { calls.ask(rules().stopCall); });
   }
-  swallowing([&] { calls.close(active_.device); });
+  swallowing([&] { calls.close(); });
   active_.openIndex = -1;
   active_.isStreaming = false;
   active_.bufferSize = 0;
+}
+
+const FamilyContract& Contract::rules() const {
+  return *families[active_.camera.family];
 }
 
 }  // namespace orvane::testing

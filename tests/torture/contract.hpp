@@ -37,11 +37,10 @@ class Contract {
 
   // The result that each function must return. If one of these throws std::bad_alloc, the function
   // must have thrown it, too.
-  static void libraryDir(Transcript& did) { did.allocate(); }
   int scan(Transcript& did);
   std::string info(int index, Transcript& did) const;
   int open(const OpenArguments& arguments, Transcript& did);
-  int read(bool hasBuffer, int bufferLength, int timeoutMs, Transcript& did);
+  int read(const std::uint8_t* buffer, int bufferLength, int timeoutMs, Transcript& did);
   int apply(std::int64_t exposureUs, int gain, int offset, Transcript& did);
   double temperature(Transcript& did) const;
   void close(Transcript& did);
@@ -57,19 +56,17 @@ class Contract {
   bool isOpen() const { return active_.openIndex >= 0; }
   std::size_t family() const { return active_.camera.family; }  ///< family of the open camera
   bool isLoaded(std::size_t family) const { return isLoaded_[family]; }
-  std::size_t cameraCount() const { return catalogue_.size(); }
-  /// Size, bins and formats of a camera in the catalogue.
-  int maxWidth(std::size_t index) const { return catalogue_[index].maxWidth; }
-  int maxHeight(std::size_t index) const { return catalogue_[index].maxHeight; }
-  const std::vector<int>& bins(std::size_t index) const { return catalogue_[index].bins; }
-  const std::vector<int>& formats(std::size_t index) const { return catalogue_[index].formats; }
+  const std::vector<ContractCamera>& catalogue() const { return catalogue_; }
 
  private:
   /// The body's result, or `failed` and the failure's message as the error.
   template <class Body>
   int remembering(int failed, Body body);
   void openOrThrow(const OpenArguments& arguments, Transcript& did);
-  void applyOrThrow(std::int64_t exposureUs, int gain, int offset, Transcript& did) const;
+  void applyOrThrow(SdkCalls& calls, std::int64_t exposureUs, int gain, int offset) const;
+  const FamilyContract& rules() const;  ///< of the open camera's family
+  /// The calls of the open device.
+  SdkCalls device(Transcript& did) const { return {rules(), did, active_.device}; }
 
   World world_;
   std::array<bool, sdkCount> isLoaded_{};

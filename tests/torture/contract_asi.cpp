@@ -9,9 +9,11 @@ namespace {
 
 // The SDK's constants.
 constexpr int imgEnd = -1;
-enum Control : int { gainControl = 0, exposureControl = 1, offsetControl = 5 };
-constexpr const char* temperatureControl = "8";
-constexpr const char* notAutomatic = "0";
+constexpr int gainControl = 0;
+constexpr int exposureControl = 1;
+constexpr int offsetControl = 5;
+constexpr int temperatureControl = 8;
+constexpr int notAutomatic = 0;
 constexpr std::int64_t timeOut = 11;
 
 // The SDK swaps the numbers of RAW16 and RGB24.
@@ -19,79 +21,60 @@ int swappedFormat(int format) {
   return format == hostRaw16 ? hostRgb24 : format == hostRgb24 ? hostRaw16 : format;
 }
 
-void discover(SdkCalls& calls, const Discovery& discovery) {
+void discover(SdkCalls& sdk, const Discovery& discovery) {
   const auto complete = [](const SimCamera& model, ContractCamera& camera) {
     camera.bins = listOf(model.bins, 0);
     camera.formats = listOf(model.formats, imgEnd);
     std::transform(camera.formats.begin(), camera.formats.end(), camera.formats.begin(),
                    swappedFormat);
   };
-  const auto examine = [&](ContractCamera& camera) {
-    calls.demand("ASIInitCamera", {camera.id});
-    const auto controls =
-        static_cast<std::int64_t>(calls.demand("ASIGetNumOfControls", {camera.id}).number(0));
-    for (std::int64_t c = 0; c < controls; ++c) {
-      const SdkCall& caps = calls.ask("ASIGetControlCaps", {camera.id, logged(c)});
-      const auto control = static_cast<int>(caps.number(0));
-      if (control == gainControl) {
-        calls.takeGain(caps, camera, 1);
-      } else if (control == exposureControl) {
-        calls.takeMaxExposure(caps, camera, 1);
+  const auto examine = [](SdkCalls& device, ContractCamera& camera) {
+    device.demand("ASIInitCamera");
+    const double controls = device.demand("ASIGetNumOfControls").number(0);
+    for (int c = 0; c < controls; ++c) {
+      const SdkCall& caps = device.ask("ASIGetControlCaps", c);
+      if (caps.number(0) == gainControl) {
+        device.takeGain(caps, camera, 1);
+      } else if (caps.number(0) == exposureControl) {
+        device.takeMaxExposure(caps, camera, 1);
       }
     }
   };
-  discovery.discoverById(calls, "ASIGetNumOfConnectedCameras", "ASIGetCameraProperty", complete,
+  discovery.discoverById(sdk, "ASIGetNumOfConnectedCameras", "ASIGetCameraProperty", complete,
                          examine);
 }
 
-std::int64_t configure(SdkCalls& calls, ContractActive& active, int bin) {
-  const std::string& device = active.device;
-  calls.demand("ASIInitCamera", {device});
-  calls.demand("ASISetROIFormat",
-               {device, active.widthText(), active.heightText(), std::to_string(bin),
-                std::to_string(swappedFormat(active.format))});
-  calls.demand("ASISetStartPos", {device, "0", "0"});
-  active.takeSizeFrom(calls.demand("ASIGetROIFormat", {device}));
+std::int64_t configure(SdkCalls& device, ContractActive& active, int bin) {
+  device.demand("ASIInitCamera");
+  device.demand("ASISetROIFormat", active.width, active.height, bin, swappedFormat(active.format));
+  device.demand("ASISetStartPos", 0, 0);
+  active.takeSizeFrom(device.demand("ASIGetROIFormat"));
   return 0;
 }
 
-void start(SdkCalls& calls, const std::string& device) {
-  calls.demand("ASIStartVideoCapture", {device});
+bool read(SdkCalls& device, const ContractActive& /*active*/, int bufferLength, int timeoutMs) {
+  return device.hasFrame(device.ask("ASIGetVideoData", "buffer", bufferLength, timeoutMs), timeOut,
+                         "ASIGetVideoData");
 }
 
-bool read(SdkCalls& calls, const ContractActive& active, const std::string& bufferLength,
-          const std::string& timeoutMs) {
-  const SdkCall& frame =
-      calls.ask("ASIGetVideoData", {active.device, "buffer", bufferLength, timeoutMs});
-  if (frame.code() == timeOut) {
-    return false;
-  }
-  calls.checked(frame, "ASIGetVideoData");
-  return true;
-}
-
-void apply(SdkCalls& calls, const std::string& device, std::int64_t exposureUs, int gain,
-           int offset) {
-  const auto set = [&](const char* label, Control control, std::int64_t value) {
-    calls.demandAs(label, "ASISetControlValue",
-                   {device, std::to_string(control), logged(value), notAutomatic});
+void apply(SdkCalls& device, std::int64_t exposureUs, int gain, int offset) {
+  const auto set = [&](const char* label, int control, std::int64_t value) {
+    device.demandAs(label, "ASISetControlValue", control, value, notAutomatic);
   };
   set("ASI exposure", exposureControl, exposureUs);
   set("ASI gain", gainControl, gain);
-  const auto controls = static_cast<std::int64_t>(
-      calls.demandAs("ASI controls", "ASIGetNumOfControls", {device}).number(0));
-  for (std::int64_t c = 0; c < controls; ++c) {
-    const SdkCall& caps =
-        calls.demandAs("ASI control caps", "ASIGetControlCaps", {device, logged(c)});
+  const double controls = device.demandAs("ASI controls", "ASIGetNumOfControls").number(0);
+  for (int c = 0; c < controls; ++c) {
+    const SdkCall& caps = device.demandAs("ASI control caps", "ASIGetControlCaps", c);
     const bool isWritable = caps.number(3) != 0;
-    if (static_cast<int>(caps.number(0)) == offsetControl && isWritable) {
+    if (caps.number(0) == offsetControl && isWritable) {
       set("ASI offset", offsetControl, offset);
     }
   }
 }
 
-double temperature(SdkCalls& calls, const std::string& device) {
-  return calls.demand("ASIGetControlValue", {device, temperatureControl}).number(0) / 10;
+double temperature(SdkCalls& device) {
+  return device.demand("ASIGetControlValue", temperatureControl).number(0) / 10;
 }
 
 }  // namespace
@@ -103,7 +86,7 @@ extern const FamilyContract asiContract{
     .heightStep = 2,
     .discover = discover,
     .configure = configure,
-    .start = start,
+    .start = [](SdkCalls& device) { device.demand("ASIStartVideoCapture"); },
     .read = read,
     .apply = apply,
     .temperature = temperature,

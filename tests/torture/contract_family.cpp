@@ -6,33 +6,28 @@
 
 namespace orvane::testing {
 
-const SdkCall& SdkCalls::ask(const std::string& function, Inputs inputs) {
+const SdkCall& SdkCalls::require(const std::string& function, const std::string& inputs) {
   return did_.call(family_.sdk.baseName, function, inputs);
 }
 
-const SdkCall& SdkCalls::askFreely(const std::string& function, Inputs inputs) {
-  allocate();
-  return ask(function, inputs);
-}
-
-const SdkCall& SdkCalls::open(const std::string& cameraId) {
-  return askFreely(family_.sdk.openCall, {cameraId});
-}
-
-const SdkCall& SdkCalls::demandAs(const std::string& label, const std::string& function,
-                                  Inputs inputs) {
-  return checked(ask(function, inputs), label);
-}
-
 bool SdkCalls::hasFailed(const SdkCall& call) const {
-  return family_.isFailure(call.code());
+  const bool isHandle = family_.sdk.givesHandle && call.function == family_.sdk.openCall;
+  return isHandle ? call.result == "null" : family_.isFailure(call.code());
 }
 
 const SdkCall& SdkCalls::checked(const SdkCall& call, const std::string& label) const {
   if (hasFailed(call)) {
-    throw std::runtime_error(label + ": " + std::to_string(call.code()));
+    throw std::runtime_error(label + (call.result == "null" ? " failed" : ": " + call.result));
   }
   return call;
+}
+
+bool SdkCalls::hasFrame(const SdkCall& call, std::int64_t noFrame, const std::string& label) const {
+  if (call.code() == noFrame) {
+    return false;
+  }
+  checked(call, label);
+  return true;
 }
 
 void SdkCalls::takeGain(const SdkCall& range, ContractCamera& camera, std::size_t position) const {
@@ -49,43 +44,50 @@ void SdkCalls::takeMaxExposure(const SdkCall& range, ContractCamera& camera,
   }
 }
 
+const SdkCall& SdkCalls::open(const std::string& cameraId) {
+  return askFreely(family_.sdk.openCall, cameraId);
+}
+
+std::string SdkCalls::deviceOf(const SdkCall& opening) const {
+  return family_.sdk.givesHandle ? opening.result : opening.inputs;
+}
+
 void SdkCalls::whileOpen(const std::string& cameraId,
-                         const std::function<void(const std::string& handle)>& body) {
-  const std::string handle = open(cameraId).result;
-  if (handle == "null") {
+                         const std::function<void(SdkCalls& device)>& body) {
+  const SdkCall& opening = open(cameraId);
+  if (hasFailed(opening)) {
     return;
   }
+  SdkCalls device(family_, did_, deviceOf(opening));
   try {
-    body(handle);
+    body(device);
   } catch (const std::exception&) {
-    close(handle);
+    device.close();
     throw;
   }
-  close(handle);
+  device.close();
 }
 
-void SdkCalls::close(const std::string& device) {
-  ask(family_.sdk.closeCall, {device});
+void SdkCalls::close() {
+  ask(family_.sdk.closeCall);
 }
 
-void Discovery::discoverById(SdkCalls& calls, const char* countCall, const char* propertyCall,
-                             const std::function<void(const SimCamera&, ContractCamera&)>& complete,
-                             const std::function<void(ContractCamera&)>& examine) const {
-  const std::int64_t count = calls.ask(countCall, {}).code();
+void Discovery::discoverById(
+    SdkCalls& sdk, const char* countCall, const char* propertyCall,
+    const std::function<void(const SimCamera&, ContractCamera&)>& complete,
+    const std::function<void(SdkCalls& device, ContractCamera&)>& examine) const {
+  const std::int64_t count = sdk.ask(countCall).code();
   for (std::int64_t i = 0; i < count; ++i) {
-    const SdkCall& property =
-        calls.checked(calls.askFreely(propertyCall, {logged(i)}), propertyCall);
-    const SimCamera& model = modelNamed(property.texts.at(0));
-    ContractCamera camera = cameraNamed(property.texts.at(0));
+    const std::string name = sdk.checked(sdk.askFreely(propertyCall, i), propertyCall).texts.at(0);
+    const SimCamera& model = modelNamed(name);
+    ContractCamera camera = cameraNamed(name);
     constexpr int bayers[] = {hostRggb, hostBggr, hostGrbg, hostGbrg};
     const bool hasBayer = camera.isColor && model.bayerPattern >= 0 && model.bayerPattern < 4;
     camera.bayer = hasBayer ? bayers[model.bayerPattern] : hostNoBayer;
     complete(model, camera);
-    if (!calls.hasFailed(calls.open(camera.id))) {
-      swallowing([&] { examine(camera); });
-      calls.close(camera.id);
-    }
-    add(calls, camera);
+    sdk.whileOpen(camera.id,
+                  [&](SdkCalls& device) { swallowing([&] { examine(device, camera); }); });
+    add(sdk, camera);
   }
 }
 
@@ -101,7 +103,7 @@ const SimCamera& Discovery::modelNamed(const std::string& name) const {
 ContractCamera Discovery::cameraNamed(const std::string& name) const {
   const SimCamera& model = modelNamed(name);
   ContractCamera camera;
-  camera.id = logged(std::int64_t{model.id});
+  camera.id = logged(model.id);
   camera.name = textOf(model.name);
   camera.maxWidth = model.width;
   camera.maxHeight = model.height;

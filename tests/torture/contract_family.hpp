@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
-#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "doubles/sdk_families.hpp"
@@ -59,8 +59,6 @@ struct ContractActive {
   int bufferSize = 0;
   std::string device;  ///< the id or the handle, as the log writes it
 
-  std::string widthText() const { return std::to_string(width); }
-  std::string heightText() const { return std::to_string(height); }
   int bits() const { return format == hostRaw16 ? 16 : 8; }
   std::int64_t frameBytes() const {
     const int bytesPerPixel = format == hostRaw16 ? 2 : format == hostRgb24 ? 3 : 1;
@@ -75,27 +73,42 @@ struct ContractActive {
 
 struct FamilyContract;
 
-/// The calls into one SDK that the contract requires, in order.
+/// The calls that the contract requires, in order: into an SDK, or of one of its open devices. The
+/// first input of a device's calls is its id or handle, and need not be stated.
 class SdkCalls {
  public:
-  using Inputs = std::initializer_list<std::string>;
-
-  SdkCalls(const FamilyContract& family, Transcript& did) : family_(family), did_(did) {}
+  SdkCalls(const FamilyContract& family, Transcript& did, std::string device = {})
+      : family_(family), did_(did), device_(std::move(device)) {}
 
   /// Requires a call of this function with these inputs; accepts any result.
-  const SdkCall& ask(const std::string& function, Inputs inputs);
-  /// The same, but the library may allocate before the call.
-  const SdkCall& askFreely(const std::string& function, Inputs inputs);
-  /// The same, but throws if the call failed. The message begins with the function's name or the
-  /// label.
-  const SdkCall& demand(const std::string& function, Inputs inputs) {
-    return demandAs(function, function, inputs);
+  template <class... Inputs>
+  const SdkCall& ask(const std::string& function, const Inputs&... inputs) {
+    return require(function, device_.empty() ? joined(inputs...) : joined(device_, inputs...));
   }
-  const SdkCall& demandAs(const std::string& label, const std::string& function, Inputs inputs);
+  /// The same, but the library may allocate before the call.
+  template <class... Inputs>
+  const SdkCall& askFreely(const std::string& function, const Inputs&... inputs) {
+    did_.allocate();
+    return ask(function, inputs...);
+  }
+  /// The same as ask(), but throws if the call failed. The message begins with the function's name
+  /// or the label.
+  template <class... Inputs>
+  const SdkCall& demand(const std::string& function, const Inputs&... inputs) {
+    return demandAs(function, function, inputs...);
+  }
+  template <class... Inputs>
+  const SdkCall& demandAs(const std::string& label, const std::string& function,
+                          const Inputs&... inputs) {
+    return checked(ask(function, inputs...), label);
+  }
 
   bool hasFailed(const SdkCall& call) const;
   /// Throws if the call has failed.
   const SdkCall& checked(const SdkCall& call, const std::string& label) const;
+  /// Whether a call has delivered a frame: it returns `noFrame` if there is none. Throws if it has
+  /// failed.
+  bool hasFrame(const SdkCall& call, std::int64_t noFrame, const std::string& label) const;
 
   /// Stores the range that a call has reported, unless it has failed: the first two numbers, or
   /// those from `position` on.
@@ -108,15 +121,19 @@ class SdkCalls {
 
   /// Requires the call that opens a camera. The library may allocate before it.
   const SdkCall& open(const std::string& cameraId);
-  /// Opens the camera, unless the SDK returns null; runs the body with the handle; closes the
-  /// device, even if the body throws.
-  void whileOpen(const std::string& cameraId,
-                 const std::function<void(const std::string& handle)>& body);
-  void close(const std::string& device);
+  /// The device of a camera that this call has opened.
+  std::string deviceOf(const SdkCall& opening) const;
+  /// Opens the camera, runs the body with the calls of the device, and closes it, even if the body
+  /// throws. Does nothing if the SDK does not open the camera.
+  void whileOpen(const std::string& cameraId, const std::function<void(SdkCalls& device)>& body);
+  void close();
 
  private:
+  const SdkCall& require(const std::string& function, const std::string& inputs);
+
   const FamilyContract& family_;
   Transcript& did_;
+  std::string device_;
 };
 
 /// The discovery of an SDK's cameras.
@@ -129,9 +146,9 @@ struct Discovery {
   /// Discovers the cameras of an SDK that names them by id. `complete` sets what differs from the
   /// values that were given to the simulator. `examine` calls the open device; the contract ignores
   /// its failures.
-  void discoverById(SdkCalls& calls, const char* countCall, const char* propertyCall,
+  void discoverById(SdkCalls& sdk, const char* countCall, const char* propertyCall,
                     const std::function<void(const SimCamera&, ContractCamera&)>& complete,
-                    const std::function<void(ContractCamera&)>& examine) const;
+                    const std::function<void(SdkCalls& device, ContractCamera&)>& examine) const;
   /// The camera of this name, with the values that were given to the simulator.
   ContractCamera cameraNamed(const std::string& name) const;
   const SimCamera& modelNamed(const std::string& name) const;
@@ -147,16 +164,14 @@ struct FamilyContract {
   int widthStep = 1;
   int heightStep = 1;
 
-  void (*discover)(SdkCalls& calls, const Discovery& discovery);
+  void (*discover)(SdkCalls& sdk, const Discovery& discovery);
   /// Returns the frame memory that the SDK reports; 0 if it reports none.
-  std::int64_t (*configure)(SdkCalls& calls, ContractActive& active, int bin);
-  void (*start)(SdkCalls& calls, const std::string& device);
+  std::int64_t (*configure)(SdkCalls& device, ContractActive& active, int bin);
+  void (*start)(SdkCalls& device);
   /// Returns whether there was a frame.
-  bool (*read)(SdkCalls& calls, const ContractActive& active, const std::string& bufferLength,
-               const std::string& timeoutMs);
-  void (*apply)(SdkCalls& calls, const std::string& device, std::int64_t exposureUs, int gain,
-                int offset);
-  double (*temperature)(SdkCalls& calls, const std::string& device);
+  bool (*read)(SdkCalls& device, const ContractActive& active, int bufferLength, int timeoutMs);
+  void (*apply)(SdkCalls& device, std::int64_t exposureUs, int gain, int offset);
+  double (*temperature)(SdkCalls& device);
 };
 
 /// Runs the body until a failure, which it ignores.

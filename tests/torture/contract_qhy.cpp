@@ -8,25 +8,23 @@ namespace orvane::testing {
 namespace {
 
 // The SDK's constants.
-enum Control : int {
-  gainControl = 6,
-  offsetControl = 7,
-  exposureControl = 8,
-  temperatureControl = 14,
-  coolerControl = 18,
-  colorControl = 20,
-  binControls = 20,  // plus the factor: 22 is binning by 2
-  raw16Control = 35,
-};
-constexpr const char* liveMode = "1";
+constexpr int gainControl = 6;
+constexpr int offsetControl = 7;
+constexpr int exposureControl = 8;
+constexpr int temperatureControl = 14;
+constexpr int coolerControl = 18;
+constexpr int colorControl = 20;
+constexpr int binControls = 20;  // plus the factor: 22 is binning by 2
+constexpr int raw16Control = 35;
+constexpr int liveMode = 1;
 
-void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera) {
+void examine(SdkCalls& device, ContractCamera& camera) {
   const auto available = [&](int control) {
-    return calls.askFreely("IsQHYCCDControlAvailable", {handle, std::to_string(control)}).code();
+    return device.askFreely("IsQHYCCDControlAvailable", control).code();
   };
-  calls.demand("SetQHYCCDStreamMode", {handle, liveMode});
-  calls.demand("InitQHYCCD", {handle});
-  const SdkCall& chip = calls.demand("GetQHYCCDChipInfo", {handle});
+  device.demand("SetQHYCCDStreamMode", liveMode);
+  device.demand("InitQHYCCD");
+  const SdkCall& chip = device.demand("GetQHYCCDChipInfo");
   camera.maxWidth = static_cast<int>(chip.number(2));
   camera.maxHeight = static_cast<int>(chip.number(3));
   camera.pixelSizeUm = chip.number(4);
@@ -46,76 +44,66 @@ void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera)
     }
   }
   constexpr const char* range = "GetQHYCCDParamMinMaxStep";
-  calls.takeMaxExposure(calls.askFreely(range, {handle, std::to_string(exposureControl)}), camera);
-  calls.takeGain(calls.ask(range, {handle, std::to_string(gainControl)}), camera);
+  device.takeMaxExposure(device.askFreely(range, exposureControl), camera);
+  device.takeGain(device.ask(range, gainControl), camera);
 }
 
-void discover(SdkCalls& calls, const Discovery& discovery) {
+void discover(SdkCalls& sdk, const Discovery& discovery) {
   if (!discovery.isInitialised) {
-    calls.demand("InitQHYCCDResource", {});
+    sdk.demand("InitQHYCCDResource");
     discovery.isInitialised = true;
   }
-  const std::int64_t count = calls.ask("ScanQHYCCD", {}).code();
+  const std::int64_t count = sdk.ask("ScanQHYCCD").code();
   if (count > 128) {
     throw std::runtime_error("QHY scan failed");
   }
   for (std::int64_t i = 0; i < count; ++i) {
-    const SdkCall& id = calls.checked(calls.askFreely("GetQHYCCDId", {logged(i)}), "GetQHYCCDId");
+    const SdkCall& id = sdk.checked(sdk.askFreely("GetQHYCCDId", i), "GetQHYCCDId");
     ContractCamera camera;
     camera.id = quoted(id.texts.at(0));
-    const SdkCall& model = calls.askFreely("GetQHYCCDModel", {camera.id});
-    camera.name = calls.hasFailed(model) ? "QHYCCD" : model.texts.at(0);
-    calls.whileOpen(camera.id, [&](const std::string& handle) {
-      examine(calls, handle, camera);
-      discovery.add(calls, camera);
+    const SdkCall& model = sdk.askFreely("GetQHYCCDModel", camera.id);
+    camera.name = sdk.hasFailed(model) ? "QHYCCD" : model.texts.at(0);
+    sdk.whileOpen(camera.id, [&](SdkCalls& device) {
+      examine(device, camera);
+      discovery.add(device, camera);
     });
   }
 }
 
-std::int64_t configure(SdkCalls& calls, ContractActive& active, int bin) {
-  const std::string& device = active.device;
-  const std::string factor = std::to_string(bin);
-  calls.demandAs("QHY stream mode", "SetQHYCCDStreamMode", {device, liveMode});
-  calls.demand("InitQHYCCD", {device});
-  calls.demandAs("QHY binning", "SetQHYCCDBinMode", {device, factor, factor});
-  calls.demandAs("QHY bit depth", "SetQHYCCDBitsMode", {device, std::to_string(active.bits())});
-  calls.demandAs("QHY ROI", "SetQHYCCDResolution",
-                 {device, "0", "0", active.widthText(), active.heightText()});
-  return calls.ask("GetQHYCCDMemLength", {device}).code();
+std::int64_t configure(SdkCalls& device, ContractActive& active, int bin) {
+  device.demandAs("QHY stream mode", "SetQHYCCDStreamMode", liveMode);
+  device.demand("InitQHYCCD");
+  device.demandAs("QHY binning", "SetQHYCCDBinMode", bin, bin);
+  device.demandAs("QHY bit depth", "SetQHYCCDBitsMode", active.bits());
+  device.demandAs("QHY ROI", "SetQHYCCDResolution", 0, 0, active.width, active.height);
+  return device.ask("GetQHYCCDMemLength").code();
 }
 
-void start(SdkCalls& calls, const std::string& device) {
-  calls.demand("BeginQHYCCDLive", {device});
-}
-
-bool read(SdkCalls& calls, const ContractActive& active, const std::string& /*bufferLength*/,
-          const std::string& /*timeoutMs*/) {
-  const SdkCall& frame = calls.ask("GetQHYCCDLiveFrame", {active.device, "buffer"});
-  if (calls.hasFailed(frame)) {
+bool read(SdkCalls& device, const ContractActive& active, int /*bufferLength*/, int /*timeoutMs*/) {
+  const SdkCall& frame = device.ask("GetQHYCCDLiveFrame", "buffer");
+  if (device.hasFailed(frame)) {
     return false;
   }
   if (frame.number(0) != active.width || frame.number(1) != active.height ||
       frame.number(2) != active.bits() || frame.number(3) != 1) {
-    calls.refuse("QHY frame geometry changed");
+    device.refuse("QHY frame geometry changed");
   }
   return true;
 }
 
-void apply(SdkCalls& calls, const std::string& device, std::int64_t exposureUs, int gain,
-           int offset) {
-  const auto set = [&](const char* label, Control control, double value) {
-    calls.demandAs(label, "SetQHYCCDParam", {device, std::to_string(control), logged(value)});
+void apply(SdkCalls& device, std::int64_t exposureUs, int gain, int offset) {
+  const auto set = [&](const char* label, int control, auto value) {
+    device.demandAs(label, "SetQHYCCDParam", control, static_cast<double>(value));
   };
-  set("QHY exposure", exposureControl, static_cast<double>(exposureUs));
+  set("QHY exposure", exposureControl, exposureUs);
   set("QHY gain", gainControl, gain);
-  if (!calls.hasFailed(
-          calls.ask("IsQHYCCDControlAvailable", {device, std::to_string(offsetControl)}))) {
+  if (!device.hasFailed(device.ask("IsQHYCCDControlAvailable", offsetControl))) {
     set("QHY offset", offsetControl, offset);
   }
 }
 
-double temperature(SdkCalls& calls, const std::string& device) {
-  return calls.ask("GetQHYCCDParam", {device, std::to_string(temperatureControl)}).real();
+double temperature(SdkCalls& device) {
+  return device.ask("GetQHYCCDParam", temperatureControl).real();
 }
 
 }  // namespace
@@ -125,7 +113,7 @@ extern const FamilyContract qhyContract{
     .stopCall = "StopQHYCCDLive",
     .discover = discover,
     .configure = configure,
-    .start = start,
+    .start = [](SdkCalls& device) { device.demand("BeginQHYCCDLive"); },
     .read = read,
     .apply = apply,
     .temperature = temperature,

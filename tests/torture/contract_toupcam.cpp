@@ -10,10 +10,10 @@ namespace {
 
 // The SDK's constants.
 constexpr std::int64_t mostDevices = 128;
-constexpr const char* rawOption = "4";
-constexpr const char* bitDepthOption = "6";
-constexpr const char* blackLevelOption = "21";
-constexpr const char* packedRows = "-1";
+constexpr int rawOption = 4;
+constexpr int bitDepthOption = 6;
+constexpr int blackLevelOption = 21;
+constexpr int packedRows = -1;
 constexpr std::int64_t noFrameWaiting = -2147483638;  // 0x8000000A
 
 // The four letters of the Bayer pattern, the first in the lowest byte.
@@ -25,26 +25,26 @@ int bayerOfLetters(std::int64_t letters) {
                                  : hostNoBayer;
 }
 
-void examine(SdkCalls& calls, const std::string& handle, ContractCamera& camera) {
+void examine(SdkCalls& device, ContractCamera& camera) {
   // The only result that is a value, so a failure code is taken as a negative depth: below 9 bits.
-  camera.bitDepth = static_cast<int>(calls.ask("Toupcam_get_MaxBitDepth", {handle}).code());
+  camera.bitDepth = static_cast<int>(device.ask("Toupcam_get_MaxBitDepth").code());
   if (camera.bitDepth > 8) {
     camera.formats.push_back(hostRaw16);
   }
   const SdkCall& format =
-      calls.checked(calls.askFreely("Toupcam_get_RawFormat", {handle}), "Toupcam_get_RawFormat");
+      device.checked(device.askFreely("Toupcam_get_RawFormat"), "Toupcam_get_RawFormat");
   if (camera.isColor) {
     camera.bayer = bayerOfLetters(static_cast<std::int64_t>(format.number(0)));
     if (camera.bayer == hostNoBayer) {
       throw std::runtime_error("Unsupported ToupTek raw mosaic");
     }
   }
-  calls.takeMaxExposure(calls.ask("Toupcam_get_ExpTimeRange", {handle}), camera);
-  calls.takeGain(calls.ask("Toupcam_get_ExpoAGainRange", {handle}), camera);
+  device.takeMaxExposure(device.ask("Toupcam_get_ExpTimeRange"), camera);
+  device.takeGain(device.ask("Toupcam_get_ExpoAGainRange"), camera);
 }
 
-void discover(SdkCalls& calls, const Discovery& discovery) {
-  const SdkCall& enumeration = calls.ask("Toupcam_EnumV2", {"buffer"});
+void discover(SdkCalls& sdk, const Discovery& discovery) {
+  const SdkCall& enumeration = sdk.ask("Toupcam_EnumV2", "buffer");
   const std::vector<std::string> names = enumeration.texts;
   const auto count = static_cast<std::size_t>(std::min(enumeration.code(), mostDevices));
   // The contract skips entries without a model, which the SDK did not fill.
@@ -54,57 +54,50 @@ void discover(SdkCalls& calls, const Discovery& discovery) {
     camera.id = quoted(textOf(model.key));
     camera.pixelSizeUm = static_cast<double>(static_cast<float>(model.pixelSizeUm));
     camera.isUsb3Host = camera.isUsb3Camera && camera.isUsb3Host;
-    calls.whileOpen(camera.id, [&](const std::string& handle) {
-      examine(calls, handle, camera);
-      discovery.add(calls, camera);
+    sdk.whileOpen(camera.id, [&](SdkCalls& device) {
+      examine(device, camera);
+      discovery.add(device, camera);
     });
   }
 }
 
-std::int64_t configure(SdkCalls& calls, ContractActive& active, int /*bin*/) {
-  const std::string& device = active.device;
-  calls.demandAs("ToupTek RAW", "Toupcam_put_Option", {device, rawOption, "1"});
-  calls.demandAs("ToupTek depth", "Toupcam_put_Option",
-                 {device, bitDepthOption, active.format == hostRaw16 ? "1" : "0"});
-  calls.demandAs("ToupTek ROI", "Toupcam_put_Roi",
-                 {device, "0", "0", active.widthText(), active.heightText()});
-  active.takeSizeFrom(calls.demandAs("ToupTek size", "Toupcam_get_FinalSize", {device}));
+std::int64_t configure(SdkCalls& device, ContractActive& active, int /*bin*/) {
+  device.demandAs("ToupTek RAW", "Toupcam_put_Option", rawOption, 1);
+  device.demandAs("ToupTek depth", "Toupcam_put_Option", bitDepthOption,
+                  active.format == hostRaw16 ? 1 : 0);
+  device.demandAs("ToupTek ROI", "Toupcam_put_Roi", 0, 0, active.width, active.height);
+  active.takeSizeFrom(device.demandAs("ToupTek size", "Toupcam_get_FinalSize"));
   return 0;
 }
 
-void start(SdkCalls& calls, const std::string& device) {
-  calls.demandAs("ToupTek start", "Toupcam_StartPullModeWithCallback", {device, "null", "null"});
+void start(SdkCalls& device) {
+  device.demandAs("ToupTek start", "Toupcam_StartPullModeWithCallback", "null", "null");
 }
 
-bool read(SdkCalls& calls, const ContractActive& active, const std::string& /*bufferLength*/,
-          const std::string& /*timeoutMs*/) {
+bool read(SdkCalls& device, const ContractActive& active, int /*bufferLength*/, int /*timeoutMs*/) {
   const SdkCall& frame =
-      calls.ask("Toupcam_PullImageWithRowPitch",
-                {active.device, "buffer", std::to_string(active.bits()), packedRows});
-  if (frame.code() == noFrameWaiting) {
+      device.ask("Toupcam_PullImageWithRowPitch", "buffer", active.bits(), packedRows);
+  if (!device.hasFrame(frame, noFrameWaiting, "ToupTek pull frame")) {
     return false;
   }
-  calls.checked(frame, "ToupTek pull frame");
   if (frame.number(0) != active.width || frame.number(1) != active.height) {
-    calls.refuse("ToupTek frame geometry changed");
+    device.refuse("ToupTek frame geometry changed");
   }
   return true;
 }
 
-void apply(SdkCalls& calls, const std::string& device, std::int64_t exposureUs, int gain,
-           int offset) {
-  calls.demandAs("ToupTek manual exposure", "Toupcam_put_AutoExpoEnable", {device, "0"});
-  calls.demandAs("ToupTek exposure", "Toupcam_put_ExpoTime", {device, logged(exposureUs)});
+void apply(SdkCalls& device, std::int64_t exposureUs, int gain, int offset) {
+  device.demandAs("ToupTek manual exposure", "Toupcam_put_AutoExpoEnable", 0);
+  device.demandAs("ToupTek exposure", "Toupcam_put_ExpoTime", exposureUs);
   if (gain < 0 || gain > 65535) {
-    calls.refuse("ToupTek gain out of range");
+    device.refuse("ToupTek gain out of range");
   }
-  calls.demandAs("ToupTek gain", "Toupcam_put_ExpoAGain", {device, std::to_string(gain)});
-  calls.demandAs("ToupTek black level", "Toupcam_put_Option",
-                 {device, blackLevelOption, std::to_string(offset)});
+  device.demandAs("ToupTek gain", "Toupcam_put_ExpoAGain", gain);
+  device.demandAs("ToupTek black level", "Toupcam_put_Option", blackLevelOption, offset);
 }
 
-double temperature(SdkCalls& calls, const std::string& device) {
-  return calls.demand("Toupcam_get_Temperature", {device}).number(0) / 10;
+double temperature(SdkCalls& device) {
+  return device.demand("Toupcam_get_Temperature").number(0) / 10;
 }
 
 }  // namespace

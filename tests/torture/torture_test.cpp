@@ -41,36 +41,26 @@ constexpr int framePeriodUs = 1000000;  // longer than a frame of any camera
 
 // One fault in a session.
 struct Fault {
-  enum class Kind {
-    None,
-    Result,       // one call does nothing and returns a code
-    EveryResult,  // the same for it and all later calls
-    Remark,       // one call succeeds with a code other than 0
-    Missing,      // a function, permanently
-    MissingOnce,  // one look-up
-    Allocation,
-    Unplugged,
-  };
-
-  Kind kind = Kind::None;
-  std::string function;     // the function that is called or looked up
-  int nth = 0;              // counts its calls, or all look-ups or allocations
-  std::int64_t result = 0;  // result of the call
+  std::string command{};   // for the simulated SDK
+  std::string missing{};   // the function that is always missing
+  std::size_t lookup = 0;  // the look-up that fails, from 1
+  long allocation = 0;     // the allocation that fails, from 1
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-  constexpr const char* kinds[] = {"nothing",    "failed call",      "failed calls",
-                                   "remark",     "missing function", "failed look-up",
-                                   "allocation", "unplugged"};
-  return stream << kinds[static_cast<std::size_t>(fault.kind)] << " " << fault.function
-                << ", number " << fault.nth << ", code " << fault.result;
+  return stream << "command \"" << fault.command << "\", missing \"" << fault.missing
+                << "\", look-up " << fault.lookup << ", allocation " << fault.allocation;
 }
 
-// A call of the session without faults.
-struct RecordedCall {
-  std::string function;
-  int nth;  // counts the calls of this function
-};
+// The nth call of the function, in a command.
+std::string callText(const std::string& function, int nth) {
+  return function + " " + std::to_string(nth);
+}
+
+// The camera is unplugged before the nth call of the function.
+Fault unplugged(const std::string& function, int nth) {
+  return {.command = "unplug 0 " + callText(function, nth)};
+}
 
 // The results of a session; empty where std::bad_alloc left a function.
 struct Outcome {
@@ -125,7 +115,7 @@ class TortureTest : public ::testing::Test {
     allocations_ = allocationCount();
     std::map<std::string, int> calls;
     for (const std::string& function : lookups_) {
-      recorded_.push_back({function, ++calls[function]});
+      recorded_.emplace_back(function, ++calls[function]);
     }
     functions_ = static_cast<int>(calls.size());
     EXPECT_GE(static_cast<int>(recorded_.size()), family_.leastCalls);
@@ -133,10 +123,11 @@ class TortureTest : public ::testing::Test {
     EXPECT_GE(allocations_, 15);
   }
 
-  // One run: a session with the fault, then one without. Returns whether both were as expected.
-  bool run(const Fault& fault) {
+  // One run: a session with the fault, then one without. Returns whether both were as expected. A
+  // device may stay open if the fault `prevents` a call of the function that closes it.
+  bool run(const Fault& fault, const std::string& prevents = "") {
     return runWith(fault, [&](CheckedLibrary& library) {
-      const int leftOpen = mostLeftOpen(fault);
+      const int leftOpen = prevents == family_.closeCall ? 1 : 0;
       const Outcome outcome = session(library, leftOpen);
       ++runs_;
       failedScans_ += outcome.scanned != 1 ? 1 : 0;
@@ -185,7 +176,6 @@ class TortureTest : public ::testing::Test {
   // initialises it only in its first scan, so a reset SDK is initialised here.
   void startAnew() {
     forgetEverything();
-    countAllocations(0);
     sdk_.reset();
     sdk_.stop_clock(1);
     sdk_.setCameras({camera_});
@@ -193,8 +183,6 @@ class TortureTest : public ::testing::Test {
       sdk_.module.function<std::uint32_t()>("InitQHYCCDResource")();
     }
     sdk_.log_enable(1);
-    library_->missing.clear();
-    failingLookup_ = 0;
     lookups_.clear();
     scripted::platform().passed.clear();
     sdk_.takeLog();
@@ -215,19 +203,19 @@ class TortureTest : public ::testing::Test {
 
   // Merges the look-ups of the platform layer with the SDK's log: exactly one call must follow each
   // successful look-up.
-  std::vector<Event> takeEvents() {
-    const std::vector<SdkCall> calls = parseLog(sdk_.takeLog());
+  std::vector<SdkCall> takeEvents() {
+    std::vector<SdkCall> calls = parseLog(sdk_.takeLog());
     std::size_t used = 0;
-    std::vector<Event> events;
+    std::vector<SdkCall> events;
     for (const scripted::Passage& one : scripted::platform().passed) {
       if (one.isLoad) {
-        events.push_back({.kind = Event::Kind::Load,
-                          .name = one.name.substr(one.name.rfind('/') + 1),
-                          .isLoaded = one.isFound});
+        events.push_back({.function = "load",
+                          .inputs = one.name.substr(one.name.rfind('/') + 1),
+                          .result = one.isFound ? "1" : "0"});
       } else if (!one.isFound) {
-        events.push_back({.kind = Event::Kind::Missing, .name = one.name});
+        events.push_back({.function = one.name, .isMissing = true});
       } else if (used < calls.size() && calls[used].function == one.name) {
-        events.push_back({.call = calls[used++]});
+        events.push_back(std::move(calls[used++]));
       } else {
         throw Violation{"looked up, but not called: " + one.name};
       }
@@ -240,52 +228,19 @@ class TortureTest : public ::testing::Test {
   }
 
   void inject(const Fault& fault) {
-    const char* const function = fault.function.c_str();
-    switch (fault.kind) {
-      case Fault::Kind::None:
-        break;
-      case Fault::Kind::Result:
-        sdk_.forceResult(function, fault.result, fault.nth, 1);
-        break;
-      case Fault::Kind::EveryResult:
-        sdk_.forceResult(function, fault.result, fault.nth);
-        break;
-      case Fault::Kind::Remark:
-        sdk_.forceOutput(function, "result", static_cast<double>(fault.result), fault.nth, 1);
-        break;
-      case Fault::Kind::Missing:
-        library_->missing = {fault.function};
-        break;
-      case Fault::Kind::MissingOnce:
-        failingLookup_ = static_cast<std::size_t>(fault.nth);
-        break;
-      case Fault::Kind::Allocation:
-        countAllocations(fault.nth);
-        break;
-      case Fault::Kind::Unplugged:
-        EXPECT_EQ(
-            sdk_.command(("unplug 0 " + fault.function + " " + std::to_string(fault.nth)).c_str()),
-            1);
-    }
+    EXPECT_EQ(sdk_.command(fault.command.c_str()), 1) << fault;
+    library_->missing = {fault.missing};
+    failingLookup_ = fault.lookup;
+    countAllocations(fault.allocation);
   }
 
   void repair(int leftOpen) {
-    countAllocations(0);
     sdk_.clear_faults();
-    library_->missing.clear();
-    failingLookup_ = 0;
+    inject({});
     sdk_.set_plugged(0, 1);
     if (leftOpen > 0) {
       sdk_.setCameras({camera_});  // as if the camera were unplugged and plugged in again
     }
-  }
-
-  // The most devices that may stay open: 1 if the fault prevents the call that closes the device.
-  int mostLeftOpen(const Fault& fault) const {
-    const bool preventsCall = fault.kind == Fault::Kind::Result ||
-                              fault.kind == Fault::Kind::Missing ||
-                              fault.kind == Fault::Kind::MissingOnce;
-    return preventsCall && fault.function == family_.closeCall ? 1 : 0;
   }
 
   // A full session. Whenever nothing should be open, at most `leftOpen` devices may be open in the
@@ -297,7 +252,8 @@ class TortureTest : public ::testing::Test {
     outcome.scanned = library.scan();
     note();
     expectNothingOpen(leftOpen);
-    for (int index = -1; index <= static_cast<int>(library.contract().cameraCount()); ++index) {
+    for (int index = -1; index <= static_cast<int>(library.contract().catalogue().size());
+         ++index) {
       library.info(index);
     }
     outcome.opened = library.open({.width = camera_.width,
@@ -326,18 +282,12 @@ class TortureTest : public ::testing::Test {
     return outcome;
   }
 
-  // Reads into a buffer of exactly the required size. The bytes after it must not change.
+  // Reads into a buffer of exactly the required size.
   int readFrame(CheckedLibrary& library) {
     if (!family_.waitsForFrames) {
       sdk_.advance_clock(framePeriodUs);
     }
-    constexpr std::uint8_t untouched = 0xA5;
-    const int size = std::max(library.contract().bufferSize(), 1);
-    buffer_.assign(static_cast<std::size_t>(size) + 64, untouched);
-    const std::optional<int> bytes = library.read(buffer_.data(), size, 540);
-    EXPECT_EQ(std::count(buffer_.begin() + size, buffer_.end(), untouched), 64)
-        << "written past the buffer";
-    return bytes.value_or(-1);
+    return library.read(std::max(library.contract().bufferSize(), 1), 540).value_or(-1);
   }
 
   void expectNothingOpen(int leftOpen) {
@@ -352,7 +302,6 @@ class TortureTest : public ::testing::Test {
 
   static void expectClosed(CheckedLibrary& library) {
     EXPECT_EQ(::oc_buffer_size(), 0);
-    std::uint8_t byte = 0;
     // The allocation of this message may be the one that fails. The contract has then already
     // checked the message about that.
     const auto expectRefused = [](const auto& call, int failure, const char* message) {
@@ -360,8 +309,7 @@ class TortureTest : public ::testing::Test {
       EXPECT_EQ(call(), failure);
       EXPECT_STREQ(::oc_error(), hadFailed == hasAllocationFailed() ? message : "std::bad_alloc");
     };
-    expectRefused([&] { return library.read(&byte, 1, 0); }, -1,
-                  "Camera closed or buffer too small");
+    expectRefused([&] { return library.read(1, 0); }, -1, "Camera closed or buffer too small");
     expectRefused([&] { return library.apply(1, 0, 0); }, 0, "Camera closed");
     EXPECT_TRUE(std::isnan(library.temperature().value_or(0)));
   }
@@ -388,8 +336,7 @@ class TortureTest : public ::testing::Test {
   std::vector<std::string> lookups_;      // all in a session
   std::size_t failingLookup_ = 0;         // from 1; 0: none fails
   World world_;
-  std::vector<std::uint8_t> buffer_;
-  std::vector<RecordedCall> recorded_;
+  std::vector<std::pair<std::string, int>> recorded_;  // functions; nth calls of them
   int functions_ = 0;
   long allocations_ = 0;
   bool isQhyReady_ = false;
@@ -425,7 +372,8 @@ TEST_P(Torture, EveryCallFailsWithEveryCode) {
   for (const auto& [function, nth] : recorded_) {
     for (const std::int64_t code : codesOf(function)) {
       ++expected;
-      ASSERT_TRUE(run({Fault::Kind::Result, function, nth, code}));
+      const std::string command = "force " + callText(function, nth) + " 1 " + std::to_string(code);
+      ASSERT_TRUE(run({.command = command}, function));
     }
   }
   EXPECT_EQ(report("failed calls"), expected);
@@ -437,11 +385,11 @@ TEST_P(Torture, EveryCallFailsWithEveryCode) {
 
 TEST_P(Torture, EveryFunctionIsMissing) {
   std::set<std::string> names;
-  for (const RecordedCall& call : recorded_) {
-    names.insert(call.function);
+  for (const auto& [function, nth] : recorded_) {
+    names.insert(function);
   }
   for (const std::string& function : names) {
-    ASSERT_TRUE(run({Fault::Kind::Missing, function, 0, 0}));
+    ASSERT_TRUE(run({.missing = function}, function));
   }
   EXPECT_EQ(report("missing functions"), functions_);
   EXPECT_GE(failedOpens_, functions_ / 2);
@@ -449,15 +397,15 @@ TEST_P(Torture, EveryFunctionIsMissing) {
 
 TEST_P(Torture, EveryLookupFails) {
   for (std::size_t k = 0; k < recorded_.size(); ++k) {
-    ASSERT_TRUE(run({Fault::Kind::MissingOnce, recorded_[k].function, static_cast<int>(k + 1), 0}));
+    ASSERT_TRUE(run({.lookup = k + 1}, recorded_[k].first));
   }
   EXPECT_EQ(report("failed look-ups"), static_cast<int>(recorded_.size()));
   EXPECT_GE(failedScans_ + failedOpens_, 10);
 }
 
 TEST_P(Torture, EveryAllocationFails) {
-  for (int k = 1; k <= allocations_; ++k) {
-    ASSERT_TRUE(run({Fault::Kind::Allocation, "", k, 0}));
+  for (long k = 1; k <= allocations_; ++k) {
+    ASSERT_TRUE(run({.allocation = k}));
   }
   EXPECT_EQ(report("failed allocations"), allocations_);
   EXPECT_GE(failedScans_, 3);
@@ -468,7 +416,7 @@ TEST_P(Torture, EveryAllocationFails) {
 
 TEST_P(Torture, CameraIsUnpluggedBeforeEveryCall) {
   for (const auto& [function, nth] : recorded_) {
-    ASSERT_TRUE(run({Fault::Kind::Unplugged, function, nth, 0}));
+    ASSERT_TRUE(run(unplugged(function, nth)));
   }
   EXPECT_EQ(report("unplugged"), static_cast<int>(recorded_.size()));
   EXPECT_GE(failedScans_ + failedOpens_, 10);
@@ -500,17 +448,17 @@ class TortureOfTheFirstScan : public TortureTest {
 TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   const std::string function = "InitQHYCCDResource";
   for (const std::int64_t code : family_.codes) {
-    runWithout({Fault::Kind::EveryResult, function, 1, code},
+    runWithout({.command = "force " + function + " 1 -1 " + std::to_string(code)},
                function + ": " + std::to_string(code));
     if (HasFailure()) {
       break;
     }
   }
-  runWithout({Fault::Kind::Missing, function, 0, 0}, "qhyccd: missing " + function);
+  runWithout({.missing = function}, "qhyccd: missing " + function);
   EXPECT_EQ(report("first scans"), static_cast<int>(family_.codes.size()) + 1);
 
   // The initialisation then succeeds, even if the camera is unplugged directly before it.
-  runWith({Fault::Kind::Unplugged, function, 1, 0}, [&](CheckedLibrary& library) {
+  runWith(unplugged(function, 1), [&](CheckedLibrary& library) {
     library.libraryDir(directory_.utf8().c_str());
     EXPECT_EQ(library.scan(), 0);
     EXPECT_STREQ(::oc_error(), "");
@@ -519,18 +467,18 @@ TEST_F(TortureOfTheFirstScan, FailsUntilTheSdkIsInitialised) {
   });
 }
 
-// ToupTek has a second code for success.
+// ToupTek has a second code for success: 1, S_FALSE.
 class TortureByRemarks : public TortureTest {
  protected:
   TortureByRemarks() : TortureTest(familyNamed("toupcam")) {}
 };
 
 TEST_F(TortureByRemarks, EveryCallReturnsTheOtherSuccess) {
-  constexpr std::int64_t nothingToDo = 1;  // S_FALSE
   recordSession();
   for (const auto& [function, nth] : recorded_) {
     if (function != "Toupcam_Open" && function != "Toupcam_Close") {
-      ASSERT_TRUE(run({Fault::Kind::Remark, function, nth, nothingToDo}));
+      ASSERT_TRUE(
+          run({.command = "output " + function + " result " + std::to_string(nth) + " 1 1"}));
     }
   }
   EXPECT_GE(report("remarks"), 25);

@@ -2,8 +2,6 @@
 #include "torture/transcript.hpp"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <new>
 #include <stdexcept>
 
@@ -22,20 +20,12 @@ Number parsed(std::string_view text) {
   return number;
 }
 
-template <class Number>
-std::string shortest(Number number) {
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return {digits.data(), end};
-}
-
-bool isDigit(char letter) {
-  return letter >= '0' && letter <= '9';
-}
-
 // The quoted texts and the numbers in "type 5 [0, 20] writable 1" or "\"name\" id 7".
 void parseOutputs(std::string_view outputs, SdkCall& call) {
   while (!outputs.empty()) {
+    double number = 0;
+    const char* const start = outputs.data();
+    const std::from_chars_result read = std::from_chars(start, start + outputs.size(), number);
     if (outputs[0] == '"') {
       const std::size_t end = outputs.find('"', 1);
       if (end == std::string_view::npos) {
@@ -43,11 +33,9 @@ void parseOutputs(std::string_view outputs, SdkCall& call) {
       }
       call.texts.emplace_back(outputs.substr(1, end - 1));
       outputs.remove_prefix(end + 1);
-    } else if (isDigit(outputs[0]) ||
-               (outputs[0] == '-' && outputs.size() > 1 && isDigit(outputs[1]))) {
-      const std::string_view number = outputs.substr(0, outputs.find_first_of(",] )"));
-      call.numbers.push_back(parsed<double>(number));
-      outputs.remove_prefix(number.size());
+    } else if (read.ec == std::errc()) {
+      call.numbers.push_back(number);
+      outputs.remove_prefix(static_cast<std::size_t>(read.ptr - start));
     } else {
       outputs.remove_prefix(1);
     }
@@ -77,23 +65,9 @@ SdkCall parseLine(std::string_view line) {
   return call;
 }
 
-std::string joined(std::initializer_list<std::string> inputs) {
-  std::string text;
-  for (const std::string& input : inputs) {
-    text += (text.empty() ? "" : ", ") + input;
-  }
-  return text;
-}
-
-std::string described(const Event& event) {
-  switch (event.kind) {
-    case Event::Kind::Load:
-      return "an attempt to load " + event.name;
-    case Event::Kind::Missing:
-      return "a look-up of " + event.name;
-    default:
-      return event.call.function + "(" + event.call.inputs + ") = " + event.call.result;
-  }
+std::string described(const SdkCall& event) {
+  return event.isMissing ? "a failed look-up of " + event.function
+                         : event.function + "(" + event.inputs + ") = " + event.result;
 }
 
 }  // namespace
@@ -120,38 +94,22 @@ std::vector<SdkCall> parseLog(std::string_view log) {
   return calls;
 }
 
-std::string logged(std::int64_t number) {
-  return shortest(number);
-}
-
-std::string logged(double number) {
-  return shortest(number);
-}
-
-std::string quoted(const std::string& text) {
-  return '"' + text + '"';
-}
-
 const SdkCall& Transcript::call(const std::string& library, const std::string& function,
-                                std::initializer_list<std::string> inputs) {
-  const std::string demanded = function + "(" + joined(inputs) + ")";
-  const Event& event = next(demanded);
-  if (event.kind == Event::Kind::Missing && event.name == function) {
+                                const std::string& inputs) {
+  const auto violation = [&](const std::string& found) {
+    return Violation{"demanded " + function + "(" + inputs + "), found " + found};
+  };
+  if (position_ >= events_.size()) {
+    throw violation("nothing more");
+  }
+  const SdkCall& event = events_[position_++];
+  if (event.function == function && event.isMissing) {
     throw std::runtime_error(library + ": missing " + function);
   }
-  if (event.kind != Event::Kind::Call || event.call.function != function ||
-      event.call.inputs != joined(inputs)) {
-    throw Violation{"demanded " + demanded + ", found " + described(event)};
+  if (event.function != function || event.inputs != inputs) {
+    throw violation(described(event));
   }
-  return event.call;
-}
-
-bool Transcript::load(const std::string& library) {
-  const Event& event = next("an attempt to load " + library);
-  if (event.kind != Event::Kind::Load || event.name != library) {
-    throw Violation{"demanded an attempt to load " + library + ", found " + described(event)};
-  }
-  return event.isLoaded;
+  return event;
 }
 
 void Transcript::allocate() {
@@ -171,13 +129,6 @@ void Transcript::expectEnd() const {
   if (position_ < events_.size()) {
     throw Violation{"demanded nothing more, found " + described(events_[position_])};
   }
-}
-
-const Event& Transcript::next(const std::string& demanded) {
-  if (position_ >= events_.size()) {
-    throw Violation{"demanded " + demanded + ", found nothing more"};
-  }
-  return events_[position_++];
 }
 
 }  // namespace orvane::testing

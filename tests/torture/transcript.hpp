@@ -1,25 +1,29 @@
-// The events of one call of an export: loads of libraries, failed look-ups and calls of SDK
-// functions. The contract reads them back.
+// The events of one call of an export: calls of SDK functions, failed look-ups and loads of
+// libraries. The contract reads them back.
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace orvane::testing {
 
-/// One call into a simulated SDK, parsed from a line of its log.
+/// One call into a simulated SDK, parsed from a line of its log. An attempt to load a library is
+/// the call load(<library>) with the result 1 or 0.
 struct SdkCall {
-  std::string function;
-  std::string inputs;              ///< as in the log, separated by ", "
-  std::vector<std::string> texts;  ///< the outputs in quotation marks
-  std::vector<double> numbers;     ///< the numeric outputs
-  std::string result;              ///< empty for a function without one
+  std::string function{};
+  std::string inputs{};              ///< as in the log, separated by ", "
+  std::vector<std::string> texts{};  ///< the outputs in quotation marks
+  std::vector<double> numbers{};     ///< the numeric outputs
+  std::string result{};              ///< empty for a function without one
+  bool isMissing = false;            ///< no call: the look-up of the function failed
 
   /// The result as an integer.
   std::int64_t code() const;
@@ -32,25 +36,29 @@ struct SdkCall {
 /// All calls in a log, in order. Throws std::runtime_error if a line is not a call.
 std::vector<SdkCall> parseLog(std::string_view log);
 
-/// A number in the form of the log.
-std::string logged(std::int64_t number);
-std::string logged(double number);
-/// Text in the form of the log.
-std::string quoted(const std::string& text);
+/// A number or text in the form of the log.
+template <class Value>
+std::string logged(const Value& value) {
+  if constexpr (std::is_arithmetic_v<Value>) {
+    std::array<char, 32> digits{};
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr};
+  } else {
+    return value;
+  }
+}
 
-/// One event.
-struct Event {
-  enum class Kind {
-    Load,     ///< an attempt to load the library `name`
-    Missing,  ///< a failed look-up of the function `name`
-    Call,     ///< `call`
-  };
+/// The inputs of a call in the form of the log.
+template <class... Values>
+std::string joined(const Values&... values) {
+  std::string text;
+  ((text += (text.empty() ? "" : ", ") + logged(values)), ...);
+  return text;
+}
 
-  Kind kind = Kind::Call;
-  std::string name{};
-  bool isLoaded = false;
-  SdkCall call{};
-};
+/// Text in quotation marks, as in the log.
+inline std::string quoted(const std::string& text) {
+  return '"' + text + '"';
+}
 
 /// The library's behaviour differs from the contract. Not derived from std::exception, because the
 /// contract's handlers must not catch it.
@@ -69,16 +77,16 @@ struct FailedAllocation {
 /// arguments.
 class Transcript {
  public:
-  explicit Transcript(std::vector<Event> events, std::optional<FailedAllocation> failure = {})
+  explicit Transcript(std::vector<SdkCall> events, std::optional<FailedAllocation> failure = {})
       : events_(std::move(events)), failure_(failure) {}
 
   /// Requires this call and returns its outputs and result. Throws std::runtime_error "<library>:
   /// missing <function>" if the look-up failed, and a Violation for any other event.
   const SdkCall& call(const std::string& library, const std::string& function,
-                      std::initializer_list<std::string> inputs);
+                      const std::string& inputs);
 
   /// Requires an attempt to load this library. Returns whether it succeeded.
-  bool load(const std::string& library);
+  bool load(const std::string& library) { return call(library, "load", library).code() == 1; }
 
   /// The contract allows an allocation here. Throws std::bad_alloc if this is the one that failed.
   void allocate();
@@ -93,9 +101,7 @@ class Transcript {
   void expectEnd() const;
 
  private:
-  const Event& next(const std::string& demanded);
-
-  std::vector<Event> events_;
+  std::vector<SdkCall> events_;
   std::size_t position_ = 0;
   std::optional<FailedAllocation> failure_;
   int placesSeen_ = 0;

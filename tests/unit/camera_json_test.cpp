@@ -23,38 +23,26 @@ std::string valueOf(const CameraInfo& camera, const std::string& key) {
 
 }  // namespace
 
-TEST(JsonString, EmptyTextGivesAPairOfQuotes) {
+TEST(JsonString, IsQuotedAndEscapedWithoutControlCharacters) {
   EXPECT_EQ(jsonString(""), "\"\"");
-}
-
-TEST(JsonString, QuoteAndBackslashGetABackslash) {
   EXPECT_EQ(jsonString("a\"b\\c"), "\"a\\\"b\\\\c\"");
-}
-
-TEST(JsonString, ControlCharactersAreDropped) {
   EXPECT_EQ(jsonString("a\tb\nc\rd\x01\x1f"
                        "e f"),
             "\"abcde f\"");
   EXPECT_EQ(jsonString(std::string("a\0b", 3)), "\"ab\"");
-}
-
-TEST(JsonString, EveryOtherByteIsCopiedUnchanged) {
-  EXPECT_EQ(jsonString("/\x7f\x80\xff\xc3\xa9"), "\"/\x7f\x80\xff\xc3\xa9\"");
-}
-
-TEST(JsonIntArray, EmptyListGivesEmptyBrackets) {
-  EXPECT_EQ(jsonIntArray({}), "[]");
+  EXPECT_EQ(jsonString("/\x7f\x80\xff\xc3\xa9"), "\"/\x7f\x80\xff\xc3\xa9\"") << "unchanged";
 }
 
 TEST(JsonIntArray, NumbersKeepTheirOrderAndSigns) {
   const int numbers[] = {1, -2, 0, std::numeric_limits<int>::min(),
                          std::numeric_limits<int>::max()};
   EXPECT_EQ(jsonIntArray(numbers), "[1,-2,0,-2147483648,2147483647]");
+  EXPECT_EQ(jsonIntArray({}), "[]");
 }
 
 TEST(CameraJson, AllKeysInOrderWithoutBlanks) {
   CameraInfo camera;
-  camera.name = "ZWO ASI294MC Pro";
+  camera.name = "ZWO \"ASI294MC\" Pro";
   camera.maxWidth = 4144;
   camera.maxHeight = 2822;
   camera.bitDepth = 14;
@@ -70,11 +58,12 @@ TEST(CameraJson, AllKeysInOrderWithoutBlanks) {
   camera.maxGain = 570;
   camera.bayer = 8;
   camera.vendorIndex = 99;  // not shown
-  EXPECT_EQ(cameraJson(7, camera),
-            R"({"id":7,"name":"ZWO ASI294MC Pro","maxWidth":4144,"maxHeight":2822,"bitDepth":14,)"
-            R"("pixelSizeUm":4.63,"isColor":true,"isCooled":false,"isUsb3Camera":true,)"
-            R"("isUsb3Host":false,"bins":[1,2,3,4],"formats":[0,2,1,3],"depths":[8,16],)"
-            R"("maxExposureUs":2000000000,"minGain":-5,"maxGain":570,"bayer":8})");
+  EXPECT_EQ(
+      cameraJson(7, camera),
+      R"({"id":7,"name":"ZWO \"ASI294MC\" Pro","maxWidth":4144,"maxHeight":2822,"bitDepth":14,)"
+      R"("pixelSizeUm":4.63,"isColor":true,"isCooled":false,"isUsb3Camera":true,)"
+      R"("isUsb3Host":false,"bins":[1,2,3,4],"formats":[0,2,1,3],"depths":[8,16],)"
+      R"("maxExposureUs":2000000000,"minGain":-5,"maxGain":570,"bayer":8})");
 }
 
 TEST(CameraJson, DefaultRecord) {
@@ -87,27 +76,15 @@ TEST(CameraJson, DefaultRecord) {
 
 TEST(CameraJson, DepthsOffer16BitsWhenFormat1IsListedAnywhere) {
   CameraInfo camera;
-  for (const auto& [formats, depths] :
-       std::vector<std::pair<std::vector<int>, std::string>>{{{0}, "[8]"},
-                                                             {{1}, "[8,16]"},
-                                                             {{0, 1}, "[8,16]"},
-                                                             {{1, 0}, "[8,16]"},
-                                                             {{}, "[8]"},
-                                                             {{2, 3}, "[8]"},
-                                                             {{11, -1}, "[8]"}}) {
+  for (const auto& formats : std::vector<std::vector<int>>{{1}, {0, 1}, {1, 0}}) {
     camera.formats = formats;
-    EXPECT_EQ(valueOf(camera, "depths"), depths) << jsonIntArray(formats);
+    EXPECT_EQ(valueOf(camera, "depths"), "[8,16]") << jsonIntArray(formats);
   }
-  camera.formats = {};
-  EXPECT_EQ(valueOf(camera, "formats"), "[]");
-}
-
-TEST(CameraJson, NegativeBinsAndFormatsKeepTheirSign) {
-  CameraInfo camera;
-  camera.bins = {-1};
-  camera.formats = {-7, 0};
-  EXPECT_EQ(valueOf(camera, "bins"), "[-1]");
-  EXPECT_EQ(valueOf(camera, "formats"), "[-7,0]");
+  for (const auto& formats : std::vector<std::vector<int>>{{0}, {}, {2, 3}, {11, -1}}) {
+    camera.formats = formats;
+    EXPECT_EQ(valueOf(camera, "depths"), "[8]") << jsonIntArray(formats);
+    EXPECT_EQ(valueOf(camera, "formats"), jsonIntArray(formats));
+  }
 }
 
 TEST(CameraJson, LongExposureIsPrintedAsA64BitNumber) {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/microsoft_exception.hpp"
+#include "support/guarded_memory.hpp"
 #include "support/leaving_exception.hpp"
 
 namespace orvane {
@@ -158,14 +159,12 @@ TEST(MicrosoftException, EmptyTextStaysEmpty) {
 }
 
 TEST(MicrosoftException, TextIsTruncatedWhereMemoryIsUnreadable) {
-  auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 8192, MEM_RESERVE, PAGE_NOACCESS));
-  ASSERT_NE(VirtualAlloc(pages, 4096, MEM_COMMIT, PAGE_READWRITE), nullptr);
-  std::memset(pages, 'y', 4096);
+  const GuardedMemory memory(4096);
+  std::memset(memory.begin(), 'y', 4096);
   static const char* text = nullptr;
-  text = pages + 4096 - 10;
+  text = reinterpret_cast<const char*>(memory.end()) - 10;
   EXPECT_EQ(messageOf(+[] { raiseStandardException(standardException, textTable, text); }),
             "yyyyyyyyyy");
-  VirtualFree(pages, 0, MEM_RELEASE);
 }
 
 TEST(MicrosoftException, FailureInWhatOrDestructorGivesUnknownException) {
@@ -189,24 +188,24 @@ TEST(MicrosoftException, FailureInWhatOrDestructorGivesUnknownException) {
 
 // ---- other types
 
-template <std::size_t size>
-struct Large {
-  Large() : self(this) { std::memset(bytes, 'z', sizeof bytes); }
-  bool isWhole() const {
-    return self == this && std::string(bytes, size) == std::string(size, 'z');
-  }
+struct LargeObject {
+  LargeObject() { std::memset(bytes, 'z', sizeof bytes); }
 
-  const Large* self;
-  char bytes[size];
+  const LargeObject* self = this;
+  char bytes[3000];
 };
 
 int wholeWhenDestroyed = 0;
 
-template <class Object>
-void destroyWhole(void* address) {
+void destroyLarge(void* address) {
+  const auto& object = *static_cast<LargeObject*>(address);
+  const bool isWhole =
+      object.self == &object && std::string(object.bytes, 3000) == std::string(3000, 'z');
   ++destroyed;
-  wholeWhenDestroyed += static_cast<Object*>(address)->isWhole() ? 1 : 0;
+  wholeWhenDestroyed += isWhole ? 1 : 0;
 }
+
+const MicrosoftThrow largeThrow({".?AULarge@@"}, sizeof(LargeObject), destroyLarge);
 
 // What a destructor that calls functions does to the stack below it.
 [[gnu::noinline]] void overwriteStack() {
@@ -220,19 +219,15 @@ struct OverwritingCleanUp {
   ~OverwritingCleanUp() { overwriteStack(); }
 };
 
-using LargeObject = Large<3000>;
-
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored \
     "-Winfinite-recursion"  // GCC does not see that the throw ends the recursion
 [[gnu::noinline]] void throwFarDown(int frames) {
-  static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
-                                     destroyWhole<LargeObject>);
   volatile char room[1000];
   room[0] = 1;
   if (frames == 0) {
     LargeObject object;
-    thrown.raise(&object);
+    largeThrow.raise(&object);
   }
   throwFarDown(frames - 1);
   room[1] = room[0];
@@ -274,10 +269,8 @@ TEST(MicrosoftException, SwallowedObjectIsDestroyedOnceInPlace) {
 
 TEST(MicrosoftException, ObjectOutsideTheStackStaysInPlace) {
   static LargeObject object;
-  static const MicrosoftThrow thrown({".?AULarge@@"}, sizeof(LargeObject),
-                                     destroyWhole<LargeObject>);
   const LeavingException left =
-      leavingException([] { callAsExport(+[] { thrown.raise(&object); }); });
+      leavingException([] { callAsExport(+[] { largeThrow.raise(&object); }); });
   EXPECT_EQ(left.what, "object");
   EXPECT_EQ(left.parameters.at(1), reinterpret_cast<std::uintptr_t>(&object));
 }

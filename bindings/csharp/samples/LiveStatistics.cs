@@ -2,21 +2,11 @@
 // frames are.
 //   LiveStatistics SDK-DIRECTORY
 using System;
-using System.Globalization;
+using System.Linq;
 using Orvane.DesktopCamera;
 
 static class LiveStatistics
 {
-    static double Mean(ReadOnlySpan<byte> pixels)
-    {
-        long sum = 0;
-        foreach (byte pixel in pixels)
-        {
-            sum += pixel;
-        }
-        return (double)sum / pixels.Length;
-    }
-
     static void Watch(string directory)
     {
         ScanResult found = CameraLibrary.Scan(directory);
@@ -35,14 +25,13 @@ static class LiveStatistics
             foreach (long exposureUs in new[] { 5000L, 20000L, 80000L })
             {
                 camera.Apply(exposureUs, 100, 10);
-                double mean = 0;
-                for (int frame = 0; frame < 5; ++frame) // the first may still have the old exposure
+                for (int frame = 0; frame < 4; ++frame) // the first may still have the old exposure
                 {
-                    mean = Mean(camera.Read(buffer));
+                    camera.Read(buffer);
                 }
-                string format = "{0:F1} ms: mean {1:F1}";
-                Console.WriteLine(string.Format(CultureInfo.InvariantCulture, format,
-                                                exposureUs / 1000.0, mean));
+                double mean = camera.Read(buffer).ToArray().Average(pixel => pixel);
+                Console.WriteLine(FormattableString.Invariant(
+                    $"{exposureUs / 1000.0:F1} ms: mean {mean:F1}"));
             }
         }
     }

@@ -37,25 +37,27 @@ TEST_F(LiveCameraTest, RequestsAreDone) {
   LiveCamera camera(options(), [] {});
   ASSERT_TRUE(comesTrue([&] { return camera.state()->phase == LivePhase::Streaming; }));
   for (int gain = 1; gain <= 150; ++gain) {
-    camera.send(ControlsRequest{10000, gain, 5});
+    camera.send([gain](LiveSession& session) { session.setControls({10000, gain, 5}); });
   }
   ASSERT_TRUE(comesTrue([&] { return camera.state()->capture.settings.gain == 150; }));
-  camera.send(ChooseRequest{1});
+  camera.send([](LiveSession& session) { session.choose(1); });
   ASSERT_TRUE(comesTrue([&] { return camera.state()->cameraName() == "Mono Two"; }));
   oc::Frame frame;
   ASSERT_TRUE(comesTrue([&] { return (frame = camera.takeFrame()) && frame.opening() == 2; }));
   EXPECT_EQ(frame.bayer(), BayerPattern::None);
 }
 
-TEST_F(LiveCameraTest, EndingItFinishesTheRecording) {
+TEST_F(LiveCameraTest, EndingItClosesRecordingAndCamera) {
   {
     LiveCamera camera(options(), [] {});
-    camera.send(ToggleRecordingRequest{});
+    camera.send(&LiveSession::toggleRecording);
     ASSERT_TRUE(comesTrue([&] {
       const auto& recording = camera.state()->recording;
       return recording && recording->frames > 3;
     }));
   }
+  EXPECT_EQ(sdk.invariants().devicesOpen, 0);
+  EXPECT_EQ(sdk.invariants().streamsRunning, 0);
   ASSERT_EQ(recordings().size(), 1U);
   const SerFile file(recordings().front());
   EXPECT_GT(file.frameCount, 3);

@@ -94,10 +94,10 @@ oc::CameraInfo camera() {
   return description;
 }
 
-constexpr ControlsRequest now{20000, 100, 10};
+constexpr Controls now{20000, 100, 10};
 
-ControlsRequest after(ViewCommand command) {
-  return controlsAfter(command, now, camera()).value_or(ControlsRequest{});
+Controls after(ViewCommand command) {
+  return controlsAfter(command, now, camera()).value_or(Controls{});
 }
 
 TEST(ControlsAfter, ACommandChangesOneOfThem) {
@@ -111,7 +111,7 @@ TEST(ControlsAfter, ACommandChangesOneOfThem) {
   EXPECT_EQ(after(ViewCommand::MuchLessGain).gain, 60);
   EXPECT_EQ(after(ViewCommand::MoreOffset).offset, 11);
   EXPECT_EQ(after(ViewCommand::LessOffset).offset, 9);
-  const ControlsRequest moreGain = after(ViewCommand::MoreGain);
+  const Controls moreGain = after(ViewCommand::MoreGain);
   EXPECT_EQ(moreGain.exposureUs, now.exposureUs);
   EXPECT_EQ(moreGain.offset, now.offset);
 }
@@ -122,7 +122,7 @@ TEST(ControlsAfter, OtherCommandsAreNoneOfTheirs) {
 }
 
 TEST(ControlsAfter, StayWithinWhatTheCameraCanDo) {
-  const ControlsRequest most{1900000, 399, 0};
+  const Controls most{1900000, 399, 0};
   EXPECT_EQ(controlsAfter(ViewCommand::MuchLongerExposure, most, camera())->exposureUs, 2000000);
   EXPECT_EQ(controlsAfter(ViewCommand::MuchMoreGain, most, camera())->gain, 400);
   EXPECT_EQ(controlsAfter(ViewCommand::LessOffset, most, camera())->offset, 0);
@@ -137,8 +137,8 @@ TEST(ControlsAfter, ACameraThatTellsNoLimitsHasSomeAllTheSame) {
 
 TEST(Sliders, PlacesAndControlsFitEachOther) {
   for (const SliderKind slider : {SliderKind::Exposure, SliderKind::Gain, SliderKind::Offset}) {
-    const ControlsRequest least = controlsAfter(slider, 0, now, camera());
-    const ControlsRequest most = controlsAfter(slider, 1, now, camera());
+    const Controls least = controlsAfter(slider, 0, now, camera());
+    const Controls most = controlsAfter(slider, 1, now, camera());
     EXPECT_EQ(placeOf(slider, least, camera()), 0);
     EXPECT_EQ(placeOf(slider, most, camera()), 1);
   }

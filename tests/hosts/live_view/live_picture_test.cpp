@@ -34,6 +34,11 @@ const LivePicture::Clock::time_point start{std::chrono::hours(1)};
 
 class LivePictureTest : public ::testing::Test {
  protected:
+  void setMeasuredFrame() {
+    picture.setFrame(frameWithStar(100, 50, 1));
+    ASSERT_TRUE(picture.measure(start));
+  }
+
   // Draws the picture into an area of this size.
   PictureView draw(int width, int height) {
     width_ = width;
@@ -62,8 +67,7 @@ TEST_F(LivePictureTest, WithoutAFrameThereIsBackground) {
 }
 
 TEST_F(LivePictureTest, ShowsTheWholeFrameInItsShape) {
-  picture.setFrame(frameWithStar(100, 50, 1));
-  EXPECT_TRUE(picture.measure(start));
+  setMeasuredFrame();
   const PictureView view = draw(160, 200);
   EXPECT_EQ(view.onScreen, (PixelRect{0, 50, 160, 100}));
   EXPECT_DOUBLE_EQ(view.scale, 0.5);
@@ -81,8 +85,7 @@ TEST_F(LivePictureTest, ShowsTheWholeFrameInItsShape) {
 }
 
 TEST_F(LivePictureTest, AsItIsTheSkyIsDark) {
-  picture.setFrame(frameWithStar(100, 50, 1));
-  picture.measure(start);
+  setMeasuredFrame();
   picture.setStretched(false);
   draw(320, 200);
   EXPECT_EQ(at(300, 100) & 0xFFU, 3U);
@@ -92,8 +95,7 @@ TEST_F(LivePictureTest, AsItIsTheSkyIsDark) {
 }
 
 TEST_F(LivePictureTest, InRedThereIsNoOtherColour) {
-  picture.setFrame(frameWithStar(100, 50, 1));
-  picture.measure(start);
+  setMeasuredFrame();
   picture.setTint(ScreenTint::Red);
   draw(320, 200);
   for (const std::uint32_t pixel : pixels) {

@@ -47,8 +47,9 @@ TEST(ReduceFrame, MonoPixelsAreMeans) {
 
 TEST(ReduceFrame, WithFactorOneNothingChanges) {
   const std::vector<std::uint8_t> frame = {0x34, 0x12, 0xFF, 0xFF};
-  Image reduced;
+  Image reduced{7, 7, 3, std::vector<std::uint16_t>(147, 9)};  // an earlier image does not matter
   reduceFrame(frame, {2, 1, PixelFormat::Raw16, BayerPattern::None}, 1, reduced);
+  EXPECT_EQ(reduced.width, 2);
   EXPECT_EQ(reduced.samples, (std::vector<std::uint16_t>{0x1234, 0xFFFF}));
 }
 
@@ -59,14 +60,6 @@ TEST(ReduceFrame, RgbChannelsStayApart) {
   reduceFrame(frame, {2, 2, PixelFormat::Rgb24, BayerPattern::None}, 2, reduced);
   EXPECT_EQ(reduced.channels, 3);
   EXPECT_EQ(reduced.samples, (std::vector<std::uint16_t>{4 * 257, 40 * 257, 103 * 257}));
-}
-
-TEST(ReduceFrame, MemoryOfAnEarlierImageDoesNotMatter) {
-  Image reduced{7, 7, 3, std::vector<std::uint16_t>(147, 9)};
-  reduceFrame(std::vector<std::uint8_t>{1, 2}, {2, 1, PixelFormat::Raw8, BayerPattern::None}, 1,
-              reduced);
-  EXPECT_EQ(reduced.width, 2);
-  EXPECT_EQ(reduced.samples.size(), 2U);
 }
 
 class EveryBayerPatternReduced : public ::testing::TestWithParam<BayerPattern> {};
@@ -83,10 +76,8 @@ TEST_P(EveryBayerPatternReduced, EachColourIsTheMeanOfItsPixels) {
     for (int x = 0; x < 8; ++x) {
       // Red 1000, green 2000, blue 3000; in the right half 40000 more.
       const char colour = colourAt(GetParam(), x, y);
-      const int sample = (colour == 'R'   ? 1000
-                          : colour == 'G' ? 2000
-                                          : 3000) +
-                         (x >= 4 ? 40000 : 0);
+      const int base = colour == 'R' ? 1000 : colour == 'G' ? 2000 : 3000;
+      const int sample = base + (x >= 4 ? 40000 : 0);
       frame.push_back(static_cast<std::uint8_t>(sample % 256));
       frame.push_back(static_cast<std::uint8_t>(sample / 256));
     }

@@ -9,39 +9,32 @@ namespace {
 
 using Pixels = std::vector<std::uint32_t>;
 
+Pixels applied(const ScreenCurves& curves, const Image& image,
+               ScreenTint tint = ScreenTint::Natural) {
+  ScreenPixels screen;
+  curves.apply(image, tint, screen);
+  EXPECT_EQ(screen.width, image.width);
+  EXPECT_EQ(screen.height, image.height);
+  return screen.pixels;
+}
+
 TEST(ScreenCurves, ShowSamplesAsTheyAre) {
-  ScreenPixels screen;
-  ScreenCurves().apply({2, 1, 3, {0, 65535, 0x8080, 257, 514, 0}}, ScreenTint::Natural, screen);
-  EXPECT_EQ(screen.width, 2);
-  EXPECT_EQ(screen.height, 1);
-  EXPECT_EQ(screen.pixels, (Pixels{0x00FF80, 0x010200}));
+  EXPECT_EQ(applied(ScreenCurves(), {2, 1, 3, {0, 65535, 0x8080, 257, 514, 0}}),
+            (Pixels{0x00FF80, 0x010200}));
+  EXPECT_EQ(applied(ScreenCurves(), {2, 1, 1, {0x4040, 65535}}), (Pixels{0x404040, 0xFFFFFF}));
 }
 
-TEST(ScreenCurves, GreySamplesAreGreyPixels) {
-  ScreenPixels screen;
-  ScreenCurves().apply({2, 1, 1, {0x4040, 65535}}, ScreenTint::Natural, screen);
-  EXPECT_EQ(screen.pixels, (Pixels{0x404040, 0xFFFFFF}));
-}
-
-TEST(ScreenCurves, EachChannelHasItsOwn) {
-  const ScreenCurves curves({{0, 1000, 0.5}, {0, 65535, 0.5}, {1000, 2000, 0.5}});
-  ScreenPixels screen;
-  curves.apply({1, 1, 3, {1000, 0, 1000}}, ScreenTint::Natural, screen);
-  EXPECT_EQ(screen.pixels, (Pixels{0xFF0000}));
-}
-
-TEST(ScreenCurves, OfOneChannelServeAllThree) {
-  const ScreenCurves curves(std::vector<Stretch>{{0, 1000, 0.5}});
-  ScreenPixels screen;
-  curves.apply({1, 1, 3, {1000, 0, 500}}, ScreenTint::Natural, screen);
-  EXPECT_EQ(screen.pixels, (Pixels{0xFF0080}));
+TEST(ScreenCurves, EachChannelHasItsOwnOrAllThreeShareOne) {
+  const ScreenCurves three({{0, 1000, 0.5}, {0, 65535, 0.5}, {1000, 2000, 0.5}});
+  EXPECT_EQ(applied(three, {1, 1, 3, {1000, 0, 1000}}), (Pixels{0xFF0000}));
+  const ScreenCurves one(std::vector<Stretch>{{0, 1000, 0.5}});
+  EXPECT_EQ(applied(one, {1, 1, 3, {1000, 0, 500}}), (Pixels{0xFF0080}));
 }
 
 TEST(ScreenCurves, RedTintLeavesNoOtherColour) {
-  ScreenPixels screen;
-  ScreenCurves().apply({3, 1, 3, {65535, 65535, 65535, 0, 65535, 0, 0, 0, 65535}}, ScreenTint::Red,
-                       screen);
-  EXPECT_EQ(screen.pixels, (Pixels{0xFF0000, 0x950000, 0x1C0000}));
+  const Image image{3, 1, 3, {65535, 65535, 65535, 0, 65535, 0, 0, 0, 65535}};
+  EXPECT_EQ(applied(ScreenCurves(), image, ScreenTint::Red),
+            (Pixels{0xFF0000, 0x950000, 0x1C0000}));
 }
 
 ScreenPixels drawn(const ScreenPixels& screen, int width, int height) {
