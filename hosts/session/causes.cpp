@@ -125,4 +125,9 @@ std::string explained(std::string_view libraryText) {
   return lines;
 }
 
+std::string explainedSentence(std::string_view libraryText) {
+  const std::string text = explained(libraryText);
+  return text.ends_with('.') ? text : text + ".";
+}
+
 }  // namespace orvane::host

@@ -11,4 +11,7 @@ namespace orvane::host {
 /// several messages, each known one is on a line of its own. An unknown text comes back unchanged.
 std::string explained(std::string_view libraryText);
 
+/// The same, with a full stop at the end of an unknown text, too.
+std::string explainedSentence(std::string_view libraryText);
+
 }  // namespace orvane::host

@@ -177,6 +177,12 @@ TEST(Causes, OfUnknownTextsAreNotInvented) {
   }
 }
 
+TEST(Causes, AsASentenceEndWithAFullStop) {
+  EXPECT_EQ(explainedSentence("QHY scan failed"), explained("QHY scan failed"));
+  EXPECT_EQ(explainedSentence("No device"), "No device.");
+  EXPECT_EQ(explainedSentence("No device."), "No device.");
+}
+
 TEST(Causes, OfACodeThatIsNoNumberOf64Bits) {
   EXPECT_EQ(addition("ASI gain: 99999999999999999999999"), addition("ASI gain: -77"));
 }
