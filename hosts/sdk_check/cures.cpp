@@ -80,12 +80,14 @@ std::string_view cureOfCode(std::optional<std::int64_t> code) {
     case 32:
       return "Another program keeps the file locked: close it.";
     case 127:
-      return "A library that it needs is too old: update Windows, and copy all files of the maker's "
+      return "A library that it needs is too old: update Windows, and copy all files of the "
+             "maker's "
              "SDK package into this directory.";
     case 225:
       return "Your virus scanner has blocked the file: allow it there.";
     case 1114:
-      return "It could not start: install the maker's driver, then get the current library from the "
+      return "It could not start: install the maker's driver, then get the current library from "
+             "the "
              "maker.";
     case 1260:
     case 4551:
@@ -116,8 +118,9 @@ std::vector<std::string> curesOf(const SdkFindings& findings) {
   if (findings.isLoaded()) {
     return {findings.missingFunctions.size() == findings.sdk.functions.size()
                 ? file + " is another library: get the one of this name from the maker."
-                : file + " is older than this program's interface: get the current one from the "
-                         "maker."};
+                : file +
+                      " is older than this program's interface: get the current one from the "
+                      "maker."};
   }
   if (!findings.content.cure.empty()) {
     return {findings.content.cure};
@@ -128,7 +131,9 @@ std::vector<std::string> curesOf(const SdkFindings& findings) {
       cures.push_back(import.cure);
     }
   }
-  return cures.empty() ? std::vector{std::string(cureOfCode(findings.load.value_or(LoadResult()).code))} : cures;
+  return cures.empty()
+             ? std::vector{std::string(cureOfCode(findings.load.value_or(LoadResult()).code))}
+             : cures;
 }
 
 }  // namespace orvane::host
