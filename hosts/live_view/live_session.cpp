@@ -9,6 +9,7 @@
 #include "live_view/live_controls.hpp"
 #include "session/camera_catalogue.hpp"
 #include "session/camera_choice.hpp"
+#include "session/causes.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -60,7 +61,7 @@ void LiveSession::run(const LiveRequest& request) {
   try {
     request(*this);
   } catch (const std::exception& error) {
-    say(NoticeKind::Error, error.what());
+    say(NoticeKind::Error, explained(error.what()));
   }
 }
 
@@ -175,12 +176,12 @@ void LiveSession::scan() {
       say(NoticeKind::Error,
           "No SDK could be loaded from " + inQuotes(options_.sdkDirectory) + ".");
     } else if (!scan.error.empty()) {
-      say(NoticeKind::Error, found + " Some failed: " + scan.error + ".");
+      say(NoticeKind::Error, found + " Some failed:\n" + explainedSentence(scan.error));
     } else {
       say(scan.cameras.empty() ? NoticeKind::Warning : NoticeKind::Information, found);
     }
   } catch (const std::exception& error) {
-    say(NoticeKind::Error, error.what());
+    say(NoticeKind::Error, explained(error.what()));
   }
 }
 
@@ -211,7 +212,8 @@ void LiveSession::finishOpening(std::future<void> opening) {
     if (capture_.state().phase == oc::Phase::Lost) {
       state_.phase = LivePhase::Lost;
     }
-    say(NoticeKind::Error, state_.cameraName() + " cannot be opened: " + error.what() + ".");
+    say(NoticeKind::Error,
+        state_.cameraName() + " cannot be opened: " + explainedSentence(error.what()));
   }
   wanted_ = capture_.state().settings;
 }
@@ -219,17 +221,17 @@ void LiveSession::finishOpening(std::future<void> opening) {
 void LiveSession::noticeFailures(const oc::CaptureState& now) {
   if (now.refusals != state_.capture.refusals) {
     wanted_ = now.settings;
-    say(NoticeKind::Error, "The camera refused the setting: " + now.refusal + ".");
+    say(NoticeKind::Error, "The camera refused the setting: " + explainedSentence(now.refusal));
   }
   if (now.phase == oc::Phase::Lost) {
     state_.phase = LivePhase::Lost;
     const bool wasRecording = recording_.has_value();
     endRecording();
     const std::string saved = wasRecording ? " " + state_.notice.text : "";
-    say(NoticeKind::Error, state_.cameraName() + " does not answer (" + now.text +
-                               "). Check its cable, then press F5." + saved);
+    say(NoticeKind::Error,
+        state_.cameraName() + " is lost: " + explainedSentence(now.text) + " F5 scans." + saved);
   } else if (now.failedReads != state_.capture.failedReads) {
-    say(NoticeKind::Warning, state_.cameraName() + ": " + now.text + ".");
+    say(NoticeKind::Warning, state_.cameraName() + ": " + explainedSentence(now.text));
   }
 }
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <sstream>
+#include <utility>
 
 #include "system/text.hpp"
 
@@ -120,6 +122,26 @@ Notice statusLine(const LiveState& state) {
                                      " s. If none comes, check the cable and press F5."};
   }
   return state.notice;
+}
+
+std::vector<std::string> wrapped(const std::string& text,
+                                 const std::function<bool(const std::string& line)>& fits) {
+  std::vector<std::string> lines;
+  std::istringstream paragraphs(text);
+  for (std::string paragraph; std::getline(paragraphs, paragraph);) {
+    std::string line;
+    std::istringstream words(paragraph);
+    for (std::string word; words >> word;) {
+      const std::string longer = line.empty() ? word : line + " " + word;
+      if (line.empty() || fits(longer)) {
+        line = longer;
+      } else {
+        lines.push_back(std::exchange(line, word));
+      }
+    }
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 std::string cameraDetails(const oc::CameraInfo& camera) {

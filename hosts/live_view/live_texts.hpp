@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "imaging/statistics.hpp"
 #include "live_view/focus.hpp"
@@ -46,6 +48,11 @@ std::string emptyPictureText(const LiveState& state);
 
 /// The status line: the notice, or that a frame is overdue.
 Notice statusLine(const LiveState& state);
+
+/// The text in lines of which each fits, as far as its words allow. A line ends at a line end of
+/// the text, or between two words.
+std::vector<std::string> wrapped(const std::string& text,
+                                 const std::function<bool(const std::string& line)>& fits);
 
 /// "1920 \u00d7 1080   12 bit   BGGR   cooled", for the list of cameras.
 std::string cameraDetails(const oc::CameraInfo& camera);

@@ -234,6 +234,7 @@ class LiveWindow {
     } else if (overlay_ == Overlay::Cameras) {
       drawCameraList(canvas_, area, *state_, selected_);
     }
+    drawLongNotice(canvas_, layout_, statusLine(*state_));
   }
 
   void newsCame() {
@@ -262,7 +263,7 @@ class LiveWindow {
     if (!isStreaming()) {
       picture_.clear();
     }
-    if (!picture_.hasFrame()) {
+    if (!picture_.hasFrame() || state_->notice.text != before.notice.text) {
       redrawPicture();
     }
     if (state_->phase == LivePhase::Idle && !state_->cameras.empty() && !hasOfferedList_) {

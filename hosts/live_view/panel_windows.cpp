@@ -29,6 +29,21 @@ PixelRect restOf(const PixelRect& rect, int width) {
   return {rect.left + width, rect.top, rect.width - width, rect.height};
 }
 
+constexpr const char* keysText = "F1  keys";
+
+// What the keys leave of the status line.
+PixelRect noticePlace(GdiCanvas& canvas, const PixelRect& status) {
+  const int margin = canvas.at(16);
+  return {status.left + margin, status.top,
+          status.width - 3 * margin - canvas.textWidth(keysText, TextSize::Small), status.height};
+}
+
+std::vector<std::string> linesOf(GdiCanvas& canvas, const Notice& notice, const PixelRect& place) {
+  return wrapped(notice.text, [&](const std::string& line) {
+    return canvas.textWidth(line, TextSize::Normal) <= place.width;
+  });
+}
+
 // One drawing of the panel and the status line.
 class PanelDrawing {
  public:
@@ -206,15 +221,14 @@ class PanelDrawing {
 
   void drawStatusLine() {
     const PixelRect& line = layout_.status;
-    const int margin = at(16);
     canvas_.fill(line, palette::panel);
     canvas_.fill({line.left, line.top, line.width, at(1)}, palette::line);
-    const std::string keys = "F1  keys";
-    const int keysWidth = canvas_.textWidth(keys, TextSize::Small);
     const Notice notice = statusLine(content_.state);
-    canvas_.text({line.left + margin, line.top, line.width - 3 * margin - keysWidth, line.height},
-                 notice.text, TextSize::Normal, colorOf(notice.kind));
-    canvas_.text({line.left, line.top, line.width - margin, line.height}, keys, TextSize::Small,
+    if (const PixelRect place = noticePlace(canvas_, line);
+        linesOf(canvas_, notice, place).size() == 1) {
+      canvas_.text(place, notice.text, TextSize::Normal, colorOf(notice.kind));
+    }
+    canvas_.text({line.left, line.top, line.width - at(16), line.height}, keysText, TextSize::Small,
                  palette::quietText, TextAlign::Right);
   }
 
@@ -262,6 +276,25 @@ void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureVie
   canvas.fill({left, middleY, view.onScreen.width, canvas.at(1)}, palette::accent);
   canvas.fill({middleX, top, canvas.at(1), view.onScreen.height}, palette::accent);
   canvas.circle(middleX, middleY, canvas.at(24), palette::accent);
+}
+
+void drawLongNotice(GdiCanvas& canvas, const WindowLayout& layout, const Notice& notice) {
+  if (linesOf(canvas, notice, noticePlace(canvas, layout.status)).size() < 2) {
+    return;
+  }
+  const PixelRect& picture = layout.picture;
+  const int margin = canvas.at(16);
+  PixelRect line{picture.left + margin, 0, picture.width - 2 * margin, canvas.at(22)};
+  const auto lines = linesOf(canvas, notice, line);
+  const int height = static_cast<int>(lines.size()) * line.height + margin;
+  line.top = picture.bottom() - height + margin / 2;
+  canvas.fill({picture.left, picture.bottom() - height, picture.width, height}, palette::panel);
+  canvas.fill({picture.left, picture.bottom() - height, picture.width, canvas.at(1)},
+              palette::line);
+  for (const std::string& text : lines) {
+    canvas.text(line, text, TextSize::Normal, colorOf(notice.kind));
+    line.top = line.bottom();
+  }
 }
 
 void drawHelp(GdiCanvas& canvas, const PixelRect& picture) {

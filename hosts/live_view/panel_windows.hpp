@@ -29,6 +29,9 @@ void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView
 
 void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view);
 
+/// The notice in several lines, if it is too long for the status line.
+void drawLongNotice(GdiCanvas& canvas, const WindowLayout& layout, const Notice& notice);
+
 void drawHelp(GdiCanvas& canvas, const PixelRect& picture);
 
 ListPlace cameraListPlace(const PixelRect& picture, std::size_t cameras, int dpi);

@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <limits>
 #include <stdexcept>
 
 #include "formats/ser_reader.hpp"
+#include "oc_capture/report.hpp"
 #include "session/camera_choice.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -202,7 +202,7 @@ oc::Scan findCameras(const std::string& sdkDirectory) {
   useFineSleep();
   oc::Scan catalogue = readCatalogue(sdkDirectory);
   if (!catalogue.error.empty()) {
-    std::cerr << "oc_capture: " << catalogue.error << "\n";
+    reportFailure(catalogue.error);
   }
   if (catalogue.cameras.empty()) {
     throw oc::Error("No camera was found.");

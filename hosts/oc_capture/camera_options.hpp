@@ -60,6 +60,9 @@ void addLengthOptions(CommandOptions& options, CaptureLength& length, const char
 struct ChosenCamera {
   oc::CameraInfo description;
   oc::Settings settings;
+
+  /// False for a value without a camera.
+  bool isFound() const { return !description.json.empty(); }
 };
 
 /// The given settings, completed with the camera's own. Throws UsageError with a sentence that

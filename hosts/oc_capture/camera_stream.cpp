@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 
+#include "session/causes.hpp"
 #include "session/ser_recorder.hpp"
 #include "system/system.hpp"
 
@@ -52,7 +53,10 @@ void CameraStream::tellFailures(StatusLine& line) {
   }
   constexpr std::uint64_t mostLines = 20;
   if (toldFailures_ < mostLines) {
-    line.tell(now.text + ". Reading goes on.");
+    // The same cause and cure again and again would hide the other lines.
+    line.tell((now.text == toldText_ ? now.text + "." : explainedSentence(now.text)) +
+              " Reading goes on.");
+    toldText_ = now.text;
   } else if (!toldLimit_) {
     line.tell("Further failed reads are only counted.");
     toldLimit_ = true;

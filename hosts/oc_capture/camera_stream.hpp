@@ -57,6 +57,7 @@ class CameraStream {
   oc::FrameQueue frames_;
   std::chrono::steady_clock::time_point start_;
   std::uint64_t toldFailures_ = 0;
+  std::string toldText_;  // of the last failure that was told
   bool toldLimit_ = false;
 };
 

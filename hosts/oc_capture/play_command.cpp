@@ -195,6 +195,8 @@ frames from the first to the last, in colour and brightened.)",
     .examples =
         R"(  oc_capture play jupiter.ser
   oc_capture play jupiter.ser --out jupiter-sheet.png)",
+    .whenDone = "recording described",
+    .whenFailed = "a file cannot be read or written",
     .prepare = prepareCommand<PlaySettings, addOptions, play>,
 };
 

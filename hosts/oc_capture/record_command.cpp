@@ -16,6 +16,7 @@
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/causes.hpp"
 #include "session/ser_recorder.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -217,27 +218,30 @@ class RecordingSession {
 Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera,
             const Recording& recording) {
   const double rate = recording.framesPerSecond();
+  const bool wasOpen = recording.layout.width > 0;
   Json document{{"file", recording.frames > 0 ? Json(utf8FromPath(settings.file.path)) : Json()},
                 {"preview", orNull(utf8FromPath(recording.preview))},
-                {"camera", camera.description.name},
-                {"width", recording.layout.width},
-                {"height", recording.layout.height},
-                {"format", formatName(recording.layout.format)},
-                {"bayer", bayerName(recording.layout.bayer)},
+                {"camera", orNull(camera.description.name)},
+                {"width", ifKnown(wasOpen, recording.layout.width)},
+                {"height", ifKnown(wasOpen, recording.layout.height)},
+                {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
+                {"bayer", ifKnown(wasOpen, bayerName(recording.layout.bayer))},
                 {"frames", recording.frames},
                 {"droppedFrames", recording.droppedFrames},
                 {"silentWaits", recording.silentWaits},
                 {"failedReads", recording.failedReads}};
   document.update(gapsJson(recording.times.count));
   document.update(
-      Json{{"seconds", recording.seconds},
-           {"secondsUntilWritten", recording.secondsUntilWritten},
-           {"framesPerSecond", rate},
-           {"megabytesPerSecond", rate * static_cast<double>(frameBytes(recording.layout)) / 1e6},
+      Json{{"seconds", ifKnown(wasOpen, recording.seconds)},
+           {"secondsUntilWritten", ifKnown(wasOpen, recording.secondsUntilWritten)},
+           {"framesPerSecond", ifKnown(wasOpen, rate)},
+           {"megabytesPerSecond",
+            ifKnown(wasOpen, rate * static_cast<double>(frameBytes(recording.layout)) / 1e6)},
            {"mostFramesWaiting", recording.mostFramesWaiting},
-           {"framesThatMayWait", recording.framesThatMayWait},
+           {"framesThatMayWait", ifKnown(wasOpen, recording.framesThatMayWait)},
            {"peakMemoryBytes", peakMemory()},
-           {"error", recording.error}});
+           {"error", recording.error},
+           {"explanation", explained(recording.error)}});
   return document;
 }
 
@@ -297,9 +301,15 @@ int record(const RecordSettings& given) {
   const OutputPath preview = previewFile(settings);
   requireUsable(settings.file);
   requireUsable(preview);
-  const ChosenCamera camera = findCamera(settings.camera);
-  Recording recording = RecordingSession(settings, camera).run();
-  if (recording.error.empty() && recording.frames == 0) {
+  ChosenCamera camera;
+  Recording recording;
+  const std::string failure = failureOf([&] {
+    camera = findCamera(settings.camera);
+    recording = RecordingSession(settings, camera).run();
+  });
+  if (!failure.empty()) {
+    recording.error = failure;
+  } else if (recording.error.empty() && recording.frames == 0) {
     recording.error = stopRequested() ? "Stopped before a frame came."
                                       : "No frame came before the recording's end.";
   }
@@ -347,6 +357,8 @@ FILE.ser.orvane-times.)",
     .examples =
         R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
   oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)",
+    .whenDone = "recorded, also after Ctrl-C",
+    .whenFailed = "no camera, no frame, or a failure",
     .prepare = prepareCommand<RecordSettings, addOptions, record>,
 };
 

@@ -121,6 +121,9 @@ journal stay.)",
     .examples =
         R"(  oc_capture repair jupiter.ser
   oc_capture repair jupiter.ser --out saved.ser --json)",
+    .whenDone = "recording recovered",
+    .whenFailed = "a file cannot be read or written",
+    .whenRefused = "wrong arguments, or nothing to repair",
     .prepare = prepareCommand<RepairSettings, addOptions, repair>,
 };
 

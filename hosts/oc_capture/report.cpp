@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "session/causes.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -25,9 +26,19 @@ void addReportingOptions(CommandOptions& options, Reporting& reporting) {
   options.addFlag("--json", reporting.asJson, "Write one JSON document at the end");
 }
 
+void reportFailure(const std::string& text, const std::string& about) {
+  const std::string start = "oc_capture: ";
+  std::string lines = start + about + explained(text) + "\n";
+  for (std::size_t end = lines.find('\n'); end + 1 < lines.size();
+       end = lines.find('\n', end + 1)) {
+    lines.insert(end + 1, start);
+  }
+  std::cerr << lines;
+}
+
 void report(const Reporting& reporting, const Json& document, const std::string& text) {
   if (reporting.asJson) {
-    std::cout << document.dump(2) << "\n" << std::flush;
+    std::cout << document.dump(2, ' ', false, Json::error_handler_t::replace) << "\n" << std::flush;
   } else if (!reporting.isQuiet) {
     std::cout << text << std::flush;
   }

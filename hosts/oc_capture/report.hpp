@@ -8,6 +8,7 @@
 
 #include "oc_capture/command.hpp"
 #include "session/frame_timing.hpp"
+#include "system/failures.hpp"
 
 namespace orvane::host {
 
@@ -21,6 +22,23 @@ struct Reporting {
 /// "--quiet" and "--json".
 void addReportingOptions(CommandOptions& options, Reporting& reporting);
 
+/// Writes a failure to standard error: the text of the library or of another exception, with what
+/// it means and what to do as far as that is known. `about` comes before it.
+void reportFailure(const std::string& text, const std::string& about = "");
+
+/// What `work` throws, except UsageError, as a text; empty if it does its work.
+template <class Work>
+std::string failureOf(Work work) {
+  try {
+    work();
+    return "";
+  } catch (const UsageError&) {
+    throw;
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
 /// Writes the JSON document or the text to standard output, or nothing if quiet.
 void report(const Reporting& reporting, const Json& document, const std::string& text);
 
@@ -28,6 +46,12 @@ void report(const Reporting& reporting, const Json& document, const std::string&
 template <class Value>
 Json orNull(const std::optional<Value>& value) {
   return value ? Json(*value) : Json();
+}
+
+/// The value, or null if it is not known.
+template <class Value>
+Json ifKnown(bool isKnown, const Value& value) {
+  return isKnown ? Json(value) : Json();
 }
 
 /// The text, or null if it is empty.

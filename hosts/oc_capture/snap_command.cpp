@@ -1,5 +1,6 @@
 // "oc_capture snap": one frame of a camera, written into a PNG or FITS file.
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -11,6 +12,7 @@
 #include "oc_capture/output_path.hpp"
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
+#include "session/causes.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
@@ -42,10 +44,12 @@ using Clock = std::chrono::system_clock;
 
 // A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
+  std::filesystem::path file;  // empty if it was not written
   FrameLayout layout;
   oc::Frame frame;
   std::optional<double> temperature;
   std::uint64_t failedReads = 0;
+  std::string error;  // what failed, or empty
 };
 
 Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
@@ -57,7 +61,7 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
     stream.tellFailures(line);
     if (frame && before-- == 0) {
       const oc::CaptureState state = stream.state();
-      return {stream.layout(), frame, state.temperature, state.failedReads};
+      return {"", stream.layout(), frame, state.temperature, state.failedReads, ""};
     }
     if (line.isDue()) {
       const std::chrono::duration<double> waited = Clock::now() - start;
@@ -85,18 +89,21 @@ FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera
 }
 
 Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
-  return {{"file", utf8FromPath(settings.file.path)},
-          {"camera", camera.description.name},
-          {"width", snapshot.layout.width},
-          {"height", snapshot.layout.height},
-          {"format", formatName(snapshot.layout.format)},
-          {"bayer", bayerName(snapshot.layout.bayer)},
-          {"exposureUs", camera.settings.exposureUs},
-          {"gain", *camera.settings.gain},
-          {"offset", camera.settings.offset},
-          {"bin", camera.settings.bin},
+  const bool hasFrame = snapshot.layout.width > 0;
+  return {{"file", orNull(utf8FromPath(snapshot.file))},
+          {"camera", orNull(camera.description.name)},
+          {"width", ifKnown(hasFrame, snapshot.layout.width)},
+          {"height", ifKnown(hasFrame, snapshot.layout.height)},
+          {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
+          {"bayer", ifKnown(hasFrame, bayerName(snapshot.layout.bayer))},
+          {"exposureUs", settings.camera.exposureUs},
+          {"gain", orNull(camera.settings.gain)},
+          {"offset", settings.camera.offset},
+          {"bin", settings.camera.bin},
           {"temperature", orNull(snapshot.temperature)},
-          {"failedReads", snapshot.failedReads}};
+          {"failedReads", ifKnown(hasFrame, snapshot.failedReads)},
+          {"error", snapshot.error},
+          {"explanation", explained(snapshot.error)}};
 }
 
 std::string textOf(const SnapSettings& settings, const Snapshot& snapshot) {
@@ -106,10 +113,7 @@ std::string textOf(const SnapSettings& settings, const Snapshot& snapshot) {
          failedReadsText(snapshot.failedReads);
 }
 
-int snap(const SnapSettings& settings) {
-  requireUsable(settings.file);
-  const ChosenCamera camera = findCamera(settings.camera);
-  const Snapshot snapshot = takeSnapshot(settings, camera);
+void writeFile(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
   if (!hasEnding(settings.file.path, ".png")) {
     writeFits(settings.file.path, snapshot.frame.pixels(),
               fitsDescription(settings, camera, snapshot), settings.file.existing());
@@ -123,7 +127,24 @@ int snap(const SnapSettings& settings) {
     writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize),
              settings.file.existing());
   }
-  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot));
+}
+
+int snap(const SnapSettings& settings) {
+  requireUsable(settings.file);
+  ChosenCamera camera;
+  Snapshot snapshot;
+  snapshot.error = failureOf([&] {
+    camera = findCamera(settings.camera);
+    snapshot = takeSnapshot(settings, camera);
+    writeFile(settings, camera, snapshot);
+    snapshot.file = settings.file.path;
+  });
+  const bool isSaved = snapshot.error.empty();
+  report(settings.reporting, jsonOf(settings, camera, snapshot),
+         isSaved ? textOf(settings, snapshot) : "");
+  if (!isSaved) {
+    throw oc::Error(snapshot.error);
+  }
   return 0;
 }
 
@@ -140,6 +161,8 @@ and the time in its header.)",
     .examples =
         R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
   oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)",
+    .whenDone = "frame saved",
+    .whenFailed = "no camera, no frame, or a failure",
     .prepare = prepareCommand<SnapSettings, addOptions, snap>,
 };
 

@@ -11,6 +11,7 @@
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
+#include "session/causes.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
 
@@ -104,36 +105,36 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
 }
 
 // A failure of the camera is in the summary.
-Summary watchCamera(const WatchSettings& settings, const ChosenCamera& camera) {
+void watchCamera(const WatchSettings& settings, ChosenCamera& camera, Summary& summary) {
   StatusLine line(settings.reporting.isQuiet);
-  Summary summary;
-  try {
+  summary.error = failureOf([&] {
+    camera = findCamera(settings.camera);
     watchFrames(settings, camera, line, summary);
-  } catch (const oc::Error& error) {
-    summary.error = error.what();
-  }
+  });
   if (summary.frames > 0) {
     line.show(lineOf(summary));
   }
-  return summary;
 }
 
 Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::string& plot) {
-  return {{"camera", camera.description.name},
-          {"width", summary.layout.width},
-          {"height", summary.layout.height},
-          {"format", formatName(camera.settings.format)},
+  const bool wasOpen = summary.layout.width > 0;
+  const bool hasFrames = summary.frames > 0;
+  return {{"camera", orNull(camera.description.name)},
+          {"width", ifKnown(wasOpen, summary.layout.width)},
+          {"height", ifKnown(wasOpen, summary.layout.height)},
+          {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
           {"frames", summary.frames},
-          {"seconds", summary.last.seconds},
-          {"mean", summary.mean()},
-          {"min", summary.smallest},
-          {"max", summary.largest},
-          {"mostSaturatedPixels", summary.mostSaturated},
+          {"seconds", ifKnown(wasOpen, summary.last.seconds)},
+          {"mean", ifKnown(hasFrames, summary.mean())},
+          {"min", ifKnown(hasFrames, summary.smallest)},
+          {"max", ifKnown(hasFrames, summary.largest)},
+          {"mostSaturatedPixels", ifKnown(hasFrames, summary.mostSaturated)},
           {"lowestTemperature", orNull(summary.lowestTemperature)},
           {"highestTemperature", orNull(summary.highestTemperature)},
           {"failedReads", summary.failedReads},
           {"plot", orNull(plot)},
-          {"error", summary.error}};
+          {"error", summary.error},
+          {"explanation", explained(summary.error)}};
 }
 
 // Nothing after a failure.
@@ -156,18 +157,22 @@ std::string textOf(const Summary& summary, const std::string& plot) {
 
 int watch(const WatchSettings& settings) {
   requireUsable(settings.plot);
-  const ChosenCamera camera = findCamera(settings.camera);
-  Summary summary = watchCamera(settings, camera);
+  ChosenCamera camera;
+  Summary summary;
+  watchCamera(settings, camera, summary);
   if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {
     summary.error = "No frame came before the watch's end.";
   }
   std::string plot;  // empty if there is none
   if (settings.plot.isGiven() && !summary.history.points().empty()) {
-    writePng(settings.plot.path,
-             watchPlot(summary.history,
-                       camera.description.name + ", " + formatName(camera.settings.format)),
-             settings.plot.existing());
-    plot = utf8FromPath(settings.plot.path);
+    const std::string failure = failureOf([&] {
+      writePng(settings.plot.path,
+               watchPlot(summary.history,
+                         camera.description.name + ", " + formatName(camera.settings.format)),
+               settings.plot.existing());
+      plot = utf8FromPath(settings.plot.path);
+    });
+    summary.error = summary.error.empty() ? failure : summary.error;
   }
   report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));
   if (!summary.error.empty()) {
@@ -189,6 +194,8 @@ point stands for several neighbouring frames.)",
     .examples =
         R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
   oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)",
+    .whenDone = "watched, also until Ctrl-C",
+    .whenFailed = "no camera, no frame, or a failure",
     .prepare = prepareCommand<WatchSettings, addOptions, watch>,
 };
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "live_test.hpp"
+#include "session/causes.hpp"
 
 namespace orvane::testing {
 
@@ -155,7 +156,9 @@ TEST_F(LiveSessionTest, ControlsThatAreRefusedLeaveThoseOfBefore) {
   setControls({40000, 222, 33});
   ASSERT_TRUE(soon([](const LiveState& now) { return now.capture.refusals == 1; }));
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
-  EXPECT_EQ(notice().substr(0, 33), "The camera refused the setting: A");
+  const std::string refusal = "The camera refused the setting: ";
+  EXPECT_EQ(notice(), refusal + explained(notice().substr(refusal.size(), 12)));
+  EXPECT_EQ(notice().substr(refusal.size(), 12), "ASI gain: 16");
   EXPECT_EQ(state().capture.settings.exposureUs, 20000);
   EXPECT_EQ(state().capture.settings.gain, 100);
   EXPECT_TRUE(hasFrames(1));
@@ -188,7 +191,7 @@ TEST_F(LiveSessionTest, AFormatThatTheCameraRefusesLeavesTheOneOfBefore) {
   EXPECT_TRUE(session->isStreaming());
   EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw8);
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
-  EXPECT_EQ(notice().substr(0, 28), "Colour One cannot be opened:");
+  EXPECT_EQ(notice(), "Colour One cannot be opened: " + explained("ASISetROIFormat: 8"));
 }
 
 TEST_F(LiveSessionTest, RecordsUntilItIsStopped) {
@@ -243,14 +246,15 @@ TEST_F(LiveSessionTest, AnUnpluggedCameraIsClosedAndItsRecordingKept) {
   const LiveState& now = state();
   EXPECT_EQ(now.cameraName(), "Colour One");
   EXPECT_EQ(now.notice.kind, NoticeKind::Error);
-  EXPECT_EQ(now.notice.text.substr(0, 30), "Colour One does not answer (AS");
+  const std::string lost = "Colour One is lost: " + explained("ASIGetVideoData: 5") + " F5 scans.";
+  EXPECT_EQ(now.notice.text.substr(0, lost.size()), lost);
   EXPECT_FALSE(session->isStreaming());
   EXPECT_EQ(sdk.invariants().devicesOpen, 0);
   ASSERT_EQ(recordings().size(), 1U);
   const SerFile file(recordings().front());
   EXPECT_GT(file.frameCount, 0);
   const std::string saved = "Recorded " + std::to_string(file.frameCount) + " frames in ";
-  EXPECT_NE(now.notice.text.find("then press F5. " + saved), std::string::npos) << now.notice.text;
+  EXPECT_NE(now.notice.text.find("F5 scans. " + saved), std::string::npos) << now.notice.text;
   EXPECT_FALSE(now.recording);
 }
 
@@ -310,7 +314,7 @@ TEST_F(LiveSessionTest, ASingleFailureIsNoEnd) {
   start();
   EXPECT_TRUE(hasFrames(4));
   EXPECT_TRUE(session->isStreaming());
-  EXPECT_EQ(notice(), "Colour One: ASIGetVideoData: 5.");
+  EXPECT_EQ(notice(), "Colour One: " + explained("ASIGetVideoData: 5"));
   EXPECT_EQ(state().notice.kind, NoticeKind::Warning);
 }
 
@@ -320,7 +324,17 @@ TEST_F(LiveSessionTest, ACameraThatIsInUseElsewhereIsNotOpened) {
   sdk.setCameras({busy, monoCamera()});
   start();
   EXPECT_EQ(state().phase, LivePhase::Lost);
-  EXPECT_EQ(notice().substr(0, 28), "Colour One cannot be opened:");
+  EXPECT_EQ(notice(), "Colour One cannot be opened: " + explained("ASIOpenCamera: 16"));
+}
+
+TEST_F(LiveSessionTest, TellsWhatAScanMissed) {
+  SimCamera third = monoCamera();
+  third.id = 5;
+  sdk.setCameras({colourCamera(), monoCamera(), third});
+  sdk.forceResult("ASIGetCameraProperty", 5, 3);
+  start("");
+  EXPECT_EQ(state().notice.kind, NoticeKind::Error);
+  EXPECT_EQ(notice(), "Found 2 cameras. Some failed:\n" + explained("ASIGetCameraProperty: 5"));
 }
 
 }  // namespace

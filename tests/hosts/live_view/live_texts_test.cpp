@@ -108,6 +108,16 @@ TEST(LiveTexts, StatusLineTellsOfFramesThatDoNotCome) {
   EXPECT_EQ(statusLine(state).text, "Worse.");
 }
 
+TEST(LiveTexts, LongTextsAreWrappedBetweenWords) {
+  const auto upToTen = [](const std::string& line) { return line.size() <= 10; };
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(wrapped("", upToTen), Lines());
+  EXPECT_EQ(wrapped("one two", upToTen), Lines{"one two"});
+  EXPECT_EQ(wrapped("one two three four", upToTen), (Lines{"one two", "three four"}));
+  EXPECT_EQ(wrapped("one\ntwo three four", upToTen), (Lines{"one", "two three", "four"}));
+  EXPECT_EQ(wrapped("a abcdefghijklmnop b", upToTen), (Lines{"a", "abcdefghijklmnop", "b"}));
+}
+
 TEST(LiveTexts, CameraDetails) {
   oc::CameraInfo camera;
   camera.maxWidth = 1920;
