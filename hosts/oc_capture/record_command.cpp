@@ -37,6 +37,7 @@ Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera,
                 {"camera", camera.description.name},
                 {"width", recording.layout.width},
                 {"height", recording.layout.height},
+                {"region", regionJson(settings.camera.correction.region)},
                 {"format", formatName(recording.layout.format)},
                 {"bayer", bayerName(recording.layout.bayer)},
                 {"frames", recording.frames},
@@ -60,9 +61,9 @@ std::string textOf(const RecordSettings& settings, const Recording& recording) {
   const std::string rate =
       recording.frames > 1 ? " (" + decimal(recording.framesPerSecond(), 1) + " fps)" : "";
   std::string text = "Recorded " + std::to_string(recording.frames) + " frames of " +
-                     dimensionsText(recording.layout.width, recording.layout.height) + " " +
-                     formatName(recording.layout.format) + " in " + decimal(recording.seconds, 1) +
-                     " s" + rate + " to " + inQuotes(utf8FromPath(settings.file.path));
+                     frameText(recording.layout, settings.camera.correction.region) + " in " +
+                     decimal(recording.seconds, 1) + " s" + rate + " to " +
+                     inQuotes(utf8FromPath(settings.file.path));
   if (!recording.preview.empty()) {
     text += "; preview " + inQuotes(utf8FromPath(recording.preview));
   }
@@ -96,8 +97,7 @@ void writePreview(const OutputPath& preview, Recording& recording) {
     return;
   }
   try {
-    writePng(preview.path, previewOf(recording.lastFrame.pixels(), recording.layout),
-             preview.existing());
+    writePng(preview.path, previewOf(recording.lastPixels, recording.layout), preview.existing());
     recording.preview = preview.path;
   } catch (const std::exception& error) {
     recording.error = error.what();

@@ -147,6 +147,7 @@ class RecordingSession {
     recording.mostFramesWaiting = recorder.queue().mostWaiting();
     recording.framesThatMayWait = recorder.queue().capacity() - 1;  // one is being written
     recording.lastFrame = recorder.lastFrame();
+    recording.lastPixels = recorder.lastPixels();
   }
 
   const RecordSettings& settings_;

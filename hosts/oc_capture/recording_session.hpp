@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 
 #include "oc_capture/camera_options.hpp"
@@ -37,6 +38,7 @@ struct Recording {
   double seconds = 0;              ///< from the start of the stream to the last frame
   double secondsUntilWritten = 0;  ///< from the start of the stream until the file is closed
   oc::Frame lastFrame;
+  std::span<const std::uint8_t> lastPixels;  ///< of that frame, as they are in the file
   std::filesystem::path preview;  ///< the last frame as a picture; empty if there is none
   std::string error;              ///< what failed, or empty
 

@@ -43,7 +43,7 @@ using Clock = std::chrono::system_clock;
 // A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
   FrameLayout layout;
-  oc::Frame frame;
+  CorrectedFrame frame;
   std::optional<double> temperature;
   std::uint64_t failedReads = 0;
 };
@@ -53,7 +53,7 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
   StatusLine line(settings.reporting.isQuiet);
   const Clock::time_point start = Clock::now();
   for (int before = settings.camera.discard; !stopRequested();) {
-    const oc::Frame frame = stream.next();
+    const CorrectedFrame frame = stream.next();
     stream.tellFailures(line);
     if (frame && before-- == 0) {
       const oc::CaptureState state = stream.state();
@@ -72,11 +72,12 @@ FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera
                                 const Snapshot& snapshot) {
   const std::chrono::microseconds exposure(camera.settings.exposureUs);
   return {.layout = snapshot.layout,
-          .start = snapshot.frame.arrivalTime() - exposure,
+          .start = snapshot.frame.frame.arrivalTime() - exposure,
           .exposureSeconds = std::chrono::duration<double>(exposure).count(),
           .gain = *camera.settings.gain,
           .offset = camera.settings.offset,
           .bin = camera.settings.bin,
+          .region = settings.camera.correction.region,
           .pixelSizeUm = camera.description.pixelSizeUm,
           .temperature = snapshot.temperature,
           .camera = camera.description.name,
@@ -89,6 +90,7 @@ Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snap
           {"camera", camera.description.name},
           {"width", snapshot.layout.width},
           {"height", snapshot.layout.height},
+          {"region", regionJson(settings.camera.correction.region)},
           {"format", formatName(snapshot.layout.format)},
           {"bayer", bayerName(snapshot.layout.bayer)},
           {"exposureUs", camera.settings.exposureUs},
@@ -100,10 +102,8 @@ Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snap
 }
 
 std::string textOf(const SnapSettings& settings, const Snapshot& snapshot) {
-  const FrameLayout& layout = snapshot.layout;
-  return "Took a frame of " + dimensionsText(layout.width, layout.height) + " " +
-         formatName(layout.format) + ": " + inQuotes(utf8FromPath(settings.file.path)) + ".\n" +
-         failedReadsText(snapshot.failedReads);
+  return "Took a frame of " + frameText(snapshot.layout, settings.camera.correction.region) + ": " +
+         inQuotes(utf8FromPath(settings.file.path)) + ".\n" + failedReadsText(snapshot.failedReads);
 }
 
 int snap(const SnapSettings& settings) {
@@ -111,16 +111,16 @@ int snap(const SnapSettings& settings) {
   const ChosenCamera camera = findCamera(settings.camera);
   const Snapshot snapshot = takeSnapshot(settings, camera);
   if (!hasEnding(settings.file.path, ".png")) {
-    writeFits(settings.file.path, snapshot.frame.pixels(),
+    writeFits(settings.file.path, snapshot.frame.pixels,
               fitsDescription(settings, camera, snapshot), settings.file.existing());
   } else {
     StatusLine line(settings.reporting.isQuiet);
     constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
-    if (snapshot.frame.size() > large) {
+    if (snapshot.frame.pixels.size() > large) {
       line.show("Making the picture");
     }
     constexpr int anySize = 1 << 20;
-    writePng(settings.file.path, previewOf(snapshot.frame.pixels(), snapshot.layout, anySize),
+    writePng(settings.file.path, previewOf(snapshot.frame.pixels, snapshot.layout, anySize),
              settings.file.existing());
   }
   report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot));

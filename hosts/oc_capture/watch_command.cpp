@@ -91,9 +91,9 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return Clock::now() - start; };
   while (!stopRequested() && !settings.length.isReached(summary.frames, elapsed())) {
-    if (const oc::Frame frame = stream.next()) {
+    if (const CorrectedFrame next = stream.next()) {
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
-                   frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
+                   frameStatistics(next.pixels, summary.layout, camera.description.bitDepth)});
     }
     stream.tellFailures(line);
     summary.failedReads = stream.state().failedReads;
@@ -118,10 +118,12 @@ Summary watchCamera(const WatchSettings& settings, const ChosenCamera& camera) {
   return summary;
 }
 
-Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::string& plot) {
+Json jsonOf(const WatchSettings& settings, const ChosenCamera& camera, const Summary& summary,
+            const std::string& plot) {
   return {{"camera", camera.description.name},
           {"width", summary.layout.width},
           {"height", summary.layout.height},
+          {"region", regionJson(settings.camera.correction.region)},
           {"format", formatName(camera.settings.format)},
           {"frames", summary.frames},
           {"seconds", summary.last.seconds},
@@ -169,7 +171,7 @@ int watch(const WatchSettings& settings) {
              settings.plot.existing());
     plot = utf8FromPath(settings.plot.path);
   }
-  report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));
+  report(settings.reporting, jsonOf(settings, camera, summary, plot), textOf(summary, plot));
   if (!summary.error.empty()) {
     throw oc::Error(summary.error);
   }
