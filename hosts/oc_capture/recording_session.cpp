@@ -7,6 +7,7 @@
 
 #include "formats/ser_time.hpp"
 #include "oc_capture/camera_stream.hpp"
+#include "oc_capture/disk_reserve.hpp"
 #include "oc_capture/status_line.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -30,9 +31,11 @@ std::chrono::system_clock::time_point systemTimeOf(SteadyClock::time_point start
 // Records from one camera.
 class RecordingSession {
  public:
-  RecordingSession(const RecordSettings& settings, const ChosenCamera& camera)
+  RecordingSession(const RecordSettings& settings, const ChosenCamera& camera,
+                   const OutputPath& file)
       : settings_(settings),
         camera_(camera),
+        file_(file),
         stream_(std::in_place, camera, settings.camera, settings.length.frames,
                 std::int64_t{1'000'000} * settings.memoryMegabytes),
         layout_(stream_->layout()),
@@ -42,13 +45,13 @@ class RecordingSession {
     stream_->discard(settings_.camera.discard, line_);
     const SteadyClock::time_point start = stream_->start();
     const auto systemStart = systemTimeOf(start);
-    SerRecorder recorder(settings_.file.path,
-                         {layout_, settings_.observer, camera_.description.name,
+    SerRecorder recorder(file_.path,
+                         {layout_, settings_.names.observer, camera_.description.name,
                           settings_.telescope, serLocalTicks(systemStart), serTicks(systemStart)},
                          settings_.camera.correction, stream_->takeQueue(),
-                         {settings_.file.existing(), camera_.settings.exposureUs});
-    waitForFrames(recorder, start);
+                         {file_.existing(), camera_.settings.exposureUs});
     Recording recording;
+    waitForFrames(recorder, start, recording);
     recording.layout = layout_;
     recording.seconds = secondsBetween(start, SteadyClock::now());
     showProgress(recorder);
@@ -71,16 +74,41 @@ class RecordingSession {
            settings_.length.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
   }
 
-  void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start) {
+  void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start, Recording& recording) {
+    std::optional<DiskReserve> reserve;
+    if (settings_.sequence.leastFree) {
+      reserve.emplace(*settings_.sequence.leastFree, frameBytes(layout_));
+    }
     constexpr std::chrono::milliseconds between{20};
     while (!isOver(recorder, start) && !recorder.waitForEnd(between)) {
       stream_->tellFailures(line_);
+      noteTemperature(recorder, recording);
+      if (reserve && isReached(*reserve, recorder)) {
+        recording.isDiskReserved = true;
+        break;
+      }
       tellGaps(recorder);
       if (line_.isDue()) {
         showProgress(recorder);
       }
     }
     recorder.stop();
+    noteTemperature(recorder, recording);
+  }
+
+  bool isReached(DiskReserve& reserve, const SerRecorder& recorder) const {
+    const std::filesystem::path directory = file_.path.parent_path();
+    const std::optional<std::int64_t> free = freeSpace(directory.empty() ? "." : directory);
+    return free && reserve.isReached(*free, recorder.acceptedFrames(), recorder.writtenFrames());
+  }
+
+  // A camera that is lost has no temperature, so the last one counts.
+  void noteTemperature(const SerRecorder& recorder, Recording& recording) const {
+    const std::optional<double> temperature = stream_->state().temperature;
+    if (temperature && recorder.acceptedFrames() > 0) {
+      recording.temperatureAtStart = recording.temperatureAtStart.value_or(*temperature);
+      recording.temperatureAtEnd = temperature;
+    }
   }
 
   void tellGaps(const SerRecorder& recorder) {
@@ -142,6 +170,9 @@ class RecordingSession {
       recording.error = error.what();
     }
     recording.frames = recorder.writtenFrames();
+    if (recording.frames > 0) {
+      recording.file = file_.path;
+    }
     recording.times = recorder.times();
     recording.droppedFrames = recorder.droppedFrames();
     recording.mostFramesWaiting = recorder.queue().mostWaiting();
@@ -152,6 +183,7 @@ class RecordingSession {
 
   const RecordSettings& settings_;
   const ChosenCamera& camera_;
+  const OutputPath& file_;
   std::optional<CameraStream> stream_;
   FrameLayout layout_;  // of the corrected frames
   StatusLine line_;
@@ -161,8 +193,9 @@ class RecordingSession {
 
 }  // namespace
 
-Recording recordOnce(const RecordSettings& settings, const ChosenCamera& camera) {
-  return RecordingSession(settings, camera).run();
+Recording recordOnce(const RecordSettings& settings, const ChosenCamera& camera,
+                     const OutputPath& file) {
+  return RecordingSession(settings, camera, file).run();
 }
 
 }  // namespace orvane::host

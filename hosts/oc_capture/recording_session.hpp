@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 
 #include "oc_capture/camera_options.hpp"
-#include "oc_capture/output_path.hpp"
+#include "oc_capture/output_names.hpp"
 #include "oc_capture/report.hpp"
+#include "oc_capture/sequence.hpp"
 #include "session/ser_recorder.hpp"
 
 namespace orvane::host {
@@ -18,9 +20,10 @@ struct RecordSettings {
   CameraOptions camera;
   CaptureLength length;
   int memoryMegabytes = 256;  ///< for frames that wait to be written
-  OutputPath file;
+  OutputNames names;
+  SequenceOptions sequence;
   bool hasNoPreview = false;
-  std::string observer;
+  bool hasNoLog = false;
   std::string telescope;
   Reporting reporting;
 };
@@ -35,18 +38,24 @@ struct Recording {
   RecordingTimes times;
   std::size_t mostFramesWaiting = 0;
   std::size_t framesThatMayWait = 0;
+  std::optional<double> temperatureAtStart;  ///< degrees Celsius
+  std::optional<double> temperatureAtEnd;
+  bool isDiskReserved = false;     ///< it ended because of "--stop-below"
   double seconds = 0;              ///< from the start of the stream to the last frame
   double secondsUntilWritten = 0;  ///< from the start of the stream until the file is closed
   oc::Frame lastFrame;
   std::span<const std::uint8_t> lastPixels;  ///< of that frame, as they are in the file
+  std::filesystem::path file;                ///< empty if there is no frame
   std::filesystem::path preview;  ///< the last frame as a picture; empty if there is none
+  std::filesystem::path log;      ///< the settings log; empty if there is none
   std::string error;              ///< what failed, or empty
 
   double framesPerSecond() const { return times.seconds > 0 ? (frames - 1) / times.seconds : 0; }
 };
 
-/// Records from a camera, which is opened and closed again. Failures after the file was created are
-/// in the result.
-Recording recordOnce(const RecordSettings& settings, const ChosenCamera& camera);
+/// Records from a camera into this file. The camera is opened and closed again. Failures after the
+/// file was created are in the result.
+Recording recordOnce(const RecordSettings& settings, const ChosenCamera& camera,
+                     const OutputPath& file);
 
 }  // namespace orvane::host

@@ -8,8 +8,9 @@
 #include "imaging/stretch.hpp"
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_stream.hpp"
-#include "oc_capture/output_path.hpp"
+#include "oc_capture/output_names.hpp"
 #include "oc_capture/report.hpp"
+#include "oc_capture/sequence.hpp"
 #include "oc_capture/status_line.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -22,19 +23,32 @@ namespace {
 
 struct SnapSettings {
   CameraOptions camera;
-  OutputPath file;
-  std::string observer;
+  OutputNames names;
+  SequenceOptions sequence;
+  std::string kind;  // "png" or "fits", for names from a template; empty if not given
   std::string telescope;
   Reporting reporting;
 };
 
+constexpr RunNames runNames{"picture", "pictures",
+                            "Number of pictures; each has its own file,\n"
+                            "FILE-001.png and so on, or a name by --name"};
+
 void addOptions(CommandOptions& options, SnapSettings& snap) {
   addCameraOptions(options, snap.camera);
-  addOutputOptions(
-      options, snap.file,
-      {"FILE", "The file: .png, .fits or .fit", {".png", ".fits", ".fit"}, Presence::Required});
-  options.add("--observer", "NAME", "Written into a FITS file", intoText(snap.observer));
+  addNameOptions(options, snap.names,
+                 {"FILE", "The file: .png, .fits or .fit;\nwith --name the directory for it",
+                  "Written into a FITS file, {observer}"});
+  options.add(
+      "--as", "KIND", "With --name: png or fits; png if not given",
+      [&snap](const char* option, const std::string& text) {
+        if (text != "png" && text != "fits") {
+          throw UsageError(std::string(option) + " needs png or fits, not " + inQuotes(text) + ".");
+        }
+        snap.kind = text;
+      });
   options.add("--telescope", "NAME", "Written into a FITS file", intoText(snap.telescope));
+  addSequenceOptions(options, snap.sequence, runNames);
   addReportingOptions(options, snap.reporting);
 }
 
@@ -48,7 +62,8 @@ struct Snapshot {
   std::uint64_t failedReads = 0;
 };
 
-Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
+// None if the user stops the program first.
+std::optional<Snapshot> takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) {
   CameraStream stream(camera, settings.camera, 1);
   StatusLine line(settings.reporting.isQuiet);
   const Clock::time_point start = Clock::now();
@@ -57,7 +72,7 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
     stream.tellFailures(line);
     if (frame && before-- == 0) {
       const oc::CaptureState state = stream.state();
-      return {stream.layout(), frame, state.temperature, state.failedReads};
+      return Snapshot{stream.layout(), frame, state.temperature, state.failedReads};
     }
     if (line.isDue()) {
       const std::chrono::duration<double> waited = Clock::now() - start;
@@ -65,7 +80,7 @@ Snapshot takeSnapshot(const SnapSettings& settings, const ChosenCamera& camera) 
                 durationText(camera.settings.exposureUs));
     }
   }
-  throw oc::Error("Stopped before a frame came.");
+  return std::nullopt;
 }
 
 FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera& camera,
@@ -81,12 +96,15 @@ FitsDescription fitsDescription(const SnapSettings& settings, const ChosenCamera
           .pixelSizeUm = camera.description.pixelSizeUm,
           .temperature = snapshot.temperature,
           .camera = camera.description.name,
-          .observer = settings.observer,
-          .telescope = settings.telescope};
+          .observer = settings.names.observer,
+          .telescope = settings.telescope,
+          .target = settings.names.target,
+          .filter = settings.names.filter};
 }
 
-Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snapshot& snapshot) {
-  return {{"file", utf8FromPath(settings.file.path)},
+Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const OutputPath& file,
+            const Snapshot& snapshot) {
+  return {{"file", utf8FromPath(file.path)},
           {"camera", camera.description.name},
           {"width", snapshot.layout.width},
           {"height", snapshot.layout.height},
@@ -101,30 +119,54 @@ Json jsonOf(const SnapSettings& settings, const ChosenCamera& camera, const Snap
           {"failedReads", snapshot.failedReads}};
 }
 
-std::string textOf(const SnapSettings& settings, const Snapshot& snapshot) {
+std::string textOf(const SnapSettings& settings, const OutputPath& file, const Snapshot& snapshot) {
   return "Took a frame of " + frameText(snapshot.layout, settings.camera.correction.region) + ": " +
-         inQuotes(utf8FromPath(settings.file.path)) + ".\n" + failedReadsText(snapshot.failedReads);
+         inQuotes(utf8FromPath(file.path)) + ".\n" + failedReadsText(snapshot.failedReads);
+}
+
+void writePicture(const SnapSettings& settings, const ChosenCamera& camera, const OutputPath& file,
+                  const Snapshot& snapshot) {
+  if (!hasEnding(file.path, ".png")) {
+    writeFits(file.path, snapshot.frame.pixels, fitsDescription(settings, camera, snapshot),
+              file.existing());
+    return;
+  }
+  StatusLine line(settings.reporting.isQuiet);
+  constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
+  if (snapshot.frame.pixels.size() > large) {
+    line.show("Making the picture");
+  }
+  constexpr int anySize = 1 << 20;
+  writePng(file.path, previewOf(snapshot.frame.pixels, snapshot.layout, anySize), file.existing());
+}
+
+RunResult snapRun(const SnapSettings& settings, const ChosenCamera& camera,
+                  const OutputPath& file) {
+  const std::optional<Snapshot> snapshot = takeSnapshot(settings, camera);
+  if (!snapshot) {
+    return {.failure = "Stopped before a frame came."};
+  }
+  writePicture(settings, camera, file, *snapshot);
+  return {.document = jsonOf(settings, camera, file, *snapshot),
+          .text = textOf(settings, file, *snapshot)};
 }
 
 int snap(const SnapSettings& settings) {
-  requireUsable(settings.file);
-  const ChosenCamera camera = findCamera(settings.camera);
-  const Snapshot snapshot = takeSnapshot(settings, camera);
-  if (!hasEnding(settings.file.path, ".png")) {
-    writeFits(settings.file.path, snapshot.frame.pixels,
-              fitsDescription(settings, camera, snapshot), settings.file.existing());
-  } else {
-    StatusLine line(settings.reporting.isQuiet);
-    constexpr std::size_t large = 8'000'000;  // bytes; compression takes noticeable time
-    if (snapshot.frame.pixels.size() > large) {
-      line.show("Making the picture");
-    }
-    constexpr int anySize = 1 << 20;
-    writePng(settings.file.path, previewOf(snapshot.frame.pixels, snapshot.layout, anySize),
-             settings.file.existing());
+  if (!settings.kind.empty() && settings.names.nameTemplate.empty()) {
+    throw UsageError("--as needs --name; without it the ending of --out says the same.");
   }
-  report(settings.reporting, jsonOf(settings, camera, snapshot), textOf(settings, snapshot));
-  return 0;
+  RunFiles files(settings.names, {".png", ".fits", ".fit"},
+                 settings.kind == "fits" ? ".fits" : ".png", {}, settings.sequence.count);
+  for (const OutputPath& file : files.known()) {
+    requireUsable(file);
+  }
+  requirePossible(settings.sequence, files.directory());
+  const ChosenCamera camera = findCamera(settings.camera);
+  return runSequence(settings.sequence, settings.reporting, runNames, files.directory(),
+                     [&](int run) {
+                       const OutputPath file = files.file(run, camera.description.name);
+                       return snapRun(settings, camera, file);
+                     });
 }
 
 }  // namespace
@@ -136,10 +178,20 @@ const Command snapCommand{
         R"(A PNG file shows the frame in colour and brightened, with 8 bits. A FITS file
 holds its samples as they are, a Bayer pattern unchanged (BAYERPAT), RGB as
 three planes, rows from the top (ROWORDER), with the settings, the temperature
-and the time in its header.)",
+and the time in its header.
+
+A --name such as "{date}_{time}_{target}" makes the file's name. A field without
+a value is left out with the separator after it. If a name is in use, _2, _3 and
+so on is added, unless --overwrite is given.
+
+With --count, there are several pictures: a time-lapse. --every is the time from
+start to start, counted from the first, so that it does not drift. A picture
+that takes longer delays the next, which then starts at once. The camera is
+opened for each picture. A failure or Ctrl-C ends the sequence.)",
     .examples =
         R"(  oc_capture snap --sdk C:\sdk --camera 0 --exposure 2s --out m31.png
-  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits)",
+  oc_capture snap --sdk C:\sdk --camera ASI294 --format raw16 --discard 2 --out dark.fits
+  oc_capture snap --sdk C:\sdk --camera 0 --exposure 5s --count 100 --every 60s --out clouds.png)",
     .prepare = prepareCommand<SnapSettings, addOptions, snap>,
 };
 
