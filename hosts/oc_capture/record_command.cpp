@@ -32,7 +32,7 @@ void addOptions(CommandOptions& options, RecordSettings& record) {
   addNameOptions(options, record.names,
                  {"FILE.ser", "The recording; with --name the directory for it",
                   "Written into the files, {observer};\nat most 40 bytes in FILE.ser"});
-  options.add("--telescope", "NAME", "Written into the files; at most 40 bytes in FILE.ser",
+  options.add("--telescope", "NAME", "Written into the files;\nat most 40 bytes in FILE.ser",
               intoText(record.telescope));
   options.addFlag("--no-preview", record.hasNoPreview, "Leave out the picture of the last frame");
   options.addFlag("--no-log", record.hasNoLog, "Leave out the settings log");

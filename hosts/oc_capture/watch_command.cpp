@@ -186,8 +186,8 @@ const Command watchCommand{
     .explanation =
         R"(Shows the sensor's temperature and, for the last frame, the mean, the smallest
 and the largest sample and the number of saturated pixels. Ends after --frames
-frames or --seconds seconds, whichever comes first, or on Ctrl-C. In the plot of a long watch, a
-point stands for several neighbouring frames.)",
+frames or --seconds seconds, whichever comes first, or on Ctrl-C. In the plot of
+a long watch, a point stands for several neighbouring frames.)",
     .examples =
         R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
   oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)",

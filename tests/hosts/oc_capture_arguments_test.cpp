@@ -38,7 +38,7 @@ TEST_P(WrongCommandLine, GetsOneSentence) {
 }
 
 constexpr const char* allCommands =
-    "Say what to do: list, record, snap, bench, watch, play or doctor.";
+    "Say what to do: list, record, snap, bench, watch, play, repair or doctor.";
 
 constexpr WrongArguments wrongCommandLines[] = {
     {"Nothing", "", allCommands},

@@ -46,7 +46,7 @@ TEST_P(OcCaptureRegionOfMaker, HoldsTheSamePartOfTheWholeFrame) {
   sdks.add(baseName);
   const auto camera = ordered_json::parse(runWithSdks("list", {"--json"}).out)["cameras"][0];
   const Size whole{camera["maxWidth"], camera["maxHeight"]};
-  const int wholeColorId = 7 + camera["bayer"].get<int>();
+  const int wholeColorId = camera["bayer"];
   ASSERT_GE(wholeColorId, 8);
   constexpr Size part{640, 480};
   for (const int depth : {8, 16}) {
