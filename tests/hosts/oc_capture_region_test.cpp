@@ -2,6 +2,7 @@
 // whole frames.
 #include <array>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 #include "oc_capture_test.hpp"
 
@@ -38,59 +39,65 @@ char colourAt(int colorId, int x, int y) {
   return patterns.at(static_cast<std::size_t>(colorId - 8))[2 * (y % 2) + x % 2];
 }
 
+// A maker's SDK and the bits of a sample. A second ReferenceCamera in the same process would find
+// no camera of QHYCCD's.
 class OcCaptureRegionOfMaker : public OcCaptureTest,
-                               public ::testing::WithParamInterface<const char*> {};
+                               public ::testing::WithParamInterface<std::tuple<const char*, int>> {
+};
 
 TEST_P(OcCaptureRegionOfMaker, HoldsTheSamePartOfTheWholeFrame) {
-  const std::string baseName = GetParam();
+  const std::string baseName = std::get<0>(GetParam());
+  const int depth = std::get<1>(GetParam());
   sdks.add(baseName);
   const auto camera = ordered_json::parse(runWithSdks("list", {"--json"}).out)["cameras"][0];
   const Size whole{camera["maxWidth"], camera["maxHeight"]};
   const int wholeColorId = camera["bayer"];
   ASSERT_GE(wholeColorId, 8);
   constexpr Size part{640, 480};
-  for (const int depth : {8, 16}) {
-    const int format = depth == 8 ? 0 : 1;
-    std::vector<Bytes> frames;  // the camera's, as far as they were needed
-    const ReferenceCamera reference(sdks, baseName, whole.width, whole.height, 1, format, 50000,
-                                    100, 5);
-    for (const int odd : {0, 1}) {
-      // The planet is in the middle.
-      const int left = (whole.width - part.width) / 4 * 2 + odd;
-      const int top = (whole.height - part.height) / 4 * 2 + odd;
-      expectSuccess(record(
-          {"--exposure 50ms --gain 100 --offset 5 --frames 2 --overwrite",
-           depth == 8 ? "--format raw8" : "--format raw16", "--region", valueOf(left, top, part)},
-          "seed 5"));
-      const SerFile file(recording());
-      EXPECT_EQ(file.width, part.width);
-      EXPECT_EQ(file.height, part.height);
-      EXPECT_EQ(file.depth, depth);
-      EXPECT_EQ(file.unreadBytes, 0);
-      for (int y = 0; y < 2; ++y) {
-        for (int x = 0; x < 2; ++x) {
-          EXPECT_EQ(colourAt(file.colorId, x, y), colourAt(wholeColorId, left + x, top + y))
-              << x << ", " << y;
-        }
+  const ReferenceCamera reference(sdks, baseName, whole.width, whole.height, 1, depth == 8 ? 0 : 1,
+                                  50000, 100, 5);
+  std::vector<Bytes> frames;  // the camera's, as far as they were needed
+  for (const int odd : {0, 1}) {
+    // The planet is in the middle.
+    const int left = (whole.width - part.width) / 4 * 2 + odd;
+    const int top = (whole.height - part.height) / 4 * 2 + odd;
+    expectSuccess(record(
+        {"--exposure 50ms --gain 100 --offset 5 --frames 2 --overwrite",
+         depth == 8 ? "--format raw8" : "--format raw16", "--region", valueOf(left, top, part)},
+        "seed 5"));
+    const SerFile file(recording());
+    EXPECT_EQ(file.width, part.width);
+    EXPECT_EQ(file.height, part.height);
+    EXPECT_EQ(file.depth, depth);
+    EXPECT_EQ(file.unreadBytes, 0);
+    for (int y = 0; y < 2; ++y) {
+      for (int x = 0; x < 2; ++x) {
+        EXPECT_EQ(colourAt(file.colorId, x, y), colourAt(wholeColorId, left + x, top + y))
+            << x << ", " << y;
       }
-      ASSERT_EQ(file.frames.size(), 2U);
-      std::size_t number = 0;
-      for (const Bytes& recorded : file.frames) {
-        for (bool isFound = false; !isFound; ++number) {
-          ASSERT_LT(number, 40U) << "no frame of the camera has this part";
-          if (number == frames.size()) {
-            frames.push_back(reference.frame(static_cast<int>(number)));
-          }
-          isFound = recorded == partOf(frames[number], whole.width, depth / 8, left, top, part);
+    }
+    ASSERT_EQ(file.frames.size(), 2U);
+    std::size_t number = 0;
+    for (const Bytes& recorded : file.frames) {
+      for (bool isFound = false; !isFound; ++number) {
+        ASSERT_LT(number, 40U) << "no frame of the camera has this part";
+        if (number == frames.size()) {
+          frames.push_back(reference.frame(static_cast<int>(number)));
         }
+        isFound = recorded == partOf(frames[number], whole.width, depth / 8, left, top, part);
       }
     }
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Region, OcCaptureRegionOfMaker,
-                         ::testing::Values("ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"),
-                         [](const auto& test) { return test.param; });
+                         ::testing::Combine(::testing::Values("ASICamera2", "PlayerOneCamera",
+                                                              "qhyccd", "toupcam"),
+                                            ::testing::Values(8, 16)),
+                         [](const auto& test) {
+                           return std::string(std::get<0>(test.param)) + "_" +
+                                  std::to_string(std::get<1>(test.param)) + "bits";
+                         });
 
 class OcCaptureRegion : public OcCaptureAsiTest {
  protected:
