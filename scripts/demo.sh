@@ -62,4 +62,4 @@ fi
 echo
 echo "$table"
 echo
-echo "The recordings, each with a -preview.png of its last frame, brightened, are in $PWD/$out"
+echo "The recordings, each with a -preview.png of its last frame, brightened, and its settings in a .txt, are in $PWD/$out"

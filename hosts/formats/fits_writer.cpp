@@ -111,6 +111,10 @@ std::string headerText(const FitsDescription& description) {
   }
   header.add("XBINNING", description.bin, "");
   header.add("YBINNING", description.bin, "");
+  if (description.region) {
+    header.add("XORGSUBF", description.region->left, "first column, in binned pixels from 0");
+    header.add("YORGSUBF", description.region->top, "first row, in binned pixels from 0");
+  }
   if (description.temperature && std::isfinite(*description.temperature)) {
     header.add("CCD-TEMP", *description.temperature, "degrees Celsius");
   }
@@ -120,6 +124,12 @@ std::string headerText(const FitsDescription& description) {
   }
   if (!description.telescope.empty()) {
     header.add("TELESCOP", description.telescope, "");
+  }
+  if (!description.target.empty()) {
+    header.add("OBJECT", description.target, "");
+  }
+  if (!description.filter.empty()) {
+    header.add("FILTER", description.filter, "");
   }
   return header.finished();
 }

@@ -3,7 +3,10 @@
 #include "imaging/region.hpp"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstring>
+#include <system_error>
 
 #include "system/text.hpp"
 
@@ -25,6 +28,32 @@ bool Region::isInside(int frameWidth, int frameHeight) const {
 std::string regionText(const Region& region) {
   return dimensionsText(region.width, region.height) + " at " + std::to_string(region.left) + ", " +
          std::to_string(region.top);
+}
+
+std::string regionValue(const Region& region) {
+  return std::to_string(region.left) + "," + std::to_string(region.top) + "," +
+         std::to_string(region.width) + "x" + std::to_string(region.height);
+}
+
+std::optional<Region> regionFromValue(std::string_view text) {
+  std::array<int, 4> numbers{};
+  constexpr std::string_view separators = ",,x";
+  for (std::size_t at = 0; at < numbers.size(); ++at) {
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, numbers.at(at));
+    if (parsed.ec != std::errc() || numbers.at(at) < 0) {
+      return std::nullopt;
+    }
+    text.remove_prefix(static_cast<std::size_t>(parsed.ptr - text.data()));
+    const std::string_view expected = separators.substr(at, 1);
+    if (text.substr(0, 1) != expected) {
+      return std::nullopt;
+    }
+    text.remove_prefix(expected.size());
+  }
+  const Region region{numbers[0], numbers[1], numbers[2], numbers[3]};
+  return text.empty() && region.width > 0 && region.height > 0 ? std::optional(region)
+                                                               : std::nullopt;
 }
 
 FrameLayout layoutOf(const Region& region, const FrameLayout& frame) {

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "imaging/frame_layout.hpp"
 
@@ -25,6 +27,12 @@ struct Region {
 
 /// "640 x 480 at 10, 20".
 std::string regionText(const Region& region);
+
+/// "10,20,640x480": the form in which users give a region, and files state it.
+std::string regionValue(const Region& region);
+
+/// The region in that form. None if the text is something else, or the region has no pixels.
+std::optional<Region> regionFromValue(std::string_view text);
 
 /// The layout of a region inside a frame. A region that starts in an odd column or row has another
 /// Bayer pattern than the frame.

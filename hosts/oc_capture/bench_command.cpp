@@ -90,9 +90,9 @@ void measureWaits(const BenchSettings& settings, const ChosenCamera& camera, Sta
   const Clock::time_point end = start + std::chrono::microseconds(settings.durationUs);
   Clock::time_point last = start;
   while (!stopRequested() && Clock::now() < end) {
-    if (const oc::Frame frame = stream.next()) {
-      waits.push_back(secondsBetween(last, frame.arrival()));
-      last = frame.arrival();
+    if (const CorrectedFrame next = stream.next()) {
+      waits.push_back(secondsBetween(last, next.frame.arrival()));
+      last = next.frame.arrival();
     }
     stream.tellFailures(line);
     const oc::CaptureState state = stream.state();
@@ -176,6 +176,7 @@ Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& resul
                             {"explanation", explained(result.error)}});
   }
   return {{"exposureUs", settings.camera.exposureUs},
+          {"region", regionJson(settings.camera.correction.region)},
           {"measurements", measurements},
           {"chart", orNull(error.empty() ? utf8FromPath(settings.chart.path) : "")},
           {"error", error},

@@ -43,12 +43,14 @@ ReadValue intoExposure(std::int64_t& microseconds) {
   };
 }
 
-ReadValue intoSeconds(CaptureLength& length) {
-  return [&length](const char* option, const std::string& text) {
-    if (length.frames) {
-      throw UsageError("--frames and --seconds cannot be given together.");
+ReadValue intoRegion(std::optional<Region>& region) {
+  return [&region](const char* option, const std::string& text) {
+    region = regionFromValue(text);
+    if (!region) {
+      throw UsageError(std::string(option) +
+                       " needs X,Y,WIDTHxHEIGHT, such as 320,240,640x480, not " + inQuotes(text) +
+                       ".");
     }
-    length.microseconds = parseSeconds(option, text);
   };
 }
 
@@ -102,6 +104,18 @@ int sideOf(const oc::CameraInfo& camera, const char* option, std::optional<int> 
   return wanted.value_or(longest);
 }
 
+// The size to open the camera with, so that its frames hold the region.
+CornerSize sizeFor(const Region& region, int bin, const oc::CameraInfo& camera) {
+  const int width = camera.maxWidth / bin;
+  const int height = camera.maxHeight / bin;
+  if (!region.isInside(width, height)) {
+    throw UsageError("The region " + regionText(region) + " is not inside the frame of " +
+                     camera.name + ", " + dimensionsText(width, height) + " with bin " +
+                     std::to_string(bin) + ".");
+  }
+  return cornerHolding(region, width, height);
+}
+
 PixelFormat formatOf(const oc::CameraInfo& camera, std::optional<PixelFormat> wanted) {
   if (!wanted && camera.formats.empty()) {
     throw UsageError(camera.name + " offers no pixel format.");
@@ -142,6 +156,12 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera, Presence p
               intoNumber(camera.width, 1, largestInt));
   options.add("--height", "PIXELS", "Frame height; whole sensor if not given",
               intoNumber(camera.height, 1, largestInt));
+  options.add(
+      "--region", "X,Y,WIDTHxHEIGHT",
+      "Keep only this part of each frame, anywhere in\nit, in pixels after binning. Saves disk "
+      "space,\n"
+      "not readout time: the camera reads everything\nfrom its top left corner to the region",
+      intoRegion(camera.correction.region));
   options.add("--bin", "N", "Binning factor; 1 if not given",
               intoNumber(camera.bin, 1, largestInt));
   options.add("--format", "FORMAT", "raw8, raw16, rgb24 or mono8;\nthe camera's first if not given",
@@ -173,16 +193,28 @@ void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction) 
 void addLengthOptions(CommandOptions& options, CaptureLength& length, const char* framesDescription,
                       const char* secondsDescription) {
   options.add("--frames", "N", framesDescription, intoNumber(length.frames, 1, largestInt));
-  options.add("--seconds", "S", secondsDescription, intoSeconds(length));
+  options.add("--seconds", "S", secondsDescription,
+              [&length](const char* option, const std::string& text) {
+                length.microseconds = parseSeconds(option, text);
+              });
 }
 
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera) {
+  const std::optional<Region>& region = options.correction.region;
+  if (region && (options.width || options.height)) {
+    throw UsageError("--region cannot be given together with --width or --height.");
+  }
   oc::Settings settings;
   settings.width = sideOf(camera, "--width", options.width, camera.maxWidth);
   settings.height = sideOf(camera, "--height", options.height, camera.maxHeight);
   settings.bin = options.bin;
   requireListed(camera, "bin", settings.bin, camera.bins,
                 [](int bin) { return std::to_string(bin); });
+  if (region) {
+    const CornerSize size = sizeFor(*region, settings.bin, camera);
+    settings.width = size.width;
+    settings.height = size.height;
+  }
   settings.format = formatOf(camera, options.format);
   settings.exposureUs = options.exposureUs;
   if (hasLongestExposure(camera) && settings.exposureUs > camera.maxExposureUs) {
@@ -213,7 +245,7 @@ oc::Scan findCameras(const std::string& sdkDirectory) {
 ChosenCamera findCamera(const CameraOptions& options) {
   const oc::Scan catalogue = findCameras(options.sdkDirectory);
   const oc::CameraInfo& camera = chooseCamera(catalogue.cameras, options.camera);
-  return {camera, settingsFor(options, camera)};
+  return {camera, settingsFor(options, camera), catalogue.libraries};
 }
 
 }  // namespace orvane::host

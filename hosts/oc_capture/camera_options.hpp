@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "imaging/frame_correction.hpp"
 #include "imaging/frame_layout.hpp"
@@ -26,8 +27,8 @@ struct CameraOptions {
   std::int64_t exposureUs = 20'000;
   std::optional<int> gain;
   std::optional<int> offset;
-  int discard = 0;  ///< frames to throw away after the camera was opened
-  FrameCorrection correction;
+  int discard = 0;             ///< frames to throw away after the camera was opened
+  FrameCorrection correction;  ///< with the region
 };
 
 /// "--sdk", which is required, and "--scene", a recording that simulated cameras look at. Sets
@@ -41,7 +42,7 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera,
 /// "--flip", "--swap-rb" and "--bayer".
 void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction);
 
-/// When to stop taking frames, apart from Ctrl-C. Only one of the two can be given.
+/// When to stop taking frames, apart from Ctrl-C. Whichever comes first.
 struct CaptureLength {
   std::optional<int> frames;
   std::optional<std::int64_t> microseconds;
@@ -60,13 +61,15 @@ void addLengthOptions(CommandOptions& options, CaptureLength& length, const char
 struct ChosenCamera {
   oc::CameraInfo description;
   oc::Settings settings;
+  std::vector<std::string> sdks = {};  ///< those that were loaded
 
   /// False for a value without a camera.
   bool isFound() const { return !description.json.empty(); }
 };
 
-/// The given settings, completed with the camera's own. Throws UsageError with a sentence that
-/// tells what the camera offers.
+/// The given settings, completed with the camera's own. With a region, the size is that of the
+/// smallest frame that holds it. Throws UsageError with a sentence that tells what the camera
+/// offers.
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
 /// Scans for cameras, to capture from them: Ctrl-C now only sets stopRequested(). Errors of the

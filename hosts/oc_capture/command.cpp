@@ -83,6 +83,7 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
                             std::vector<std::string> arguments) {
   CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
   app.require_subcommand(1);
+  app.set_version_flag("--version", "oc_capture " ORVANE_VERSION, "Print the version and exit");
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer(textBelowCommands(commands));
   RunCommand given;
@@ -100,6 +101,11 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
   } catch (const CLI::CallForHelp&) {
     return [text = app.help()] {
       std::cout << text << "\n" << std::flush;
+      return 0;
+    };
+  } catch (const CLI::CallForVersion&) {
+    return [] {
+      std::cout << "oc_capture " ORVANE_VERSION "\n" << std::flush;
       return 0;
     };
   } catch (const CLI::ParseError& error) {

@@ -64,6 +64,21 @@ Json gapsJson(const GapCount& gaps) {
           {"longestGapAfterFrame", gaps.gaps == 0 ? Json() : Json(gaps.longestGapAfter)}};
 }
 
+Json regionJson(const std::optional<Region>& region) {
+  return region ? Json{{"x", region->left},
+                       {"y", region->top},
+                       {"width", region->width},
+                       {"height", region->height}}
+                : Json();
+}
+
+std::string frameText(const FrameLayout& layout, const std::optional<Region>& region) {
+  return dimensionsText(layout.width, layout.height) + " " + formatName(layout.format) +
+         (region ? " (region at " + std::to_string(region->left) + ", " +
+                       std::to_string(region->top) + ")"
+                 : "");
+}
+
 std::string textTable(const std::vector<TableRow>& rows, std::size_t textColumns) {
   std::vector<std::string> lines(rows.size());
   const std::size_t columns = rows.front().size();

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "imaging/region.hpp"
 #include "oc_capture/command.hpp"
 #include "session/frame_timing.hpp"
 #include "system/failures.hpp"
@@ -62,6 +63,12 @@ std::string gapText(const GapCount& gaps);
 
 /// The same as members of a JSON document.
 Json gapsJson(const GapCount& gaps);
+
+/// The region as an object, or null if there is none.
+Json regionJson(const std::optional<Region>& region);
+
+/// What a frame is, for a sentence: "640 x 480 raw8", with the place of a region.
+std::string frameText(const FrameLayout& layout, const std::optional<Region>& region);
 
 using TableRow = std::vector<std::string>;
 

@@ -92,9 +92,9 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return Clock::now() - start; };
   while (!stopRequested() && !settings.length.isReached(summary.frames, elapsed())) {
-    if (const oc::Frame frame = stream.next()) {
+    if (const CorrectedFrame next = stream.next()) {
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
-                   frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
+                   frameStatistics(next.pixels, summary.layout, camera.description.bitDepth)});
     }
     stream.tellFailures(line);
     summary.failedReads = stream.state().failedReads;
@@ -116,12 +116,14 @@ void watchCamera(const WatchSettings& settings, ChosenCamera& camera, Summary& s
   }
 }
 
-Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::string& plot) {
+Json jsonOf(const WatchSettings& settings, const ChosenCamera& camera, const Summary& summary,
+            const std::string& plot) {
   const bool wasOpen = summary.layout.width > 0;
   const bool hasFrames = summary.frames > 0;
   return {{"camera", orNull(camera.description.name)},
           {"width", ifKnown(wasOpen, summary.layout.width)},
           {"height", ifKnown(wasOpen, summary.layout.height)},
+          {"region", regionJson(settings.camera.correction.region)},
           {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
           {"frames", summary.frames},
           {"seconds", ifKnown(wasOpen, summary.last.seconds)},
@@ -174,7 +176,7 @@ int watch(const WatchSettings& settings) {
     });
     summary.error = summary.error.empty() ? failure : summary.error;
   }
-  report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));
+  report(settings.reporting, jsonOf(settings, camera, summary, plot), textOf(summary, plot));
   if (!summary.error.empty()) {
     throw oc::Error(summary.error);
   }
@@ -189,8 +191,8 @@ const Command watchCommand{
     .explanation =
         R"(Shows the sensor's temperature and, for the last frame, the mean, the smallest
 and the largest sample and the number of saturated pixels. Ends after --frames
-frames, after --seconds seconds, or on Ctrl-C. In the plot of a long watch, a
-point stands for several neighbouring frames.)",
+frames or --seconds seconds, whichever comes first, or on Ctrl-C. In the plot of
+a long watch, a point stands for several neighbouring frames.)",
     .examples =
         R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
   oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)",

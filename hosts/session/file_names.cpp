@@ -146,20 +146,24 @@ std::string nameFromTemplate(std::string_view text, const NameValues& values) {
   return usable(name);
 }
 
-std::string unusedName(const std::filesystem::path& directory, const std::string& name,
-                       std::initializer_list<std::string_view> endings) {
-  const auto isUsed = [&](const std::string& candidate) {
-    return std::any_of(endings.begin(), endings.end(), [&](std::string_view ending) {
-      std::error_code ignored;
-      return std::filesystem::exists(directory / pathFromUtf8(candidate + std::string(ending)),
-                                     ignored);
-    });
-  };
+std::string unusedName(const std::string& name,
+                       const std::function<bool(const std::string&)>& isUsed) {
   std::string candidate = name;
   for (int number = 2; isUsed(candidate); ++number) {
     candidate = name + "_" + std::to_string(number);
   }
   return candidate;
+}
+
+std::string unusedName(const std::filesystem::path& directory, const std::string& name,
+                       std::initializer_list<std::string_view> endings) {
+  return unusedName(name, [&](const std::string& candidate) {
+    return std::any_of(endings.begin(), endings.end(), [&](std::string_view ending) {
+      std::error_code ignored;
+      return std::filesystem::exists(directory / pathFromUtf8(candidate + std::string(ending)),
+                                     ignored);
+    });
+  });
 }
 
 }  // namespace orvane::host

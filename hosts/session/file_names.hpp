@@ -3,6 +3,7 @@
 
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -34,8 +35,12 @@ void requireNameTemplate(const std::string& option, std::string_view text);
 /// become "-", and names that it reserves, such as CON, get a "_" in front.
 std::string nameFromTemplate(std::string_view text, const NameValues& values);
 
-/// `name`, or the first of `name_2`, `name_3` and so on, for which none of the files with these
-/// endings exists in the directory.
+/// `name`, or the first of `name_2`, `name_3` and so on, that is not used.
+std::string unusedName(const std::string& name,
+                       const std::function<bool(const std::string&)>& isUsed);
+
+/// The same for names that are used if one of the files with these endings exists in
+/// the directory.
 std::string unusedName(const std::filesystem::path& directory, const std::string& name,
                        std::initializer_list<std::string_view> endings);
 

@@ -70,11 +70,7 @@ std::string settingsLog(const RecordingFacts& facts) {
   lines.add("filter", facts.filter);
   lines.add("width", layout.width);
   lines.add("height", layout.height);
-  lines.add("region", facts.region ? std::to_string(facts.region->left) + "," +
-                                         std::to_string(facts.region->top) + "," +
-                                         std::to_string(facts.region->width) + "x" +
-                                         std::to_string(facts.region->height)
-                                   : "");
+  lines.add("region", facts.region ? regionValue(*facts.region) : "");
   lines.add("bin", settings.bin);
   lines.add("format", std::string(formatName(layout.format)));
   lines.add("bit_depth", facts.camera.bitDepth);

@@ -72,12 +72,13 @@ void SerRecorder::run() {
 void SerRecorder::writeFrames() {
   Clock::time_point checkpoint = Clock::now();
   while (oc::Frame frame = frames_.next()) {
-    const std::span bytes(frame.data(), frame.size());
-    correctFrame(bytes, frame.layout(), correction_);
+    const std::span<const std::uint8_t> bytes =
+        correctFrame(std::span(frame.data(), frame.size()), frame.layout(), correction_);
     writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
-    noteArrival(frame.arrival());
+    noteArrival(frame);
     writtenFrames_ = writer_.frameCount();
     current_ = std::move(frame);
+    currentPixels_ = bytes;
     if (Clock::now() - checkpoint >= betweenCheckpoints) {
       writer_.checkpoint();
       checkpoint = Clock::now();
@@ -85,10 +86,12 @@ void SerRecorder::writeFrames() {
   }
 }
 
-void SerRecorder::noteArrival(Clock::time_point arrival) {
+void SerRecorder::noteArrival(const oc::Frame& frame) {
+  const Clock::time_point arrival = frame.arrival();
   const std::lock_guard lock(mutex_);
   if (writtenFrames_ == 0) {
     firstArrival_ = arrival;
+    times_.first = frame.arrivalTime();
   } else {
     const std::chrono::duration<double> interval = arrival - lastArrival_;
     for (const FrameGap& gap : gaps_.add(interval.count())) {
@@ -98,6 +101,7 @@ void SerRecorder::noteArrival(Clock::time_point arrival) {
     }
   }
   lastArrival_ = arrival;
+  times_.last = frame.arrivalTime();
 }
 
 RecordingTimes SerRecorder::times() const {

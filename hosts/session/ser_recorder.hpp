@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <mutex>
 #include <orvane_desktop_camera.hpp>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -30,6 +31,8 @@ struct RecordingOptions {
 
 /// When the recorded frames arrived.
 struct RecordingTimes {
+  std::chrono::system_clock::time_point first;  ///< these two only if there is a frame
+  std::chrono::system_clock::time_point last;
   GapCount count;
   std::vector<FrameGap> firstGaps;  ///< at most mostGaps
   double frameTime = 0;             ///< see GapFinder
@@ -80,13 +83,16 @@ class SerRecorder {
   /// The last frame in the file, empty if there is none. Only after the end.
   const oc::Frame& lastFrame() const { return current_; }
 
+  /// Its corrected bytes, which are those in the file. Valid as long as the frame is held.
+  std::span<const std::uint8_t> lastPixels() const { return currentPixels_; }
+
  private:
   static std::int64_t difference(std::uint64_t now, std::uint64_t before) {
     return static_cast<std::int64_t>(now - before);
   }
   void run();
   void writeFrames();
-  void noteArrival(std::chrono::steady_clock::time_point arrival);
+  void noteArrival(const oc::Frame& frame);
 
   const FrameCorrection correction_;
   oc::FrameQueue frames_;
@@ -94,6 +100,7 @@ class SerRecorder {
   const std::uint64_t droppedBefore_;
   SerWriter writer_;
   oc::Frame current_;
+  std::span<const std::uint8_t> currentPixels_;
   std::atomic<std::int32_t> writtenFrames_ = 0;
   std::exception_ptr failure_;
   std::chrono::steady_clock::time_point firstArrival_;

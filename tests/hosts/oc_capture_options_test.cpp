@@ -53,10 +53,14 @@ class OcCaptureOptions : public OcCaptureAsiTest {
   // The same for a command with a camera and these further arguments, with frames in raw and in
   // RGB.
   void expectAllTakenWithCamera(const std::string& command, const CommandLine& more,
-                                const char* raw, const char* rgb) const {
+                                const char* raw, const char* rgb,
+                                const CommandLine& further) const {
     const CommandLine all{"--sdk", sdks.path(), "--camera ASI120 --width 64 --height 48 --bin 1",
                           "--exposure 5ms --gain 30 --offset 5 --discard 1 --flip", more};
-    expectAllTaken(command, {{all, "--format", raw}, {all, "--format rgb24 --swap-rb", rgb}});
+    const CommandLine region{"--sdk", sdks.path(),
+                             "--camera 0 --format raw8 --quiet --region 1,2,64x48", further};
+    expectAllTaken(command,
+                   {{all, "--format", raw}, {all, "--format rgb24 --swap-rb", rgb}, region});
   }
 
   const std::filesystem::path png = scratch.file("out.png");
@@ -81,23 +85,27 @@ TEST_F(OcCaptureOptions, RecordTakesAll) {
       "record",
       {"--overwrite --memory 1 --observer Anna --telescope 80/480 --quiet --json --out",
        recording()},
-      "raw16 --bayer BGGR --frames 2", "--seconds 0.1 --no-preview");
+      "raw16 --bayer BGGR --frames 2", "--seconds 0.1 --no-preview --no-log",
+      {"--name {camera} --target M31 --filter L --count 2 --every 10ms --stop-below 1MB --frames 2",
+       "--out", scratch.path()});
 }
 
 TEST_F(OcCaptureOptions, SnapTakesAll) {
   expectAllTakenWithCamera(
       "snap", {"--overwrite --observer Anna --telescope 80/480 --quiet --json --out", png},
-      "raw8 --bayer none", "");
+      "raw8 --bayer none", "",
+      {"--name {camera} --as fits --target M31 --filter L --count 2 --every 10ms --stop-below 1MB",
+       "--out", scratch.path()});
 }
 
 TEST_F(OcCaptureOptions, WatchTakesAll) {
   expectAllTakenWithCamera("watch", {"--overwrite --quiet --json --out", png},
-                           "raw8 --bayer GRBG --frames 2", "--seconds 0.1");
+                           "raw8 --bayer GRBG --frames 2", "--seconds 0.1", {"--frames 1"});
 }
 
 TEST_F(OcCaptureOptions, BenchTakesAll) {
   expectAllTakenWithCamera("bench", {"--overwrite --seconds 0.1 --quiet --json --out", png},
-                           "raw8 --bayer GBRG", "");
+                           "raw8 --bayer GBRG", "", {"--seconds 0.1"});
 }
 
 TEST_F(OcCaptureOptions, PlayTakesAll) {
@@ -194,6 +202,8 @@ TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
   const auto document = ordered_json::parse(result.out);
   expectMembers(document, {{"file", utf8(recording())},
                            {"preview", utf8(preview())},
+                           {"log", utf8(scratch.file("recording.txt"))},
+                           {"region", nullptr},
                            {"camera", "ZWO ASI120MC-S"},
                            {"width", 64},
                            {"height", 48},
@@ -202,6 +212,7 @@ TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
                            {"frames", 4},
                            {"droppedFrames", 0},
                            {"silentWaits", 0},
+                           {"stoppedBelow", false},
                            {"framesThatMayWait", 2000000 / (64 * 48)},
                            {"error", ""}});
   EXPECT_GT(document["seconds"], 0);

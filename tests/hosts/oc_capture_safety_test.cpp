@@ -48,7 +48,7 @@ TEST_F(OcCaptureSafety, ARecordingWithoutAFrameDoesNotBlockTheRetry) {
   expectMembers(ordered_json::parse(result.out), {{"file", nullptr}, {"frames", 0}});
   EXPECT_EQ(filesHere(), 0U);
   expectSuccess(recordSmall({"--frames 2"}));
-  EXPECT_EQ(filesHere(), 2U);
+  EXPECT_EQ(filesHere(), 3U);
 }
 
 TEST_F(OcCaptureSafety, APictureIsReplacedOnlyByAWholeOne) {
@@ -96,7 +96,7 @@ TEST_F(OcCaptureSafety, ThePreviewReplacesNothing) {
       recordSmall({"--frames 2"}), 2,
       "\"" + utf8(preview()) + "\" exists already; name another file or add --overwrite.");
   EXPECT_FALSE(std::filesystem::exists(recording()));
-  const ProgramResult result = expectSuccess(recordSmall({"--frames 2 --no-preview"}));
+  const ProgramResult result = expectSuccess(recordSmall({"--frames 2 --no-preview --no-log"}));
   EXPECT_PRED_FORMAT2(IsNotSubstring, "preview", result.out);
   EXPECT_EQ(contentOf(preview()), "old");
   expectSuccess(recordSmall({"--frames 2 --overwrite"}));

@@ -58,6 +58,16 @@ TEST(Region, ItsRowsAreMovedToTheStart) {
   }
 }
 
+TEST(Region, IsReadAsItIsWritten) {
+  EXPECT_EQ(regionValue({10, 20, 640, 480}), "10,20,640x480");
+  EXPECT_EQ(regionFromValue("10,20,640x480"), (Region{10, 20, 640, 480}));
+  for (const char* text : {"", "10,20", "10,20,640", "10,20,640x", "10,20,640x480 ", "10,20,0x480",
+                           "10,20,640x0", "-1,20,640x480", "10;20,640x480", "10,20,640,480",
+                           " 10,20,640x480", "10,20,640x99999999999"}) {
+    EXPECT_EQ(regionFromValue(text), std::nullopt) << text;
+  }
+}
+
 // The colour of each pixel of the region is its colour in the frame.
 TEST(Region, ItsBayerPatternFollowsItsStart) {
   for (const BayerPattern bayer :
