@@ -9,11 +9,15 @@
 
 namespace orvane::host {
 
+std::string failureReason(int error) {
+  return error == ENOSPC ? "the disk is full" : std::generic_category().message(error);
+}
+
 OpenFile::OpenFile(const std::filesystem::path& path, std::FILE* file)
     : name_(inQuotes(utf8FromPath(path))), file_(file) {}
 
 void OpenFile::fail(const char* action) const {
-  fail(action, std::generic_category().message(errno));
+  fail(action, failureReason(errno));
 }
 
 void OpenFile::fail(const char* action, const std::string& reason) const {
@@ -40,7 +44,7 @@ void InputFile::readAt(std::int64_t position, std::span<std::uint8_t> bytes) con
   errno = 0;
   if (!seekFile(file_.get(), position) ||
       std::fread(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-    fail("read", errno == 0 ? "it ends too early" : std::generic_category().message(errno));
+    fail("read", errno == 0 ? "it ends too early" : failureReason(errno));
   }
 }
 

@@ -11,6 +11,9 @@
 
 namespace orvane::host {
 
+/// What this value of errno means, without a full stop: "the disk is full", or the system's text.
+std::string failureReason(int error);
+
 /// An open file. Every member of the two kinds below throws std::runtime_error with a sentence that
 /// names the file.
 class OpenFile {

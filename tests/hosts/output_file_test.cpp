@@ -1,8 +1,10 @@
 // That a file appears whole, replaces another only when it may, and is written by one program.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <fstream>
 #include <optional>
+#include <system_error>
 
 #include "scratch_directory.hpp"
 #include "system/file.hpp"
@@ -140,6 +142,11 @@ TEST_F(OutputFileTest, ADirectoryIsNotReplaced) {
   EXPECT_NE(failureOf([&] { const OutputFile file(path, Existing::Replace); }), "");
   EXPECT_TRUE(std::filesystem::is_directory(path));
   EXPECT_EQ(filesHere(), 1U);
+}
+
+TEST(FailureReason, AFullDiskIsSaidSo) {
+  EXPECT_EQ(failureReason(ENOSPC), "the disk is full");
+  EXPECT_EQ(failureReason(EACCES), std::generic_category().message(EACCES));
 }
 
 }  // namespace
