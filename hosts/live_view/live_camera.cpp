@@ -1,6 +1,7 @@
 // Runs a live session on a thread of its own, so that the window never waits for the camera.
 #include "live_view/live_camera.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "system/system.hpp"
@@ -49,7 +50,10 @@ void LiveCamera::run(const std::stop_token& stop) {
   while (true) {
     publish();
     std::unique_lock lock(mutex_);
-    wake_.wait_for(lock, stop, betweenStates, [this] { return !requests_.empty(); });
+    // A limit of time is kept to the millisecond.
+    const auto left = session_.recordingTimeLeft().value_or(betweenStates);
+    wake_.wait_for(lock, stop, std::clamp(left, std::chrono::milliseconds(1), betweenStates),
+                   [this] { return !requests_.empty(); });
     if (stop.stop_requested()) {
       return;
     }
