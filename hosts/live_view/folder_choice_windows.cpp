@@ -51,6 +51,7 @@ std::optional<std::filesystem::path> chooseFolder(HWND owner, const wchar_t* tit
   const ComPointer<IFileOpenDialog> dialog(made);
   require(dialog->SetOptions(FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM | FOS_PATHMUSTEXIST));
   require(dialog->SetTitle(title));
+  require(dialog->SetOkButtonLabel(L"Choose"));
   IShellItem* start = nullptr;
   if (SUCCEEDED(SHCreateItemFromParsingName(now.c_str(), nullptr, IID_IShellItem,
                                             reinterpret_cast<void**>(&start)))) {

@@ -145,7 +145,8 @@ RecordingProgress LiveRecording::progress(double framesPerSecond) const {
   now.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
   now.droppedFrames = recorder_.droppedFrames();
   std::error_code error;
-  const std::filesystem::space_info space = std::filesystem::space(directory_, error);
+  // GCC's library for Windows asks for the directory before the last separator.
+  const std::filesystem::space_info space = std::filesystem::space(directory_ / "", error);
   if (!error) {
     now.freeBytes = static_cast<std::int64_t>(space.available);
     if (framesPerSecond > 0) {

@@ -220,7 +220,8 @@ class PanelDrawing {
     const PixelRect& place = layout_.notice;
     canvas_.fill(line, palette::panel);
     canvas_.fill({place.left, place.top, place.width, line.top - place.top}, palette::panel);
-    canvas_.fill({line.left, line.top, line.width, at(1)}, palette::line);
+    canvas_.fill({place.left, place.top, place.width, at(1)}, palette::line);
+    canvas_.fill({place.right(), line.top, line.right() - place.right(), at(1)}, palette::line);
     const Notice notice = statusLine(content_.state);
     canvas_.paragraph(layout_.noticeText, notice.text, colorOf(notice.kind));
     canvas_.text({line.left, line.top, line.width - at(16), line.height}, keysText, TextSize::Small,

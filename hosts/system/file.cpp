@@ -101,8 +101,18 @@ void OutputFile::writeAt(std::int64_t position, std::span<const std::uint8_t> by
   }
   if (!seekFile(file_.get(), position) ||
       std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-    fail("write");
+    failToWrite(bytes.size());
   }
+}
+
+// If the disk has room for a part of the bytes only, Windows reports any reason.
+void OutputFile::failToWrite(std::size_t bytes) const {
+  const int reason = errno;
+  std::error_code error;
+  // GCC's library for Windows asks for the directory before the last separator.
+  const std::filesystem::path directory = std::filesystem::absolute(path_, error).parent_path();
+  const std::filesystem::space_info space = std::filesystem::space(directory / "", error);
+  fail("write", failureReason(!error && space.available < bytes ? ENOSPC : reason));
 }
 
 void OutputFile::truncate(std::int64_t size) {

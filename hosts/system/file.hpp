@@ -1,6 +1,7 @@
 // Files that are read or written at any position, of any size. Every failure is an exception.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -89,6 +90,7 @@ class OutputFile : public OpenFile {
  private:
   void prepare();
   [[noreturn]] void failToCreate() const;
+  [[noreturn]] void failToWrite(std::size_t bytes) const;
 
   std::filesystem::path path_;
   std::filesystem::path temporary_;
