@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <system_error>
 #include <utility>
 
 #include "formats/ser_time.hpp"
+#include "system/disk_space.hpp"
 #include "system/file.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -144,15 +144,10 @@ RecordingProgress LiveRecording::progress(double framesPerSecond) const {
   now.bytes = now.frames * static_cast<std::int64_t>(frameBytes_);
   now.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
   now.droppedFrames = recorder_.droppedFrames();
-  std::error_code error;
-  // GCC's library for Windows asks for the directory before the last separator.
-  const std::filesystem::space_info space = std::filesystem::space(directory_ / "", error);
-  if (!error) {
-    now.freeBytes = static_cast<std::int64_t>(space.available);
-    if (framesPerSecond > 0) {
-      now.secondsToFull = static_cast<double>(*now.freeBytes) /
-                          (framesPerSecond * static_cast<double>(frameBytes_));
-    }
+  now.freeBytes = freeSpace(directory_);
+  if (now.freeBytes && framesPerSecond > 0) {
+    now.secondsToFull =
+        static_cast<double>(*now.freeBytes) / (framesPerSecond * static_cast<double>(frameBytes_));
   }
   if (const auto left = timeLeft()) {
     now.secondsToLimit = std::max(0.0, std::chrono::duration<double>(*left).count());

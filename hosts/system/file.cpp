@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "system/disk_space.hpp"
+
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -108,11 +110,10 @@ void OutputFile::writeAt(std::int64_t position, std::span<const std::uint8_t> by
 // If the disk has room for a part of the bytes only, Windows reports any reason.
 void OutputFile::failToWrite(std::size_t bytes) const {
   const int reason = errno;
-  std::error_code error;
-  // GCC's library for Windows asks for the directory before the last separator.
-  const std::filesystem::path directory = std::filesystem::absolute(path_, error).parent_path();
-  const std::filesystem::space_info space = std::filesystem::space(directory / "", error);
-  fail("write", failureReason(!error && space.available < bytes ? ENOSPC : reason));
+  std::error_code ignored;
+  const auto free = freeSpace(std::filesystem::absolute(path_, ignored).parent_path());
+  const bool isFull = free && *free < static_cast<std::int64_t>(bytes);
+  fail("write", failureReason(isFull ? ENOSPC : reason));
 }
 
 void OutputFile::truncate(std::int64_t size) {

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "scratch_directory.hpp"
+#include "system/disk_space.hpp"
 #include "system/file.hpp"
 
 namespace orvane::host {
@@ -142,6 +143,12 @@ TEST_F(OutputFileTest, ADirectoryIsNotReplaced) {
   EXPECT_NE(failureOf([&] { const OutputFile file(path, Existing::Replace); }), "");
   EXPECT_TRUE(std::filesystem::is_directory(path));
   EXPECT_EQ(filesHere(), 1U);
+}
+
+TEST(FreeSpace, IsThatOfTheDirectorysDisk) {
+  const ScratchDirectory scratch;
+  EXPECT_GT(freeSpace(scratch.path()).value_or(0), 0);
+  EXPECT_FALSE(freeSpace(scratch.file("nothing") / "here"));
 }
 
 TEST(FailureReason, AFullDiskIsSaidSo) {
