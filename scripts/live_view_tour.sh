@@ -10,7 +10,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools
 out=${1:-live-view-tour}
 mkdir -p "$out/recordings"
 out=$(cd "$out" && pwd)
-rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.ser
+rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.{ser,txt}
 
 echo "== build"
 quietly cmake --preset windows-x64
@@ -38,7 +38,7 @@ unset ORVANE_SIMULATOR
 
 # start ARGUMENT...: starts the program and waits until its window is there.
 start() {
-  cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" \
+  cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" --no-settings \
     --recordings "$out/recordings" "$@" 2>>"$out/live_view.log" &
   program=$!
   window=

@@ -72,6 +72,12 @@ class GdiCanvas {
   void text(const PixelRect& rect, const std::string& utf8, TextSize size,
             const PaletteColor& color, TextAlign align = TextAlign::Left);
 
+  /// Text of normal size that is broken into lines, from the top.
+  void paragraph(const PixelRect& rect, const std::string& utf8, const PaletteColor& color);
+
+  /// How many lines such a text needs in this width.
+  int paragraphLines(const std::string& utf8, int width);
+
   int textWidth(const std::string& utf8, TextSize size);
 
  private:

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <sstream>
-#include <utility>
+#include <cmath>
 
 #include "system/text.hpp"
 
@@ -24,6 +23,21 @@ std::string twoDigits(std::int64_t number) {
 std::string sizeText(std::int64_t bytes) {
   const auto number = static_cast<double>(bytes);
   return number < 1e9 ? decimal(number / 1e6, 1) + " MB" : decimal(number / 1e9, 2) + " GB";
+}
+
+// Until the recording ends, since the disk is full or the limit is reached.
+std::optional<double> secondsLeft(const RecordingProgress& recording) {
+  if (recording.secondsToFull && recording.secondsToLimit) {
+    return std::min(*recording.secondsToFull, *recording.secondsToLimit);
+  }
+  return recording.secondsToFull ? recording.secondsToFull : recording.secondsToLimit;
+}
+
+std::string durationLeftText(double seconds) {
+  if (seconds < 100) {
+    return decimal(seconds, 0) + " s";
+  }
+  return seconds < 6000 ? decimal(seconds / 60, 0) + " min" : decimal(seconds / 3600, 0) + " h";
 }
 
 std::string sizeText(int width, int height) {
@@ -99,6 +113,41 @@ std::string recordingText(const RecordingProgress& recording) {
          std::to_string(recording.frames) + " frames   " + sizeText(recording.bytes);
 }
 
+std::string recordingDetails(const RecordingProgress& recording) {
+  std::string text = std::to_string(recording.droppedFrames) + " dropped";
+  if (recording.freeBytes) {
+    text += "   " + sizeText(*recording.freeBytes) + " free";
+  }
+  if (const auto left = secondsLeft(recording)) {
+    text += "   " + durationLeftText(*left) + " left";
+  }
+  return text;
+}
+
+bool isAlarming(const RecordingProgress& recording) {
+  constexpr double shortTime = 60;
+  const double toFull = recording.secondsToFull.value_or(shortTime);
+  return recording.droppedFrames > 0 ||
+         (toFull < shortTime && toFull < recording.secondsToLimit.value_or(shortTime));
+}
+
+std::optional<Countdown> countdownOf(const LiveState& state) {
+  constexpr std::int64_t shortestUs = 2'000'000;
+  const std::int64_t exposureUs = state.capture.settings.exposureUs;
+  if (state.phase != LivePhase::Streaming || exposureUs <= shortestUs) {
+    return std::nullopt;
+  }
+  const double exposure = static_cast<double>(exposureUs) / 1e6;
+  const double since = std::chrono::duration<double>(state.capture.silence).count();
+  if (since >= exposure) {
+    return Countdown{"Reading the frame\u2026", 1};
+  }
+  const auto left = static_cast<std::int64_t>(std::ceil(exposure - since));
+  const std::string time =
+      left < 60 ? std::to_string(left) + " s" : twoDigits(left / 60) + ":" + twoDigits(left % 60);
+  return Countdown{"Next frame in " + time, since / exposure};
+}
+
 std::string emptyPictureText(const LiveState& state) {
   switch (state.phase) {
     case LivePhase::Searching:
@@ -124,31 +173,16 @@ Notice statusLine(const LiveState& state) {
   return state.notice;
 }
 
-std::vector<std::string> wrapped(const std::string& text,
-                                 const std::function<bool(const std::string& line)>& fits) {
-  std::vector<std::string> lines;
-  std::istringstream paragraphs(text);
-  for (std::string paragraph; std::getline(paragraphs, paragraph);) {
-    std::string line;
-    std::istringstream words(paragraph);
-    for (std::string word; words >> word;) {
-      const std::string longer = line.empty() ? word : line + " " + word;
-      if (line.empty() || fits(longer)) {
-        line = longer;
-      } else {
-        lines.push_back(std::exchange(line, word));
-      }
-    }
-    lines.push_back(line);
-  }
-  return lines;
+CameraDetails cameraDetails(const oc::CameraInfo& camera) {
+  const std::string bayer = bayerName(camera.bayer);
+  return {sizeText(camera.maxWidth, camera.maxHeight), std::to_string(camera.bitDepth) + " bit",
+          camera.isColor ? bayer.empty() ? "colour" : bayer : "mono",
+          camera.isCooled ? "cooled" : ""};
 }
 
-std::string cameraDetails(const oc::CameraInfo& camera) {
-  const std::string bayer = bayerName(camera.bayer);
-  return sizeText(camera.maxWidth, camera.maxHeight) + "   " + std::to_string(camera.bitDepth) +
-         " bit   " + (camera.isColor ? bayer.empty() ? "colour" : bayer : "mono") +
-         (camera.isCooled ? "   cooled" : "");
+std::size_t positionOf(const std::vector<oc::CameraInfo>& cameras, int index) {
+  const auto found = std::ranges::find(cameras, index, &oc::CameraInfo::index);
+  return static_cast<std::size_t>(found - cameras.begin());
 }
 
 }  // namespace orvane::host

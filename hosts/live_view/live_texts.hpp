@@ -1,8 +1,9 @@
 // The texts of the live view.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,18 +44,33 @@ std::string focusCaption(const Focus& focus);
 /// "00:42   1260 frames   1.52 GB".
 std::string recordingText(const RecordingProgress& recording);
 
+/// "0 dropped   45.20 GB free   12 min left": the time until the disk is full or the limit is
+/// reached, whatever comes first.
+std::string recordingDetails(const RecordingProgress& recording);
+
+/// True when frames were dropped, or the disk is full in less than a minute and before the end.
+bool isAlarming(const RecordingProgress& recording);
+
+/// How far the exposure is.
+struct Countdown {
+  std::string text;  ///< "Next frame in 8 s"
+  double part = 0;   ///< 0 at its start, 1 at its end
+};
+
+/// The countdown of an exposure of more than two seconds; none for shorter ones.
+std::optional<Countdown> countdownOf(const LiveState& state);
+
 /// The text over an empty picture; "" if a picture is expected.
 std::string emptyPictureText(const LiveState& state);
 
 /// The status line: the notice, or that a frame is overdue.
 Notice statusLine(const LiveState& state);
 
-/// The text in lines of which each fits, as far as its words allow. A line ends at a line end of
-/// the text, or between two words.
-std::vector<std::string> wrapped(const std::string& text,
-                                 const std::function<bool(const std::string& line)>& fits);
+/// "1920 \u00d7 1080", "12 bit", "BGGR" and "cooled": the columns of the list of cameras.
+using CameraDetails = std::array<std::string, 4>;
+CameraDetails cameraDetails(const oc::CameraInfo& camera);
 
-/// "1920 \u00d7 1080   12 bit   BGGR   cooled", for the list of cameras.
-std::string cameraDetails(const oc::CameraInfo& camera);
+/// The position of the camera with this index; the number of cameras if there is none.
+std::size_t positionOf(const std::vector<oc::CameraInfo>& cameras, int index);
 
 }  // namespace orvane::host

@@ -2,16 +2,18 @@
 #include "live_view/panel_windows.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
 #include "live_view/key_commands.hpp"
-#include "live_view/live_texts.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
 
 namespace {
+
+constexpr const char* keysText = "F1  keys";
 
 PaletteColor colorOf(NoticeKind kind) {
   return kind == NoticeKind::Error     ? palette::error
@@ -27,21 +29,6 @@ PixelRect middleOf(const PixelRect& rect, int height) {
 // What is left without this much of the left side.
 PixelRect restOf(const PixelRect& rect, int width) {
   return {rect.left + width, rect.top, rect.width - width, rect.height};
-}
-
-constexpr const char* keysText = "F1  keys";
-
-// What the keys leave of the status line.
-PixelRect noticePlace(GdiCanvas& canvas, const PixelRect& status) {
-  const int margin = canvas.at(16);
-  return {status.left + margin, status.top,
-          status.width - 3 * margin - canvas.textWidth(keysText, TextSize::Small), status.height};
-}
-
-std::vector<std::string> linesOf(GdiCanvas& canvas, const Notice& notice, const PixelRect& place) {
-  return wrapped(notice.text, [&](const std::string& line) {
-    return canvas.textWidth(line, TextSize::Normal) <= place.width;
-  });
 }
 
 // One drawing of the panel and the status line.
@@ -205,29 +192,38 @@ class PanelDrawing {
     canvas_.outline(button, recording ? palette::recording : palette::line);
     const int side = at(12);
     const int margin = at(14);
-    const PixelRect sign{button.left + margin, middleOf(button, side).top, side, side};
-    const PixelRect label{sign.right() + at(12), button.top, button.width - margin - side - at(24),
-                          button.height};
+    const int half = button.height / 2;
+    const PixelRect upper{button.left + margin, button.top + at(4), button.width - 2 * margin,
+                          half - at(4)};
+    const PixelRect lower{upper.left, upper.bottom(), upper.width, upper.height};
+    const PixelRect sign{upper.left, middleOf(upper, side).top, side, side};
+    const PixelRect label = restOf(upper, side + at(12));
     if (recording) {
       canvas_.fill(sign, palette::recording);
       canvas_.text(label, recordingText(*recording), TextSize::Normal, palette::text);
+      canvas_.text(lower, recordingDetails(*recording), TextSize::Small,
+                   isAlarming(*recording) ? palette::warning : palette::quietText);
     } else {
+      const std::string limit = limitText(content_.state.limit);
       canvas_.dot(sign, isLive() ? palette::recording : palette::line);
       canvas_.text(label, "Record", TextSize::Normal,
                    isLive() ? palette::text : palette::quietText);
+      canvas_.text(lower, limit.empty() ? "until stopped" : "for " + limit, TextSize::Small,
+                   palette::quietText);
+      canvas_.text(lower, "T", TextSize::Small, palette::quietText, TextAlign::Right);
     }
     canvas_.text(label, "R", TextSize::Small, palette::quietText, TextAlign::Right);
   }
 
   void drawStatusLine() {
     const PixelRect& line = layout_.status;
+    const PixelRect& place = layout_.notice;
     canvas_.fill(line, palette::panel);
-    canvas_.fill({line.left, line.top, line.width, at(1)}, palette::line);
+    canvas_.fill({place.left, place.top, place.width, line.top - place.top}, palette::panel);
+    canvas_.fill({place.left, place.top, place.width, at(1)}, palette::line);
+    canvas_.fill({place.right(), line.top, line.right() - place.right(), at(1)}, palette::line);
     const Notice notice = statusLine(content_.state);
-    if (const PixelRect place = noticePlace(canvas_, line);
-        linesOf(canvas_, notice, place).size() == 1) {
-      canvas_.text(place, notice.text, TextSize::Normal, colorOf(notice.kind));
-    }
+    canvas_.paragraph(layout_.noticeText, notice.text, colorOf(notice.kind));
     canvas_.text({line.left, line.top, line.width - at(16), line.height}, keysText, TextSize::Small,
                  palette::quietText, TextAlign::Right);
   }
@@ -255,6 +251,13 @@ void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent
   PanelDrawing(canvas, layout, content).draw();
 }
 
+int noticeLines(GdiCanvas& canvas, const WindowLayout& layout, const std::string& notice) {
+  if (canvas.textWidth(notice, TextSize::Normal) <= layout.noticeText.width) {
+    return 1;
+  }
+  return canvas.paragraphLines(notice, layout.wrappedNoticeWidth);
+}
+
 void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star) {
   const int x = picture.left + static_cast<int>(std::lround(view.screenX(star.x)));
@@ -278,25 +281,6 @@ void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureVie
   canvas.circle(middleX, middleY, canvas.at(24), palette::accent);
 }
 
-void drawLongNotice(GdiCanvas& canvas, const WindowLayout& layout, const Notice& notice) {
-  if (linesOf(canvas, notice, noticePlace(canvas, layout.status)).size() < 2) {
-    return;
-  }
-  const PixelRect& picture = layout.picture;
-  const int margin = canvas.at(16);
-  PixelRect line{picture.left + margin, 0, picture.width - 2 * margin, canvas.at(22)};
-  const auto lines = linesOf(canvas, notice, line);
-  const int height = static_cast<int>(lines.size()) * line.height + margin;
-  line.top = picture.bottom() - height + margin / 2;
-  canvas.fill({picture.left, picture.bottom() - height, picture.width, height}, palette::panel);
-  canvas.fill({picture.left, picture.bottom() - height, picture.width, canvas.at(1)},
-              palette::line);
-  for (const std::string& text : lines) {
-    canvas.text(line, text, TextSize::Normal, colorOf(notice.kind));
-    line.top = line.bottom();
-  }
-}
-
 void drawHelp(GdiCanvas& canvas, const PixelRect& picture) {
   const auto lines = helpLines();
   const ListPlace list = placeList(picture, 520, static_cast<int>(lines.size()), canvas.dpi());
@@ -311,14 +295,39 @@ void drawHelp(GdiCanvas& canvas, const PixelRect& picture) {
   }
 }
 
+void drawCountdown(GdiCanvas& canvas, const PixelRect& picture, const Countdown& countdown) {
+  const int width = std::min(canvas.at(240), picture.width);
+  const int height = canvas.at(40);
+  const PixelRect box{picture.left + (picture.width - width) / 2,
+                      picture.bottom() - height - canvas.at(12), width, height};
+  canvas.fill(box, palette::panel);
+  canvas.outline(box, palette::line);
+  canvas.text({box.left, box.top, box.width, height - canvas.at(10)}, countdown.text,
+              TextSize::Normal, palette::text, TextAlign::Centre);
+  const PixelRect track{box.left + canvas.at(12), box.bottom() - canvas.at(10),
+                        box.width - canvas.at(24), canvas.at(4)};
+  canvas.fill(track, palette::raised);
+  canvas.fill({track.left, track.top, static_cast<int>(std::lround(countdown.part * track.width)),
+               track.height},
+              palette::accent);
+}
+
 ListPlace cameraListPlace(const PixelRect& picture, std::size_t cameras, int dpi) {
-  return placeList(picture, 540, static_cast<int>(cameras), dpi);
+  return placeList(picture, 640, static_cast<int>(cameras), dpi);
 }
 
 void drawCameraList(GdiCanvas& canvas, const PixelRect& picture, const LiveState& state,
                     std::size_t selected) {
   const ListPlace list = cameraListPlace(picture, state.cameras.size(), canvas.dpi());
   drawBox(canvas, picture, list, state.cameras.empty() ? "No cameras" : "Choose a camera");
+  std::array<int, CameraDetails().size()> widths{};
+  for (const oc::CameraInfo& camera : state.cameras) {
+    const CameraDetails details = cameraDetails(camera);
+    for (std::size_t column = 0; column < details.size(); ++column) {
+      widths.at(column) =
+          std::max(widths.at(column), canvas.textWidth(details.at(column), TextSize::Small));
+    }
+  }
   const int inset = canvas.at(8);
   for (int number = 0; number < list.rows; ++number) {
     const auto position = static_cast<std::size_t>(number);
@@ -328,12 +337,20 @@ void drawCameraList(GdiCanvas& canvas, const PixelRect& picture, const LiveState
       canvas.fill(row, palette::raised);
       canvas.fill({row.left, row.top, canvas.at(3), row.height}, palette::accent);
     }
-    const PixelRect inner{row.left + inset, row.top, row.width - 2 * inset, row.height};
-    canvas.text(inner, std::to_string(position + 1), TextSize::Small, palette::quietText);
-    canvas.text({inner.left + canvas.at(24), inner.top, inner.width / 2, inner.height}, camera.name,
-                TextSize::Normal, state.chosen == position ? palette::accent : palette::text);
-    canvas.text(inner, cameraDetails(camera), TextSize::Small, palette::quietText,
-                TextAlign::Right);
+    PixelRect inner{row.left + inset, row.top, row.width - 2 * inset, row.height};
+    canvas.text({inner.left, inner.top, canvas.at(18), inner.height}, std::to_string(camera.index),
+                TextSize::Small, palette::quietText, TextAlign::Right);
+    const CameraDetails details = cameraDetails(camera);
+    for (std::size_t column = details.size(); column-- > 0;) {
+      if (widths.at(column) > 0) {
+        const int left = inner.right() - widths.at(column);
+        canvas.text({left, inner.top, widths.at(column), inner.height}, details.at(column),
+                    TextSize::Small, palette::quietText);
+        inner.width -= widths.at(column) + canvas.at(14);
+      }
+    }
+    canvas.text(restOf(inner, canvas.at(30)), camera.name, TextSize::Normal,
+                state.chosen == position ? palette::accent : palette::text);
   }
 }
 

@@ -19,7 +19,9 @@ constexpr int trackHeight = 26;
 constexpr int histogramHeight = 96;
 constexpr int figureHeight = 38;
 constexpr int trendHeight = 44;
-constexpr int recordHeight = 40;
+constexpr int recordHeight = 52;
+constexpr int noticeLineHeight = 20;
+constexpr int keysWidth = 64;
 
 // Divides a column into rectangles, from the top down.
 class Column {
@@ -47,14 +49,23 @@ int scaled(int length, int dpi) {
   return (length * dpi + 48) / 96;
 }
 
-WindowLayout layOut(int width, int height, int dpi) {
+WindowLayout layOut(int width, int height, int dpi, int noticeLines) {
   const auto at = [&](int length) { return scaled(length, dpi); };
   WindowLayout layout;
   const int statusTop = std::max(0, height - at(statusHeight));
   const int panelLeft = std::max(0, width - at(panelWidth));
   layout.status = {0, statusTop, width, height - statusTop};
   layout.panel = {panelLeft, 0, width - panelLeft, statusTop};
-  layout.picture = {0, 0, panelLeft, statusTop};
+  const int noticeTop =
+      std::max(0, statusTop - at(noticeLineHeight) * std::max(0, noticeLines - 1));
+  const int textTop = noticeTop + at((statusHeight - noticeLineHeight) / 2);
+  layout.picture = {0, 0, panelLeft, noticeTop};
+  layout.notice = {0, noticeTop, noticeLines > 1 ? panelLeft : width, height - noticeTop};
+  layout.wrappedNoticeWidth = std::max(0, panelLeft - 2 * at(margin));
+  layout.noticeText = {
+      at(margin), textTop,
+      noticeLines > 1 ? layout.wrappedNoticeWidth : std::max(0, width - at(3 * margin + keysWidth)),
+      std::max(0, height - textTop)};
 
   const int innerWidth = at(panelWidth - 2 * margin);
   Column column({panelLeft + at(margin), at(margin), innerWidth, 0}, dpi);

@@ -17,6 +17,9 @@ struct WindowLayout {
   PixelRect picture;
   PixelRect panel;
   PixelRect status;
+  PixelRect notice;            ///< the left part of the status line, and the lines above it
+  PixelRect noticeText;        ///< in it
+  int wrappedNoticeWidth = 0;  ///< of the text when it has more than one line
 
   PixelRect cameraName;
   PixelRect cameraFormat;
@@ -32,7 +35,8 @@ struct WindowLayout {
 };
 
 /// `dpi` is 96 where a screen has no magnification.
-WindowLayout layOut(int width, int height, int dpi);
+/// The notice has the whole status line, or a column of `noticeLines` lines below the picture.
+WindowLayout layOut(int width, int height, int dpi, int noticeLines = 1);
 
 /// A length given for 96 dots per inch, on this screen.
 int scaled(int length, int dpi);

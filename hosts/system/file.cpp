@@ -5,15 +5,21 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "system/disk_space.hpp"
+
 #include "system/text.hpp"
 
 namespace orvane::host {
+
+std::string failureReason(int error) {
+  return error == ENOSPC ? "the disk is full" : std::generic_category().message(error);
+}
 
 OpenFile::OpenFile(const std::filesystem::path& path, std::FILE* file)
     : name_(inQuotes(utf8FromPath(path))), file_(file) {}
 
 void OpenFile::fail(const char* action) const {
-  fail(action, std::generic_category().message(errno));
+  fail(action, failureReason(errno));
 }
 
 void OpenFile::fail(const char* action, const std::string& reason) const {
@@ -40,7 +46,7 @@ void InputFile::readAt(std::int64_t position, std::span<std::uint8_t> bytes) con
   errno = 0;
   if (!seekFile(file_.get(), position) ||
       std::fread(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-    fail("read", errno == 0 ? "it ends too early" : std::generic_category().message(errno));
+    fail("read", errno == 0 ? "it ends too early" : failureReason(errno));
   }
 }
 
@@ -97,8 +103,17 @@ void OutputFile::writeAt(std::int64_t position, std::span<const std::uint8_t> by
   }
   if (!seekFile(file_.get(), position) ||
       std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-    fail("write");
+    failToWrite(bytes.size());
   }
+}
+
+// If the disk has room for a part of the bytes only, Windows reports any reason.
+void OutputFile::failToWrite(std::size_t bytes) const {
+  const int reason = errno;
+  std::error_code ignored;
+  const auto free = freeSpace(std::filesystem::absolute(path_, ignored).parent_path());
+  const bool isFull = free && *free < static_cast<std::int64_t>(bytes);
+  fail("write", failureReason(isFull ? ENOSPC : reason));
 }
 
 void OutputFile::truncate(std::int64_t size) {

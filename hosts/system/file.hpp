@@ -1,6 +1,7 @@
 // Files that are read or written at any position, of any size. Every failure is an exception.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -10,6 +11,9 @@
 #include "system/system.hpp"
 
 namespace orvane::host {
+
+/// What this value of errno means, without a full stop: "the disk is full", or the system's text.
+std::string failureReason(int error);
 
 /// An open file. Every member of the two kinds below throws std::runtime_error with a sentence that
 /// names the file.
@@ -86,6 +90,7 @@ class OutputFile : public OpenFile {
  private:
   void prepare();
   [[noreturn]] void failToCreate() const;
+  [[noreturn]] void failToWrite(std::size_t bytes) const;
 
   std::filesystem::path path_;
   std::filesystem::path temporary_;

@@ -1,10 +1,13 @@
 // That a file appears whole, replaces another only when it may, and is written by one program.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <fstream>
 #include <optional>
+#include <system_error>
 
 #include "scratch_directory.hpp"
+#include "system/disk_space.hpp"
 #include "system/file.hpp"
 
 namespace orvane::host {
@@ -140,6 +143,17 @@ TEST_F(OutputFileTest, ADirectoryIsNotReplaced) {
   EXPECT_NE(failureOf([&] { const OutputFile file(path, Existing::Replace); }), "");
   EXPECT_TRUE(std::filesystem::is_directory(path));
   EXPECT_EQ(filesHere(), 1U);
+}
+
+TEST(FreeSpace, IsThatOfTheDirectorysDisk) {
+  const ScratchDirectory scratch;
+  EXPECT_GT(freeSpace(scratch.path()).value_or(0), 0);
+  EXPECT_FALSE(freeSpace(scratch.file("nothing") / "here"));
+}
+
+TEST(FailureReason, AFullDiskIsSaidSo) {
+  EXPECT_EQ(failureReason(ENOSPC), "the disk is full");
+  EXPECT_EQ(failureReason(EACCES), std::generic_category().message(EACCES));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ TEST(CommandOfKey, KeysOfTheHelpDoWhatItSays) {
       {keys::minus, ViewCommand::LessOffset},  {keys::numberPadMinus, ViewCommand::LessOffset},
       {'R', ViewCommand::ToggleRecording},     {'C', ViewCommand::ShowCameras},
       {'F', ViewCommand::NextFormat},          {'B', ViewCommand::NextBin},
+      {'T', ViewCommand::NextLimit},           {'O', ViewCommand::ChooseRecordings},
       {keys::f5, ViewCommand::Rescan},         {'S', ViewCommand::ToggleStretch},
       {'Z', ViewCommand::ToggleZoom},          {'X', ViewCommand::ToggleCrosshair},
       {'N', ViewCommand::ToggleNightMode},     {'H', ViewCommand::ToggleHelp},
@@ -34,6 +35,7 @@ TEST(CommandOfKey, ShiftMakesLargerSteps) {
   EXPECT_EQ(commandOfKey({keys::right, true}), ViewCommand::MuchMoreGain);
   EXPECT_EQ(commandOfKey({keys::left, true}), ViewCommand::MuchLessGain);
   EXPECT_EQ(commandOfKey({'C', true}), ViewCommand::NextCamera);
+  EXPECT_EQ(commandOfKey({'O', true}), ViewCommand::ChooseSdk);
   EXPECT_EQ(commandOfKey({keys::plus, true}), ViewCommand::MoreOffset);  // where + needs it
 }
 

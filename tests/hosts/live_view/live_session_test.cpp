@@ -6,6 +6,7 @@
 
 #include "live_test.hpp"
 #include "session/causes.hpp"
+#include "system/text.hpp"
 
 namespace orvane::testing {
 
@@ -120,7 +121,50 @@ TEST_F(LiveSessionTest, TellsOfADirectoryThatIsNotThereOrHasNoSdks) {
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
   EXPECT_EQ(notice(), "There is no directory \"" + utf8(scratch.file("nothing")) + "\".");
   start(LiveOptions{utf8(scratch.path()), "", scratch.path()});
-  EXPECT_EQ(notice(), "No SDK could be loaded from \"" + utf8(scratch.path()) + "\".");
+  EXPECT_EQ(notice(), "No SDK could be loaded from \"" + utf8(scratch.path()) +
+                          "\". Shift+O chooses another folder.");
+  EXPECT_TRUE(state().sdks.empty());
+}
+
+TEST_F(LiveSessionTest, AnotherDirectoryOfSdksIsUsed) {
+  start(LiveOptions{utf8(scratch.path()), "", scratch.path()});
+  run([&](LiveSession& its) { its.useSdkDirectory(directory.utf8()); });
+  EXPECT_EQ(notice(), "Found 2 cameras.");
+  EXPECT_FALSE(state().sdks.empty());
+  EXPECT_EQ(pathFromUtf8(state().sdkDirectory), pathFromUtf8(directory.utf8()));
+}
+
+TEST_F(LiveSessionTest, TheCameraOfBeforeHasItsSettingsOfBefore) {
+  LiveOptions known = options("");
+  known.lastCamera = "Mono Two";
+  known.knownSettings["Mono Two"] = {
+      .bin = 2, .format = PixelFormat::Raw16, .exposureUs = 30000, .gain = 9999, .offset = 5};
+  known.warning = "Something was damaged.";
+  start(known);
+  EXPECT_EQ(state().notice.kind, NoticeKind::Warning);
+  EXPECT_EQ(notice(), "Something was damaged. Mono Two is streaming.");
+  EXPECT_EQ(state().capture.layout.width, 160);
+  EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw16);
+  EXPECT_EQ(state().capture.settings.exposureUs, 30000);
+  EXPECT_EQ(state().capture.settings.gain, 300);  // the largest
+  EXPECT_EQ(state().capture.settings.offset, 5);
+  setControls({30000, 20, 6});
+  choose(0);
+  EXPECT_EQ(state().capture.settings.gain, 100);
+  choose(1);
+  EXPECT_EQ(state().capture.settings.gain, 20);
+  EXPECT_EQ(state().capture.settings.offset, 6);
+}
+
+TEST_F(LiveSessionTest, SettingsOfBeforeThatDoNotFitAreNotUsed) {
+  sdk.forceResult("ASISetControlValue", 16, 1, 1);
+  LiveOptions known = options();
+  known.knownSettings["Colour One"] = {
+      .bin = 99, .format = PixelFormat::Rgb24, .exposureUs = 30000, .gain = 5, .offset = 5};
+  start(known);
+  EXPECT_EQ(notice(), "Colour One is streaming.");  // with the usual ones
+  EXPECT_EQ(state().capture.settings.exposureUs, 20000);
+  EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw8);
 }
 
 // The other camera fails during the scan. The stream of the one that is opened is the newer news.
@@ -191,7 +235,7 @@ TEST_F(LiveSessionTest, AFormatThatTheCameraRefusesLeavesTheOneOfBefore) {
   EXPECT_TRUE(session->isStreaming());
   EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw8);
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
-  EXPECT_EQ(notice(), "Colour One cannot be opened: " + explained("ASISetROIFormat: 8"));
+  EXPECT_EQ(notice(), "Colour One does not change to raw16: " + explained("ASISetROIFormat: 8"));
 }
 
 TEST_F(LiveSessionTest, RecordsUntilItIsStopped) {
@@ -235,7 +279,40 @@ TEST_F(LiveSessionTest, ARecordingWithoutADirectoryIsRefused) {
   run(&LiveSession::toggleRecording);
   EXPECT_FALSE(state().recording);
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
+  EXPECT_EQ(notice(), "There is no folder \"" + utf8(scratch.file("nothing")) +
+                          "\" for recordings. O chooses another one.");
   EXPECT_TRUE(hasFrames(1));
+  run([&](LiveSession& its) { its.useRecordings(scratch.path()); });
+  EXPECT_EQ(notice(), "Recordings go to \"" + utf8(scratch.path()) + "\" from now on.");
+  run(&LiveSession::toggleRecording);
+  EXPECT_TRUE(state().recording);
+}
+
+TEST_F(LiveSessionTest, ARecordingEndsAtItsLimit) {
+  LiveOptions limited = options();
+  limited.recording.limit.frames = 3;
+  limited.recording.nameTemplate = "a";
+  start(limited);
+  run(&LiveSession::toggleRecording);
+  EXPECT_FALSE(session->recordingTimeLeft());
+  run(&LiveSession::nextLimit);
+  EXPECT_EQ(state().limit, limited.recording.limit);  // not while it records
+  ASSERT_TRUE(soon([](const LiveState& now) { return !now.recording; }));
+  EXPECT_EQ(notice(), "The limit of 3 frames is reached. Recorded 3 frames in \"a.ser\".");
+  EXPECT_EQ(state().notice.kind, NoticeKind::Information);
+  EXPECT_EQ(SerFile(scratch.file("a.ser")).frameCount, 3);
+  EXPECT_NE(contentOf(scratch.file("a.txt")).find("frames=3\n"), std::string::npos);
+
+  run(&LiveSession::nextLimit);
+  EXPECT_EQ(notice(), "Recordings end after 10 s.");
+  run(&LiveSession::toggleRecording);
+  EXPECT_LE(session->recordingTimeLeft(), std::chrono::seconds(10));
+  run(&LiveSession::toggleRecording);
+  EXPECT_EQ(notice().substr(0, 9), "Recorded ");
+  while (state().limit != RecordingLimit()) {
+    run(&LiveSession::nextLimit);
+  }
+  EXPECT_EQ(notice(), "Recordings run until they are stopped.");
 }
 
 TEST_F(LiveSessionTest, AnUnpluggedCameraIsClosedAndItsRecordingKept) {
@@ -250,8 +327,7 @@ TEST_F(LiveSessionTest, AnUnpluggedCameraIsClosedAndItsRecordingKept) {
   EXPECT_EQ(now.notice.text.substr(0, lost.size()), lost);
   EXPECT_FALSE(session->isStreaming());
   EXPECT_EQ(sdk.invariants().devicesOpen, 0);
-  ASSERT_EQ(recordings().size(), 1U);
-  const SerFile file(recordings().front());
+  const SerFile file(recording());
   EXPECT_GT(file.frameCount, 0);
   const std::string saved = "Recorded " + std::to_string(file.frameCount) + " frames in ";
   EXPECT_NE(now.notice.text.find("F5 scans. " + saved), std::string::npos) << now.notice.text;

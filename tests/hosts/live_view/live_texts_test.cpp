@@ -108,14 +108,44 @@ TEST(LiveTexts, StatusLineTellsOfFramesThatDoNotCome) {
   EXPECT_EQ(statusLine(state).text, "Worse.");
 }
 
-TEST(LiveTexts, LongTextsAreWrappedBetweenWords) {
-  const auto upToTen = [](const std::string& line) { return line.size() <= 10; };
-  using Lines = std::vector<std::string>;
-  EXPECT_EQ(wrapped("", upToTen), Lines());
-  EXPECT_EQ(wrapped("one two", upToTen), Lines{"one two"});
-  EXPECT_EQ(wrapped("one two three four", upToTen), (Lines{"one two", "three four"}));
-  EXPECT_EQ(wrapped("one\ntwo three four", upToTen), (Lines{"one", "two three", "four"}));
-  EXPECT_EQ(wrapped("a abcdefghijklmnop b", upToTen), (Lines{"a", "abcdefghijklmnop", "b"}));
+TEST(LiveTexts, RecordingDetailsTellWhatComesFirst) {
+  RecordingProgress now;
+  EXPECT_EQ(recordingDetails(now), "0 dropped");
+  EXPECT_FALSE(isAlarming(now));
+  now.freeBytes = 45'200'000'000;
+  now.secondsToFull = 5999;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   100 min left");
+  now.secondsToLimit = 42.4;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   42 s left");
+  EXPECT_FALSE(isAlarming(now));
+  now.secondsToFull = 41;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   41 s left");
+  EXPECT_TRUE(isAlarming(now));
+  now.secondsToLimit.reset();
+  EXPECT_TRUE(isAlarming(now));
+  now.secondsToFull = 7200;
+  now.droppedFrames = 3;
+  EXPECT_EQ(recordingDetails(now), "3 dropped   45.20 GB free   2 h left");
+  EXPECT_TRUE(isAlarming(now));
+}
+
+TEST(LiveTexts, LongExposuresHaveACountdown) {
+  LiveState state;
+  state.phase = LivePhase::Streaming;
+  state.capture.settings.exposureUs = 2'000'000;
+  EXPECT_FALSE(countdownOf(state));
+  state.capture.settings.exposureUs = 10'000'000;
+  state.capture.silence = std::chrono::milliseconds(2500);
+  ASSERT_TRUE(countdownOf(state));
+  EXPECT_EQ(countdownOf(state)->text, "Next frame in 8 s");
+  EXPECT_EQ(countdownOf(state)->part, 0.25);
+  state.capture.silence = std::chrono::seconds(10);
+  EXPECT_EQ(countdownOf(state)->text, "Reading the frame\u2026");
+  EXPECT_EQ(countdownOf(state)->part, 1);
+  state.capture.settings.exposureUs = 135'000'000;
+  EXPECT_EQ(countdownOf(state)->text, "Next frame in 02:05");
+  state.phase = LivePhase::Lost;
+  EXPECT_FALSE(countdownOf(state));
 }
 
 TEST(LiveTexts, CameraDetails) {
@@ -123,12 +153,20 @@ TEST(LiveTexts, CameraDetails) {
   camera.maxWidth = 1920;
   camera.maxHeight = 1080;
   camera.bitDepth = 12;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   mono");
+  EXPECT_EQ(cameraDetails(camera), (CameraDetails{"1920 \u00d7 1080", "12 bit", "mono", ""}));
   camera.isColor = true;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   colour");
+  EXPECT_EQ(cameraDetails(camera)[2], "colour");
   camera.bayer = BayerPattern::Bggr;
   camera.isCooled = true;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   BGGR   cooled");
+  EXPECT_EQ(cameraDetails(camera), (CameraDetails{"1920 \u00d7 1080", "12 bit", "BGGR", "cooled"}));
+}
+
+TEST(LiveTexts, CamerasAreFoundByTheirIndex) {
+  std::vector<oc::CameraInfo> cameras(2);
+  cameras[0].index = 0;
+  cameras[1].index = 3;
+  EXPECT_EQ(positionOf(cameras, 3), 1U);
+  EXPECT_EQ(positionOf(cameras, 1), 2U);
 }
 
 }  // namespace

@@ -52,6 +52,22 @@ TEST_P(EveryDpi, ThreePartsFillTheWindow) {
   EXPECT_EQ(layout.panel.width, scaled(312, dpi));
 }
 
+TEST_P(EveryDpi, ALongNoticeTakesItsLinesFromThePicture) {
+  const int dpi = GetParam();
+  const WindowLayout one = layOut(2001, 1503, dpi);
+  const WindowLayout three = layOut(2001, 1503, dpi, 3);
+  EXPECT_EQ(one.notice, one.status);
+  EXPECT_TRUE(contains(one.status, one.noticeText));
+  EXPECT_EQ(three.picture.height, one.picture.height - 2 * scaled(20, dpi));
+  EXPECT_EQ(three.notice.top, three.picture.height);
+  EXPECT_EQ(three.notice.width, three.picture.width);
+  EXPECT_EQ(three.noticeText.width, three.wrappedNoticeWidth);
+  EXPECT_TRUE(contains(three.notice, three.noticeText));
+  EXPECT_GE(three.noticeText.height, 3 * scaled(20, dpi));
+  EXPECT_EQ(three.panel, one.panel);
+  EXPECT_EQ(three.record, one.record);
+}
+
 INSTANTIATE_TEST_SUITE_P(WindowLayout, EveryDpi, ::testing::Values(96, 120, 144, 192, 288));
 
 TEST(WindowLayout, ATinyWindowHasNoNegativeSizes) {
