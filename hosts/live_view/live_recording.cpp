@@ -18,6 +18,12 @@ SerDescription descriptionOf(const oc::CameraInfo& camera, const FrameLayout& la
   return {layout, "", camera.name, "", serLocalTicks(now), serTicks(now)};
 }
 
+FrameCorrection cutTo(const std::optional<Region>& region) {
+  FrameCorrection correction;
+  correction.region = region;
+  return correction;
+}
+
 }  // namespace
 
 std::string recordingName(const std::tm& localTime, const std::string& camera) {
@@ -58,10 +64,12 @@ std::string contentText(const RecordingProgress& recording) {
 }
 
 LiveRecording::LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
-                             const FrameLayout& layout, oc::FrameQueue frames)
+                             const FrameLayout& layout, oc::FrameQueue frames,
+                             const std::optional<Region>& region)
     : path_(unusedPath(directory, recordingName(localTime(std::time(nullptr)), camera.name))),
-      frameBytes_(frameBytes(layout)),
-      recorder_(path_, descriptionOf(camera, layout), {}, std::move(frames)) {}
+      frameBytes_(frameBytes(region ? layoutOf(*region, layout) : layout)),
+      recorder_(path_, descriptionOf(camera, correctedLayout(layout, cutTo(region))), cutTo(region),
+                std::move(frames), {.sharesFrames = region.has_value()}) {}
 
 void LiveRecording::close() {
   recorder_.stop();

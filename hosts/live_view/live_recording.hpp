@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <orvane_desktop_camera.hpp>
 #include <string>
 
@@ -34,10 +35,12 @@ std::string contentText(const RecordingProgress& recording);
 /// Records a camera's frames into a new SER file in a directory.
 class LiveRecording {
  public:
-  /// Takes frames from the queue as SerRecorder does. Throws std::runtime_error with a sentence
+  /// Takes frames from the queue as SerRecorder does, and records the region of them, if there is
+  /// one. Others can use the frames. Throws std::runtime_error with a sentence
   /// that names the file.
   LiveRecording(const std::filesystem::path& directory, const oc::CameraInfo& camera,
-                const FrameLayout& layout, oc::FrameQueue frames);
+                const FrameLayout& layout, oc::FrameQueue frames,
+                const std::optional<Region>& region = std::nullopt);
 
   /// True when it has ended without close(): the camera is lost or writing has failed.
   bool hasEnded() { return recorder_.waitForEnd(std::chrono::milliseconds(0)); }

@@ -111,6 +111,7 @@ void LiveSession::rescan() {
 
 void LiveSession::choose(std::size_t position) {
   if (position < state_.cameras.size() && mayReopen()) {
+    state_.region.reset();
     open(position, usualSettings(state_.cameras[position]));
   }
 }
@@ -133,6 +134,7 @@ void LiveSession::nextFormat() {
 
 void LiveSession::nextBin() {
   if (isStreaming() && mayReopen()) {
+    state_.region.reset();
     wanted_.bin = nextOf(state_.camera()->bins, wanted_.bin);
     finishOpening(capture_.reopen(wanted_));
   }
@@ -146,10 +148,37 @@ void LiveSession::toggleRecording() {
   } else {
     const std::size_t capacity = recordingCapacity(waitingBytes, state_.capture.bufferSize);
     recording_.emplace(options_.recordings, *state_.camera(), state_.capture.layout,
-                       capture_.frames(oc::Delivery::Every, capacity));
+                       capture_.frames(oc::Delivery::Every, capacity), state_.region);
     say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
                                      inQuotes(utf8FromPath(options_.recordings)) + ".");
   }
+}
+
+void LiveSession::setRegion(const std::optional<Region>& region) {
+  const FrameLayout& layout = state_.capture.layout;
+  const Region whole{0, 0, layout.width, layout.height};
+  if (!mayChangeRegion() || (region && !region->isInside(layout.width, layout.height))) {
+    return;
+  }
+  state_.region = region == whole ? std::nullopt : region;
+  say(NoticeKind::Information,
+      state_.region ? "Recordings keep " + regionText(*state_.region) +
+                          ". The camera reads the whole frame, which takes as long as before."
+                    : "Recordings keep the whole frame.");
+}
+
+void LiveSession::moveRegion(const RegionMove& move) {
+  if (state_.region) {
+    const FrameLayout& layout = state_.capture.layout;
+    setRegion(movedRegion(*state_.region, move, layout.width, layout.height));
+  } else {
+    say(NoticeKind::Warning, "There is no region: drag one with the right mouse button.");
+  }
+}
+
+// False, with a notice, while a recording needs the region as it is.
+bool LiveSession::mayChangeRegion() {
+  return isStreaming() && mayReopen();
 }
 
 // False, with a notice, while a recording needs the camera as it is.
@@ -213,7 +242,11 @@ void LiveSession::finishOpening(std::future<void> opening) {
     }
     say(NoticeKind::Error, state_.cameraName() + " cannot be opened: " + error.what() + ".");
   }
-  wanted_ = capture_.state().settings;
+  const oc::CaptureState now = capture_.state();
+  wanted_ = now.settings;
+  if (state_.region && !state_.region->isInside(now.layout.width, now.layout.height)) {
+    state_.region.reset();
+  }
 }
 
 void LiveSession::noticeFailures(const oc::CaptureState& now) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "live_view/live_recording.hpp"
+#include "live_view/region_choice.hpp"
 
 namespace orvane::host {
 
@@ -55,6 +56,7 @@ struct LiveState {
   oc::CaptureState capture;           ///< its camera stays when a scan does not find it again
   Notice notice;
   std::optional<RecordingProgress> recording;
+  std::optional<Region> region;  ///< of the frame, is recorded; none: the whole frame
 
   /// The camera that is, or was last, open.
   const oc::CameraInfo* camera() const { return chosen ? &cameras[*chosen] : nullptr; }
@@ -81,6 +83,11 @@ class LiveSession {
   void nextBin();
   void toggleRecording();
 
+  /// Records this region from the next recording on, or the whole frame.
+  void setRegion(const std::optional<Region>& region);
+
+  void moveRegion(const RegionMove& move);
+
   /// As far as state() has noticed.
   bool isStreaming() const { return state_.phase == LivePhase::Streaming; }
 
@@ -92,6 +99,7 @@ class LiveSession {
 
  private:
   bool mayReopen();
+  bool mayChangeRegion();
   void scan();
   void openFirst();
   void open(std::size_t position, const oc::Settings& settings);

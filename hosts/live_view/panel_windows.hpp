@@ -27,6 +27,10 @@ void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent
 void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star);
 
+/// The outline of the region that is recorded, and its size.
+void drawRegion(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
+                const Region& region);
+
 void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view);
 
 void drawHelp(GdiCanvas& canvas, const PixelRect& picture);
