@@ -120,7 +120,7 @@ int ListPlace::rowAt(int x, int y) const {
 
 ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi) {
   const auto at = [&](int length) { return scaled(length, dpi); };
-  constexpr int rowHeight = 26;
+  constexpr int rowHeight = 24;
   constexpr int titleHeight = 40;
   const int room = picture.height - at(titleHeight + 3 * margin);
   ListPlace list;
