@@ -108,7 +108,8 @@ std::string levelText(LevelKind kind, const PictureLevels& now) {
     return decimal(now.gamma, 2);
   }
   const double percent = 100 * (kind == LevelKind::Black ? now.black : now.white);
-  return decimal(percent, percent > 0 && percent < 9.95 ? 1 : 0) + " %";
+  const int decimals = percent <= 0 || percent >= 9.95 ? 0 : percent < 0.95 ? 2 : 1;
+  return decimal(percent, decimals) + " %";
 }
 
 }  // namespace orvane::host

@@ -41,7 +41,7 @@ std::optional<PictureLevels> levelsAfter(ViewCommand command, const PictureLevel
 /// "Black", "White" or "Gamma".
 std::string levelName(LevelKind kind);
 
-/// "12 %", "0.4 %" or "1.25".
+/// "12 %", "2.3 %", "0.04 %" or "1.25".
 std::string levelText(LevelKind kind, const PictureLevels& now);
 
 }  // namespace orvane::host

@@ -94,7 +94,9 @@ TEST(LevelTexts, ArePercentAndANumber) {
   EXPECT_EQ(levelName(LevelKind::Black), "Black");
   EXPECT_EQ(levelName(LevelKind::White), "White");
   EXPECT_EQ(levelName(LevelKind::Gamma), "Gamma");
-  EXPECT_EQ(levelText(LevelKind::Black, levels), "0.4 %");
+  EXPECT_EQ(levelText(LevelKind::Black, levels), "0.40 %");
+  EXPECT_EQ(levelText(LevelKind::Black, {0.0004, 1, 1}), "0.04 %");
+  EXPECT_EQ(levelText(LevelKind::White, {0, 0.023, 1}), "2.3 %");
   EXPECT_EQ(levelText(LevelKind::White, levels), "12 %");
   EXPECT_EQ(levelText(LevelKind::Gamma, levels), "1.25");
   EXPECT_EQ(levelText(LevelKind::Black, {}), "0 %");
