@@ -60,6 +60,16 @@ press() {
   sleep 1.5
 }
 
+# drag_right X Y X Y: drags with the right mouse button.
+drag_right() {
+  xdotool mousemove --window "$window" "$1" "$2" mousedown 3
+  sleep 0.3
+  xdotool mousemove --window "$window" "$3" "$4"
+  sleep 0.3
+  xdotool mouseup 3
+  sleep 1
+}
+
 shot() {
   kill -0 "$program"
   import -window "$window" "$out/$1.png"
@@ -109,6 +119,13 @@ start --camera ASI290MM
 shot 11-mono "a mono camera"
 press f b
 shot 12-mono-16-bits-bin-2 "the same with 16 bits and bin 2"
+press f b s shift+3 shift+3 shift+3 6 6
+shot 19-levels "8 bits with a lower white point and more gamma"
+press 0 s
+drag_right 300 200 640 460
+press shift+ctrl+Right ctrl+Down r
+shot 20-region "a region was drawn and moved, and is recorded"
+press r
 stop
 
 export ORVANE_SIMULATOR="sdk ASICamera2; unplug 0 ASIGetVideoData 380; \
@@ -181,7 +198,7 @@ stop
 
 echo "== recordings"
 recordings=("$out"/recordings/*.ser)
-[ ${#recordings[@]} -eq 3 ] || { echo "there should be 3"; exit 1; }
+[ ${#recordings[@]} -eq 4 ] || { echo "there should be 4"; exit 1; }
 for recording in "${recordings[@]}"; do
   frames=$(ffprobe -v error -count_frames -select_streams v:0 \
     -show_entries stream=codec_name,width,height,pix_fmt,nb_read_frames -of csv=p=0 "$recording")

@@ -99,6 +99,15 @@ void GdiCanvas::outline(const PixelRect& rect, const PaletteColor& color) {
   FrameRect(memory_.get(), &area, brush(color));
 }
 
+void GdiCanvas::outlineWithin(const PixelRect& area, const PixelRect& rect,
+                              const PaletteColor& color) {
+  HDC context = memory_.get();
+  SaveDC(context);
+  IntersectClipRect(context, area.left, area.top, area.right(), area.bottom());
+  outline(rect, color);
+  RestoreDC(context, -1);
+}
+
 void GdiCanvas::dim(const PixelRect& rect) {
   const ScreenTarget target = pixelsOf(rect);
   for (int y = 0; y < target.height; ++y) {

@@ -61,6 +61,9 @@ class GdiCanvas {
   void fill(const PixelRect& rect, const PaletteColor& color);
   void outline(const PixelRect& rect, const PaletteColor& color);
 
+  /// The part of an outline that lies within an area.
+  void outlineWithin(const PixelRect& area, const PixelRect& rect, const PaletteColor& color);
+
   /// Darkens what has been drawn.
   void dim(const PixelRect& rect);
 

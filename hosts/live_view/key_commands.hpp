@@ -32,6 +32,28 @@ enum class ViewCommand {
   ToggleZoom,
   ToggleNightMode,
   ToggleCrosshair,
+  LessBlack,
+  MoreBlack,
+  LessWhite,
+  MoreWhite,
+  LessGamma,
+  MoreGamma,
+  MuchLessBlack,
+  MuchMoreBlack,
+  MuchLessWhite,
+  MuchMoreWhite,
+  MuchLessGamma,
+  MuchMoreGamma,
+  ResetLevels,
+  RegionLeft,
+  RegionRight,
+  RegionUp,
+  RegionDown,
+  RegionFarLeft,
+  RegionFarRight,
+  RegionFarUp,
+  RegionFarDown,
+  WholeFrame,
   ToggleHelp,
   Dismiss,
 };
@@ -41,6 +63,7 @@ enum class ViewCommand {
 struct KeyPress {
   int key = 0;
   bool withShift = false;
+  bool withControl = false;
 };
 
 namespace keys {

@@ -17,8 +17,14 @@ namespace {
 
 constexpr const char* logEnding = ".txt";
 
+FrameCorrection cutTo(const std::optional<Region>& region) {
+  FrameCorrection correction;
+  correction.region = region;
+  return correction;
+}
+
 RecordingFacts factsOf(const RecordingWish& wish, const oc::CaptureState& camera,
-                       const std::vector<std::string>& sdks) {
+                       const std::vector<std::string>& sdks, const std::optional<Region>& region) {
   RecordingFacts facts;
   facts.program = "live_view " ORVANE_VERSION;
   facts.sdks = sdks;
@@ -27,7 +33,8 @@ RecordingFacts factsOf(const RecordingWish& wish, const oc::CaptureState& camera
   facts.telescope = wish.telescope;
   facts.target = wish.target;
   facts.filter = wish.filter;
-  facts.layout = camera.layout;
+  facts.layout = correctedLayout(camera.layout, cutTo(region));
+  facts.region = region;
   facts.settings = camera.settings;
   facts.temperatureAtStart = camera.temperature;
   return facts;
@@ -63,15 +70,15 @@ std::string contentText(const RecordingProgress& recording) {
 
 LiveRecording::LiveRecording(const std::filesystem::path& directory, const RecordingWish& wish,
                              const oc::CaptureState& camera, const std::vector<std::string>& sdks,
-                             oc::FrameQueue frames)
+                             oc::FrameQueue frames, const std::optional<Region>& region)
     : directory_(directory),
       limit_(wish.limit),
-      facts_(factsOf(wish, camera, sdks)),
+      facts_(factsOf(wish, camera, sdks, region)),
       failedReadsBefore_(camera.failedReads),
       path_(unusedPath(directory, wish, camera.camera.name)),
-      frameBytes_(frameBytes(camera.layout)),
-      recorder_(path_, descriptionOf(facts_), {}, std::move(frames),
-                {.exposureUs = camera.settings.exposureUs}) {}
+      frameBytes_(frameBytes(facts_.layout)),
+      recorder_(path_, descriptionOf(facts_), cutTo(region), std::move(frames),
+                {.exposureUs = camera.settings.exposureUs, .sharesFrames = region.has_value()}) {}
 
 std::optional<std::chrono::milliseconds> LiveRecording::timeLeft() const {
   if (!limit_.microseconds) {

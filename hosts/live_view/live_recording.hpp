@@ -44,11 +44,12 @@ std::string contentText(const RecordingProgress& recording);
 /// Records a camera's frames into a new SER file in a directory, with a settings log beside it.
 class LiveRecording {
  public:
-  /// Takes frames from the queue as SerRecorder does. `camera` is streaming. Throws
-  /// std::runtime_error with a sentence that names the file.
+  /// Takes frames from the queue as SerRecorder does, and records the region of them, if there is
+  /// one. Others can use the frames. `camera` is streaming. Throws std::runtime_error with a
+  /// sentence that names the file.
   LiveRecording(const std::filesystem::path& directory, const RecordingWish& wish,
                 const oc::CaptureState& camera, const std::vector<std::string>& sdks,
-                oc::FrameQueue frames);
+                oc::FrameQueue frames, const std::optional<Region>& region = std::nullopt);
 
   /// True when it has ended without close(): the camera is lost, writing has failed, or the limit
   /// of frames is reached.

@@ -164,6 +164,7 @@ void LiveSession::useRecordings(const std::filesystem::path& directory) {
 void LiveSession::choose(std::size_t position) {
   if (position < state_.cameras.size() && mayReopen()) {
     const oc::CameraInfo& camera = state_.cameras[position];
+    state_.region.reset();
     open(position, settingsFor(camera));
     if (!isStreaming() && options_.knownSettings.erase(camera.name) > 0) {
       open(position, usualSettings(camera));  // in case it refuses the settings of before
@@ -211,6 +212,7 @@ void LiveSession::nextFormat() {
 
 void LiveSession::nextBin() {
   if (isStreaming() && mayReopen()) {
+    state_.region.reset();
     wanted_.bin = nextOf(state_.camera()->bins, wanted_.bin);
     finishOpening(capture_.reopen(wanted_),
                   "does not change to bin " + std::to_string(wanted_.bin));
@@ -247,10 +249,37 @@ void LiveSession::toggleRecording() {
     wish.limit = state_.limit;
     const auto most = static_cast<std::uint64_t>(wish.limit.frames.value_or(0));
     recording_.emplace(state_.recordings, wish, state_.capture, state_.sdks,
-                       capture_.frames(oc::Delivery::Every, capacity, most));
+                       capture_.frames(oc::Delivery::Every, capacity, most), state_.region);
     say(NoticeKind::Information, "Recording " + inQuotes(recording_->progress().file) + " into " +
                                      inQuotes(utf8FromPath(state_.recordings)) + ".");
   }
+}
+
+void LiveSession::setRegion(const std::optional<Region>& region) {
+  const FrameLayout& layout = state_.capture.layout;
+  const Region whole{0, 0, layout.width, layout.height};
+  if (!mayChangeRegion() || (region && !region->isInside(layout.width, layout.height))) {
+    return;
+  }
+  state_.region = region == whole ? std::nullopt : region;
+  say(NoticeKind::Information,
+      state_.region ? "Recordings keep " + regionText(*state_.region) +
+                          ". The camera reads the whole frame, which takes as long as before."
+                    : "Recordings keep the whole frame.");
+}
+
+void LiveSession::moveRegion(const RegionMove& move) {
+  if (state_.region) {
+    const FrameLayout& layout = state_.capture.layout;
+    setRegion(movedRegion(*state_.region, move, layout.width, layout.height));
+  } else {
+    say(NoticeKind::Warning, "There is no region: drag one with the right mouse button.");
+  }
+}
+
+// False, with a notice, while a recording needs the region as it is.
+bool LiveSession::mayChangeRegion() {
+  return isStreaming() && mayReopen();
 }
 
 // False, with a notice, while a recording needs the camera as it is.
@@ -324,7 +353,11 @@ void LiveSession::finishOpening(std::future<void> opening, const std::string& re
     say(NoticeKind::Error,
         state_.cameraName() + " " + refusal + ": " + explainedSentence(error.what()));
   }
-  wanted_ = capture_.state().settings;
+  const oc::CaptureState now = capture_.state();
+  wanted_ = now.settings;
+  if (state_.region && !state_.region->isInside(now.layout.width, now.layout.height)) {
+    state_.region.reset();
+  }
   if (isStreaming()) {
     options_.knownSettings[state_.cameraName()] = wanted_;
   }

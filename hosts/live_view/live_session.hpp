@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "live_view/live_recording.hpp"
+#include "live_view/region_choice.hpp"
 
 namespace orvane::host {
 
@@ -65,6 +66,7 @@ struct LiveState {
   oc::CaptureState capture;           ///< its camera stays when a scan does not find it again
   Notice notice;
   std::optional<RecordingProgress> recording;
+  std::optional<Region> region;  ///< of the frame, is recorded; none: the whole frame
   std::string sdkDirectory;
   std::vector<std::string> sdks;  ///< those that the last scan found there
   std::filesystem::path recordings;
@@ -108,6 +110,11 @@ class LiveSession {
   /// How long a limit of time leaves to the recording; none without one.
   std::optional<std::chrono::milliseconds> recordingTimeLeft() const;
 
+  /// Records this region from the next recording on, or the whole frame.
+  void setRegion(const std::optional<Region>& region);
+
+  void moveRegion(const RegionMove& move);
+
   /// As far as state() has noticed.
   bool isStreaming() const { return state_.phase == LivePhase::Streaming; }
 
@@ -119,6 +126,7 @@ class LiveSession {
 
  private:
   bool mayReopen();
+  bool mayChangeRegion();
   void scan();
   void openFirst();
   oc::Settings settingsFor(const oc::CameraInfo& camera) const;

@@ -77,18 +77,22 @@ std::string rateText(double framesPerSecond) {
 }
 
 std::string histogramText(const Histogram& histogram) {
-  int smallest = histogram.channel[0].smallest;
-  int largest = histogram.channel[0].largest;
-  double mean = histogram.channel[0].mean;
-  if (histogram.channels == 3) {
-    for (const std::size_t channel : {std::size_t{1}, std::size_t{2}}) {
-      smallest = std::min(smallest, histogram.channel.at(channel).smallest);
-      largest = std::max(largest, histogram.channel.at(channel).largest);
-    }
-    mean = (mean + histogram.channel[1].mean + histogram.channel[2].mean) / 3;
+  const ChannelHistogram& first = histogram.channel[0];
+  if (histogram.channels == 1) {
+    return "min " + std::to_string(first.smallest) + "   median " + std::to_string(first.median) +
+           "   mean " + decimal(first.mean, first.mean < 100 ? 1 : 0) + "   max " +
+           std::to_string(first.largest);
   }
-  return "min " + std::to_string(smallest) + "   mean " + decimal(mean, mean < 100 ? 1 : 0) +
-         "   max " + std::to_string(largest);
+  int smallest = first.smallest;
+  int largest = first.largest;
+  std::string medians;
+  for (const ChannelHistogram& channel : histogram.channel) {
+    smallest = std::min(smallest, channel.smallest);
+    largest = std::max(largest, channel.largest);
+    medians += (medians.empty() ? "" : " / ") + std::to_string(channel.median);
+  }
+  return "min " + std::to_string(smallest) + "   median " + medians + "   max " +
+         std::to_string(largest);
 }
 
 std::string saturationText(double part) {
@@ -96,15 +100,12 @@ std::string saturationText(double part) {
   return decimal(percent, percent > 0 && percent < 9.95 ? 2 : 0) + " % saturated";
 }
 
-std::string focusText(const Focus& focus) {
-  if (focus.star) {
-    return threeDigits(focus.star->halfFluxDiameter) + " px";
-  }
-  return focus.sharpness > 0 ? threeDigits(focus.sharpness) : unknownText;
+std::string diameterText(std::optional<double> diameter) {
+  return diameter ? threeDigits(*diameter) + " px" : unknownText;
 }
 
-std::string focusCaption(const Focus& focus) {
-  return focus.star ? "half-flux diameter, less is better" : "edge sharpness, more is better";
+std::string sharpnessText(std::optional<double> sharpness) {
+  return sharpness && *sharpness > 0 ? threeDigits(*sharpness) : unknownText;
 }
 
 std::string recordingText(const RecordingProgress& recording) {

@@ -29,17 +29,18 @@ std::string temperatureText(std::optional<double> celsius);
 /// "30.1 / s", or "1 in 10.0 s" for less than one frame a second.
 std::string rateText(double framesPerSecond);
 
-/// "min 12   mean 340   max 4095".
+/// "min 12   median 340   mean 350.2   max 4095"; of three channels "min 12   median 120 / 340 / 90
+/// max 4095".
 std::string histogramText(const Histogram& histogram);
 
 /// "0.02 % saturated".
 std::string saturationText(double part);
 
-/// The focus figure: "3.42 px", or the sharpness if there is no star.
-std::string focusText(const Focus& focus);
+/// A half-flux diameter: "3.42 px".
+std::string diameterText(std::optional<double> diameter);
 
-/// The caption of the focus figure.
-std::string focusCaption(const Focus& focus);
+/// The sharpness of a planet or the Moon: "12.3".
+std::string sharpnessText(std::optional<double> sharpness);
 
 /// "00:42   1260 frames   1.52 GB".
 std::string recordingText(const RecordingProgress& recording);

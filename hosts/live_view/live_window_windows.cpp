@@ -24,6 +24,7 @@
 #include "live_view/live_picture.hpp"
 #include "live_view/live_texts.hpp"
 #include "live_view/panel_windows.hpp"
+#include "live_view/region_choice.hpp"
 #include "live_view/window_layout.hpp"
 #include "system/text.hpp"
 
@@ -158,20 +159,31 @@ class LiveWindow {
         return 0;
       }
       case WM_KEYDOWN:
-        keyPressed({static_cast<int>(word), GetKeyState(VK_SHIFT) < 0});
+        keyPressed(
+            {static_cast<int>(word), GetKeyState(VK_SHIFT) < 0, GetKeyState(VK_CONTROL) < 0});
         return 0;
       case WM_LBUTTONDOWN:
       case WM_LBUTTONDBLCLK:
-        mousePressed(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        if ((word & MK_SHIFT) != 0) {
+          startRegion(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        } else {
+          mousePressed(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        }
+        return 0;
+      case WM_RBUTTONDOWN:
+        startRegion(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_MOUSEMOVE:
         mouseMoved(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_LBUTTONUP:
+      case WM_RBUTTONUP:
         mouseReleased(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_CAPTURECHANGED:
         drag_ = {};
+        drawnRegion_.reset();
+        redrawPicture();
         return 0;
       case WM_MOUSEWHEEL: {
         POINT point = {GET_X_LPARAM(number), GET_Y_LPARAM(number)};
@@ -282,6 +294,9 @@ class LiveWindow {
     view_ = picture_.draw(canvas_.pixelsOf(layout_.picture), canvas_.valueOf(palette::picture));
     const PixelRect& area = layout_.picture;
     if (picture_.hasFrame()) {
+      if (const auto& region = drawnRegion_ ? drawnRegion_ : state_->region) {
+        drawRegion(canvas_, area, view_, *region);
+      }
       if (hasCrosshair_) {
         drawCrosshair(canvas_, area, view_);
       }
@@ -329,6 +344,10 @@ class LiveWindow {
     if (!isStreaming()) {
       picture_.clear();
     }
+    if (state_->region != before.region) {
+      picture_.setRegion(state_->region);
+      redrawPicture();
+    }
     const bool hasCountdown = countdownOf(*state_).has_value();
     if (!picture_.hasFrame() || hasCountdown || hadCountdown_) {
       redrawPicture();
@@ -375,6 +394,14 @@ class LiveWindow {
         sendControls(*controls);
         return;
       }
+      if (const auto move = regionMoveOf(command)) {
+        camera_->send([move](LiveSession& session) { session.moveRegion(*move); });
+        return;
+      }
+    }
+    if (const auto levels = levelsAfter(command, picture_.levels())) {
+      setLevels(*levels);
+      return;
     }
     switch (command) {
       case ViewCommand::ShowCameras:
@@ -396,6 +423,9 @@ class LiveWindow {
         break;
       case ViewCommand::Rescan:
         camera_->send(&LiveSession::rescan);
+        break;
+      case ViewCommand::WholeFrame:
+        camera_->send([](LiveSession& session) { session.setRegion(std::nullopt); });
         break;
       case ViewCommand::NextLimit:
         camera_->send(&LiveSession::nextLimit);
@@ -452,6 +482,15 @@ class LiveWindow {
         return;
       }
     }
+    for (std::size_t index = 0; index < layout_.levels.size(); ++index) {
+      if (const PixelRect track = layout_.levels[index].track; track.contains(x, y)) {
+        startDrag([this, kind = levelKinds[index], track](int atX, int) {
+          setLevels(levelsAfter(kind, placeOnTrack(track, atX), picture_.levels()));
+        });
+        drag_(x, y);
+        return;
+      }
+    }
     if (layout_.record.contains(x, y)) {
       execute(ViewCommand::ToggleRecording);
     } else if (layout_.cameraName.contains(x, y) || layout_.cameraFormat.contains(x, y)) {
@@ -470,6 +509,23 @@ class LiveWindow {
       startDrag([this](int atX, int atY) { dragPicture(atX, atY); });
       isClick_ = true;
     }
+  }
+
+  // Draws a region from this place to the mouse, until the button is released.
+  void startRegion(int x, int y) {
+    if (drag_ || overlay_ != Overlay::None || !picture_.hasFrame() ||
+        !layout_.picture.contains(x, y)) {
+      return;
+    }
+    const double fromX = view_.frameX(x - layout_.picture.left);
+    const double fromY = view_.frameY(y - layout_.picture.top);
+    startDrag([this, fromX, fromY](int atX, int atY) {
+      const FrameLayout& frame = state_->capture.layout;
+      drawnRegion_ =
+          regionBetween(fromX, fromY, view_.frameX(atX - layout_.picture.left),
+                        view_.frameY(atY - layout_.picture.top), frame.width, frame.height);
+      redrawPicture();
+    });
   }
 
   // From now on until the button is released, this is called with the places of the mouse.
@@ -500,6 +556,9 @@ class LiveWindow {
     if (!drag_) {
       return;
     }
+    if (drawnRegion_) {
+      camera_->send([region = *drawnRegion_](LiveSession& session) { session.setRegion(region); });
+    }
     if (isClick_ && picture_.hasFrame()) {
       picture_.followStarAt(view_.frameX(x - layout_.picture.left),
                             view_.frameY(y - layout_.picture.top));
@@ -519,6 +578,12 @@ class LiveWindow {
         execute(clicks > 0 ? commands[index].first : commands[index].second);
       }
     }
+  }
+
+  void setLevels(const PictureLevels& levels) {
+    picture_.setLevels(levels);
+    redrawPicture();
+    redrawPanel();
   }
 
   void sendControls(const Controls& controls) {
@@ -581,7 +646,8 @@ class LiveWindow {
   std::string noticeText_;                  // that the layout has lines for
   std::function<void(int x, int y)> drag_;  // empty while no button is pressed
   POINT dragFrom_ = {};
-  bool isClick_ = false;  // on the picture, and not moved yet
+  std::optional<Region> drawnRegion_;  // until the button is released
+  bool isClick_ = false;               // on the picture, and not moved yet
   PictureView view_;
   bool hasCrosshair_ = false;
   bool mustDrawPicture_ = true;

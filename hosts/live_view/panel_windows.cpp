@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <deque>
+#include <optional>
 #include <utility>
 
 #include "live_view/key_commands.hpp"
@@ -47,6 +49,7 @@ class PanelDrawing {
     drawSlider(SliderKind::Gain, "Gain", std::to_string(now.gain));
     drawSlider(SliderKind::Offset, "Offset", std::to_string(now.offset));
     drawHistogram();
+    drawLevels();
     drawFocus();
     drawFacts();
     drawRecordButton();
@@ -72,15 +75,32 @@ class PanelDrawing {
   void drawSlider(SliderKind kind, const std::string& caption, const std::string& value) {
     const SliderPlace& place = layout_.sliders.at(static_cast<std::size_t>(kind));
     captioned(place.caption, caption, isLive() ? value : unknownText);
-    const PixelRect track = middleOf(place.track, at(4));
+    drawTrack(place.track,
+              isLive() ? std::optional(placeOf(kind, content_.controls, *content_.state.camera()))
+                       : std::nullopt);
+  }
+
+  void drawLevels() {
+    const PictureLevels& levels = content_.picture.levels();
+    for (const LevelKind kind : levelKinds) {
+      const SliderPlace& place = layout_.levels.at(static_cast<std::size_t>(kind));
+      canvas_.text(place.caption, levelName(kind), TextSize::Small, palette::quietText);
+      canvas_.text(place.caption, levelText(kind, levels), TextSize::Small, palette::text,
+                   TextAlign::Right);
+      drawTrack(place.track, placeOf(kind, levels));
+    }
+  }
+
+  // Without a place there is no knob.
+  void drawTrack(const PixelRect& whole, const std::optional<double>& place) {
+    const PixelRect track = middleOf(whole, at(4));
     canvas_.fill(track, palette::raised);
-    if (!isLive()) {
+    if (!place) {
       return;
     }
-    const double part = placeOf(kind, content_.controls, *content_.state.camera());
     const int knobWidth = at(8);
-    const int way = static_cast<int>(std::lround(part * (track.width - knobWidth)));
-    const PixelRect knob = middleOf(place.track, at(16));
+    const int way = static_cast<int>(std::lround(*place * (track.width - knobWidth)));
+    const PixelRect knob = middleOf(whole, at(16));
     canvas_.fill({track.left, track.top, way, track.height}, palette::accent);
     canvas_.fill({track.left + way, knob.top, knobWidth, knob.height}, palette::accent);
   }
@@ -90,6 +110,7 @@ class PanelDrawing {
     captioned(layout_.histogramCaption, "Histogram",
               isMeasured() ? saturationText(histogram.saturated) : "");
     canvas_.fill(layout_.histogram, palette::raised);
+    drawHistogramAxis();
     if (!isMeasured()) {
       return;
     }
@@ -100,8 +121,36 @@ class PanelDrawing {
       drawChannel(histogram.channel[2], palette::blueCurve);
       drawChannel(histogram.channel[1], palette::greenCurve);
     }
+    // What is black, and what is white in the picture.
+    for (const double brightness : {0.0, 1.0}) {
+      drawMark(content_.picture.partShownAs(brightness), palette::accent);
+    }
     canvas_.text(layout_.histogramNumbers, histogramText(histogram), TextSize::Small,
                  palette::quietText);
+  }
+
+  // Percent of the full scale.
+  void drawHistogramAxis() {
+    const PixelRect& axis = layout_.histogramAxis;
+    for (const int percent : {0, 25, 50, 75, 100}) {
+      const double part = percent / 100.0;
+      drawMark(part, palette::line);
+      const int width = at(60);
+      const int middle = plotColumn(layout_.histogram, part);
+      const int left = std::clamp(middle - width / 2, axis.left, axis.right() - width);
+      canvas_.text({left, axis.top, width, axis.height},
+                   std::to_string(percent) + (percent == 100 ? " %" : ""), TextSize::Small,
+                   palette::quietText,
+                   percent == 0     ? TextAlign::Left
+                   : percent == 100 ? TextAlign::Right
+                                    : TextAlign::Centre);
+    }
+  }
+
+  void drawMark(double part, const PaletteColor& color) {
+    const PixelRect& plot = layout_.histogram;
+    const int left = std::min(plotColumn(plot, part), plot.right() - at(1));
+    canvas_.fill({left, plot.top, at(1), plot.height}, color);
   }
 
   // Heights are logarithms, so that a few bright pixels can be seen beside a dark sky.
@@ -139,31 +188,43 @@ class PanelDrawing {
 
   void drawFocus() {
     const Measurements& measured = content_.picture.measurements();
-    captioned(layout_.focusCaption, "Focus", "");
-    canvas_.fill(layout_.focusTrend, palette::raised);
+    const auto star = measured.focus.star;
+    drawFigure(
+        layout_.focus[0],
+        {"Star diameter", diameterText(star ? std::optional(star->halfFluxDiameter) : std::nullopt),
+         "least " + diameterText(measured.leastDiameter)},
+        measured.diameters);
+    drawFigure(layout_.focus[1],
+               {"Disc sharpness", sharpnessText(measured.focus.sharpness),
+                "most " + sharpnessText(measured.mostSharpness)},
+               measured.sharpnesses);
+  }
+
+  struct Figure {
+    std::string caption;
+    std::string value;
+    std::string best;
+  };
+
+  void drawFigure(const FocusPlace& place, const Figure& figure, const std::deque<double>& trend) {
+    canvas_.text(place.caption, figure.caption, TextSize::Normal, palette::quietText);
+    canvas_.fill(place.trend, palette::raised);
     if (!isMeasured()) {
       return;
     }
-    canvas_.text(layout_.focusCaption, focusCaption(measured.focus), TextSize::Small,
-                 palette::quietText, TextAlign::Right);
-    canvas_.text(layout_.focusFigure, focusText(measured.focus), TextSize::Figure, palette::text);
-    if (measured.leastDiameter) {
-      canvas_.text(layout_.focusFigure, "best " + decimal(*measured.leastDiameter, 2) + " px",
-                   TextSize::Normal, palette::quietText, TextAlign::Right);
-    }
-    std::vector<double> heights(measured.diameters.begin(), measured.diameters.end());
+    canvas_.text(place.figure, figure.value, TextSize::Figure, palette::text);
+    canvas_.text(place.best, figure.best, TextSize::Small, palette::quietText);
+    std::vector<double> heights(trend.begin(), trend.end());
     if (heights.size() < 2) {
       return;
     }
     // From 0, so that the noise of a good focus does not fill the plot.
-    const double scale =
-        (layout_.focusTrend.height - at(6)) / (*std::ranges::max_element(heights) * 1.1);
+    const double scale = (place.trend.height - at(6)) / (*std::ranges::max_element(heights) * 1.1);
     for (double& height : heights) {
       height *= scale;
     }
     constexpr std::ptrdiff_t steps = LivePicture::trendLength;
-    drawCurve(layout_.focusTrend, at(3), heights, steps - std::ssize(heights), steps,
-              palette::accent);
+    drawCurve(place.trend, at(3), heights, steps - std::ssize(heights), steps, palette::accent);
   }
 
   void drawFacts() {
@@ -172,6 +233,7 @@ class PanelDrawing {
         {"Frame rate", rateText(state.capture.framesPerSecond)},
         {"Temperature", temperatureText(state.capture.temperature)},
         {"Frames", isLive() ? std::to_string(state.capture.frames) : unknownText},
+        {"Recorded", content_.state.region ? regionText(*content_.state.region) : "whole frame"},
         {"Picture", std::string(content_.picture.isStretched() ? "brightened" : "as it is") +
                         (content_.picture.isPixelByPixel() ? ", 1:1" : ", whole")},
     };
@@ -268,6 +330,20 @@ void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView
                          picture.height - 2 * radius};
   if (inside.contains(x, y)) {
     canvas.circle(x, y, radius, palette::accent);
+  }
+}
+
+void drawRegion(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
+                const Region& region) {
+  PixelRect outline = regionOutline(region, view);
+  outline.left += picture.left;
+  outline.top += picture.top;
+  canvas.outlineWithin(picture, outline, palette::warning);
+  const PixelRect label{std::max(outline.left, picture.left) + canvas.at(6),
+                        std::max(outline.top, picture.top) + canvas.at(4), canvas.at(200),
+                        canvas.at(18)};
+  if (label.right() <= picture.right() && label.bottom() <= picture.bottom()) {
+    canvas.text(label, regionText(region), TextSize::Small, palette::warning);
   }
 }
 

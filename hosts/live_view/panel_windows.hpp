@@ -32,6 +32,10 @@ int noticeLines(GdiCanvas& canvas, const WindowLayout& layout, const std::string
 void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star);
 
+/// The outline of the region that is recorded, and its size.
+void drawRegion(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
+                const Region& region);
+
 void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view);
 
 /// How far a long exposure is, at the lower edge.

@@ -13,6 +13,14 @@ struct SliderPlace {
   PixelRect track;  ///< takes the mouse; the line is drawn in its middle
 };
 
+/// A figure of the focus with its history.
+struct FocusPlace {
+  PixelRect caption;
+  PixelRect figure;
+  PixelRect best;
+  PixelRect trend;
+};
+
 struct WindowLayout {
   PixelRect picture;
   PixelRect panel;
@@ -26,11 +34,11 @@ struct WindowLayout {
   std::array<SliderPlace, 3> sliders;  ///< of exposure, gain and offset
   PixelRect histogramCaption;
   PixelRect histogram;
+  PixelRect histogramAxis;  ///< the numbers below the histogram
   PixelRect histogramNumbers;
-  PixelRect focusCaption;
-  PixelRect focusFigure;
-  PixelRect focusTrend;
-  PixelRect facts;  ///< the lines with frame rate, temperature and so on
+  std::array<SliderPlace, 3> levels;  ///< of black, white and gamma, side by side
+  std::array<FocusPlace, 2> focus;    ///< of a star, and of a planet or the Moon, side by side
+  PixelRect facts;                    ///< the lines with frame rate, temperature and so on
   PixelRect record;
 };
 
@@ -63,6 +71,9 @@ ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi);
 
 /// The place of the whole frame: as large as the area allows, with its shape kept.
 PixelRect fittedPicture(const PixelRect& area, int frameWidth, int frameHeight);
+
+/// The column of a plot for a part of its range, 0 to 1.
+int plotColumn(const PixelRect& plot, double part);
 
 /// The mouse's place on a slider, 0 (left) to 1.
 double placeOnTrack(const PixelRect& track, int x);

@@ -26,6 +26,7 @@ SerRecorder::SerRecorder(const std::filesystem::path& path, const SerDescription
                          const FrameCorrection& correction, oc::FrameQueue frames,
                          const RecordingOptions& options)
     : correction_(correction),
+      sharesFrames_(options.sharesFrames),
       frames_(std::move(frames)),
       takenBefore_(frames_.taken()),
       droppedBefore_(frames_.dropped()),
@@ -73,7 +74,7 @@ void SerRecorder::writeFrames() {
   Clock::time_point checkpoint = Clock::now();
   while (oc::Frame frame = frames_.next()) {
     const std::span<const std::uint8_t> bytes =
-        correctFrame(std::span(frame.data(), frame.size()), frame.layout(), correction_);
+        correctFrame(bytesToCorrect(frame), frame.layout(), correction_);
     writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
     noteArrival(frame);
     writtenFrames_ = writer_.frameCount();
@@ -84,6 +85,15 @@ void SerRecorder::writeFrames() {
       checkpoint = Clock::now();
     }
   }
+}
+
+std::span<std::uint8_t> SerRecorder::bytesToCorrect(const oc::Frame& frame) {
+  const std::span bytes(frame.data(), frame.size());
+  if (!sharesFrames_) {
+    return bytes;
+  }
+  copy_.assign(bytes.begin(), bytes.end());
+  return copy_;
 }
 
 void SerRecorder::noteArrival(const oc::Frame& frame) {

@@ -27,6 +27,7 @@ std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes)
 struct RecordingOptions {
   Existing existing = Existing::Refuse;
   std::int64_t exposureUs = 0;  ///< 0 if unknown; see GapFinder
+  bool sharesFrames = false;    ///< others use the frames too: a correction changes copies
 };
 
 /// When the recorded frames arrived.
@@ -92,15 +93,18 @@ class SerRecorder {
   }
   void run();
   void writeFrames();
+  std::span<std::uint8_t> bytesToCorrect(const oc::Frame& frame);
   void noteArrival(const oc::Frame& frame);
 
   const FrameCorrection correction_;
+  const bool sharesFrames_;
   oc::FrameQueue frames_;
   const std::uint64_t takenBefore_;
   const std::uint64_t droppedBefore_;
   SerWriter writer_;
   oc::Frame current_;
   std::span<const std::uint8_t> currentPixels_;
+  std::vector<std::uint8_t> copy_;  // of a shared frame
   std::atomic<std::int32_t> writtenFrames_ = 0;
   std::exception_ptr failure_;
   std::chrono::steady_clock::time_point firstArrival_;

@@ -29,6 +29,9 @@ class LiveSessionTest : public LiveTest {
   void setControls(const Controls& controls) {
     run([&](LiveSession& its) { its.setControls(controls); });
   }
+  void setRegion(const std::optional<Region>& region) {
+    run([&](LiveSession& its) { its.setRegion(region); });
+  }
   const LiveState& state() { return session->state(); }
   std::string notice() { return state().notice.text; }
 
@@ -255,6 +258,54 @@ TEST_F(LiveSessionTest, RecordsUntilItIsStopped) {
   EXPECT_EQ(file.instrument, "Colour One");
   EXPECT_EQ(file.unreadBytes, 0);
   EXPECT_TRUE(hasFrames(1));
+}
+
+TEST_F(LiveSessionTest, RecordsARegionAndShowsTheWholeFrame) {
+  start();
+  const BayerPattern whole = state().capture.layout.bayer;
+  setRegion(Region{21, 10, 100, 60});
+  EXPECT_EQ(state().region, (Region{21, 10, 100, 60}));
+  EXPECT_EQ(notice(),
+            "Recordings keep 100 x 60 at 21, 10. The camera reads the whole frame, which takes as "
+            "long as before.");
+  run([](LiveSession& its) { its.moveRegion({-1000, 1}); });
+  EXPECT_EQ(state().region, (Region{0, 11, 100, 60}));
+  run(&LiveSession::toggleRecording);
+  EXPECT_TRUE(soon([](const LiveState& now) { return now.recording->frames > 3; }));
+  const std::string name = state().recording->file;
+  EXPECT_EQ(frame().size(), 64000U);
+  setRegion(std::nullopt);  // not while it records
+  EXPECT_EQ(notice(), "Stop the recording first: press R.");
+  run(&LiveSession::toggleRecording);
+  const SerFile file(scratch.file(name));
+  EXPECT_EQ(file.width, 100);
+  EXPECT_EQ(file.height, 60);
+  EXPECT_EQ(file.frames.front().size(), 6000U);
+  EXPECT_EQ(file.colorId, static_cast<int>(shiftedBayer(whole, 0, 11)));
+  EXPECT_EQ(file.unreadBytes, 0);
+}
+
+TEST_F(LiveSessionTest, TheRegionEndsWithTheFrameThatItWasDrawnIn) {
+  start();
+  setRegion(Region{20, 10, 100, 60});
+  run(&LiveSession::nextFormat);
+  EXPECT_TRUE(state().region);  // the frame has the same size
+  run(&LiveSession::nextBin);
+  EXPECT_FALSE(state().region);
+  setRegion(Region{20, 10, 100, 60});
+  choose(1);
+  EXPECT_FALSE(state().region);
+}
+
+TEST_F(LiveSessionTest, ARegionThatDoesNotFitIsNone) {
+  start();
+  setRegion(Region{300, 10, 100, 60});
+  EXPECT_FALSE(state().region);
+  setRegion(Region{0, 0, 320, 200});
+  EXPECT_FALSE(state().region);
+  EXPECT_EQ(notice(), "Recordings keep the whole frame.");
+  run([](LiveSession& its) { its.moveRegion({1, 1}); });
+  EXPECT_EQ(notice(), "There is no region: drag one with the right mouse button.");
 }
 
 TEST_F(LiveSessionTest, NothingElseIsOpenedWhileItRecords) {

@@ -45,14 +45,15 @@ TEST(LiveTexts, Histogram) {
   Histogram grey;
   grey.channel[0].smallest = 3;
   grey.channel[0].largest = 240;
+  grey.channel[0].median = 17;
   grey.channel[0].mean = 20.26;
   grey.channel[1].largest = 9999;  // of no meaning
-  EXPECT_EQ(histogramText(grey), "min 3   mean 20.3   max 240");
+  EXPECT_EQ(histogramText(grey), "min 3   median 17   mean 20.3   max 240");
   Histogram colour = grey;
   colour.channels = 3;
-  colour.channel[1] = {{}, 1, 200, 100};
-  colour.channel[2] = {{}, 2, 250, 400};
-  EXPECT_EQ(histogramText(colour), "min 1   mean 173   max 250");
+  colour.channel[1] = {{}, 1, 200, 99, 100};
+  colour.channel[2] = {{}, 2, 250, 150, 400};
+  EXPECT_EQ(histogramText(colour), "min 1   median 17 / 99 / 150   max 250");
 }
 
 TEST(LiveTexts, Saturation) {
@@ -61,15 +62,12 @@ TEST(LiveTexts, Saturation) {
   EXPECT_EQ(saturationText(0.5), "50 % saturated");
 }
 
-TEST(LiveTexts, FocusIsTheStarsOrTheEdges) {
-  Focus focus;
-  EXPECT_EQ(focusText(focus), unknownText);
-  focus.sharpness = 12.34;
-  EXPECT_EQ(focusText(focus), "12.3");
-  EXPECT_EQ(focusCaption(focus), "edge sharpness, more is better");
-  focus.star = Star{1, 2, 3.456};
-  EXPECT_EQ(focusText(focus), "3.46 px");
-  EXPECT_EQ(focusCaption(focus), "half-flux diameter, less is better");
+TEST(LiveTexts, FocusFigures) {
+  EXPECT_EQ(diameterText({}), unknownText);
+  EXPECT_EQ(diameterText(3.456), "3.46 px");
+  EXPECT_EQ(sharpnessText({}), unknownText);
+  EXPECT_EQ(sharpnessText(0), unknownText);
+  EXPECT_EQ(sharpnessText(12.34), "12.3");
 }
 
 TEST(LiveTexts, Recording) {

@@ -20,9 +20,11 @@ std::vector<PixelRect> itemsOf(const WindowLayout& layout) {
   for (const SliderPlace& slider : layout.sliders) {
     items.insert(items.end(), {slider.caption, slider.track});
   }
-  items.insert(items.end(), {layout.histogramCaption, layout.histogram, layout.histogramNumbers,
-                             layout.focusCaption, layout.focusFigure, layout.focusTrend,
-                             layout.facts, layout.record});
+  items.insert(items.end(),
+               {layout.histogramCaption, layout.histogram, layout.histogramAxis,
+                layout.histogramNumbers, layout.levels[0].caption, layout.levels[0].track,
+                layout.focus[0].caption, layout.focus[0].figure, layout.focus[0].best,
+                layout.focus[0].trend, layout.facts, layout.record});
   return items;
 }
 
@@ -38,6 +40,29 @@ TEST_P(EveryDpi, ItemsFollowEachOtherWithinThePanel) {
     EXPECT_GT(item.height, 0);
     bottom = item.top + item.height;
   }
+}
+
+// Both lie in the panel, at the same height, and do not overlap.
+void expectSideBySide(const WindowLayout& layout, const PixelRect& left, const PixelRect& right) {
+  EXPECT_TRUE(contains(layout.panel, left));
+  EXPECT_TRUE(contains(layout.panel, right));
+  EXPECT_EQ(left.top, right.top);
+  EXPECT_EQ(left.height, right.height);
+  EXPECT_GT(right.left, left.right());
+}
+
+TEST_P(EveryDpi, LevelsAndFocusFiguresAreSideBySide) {
+  const int dpi = GetParam();
+  const WindowLayout layout = layOut(scaled(844, dpi), scaled(661, dpi), dpi);
+  for (const std::size_t level : {0U, 1U}) {
+    expectSideBySide(layout, layout.levels[level].caption, layout.levels[level + 1].caption);
+    expectSideBySide(layout, layout.levels[level].track, layout.levels[level + 1].track);
+  }
+  const auto& [star, disc] = layout.focus;
+  expectSideBySide(layout, star.caption, disc.caption);
+  expectSideBySide(layout, star.figure, disc.figure);
+  expectSideBySide(layout, star.best, disc.best);
+  expectSideBySide(layout, star.trend, disc.trend);
 }
 
 TEST_P(EveryDpi, ThreePartsFillTheWindow) {
@@ -83,6 +108,15 @@ TEST(FittedPicture, KeepsItsShapeInTheMiddle) {
   EXPECT_EQ(fittedPicture({0, 0, 100, 100}, 10, 10), (PixelRect{0, 0, 100, 100}));
   EXPECT_EQ(fittedPicture({0, 0, 100, 100}, 10000, 1), (PixelRect{0, 49, 100, 1}));
   EXPECT_EQ(fittedPicture({5, 6, 100, 100}, 0, 0), (PixelRect{5, 6, 0, 0}));
+}
+
+TEST(PlotColumn, RunsFromEndToEnd) {
+  const PixelRect plot{100, 0, 201, 20};
+  EXPECT_EQ(plotColumn(plot, 0), 100);
+  EXPECT_EQ(plotColumn(plot, 0.5), 200);
+  EXPECT_EQ(plotColumn(plot, 1), 300);
+  EXPECT_EQ(plotColumn(plot, -1), 100);
+  EXPECT_EQ(plotColumn(plot, 2), 300);
 }
 
 TEST(PlaceOnTrack, RunsFromEndToEnd) {
