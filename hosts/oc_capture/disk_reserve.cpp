@@ -1,15 +1,7 @@
 // The free space that a recording leaves on its disk: "--stop-below".
 #include "oc_capture/disk_reserve.hpp"
 
-#include <system_error>
-
 namespace orvane::host {
-
-std::optional<std::int64_t> freeSpace(const std::filesystem::path& directory) {
-  std::error_code error;
-  const std::filesystem::space_info space = std::filesystem::space(directory, error);
-  return error ? std::nullopt : std::optional(static_cast<std::int64_t>(space.available));
-}
 
 bool DiskReserve::isReached(std::int64_t free, std::int64_t accepted, std::int64_t written) {
   constexpr std::int64_t timeStampBytes = 8;

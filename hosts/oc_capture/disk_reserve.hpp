@@ -3,13 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <optional>
 
 namespace orvane::host {
-
-/// The free bytes of the disk that has this directory; none if the system does not tell.
-std::optional<std::int64_t> freeSpace(const std::filesystem::path& directory);
 
 /// Tells when a recording has to end, so that this many bytes stay free after it is finished.
 class DiskReserve {

@@ -9,6 +9,7 @@
 #include "oc_capture/camera_stream.hpp"
 #include "oc_capture/disk_reserve.hpp"
 #include "oc_capture/status_line.hpp"
+#include "system/disk_space.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
 

@@ -10,9 +10,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "oc_capture/disk_reserve.hpp"
 #include "oc_capture/status_line.hpp"
 #include "system/argument_values.hpp"
+#include "system/disk_space.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"

@@ -3,21 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "scratch_directory.hpp"
-
 namespace orvane::host {
 
 namespace {
 
 constexpr std::int64_t megabyte = 1'000'000;
-
-TEST(FreeSpace, IsThatOfTheDirectorysDisk) {
-  const testing::ScratchDirectory scratch;
-  const std::optional<std::int64_t> free = freeSpace(scratch.path());
-  ASSERT_TRUE(free);
-  EXPECT_GT(*free, 0);
-  EXPECT_EQ(freeSpace(scratch.file("missing")), std::nullopt);
-}
 
 TEST(DiskReserve, LeavesRoomForTheFramesThatWait) {
   // 500 MB are to stay; a preview and a settings log take 16 MB at most.
