@@ -353,6 +353,11 @@ void LiveSession::finishOpening(std::future<void> opening, const std::string& re
     say(NoticeKind::Error,
         state_.cameraName() + " " + refusal + ": " + explainedSentence(error.what()));
   }
+  noteSettings();
+}
+
+// Takes over what the camera has after it was opened.
+void LiveSession::noteSettings() {
   const oc::CaptureState now = capture_.state();
   wanted_ = now.settings;
   if (state_.region && !state_.region->isInside(now.layout.width, now.layout.height)) {

@@ -132,6 +132,7 @@ class LiveSession {
   oc::Settings settingsFor(const oc::CameraInfo& camera) const;
   void open(std::size_t position, const oc::Settings& settings);
   void finishOpening(std::future<void> opening, const std::string& refusal);
+  void noteSettings();
   void noticeFailures(const oc::CaptureState& now);
   void endRecording(const oc::CaptureState& camera);
   void say(NoticeKind kind, const std::string& text);
