@@ -77,7 +77,8 @@ def measure(program, sdk, directory, pixel_format, frames):
                     memory = max(memory, peak)
     finally:
         file.unlink(missing_ok=True)
-        file.with_suffix(".png").unlink(missing_ok=True)
+        file.with_name(file.stem + "-preview.png").unlink(missing_ok=True)
+        file.with_suffix(".txt").unlink(missing_ok=True)
     medians = {name: statistics.median(values) for name, values in speeds.items()}
     ratio = medians["recording"] / medians["loop"]
     print(f"  {directory:<24} {pixel_format:<6} {frames:>6} {medians['recording']:>10.0f} MB/s"

@@ -48,9 +48,9 @@ done
 
 echo
 echo "== a camera that looks at a recording"
-# With the middle of the gain range, 20 ms and no offset, a camera delivers the recording's samples.
+# With the settings that --scene chooses, a camera delivers the recording's samples.
 ORVANE_SIMULATOR="clock stopped" capture record --sdk "$sdk" --camera ASI120MC-S --format raw16 \
-  --gain 50 --offset 0 --frames 10 --scene "$out/zwo-raw16.ser" --out "$out/zwo-played.ser"
+  --frames 10 --scene "$out/zwo-raw16.ser" --out "$out/zwo-played.ser"
 # The samples begin after a header of 178 bytes.
 if cmp --ignore-initial=178 --bytes=$((10 * 1280 * 960 * 2)) "$out"/zwo-{raw16,played}.ser; then
   echo "$out/zwo-played.ser has the samples of $out/zwo-raw16.ser."
@@ -62,4 +62,4 @@ fi
 echo
 echo "$table"
 echo
-echo "The recordings, each with a .png of its last frame, brightened, are in $PWD/$out"
+echo "The recordings, each with a -preview.png of its last frame, brightened, and its settings in a .txt, are in $PWD/$out"

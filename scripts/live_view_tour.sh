@@ -10,7 +10,7 @@ scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools
 out=${1:-live-view-tour}
 mkdir -p "$out/recordings"
 out=$(cd "$out" && pwd)
-rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.ser
+rm -f "$out"/live_view.log "$out"/*.png "$out"/recordings/*.{ser,txt}
 
 echo "== build"
 quietly cmake --preset windows-x64
@@ -38,7 +38,7 @@ unset ORVANE_SIMULATOR
 
 # start ARGUMENT...: starts the program and waits until its window is there.
 start() {
-  cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" \
+  cmake/run_with_wine.sh build/windows-x64/bin/live_view.exe --sdk "$sdk" --no-settings \
     --recordings "$out/recordings" "$@" 2>>"$out/live_view.log" &
   program=$!
   window=
@@ -58,6 +58,16 @@ press() {
     sleep 0.3
   done
   sleep 1.5
+}
+
+# drag_right X Y X Y: drags with the right mouse button.
+drag_right() {
+  xdotool mousemove --window "$window" "$1" "$2" mousedown 3
+  sleep 0.3
+  xdotool mousemove --window "$window" "$3" "$4"
+  sleep 0.3
+  xdotool mouseup 3
+  sleep 1
 }
 
 shot() {
@@ -109,6 +119,13 @@ start --camera ASI290MM
 shot 11-mono "a mono camera"
 press f b
 shot 12-mono-16-bits-bin-2 "the same with 16 bits and bin 2"
+press f b s shift+3 shift+3 shift+3 6 6
+shot 19-levels "8 bits with a lower white point and more gamma"
+press 0 s
+drag_right 300 200 640 460
+press shift+ctrl+Right ctrl+Down r
+shot 20-region "a region was drawn and moved, and is recorded"
+press r
 stop
 
 export ORVANE_SIMULATOR="sdk ASICamera2; unplug 0 ASIGetVideoData 380; \
@@ -181,7 +198,7 @@ stop
 
 echo "== recordings"
 recordings=("$out"/recordings/*.ser)
-[ ${#recordings[@]} -eq 3 ] || { echo "there should be 3"; exit 1; }
+[ ${#recordings[@]} -eq 4 ] || { echo "there should be 4"; exit 1; }
 for recording in "${recordings[@]}"; do
   frames=$(ffprobe -v error -count_frames -select_streams v:0 \
     -show_entries stream=codec_name,width,height,pix_fmt,nb_read_frames -of csv=p=0 "$recording")

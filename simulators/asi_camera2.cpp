@@ -145,6 +145,18 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
 }
 
+// The outputs that can be forced.
+constexpr FunctionOutputs outputs[] = {
+    {"ASIGetCameraProperty",
+     "result CameraID MaxHeight MaxWidth IsColorCam BayerPattern PixelSize MechanicalShutter "
+     "ST4Port IsCoolerCam IsUSB3Host IsUSB3Camera ElecPerADU BitDepth IsTriggerCam"},
+    {"ASIGetNumOfControls", "result count"},
+    {"ASIGetControlCaps",
+     "result MaxValue MinValue DefaultValue IsAutoSupported IsWritable ControlType"},
+    {"ASIGetControlValue", "result value isAuto"},
+    {"ASIGetROIFormat", "result width height bin imageType"},
+};
+
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
@@ -157,7 +169,8 @@ constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
                                       .failures = {.noCamera = ASI_ERROR_INVALID_ID,
                                                    .closed = ASI_ERROR_CAMERA_CLOSED,
                                                    .unplugged = ASI_ERROR_CAMERA_REMOVED,
-                                                   .refused = ASI_ERROR_GENERAL_ERROR}};
+                                                   .refused = ASI_ERROR_GENERAL_ERROR},
+                                      .outputs = outputs};
 
 extern "C" {
 

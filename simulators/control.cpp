@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <span>
+#include <string>
 
 #include "core/sdk.hpp"
 #include "simulator_control.h"
@@ -57,7 +59,12 @@ void sim_set_seed(uint64_t seed) {
 }
 
 int32_t sim_play_recording(const char* serPath) {
-  return sdk().playRecording(serPath) ? 1 : 0;
+  const std::string problem = sdk().playRecording(serPath);
+  if (!problem.empty()) {
+    static_cast<void>(std::fprintf(stderr, "%s: \"%s\" cannot be played: %s\n", maker.sdkName,
+                                   serPath, problem.c_str()));
+  }
+  return problem.empty() ? 1 : 0;
 }
 
 void sim_stop_clock(int32_t stopped) {

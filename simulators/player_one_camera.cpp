@@ -187,6 +187,19 @@ bool isExposing(const Camera& camera) {
   return camera.device.stream.isRunning() && !camera.device.stream.isFinished();
 }
 
+// The outputs that can be forced.
+constexpr FunctionOutputs outputs[] = {
+    {"POAGetCameraProperties",
+     "result cameraID maxWidth maxHeight bitDepth isColorCamera isHasST4Port isHasCooler "
+     "isUSB3Speed bayerPattern pixelSize isSupportHardBin"},
+    {"POAGetConfigAttributesByConfigID",
+     "result isSupportAuto isWritable isReadable configID valueType maxValue minValue "
+     "defaultValue"},
+    {"POAGetConfig", "result value isAuto"},
+    {"POAGetImageSize", "result width height"},
+    {"POAImageReady", "result isReady"},
+};
+
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
@@ -199,7 +212,8 @@ constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
                                       .failures = {.noCamera = POA_ERROR_INVALID_ID,
                                                    .closed = POA_ERROR_NOT_OPENED,
                                                    .unplugged = POA_ERROR_DEVICE_NOT_FOUND,
-                                                   .refused = POA_ERROR_OPERATION_FAILED}};
+                                                   .refused = POA_ERROR_OPERATION_FAILED},
+                                      .outputs = outputs};
 
 extern "C" {
 

@@ -123,6 +123,15 @@ std::string_view textIn(const char* buffer) {
                       : static_cast<std::size_t>(static_cast<const char*>(end) - buffer)};
 }
 
+// The outputs that can be forced.
+constexpr FunctionOutputs outputs[] = {
+    {"GetQHYCCDChipInfo",
+     "result chipWidthMm chipHeightMm imageWidth imageHeight pixelWidthUm pixelHeightUm "
+     "bitsPerPixel"},
+    {"GetQHYCCDParamMinMaxStep", "result minimum maximum step"},
+    {"GetQHYCCDLiveFrame", "result width height bitsPerPixel channels"},
+};
+
 }  // namespace
 
 constinit const sim::Maker sim::maker{
@@ -131,7 +140,8 @@ constinit const sim::Maker sim::maker{
     .queue = {2, WhenFull::DropOldest},
     .setUp = setUp,
     .frameSettings = frameSettings,
-    .failures = {QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR}};
+    .failures = {QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR, QHYCCD_ERROR},
+    .outputs = outputs};
 
 extern "C" {
 

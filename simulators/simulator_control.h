@@ -188,9 +188,9 @@ ORVANE_SIMULATOR_API void sim_log_clear(void);
 ORVANE_SIMULATOR_API void sim_invariants(SimInvariants* invariants);
 
 /* Runs the text commands that docs/simulators.md lists, separated by ";" or line ends. Returns 1,
- * or 0 if a command is not understood or its file cannot be used; this command and all after it are
- * then not run. When the SDK is loaded, it runs the commands in the environment variable
- * ORVANE_SIMULATOR and reports a failure on the standard error output. */
+ * or 0 if a command is wrong: it is then told on the standard error output, with the reason, and it
+ * and all after it are not run. When the SDK is loaded, it runs the commands in the environment
+ * variable ORVANE_SIMULATOR. A wrong one stops the SDK, as that document describes. */
 ORVANE_SIMULATOR_API int32_t sim_command(const char* commands);
 
 #ifdef __cplusplus

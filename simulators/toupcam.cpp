@@ -304,6 +304,18 @@ Hresult putOption(Camera& camera, unsigned option, int value) {
   }
 }
 
+// The outputs that can be forced.
+constexpr FunctionOutputs outputs[] = {
+    {"Toupcam_EnumV2", "result flag xpixsz ypixsz width height model"},
+    {"Toupcam_Close", ""},
+    {"Toupcam_get_RawFormat", "result fourCc bitsPerPixel"},
+    {"Toupcam_get_ExpTimeRange", "result nMin nMax nDef"},
+    {"Toupcam_get_ExpoAGainRange", "result nMin nMax nDef"},
+    {"Toupcam_get_FinalSize", "result width height"},
+    {"Toupcam_PullImageWithRowPitch", "result width height"},
+    {"Toupcam_get_Temperature", "result tenthsOfDegree"},
+};
+
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "toupcam",
@@ -314,7 +326,8 @@ constinit const sim::Maker sim::maker{.sdkName = "toupcam",
                                       .failures = {.noCamera = E_POINTER,
                                                    .closed = E_INVALIDARG,
                                                    .unplugged = E_GEN_FAILURE,
-                                                   .refused = E_UNEXPECTED}};
+                                                   .refused = E_UNEXPECTED},
+                                      .outputs = outputs};
 
 extern "C" {
 

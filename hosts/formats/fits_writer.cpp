@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "system/file.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -112,6 +111,10 @@ std::string headerText(const FitsDescription& description) {
   }
   header.add("XBINNING", description.bin, "");
   header.add("YBINNING", description.bin, "");
+  if (description.region) {
+    header.add("XORGSUBF", description.region->left, "first column, in binned pixels from 0");
+    header.add("YORGSUBF", description.region->top, "first row, in binned pixels from 0");
+  }
   if (description.temperature && std::isfinite(*description.temperature)) {
     header.add("CCD-TEMP", *description.temperature, "degrees Celsius");
   }
@@ -121,6 +124,12 @@ std::string headerText(const FitsDescription& description) {
   }
   if (!description.telescope.empty()) {
     header.add("TELESCOP", description.telescope, "");
+  }
+  if (!description.target.empty()) {
+    header.add("OBJECT", description.target, "");
+  }
+  if (!description.filter.empty()) {
+    header.add("FILTER", description.filter, "");
   }
   return header.finished();
 }
@@ -156,8 +165,8 @@ std::vector<std::uint8_t> fitsFile(std::span<const std::uint8_t> frame,
 }
 
 void writeFits(const std::filesystem::path& path, std::span<const std::uint8_t> frame,
-               const FitsDescription& description) {
-  OutputFile file(path);
+               const FitsDescription& description, Existing existing) {
+  OutputFile file(path, existing);
   file.writeAt(0, fitsFile(frame, description));
   file.close();
 }

@@ -5,8 +5,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "system/file.hpp"
-
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STBI_WRITE_NO_STDIO
@@ -23,13 +21,13 @@ extern "C" void appendBytes(void* file, void* bytes, int count) {
 
 }  // namespace
 
-void writePng(const std::filesystem::path& path, const ScreenImage& image) {
+void writePng(const std::filesystem::path& path, const ScreenImage& image, Existing existing) {
   std::vector<std::uint8_t> bytes;
   if (stbi_write_png_to_func(appendBytes, &bytes, image.width, image.height, image.channels,
                              image.samples.data(), 0) == 0) {
     throw std::runtime_error("There is not enough memory for the preview image.");
   }
-  OutputFile file(path);
+  OutputFile file(path, existing);
   file.writeAt(0, bytes);
   file.close();
 }

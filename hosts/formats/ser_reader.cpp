@@ -1,4 +1,4 @@
-// Reads SER files. The header is checked against the file's size.
+// Reads SER files. The file's size tells which frames are there.
 #include "formats/ser_reader.hpp"
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "formats/ser_layout.hpp"
+#include "formats/ser_time.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -38,9 +39,17 @@ std::int64_t bytesOfFrame(const SerFacts& facts) {
 
 }  // namespace
 
+bool isFrameTime(std::int64_t ticks, std::int64_t startUtc) {
+  constexpr std::int64_t day = std::int64_t{24} * 60 * 60 * 10'000'000;
+  // Some programs write local times.
+  const bool fitsStart =
+      !timeOfSerTicks(startUtc) || (ticks >= startUtc - day && ticks <= startUtc + 31 * day);
+  return timeOfSerTicks(ticks).has_value() && fitsStart;
+}
+
 SerReader::SerReader(const std::filesystem::path& path) : file_(path) {
   readHeader();
-  readTimeStamps();
+  examineContent();
 }
 
 void SerReader::readHeader() {
@@ -60,7 +69,7 @@ void SerReader::readHeader() {
   facts_.width = number(offset::width);
   facts_.height = number(offset::height);
   facts_.depth = number(offset::depth);
-  facts_.frames = number(offset::frameCount);
+  facts_.promisedFrames = number(offset::frameCount);
   facts_.observer = textAt(header, offset::observer);
   facts_.instrument = textAt(header, offset::instrument);
   facts_.telescope = textAt(header, offset::telescope);
@@ -76,29 +85,64 @@ void SerReader::readHeader() {
           "frames of " + dimensionsText(facts_.width, facts_.height) + " pixels.");
   require(facts_.depth > 0 && facts_.depth <= 16,
           "samples of " + std::to_string(facts_.depth) + " bits.");
-  require(facts_.frames >= 0, std::to_string(facts_.frames) + " frames.");
+  require(facts_.promisedFrames >= 0, std::to_string(facts_.promisedFrames) + " frames.");
   frameBytes_ = static_cast<std::size_t>(bytesOfFrame(facts_));
 }
 
-void SerReader::readTimeStamps() {
+std::vector<std::int64_t> SerReader::timesAt(std::int64_t position, std::int64_t count) const {
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(count) * ser::timeStampSize);
+  file_.readAt(position, bytes);
+  std::vector<std::int64_t> times;
+  times.reserve(static_cast<std::size_t>(count));
+  for (std::size_t at = 0; at < bytes.size(); at += ser::timeStampSize) {
+    times.push_back(ser::integerAt<std::int64_t>(bytes, at));
+  }
+  return times;
+}
+
+// None if these bytes are no times.
+std::vector<std::int64_t> SerReader::plausibleTimesAt(std::int64_t position,
+                                                      std::int64_t count) const {
+  std::vector<std::int64_t> times = timesAt(position, count);
+  const bool areTimes = std::is_sorted(times.begin(), times.end()) &&
+                        std::all_of(times.begin(), times.end(), [&](std::int64_t time) {
+                          return isFrameTime(time, facts_.startUtc);
+                        });
+  return areTimes ? times : std::vector<std::int64_t>();
+}
+
+// Behind the counted frames there may be others, or time stamps, or both. A dark frame's samples
+// can look like numbers of any kind, so bytes only count as time stamps if their number is exactly
+// right or they are plausible times.
+void SerReader::examineContent() {
+  const auto start = static_cast<std::int64_t>(ser::headerSize);
   const auto frameSize = static_cast<std::int64_t>(frameBytes_);
-  const std::int64_t room = file_.size() - static_cast<std::int64_t>(ser::headerSize);
-  if (room / frameSize < facts_.frames) {
-    throw std::runtime_error(file_.name() + " is cut short: its header promises " +
-                             std::to_string(facts_.frames) + " frames, and it holds " +
-                             std::to_string(room / frameSize) + ".");
+  constexpr auto timeSize = static_cast<std::int64_t>(ser::timeStampSize);
+  const std::int64_t room = file_.size() - start;
+  const std::int64_t promised = facts_.promisedFrames;
+  const std::int64_t counted = std::min(promised, room / frameSize);
+  const std::int64_t behind = start + frameSize * counted;
+  const std::int64_t left = room - frameSize * counted;
+  const std::int64_t withTimes =
+      room % (frameSize + timeSize) == 0 ? room / (frameSize + timeSize) : 0;
+  facts_.frames = static_cast<std::int32_t>(counted);
+  facts_.unusedBytes = 0;
+  if (counted == promised && left == timeSize * promised) {
+    trailer_ = timesAt(behind, promised);
+  } else if (withTimes > 0 &&
+             !(trailer_ = plausibleTimesAt(start + frameSize * withTimes, withTimes)).empty()) {
+    facts_.frames = static_cast<std::int32_t>(std::min(promised, withTimes));
+    facts_.framesBehind = withTimes - facts_.frames;
+  } else if (const std::int64_t times = std::min(promised, left / timeSize);
+             counted == promised && times > 0 &&
+             !(trailer_ = plausibleTimesAt(behind, times)).empty()) {
+    facts_.unusedBytes = times == promised ? left - timeSize * times : left;
+  } else {
+    facts_.framesBehind = left / frameSize;
+    facts_.unusedBytes = left % frameSize;
   }
-  const std::int64_t left = room - frameSize * facts_.frames;
-  const auto trailerSize = static_cast<std::int64_t>(ser::timeStampSize) * facts_.frames;
-  if (left < trailerSize) {
-    facts_.unusedBytes = left;
-    return;
-  }
-  facts_.unusedBytes = left - trailerSize;
-  std::vector<std::uint8_t> trailer(static_cast<std::size_t>(trailerSize));
-  file_.readAt(file_.size() - left, trailer);
-  for (std::size_t at = 0; at < trailer.size(); at += ser::timeStampSize) {
-    facts_.timeStamps.push_back(ser::integerAt<std::int64_t>(trailer, at));
+  if (trailer_.size() >= static_cast<std::size_t>(facts_.frames)) {
+    facts_.timeStamps.assign(trailer_.begin(), trailer_.begin() + facts_.frames);
   }
 }
 

@@ -1,4 +1,4 @@
-// Reads SER files. The header is checked against the file's size.
+// Reads SER files. The file's size tells which frames are there.
 #pragma once
 
 #include <cstdint>
@@ -25,25 +25,39 @@ struct SerFacts {
   BayerPattern bayer = BayerPattern::None;  ///< None also for patterns of other colours
   std::int32_t colorId = 0;                 ///< as in the header
   bool isBigEndian = false;                 ///< samples of two bytes
-  std::int32_t frames = 0;
-  std::string observer;  ///< these three end at the first NUL and are valid UTF-8
+  std::int32_t frames = 0;                  ///< that can be read: counted by the header, and whole
+  std::int32_t promisedFrames = 0;  ///< that the header counts; more than `frames` if it is cut off
+  std::int64_t framesBehind = 0;    ///< whole frames behind those that the header counts
+  std::string observer;             ///< these three end at the first NUL and are valid UTF-8
   std::string instrument;
   std::string telescope;
   std::int64_t startLocal = 0;           ///< serLocalTicks(); 0 or less if unknown
   std::int64_t startUtc = 0;             ///< serTicks()
   std::vector<std::int64_t> timeStamps;  ///< like startUtc, one for each frame, or none
-  std::int64_t unusedBytes = 0;          ///< after the frames and time stamps
+  std::int64_t unusedBytes = 0;          ///< after all whole frames and their time stamps
+
+  /// True if the header counts other frames than there are.
+  bool isDamaged() const { return frames != promisedFrames || framesBehind > 0; }
 };
 
+/// True for a time, in the ticks of serTicks(), that a frame of a recording with this start can
+/// have. A start of 0 is unknown.
+bool isFrameTime(std::int64_t ticks, std::int64_t startUtc);
+
 /// A SER file that is open for reading. Frames are read on request; the time stamps are kept in
-/// memory.
+/// memory. A file that ends before its last frame is read as far as it goes, one with more frames
+/// than its header counts up to that count.
 class SerReader {
  public:
   /// Throws std::runtime_error with a sentence that names the file, if it cannot be read, is no SER
-  /// file, has an impossible number in its header, or is shorter than its header says.
+  /// file, or has an impossible number in its header.
   explicit SerReader(const std::filesystem::path& path);
 
   const SerFacts& facts() const { return facts_; }
+
+  /// The time stamps in the file: one for each whole frame, also for those that the header does not
+  /// count, or fewer if they are cut off.
+  const std::vector<std::int64_t>& trailer() const { return trailer_; }
 
   /// The size of one frame in bytes, at most 1 GiB.
   std::size_t frameBytes() const { return frameBytes_; }
@@ -58,10 +72,13 @@ class SerReader {
 
  private:
   void readHeader();
-  void readTimeStamps();
+  void examineContent();
+  std::vector<std::int64_t> timesAt(std::int64_t position, std::int64_t count) const;
+  std::vector<std::int64_t> plausibleTimesAt(std::int64_t position, std::int64_t count) const;
 
   InputFile file_;
   SerFacts facts_;
+  std::vector<std::int64_t> trailer_;
   std::size_t frameBytes_ = 0;
 };
 

@@ -50,9 +50,20 @@ Header headerOf(const SerDescription& description) {
 
 }  // namespace
 
-SerWriter::SerWriter(const std::filesystem::path& path, const SerDescription& description)
-    : file_(path), frameBytes_(frameBytes(description.layout)) {
+std::filesystem::path timeJournalOf(const std::filesystem::path& recording) {
+  std::filesystem::path journal = recording;
+  journal += ".orvane-times";
+  return journal;
+}
+
+SerWriter::SerWriter(const std::filesystem::path& path, const SerDescription& description,
+                     Existing existing)
+    : journalPath_(timeJournalOf(path)),
+      file_(path, existing),
+      frameBytes_(frameBytes(description.layout)) {
   file_.writeAt(0, headerOf(description));
+  constexpr std::size_t usual = 1000;
+  timeStamps_.reserve(usual);
 }
 
 SerWriter::~SerWriter() {
@@ -71,14 +82,52 @@ void SerWriter::addFrame(std::span<const std::uint8_t> frame, std::int64_t utcTi
   if (frameCount() == maxFrameCount) {
     throw std::runtime_error("A SER file holds no more than 2147483647 frames.");
   }
+  noteTime(utcTicks);
   file_.writeAt(framesEnd(), frame);
+  if (timeStamps_.empty()) {
+    publish();
+  }
   timeStamps_.push_back(utcTicks);
 }
 
+// A recording without a journal is better than none.
+void SerWriter::noteTime(std::int64_t utcTicks) {
+  if (!hasJournal_) {
+    return;
+  }
+  try {
+    if (!journal_) {
+      journal_.emplace(journalPath_, Existing::Replace);
+    }
+    std::array<std::uint8_t, ser::timeStampSize> time{};
+    ser::putInteger(time, 0, utcTicks);
+    journal_->writeAt(static_cast<std::int64_t>(timeStamps_.size() * time.size()), time);
+  } catch (const std::exception&) {
+    hasJournal_ = false;
+  }
+}
+
+// The journal of the recording that is replaced stays until that recording is replaced.
+void SerWriter::publish() {
+  writeFrameCount(1);
+  file_.publish();
+  try {
+    if (journal_) {
+      journal_->publish();
+    }
+  } catch (const std::exception&) {
+    hasJournal_ = false;
+  }
+}
+
 void SerWriter::checkpoint() {
-  std::array<std::uint8_t, 4> count{};
-  ser::putInteger(count, 0, frameCount());
-  file_.writeAt(static_cast<std::int64_t>(ser::offset::frameCount), count);
+  writeFrameCount(frameCount());
+}
+
+void SerWriter::writeFrameCount(std::int32_t count) {
+  std::array<std::uint8_t, 4> bytes{};
+  ser::putInteger(bytes, 0, count);
+  file_.writeAt(static_cast<std::int64_t>(ser::offset::frameCount), bytes);
 }
 
 void SerWriter::close() {
@@ -89,6 +138,10 @@ void SerWriter::close() {
 }
 
 void SerWriter::finish() {
+  if (timeStamps_.empty()) {
+    file_.discard();
+    return;
+  }
   checkpoint();
   file_.truncate(framesEnd());  // removes the part of a frame that a full disk left
   std::vector<std::uint8_t> trailer(timeStamps_.size() * ser::timeStampSize);
@@ -102,6 +155,9 @@ void SerWriter::finish() {
     throw;
   }
   file_.close();
+  if (journal_) {
+    journal_->discard();
+  }
 }
 
 std::int64_t SerWriter::framesEnd() const {

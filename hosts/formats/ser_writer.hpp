@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,8 +23,13 @@ struct SerDescription {
   std::int64_t startUtc = 0;    ///< serTicks()
 };
 
-/// A SER file that is being recorded. It is valid at any time. checkpoint() updates the frame count
-/// in its header; a crash costs only the frames after the last checkpoint.
+/// The time journal of a recording: the frames' time stamps, 8 bytes each, before the trailer is
+/// written. It has its own file beside the recording, and lets SerRepair rebuild the trailer.
+std::filesystem::path timeJournalOf(const std::filesystem::path& recording);
+
+/// A SER file that is being recorded. It appears with its first frame and is valid from then on;
+/// without a frame there is no file, and an existing one stays. checkpoint() updates the frame
+/// count in its header. After a crash, SerRepair recovers the frames since the last checkpoint.
 ///
 /// Rows are stored from the top, samples of 16 bits little-endian.
 ///
@@ -35,7 +41,8 @@ struct SerDescription {
 /// Every member throws std::runtime_error with a sentence that names the file.
 class SerWriter {
  public:
-  SerWriter(const std::filesystem::path& path, const SerDescription& description);
+  SerWriter(const std::filesystem::path& path, const SerDescription& description,
+            Existing existing = Existing::Refuse);
 
   /// Finishes the file as close() does, but ignores failures.
   ~SerWriter();
@@ -48,8 +55,8 @@ class SerWriter {
   /// Updates the frame count in the header.
   void checkpoint();
 
-  /// Writes the time stamps and the final frame count and closes the file. If there is no room for
-  /// the time stamps, the file is valid without them.
+  /// Writes the time stamps and the final frame count, closes the file and removes the journal. If
+  /// there is no room for the time stamps, the file is valid without them, and the journal stays.
   void close();
 
   /// How many frames have been written in full.
@@ -59,10 +66,16 @@ class SerWriter {
   static constexpr std::int32_t maxFrameCount = 0x7FFFFFFF;
 
  private:
+  void noteTime(std::int64_t utcTicks);
+  void writeFrameCount(std::int32_t count);
+  void publish();
   void finish();
   std::int64_t framesEnd() const;
 
+  const std::filesystem::path journalPath_;
   OutputFile file_;
+  std::optional<OutputFile> journal_;
+  bool hasJournal_ = true;  // false once it cannot be written
   std::size_t frameBytes_;
   std::vector<std::int64_t> timeStamps_;
   bool isOpen_ = true;

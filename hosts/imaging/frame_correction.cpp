@@ -1,20 +1,15 @@
-// Corrects frames whose layout differs from what the SDK reported.
+// Corrects frames whose layout differs from what the SDK reported, and cuts a region out of them.
 #include "imaging/frame_correction.hpp"
 
 #include <algorithm>
 #include <utility>
 
 #include "system/failures.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 
 namespace {
-
-BayerPattern withSwappedRows(BayerPattern bayer) {
-  // One bit of the code is the row of the red pixel. None becomes an unknown code, so it stays
-  // None.
-  return bayerFromCode(static_cast<int>(bayer) ^ 2);
-}
 
 template <class Sample>
 void correct(std::span<Sample> samples, int rows, const FrameCorrection& correction) {
@@ -31,10 +26,9 @@ void correct(std::span<Sample> samples, int rows, const FrameCorrection& correct
   }
 }
 
-BayerPattern correctedBayerPattern(BayerPattern bayer, int height,
-                                   const FrameCorrection& correction) {
-  const BayerPattern delivered = correction.bayer.value_or(bayer);
-  return correction.flips && height % 2 == 0 ? withSwappedRows(delivered) : delivered;
+// The pattern of an image of this height after it is flipped.
+BayerPattern flippedBayer(BayerPattern bayer, int height) {
+  return shiftedBayer(bayer, 0, height - 1);
 }
 
 }  // namespace
@@ -48,13 +42,30 @@ FrameLayout correctedLayout(const FrameLayout& layout, const FrameCorrection& co
     throw UsageError("--bayer needs frames in raw8 or raw16.");
   }
   FrameLayout corrected = layout;
-  corrected.bayer = correctedBayerPattern(layout.bayer, layout.height, correction);
+  corrected.bayer = correction.bayer.value_or(layout.bayer);
+  if (correction.region) {
+    if (!correction.region->isInside(layout.width, layout.height)) {
+      throw UsageError("The region " + regionText(*correction.region) +
+                       " is not inside the frame of " +
+                       dimensionsText(layout.width, layout.height) + ".");
+    }
+    corrected = layoutOf(*correction.region, corrected);
+  }
+  if (correction.flips) {
+    corrected.bayer = flippedBayer(corrected.bayer, corrected.height);
+  }
   return corrected;
 }
 
-void correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
-                  const FrameCorrection& correction) {
-  correct(frame, layout.height, correction);
+std::span<std::uint8_t> correctFrame(std::span<std::uint8_t> frame, const FrameLayout& layout,
+                                     const FrameCorrection& correction) {
+  int rows = layout.height;
+  if (correction.region) {
+    frame = cutOut(*correction.region, frame, layout);
+    rows = correction.region->height;
+  }
+  correct(frame, rows, correction);
+  return frame;
 }
 
 BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrection& correction) {
@@ -65,7 +76,8 @@ BayerPattern correctImage(Image& image, BayerPattern bayer, const FrameCorrectio
     throw UsageError("--bayer needs frames of raw samples.");
   }
   correct(std::span(image.samples), image.height, correction);
-  return correctedBayerPattern(bayer, image.height, correction);
+  const BayerPattern delivered = correction.bayer.value_or(bayer);
+  return correction.flips ? flippedBayer(delivered, image.height) : delivered;
 }
 
 }  // namespace orvane::host

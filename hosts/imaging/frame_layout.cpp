@@ -64,6 +64,12 @@ const char* bayerName(BayerPattern bayer) {
              : patternNames.at(static_cast<std::size_t>(static_cast<int>(bayer) - firstPattern));
 }
 
+BayerPattern shiftedBayer(BayerPattern bayer, int column, int row) {
+  // Two bits of the code are the column and row of the red pixel. None becomes an unknown code, so
+  // it stays None.
+  return bayerFromCode(static_cast<int>(bayer) ^ ((column & 1) | (row & 1) << 1));
+}
+
 std::size_t frameBytes(const FrameLayout& layout) {
   return pixelCount(layout.width, layout.height) * row(layout.format).bytesPerPixel;
 }

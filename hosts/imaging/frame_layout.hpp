@@ -42,6 +42,9 @@ constexpr RedPixel redPixelOf(BayerPattern bayer) {
   return {code & 1, code >> 1 & 1};
 }
 
+/// The pattern of what starts in this column and row of an image with the Bayer pattern.
+BayerPattern shiftedBayer(BayerPattern bayer, int column, int row);
+
 /// The size of one frame in bytes, rows without padding.
 std::size_t frameBytes(const FrameLayout& layout);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <vector>
 
 namespace orvane::host {
 
@@ -12,6 +13,49 @@ namespace {
 
 // Enough for a smooth curve.
 constexpr double enoughPixels = 300'000;
+
+// How often each value occurs in a channel.
+class ValueCounts {
+ public:
+  explicit ValueCounts(std::span<const std::uint32_t> counts)
+      : counts_(counts), count_(countFrom(0)) {}
+
+  std::uint64_t count() const { return count_; }
+
+  // The samples with this value or a larger one.
+  std::uint64_t countFrom(int value) const {
+    const auto from = std::min(static_cast<std::size_t>(value), counts_.size());
+    return std::accumulate(counts_.begin() + static_cast<std::ptrdiff_t>(from), counts_.end(),
+                           std::uint64_t{0});
+  }
+
+  ChannelHistogram histogram(int fullScale) const {
+    ChannelHistogram channel;
+    std::uint64_t seen = 0;
+    std::uint64_t sum = 0;
+    for (std::size_t value = 0; value < counts_.size(); ++value) {
+      const std::uint32_t count = counts_[value];
+      if (count == 0) {
+        continue;
+      }
+      const auto sample = static_cast<int>(value);
+      const std::size_t clamped = std::min(value, static_cast<std::size_t>(fullScale));
+      channel.bins.at(clamped * ChannelHistogram::binCount /
+                      (static_cast<std::size_t>(fullScale) + 1)) += count;
+      channel.smallest = seen == 0 ? sample : channel.smallest;
+      channel.largest = sample;
+      channel.median = seen <= count_ / 2 ? sample : channel.median;
+      seen += count;
+      sum += value * count;
+    }
+    channel.mean = count_ > 0 ? static_cast<double>(sum) / static_cast<double>(count_) : 0;
+    return channel;
+  }
+
+ private:
+  std::span<const std::uint32_t> counts_;
+  std::uint64_t count_;
+};
 
 }  // namespace
 
@@ -72,47 +116,34 @@ Histogram histogramOf(std::span<const std::uint8_t> frame, const FrameLayout& la
   Histogram histogram;
   histogram.channels = isRgb || isBayer ? 3 : 1;
   histogram.fullScale = std::max(fullScale, 1);
-  std::array<std::uint64_t, 3> sums{};
-  std::uint64_t saturated = 0;
-  for (ChannelHistogram& channel : histogram.channel) {
-    channel.smallest = std::numeric_limits<int>::max();
+  const std::size_t values = layout.format == PixelFormat::Raw16 ? 65536 : 256;
+  std::array<std::vector<std::uint32_t>, 3> counts;
+  for (std::size_t channel = 0; channel < static_cast<std::size_t>(histogram.channels); ++channel) {
+    counts.at(channel).resize(values);
   }
-  const auto add = [&](std::size_t number, int sample) {
-    ChannelHistogram& channel = histogram.channel.at(number);
-    const auto clamped = static_cast<std::size_t>(std::min(sample, histogram.fullScale));
-    ++channel.bins.at(clamped * ChannelHistogram::binCount /
-                      (static_cast<std::size_t>(histogram.fullScale) + 1));
-    channel.smallest = std::min(channel.smallest, sample);
-    channel.largest = std::max(channel.largest, sample);
-    sums.at(number) += static_cast<std::uint64_t>(sample);
-    saturated += sample >= histogram.fullScale ? 1 : 0;
-  };
   // Squares of 2 x 2 pixels: each holds every colour of a Bayer pattern.
   for (int y = 0; y < layout.height; y += y % 2 == 0 ? 1 : 2 * every - 1) {
     for (int x = 0; x < layout.width; x += x % 2 == 0 ? 1 : 2 * every - 1) {
       const std::size_t pixel = pixelIndex(layout.width, x, y);
       if (isRgb) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
-          add(channel, frame[3 * pixel + channel]);
+          ++counts[channel][frame[3 * pixel + channel]];
         }
       } else {
         // Red is in red's row and column, blue in neither, green in one of the two.
         const std::size_t channel =
             isBayer ? (x % 2 != red.column ? 1U : 0U) + (y % 2 != red.row ? 1U : 0U) : 0U;
-        add(channel, sampleAt(frame, layout.format, pixel));
+        ++counts[channel][static_cast<std::size_t>(sampleAt(frame, layout.format, pixel))];
       }
     }
   }
   std::uint64_t all = 0;
-  for (std::size_t number = 0; number < sums.size(); ++number) {
-    ChannelHistogram& channel = histogram.channel.at(number);
-    const auto count = std::accumulate(channel.bins.begin(), channel.bins.end(), std::uint64_t{0});
-    all += count;
-    if (count > 0) {
-      channel.mean = static_cast<double>(sums.at(number)) / static_cast<double>(count);
-    } else {
-      channel.smallest = 0;
-    }
+  std::uint64_t saturated = 0;
+  for (std::size_t channel = 0; channel < static_cast<std::size_t>(histogram.channels); ++channel) {
+    const ValueCounts seen(counts[channel]);
+    histogram.channel[channel] = seen.histogram(histogram.fullScale);
+    all += seen.count();
+    saturated += seen.countFrom(histogram.fullScale);
   }
   histogram.saturated = all > 0 ? static_cast<double>(saturated) / static_cast<double>(all) : 0;
   return histogram;

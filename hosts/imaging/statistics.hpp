@@ -54,6 +54,7 @@ struct ChannelHistogram {
   std::array<std::uint32_t, binCount> bins{};  ///< equal parts of 0 to the full scale
   int smallest = 0;
   int largest = 0;
+  int median = 0;  ///< of an even number of samples, the larger of the two in the middle
   double mean = 0;
 };
 

@@ -92,13 +92,22 @@ std::vector<Stretch> autoStretch(const Image& image) {
   return stretches;
 }
 
+double stretchedBrightness(const Stretch& stretch, double sample) {
+  return midtonesTransfer(stretch.midtones,
+                          (sample - stretch.black) / (stretch.white - stretch.black));
+}
+
+double sampleOfBrightness(const Stretch& stretch, double brightness) {
+  // The curve with the opposite midtones is the inverse.
+  return stretch.black +
+         midtonesTransfer(1 - stretch.midtones, brightness) * (stretch.white - stretch.black);
+}
+
 std::vector<std::uint8_t> screenCurve(const Stretch& stretch) {
   std::vector<std::uint8_t> curve(levels);
   for (std::size_t value = 0; value < levels; ++value) {
-    const double relative =
-        (static_cast<double>(value) - stretch.black) / (stretch.white - stretch.black);
-    curve[value] =
-        static_cast<std::uint8_t>(std::lround(255 * midtonesTransfer(stretch.midtones, relative)));
+    curve[value] = static_cast<std::uint8_t>(
+        std::lround(255 * stretchedBrightness(stretch, static_cast<double>(value))));
   }
   return curve;
 }

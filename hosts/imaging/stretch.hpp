@@ -27,6 +27,12 @@ struct Stretch {
 /// the colours of brighter objects. No channel is darkened beyond its black point.
 std::vector<Stretch> autoStretch(const Image& image);
 
+/// The brightness of a sample, 0 to 1.
+double stretchedBrightness(const Stretch& stretch, double sample);
+
+/// The sample that has this brightness, 0 to 1.
+double sampleOfBrightness(const Stretch& stretch, double brightness);
+
 /// The screen's value of each of the 65536 sample values.
 std::vector<std::uint8_t> screenCurve(const Stretch& stretch);
 

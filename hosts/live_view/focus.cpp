@@ -1,4 +1,4 @@
-// How sharp a frame is: the size of its brightest star, or else the steepness of its edges.
+// How sharp a frame is: the size of its brightest star, and the sharpness of a planet or the Moon.
 #include "live_view/focus.hpp"
 
 #include <algorithm>
@@ -7,14 +7,15 @@
 #include <functional>
 #include <vector>
 
+#include "live_view/sharpness.hpp"
+
 namespace orvane::host {
 
 namespace {
 
-constexpr int starReach = 24;       // pixels: a wider object is no star
-constexpr double firstRadius = 5;   // pixels: wide enough for a sharp star
-constexpr int sharpnessReach = 96;  // pixels around the brightest object
-constexpr int cellSide = 12;        // of the reduced image: one candidate in each cell
+constexpr int starReach = 24;      // pixels: a wider object is no star
+constexpr double firstRadius = 5;  // pixels: wide enough for a sharp star
+constexpr int cellSide = 12;       // of the reduced image: one candidate in each cell
 constexpr std::size_t mostCandidates = 40;
 
 struct Point {
@@ -233,31 +234,11 @@ std::optional<Star> starAt(const Brightness& brightness, Point place, int reach)
   return Star{light.x + middle, light.y + middle, light.halfFluxDiameter};
 }
 
-// The mean square of the steps between neighbours, against that of the light itself.
-double sharpnessAround(const Brightness& brightness, const FrameLayout& layout, Point centre) {
-  const Sky sky = skyAround(brightness, centre, sharpnessReach);
-  double steps = 0;
-  double light = 0;
-  const int left = std::max(0, centre.x - sharpnessReach);
-  const int top = std::max(0, centre.y - sharpnessReach);
-  const int right = std::min(layout.width - 2, centre.x + sharpnessReach);
-  const int bottom = std::min(layout.height - 2, centre.y + sharpnessReach);
-  for (int y = top; y < bottom; ++y) {
-    for (int x = left; x < right; ++x) {
-      const double here = brightness.at(x, y);
-      const double across = brightness.at(x + 1, y) - here;
-      const double down = brightness.at(x, y + 1) - here;
-      steps += across * across + down * down;
-      light += (here - sky.level) * (here - sky.level);
-    }
-  }
-  return light > 0 ? 100 * std::sqrt(steps / light) : 0;
-}
-
 }  // namespace
 
 Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
-                   const Image& reduced, int factor, const std::optional<Star>& before) {
+                   const Image& reduced, int factor, const std::optional<Star>& before,
+                   const std::optional<Region>& region) {
   Focus focus;
   const Brightness brightness(frame, layout);
   std::vector<Candidate> candidates = brightestOfCells(reduced);
@@ -266,7 +247,7 @@ Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layou
   }
   std::ranges::sort(candidates, std::greater(), &Candidate::brightness);
   const int sky = candidates[(candidates.size() - 1) / 2].brightness;  // the median
-  focus.sharpness = sharpnessAround(brightness, layout, inFrame(candidates.front(), factor));
+  focus.sharpness = measureSharpness(frame, layout, reduced, factor, region);
   if (before) {
     focus.star = starAt(brightness, {static_cast<int>(before->x), static_cast<int>(before->y)},
                         starSearchReach);

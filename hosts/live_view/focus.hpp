@@ -1,4 +1,4 @@
-// How sharp a frame is: the size of its brightest star, or else the steepness of its edges.
+// How sharp a frame is: the size of its brightest star, and the sharpness of a planet or the Moon.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 
 #include "imaging/frame_layout.hpp"
 #include "imaging/image.hpp"
+#include "imaging/region.hpp"
 
 namespace orvane::host {
 
@@ -19,7 +20,7 @@ struct Star {
 
 struct Focus {
   std::optional<Star> star;  ///< the brightest star; hot pixels and planets do not count
-  double sharpness = 0;      ///< around the brightest object; more is sharper
+  double sharpness = 0;      ///< of a planet or the Moon, see measureSharpness(); more is sharper
 };
 
 /// How far from a place a star is searched: pixels in each direction.
@@ -27,10 +28,11 @@ constexpr int starSearchReach = 12;
 
 /// Measures a frame. Prefers a star near `before` to the brightest one, so that the figures of
 /// successive frames are of the same star. `reduced` is the frame reduced by reduceFrame() with
-/// `factor`; stars are searched in it. `frame` holds frameBytes(layout)
-/// bytes.
+/// `factor`; stars are searched in it. `frame` holds frameBytes(layout) bytes. The sharpness is
+/// that of the region, if there is one.
 Focus measureFocus(std::span<const std::uint8_t> frame, const FrameLayout& layout,
                    const Image& reduced, int factor,
-                   const std::optional<Star>& before = std::nullopt);
+                   const std::optional<Star>& before = std::nullopt,
+                   const std::optional<Region>& region = std::nullopt);
 
 }  // namespace orvane::host

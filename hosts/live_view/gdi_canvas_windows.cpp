@@ -17,6 +17,8 @@ struct FontKind {
 constexpr std::array<FontKind, 4> fontKinds = {
     {{13, FW_NORMAL}, {15, FW_NORMAL}, {20, FW_SEMIBOLD}, {30, FW_NORMAL}}};
 
+constexpr UINT paragraphFormat = DT_LEFT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
+
 std::wstring wideOf(const std::string& utf8) {
   const int length =
       MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
@@ -97,6 +99,15 @@ void GdiCanvas::outline(const PixelRect& rect, const PaletteColor& color) {
   FrameRect(memory_.get(), &area, brush(color));
 }
 
+void GdiCanvas::outlineWithin(const PixelRect& area, const PixelRect& rect,
+                              const PaletteColor& color) {
+  HDC context = memory_.get();
+  SaveDC(context);
+  IntersectClipRect(context, area.left, area.top, area.right(), area.bottom());
+  outline(rect, color);
+  RestoreDC(context, -1);
+}
+
 void GdiCanvas::dim(const PixelRect& rect) {
   const ScreenTarget target = pixelsOf(rect);
   for (int y = 0; y < target.height; ++y) {
@@ -142,6 +153,26 @@ void GdiCanvas::text(const PixelRect& rect, const std::string& utf8, TextSize si
   SetTextColor(memory_.get(), colorRef(color));
   DrawTextW(memory_.get(), wide.data(), static_cast<int>(wide.size()), &area,
             static_cast<UINT>(align) | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+void GdiCanvas::paragraph(const PixelRect& rect, const std::string& utf8,
+                          const PaletteColor& color) {
+  const std::wstring wide = wideOf(utf8);
+  RECT area = rectOf(rect);
+  useFont(TextSize::Normal);
+  SetTextColor(memory_.get(), colorRef(color));
+  DrawTextW(memory_.get(), wide.data(), static_cast<int>(wide.size()), &area, paragraphFormat);
+}
+
+int GdiCanvas::paragraphLines(const std::string& utf8, int width) {
+  const std::wstring wide = wideOf(utf8);
+  RECT all = {0, 0, width, 0};
+  RECT line = all;
+  useFont(TextSize::Normal);
+  DrawTextW(memory_.get(), wide.data(), static_cast<int>(wide.size()), &all,
+            paragraphFormat | DT_CALCRECT);
+  DrawTextW(memory_.get(), L"x", 1, &line, paragraphFormat | DT_CALCRECT);
+  return line.bottom > 0 ? static_cast<int>(all.bottom / line.bottom) : 1;
 }
 
 int GdiCanvas::textWidth(const std::string& utf8, TextSize size) {

@@ -61,6 +61,9 @@ class GdiCanvas {
   void fill(const PixelRect& rect, const PaletteColor& color);
   void outline(const PixelRect& rect, const PaletteColor& color);
 
+  /// The part of an outline that lies within an area.
+  void outlineWithin(const PixelRect& area, const PixelRect& rect, const PaletteColor& color);
+
   /// Darkens what has been drawn.
   void dim(const PixelRect& rect);
 
@@ -71,6 +74,12 @@ class GdiCanvas {
   /// One line of text, vertically centred. Text that is too long ends in an ellipsis.
   void text(const PixelRect& rect, const std::string& utf8, TextSize size,
             const PaletteColor& color, TextAlign align = TextAlign::Left);
+
+  /// Text of normal size that is broken into lines, from the top.
+  void paragraph(const PixelRect& rect, const std::string& utf8, const PaletteColor& color);
+
+  /// How many lines such a text needs in this width.
+  int paragraphLines(const std::string& utf8, int width);
 
   int textWidth(const std::string& utf8, TextSize size);
 

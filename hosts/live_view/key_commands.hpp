@@ -25,10 +25,35 @@ enum class ViewCommand {
   NextBin,
   ToggleRecording,
   Rescan,
+  ChooseRecordings,
+  ChooseSdk,
+  NextLimit,
   ToggleStretch,
   ToggleZoom,
   ToggleNightMode,
   ToggleCrosshair,
+  LessBlack,
+  MoreBlack,
+  LessWhite,
+  MoreWhite,
+  LessGamma,
+  MoreGamma,
+  MuchLessBlack,
+  MuchMoreBlack,
+  MuchLessWhite,
+  MuchMoreWhite,
+  MuchLessGamma,
+  MuchMoreGamma,
+  ResetLevels,
+  RegionLeft,
+  RegionRight,
+  RegionUp,
+  RegionDown,
+  RegionFarLeft,
+  RegionFarRight,
+  RegionFarUp,
+  RegionFarDown,
+  WholeFrame,
   ToggleHelp,
   Dismiss,
 };
@@ -38,6 +63,7 @@ enum class ViewCommand {
 struct KeyPress {
   int key = 0;
   bool withShift = false;
+  bool withControl = false;
 };
 
 namespace keys {

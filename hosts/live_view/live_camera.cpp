@@ -1,6 +1,7 @@
 // Runs a live session on a thread of its own, so that the window never waits for the camera.
 #include "live_view/live_camera.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "system/system.hpp"
@@ -59,7 +60,10 @@ void LiveCamera::run() {
   while (true) {
     publish();
     std::unique_lock lock(mutex_);
-    wake_.wait_for(lock, betweenStates, [this] { return mustStop_ || !requests_.empty(); });
+    // A limit of time is kept to the millisecond.
+    const auto left = session_.recordingTimeLeft().value_or(betweenStates);
+    wake_.wait_for(lock, std::clamp(left, std::chrono::milliseconds(1), betweenStates),
+                   [this] { return mustStop_ || !requests_.empty(); });
     if (mustStop_) {
       return;
     }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "imaging/stretch.hpp"
+#include "live_view/smooth_levels.hpp"
 #include "live_view/window_layout.hpp"
 
 namespace orvane::host {
@@ -56,9 +57,11 @@ bool LivePicture::measure(Clock::time_point now) {
   range_->add(frame_.bytes);
   measurements_.areThere = true;
   measurements_.histogram = histogramOf(frame_.bytes, frame_.layout, range_->fullScale());
-  measurements_.focus = measureFocus(frame_.bytes, frame_.layout, image_, factor, followed_);
+  measurements_.focus =
+      measureFocus(frame_.bytes, frame_.layout, image_, factor, followed_, region_);
   measureTrend();
   measureStretch();
+  updateCurves();
   nextMeasurement_ =
       now + std::max<Clock::duration>(betweenMeasurements, 8 * (Clock::now() - begin));
   return true;
@@ -71,16 +74,33 @@ void LivePicture::followStarAt(double frameX, double frameY) {
   nextMeasurement_ = {};
 }
 
+void LivePicture::setRegion(const std::optional<Region>& region) {
+  if (region != region_) {
+    region_ = region;
+    measurements_.sharpnesses.clear();
+    measurements_.mostSharpness.reset();
+    nextMeasurement_ = {};
+  }
+}
+
 void LivePicture::measureTrend() {
+  const auto add = [](std::deque<double>& trend, double figure) {
+    trend.push_back(figure);
+    if (trend.size() > trendLength) {
+      trend.pop_front();
+    }
+  };
+  if (const double sharpness = measurements_.focus.sharpness; sharpness > 0) {
+    add(measurements_.sharpnesses, sharpness);
+    measurements_.mostSharpness =
+        std::max(sharpness, measurements_.mostSharpness.value_or(sharpness));
+  }
   if (!measurements_.focus.star) {
     return;
   }
   followed_ = measurements_.focus.star;
   const double diameter = measurements_.focus.star->halfFluxDiameter;
-  measurements_.diameters.push_back(diameter);
-  if (measurements_.diameters.size() > trendLength) {
-    measurements_.diameters.pop_front();
-  }
+  add(measurements_.diameters, diameter);
   measurements_.leastDiameter = std::min(diameter, measurements_.leastDiameter.value_or(diameter));
 }
 
@@ -98,14 +118,45 @@ void LivePicture::measureStretch() {
     }
   }
   stretches_ = std::move(fresh);
-  if (isStretched_) {
-    curves_ = ScreenCurves(stretches_);
-  }
 }
 
 void LivePicture::setStretched(bool isStretched) {
   isStretched_ = isStretched;
-  curves_ = isStretched && !stretches_.empty() ? ScreenCurves(stretches_) : ScreenCurves();
+  updateCurves();
+}
+
+void LivePicture::setLevels(const PictureLevels& levels) {
+  levels_ = levels;
+  updateCurves();
+}
+
+// One for each channel, or one for all.
+std::vector<Stretch> LivePicture::shownStretches() const {
+  if (isStretched_ && !stretches_.empty()) {
+    return stretches_;
+  }
+  Stretch plain;
+  if (frame_.layout.format == PixelFormat::Raw16 && range_) {
+    plain.white = range_->fullScale();
+  }
+  return {plain};
+}
+
+void LivePicture::updateCurves() {
+  curves_ = ScreenCurves(shownStretches(), levels_);
+}
+
+double LivePicture::partShownAs(double brightness) const {
+  const std::vector<Stretch> stretches = shownStretches();
+  const Stretch& stretch = stretches[stretches.size() / 2];
+  const bool is16 = frame_.layout.format == PixelFormat::Raw16 && range_;
+  const double fullScale = is16 ? range_->fullScale() : 65535;
+  return std::clamp(sampleOfBrightness(stretch, levels_.inverse(brightness)) / fullScale, 0.0, 1.0);
+}
+
+// As the samples are, one step of 8 bits is one step of the screen.
+bool LivePicture::isBrightened() const {
+  return isStretched_ || levels_ != PictureLevels();
 }
 
 void LivePicture::move(int right, int down) {
@@ -123,6 +174,9 @@ PictureView LivePicture::draw(const ScreenTarget& area, std::uint32_t background
     return {};
   }
   const PictureView view = isPixelByPixel_ ? cutPart(area) : reduceWhole(area);
+  if (frame_.layout.format != PixelFormat::Raw16 && isBrightened()) {
+    smoothLevels(image_);
+  }
   curves_.apply(image_, tint_, pixels_);
   drawScaled(pixels_, partOf(area, view.onScreen));
   return view;

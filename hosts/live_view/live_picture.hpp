@@ -12,6 +12,7 @@
 #include "imaging/frame_layout.hpp"
 #include "imaging/statistics.hpp"
 #include "live_view/focus.hpp"
+#include "live_view/picture_levels.hpp"
 #include "live_view/reduced_frame.hpp"
 #include "live_view/screen_pixels.hpp"
 
@@ -47,14 +48,16 @@ struct Measurements {
   Histogram histogram;
   Focus focus;
   std::deque<double> diameters;         ///< half-flux diameters, the latest last
-  std::optional<double> leastDiameter;  ///< since the camera was opened
+  std::optional<double> leastDiameter;  ///< of this star, since the camera was opened
+  std::deque<double> sharpnesses;       ///< see measureSharpness(); the latest last
+  std::optional<double> mostSharpness;  ///< of this region, since the camera was opened
 };
 
 class LivePicture {
  public:
   using Clock = std::chrono::steady_clock;
 
-  static constexpr std::size_t trendLength = 120;  ///< the most diameters that are kept
+  static constexpr std::size_t trendLength = 120;  ///< the most figures that are kept
 
   void setFrame(LiveFrame frame);
 
@@ -70,6 +73,9 @@ class LivePicture {
   /// From now on, measures the star near this place of the frame.
   void followStarAt(double frameX, double frameY);
 
+  /// From now on, measures the sharpness in this region, or of the brightest object.
+  void setRegion(const std::optional<Region>& region);
+
   const Measurements& measurements() const { return measurements_; }
 
   /// Draws the picture, and `background` where there is none.
@@ -77,6 +83,13 @@ class LivePicture {
 
   bool isStretched() const { return isStretched_; }
   void setStretched(bool isStretched);
+  const PictureLevels& levels() const { return levels_; }
+  void setLevels(const PictureLevels& levels);
+
+  /// The part of the full scale, 0 to 1, that the picture shows with this brightness: 0 (black) to
+  /// 1 (white). In colour, that of green.
+  double partShownAs(double brightness) const;
+
   bool isPixelByPixel() const { return isPixelByPixel_; }
   void setPixelByPixel(bool isPixelByPixel) { isPixelByPixel_ = isPixelByPixel; }
   void setTint(ScreenTint tint) { tint_ = tint; }
@@ -86,6 +99,9 @@ class LivePicture {
 
  private:
   void measureStretch();
+  void updateCurves();
+  std::vector<Stretch> shownStretches() const;
+  bool isBrightened() const;
   void measureTrend();
   PictureView reduceWhole(const ScreenTarget& area);
   PictureView cutPart(const ScreenTarget& area);
@@ -97,9 +113,11 @@ class LivePicture {
   std::vector<Stretch> stretches_;
   Measurements measurements_;
   std::optional<Star> followed_;
+  std::optional<Region> region_;
   std::optional<SampleRange> range_;
   Clock::time_point nextMeasurement_;
   bool isStretched_ = true;
+  PictureLevels levels_;
   bool isPixelByPixel_ = false;
   ScreenTint tint_ = ScreenTint::Natural;
   int centreX_ = -1;  // of the part that is shown pixel by pixel; negative: the frame's centre

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 #include "system/text.hpp"
 
@@ -22,6 +23,21 @@ std::string twoDigits(std::int64_t number) {
 std::string sizeText(std::int64_t bytes) {
   const auto number = static_cast<double>(bytes);
   return number < 1e9 ? decimal(number / 1e6, 1) + " MB" : decimal(number / 1e9, 2) + " GB";
+}
+
+// Until the recording ends, since the disk is full or the limit is reached.
+std::optional<double> secondsLeft(const RecordingProgress& recording) {
+  if (recording.secondsToFull && recording.secondsToLimit) {
+    return std::min(*recording.secondsToFull, *recording.secondsToLimit);
+  }
+  return recording.secondsToFull ? recording.secondsToFull : recording.secondsToLimit;
+}
+
+std::string durationLeftText(double seconds) {
+  if (seconds < 100) {
+    return decimal(seconds, 0) + " s";
+  }
+  return seconds < 6000 ? decimal(seconds / 60, 0) + " min" : decimal(seconds / 3600, 0) + " h";
 }
 
 std::string sizeText(int width, int height) {
@@ -61,18 +77,22 @@ std::string rateText(double framesPerSecond) {
 }
 
 std::string histogramText(const Histogram& histogram) {
-  int smallest = histogram.channel[0].smallest;
-  int largest = histogram.channel[0].largest;
-  double mean = histogram.channel[0].mean;
-  if (histogram.channels == 3) {
-    for (const std::size_t channel : {std::size_t{1}, std::size_t{2}}) {
-      smallest = std::min(smallest, histogram.channel.at(channel).smallest);
-      largest = std::max(largest, histogram.channel.at(channel).largest);
-    }
-    mean = (mean + histogram.channel[1].mean + histogram.channel[2].mean) / 3;
+  const ChannelHistogram& first = histogram.channel[0];
+  if (histogram.channels == 1) {
+    return "min " + std::to_string(first.smallest) + "   median " + std::to_string(first.median) +
+           "   mean " + decimal(first.mean, first.mean < 100 ? 1 : 0) + "   max " +
+           std::to_string(first.largest);
   }
-  return "min " + std::to_string(smallest) + "   mean " + decimal(mean, mean < 100 ? 1 : 0) +
-         "   max " + std::to_string(largest);
+  int smallest = first.smallest;
+  int largest = first.largest;
+  std::string medians;
+  for (const ChannelHistogram& channel : histogram.channel) {
+    smallest = std::min(smallest, channel.smallest);
+    largest = std::max(largest, channel.largest);
+    medians += (medians.empty() ? "" : " / ") + std::to_string(channel.median);
+  }
+  return "min " + std::to_string(smallest) + "   median " + medians + "   max " +
+         std::to_string(largest);
 }
 
 std::string saturationText(double part) {
@@ -80,21 +100,53 @@ std::string saturationText(double part) {
   return decimal(percent, percent > 0 && percent < 9.95 ? 2 : 0) + " % saturated";
 }
 
-std::string focusText(const Focus& focus) {
-  if (focus.star) {
-    return threeDigits(focus.star->halfFluxDiameter) + " px";
-  }
-  return focus.sharpness > 0 ? threeDigits(focus.sharpness) : unknownText;
+std::string diameterText(std::optional<double> diameter) {
+  return diameter ? threeDigits(*diameter) + " px" : unknownText;
 }
 
-std::string focusCaption(const Focus& focus) {
-  return focus.star ? "half-flux diameter, less is better" : "edge sharpness, more is better";
+std::string sharpnessText(std::optional<double> sharpness) {
+  return sharpness && *sharpness > 0 ? threeDigits(*sharpness) : unknownText;
 }
 
 std::string recordingText(const RecordingProgress& recording) {
   const auto seconds = static_cast<std::int64_t>(recording.seconds);
   return twoDigits(seconds / 60) + ":" + twoDigits(seconds % 60) + "   " +
          std::to_string(recording.frames) + " frames   " + sizeText(recording.bytes);
+}
+
+std::string recordingDetails(const RecordingProgress& recording) {
+  std::string text = std::to_string(recording.droppedFrames) + " dropped";
+  if (recording.freeBytes) {
+    text += "   " + sizeText(*recording.freeBytes) + " free";
+  }
+  if (const auto left = secondsLeft(recording)) {
+    text += "   " + durationLeftText(*left) + " left";
+  }
+  return text;
+}
+
+bool isAlarming(const RecordingProgress& recording) {
+  constexpr double shortTime = 60;
+  const double toFull = recording.secondsToFull.value_or(shortTime);
+  return recording.droppedFrames > 0 ||
+         (toFull < shortTime && toFull < recording.secondsToLimit.value_or(shortTime));
+}
+
+std::optional<Countdown> countdownOf(const LiveState& state) {
+  constexpr std::int64_t shortestUs = 2'000'000;
+  const std::int64_t exposureUs = state.capture.settings.exposureUs;
+  if (state.phase != LivePhase::Streaming || exposureUs <= shortestUs) {
+    return std::nullopt;
+  }
+  const double exposure = static_cast<double>(exposureUs) / 1e6;
+  const double since = std::chrono::duration<double>(state.capture.silence).count();
+  if (since >= exposure) {
+    return Countdown{"Reading the frame\u2026", 1};
+  }
+  const auto left = static_cast<std::int64_t>(std::ceil(exposure - since));
+  const std::string time =
+      left < 60 ? std::to_string(left) + " s" : twoDigits(left / 60) + ":" + twoDigits(left % 60);
+  return Countdown{"Next frame in " + time, since / exposure};
 }
 
 std::string emptyPictureText(const LiveState& state) {
@@ -122,11 +174,16 @@ Notice statusLine(const LiveState& state) {
   return state.notice;
 }
 
-std::string cameraDetails(const oc::CameraInfo& camera) {
+CameraDetails cameraDetails(const oc::CameraInfo& camera) {
   const std::string bayer = bayerName(camera.bayer);
-  return sizeText(camera.maxWidth, camera.maxHeight) + "   " + std::to_string(camera.bitDepth) +
-         " bit   " + (camera.isColor ? bayer.empty() ? "colour" : bayer : "mono") +
-         (camera.isCooled ? "   cooled" : "");
+  return {sizeText(camera.maxWidth, camera.maxHeight), std::to_string(camera.bitDepth) + " bit",
+          camera.isColor ? bayer.empty() ? "colour" : bayer : "mono",
+          camera.isCooled ? "cooled" : ""};
+}
+
+std::size_t positionOf(const std::vector<oc::CameraInfo>& cameras, int index) {
+  const auto found = std::ranges::find(cameras, index, &oc::CameraInfo::index);
+  return static_cast<std::size_t>(found - cameras.begin());
 }
 
 }  // namespace orvane::host

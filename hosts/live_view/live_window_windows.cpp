@@ -7,12 +7,16 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <exception>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
+#include "live_view/folder_choice_windows.hpp"
 #include "live_view/gdi_canvas_windows.hpp"
 #include "live_view/key_commands.hpp"
 #include "live_view/live_camera.hpp"
@@ -20,7 +24,9 @@
 #include "live_view/live_picture.hpp"
 #include "live_view/live_texts.hpp"
 #include "live_view/panel_windows.hpp"
+#include "live_view/region_choice.hpp"
 #include "live_view/window_layout.hpp"
+#include "system/text.hpp"
 
 namespace orvane::host {
 
@@ -33,6 +39,9 @@ constexpr UINT dpiChangedMessage = 0x02E0;  // WM_DPICHANGED, which older header
 // For 96 dots per inch.
 constexpr SIZE firstSize = {1280, 800};
 constexpr SIZE leastSize = {860, 700};
+
+constexpr const wchar_t* sdkQuestion = L"The folder with the camera makers' SDK libraries";
+constexpr const wchar_t* recordingsQuestion = L"The folder for recordings";
 
 // A function of a system library. Null on older systems, which lack it.
 template <class Function>
@@ -57,7 +66,9 @@ int dpiOf(HWND window) {
 
 class LiveWindow {
  public:
-  explicit LiveWindow(LiveOptions options) {
+  LiveWindow(LiveOptions options, RememberedSettings settings,
+             std::function<void(const RememberedSettings&)> save)
+      : settings_(std::move(settings)), save_(std::move(save)) {
     WNDCLASSEXW kind = {};
     kind.cbSize = sizeof kind;
     kind.style = CS_DBLCLKS;
@@ -75,7 +86,17 @@ class LiveWindow {
     useDarkFrame();
     SetWindowPos(window_, nullptr, 0, 0, scaled(firstSize.cx, dpi_), scaled(firstSize.cy, dpi_),
                  SWP_NOMOVE | SWP_NOZORDER);
-    ShowWindow(window_, SW_SHOWDEFAULT);
+    show();
+    if (options.sdkDirectory.empty()) {
+      const auto chosen = askForFolder(sdkQuestion);
+      if (!chosen) {
+        if (window_ != nullptr) {
+          DestroyWindow(window_);
+        }
+        return;
+      }
+      options.sdkDirectory = utf8FromPath(*chosen);
+    }
     camera_.emplace(std::move(options), [this] {
       // One message is enough for all pending news.
       if (!hasNews_.exchange(true)) {
@@ -138,20 +159,31 @@ class LiveWindow {
         return 0;
       }
       case WM_KEYDOWN:
-        keyPressed({static_cast<int>(word), GetKeyState(VK_SHIFT) < 0});
+        keyPressed(
+            {static_cast<int>(word), GetKeyState(VK_SHIFT) < 0, GetKeyState(VK_CONTROL) < 0});
         return 0;
       case WM_LBUTTONDOWN:
       case WM_LBUTTONDBLCLK:
-        mousePressed(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        if ((word & MK_SHIFT) != 0) {
+          startRegion(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        } else {
+          mousePressed(GET_X_LPARAM(number), GET_Y_LPARAM(number));
+        }
+        return 0;
+      case WM_RBUTTONDOWN:
+        startRegion(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_MOUSEMOVE:
         mouseMoved(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_LBUTTONUP:
+      case WM_RBUTTONUP:
         mouseReleased(GET_X_LPARAM(number), GET_Y_LPARAM(number));
         return 0;
       case WM_CAPTURECHANGED:
         drag_ = {};
+        drawnRegion_.reset();
+        redrawPicture();
         return 0;
       case WM_MOUSEWHEEL: {
         POINT point = {GET_X_LPARAM(number), GET_Y_LPARAM(number)};
@@ -176,10 +208,48 @@ class LiveWindow {
     }
   }
 
+  std::optional<std::filesystem::path> askForFolder(const wchar_t* question,
+                                                    const std::filesystem::path& now = {}) {
+    try {
+      const auto folder = chooseFolder(window_, question, now);
+      // The system may have closed the window meanwhile.
+      return window_ != nullptr ? folder : std::nullopt;
+    } catch (const std::exception& error) {
+      const std::wstring text = pathFromUtf8(error.what()).wstring();
+      MessageBoxW(window_, text.c_str(), L"Live view", MB_OK | MB_ICONERROR);
+      return std::nullopt;
+    }
+  }
+
   void close() {
+    WINDOWPLACEMENT placement = {};
+    placement.length = sizeof placement;
+    if (GetWindowPlacement(window_, &placement) != 0) {
+      const RECT& place = placement.rcNormalPosition;
+      settings_.window = {place.left, place.top, place.right - place.left, place.bottom - place.top,
+                          placement.showCmd == SW_SHOWMAXIMIZED};
+    }
     ShowWindow(window_, SW_HIDE);  // the camera may need a moment
     camera_.reset();
+    save_(settings_);
     DestroyWindow(window_);
+  }
+
+  // Where it was the last time, if a screen is there now.
+  void show() {
+    if (settings_.window) {
+      const WindowPlace& place = *settings_.window;
+      WINDOWPLACEMENT placement = {};
+      placement.length = sizeof placement;
+      placement.showCmd = static_cast<UINT>(place.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+      placement.rcNormalPosition = {place.left, place.top, place.left + place.width,
+                                    place.top + place.height};
+      if (MonitorFromRect(&placement.rcNormalPosition, MONITOR_DEFAULTTONULL) != nullptr &&
+          SetWindowPlacement(window_, &placement) != 0) {
+        return;
+      }
+    }
+    ShowWindow(window_, SW_SHOWDEFAULT);
   }
 
   void resized() {
@@ -187,6 +257,11 @@ class LiveWindow {
     GetClientRect(window_, &client);
     canvas_.resize(client.right, client.bottom, dpi_);
     layout_ = layOut(client.right, client.bottom, dpi_);
+    noticeText_ = statusLine(*state_).text;
+    if (!canvas_.isEmpty()) {
+      layout_ =
+          layOut(client.right, client.bottom, dpi_, noticeLines(canvas_, layout_, noticeText_));
+    }
     redrawPicture();
     redrawPanel();
   }
@@ -219,6 +294,9 @@ class LiveWindow {
     view_ = picture_.draw(canvas_.pixelsOf(layout_.picture), canvas_.valueOf(palette::picture));
     const PixelRect& area = layout_.picture;
     if (picture_.hasFrame()) {
+      if (const auto& region = drawnRegion_ ? drawnRegion_ : state_->region) {
+        drawRegion(canvas_, area, view_, *region);
+      }
       if (hasCrosshair_) {
         drawCrosshair(canvas_, area, view_);
       }
@@ -228,6 +306,9 @@ class LiveWindow {
     } else if (overlay_ == Overlay::None) {
       canvas_.text(area, emptyPictureText(*state_), TextSize::Title, palette::quietText,
                    TextAlign::Centre);
+    }
+    if (const auto countdown = countdownOf(*state_)) {
+      drawCountdown(canvas_, area, *countdown);
     }
     if (overlay_ == Overlay::Help) {
       drawHelp(canvas_, area);
@@ -255,6 +336,7 @@ class LiveWindow {
 
   void stateCame(const LiveState& before) {
     const oc::CaptureState& now = state_->capture;
+    remember(settings_, *state_);
     if (now.opening != before.capture.opening || now.refusals != before.capture.refusals) {
       const oc::Settings& settings = now.settings;
       controls_ = {settings.exposureUs, settings.gain.value_or(0), settings.offset};
@@ -262,8 +344,17 @@ class LiveWindow {
     if (!isStreaming()) {
       picture_.clear();
     }
-    if (!picture_.hasFrame()) {
+    if (state_->region != before.region) {
+      picture_.setRegion(state_->region);
       redrawPicture();
+    }
+    const bool hasCountdown = countdownOf(*state_).has_value();
+    if (!picture_.hasFrame() || hasCountdown || hadCountdown_) {
+      redrawPicture();
+    }
+    hadCountdown_ = hasCountdown;
+    if (statusLine(*state_).text != noticeText_) {
+      resized();  // the notice may need more lines
     }
     if (state_->phase == LivePhase::Idle && !state_->cameras.empty() && !hasOfferedList_) {
       hasOfferedList_ = true;
@@ -282,8 +373,8 @@ class LiveWindow {
 
   // True if the list used the key.
   bool keyInCameraList(const KeyPress& press) {
-    if (press.key >= '1' && press.key <= '9') {
-      chooseCamera(static_cast<std::size_t>(press.key - '1'));
+    if (press.key >= '0' && press.key <= '9') {
+      chooseCamera(positionOf(state_->cameras, press.key - '0'));
     } else if (press.key == keys::enter) {
       chooseCamera(selected_);
     } else if (press.key == keys::up) {
@@ -303,6 +394,14 @@ class LiveWindow {
         sendControls(*controls);
         return;
       }
+      if (const auto move = regionMoveOf(command)) {
+        camera_->send([move](LiveSession& session) { session.moveRegion(*move); });
+        return;
+      }
+    }
+    if (const auto levels = levelsAfter(command, picture_.levels())) {
+      setLevels(*levels);
+      return;
     }
     switch (command) {
       case ViewCommand::ShowCameras:
@@ -324,6 +423,24 @@ class LiveWindow {
         break;
       case ViewCommand::Rescan:
         camera_->send(&LiveSession::rescan);
+        break;
+      case ViewCommand::WholeFrame:
+        camera_->send([](LiveSession& session) { session.setRegion(std::nullopt); });
+        break;
+      case ViewCommand::NextLimit:
+        camera_->send(&LiveSession::nextLimit);
+        break;
+      case ViewCommand::ChooseRecordings:
+        if (const auto folder = askForFolder(recordingsQuestion, state_->recordings)) {
+          camera_->send([folder](LiveSession& session) { session.useRecordings(*folder); });
+        }
+        break;
+      case ViewCommand::ChooseSdk:
+        if (const auto folder = askForFolder(sdkQuestion, pathFromUtf8(state_->sdkDirectory))) {
+          hasOfferedList_ = false;
+          camera_->send(
+              [folder](LiveSession& session) { session.useSdkDirectory(utf8FromPath(*folder)); });
+        }
         break;
       case ViewCommand::ToggleStretch:
         picture_.setStretched(!picture_.isStretched());
@@ -365,6 +482,15 @@ class LiveWindow {
         return;
       }
     }
+    for (std::size_t index = 0; index < layout_.levels.size(); ++index) {
+      if (const PixelRect track = layout_.levels[index].track; track.contains(x, y)) {
+        startDrag([this, kind = levelKinds[index], track](int atX, int) {
+          setLevels(levelsAfter(kind, placeOnTrack(track, atX), picture_.levels()));
+        });
+        drag_(x, y);
+        return;
+      }
+    }
     if (layout_.record.contains(x, y)) {
       execute(ViewCommand::ToggleRecording);
     } else if (layout_.cameraName.contains(x, y) || layout_.cameraFormat.contains(x, y)) {
@@ -383,6 +509,23 @@ class LiveWindow {
       startDrag([this](int atX, int atY) { dragPicture(atX, atY); });
       isClick_ = true;
     }
+  }
+
+  // Draws a region from this place to the mouse, until the button is released.
+  void startRegion(int x, int y) {
+    if (drag_ || overlay_ != Overlay::None || !picture_.hasFrame() ||
+        !layout_.picture.contains(x, y)) {
+      return;
+    }
+    const double fromX = view_.frameX(x - layout_.picture.left);
+    const double fromY = view_.frameY(y - layout_.picture.top);
+    startDrag([this, fromX, fromY](int atX, int atY) {
+      const FrameLayout& frame = state_->capture.layout;
+      drawnRegion_ =
+          regionBetween(fromX, fromY, view_.frameX(atX - layout_.picture.left),
+                        view_.frameY(atY - layout_.picture.top), frame.width, frame.height);
+      redrawPicture();
+    });
   }
 
   // From now on until the button is released, this is called with the places of the mouse.
@@ -413,6 +556,9 @@ class LiveWindow {
     if (!drag_) {
       return;
     }
+    if (drawnRegion_) {
+      camera_->send([region = *drawnRegion_](LiveSession& session) { session.setRegion(region); });
+    }
     if (isClick_ && picture_.hasFrame()) {
       picture_.followStarAt(view_.frameX(x - layout_.picture.left),
                             view_.frameY(y - layout_.picture.top));
@@ -432,6 +578,12 @@ class LiveWindow {
         execute(clicks > 0 ? commands[index].first : commands[index].second);
       }
     }
+  }
+
+  void setLevels(const PictureLevels& levels) {
+    picture_.setLevels(levels);
+    redrawPicture();
+    redrawPanel();
   }
 
   void sendControls(const Controls& controls) {
@@ -472,12 +624,14 @@ class LiveWindow {
 
   void redrawPanel() {
     mustDrawPanel_ = true;
-    for (const PixelRect& part : {layout_.panel, layout_.status}) {
+    for (const PixelRect& part : {layout_.panel, layout_.status, layout_.notice}) {
       const RECT area = rectOf(part);
       InvalidateRect(window_, &area, FALSE);
     }
   }
 
+  RememberedSettings settings_;
+  std::function<void(const RememberedSettings&)> save_;
   HWND window_ = nullptr;
   int dpi_ = 96;
   GdiCanvas canvas_;
@@ -488,9 +642,12 @@ class LiveWindow {
   Overlay overlay_ = Overlay::None;
   std::size_t selected_ = 0;  // in the list of cameras
   bool hasOfferedList_ = false;
+  bool hadCountdown_ = false;
+  std::string noticeText_;                  // that the layout has lines for
   std::function<void(int x, int y)> drag_;  // empty while no button is pressed
   POINT dragFrom_ = {};
-  bool isClick_ = false;  // on the picture, and not moved yet
+  std::optional<Region> drawnRegion_;  // until the button is released
+  bool isClick_ = false;               // on the picture, and not moved yet
   PictureView view_;
   bool hasCrosshair_ = false;
   bool mustDrawPicture_ = true;
@@ -501,8 +658,9 @@ class LiveWindow {
 
 }  // namespace
 
-void runLiveWindow(LiveOptions options) {
-  LiveWindow(std::move(options)).run();
+void runLiveWindow(LiveOptions options, RememberedSettings settings,
+                   std::function<void(const RememberedSettings&)> save) {
+  LiveWindow(std::move(options), std::move(settings), std::move(save)).run();
 }
 
 }  // namespace orvane::host

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "live_view/gdi_canvas_windows.hpp"
 #include "live_view/live_controls.hpp"
 #include "live_view/live_picture.hpp"
 #include "live_view/live_session.hpp"
+#include "live_view/live_texts.hpp"
 #include "live_view/window_layout.hpp"
 
 namespace orvane::host {
@@ -21,13 +23,23 @@ struct PanelContent {
 /// The panel and the status line.
 void drawPanel(GdiCanvas& canvas, const WindowLayout& layout, const PanelContent& content);
 
+/// How many lines this notice needs, in a layout for one line.
+int noticeLines(GdiCanvas& canvas, const WindowLayout& layout, const std::string& notice);
+
 // What lies over the picture, whose area is given.
 
 /// A ring around the star that is measured.
 void drawStarMark(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
                   const Star& star);
 
+/// The outline of the region that is recorded, and its size.
+void drawRegion(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view,
+                const Region& region);
+
 void drawCrosshair(GdiCanvas& canvas, const PixelRect& picture, const PictureView& view);
+
+/// How far a long exposure is, at the lower edge.
+void drawCountdown(GdiCanvas& canvas, const PixelRect& picture, const Countdown& countdown);
 
 void drawHelp(GdiCanvas& canvas, const PixelRect& picture);
 

@@ -2,6 +2,8 @@
 #include "live_view/screen_pixels.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace orvane::host {
@@ -20,6 +22,28 @@ std::uint32_t natural(std::uint32_t red, std::uint32_t green, std::uint32_t blue
 std::uint32_t allRed(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
   return (red * redPart + green * greenPart + blue * bluePart) >> 8 << 16;
 }
+
+constexpr std::size_t sampleValues = 65536;
+
+// The order in which the pixels of a square become brighter: evenly spread at every brightness
+// (Bayer's matrix). In 256ths of a value.
+constexpr std::size_t ditherSide = 8;
+using DitherThresholds = std::array<std::array<std::uint8_t, ditherSide>, ditherSide>;
+constexpr DitherThresholds ditherThresholds = [] {
+  DitherThresholds thresholds{};
+  for (std::size_t y = 0; y < ditherSide; ++y) {
+    for (std::size_t x = 0; x < ditherSide; ++x) {
+      std::size_t order = 0;
+      for (std::size_t bit = 1; bit < ditherSide; bit *= 2) {
+        const bool right = (x & bit) != 0;
+        const bool below = (y & bit) != 0;
+        order = 4 * order + (right != below ? 2U : 0U) + (below ? 1U : 0U);
+      }
+      thresholds[y][x] = static_cast<std::uint8_t>(4 * order + 2);
+    }
+  }
+  return thresholds;
+}();
 
 // Interpolates between two pixels: `part` of 256 is the weight of the second. Mixes two channels at
 // once.
@@ -56,10 +80,15 @@ std::vector<Place> places(int source, int target) {
 
 }  // namespace
 
-ScreenCurves::ScreenCurves(const std::vector<Stretch>& stretches) {
+ScreenCurves::ScreenCurves(const std::vector<Stretch>& stretches, const PictureLevels& levels) {
   curves_.reserve(stretches.size());
   for (const Stretch& stretch : stretches) {
-    curves_.push_back(screenCurve(stretch));
+    std::vector<std::uint16_t>& curve = curves_.emplace_back(sampleValues);
+    for (std::size_t sample = 0; sample < sampleValues; ++sample) {
+      const double brightness = stretchedBrightness(stretch, static_cast<double>(sample));
+      curve[sample] =
+          static_cast<std::uint16_t>(std::lround(255 * 256 * levels.applied(brightness)));
+    }
   }
 }
 
@@ -69,15 +98,21 @@ void ScreenCurves::apply(const Image& image, ScreenTint tint, ScreenPixels& scre
   screen.pixels.resize(image.samples.size() / static_cast<std::size_t>(image.channels));
   const bool isColor = image.channels == 3;
   const bool hasThree = curves_.size() == 3 && isColor;
-  const std::uint8_t* const first = curves_.front().data();
-  const std::uint8_t* const second = hasThree ? curves_[1].data() : first;
-  const std::uint8_t* const third = hasThree ? curves_[2].data() : first;
+  const std::uint16_t* const first = curves_.front().data();
+  const std::uint16_t* const second = hasThree ? curves_[1].data() : first;
+  const std::uint16_t* const third = hasThree ? curves_[2].data() : first;
   const auto fill = [&](auto pack) {
     const std::uint16_t* sample = image.samples.data();
-    for (std::uint32_t& pixel : screen.pixels) {
-      const std::uint16_t* const others = isColor ? sample + 1 : sample;
-      pixel = pack(first[sample[0]], second[others[0]], third[isColor ? others[1] : others[0]]);
-      sample += image.channels;
+    std::uint32_t* pixel = screen.pixels.data();
+    for (int y = 0; y < screen.height; ++y) {
+      const auto& thresholds = ditherThresholds[static_cast<std::size_t>(y) % ditherSide];
+      for (std::size_t x = 0; x < static_cast<std::size_t>(screen.width); ++x) {
+        const std::uint32_t threshold = thresholds[x % ditherSide];
+        const std::uint16_t* const others = isColor ? sample + 1 : sample;
+        *pixel++ = pack((first[sample[0]] + threshold) >> 8, (second[others[0]] + threshold) >> 8,
+                        (third[isColor ? others[1] : others[0]] + threshold) >> 8);
+        sample += image.channels;
+      }
     }
   };
   if (tint == ScreenTint::Red) {

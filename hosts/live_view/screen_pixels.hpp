@@ -8,6 +8,7 @@
 
 #include "imaging/image.hpp"
 #include "imaging/stretch.hpp"
+#include "live_view/picture_levels.hpp"
 
 namespace orvane::host {
 
@@ -21,18 +22,22 @@ struct ScreenPixels {
 /// The image's own colours, or its brightness in red, which keeps eyes adapted to the dark.
 enum class ScreenTint { Natural, Red };
 
-/// For each channel, the screen's value of every sample value.
+/// For each channel, the screen's value of every sample value. Values between two of the screen's
+/// are dithered: the pixels get the lower or the upper one in a fixed pattern, so that even slopes
+/// have no bands.
 class ScreenCurves {
  public:
   /// One stretch for each channel of the image, or one for all. Without any: the samples' upper 8
   /// bits.
-  explicit ScreenCurves(const std::vector<Stretch>& stretches = {Stretch{}});
+  explicit ScreenCurves(const std::vector<Stretch>& stretches = {Stretch{}},
+                        const PictureLevels& levels = {});
 
   /// Stretches the image into pixels, whose memory is used again.
   void apply(const Image& image, ScreenTint tint, ScreenPixels& screen) const;
 
  private:
-  std::vector<std::vector<std::uint8_t>> curves_;  // one, or three; 65536 values each
+  // One, or three; 65536 values each, in 256ths of the screen's.
+  std::vector<std::vector<std::uint16_t>> curves_;
 };
 
 /// The target of scaled pixels: a part of a larger picture.

@@ -2,6 +2,8 @@
 #include "live_view/window_layout.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 namespace orvane::host {
@@ -12,14 +14,19 @@ namespace {
 constexpr int panelWidth = 312;
 constexpr int statusHeight = 32;
 constexpr int margin = 16;
-constexpr int sectionGap = 14;
+constexpr int topMargin = 12;
+constexpr int sectionGap = 9;
+constexpr int columnGap = 12;
 constexpr int lineHeight = 20;
+constexpr int smallLineHeight = 17;
 constexpr int nameHeight = 28;
-constexpr int trackHeight = 26;
-constexpr int histogramHeight = 96;
-constexpr int figureHeight = 38;
-constexpr int trendHeight = 44;
-constexpr int recordHeight = 40;
+constexpr int trackHeight = 22;
+constexpr int histogramHeight = 84;
+constexpr int figureHeight = 34;
+constexpr int trendHeight = 36;
+constexpr int recordHeight = 52;
+constexpr int noticeLineHeight = 20;
+constexpr int keysWidth = 64;
 
 // Divides a column into rectangles, from the top down.
 class Column {
@@ -34,6 +41,21 @@ class Column {
 
   void skip(int height) { at_.top += scaled(height, dpi_); }
 
+  // The next rectangle, divided into equal parts side by side.
+  template <std::size_t count>
+  std::array<PixelRect, count> nextRow(int height) {
+    const PixelRect all = next(height);
+    const int gap = scaled(columnGap, dpi_);
+    const int parts = static_cast<int>(count);
+    std::array<PixelRect, count> row;
+    for (int part = 0; part < parts; ++part) {
+      const int width = (all.width - (parts - 1) * gap) / parts;
+      row.at(static_cast<std::size_t>(part)) = {all.left + part * (width + gap), all.top, width,
+                                                all.height};
+    }
+    return row;
+  }
+
   int top() const { return at_.top; }
 
  private:
@@ -47,35 +69,52 @@ int scaled(int length, int dpi) {
   return (length * dpi + 48) / 96;
 }
 
-WindowLayout layOut(int width, int height, int dpi) {
+WindowLayout layOut(int width, int height, int dpi, int noticeLines) {
   const auto at = [&](int length) { return scaled(length, dpi); };
   WindowLayout layout;
   const int statusTop = std::max(0, height - at(statusHeight));
   const int panelLeft = std::max(0, width - at(panelWidth));
   layout.status = {0, statusTop, width, height - statusTop};
   layout.panel = {panelLeft, 0, width - panelLeft, statusTop};
-  layout.picture = {0, 0, panelLeft, statusTop};
+  const int noticeTop =
+      std::max(0, statusTop - at(noticeLineHeight) * std::max(0, noticeLines - 1));
+  const int textTop = noticeTop + at((statusHeight - noticeLineHeight) / 2);
+  layout.picture = {0, 0, panelLeft, noticeTop};
+  layout.notice = {0, noticeTop, noticeLines > 1 ? panelLeft : width, height - noticeTop};
+  layout.wrappedNoticeWidth = std::max(0, panelLeft - 2 * at(margin));
+  layout.noticeText = {
+      at(margin), textTop,
+      noticeLines > 1 ? layout.wrappedNoticeWidth : std::max(0, width - at(3 * margin + keysWidth)),
+      std::max(0, height - textTop)};
 
   const int innerWidth = at(panelWidth - 2 * margin);
-  Column column({panelLeft + at(margin), at(margin), innerWidth, 0}, dpi);
+  Column column({panelLeft + at(margin), at(topMargin), innerWidth, 0}, dpi);
   layout.cameraName = column.next(nameHeight);
   layout.cameraFormat = column.next(lineHeight);
   column.skip(sectionGap);
   for (SliderPlace& slider : layout.sliders) {
     slider.caption = column.next(lineHeight);
     slider.track = column.next(trackHeight);
-    column.skip(4);
   }
-  column.skip(sectionGap - 4);
-  layout.histogramCaption = column.next(lineHeight);
-  column.skip(2);
-  layout.histogram = column.next(histogramHeight);
-  column.skip(2);
-  layout.histogramNumbers = column.next(lineHeight);
   column.skip(sectionGap);
-  layout.focusCaption = column.next(lineHeight);
-  layout.focusFigure = column.next(figureHeight);
-  layout.focusTrend = column.next(trendHeight);
+  layout.histogramCaption = column.next(lineHeight);
+  layout.histogram = column.next(histogramHeight);
+  layout.histogramAxis = column.next(smallLineHeight);
+  layout.histogramNumbers = column.next(smallLineHeight);
+  column.skip(4);
+  const auto levelCaptions = column.nextRow<3>(smallLineHeight);
+  const auto levelTracks = column.nextRow<3>(trackHeight);
+  for (std::size_t level = 0; level < layout.levels.size(); ++level) {
+    layout.levels.at(level) = {levelCaptions.at(level), levelTracks.at(level)};
+  }
+  column.skip(sectionGap);
+  const auto captions = column.nextRow<2>(lineHeight);
+  const auto figures = column.nextRow<2>(figureHeight);
+  const auto bests = column.nextRow<2>(smallLineHeight);
+  const auto trends = column.nextRow<2>(trendHeight);
+  for (std::size_t side = 0; side < layout.focus.size(); ++side) {
+    layout.focus.at(side) = {captions.at(side), figures.at(side), bests.at(side), trends.at(side)};
+  }
   column.skip(sectionGap);
 
   const int recordTop = statusTop - at(margin) - at(recordHeight);
@@ -92,7 +131,7 @@ int ListPlace::rowAt(int x, int y) const {
 
 ListPlace placeList(const PixelRect& picture, int width, int rows, int dpi) {
   const auto at = [&](int length) { return scaled(length, dpi); };
-  constexpr int rowHeight = 26;
+  constexpr int rowHeight = 24;
   constexpr int titleHeight = 40;
   const int room = picture.height - at(titleHeight + 3 * margin);
   ListPlace list;
@@ -123,6 +162,10 @@ PixelRect fittedPicture(const PixelRect& area, int frameWidth, int frameHeight) 
   picture.left += (area.width - picture.width) / 2;
   picture.top += (area.height - picture.height) / 2;
   return picture;
+}
+
+int plotColumn(const PixelRect& plot, double part) {
+  return plot.left + static_cast<int>(std::lround(std::clamp(part, 0.0, 1.0) * (plot.width - 1)));
 }
 
 double placeOnTrack(const PixelRect& track, int x) {

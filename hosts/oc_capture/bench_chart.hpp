@@ -17,6 +17,7 @@ struct Measurement {
   std::int64_t frames = 0;
   double seconds = 0;
   std::int64_t notReadyAnswers = 0;
+  std::uint64_t failedReads = 0;
   double framesPerSecond = 0;
   double megabytesPerSecond = 0;
   double waitP50 = 0;  ///< milliseconds from one frame to the next, like the three below

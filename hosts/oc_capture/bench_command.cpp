@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <iostream>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "session/camera_choice.hpp"
+#include "session/causes.hpp"
 #include "session/frame_timing.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -90,11 +90,14 @@ void measureWaits(const BenchSettings& settings, const ChosenCamera& camera, Sta
   const Clock::time_point end = start + std::chrono::microseconds(settings.durationUs);
   Clock::time_point last = start;
   while (!stopRequested() && Clock::now() < end) {
-    if (const oc::Frame frame = stream.next()) {
-      waits.push_back(secondsBetween(last, frame.arrival()));
-      last = frame.arrival();
+    if (const CorrectedFrame next = stream.next()) {
+      waits.push_back(secondsBetween(last, next.frame.arrival()));
+      last = next.frame.arrival();
     }
-    result.notReadyAnswers = static_cast<std::int64_t>(stream.state().emptyReads - notReadyBefore);
+    stream.tellFailures(line);
+    const oc::CaptureState state = stream.state();
+    result.notReadyAnswers = static_cast<std::int64_t>(state.emptyReads - notReadyBefore);
+    result.failedReads = state.failedReads;
     result.seconds = secondsBetween(start, last);
     if (line.isDue()) {
       line.show(result.camera + ", " + formatName(result.layout.format) + ": " +
@@ -142,10 +145,16 @@ std::string textOf(const BenchSettings& settings, const std::vector<Measurement>
   std::transform(results.begin(), results.end(), std::back_inserter(rows), rowOf);
   constexpr std::size_t textColumns = 3;
   const std::string chart = utf8FromPath(settings.chart.path);
-  return textTable(rows, textColumns) + (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
+  std::uint64_t failedReads = 0;
+  for (const Measurement& result : results) {
+    failedReads += result.failedReads;
+  }
+  return textTable(rows, textColumns) + failedReadsText(failedReads) +
+         (chart.empty() ? "" : "Chart: " + inQuotes(chart) + "\n");
 }
 
-Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& results) {
+Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& results,
+            const std::string& error) {
   Json measurements = Json::array();
   for (const Measurement& result : results) {
     const Json waits{{"p50", result.waitP50},
@@ -161,41 +170,51 @@ Json jsonOf(const BenchSettings& settings, const std::vector<Measurement>& resul
                             {"framesPerSecond", result.framesPerSecond},
                             {"megabytesPerSecond", result.megabytesPerSecond},
                             {"notReadyAnswers", result.notReadyAnswers},
+                            {"failedReads", result.failedReads},
                             {"waitMilliseconds", waits},
-                            {"error", result.error}});
+                            {"error", result.error},
+                            {"explanation", explained(result.error)}});
   }
   return {{"exposureUs", settings.camera.exposureUs},
+          {"region", regionJson(settings.camera.correction.region)},
           {"measurements", measurements},
-          {"chart", orNull(utf8FromPath(settings.chart.path))}};
+          {"chart", orNull(error.empty() ? utf8FromPath(settings.chart.path) : "")},
+          {"error", error},
+          {"explanation", explained(error)}};
 }
 
 // Measures one after another. A failure does not stop the next.
-std::vector<Measurement> measureAll(const BenchSettings& settings) {
+void measureAll(const BenchSettings& settings, std::vector<Measurement>& results) {
   const std::vector<ChosenCamera> planned = plannedMeasurements(settings);
-  std::vector<Measurement> results;
   StatusLine line(settings.reporting.isQuiet);
   for (const ChosenCamera& camera : planned) {
     if (!stopRequested()) {
       results.push_back(measure(settings, camera, line));
     }
   }
-  return results;
 }
 
 int bench(const BenchSettings& settings) {
   requireUsable(settings.chart);
-  const std::vector<Measurement> results = measureAll(settings);
-  if (settings.chart.isGiven()) {
-    writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs));
-  }
-  report(settings.reporting, jsonOf(settings, results), textOf(settings, results));
+  std::vector<Measurement> results;
+  const std::string error = failureOf([&] {
+    measureAll(settings, results);
+    if (settings.chart.isGiven()) {
+      writePng(settings.chart.path, benchChart(results, settings.camera.exposureUs),
+               settings.chart.existing());
+    }
+  });
+  report(settings.reporting, jsonOf(settings, results, error),
+         error.empty() ? textOf(settings, results) : "");
   int status = 0;
   for (const Measurement& result : results) {
     if (!result.error.empty()) {
-      std::cerr << "oc_capture: " << result.camera << ", " << formatName(result.layout.format)
-                << ": " << result.error << "\n";
+      reportFailure(result.error, result.camera + ", " + formatName(result.layout.format) + ": ");
       status = 1;
     }
+  }
+  if (!error.empty()) {
+    throw oc::Error(error);
   }
   return status;
 }
@@ -214,6 +233,8 @@ those of --discard.)",
     .examples =
         R"(  oc_capture bench --sdk C:\sdk --exposure 1ms --out rates.png
   oc_capture bench --sdk C:\sdk --camera ASI294 --format raw16 --seconds 10)",
+    .whenDone = "measured, also until Ctrl-C",
+    .whenFailed = "no camera, or a measurement failed",
     .prepare = prepareCommand<BenchSettings, addOptions, bench>,
 };
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "imaging/frame_correction.hpp"
 #include "imaging/frame_layout.hpp"
@@ -17,20 +18,22 @@ namespace orvane::host {
 /// Options that are not given keep these values. Those without a value depend on the camera.
 struct CameraOptions {
   std::string sdkDirectory;
-  std::string camera;  ///< index or part of the name
+  bool showsScene = false;  ///< with settings that are not given, the recording is unchanged
+  std::string camera;       ///< index or part of the name
   std::optional<int> width;
   std::optional<int> height;
   int bin = 1;
   std::optional<PixelFormat> format;
   std::int64_t exposureUs = 20'000;
   std::optional<int> gain;
-  int offset = 10;
-  int discard = 0;  ///< frames to throw away after the camera was opened
-  FrameCorrection correction;
+  std::optional<int> offset;
+  int discard = 0;             ///< frames to throw away after the camera was opened
+  FrameCorrection correction;  ///< with the region
 };
 
-/// "--sdk", which is required, and "--scene", a recording that simulated cameras look at.
-void addSdkOptions(CommandOptions& options, std::string& sdkDirectory);
+/// "--sdk", which is required, and "--scene", a recording that simulated cameras look at. Sets
+/// `showsScene`, if it is not null, when there is one.
+void addSdkOptions(CommandOptions& options, std::string& sdkDirectory, bool* showsScene = nullptr);
 
 /// The options of addSdkOptions() and addCorrectionOptions(), "--camera" and the camera's settings.
 void addCameraOptions(CommandOptions& options, CameraOptions& camera,
@@ -39,7 +42,7 @@ void addCameraOptions(CommandOptions& options, CameraOptions& camera,
 /// "--flip", "--swap-rb" and "--bayer".
 void addCorrectionOptions(CommandOptions& options, FrameCorrection& correction);
 
-/// When to stop taking frames, apart from Ctrl-C. Only one of the two can be given.
+/// When to stop taking frames, apart from Ctrl-C. Whichever comes first.
 struct CaptureLength {
   std::optional<int> frames;
   std::optional<std::int64_t> microseconds;
@@ -58,10 +61,15 @@ void addLengthOptions(CommandOptions& options, CaptureLength& length, const char
 struct ChosenCamera {
   oc::CameraInfo description;
   oc::Settings settings;
+  std::vector<std::string> sdks = {};  ///< those that were loaded
+
+  /// False for a value without a camera.
+  bool isFound() const { return !description.json.empty(); }
 };
 
-/// The given settings, completed with the camera's own. Throws UsageError with a sentence that
-/// tells what the camera offers.
+/// The given settings, completed with the camera's own. With a region, the size is that of the
+/// smallest frame that holds it. Throws UsageError with a sentence that tells what the camera
+/// offers.
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
 /// Scans for cameras, to capture from them: Ctrl-C now only sets stopRequested(). Errors of the

@@ -6,6 +6,7 @@
 #include <deque>
 #include <iostream>
 
+#include "oc_capture/report.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
 
@@ -13,14 +14,22 @@ namespace orvane::host {
 
 namespace {
 
-constexpr const char* statusText =
-    R"(Exit status: 0 done, also when Ctrl-C ended it; 1 a camera or a file failed;
-2 wrong arguments.)";
-
 std::string textBelowOptions(const Command& command) {
   const std::string explanation = command.explanation;
   return (explanation.empty() ? "" : explanation + "\n\n") + "Examples:\n" + command.examples +
-         "\n\n" + statusText;
+         "\n\nExit status:\n  0  " + command.whenDone + "\n  1  " + command.whenFailed + "\n  2  " +
+         command.whenRefused;
+}
+
+std::string textBelowCommands(std::span<const Command* const> commands) {
+  std::vector<TableRow> rows{{"Exit status", "0", "1"}};
+  for (const Command* command : commands) {
+    rows.push_back({std::string("  ") + command->name, command->whenDone, command->whenFailed});
+  }
+  return textTable(rows, rows.front().size()) +
+         "2 means wrong arguments, after repair also that there is nothing to repair.\n"
+         "Ctrl-C ends a capture with 0 if a frame has come.\n\n"
+         "\"oc_capture COMMAND --help\" explains a command, with examples.";
 }
 
 // The parser's error as a sentence.
@@ -74,8 +83,9 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
                             std::vector<std::string> arguments) {
   CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
   app.require_subcommand(1);
+  app.set_version_flag("--version", "oc_capture " ORVANE_VERSION, "Print the version and exit");
   app.allow_windows_style_options(false);  // a path may start with a slash
-  app.footer("\"oc_capture COMMAND --help\" explains a command, with examples.");
+  app.footer(textBelowCommands(commands));
   RunCommand given;
   std::deque<CommandOptions> options;  // its elements keep their addresses
   for (const Command* command : commands) {
@@ -91,6 +101,11 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
   } catch (const CLI::CallForHelp&) {
     return [text = app.help()] {
       std::cout << text << "\n" << std::flush;
+      return 0;
+    };
+  } catch (const CLI::CallForVersion&) {
+    return [] {
+      std::cout << "oc_capture " ORVANE_VERSION "\n" << std::flush;
       return 0;
     };
   } catch (const CLI::ParseError& error) {

@@ -52,6 +52,9 @@ struct Command {
   const char* description;                         ///< one line of the program's help
   const char* explanation = "";                    ///< below the options in the command's help
   const char* examples;                            ///< one a line
+  const char* whenDone;                            ///< what the exit status 0 means
+  const char* whenFailed;                          ///< what the exit status 1 means
+  const char* whenRefused = "wrong arguments";     ///< what the exit status 2 means
   RunCommand (*prepare)(CommandOptions& options);  ///< see prepareCommand()
 };
 
@@ -61,6 +64,7 @@ extern const Command snapCommand;
 extern const Command benchCommand;
 extern const Command watchCommand;
 extern const Command playCommand;
+extern const Command repairCommand;
 extern const Command doctorCommand;
 
 /// Makes a command's settings, and adds its options, which write into them. Returns the function

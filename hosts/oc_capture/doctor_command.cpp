@@ -3,14 +3,17 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/report.hpp"
+#include "sdk_check/cures.hpp"
 #include "sdk_check/examination.hpp"
 #include "session/camera_catalogue.hpp"
+#include "session/causes.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -48,9 +51,15 @@ struct DoctorFindings {
 
   std::string loadedSdks() const { return joined(scan->libraries, ", "); }
 
-  // Every SDK that is there works, and so did the scan, if there was one.
+  bool hasSdk() const {
+    return std::any_of(sdks.begin(), sdks.end(),
+                       [](const SdkFindings& sdk) { return sdk.isPresent; });
+  }
+
+  // There is an SDK, every one that is there works, and so did the scan, if there was one.
   bool isHealthy() const {
-    return std::all_of(sdks.begin(), sdks.end(),
+    return hasSdk() &&
+           std::all_of(sdks.begin(), sdks.end(),
                        [](const SdkFindings& sdk) { return !sdk.isPresent || sdk.isHealthy(); }) &&
            (!scan || (scan->error.empty() && loadedSdks() == loadableSdks()));
   }
@@ -65,6 +74,15 @@ std::string pathText(const std::filesystem::path& path) {
 
 std::string line(const std::string& label, const std::string& text) {
   return "  " + label + std::string(labelWidth - label.size(), ' ') + text + "\n";
+}
+
+// Several lines, the first with a label.
+std::string labelledLines(const char* label, const std::vector<std::string>& texts) {
+  std::string all;
+  for (const std::string& text : texts) {
+    all += line(all.empty() ? label : "", text);
+  }
+  return all;
 }
 
 std::string kindOf(const LibraryFile& file) {
@@ -135,9 +153,19 @@ std::string sdkLines(const SdkFindings& sdk) {
       std::string(sdk.sdk.maker) + ": " + state + "\n" + line("File", pathText(sdk.file));
   if (sdk.isPresent) {
     lines += line("Kind", kindOf(sdk.content)) + versionLine(sdk) + line("Loads", loadText(sdk)) +
-             functionLines(sdk) + importLines(sdk);
+             functionLines(sdk) + importLines(sdk) + labelledLines("Cure", curesOf(sdk));
   }
   return lines + "\n";
+}
+
+// What the failures of a scan mean.
+std::string causeLines(const std::string& error) {
+  std::istringstream stream(explained(error));
+  std::vector<std::string> texts;
+  for (std::string text; std::getline(stream, text);) {
+    texts.push_back(text);
+  }
+  return labelledLines("Cause", texts);
 }
 
 std::string libraryLines(const DoctorFindings& findings) {
@@ -145,9 +173,10 @@ std::string libraryLines(const DoctorFindings& findings) {
   if (findings.scan) {
     lines += line("oc_scan", std::to_string(findings.scan->cameras.size()) + " cameras") +
              line("oc_libraries", inQuotes(findings.loadedSdks())) +
-             line("oc_error", inQuotes(findings.scan->error));
+             line("oc_error", inQuotes(findings.scan->error)) + causeLines(findings.scan->error);
     if (findings.loadedSdks() != findings.loadableSdks()) {
-      lines += line("", "The library loaded other SDKs than could be loaded here.");
+      lines += line("", "The library loaded other SDKs than could be loaded here.") +
+               line("Cure", "Close other programs that use cameras, and run this again.");
     }
   } else if (findings.wasAskedToScan) {
     lines += line("", "not asked: a scan would load the file that it is not safe to load");
@@ -159,6 +188,15 @@ std::string libraryLines(const DoctorFindings& findings) {
   return lines + "\n";
 }
 
+std::string cureOfNoSdk() {
+  return "Copy the makers' libraries into it: " +
+         joined(allSdks(), ", ",
+                [](const Sdk& sdk) {
+                  return libraryFileName(sdk.baseName) + " (" + sdk.maker + ")";
+                }) +
+         ".";
+}
+
 std::string summary(const DoctorFindings& findings) {
   int present = 0;
   int healthy = 0;
@@ -167,7 +205,7 @@ std::string summary(const DoctorFindings& findings) {
     healthy += sdk.isHealthy() ? 1 : 0;
   }
   if (present == 0) {
-    return "There is no SDK in this directory.\n";
+    return "There is no SDK in this directory. " + cureOfNoSdk() + "\n";
   }
   return "Found " + std::to_string(present) + " of " + std::to_string(findings.sdks.size()) +
          " SDKs, " + std::to_string(healthy) + " healthy.\n";
@@ -180,7 +218,8 @@ Json sdkJson(const SdkFindings& sdk) {
                        {"neededBy", import.neededBy},
                        {"missing", import.isMissing},
                        {"file", orNull(pathText(import.file))},
-                       {"problem", orNull(import.problem)}});
+                       {"problem", orNull(import.problem)},
+                       {"cure", orNull(import.cure)}});
   }
   const LoadResult load = sdk.load.value_or(LoadResult());
   const LibraryFile& content = sdk.content;
@@ -199,17 +238,23 @@ Json sdkJson(const SdkFindings& sdk) {
           {"loadErrorCode", orNull(load.code)},
           {"functions", sdk.sdk.functions.size()},
           {"missingFunctions", sdk.isLoaded() ? Json(sdk.missingFunctions) : Json()},
-          {"imports", imports}};
+          {"imports", imports},
+          {"cure", orNull(joined(curesOf(sdk), " "))}};
 }
 
 Json libraryJson(const DoctorFindings& findings) {
   if (!findings.scan) {
-    return {{"scanned", false}, {"cameras", nullptr}, {"libraries", nullptr}, {"error", nullptr}};
+    return {{"scanned", false},
+            {"cameras", nullptr},
+            {"libraries", nullptr},
+            {"error", nullptr},
+            {"explanation", nullptr}};
   }
   return {{"scanned", true},
           {"cameras", findings.scan->cameras.size()},
           {"libraries", findings.loadedSdks()},
-          {"error", findings.scan->error}};
+          {"error", findings.scan->error},
+          {"explanation", explained(findings.scan->error)}};
 }
 
 std::string textOf(const DoctorFindings& findings) {
@@ -223,6 +268,7 @@ Json jsonOf(const DoctorFindings& findings) {
   }
   return {{"directory", pathText(findings.directory)},
           {"healthy", findings.isHealthy()},
+          {"cure", findings.hasSdk() ? Json() : Json(cureOfNoSdk())},
           {"sdks", sdks},
           {"library", libraryJson(findings)}};
 }
@@ -259,13 +305,15 @@ const Command doctorCommand{
         R"(Tells about each of the four SDKs: its file, whether it loads or the system's
 message, the functions that the library calls but the SDK lacks, and the
 libraries that the SDK needs. The SDKs are loaded, but no camera is opened.
-The exit status is 1 if an SDK is there but not healthy, or if the scan failed.
+"Cure" says what to do about a finding.
 
 With --scan the library itself scans for cameras, too. It opens every camera
 for a moment, which disturbs a program that is using one.)",
     .examples =
         R"(  oc_capture doctor --sdk C:\sdk
   oc_capture doctor --sdk C:\sdk --scan --json)",
+    .whenDone = "all SDKs there are healthy",
+    .whenFailed = "one is not, or no SDK, or scan failed",
     .prepare = prepareCommand<DoctorSettings, addOptions, examineSdks>,
 };
 

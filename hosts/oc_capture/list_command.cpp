@@ -1,15 +1,20 @@
 // "oc_capture list": the cameras that are there, and what each can do.
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/report.hpp"
+#include "sdk_check/sdk_functions.hpp"
+#include "sdk_check/system_loader.hpp"
 #include "session/camera_catalogue.hpp"
+#include "session/causes.hpp"
 #include "system/argument_values.hpp"
 #include "system/text.hpp"
 
@@ -70,29 +75,54 @@ std::string cameraTable(const std::vector<oc::CameraInfo>& cameras) {
   return textTable(rows, rows.front().size());
 }
 
-Json jsonOf(const oc::Scan& catalogue) {
-  Json document{
-      {"libraries", catalogue.libraries}, {"error", catalogue.error}, {"cameras", Json::array()}};
+// The files of SDKs in the directory that the library could not load.
+std::vector<std::string> filesNotLoaded(const std::string& sdkDirectory,
+                                        const oc::Scan& catalogue) {
+  std::vector<std::string> files;
+  for (const Sdk& sdk : allSdks()) {
+    const std::string file = libraryFileName(sdk.baseName);
+    std::error_code ignored;
+    if (std::ranges::find(catalogue.libraries, sdk.baseName) == catalogue.libraries.end() &&
+        std::filesystem::exists(fullSdkDirectory(sdkDirectory) / file, ignored)) {
+      files.push_back(file);
+    }
+  }
+  return files;
+}
+
+Json jsonOf(const oc::Scan& catalogue, const std::vector<std::string>& notLoaded) {
+  Json document{{"libraries", catalogue.libraries},
+                {"notLoaded", notLoaded},
+                {"error", catalogue.error},
+                {"explanation", explained(catalogue.error)},
+                {"cameras", Json::array()}};
   for (const oc::CameraInfo& camera : catalogue.cameras) {
     document["cameras"].push_back(descriptionOf(camera));
   }
   return document;
 }
 
-std::string textOf(const oc::Scan& catalogue) {
+std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,
+                   const std::vector<std::string>& notLoaded) {
   const std::string libraries = joined(catalogue.libraries, ", ");
-  return "Libraries: " + (libraries.empty() ? "none" : libraries) + "\n" +
+  const std::string remark = notLoaded.empty()
+                                 ? ""
+                                 : "Could not be loaded: " + joined(notLoaded, ", ") +
+                                       ". To learn why, run: oc_capture doctor --sdk " +
+                                       inQuotes(settings.sdkDirectory) + "\n";
+  return "Libraries: " + (libraries.empty() ? "none" : libraries) + "\n" + remark +
          (catalogue.cameras.empty() ? "No cameras.\n" : cameraTable(catalogue.cameras));
 }
 
 int listCameras(const ListSettings& settings) {
   const oc::Scan catalogue = readCatalogue(settings.sdkDirectory);
-  report(settings.reporting, jsonOf(catalogue), textOf(catalogue));
+  const std::vector<std::string> notLoaded = filesNotLoaded(settings.sdkDirectory, catalogue);
+  report(settings.reporting, jsonOf(catalogue, notLoaded), textOf(settings, catalogue, notLoaded));
   if (!std::cout) {
     throw std::runtime_error("The list could not be written.");
   }
   if (!catalogue.error.empty()) {
-    std::cerr << "oc_capture: " << catalogue.error << "\n";
+    reportFailure(catalogue.error);
     return 1;
   }
   return 0;
@@ -106,6 +136,8 @@ const Command listCommand{
     .examples =
         R"(  oc_capture list --sdk C:\sdk
   oc_capture list --sdk C:\sdk --json)",
+    .whenDone = "cameras listed, even if none",
+    .whenFailed = "a maker's scan failed",
     .prepare = prepareCommand<ListSettings, addOptions, listCameras>,
 };
 

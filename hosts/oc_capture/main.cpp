@@ -1,9 +1,9 @@
 // oc_capture lists cameras and records from them through the library's public header. This file has
 // the table of its commands.
 #include <array>
-#include <iostream>
 
 #include "oc_capture/command.hpp"
+#include "oc_capture/report.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 
@@ -12,8 +12,8 @@ namespace {
 using namespace orvane::host;
 
 // In the order of the help.
-constexpr std::array commands{&listCommand,  &recordCommand, &snapCommand,  &benchCommand,
-                              &watchCommand, &playCommand,   &doctorCommand};
+constexpr std::array commands{&listCommand,  &recordCommand, &snapCommand,   &benchCommand,
+                              &watchCommand, &playCommand,   &repairCommand, &doctorCommand};
 
 }  // namespace
 
@@ -22,5 +22,5 @@ int main(int argc, char** argv) {
     useUtf8Console();
     return parseCommandLine(commands, commandLineArguments(argc, argv))();
   };
-  return exitStatusOf(run, [](const char* text) { std::cerr << "oc_capture: " << text << "\n"; });
+  return exitStatusOf(run, [](const char* text) { reportFailure(text); });
 }

@@ -2,9 +2,11 @@
 #include "oc_capture/output_path.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <system_error>
 
 #include "system/failures.hpp"
+#include "system/system.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -39,6 +41,11 @@ void requireUsable(const OutputPath& output) {
   if (!output.mayOverwrite && std::filesystem::exists(output.path, ignored)) {
     throw UsageError(inQuotes(utf8FromPath(output.path)) +
                      " exists already; name another file or add --overwrite.");
+  }
+  if (output.isGiven() &&
+      (isBeingWritten(output.path) || isBeingWritten(temporaryName(output.path)))) {
+    throw std::runtime_error("Cannot create " + inQuotes(utf8FromPath(output.path)) +
+                             ": another program is writing it");
   }
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "oc_capture/command.hpp"
+#include "system/file.hpp"
 
 namespace orvane::host {
 
@@ -14,6 +15,7 @@ struct OutputPath {
   bool mayOverwrite = false;
 
   bool isGiven() const { return !path.empty(); }
+  Existing existing() const { return mayOverwrite ? Existing::Replace : Existing::Refuse; }
 };
 
 /// The help texts of the two options, and the allowed endings of the file's name.
@@ -30,7 +32,7 @@ void addOutputOptions(CommandOptions& options, OutputPath& output, const OutputO
 bool hasEnding(const std::filesystem::path& path, const std::string& ending);
 
 /// Throws UsageError if a file is wanted, and its directory is missing, or it exists and must not
-/// be replaced.
+/// be replaced. Throws std::runtime_error if another program is writing it.
 void requireUsable(const OutputPath& output);
 
 }  // namespace orvane::host

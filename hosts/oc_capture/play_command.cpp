@@ -7,6 +7,7 @@
 #include "formats/png_writer.hpp"
 #include "formats/ser_reader.hpp"
 #include "formats/ser_time.hpp"
+#include "formats/ser_writer.hpp"
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/contact_sheet.hpp"
 #include "oc_capture/output_path.hpp"
@@ -37,6 +38,11 @@ void addOptions(CommandOptions& options, PlaySettings& play) {
   addReportingOptions(options, play.reporting);
 }
 
+// As a shell takes it.
+std::string argumentText(const std::string& text) {
+  return text.find(' ') == std::string::npos ? text : inQuotes(text);
+}
+
 std::string colours(const SerFacts& facts) {
   switch (facts.channels) {
     case SerChannels::Rgb:
@@ -60,15 +66,6 @@ std::string shape(const SerFacts& facts) {
 std::string startText(const SerFacts& facts) {
   const auto start = timeOfSerTicks(facts.startUtc);
   return start ? utcText(*start) : "";
-}
-
-std::string gapText(const FrameTiming& timing) {
-  if (timing.gaps == 0) {
-    return "none";
-  }
-  return std::to_string(timing.gaps) + ", in which about " + std::to_string(timing.missedFrames) +
-         " frames are missing; the longest, " + decimal(timing.longestGap * 1e3, 1) +
-         " ms, after frame " + std::to_string(timing.longestGapAfter);
 }
 
 // A line, or nothing if the text is empty.
@@ -95,6 +92,23 @@ std::string timingText(const SerFacts& facts, const std::optional<FrameTiming>& 
   return text;
 }
 
+// What is wrong with the file and can be repaired, or nothing.
+std::string damageText(const PlaySettings& settings, const SerFacts& facts) {
+  std::string text;
+  if (facts.frames < facts.promisedFrames) {
+    text = "it is cut off, its header counts " + std::to_string(facts.promisedFrames) + " frames";
+  } else if (facts.framesBehind > 0) {
+    text = std::to_string(facts.framesBehind) + " whole frames are behind those that it counts";
+  } else if (std::error_code ignored;
+             facts.timeStamps.empty() &&
+             std::filesystem::exists(timeJournalOf(settings.file), ignored)) {
+    text = "its time stamps are still in " + inQuotes(utf8FromPath(timeJournalOf(settings.file)));
+  }
+  return text.empty() ? ""
+                      : text + "; to repair it: oc_capture repair " +
+                            argumentText(utf8FromPath(settings.file));
+}
+
 std::string textOf(const PlaySettings& settings, const SerFacts& facts,
                    const std::optional<FrameTiming>& timing) {
   const std::string start = startText(facts);
@@ -103,6 +117,7 @@ std::string textOf(const PlaySettings& settings, const SerFacts& facts,
       lineOf("Camera:    ", facts.instrument) + lineOf("Telescope: ", facts.telescope) +
       lineOf("Observer:  ", facts.observer) +
       lineOf("Start:     ", start.empty() ? "" : start + " UTC") + timingText(facts, timing);
+  text += lineOf("Damage:    ", damageText(settings, facts));
   if (facts.unusedBytes > 0) {
     text += lineOf("Unused:    ",
                    std::to_string(facts.unusedBytes) + " bytes behind the frames and time stamps");
@@ -114,20 +129,20 @@ std::string textOf(const PlaySettings& settings, const SerFacts& facts,
 }
 
 Json timingJson(const FrameTiming& timing) {
-  return {{"seconds", timing.seconds},
-          {"framesPerSecond", timing.framesPerSecond},
-          {"medianIntervalSeconds", timing.medianInterval},
-          {"gaps", timing.gaps},
-          {"missedFrames", timing.missedFrames},
-          {"longestGapSeconds", timing.longestGap},
-          {"longestGapAfterFrame", timing.gaps == 0 ? Json() : Json(timing.longestGapAfter)},
-          {"stepsBack", timing.stepsBack}};
+  Json document{{"seconds", timing.seconds},
+                {"framesPerSecond", timing.framesPerSecond},
+                {"medianIntervalSeconds", timing.medianInterval}};
+  document.update(gapsJson(timing));
+  document["stepsBack"] = timing.stepsBack;
+  return document;
 }
 
 Json jsonOf(const PlaySettings& settings, const SerFacts& facts,
             const std::optional<FrameTiming>& timing) {
   return {{"file", utf8FromPath(settings.file)},
           {"frames", facts.frames},
+          {"promisedFrames", facts.promisedFrames},
+          {"framesBehind", facts.framesBehind},
           {"width", facts.width},
           {"height", facts.height},
           {"colours", colours(facts)},
@@ -139,6 +154,7 @@ Json jsonOf(const PlaySettings& settings, const SerFacts& facts,
           {"hasTimeStamps", !facts.timeStamps.empty()},
           {"timing", timing ? timingJson(*timing) : Json()},
           {"unusedBytes", facts.unusedBytes},
+          {"damage", orNull(damageText(settings, facts))},
           {"sheet", orNull(utf8FromPath(settings.sheet.path))}};
 }
 
@@ -157,7 +173,8 @@ int play(const PlaySettings& settings) {
     StatusLine line(settings.reporting.isQuiet);
     writePng(settings.sheet.path,
              contactSheet(recording, settings.correction, utf8FromPath(settings.file.filename()),
-                          shape(facts) + rate, line));
+                          shape(facts) + rate, line),
+             settings.sheet.existing());
   }
   report(settings.reporting, jsonOf(settings, facts, timing), textOf(settings, facts, timing));
   return 0;
@@ -170,12 +187,16 @@ const Command playCommand{
     .description = "Tell what a recording holds, and show it on a contact sheet",
     .explanation =
         R"(Tells the number of frames, their size, colours and depth. The rate and the
-gaps follow from the frames' time stamps: an interval of more than one and a
-half times the median is a gap. The contact sheet shows up to twelve frames
-from the first to the last, in colour and brightened.)",
+gaps follow from the frames' time stamps: an interval of more than three
+frame times, of which one is the median, is a gap. Of fewer than five intervals
+none is. A file that was not finished is read as far as its header counts;
+"oc_capture repair" recovers the rest. The contact sheet shows up to twelve
+frames from the first to the last, in colour and brightened.)",
     .examples =
         R"(  oc_capture play jupiter.ser
   oc_capture play jupiter.ser --out jupiter-sheet.png)",
+    .whenDone = "recording described",
+    .whenFailed = "a file cannot be read or written",
     .prepare = prepareCommand<PlaySettings, addOptions, play>,
 };
 

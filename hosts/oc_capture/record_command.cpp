@@ -1,21 +1,19 @@
 // "oc_capture record": a camera's frames, written into a SER file.
 #include <chrono>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <iostream>
-#include <optional>
+#include <functional>
 #include <string>
 
 #include "formats/png_writer.hpp"
-#include "formats/ser_time.hpp"
-#include "formats/ser_writer.hpp"
 #include "imaging/stretch.hpp"
-#include "oc_capture/camera_options.hpp"
 #include "oc_capture/camera_stream.hpp"
-#include "oc_capture/output_path.hpp"
-#include "oc_capture/report.hpp"
-#include "oc_capture/status_line.hpp"
-#include "session/ser_recorder.hpp"
+#include "oc_capture/recording_session.hpp"
+#include "session/causes.hpp"
+#include "session/recording_log.hpp"
+#include "system/argument_values.hpp"
+#include "system/file.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
 
@@ -23,193 +21,190 @@ namespace orvane::host {
 
 namespace {
 
-struct RecordSettings {
-  CameraOptions camera;
-  CaptureLength length;
-  int memoryMegabytes = 256;  // for frames that wait to be written
-  OutputPath file;
-  std::string observer;
-  std::string telescope;
-  Reporting reporting;
-};
+constexpr const char* previewEnding = "-preview.png";
+constexpr const char* logEnding = ".txt";
+
+constexpr RunNames runNames{"recording", "recordings",
+                            "Number of recordings; each has its own file,\n"
+                            "FILE-001.ser and so on, or a name by --name"};
 
 void addOptions(CommandOptions& options, RecordSettings& record) {
   addCameraOptions(options, record.camera);
-  addOutputOptions(options, record.file,
-                   {"FILE.ser", "The recording", {".ser"}, Presence::Required});
+  addNameOptions(options, record.names,
+                 {"FILE.ser", "The recording; with --name the directory for it",
+                  "Written into the files, {observer};\nat most 40 bytes in FILE.ser"});
+  options.add("--telescope", "NAME", "Written into the files;\nat most 40 bytes in FILE.ser",
+              intoText(record.telescope));
+  options.addFlag("--no-preview", record.hasNoPreview, "Leave out the picture of the last frame");
+  options.addFlag("--no-log", record.hasNoLog, "Leave out the settings log");
   addLengthOptions(options, record.length, "Number of frames to record", "Length of the recording");
+  addSequenceOptions(options, record.sequence, runNames);
   constexpr int mostMegabytes = 1 << 20;
   options.add("--memory", "MB", "For frames that wait to be written;\n256 if not given",
               intoNumber(record.memoryMegabytes, 1, mostMegabytes));
-  options.add("--observer", "NAME", "Written into the file; at most 40 bytes",
-              intoText(record.observer));
-  options.add("--telescope", "NAME", "Written into the file; at most 40 bytes",
-              intoText(record.telescope));
   addReportingOptions(options, record.reporting);
 }
 
-using SteadyClock = std::chrono::steady_clock;
-
-// The result of a recording, after its camera and its file are closed.
-struct Recording {
-  FrameLayout layout;
-  std::int32_t frames = 0;
-  std::int64_t droppedFrames = 0;
-  std::uint64_t silentWaits = 0;
-  std::size_t mostFramesWaiting = 0;
-  std::size_t framesThatMayWait = 0;
-  double seconds = 0;              // from the start of the stream to the last frame
-  double secondsUntilWritten = 0;  // from the start of the stream until the file is closed
-  oc::Frame lastFrame;
-  std::filesystem::path preview;  // the last frame as a picture; empty if there is none
-  std::string error;              // what failed, or empty
-};
-
-// The order of these calls makes sure that no frame after `start` has an earlier time.
-std::chrono::system_clock::time_point systemTimeOf(SteadyClock::time_point start) {
-  const auto now = std::chrono::system_clock::now();
-  return now - std::chrono::ceil<std::chrono::system_clock::duration>(SteadyClock::now() - start);
-}
-
-// Records from one camera.
-class RecordingSession {
- public:
-  RecordingSession(const RecordSettings& settings, const ChosenCamera& camera)
-      : settings_(settings),
-        camera_(camera),
-        stream_(std::in_place, camera, settings.camera, settings.length.frames,
-                std::int64_t{1'000'000} * settings.memoryMegabytes),
-        layout_(stream_->layout()),
-        line_(settings.reporting.isQuiet) {}
-
-  // Failures after the file was created are in the result.
-  Recording run() {
-    stream_->discard(settings_.camera.discard, line_);
-    const SteadyClock::time_point start = stream_->start();
-    const auto systemStart = systemTimeOf(start);
-    SerRecorder recorder(settings_.file.path,
-                         {layout_, settings_.observer, camera_.description.name,
-                          settings_.telescope, serLocalTicks(systemStart), serTicks(systemStart)},
-                         settings_.camera.correction, stream_->takeQueue());
-    waitForFrames(recorder, start);
-    Recording recording;
-    recording.layout = layout_;
-    recording.seconds = secondsBetween(start, SteadyClock::now());
-    showProgress(recorder);
-    recording.silentWaits = stream_->state().silentWaits;
-    stream_.reset();
-    finish(recorder, recording);
-    recording.secondsUntilWritten = secondsBetween(start, SteadyClock::now());
-    if (settings_.length.frames == recording.frames && recording.lastFrame.arrival() > start) {
-      recording.seconds = secondsBetween(start, recording.lastFrame.arrival());
-    }
-    return recording;
-  }
-
- private:
-  bool isOver(const SerRecorder& recorder, SteadyClock::time_point start) const {
-    return stopRequested() ||
-           settings_.length.isReached(recorder.acceptedFrames(), SteadyClock::now() - start);
-  }
-
-  void waitForFrames(SerRecorder& recorder, SteadyClock::time_point start) {
-    constexpr std::chrono::milliseconds between{20};
-    while (!isOver(recorder, start) && !recorder.waitForEnd(between)) {
-      if (line_.isDue()) {
-        showProgress(recorder);
-      }
-    }
-    recorder.stop();
-  }
-
-  // The rates are those since the line was shown before.
-  void showProgress(const SerRecorder& recorder) {
-    const oc::CaptureState state = stream_->state();
-    const double seconds = line_.secondsSinceShown();
-    const std::int64_t frames = recorder.acceptedFrames();
-    const double rate = static_cast<double>(frames - shownFrames_) / (seconds > 0 ? seconds : 1);
-    shownFrames_ = frames;
-    std::string text = std::to_string(frames) + " frames, " + decimal(rate, 1) + " fps, " +
-                       decimal(rate * static_cast<double>(frameBytes(layout_)) / 1e6, 1) +
-                       " MB/s, " + std::to_string(state.silentWaits) + " not ready";
-    if (recorder.droppedFrames() > 0) {
-      text += ", " + std::to_string(recorder.droppedFrames()) + " dropped";
-    }
-    if (state.temperature) {
-      text += ", " + decimal(*state.temperature, 1) + " \u00b0C";
-    }
-    line_.show(text);
-  }
-
-  void finish(SerRecorder& recorder, Recording& recording) const {
-    StatusLine line(settings_.reporting.isQuiet);
-    constexpr std::chrono::milliseconds between{100};
-    while (!recorder.waitForEnd(between)) {
-      if (line.isDue()) {
-        line.show("Writing: " + std::to_string(recorder.writtenFrames()) + " of " +
-                  std::to_string(recorder.acceptedFrames()) + " frames are in the file");
-      }
-    }
-    try {
-      recorder.requireSuccess();
-    } catch (const std::exception& error) {
-      recording.error = error.what();
-    }
-    recording.frames = recorder.writtenFrames();
-    recording.droppedFrames = recorder.droppedFrames();
-    recording.mostFramesWaiting = recorder.queue().mostWaiting();
-    recording.framesThatMayWait = recorder.queue().capacity() - 1;  // one is being written
-    recording.lastFrame = recorder.lastFrame();
-  }
-
-  const RecordSettings& settings_;
-  const ChosenCamera& camera_;
-  std::optional<CameraStream> stream_;
-  FrameLayout layout_;  // of the corrected frames
-  StatusLine line_;
-  std::int64_t shownFrames_ = 0;
-};
-
 Json jsonOf(const RecordSettings& settings, const ChosenCamera& camera,
             const Recording& recording) {
-  const double rate = recording.frames / (recording.seconds > 0 ? recording.seconds : 1);
-  return {{"file", utf8FromPath(settings.file.path)},
-          {"preview", orNull(utf8FromPath(recording.preview))},
-          {"camera", camera.description.name},
-          {"width", recording.layout.width},
-          {"height", recording.layout.height},
-          {"format", formatName(recording.layout.format)},
-          {"bayer", bayerName(recording.layout.bayer)},
-          {"frames", recording.frames},
-          {"droppedFrames", recording.droppedFrames},
-          {"silentWaits", recording.silentWaits},
-          {"seconds", recording.seconds},
-          {"secondsUntilWritten", recording.secondsUntilWritten},
-          {"framesPerSecond", rate},
-          {"megabytesPerSecond", rate * static_cast<double>(frameBytes(recording.layout)) / 1e6},
-          {"mostFramesWaiting", recording.mostFramesWaiting},
-          {"framesThatMayWait", recording.framesThatMayWait},
-          {"peakMemoryBytes", peakMemory()},
-          {"error", recording.error}};
+  const double rate = recording.framesPerSecond();
+  const bool wasOpen = recording.layout.width > 0;
+  Json document{{"file", orNull(utf8FromPath(recording.file))},
+                {"preview", orNull(utf8FromPath(recording.preview))},
+                {"log", orNull(utf8FromPath(recording.log))},
+                {"camera", orNull(camera.description.name)},
+                {"width", ifKnown(wasOpen, recording.layout.width)},
+                {"height", ifKnown(wasOpen, recording.layout.height)},
+                {"region", regionJson(settings.camera.correction.region)},
+                {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
+                {"bayer", ifKnown(wasOpen, bayerName(recording.layout.bayer))},
+                {"frames", recording.frames},
+                {"droppedFrames", recording.droppedFrames},
+                {"silentWaits", recording.silentWaits},
+                {"failedReads", recording.failedReads}};
+  document.update(gapsJson(recording.times.count));
+  document.update(
+      Json{{"seconds", ifKnown(wasOpen, recording.seconds)},
+           {"secondsUntilWritten", ifKnown(wasOpen, recording.secondsUntilWritten)},
+           {"framesPerSecond", ifKnown(wasOpen, rate)},
+           {"megabytesPerSecond",
+            ifKnown(wasOpen, rate * static_cast<double>(frameBytes(recording.layout)) / 1e6)},
+           {"mostFramesWaiting", recording.mostFramesWaiting},
+           {"framesThatMayWait", ifKnown(wasOpen, recording.framesThatMayWait)},
+           {"peakMemoryBytes", peakMemory()},
+           {"stoppedBelow", recording.isDiskReserved},
+           {"error", recording.error},
+           {"explanation", explained(recording.error)}});
+  return document;
 }
 
 std::string textOf(const RecordSettings& settings, const Recording& recording) {
-  const double rate = recording.seconds > 0 ? recording.frames / recording.seconds : 0.0;
+  const std::string rate =
+      recording.frames > 1 ? " (" + decimal(recording.framesPerSecond(), 1) + " fps)" : "";
   std::string text = "Recorded " + std::to_string(recording.frames) + " frames of " +
-                     dimensionsText(recording.layout.width, recording.layout.height) + " " +
-                     formatName(recording.layout.format) + " in " + decimal(recording.seconds, 1) +
-                     " s (" + decimal(rate, 1) + " fps) to " +
-                     inQuotes(utf8FromPath(settings.file.path));
+                     frameText(recording.layout, settings.camera.correction.region) + " in " +
+                     decimal(recording.seconds, 1) + " s" + rate + " to " +
+                     inQuotes(utf8FromPath(recording.file));
   if (!recording.preview.empty()) {
     text += "; preview " + inQuotes(utf8FromPath(recording.preview));
   }
+  if (!recording.log.empty()) {
+    text += "; settings " + inQuotes(utf8FromPath(recording.log));
+  }
   text += ".\n";
+  if (recording.isDiskReserved) {
+    text += "It ended before less than " + sizeText(*settings.sequence.leastFree) +
+            " were free on the disk.\n";
+  }
   if (recording.droppedFrames > 0) {
     text += std::to_string(recording.droppedFrames) +
             " frames were dropped, since the disk did not keep up; more --memory helps for a "
             "while.\n";
   }
+  if (recording.times.count.gaps > 0) {
+    text += "Gaps: " + gapText(recording.times.count) + ".\n";
+  }
+  text += failedReadsText(recording.failedReads);
   return text;
+}
+
+// The picture and the settings log beside a recording, as far as they are wanted.
+OutputPath previewFile(const RecordSettings& settings, const OutputPath& file) {
+  return settings.hasNoPreview ? OutputPath{} : companionOf(file, previewEnding);
+}
+OutputPath logFile(const RecordSettings& settings, const OutputPath& file) {
+  return settings.hasNoLog ? OutputPath{} : companionOf(file, logEnding);
+}
+
+std::string logText(const RecordSettings& settings, const ChosenCamera& camera,
+                    const Recording& recording) {
+  const std::chrono::microseconds exposure(camera.settings.exposureUs);
+  return settingsLog({.program = "oc_capture " ORVANE_VERSION,
+                      .sdks = camera.sdks,
+                      .camera = camera.description,
+                      .file = utf8FromPath(recording.file.filename()),
+                      .observer = settings.names.observer,
+                      .telescope = settings.telescope,
+                      .target = settings.names.target,
+                      .filter = settings.names.filter,
+                      .layout = recording.layout,
+                      .region = settings.camera.correction.region,
+                      .settings = camera.settings,
+                      .temperatureAtStart = recording.temperatureAtStart,
+                      .temperatureAtEnd = recording.temperatureAtEnd,
+                      .start = recording.times.first - exposure,
+                      .end = recording.times.last,
+                      .frames = recording.frames,
+                      .droppedFrames = recording.droppedFrames,
+                      .gaps = recording.times.count.gaps,
+                      .failedReads = recording.failedReads,
+                      .framesPerSecond = recording.framesPerSecond(),
+                      .error = recording.error});
+}
+
+// Writes a file beside the recording, if it is wanted. Returns its path. A failure is reported as
+// the recording's, but does not hide an earlier one.
+std::filesystem::path writeBeside(const OutputPath& file, Recording& recording,
+                                  const std::function<void()>& write) {
+  if (file.isGiven()) {
+    try {
+      write();
+      return file.path;
+    } catch (const std::exception& error) {
+      recording.error = recording.error.empty() ? error.what() : recording.error;
+    }
+  }
+  return {};
+}
+
+void writeLog(const OutputPath& log, const std::string& text) {
+  OutputFile file(log.path, log.existing());
+  file.writeAt(0, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  file.close();
+}
+
+RunResult recordRun(const RecordSettings& settings, const ChosenCamera& camera,
+                    const OutputPath& file) {
+  Recording recording;
+  const std::string failure = failureOf([&] { recording = recordOnce(settings, camera, file); });
+  if (!failure.empty()) {
+    recording.error = failure;
+  }
+  if (recording.error.empty() && recording.frames == 0) {
+    recording.error = stopRequested() ? "Stopped before a frame came."
+                      : recording.isDiskReserved
+                          ? "The disk has no room for a frame above --stop-below."
+                          : "No frame came before the recording's end.";
+  }
+  const bool isRecorded = recording.error.empty();
+  if (recording.frames > 0) {
+    const OutputPath log = logFile(settings, file);
+    const std::string text = logText(settings, camera, recording);
+    recording.log = writeBeside(log, recording, [&] { writeLog(log, text); });
+  }
+  if (isRecorded) {
+    const OutputPath preview = previewFile(settings, file);
+    recording.preview = writeBeside(preview, recording, [&] {
+      writePng(preview.path, previewOf(recording.lastPixels, recording.layout), preview.existing());
+    });
+  }
+  RunResult result;
+  result.document = jsonOf(settings, camera, recording);
+  if (isRecorded) {
+    result.text = textOf(settings, recording);
+  } else if (recording.frames > 0) {
+    result.note = std::to_string(recording.frames) + " frames are in " +
+                  inQuotes(utf8FromPath(recording.file)) + ", which is a valid recording.\n";
+  }
+  result.failure = recording.error;
+  result.endsSequence = recording.isDiskReserved;
+  return result;
+}
+
+void requireUsable(const RecordSettings& settings, const OutputPath& file) {
+  requireUsable(file);
+  requireUsable(previewFile(settings, file));
+  requireUsable(logFile(settings, file));
 }
 
 int record(const RecordSettings& given) {
@@ -217,28 +212,24 @@ int record(const RecordSettings& given) {
   if (!settings.length.frames && !settings.length.microseconds) {
     settings.length.frames = 100;
   }
-  requireUsable(settings.file);
-  const ChosenCamera camera = findCamera(settings.camera);
-  Recording recording = RecordingSession(settings, camera).run();
-  if (recording.error.empty() && recording.frames == 0 && !stopRequested()) {
-    recording.error = "No frame came before the recording's end.";
+  RunFiles files(settings.names, {".ser"}, ".ser", {previewEnding, logEnding},
+                 settings.sequence.count);
+  for (const OutputPath& file : files.known()) {
+    requireUsable(settings, file);
   }
-  const bool hasFailed = !recording.error.empty();
-  if (!hasFailed && recording.frames > 0) {
-    recording.preview = settings.file.path;
-    recording.preview.replace_extension(".png");
-    writePng(recording.preview, previewOf(recording.lastFrame.pixels(), recording.layout));
-  }
-  report(settings.reporting, jsonOf(settings, camera, recording),
-         hasFailed ? "" : textOf(settings, recording));
-  if (hasFailed) {
-    if (recording.frames > 0) {
-      std::cerr << recording.frames << " frames are in "
-                << inQuotes(utf8FromPath(settings.file.path)) << ", which is a valid recording.\n";
-    }
-    throw oc::Error(recording.error);
-  }
-  return 0;
+  requirePossible(settings.sequence, files.directory());
+  ChosenCamera camera;
+  const std::string failure = failureOf([&] { camera = findCamera(settings.camera); });
+  return runSequence(settings.sequence, settings.reporting, runNames, files.directory(),
+                     [&](int run) -> RunResult {
+                       if (!camera.isFound()) {
+                         Recording none;
+                         none.error = failure;
+                         return {.document = jsonOf(settings, camera, none), .failure = failure};
+                       }
+                       const OutputPath file = files.file(run, camera.description.name);
+                       return recordRun(settings, camera, file);
+                     });
 }
 
 }  // namespace
@@ -247,10 +238,15 @@ const Command recordCommand{
     .name = "record",
     .description = "Record a camera's frames into a SER file",
     .explanation =
-        R"(A recording ends after --frames frames (100 if neither --frames nor --seconds is
-given), after --seconds seconds, or on Ctrl-C. The file is valid in any case.
-The program waits for a frame for twice the exposure plus 500 ms; after five
-such waits without a frame the recording ends with an error.
+        R"(A recording ends after --frames frames or --seconds seconds, whichever comes
+first (100 frames if neither is given), before the disk has less free space than
+--stop-below, or on Ctrl-C. FILE.ser appears with its first
+frame and is valid from then on; without a frame there is no file. After a power
+failure, "oc_capture repair" recovers all whole frames. The program waits for a
+frame for twice the exposure plus 500 ms; after five such waits without a frame,
+or five failed reads in a row, the recording ends with an error. Single failed
+reads and gaps are told when they happen, and counted. A gap is an interval of
+more than three frame times.
 
 A slow disk does not delay the camera: frames wait in memory, in --memory
 megabytes (but at least three frames). When this memory is full, frames are
@@ -259,10 +255,26 @@ and 8 bytes for each recorded frame.
 
 FILE.ser holds the frames as the camera delivers them, and the time when each
 arrived. 16-bit frames are stored with 16 bits, whatever the converter's bit
-depth. FILE.png, beside it, shows the last frame, in colour and brightened.)",
+depth. FILE-preview.png, beside it, shows the last frame, in colour and
+brightened; --no-preview leaves it out. FILE.txt is the settings log: camera,
+settings, temperatures and times; --no-log leaves it out. While it records, the
+time stamps are in FILE.ser.orvane-times.
+
+A --name such as "{date}_{time}_{target}_{filter}" makes the names of these
+files. A field without a value is left out with the separator after it. If a
+name is in use, _2, _3 and so on is added, unless --overwrite is given.
+
+With --count, there are several recordings. --every is the time from start to
+start, counted from the first, so that it does not drift. A recording that takes
+longer delays the next, which then starts at once. The camera is opened for each
+recording. A failure or Ctrl-C ends the sequence.)",
     .examples =
         R"(  oc_capture record --sdk C:\sdk --camera ASI294 --exposure 20ms --seconds 60 --out jupiter.ser
-  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json)",
+  oc_capture record --sdk C:\sdk --camera 0 --format raw16 --discard 3 --frames 500 --out moon.ser --json
+  oc_capture record --sdk C:\sdk --camera 0 --region 640,300,640x480 --name {time}_{target} --target Jupiter --out D:\night
+  oc_capture record --sdk C:\sdk --camera 0 --seconds 30 --count 10 --every 120s --stop-below 2GB --out rotation.ser)",
+    .whenDone = "recorded, also after Ctrl-C",
+    .whenFailed = "no camera, no frame, or a failure",
     .prepare = prepareCommand<RecordSettings, addOptions, record>,
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "session/causes.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -25,9 +26,19 @@ void addReportingOptions(CommandOptions& options, Reporting& reporting) {
   options.addFlag("--json", reporting.asJson, "Write one JSON document at the end");
 }
 
+void reportFailure(const std::string& text, const std::string& about) {
+  const std::string start = "oc_capture: ";
+  std::string lines = start + about + explained(text) + "\n";
+  for (std::size_t end = lines.find('\n'); end + 1 < lines.size();
+       end = lines.find('\n', end + 1)) {
+    lines.insert(end + 1, start);
+  }
+  std::cerr << lines;
+}
+
 void report(const Reporting& reporting, const Json& document, const std::string& text) {
   if (reporting.asJson) {
-    std::cout << document.dump(2) << "\n" << std::flush;
+    std::cout << document.dump(2, ' ', false, Json::error_handler_t::replace) << "\n" << std::flush;
   } else if (!reporting.isQuiet) {
     std::cout << text << std::flush;
   }
@@ -35,6 +46,37 @@ void report(const Reporting& reporting, const Json& document, const std::string&
 
 Json orNull(const std::string& text) {
   return text.empty() ? Json() : Json(text);
+}
+
+std::string gapText(const GapCount& gaps) {
+  if (gaps.gaps == 0) {
+    return "none";
+  }
+  return std::to_string(gaps.gaps) + ", in which about " + std::to_string(gaps.missedFrames) +
+         " frames are missing; the longest, " + decimal(gaps.longestGap * 1e3, 1) +
+         " ms, after frame " + std::to_string(gaps.longestGapAfter);
+}
+
+Json gapsJson(const GapCount& gaps) {
+  return {{"gaps", gaps.gaps},
+          {"missedFrames", gaps.missedFrames},
+          {"longestGapSeconds", gaps.longestGap},
+          {"longestGapAfterFrame", gaps.gaps == 0 ? Json() : Json(gaps.longestGapAfter)}};
+}
+
+Json regionJson(const std::optional<Region>& region) {
+  return region ? Json{{"x", region->left},
+                       {"y", region->top},
+                       {"width", region->width},
+                       {"height", region->height}}
+                : Json();
+}
+
+std::string frameText(const FrameLayout& layout, const std::optional<Region>& region) {
+  return dimensionsText(layout.width, layout.height) + " " + formatName(layout.format) +
+         (region ? " (region at " + std::to_string(region->left) + ", " +
+                       std::to_string(region->top) + ")"
+                 : "");
 }
 
 std::string textTable(const std::vector<TableRow>& rows, std::size_t textColumns) {

@@ -42,4 +42,15 @@ void StatusLine::show(std::string text) {
   }
 }
 
+void StatusLine::tell(const std::string& text) {
+  if (isQuiet_) {
+    return;
+  }
+  if (width_ > 0) {
+    std::cerr << "\r" << std::string(width_, ' ') << "\r";
+    width_ = 0;
+  }
+  std::cerr << text << "\n" << std::flush;
+}
+
 }  // namespace orvane::host

@@ -27,6 +27,9 @@ class StatusLine {
   /// The text may hold UTF-8 but no line end.
   void show(std::string text);
 
+  /// Writes a line that stays. A quiet status line writes nothing.
+  void tell(const std::string& text);
+
  private:
   using Clock = std::chrono::steady_clock;
 

@@ -11,6 +11,7 @@
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "oc_capture/watch_history.hpp"
+#include "session/causes.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
 
@@ -47,6 +48,7 @@ struct Summary {
   std::int64_t mostSaturated = 0;
   std::optional<double> lowestTemperature;
   std::optional<double> highestTemperature;
+  std::uint64_t failedReads = 0;
   std::string error;
 
   void add(const WatchPoint& point) {
@@ -90,10 +92,12 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return Clock::now() - start; };
   while (!stopRequested() && !settings.length.isReached(summary.frames, elapsed())) {
-    if (const oc::Frame frame = stream.next()) {
+    if (const CorrectedFrame next = stream.next()) {
       summary.add({std::chrono::duration<double>(elapsed()).count(), stream.state().temperature,
-                   frameStatistics(frame.pixels(), frame.layout(), camera.description.bitDepth)});
+                   frameStatistics(next.pixels, summary.layout, camera.description.bitDepth)});
     }
+    stream.tellFailures(line);
+    summary.failedReads = stream.state().failedReads;
     if (line.isDue()) {
       line.show(lineOf(summary));
     }
@@ -101,35 +105,38 @@ void watchFrames(const WatchSettings& settings, const ChosenCamera& camera, Stat
 }
 
 // A failure of the camera is in the summary.
-Summary watchCamera(const WatchSettings& settings, const ChosenCamera& camera) {
+void watchCamera(const WatchSettings& settings, ChosenCamera& camera, Summary& summary) {
   StatusLine line(settings.reporting.isQuiet);
-  Summary summary;
-  try {
+  summary.error = failureOf([&] {
+    camera = findCamera(settings.camera);
     watchFrames(settings, camera, line, summary);
-  } catch (const oc::Error& error) {
-    summary.error = error.what();
-  }
+  });
   if (summary.frames > 0) {
     line.show(lineOf(summary));
   }
-  return summary;
 }
 
-Json jsonOf(const ChosenCamera& camera, const Summary& summary, const std::string& plot) {
-  return {{"camera", camera.description.name},
-          {"width", summary.layout.width},
-          {"height", summary.layout.height},
-          {"format", formatName(camera.settings.format)},
+Json jsonOf(const WatchSettings& settings, const ChosenCamera& camera, const Summary& summary,
+            const std::string& plot) {
+  const bool wasOpen = summary.layout.width > 0;
+  const bool hasFrames = summary.frames > 0;
+  return {{"camera", orNull(camera.description.name)},
+          {"width", ifKnown(wasOpen, summary.layout.width)},
+          {"height", ifKnown(wasOpen, summary.layout.height)},
+          {"region", regionJson(settings.camera.correction.region)},
+          {"format", ifKnown(camera.isFound(), formatName(camera.settings.format))},
           {"frames", summary.frames},
-          {"seconds", summary.last.seconds},
-          {"mean", summary.mean()},
-          {"min", summary.smallest},
-          {"max", summary.largest},
-          {"mostSaturatedPixels", summary.mostSaturated},
+          {"seconds", ifKnown(wasOpen, summary.last.seconds)},
+          {"mean", ifKnown(hasFrames, summary.mean())},
+          {"min", ifKnown(hasFrames, summary.smallest)},
+          {"max", ifKnown(hasFrames, summary.largest)},
+          {"mostSaturatedPixels", ifKnown(hasFrames, summary.mostSaturated)},
           {"lowestTemperature", orNull(summary.lowestTemperature)},
           {"highestTemperature", orNull(summary.highestTemperature)},
+          {"failedReads", summary.failedReads},
           {"plot", orNull(plot)},
-          {"error", summary.error}};
+          {"error", summary.error},
+          {"explanation", explained(summary.error)}};
 }
 
 // Nothing after a failure.
@@ -146,24 +153,30 @@ std::string textOf(const Summary& summary, const std::string& plot) {
     text += ", " + decimal(*summary.lowestTemperature, 1) + " to " +
             decimal(*summary.highestTemperature, 1) + " \u00b0C";
   }
-  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n";
+  return text + (plot.empty() ? "" : "; plot " + inQuotes(plot)) + ".\n" +
+         failedReadsText(summary.failedReads);
 }
 
 int watch(const WatchSettings& settings) {
   requireUsable(settings.plot);
-  const ChosenCamera camera = findCamera(settings.camera);
-  Summary summary = watchCamera(settings, camera);
+  ChosenCamera camera;
+  Summary summary;
+  watchCamera(settings, camera, summary);
   if (summary.error.empty() && summary.frames == 0 && !stopRequested()) {
     summary.error = "No frame came before the watch's end.";
   }
   std::string plot;  // empty if there is none
   if (settings.plot.isGiven() && !summary.history.points().empty()) {
-    writePng(settings.plot.path,
-             watchPlot(summary.history,
-                       camera.description.name + ", " + formatName(camera.settings.format)));
-    plot = utf8FromPath(settings.plot.path);
+    const std::string failure = failureOf([&] {
+      writePng(settings.plot.path,
+               watchPlot(summary.history,
+                         camera.description.name + ", " + formatName(camera.settings.format)),
+               settings.plot.existing());
+      plot = utf8FromPath(settings.plot.path);
+    });
+    summary.error = summary.error.empty() ? failure : summary.error;
   }
-  report(settings.reporting, jsonOf(camera, summary, plot), textOf(summary, plot));
+  report(settings.reporting, jsonOf(settings, camera, summary, plot), textOf(summary, plot));
   if (!summary.error.empty()) {
     throw oc::Error(summary.error);
   }
@@ -178,11 +191,13 @@ const Command watchCommand{
     .explanation =
         R"(Shows the sensor's temperature and, for the last frame, the mean, the smallest
 and the largest sample and the number of saturated pixels. Ends after --frames
-frames, after --seconds seconds, or on Ctrl-C. In the plot of a long watch, a
-point stands for several neighbouring frames.)",
+frames or --seconds seconds, whichever comes first, or on Ctrl-C. In the plot of
+a long watch, a point stands for several neighbouring frames.)",
     .examples =
         R"(  oc_capture watch --sdk C:\sdk --camera 0 --exposure 500ms
   oc_capture watch --sdk C:\sdk --camera 2600MM --seconds 600 --out cooling.png)",
+    .whenDone = "watched, also until Ctrl-C",
+    .whenFailed = "no camera, no frame, or a failure",
     .prepare = prepareCommand<WatchSettings, addOptions, watch>,
 };
 

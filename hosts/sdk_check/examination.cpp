@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "sdk_check/cures.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -24,10 +25,13 @@ LibraryFile readFile(const fs::path& path) {
   const std::uintmax_t size = fs::file_size(path, ignored);
   if (fs::is_directory(path, ignored)) {
     unread.problem = "This is a directory.";
+    unread.cure = "Remove it and copy the maker's library of this name here.";
   } else if (!fs::is_regular_file(path, ignored)) {
     unread.problem = "This is no ordinary file.";
+    unread.cure = "Remove it and copy the maker's library of this name here.";
   } else if (size > largestFile) {
     unread.problem = "The file is larger than any SDK.";
+    unread.cure = "Replace it by the maker's library of this name.";
   } else {
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
     std::ifstream stream(path, std::ios::binary);
@@ -35,6 +39,7 @@ LibraryFile readFile(const fs::path& path) {
       return readLibraryFile(bytes);
     }
     unread.problem = "The file cannot be read.";
+    unread.cure = "Allow your user to read it, or copy it again.";
   }
   return unread;
 }
@@ -53,8 +58,12 @@ void addImports(SdkFindings& findings, const fs::path& importer, const LibraryFi
     const bool isFound = !place.file.empty();
     const LibraryFile import = isFound && !place.isSystems ? readFile(place.file) : LibraryFile{};
     // If the SDK was loaded, the loader found everything that it needs.
+    const bool isMissing = !isFound && !findings.isLoaded();
     findings.imports.push_back({validName, validUtf8(utf8FromPath(importer.filename())), place.file,
-                                !isFound && !findings.isLoaded(), import.problem});
+                                isMissing, import.problem,
+                                isMissing             ? cureOfMissing(validName)
+                                : import.cure.empty() ? ""
+                                                      : validName + ": " + import.cure});
     addImports(findings, place.file, import);
   }
 }

@@ -19,6 +19,7 @@ struct ImportFinding {
   std::filesystem::path file;  ///< empty if not known
   bool isMissing = false;
   std::string problem;  ///< one sentence: why the file that was found cannot be used; or ""
+  std::string cure;     ///< what the SDK's user can do about it; empty if it is fine
 
   bool isFine() const { return !isMissing && problem.empty(); }
 };

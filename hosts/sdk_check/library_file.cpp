@@ -1,6 +1,8 @@
 // Reads the file of a shared library without the system's loader.
 #include "sdk_check/library_file.hpp"
 
+#include <utility>
+
 namespace orvane::host {
 
 namespace {
@@ -8,10 +10,14 @@ namespace {
 #ifdef _WIN32
 constexpr const char* otherMagic = "\x7f\x45LF";
 constexpr const char* otherSystem = "This is a library for Linux, not for Windows.";
+constexpr const char* getForThisSystem = "Get the one for Windows (64 bits) from the maker.";
 #else
 constexpr const char* otherMagic = "MZ";
 constexpr const char* otherSystem = "This is a library for Windows, not for Linux.";
+constexpr const char* getForThisSystem = "Get the one for Linux (64 bits) from the maker.";
 #endif
+
+constexpr const char* copyAgain = "Copy it again from the maker's package, or download that again.";
 
 #if defined(__aarch64__) || defined(_M_ARM64)
 constexpr const char* thisProcessor = "ARM64";
@@ -19,18 +25,27 @@ constexpr const char* thisProcessor = "ARM64";
 constexpr const char* thisProcessor = "x64";
 #endif
 
-std::string read(const ByteReader& bytes, LibraryFile& file) {
+void setProblem(LibraryFile& file, std::string problem, std::string cure) {
+  file.problem = std::move(problem);
+  file.cure = std::move(cure);
+}
+
+void read(const ByteReader& bytes, LibraryFile& file) {
   if (bytes.startsWith(otherMagic)) {
-    return otherSystem;
+    setProblem(file, otherSystem, getForThisSystem);
+  } else if (!readNativeLibrary(bytes, file)) {
+    setProblem(file, "This is no library, neither for Windows nor for Linux.",
+               "Replace it by the maker's library of this name; unpack the maker's archive first.");
+  } else if (!file.isForThisProcess()) {
+    setProblem(file,
+               "This is a " + std::to_string(file.bits) + "-bit library for " + file.processor +
+                   ", which a 64-bit program cannot use on this computer.",
+               std::string("Replace it by the one for ") + thisProcessor +
+                   " (64 bits), often in another folder of the maker's package.");
+  } else if (!file.isLibrary) {
+    setProblem(file, "This is a program, not a library.",
+               "Replace it by the maker's library of this name.");
   }
-  if (!readNativeLibrary(bytes, file)) {
-    return "This is no library, neither for Windows nor for Linux.";
-  }
-  if (!file.isForThisProcess()) {
-    return "This is a " + std::to_string(file.bits) + "-bit library for " + file.processor +
-           ", which a 64-bit program cannot use on this computer.";
-  }
-  return file.isLibrary ? "" : "This is a program, not a library.";
 }
 
 }  // namespace
@@ -51,10 +66,14 @@ std::string processorName(std::span<const Processor> processors, unsigned machin
 LibraryFile readLibraryFile(std::span<const std::uint8_t> content) {
   LibraryFile file;
   try {
-    file.problem = content.empty() ? "The file is empty." : read(ByteReader(content), file);
+    if (content.empty()) {
+      setProblem(file, "The file is empty.", copyAgain);
+    } else {
+      read(ByteReader(content), file);
+    }
   } catch (const DamagedFile&) {
     file.isDamaged = true;
-    file.problem = "The file is cut off or damaged.";
+    setProblem(file, "The file is cut off or damaged.", copyAgain);
   }
   return file;
 }

@@ -15,6 +15,7 @@ namespace orvane::host {
 /// What is not known is empty.
 struct LibraryFile {
   std::string problem;     ///< one sentence: why this process cannot use the file; or ""
+  std::string cure;        ///< what the SDK's user can do about the problem
   bool isDamaged = false;  ///< a library for this system, truncated or with bad offsets
   bool isLibrary = false;  ///< a library, not a program
   int bits = 0;            ///< 32 or 64; 0 also for another system's library

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -53,6 +54,10 @@ nlohmann::ordered_json descriptionOf(const oc::CameraInfo& camera) {
 int usualGain(const oc::CameraInfo& camera) {
   const std::int64_t range = std::int64_t{camera.maxGain} - camera.minGain;
   return static_cast<int>(camera.minGain + (hasGainRange(camera) ? range / 3 : 0));
+}
+
+int middleGain(const oc::CameraInfo& camera) {
+  return hasGainRange(camera) ? std::midpoint(camera.minGain, camera.maxGain) : camera.minGain;
 }
 
 }  // namespace orvane::host

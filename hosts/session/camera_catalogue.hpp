@@ -37,4 +37,7 @@ inline bool hasLongestExposure(const oc::CameraInfo& camera) {
 /// The gain if the user has not given any: a third of the range.
 int usualGain(const oc::CameraInfo& camera);
 
+/// The middle of the range. With it, simulated cameras show a recording unchanged.
+int middleGain(const oc::CameraInfo& camera);
+
 }  // namespace orvane::host

@@ -25,6 +25,42 @@ double quantile(const std::vector<double>& sorted, double part) {
   return sorted[std::clamp<std::size_t>(rank, 1, sorted.size()) - 1];
 }
 
+std::span<const FrameGap> GapFinder::add(double interval) {
+  foundCount_ = 0;
+  intervals_[static_cast<std::size_t>(added_) % latest] = interval;
+  ++added_;
+  const std::size_t known = std::min(static_cast<std::size_t>(added_), latest);
+  if (known < judged) {
+    return {};
+  }
+  std::array<double, latest> ordered = intervals_;
+  const auto median = ordered.begin() + static_cast<std::ptrdiff_t>((known - 1) / 2);
+  std::nth_element(ordered.begin(), median, ordered.begin() + static_cast<std::ptrdiff_t>(known));
+  frameTime_ = *median > 0 || exposure_ > 0 ? std::max(*median, exposure_) : 0;
+  if (known == judged) {
+    for (std::size_t frame = 0; frame < judged; ++frame) {
+      judge(intervals_[frame], static_cast<std::int64_t>(frame));
+    }
+  } else {
+    judge(interval, added_ - 1);
+  }
+  return {found_.data(), foundCount_};
+}
+
+void GapFinder::judge(double interval, std::int64_t after) {
+  // If most intervals are 0, there is no usual interval to compare the others with.
+  if (frameTime_ <= 0 || interval <= mostFrameTimes * frameTime_) {
+    return;
+  }
+  found_[foundCount_++] = {interval, after};
+  ++count_.gaps;
+  count_.missedFrames += std::llround(interval / frameTime_) - 1;
+  if (interval > count_.longestGap) {
+    count_.longestGap = interval;
+    count_.longestGapAfter = after;
+  }
+}
+
 std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
   if (ticks.size() < 2 || !std::all_of(ticks.begin(), ticks.end(), isTime) ||
       ticks.back() <= ticks.front()) {
@@ -41,19 +77,12 @@ std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
   timing.seconds = static_cast<double>(ticks.back() - ticks.front()) / ticksPerSecond;
   timing.framesPerSecond = static_cast<double>(intervals.size()) / timing.seconds;
   timing.medianInterval = quantile(sorted, 0.5);
-  for (std::size_t frame = 0; frame < intervals.size(); ++frame) {
-    const double interval = intervals[frame];
+  GapFinder finder;
+  for (const double interval : intervals) {
     timing.stepsBack += interval < 0 ? 1 : 0;
-    // If most intervals are 0, there is no usual interval to compare the others with.
-    if (timing.medianInterval > 0 && interval > 1.5 * timing.medianInterval) {
-      ++timing.gaps;
-      timing.missedFrames += std::llround(interval / timing.medianInterval) - 1;
-      if (interval > timing.longestGap) {
-        timing.longestGap = interval;
-        timing.longestGapAfter = static_cast<std::int32_t>(frame);
-      }
-    }
+    finder.add(interval);
   }
+  static_cast<GapCount&>(timing) = finder.count();
   return timing;
 }
 

@@ -23,12 +23,15 @@ std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes)
 }
 
 SerRecorder::SerRecorder(const std::filesystem::path& path, const SerDescription& description,
-                         const FrameCorrection& correction, oc::FrameQueue frames)
+                         const FrameCorrection& correction, oc::FrameQueue frames,
+                         const RecordingOptions& options)
     : correction_(correction),
+      sharesFrames_(options.sharesFrames),
       frames_(std::move(frames)),
       takenBefore_(frames_.taken()),
       droppedBefore_(frames_.dropped()),
-      writer_(path, description),
+      writer_(path, description, options.existing),
+      gaps_(static_cast<double>(options.exposureUs) / 1e6),
       thread_([this] { run(); }) {}
 
 SerRecorder::~SerRecorder() {
@@ -70,16 +73,54 @@ void SerRecorder::run() {
 void SerRecorder::writeFrames() {
   Clock::time_point checkpoint = Clock::now();
   while (oc::Frame frame = frames_.next()) {
-    const std::span bytes(frame.data(), frame.size());
-    correctFrame(bytes, frame.layout(), correction_);
+    const std::span<const std::uint8_t> bytes =
+        correctFrame(bytesToCorrect(frame), frame.layout(), correction_);
     writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
+    noteArrival(frame);
     writtenFrames_ = writer_.frameCount();
     current_ = std::move(frame);
+    currentPixels_ = bytes;
     if (Clock::now() - checkpoint >= betweenCheckpoints) {
       writer_.checkpoint();
       checkpoint = Clock::now();
     }
   }
+}
+
+std::span<std::uint8_t> SerRecorder::bytesToCorrect(const oc::Frame& frame) {
+  const std::span bytes(frame.data(), frame.size());
+  if (!sharesFrames_) {
+    return bytes;
+  }
+  copy_.assign(bytes.begin(), bytes.end());
+  return copy_;
+}
+
+void SerRecorder::noteArrival(const oc::Frame& frame) {
+  const Clock::time_point arrival = frame.arrival();
+  const std::lock_guard lock(mutex_);
+  if (writtenFrames_ == 0) {
+    firstArrival_ = arrival;
+    times_.first = frame.arrivalTime();
+  } else {
+    const std::chrono::duration<double> interval = arrival - lastArrival_;
+    for (const FrameGap& gap : gaps_.add(interval.count())) {
+      if (times_.firstGaps.size() < RecordingTimes::mostGaps) {
+        times_.firstGaps.push_back(gap);
+      }
+    }
+  }
+  lastArrival_ = arrival;
+  times_.last = frame.arrivalTime();
+}
+
+RecordingTimes SerRecorder::times() const {
+  const std::lock_guard lock(mutex_);
+  RecordingTimes times = times_;
+  times.count = gaps_.count();
+  times.frameTime = gaps_.frameTime();
+  times.seconds = std::chrono::duration<double>(lastArrival_ - firstArrival_).count();
+  return times;
 }
 
 }  // namespace orvane::host

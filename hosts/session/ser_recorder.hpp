@@ -9,10 +9,13 @@
 #include <filesystem>
 #include <mutex>
 #include <orvane_desktop_camera.hpp>
+#include <span>
 #include <thread>
+#include <vector>
 
 #include "formats/ser_writer.hpp"
 #include "imaging/frame_correction.hpp"
+#include "session/frame_timing.hpp"
 
 namespace orvane::host {
 
@@ -20,14 +23,34 @@ namespace orvane::host {
 /// fit into `waitingBytes`, but at least three, plus the frame that is being written.
 std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes);
 
-/// A recording in progress. The file is valid at any time.
+/// How to record.
+struct RecordingOptions {
+  Existing existing = Existing::Refuse;
+  std::int64_t exposureUs = 0;  ///< 0 if unknown; see GapFinder
+  bool sharesFrames = false;    ///< others use the frames too: a correction changes copies
+};
+
+/// When the recorded frames arrived.
+struct RecordingTimes {
+  std::chrono::system_clock::time_point first;  ///< these two only if there is a frame
+  std::chrono::system_clock::time_point last;
+  GapCount count;
+  std::vector<FrameGap> firstGaps;  ///< at most mostGaps
+  double frameTime = 0;             ///< see GapFinder
+  double seconds = 0;               ///< from the first frame to the last
+
+  static constexpr std::size_t mostGaps = 20;
+};
+
+/// A recording in progress. The file appears with its first frame and is valid from then on.
 class SerRecorder {
  public:
   /// Takes the frames of a queue with Delivery::Every until it is closed or the camera is lost. The
   /// correction changes frames in place, so nothing else may use them. `description` is that of the
   /// corrected frames. Throws std::runtime_error when the file cannot be created.
   SerRecorder(const std::filesystem::path& path, const SerDescription& description,
-              const FrameCorrection& correction, oc::FrameQueue frames);
+              const FrameCorrection& correction, oc::FrameQueue frames,
+              const RecordingOptions& options = {});
 
   /// Writes the waiting frames and finishes the file. Ignores failures.
   ~SerRecorder();
@@ -53,10 +76,16 @@ class SerRecorder {
   /// How many frames found no room.
   std::int64_t droppedFrames() const { return difference(frames_.dropped(), droppedBefore_); }
 
+  /// The arrival of the frames in the file.
+  RecordingTimes times() const;
+
   const oc::FrameQueue& queue() const { return frames_; }
 
   /// The last frame in the file, empty if there is none. Only after the end.
   const oc::Frame& lastFrame() const { return current_; }
+
+  /// Its corrected bytes, which are those in the file. Valid as long as the frame is held.
+  std::span<const std::uint8_t> lastPixels() const { return currentPixels_; }
 
  private:
   static std::int64_t difference(std::uint64_t now, std::uint64_t before) {
@@ -64,16 +93,25 @@ class SerRecorder {
   }
   void run();
   void writeFrames();
+  std::span<std::uint8_t> bytesToCorrect(const oc::Frame& frame);
+  void noteArrival(const oc::Frame& frame);
 
   const FrameCorrection correction_;
+  const bool sharesFrames_;
   oc::FrameQueue frames_;
   const std::uint64_t takenBefore_;
   const std::uint64_t droppedBefore_;
   SerWriter writer_;
   oc::Frame current_;
+  std::span<const std::uint8_t> currentPixels_;
+  std::vector<std::uint8_t> copy_;  // of a shared frame
   std::atomic<std::int32_t> writtenFrames_ = 0;
   std::exception_ptr failure_;
-  std::mutex mutex_;
+  std::chrono::steady_clock::time_point firstArrival_;
+  std::chrono::steady_clock::time_point lastArrival_;
+  mutable std::mutex mutex_;
+  GapFinder gaps_;
+  RecordingTimes times_;
   std::condition_variable ended_;
   bool hasEnded_ = false;
   std::thread thread_;  // last: it uses all the others

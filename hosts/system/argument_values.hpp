@@ -18,6 +18,13 @@ std::int64_t parseSeconds(const std::string& option, const std::string& text);
 /// different units. Throws UsageError.
 std::int64_t parseDuration(const std::string& option, const std::string& text);
 
+/// A number of bytes such as "500MB" or "2GB", 1 or more; the units are powers of 1000. There may
+/// be spaces before the unit. Throws UsageError.
+std::int64_t parseSize(const std::string& option, const std::string& text);
+
+/// A number of bytes as text, as in "2 GB" or "1.5 MB", rounded to a tenth.
+std::string sizeText(std::int64_t bytes);
+
 /// Such a duration as text, in the largest unit in which it is 1 or more.
 std::string durationText(std::int64_t microseconds);
 

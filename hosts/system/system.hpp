@@ -39,6 +39,19 @@ std::tm localTime(std::time_t time);
 /// std::fopen(); null with errno set on failure.
 std::FILE* openFile(const std::filesystem::path& path, const std::string& mode);
 
+/// Opens a file for reading and writing, and creates it if it is missing. Nobody else can open it
+/// in this way until it is closed. Null with errno set on failure, EBUSY if somebody else has it
+/// open.
+std::FILE* openFileToWrite(const std::filesystem::path& path);
+
+/// True while somebody has the file open by openFileToWrite(), under this name or an earlier one.
+bool isBeingWritten(const std::filesystem::path& path);
+
+/// Renames a file, which may be open. False with errno set on failure: EEXIST if the new name is
+/// taken and must not be replaced, EBUSY if a file of this name is being written.
+bool renameFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                bool mayReplace);
+
 /// Moves to a position, also beyond 4 GiB; false with errno set on failure.
 bool seekFile(std::FILE* file, std::int64_t position);
 

@@ -1,9 +1,11 @@
 // What the host programs ask of the operating system, on Linux.
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 
@@ -28,6 +30,55 @@ void setSignal(int signal, void (*handler)(int), int flags) {
   action.sa_handler = handler;
   action.sa_flags = flags;
   sigaction(signal, &action, nullptr);
+}
+
+// False if somebody else has the lock. A file system without locks is no reason not to write.
+bool lock(int descriptor) {
+  return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool isNameOf(const std::filesystem::path& path, int descriptor) {
+  struct stat opened = {};
+  struct stat named = {};
+  return fstat(descriptor, &opened) == 0 && stat(path.c_str(), &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+// An existing file, locked if nobody else has locked it.
+class ExistingFile {
+ public:
+  explicit ExistingFile(const std::filesystem::path& path)
+      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+        isBeingWritten_(descriptor_ >= 0 && !lock(descriptor_)) {}
+  ~ExistingFile() {
+    if (descriptor_ >= 0) {
+      close(descriptor_);
+    }
+  }
+  ExistingFile(const ExistingFile&) = delete;
+  ExistingFile& operator=(const ExistingFile&) = delete;
+
+  bool isBeingWritten() const { return isBeingWritten_; }
+
+ private:
+  const int descriptor_;
+  const bool isBeingWritten_;
+};
+
+bool renameToNewName(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+    return true;
+  }
+  if (errno != EINVAL && errno != ENOSYS) {
+    return false;
+  }
+  // The file system does not know the flag.
+  struct stat existing = {};
+  if (lstat(to.c_str(), &existing) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return rename(from.c_str(), to.c_str()) == 0;
 }
 
 }  // namespace
@@ -71,6 +122,46 @@ std::tm localTime(std::time_t time) {
 
 std::FILE* openFile(const std::filesystem::path& path, const std::string& mode) {
   return std::fopen(path.c_str(), (mode + "e").c_str());
+}
+
+std::FILE* openFileToWrite(const std::filesystem::path& path) {
+  while (true) {
+    const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+      return nullptr;
+    }
+    if (!lock(descriptor)) {
+      close(descriptor);
+      errno = EBUSY;
+      return nullptr;
+    }
+    // Until it was locked, its writer may have renamed or removed it.
+    if (isNameOf(path, descriptor)) {
+      std::FILE* const file = fdopen(descriptor, "r+b");
+      if (file == nullptr) {
+        close(descriptor);
+      }
+      return file;
+    }
+    close(descriptor);
+  }
+}
+
+bool isBeingWritten(const std::filesystem::path& path) {
+  return ExistingFile(path).isBeingWritten();
+}
+
+bool renameFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                bool mayReplace) {
+  if (!mayReplace) {
+    return renameToNewName(from, to);
+  }
+  const ExistingFile replaced(to);  // locked until it is replaced
+  if (replaced.isBeingWritten()) {
+    errno = EBUSY;
+    return false;
+  }
+  return rename(from.c_str(), to.c_str()) == 0;
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

@@ -1,4 +1,5 @@
 // What the host programs ask of the operating system, on Windows.
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 // After windows.h, which they need.
@@ -45,6 +46,30 @@ std::string utf8FromWide(const wchar_t* text) {
 
 std::wstring wideFromUtf8(const std::string& text) {
   return pathFromUtf8(text).wstring();
+}
+
+int errnoOf(DWORD error) {
+  switch (error) {
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return EBUSY;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+      return EACCES;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+      return ENOENT;
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+      return EEXIST;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_INVALID_NAME:
+      return EINVAL;
+    default:
+      return EIO;
+  }
 }
 
 }  // namespace
@@ -100,6 +125,53 @@ std::tm localTime(std::time_t time) {
 
 std::FILE* openFile(const std::filesystem::path& path, const std::string& mode) {
   return _wfopen(path.c_str(), wideFromUtf8(mode).c_str());
+}
+
+std::FILE* openFileToWrite(const std::filesystem::path& path) {
+  // Without FILE_SHARE_WRITE, this is the lock. With FILE_SHARE_DELETE, the file can be renamed. A
+  // handle with the access right DELETE would keep most programs from reading the file.
+  const HANDLE handle =
+      CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    errno = errnoOf(GetLastError());
+    return nullptr;
+  }
+  const int descriptor =
+      _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_RDWR | _O_BINARY | _O_NOINHERIT);
+  if (descriptor < 0) {
+    CloseHandle(handle);
+    return nullptr;
+  }
+  std::FILE* const file = _fdopen(descriptor, "r+b");
+  if (file == nullptr) {
+    _close(descriptor);
+  }
+  return file;
+}
+
+bool isBeingWritten(const std::filesystem::path& path) {
+  const HANDLE handle = CreateFileW(path.c_str(), GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    return GetLastError() == ERROR_SHARING_VIOLATION;
+  }
+  CloseHandle(handle);
+  return false;
+}
+
+bool renameFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                bool mayReplace) {
+  if (mayReplace && isBeingWritten(to)) {
+    errno = EBUSY;
+    return false;
+  }
+  if (MoveFileExW(from.c_str(), to.c_str(), mayReplace ? MOVEFILE_REPLACE_EXISTING : 0U) == 0) {
+    errno = errnoOf(GetLastError());
+    return false;
+  }
+  return true;
 }
 
 bool seekFile(std::FILE* file, std::int64_t position) {

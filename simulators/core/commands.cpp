@@ -4,14 +4,18 @@
 #include <charconv>
 #include <cstdio>
 #include <deque>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "core/sdk.hpp"
 #include "core/system.hpp"
+#include "sdk_check/sdk_functions.hpp"
 
 namespace orvane::sim {
 namespace {
@@ -31,152 +35,317 @@ std::string_view cutOff(std::string_view& text, std::string_view separators) {
   return part;
 }
 
-bool readWord(std::string_view word, std::string_view& field) {
-  field = word;
+std::string inQuotes(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
+
+// The parameters of commands are words, numbers, or one of these as the last.
+struct FileName {  // may contain blanks
+  std::string text;
+};
+struct Remainder {  // may also be empty
+  std::string_view text;
+};
+
+bool readField(std::string_view& arguments, std::string_view& word) {
+  word = cutOff(arguments, blanks);
   return !word.empty();
 }
 
 template <class Number>
 requires std::is_arithmetic_v<Number>
-bool readWord(std::string_view word, Number& field) {
+bool readField(std::string_view& arguments, Number& number) {
+  const std::string_view word = cutOff(arguments, blanks);
   const char* const end = word.data() + word.size();
-  const std::from_chars_result read = std::from_chars(word.data(), end, field);
+  const std::from_chars_result read = std::from_chars(word.data(), end, number);
   return !word.empty() && read.ec == std::errc() && read.ptr == end;
 }
 
-// Reads all words of a command's arguments. Returns false if one is invalid or their number is
-// wrong.
-template <class... Fields>
-bool read(std::string_view arguments, Fields&... fields) {
-  const auto readNext = [&arguments](auto& field) {
-    arguments = trimmed(arguments);
-    return readWord(cutOff(arguments, blanks), field);
-  };
-  return (readNext(fields) && ...) && trimmed(arguments).empty();
+bool readField(std::string_view& arguments, Remainder& remainder) {
+  remainder.text = std::exchange(arguments, {});
+  return true;
 }
 
-// Reads a command's arguments as the parameters of `effect`, and runs it if the command `isMeant`
-// for this SDK. Returns whether the command was understood.
-template <class... Fields>
-bool run(std::string_view arguments, bool isMeant, void (*effect)(Fields...)) {
-  std::tuple<Fields...> fields;
-  const bool isUnderstood =
-      std::apply([&](Fields&... each) { return read(arguments, each...); }, fields);
-  if (isUnderstood && isMeant) {
-    std::apply(effect, fields);
-  }
-  return isUnderstood;
+bool readField(std::string_view& arguments, FileName& file) {
+  file.text = std::exchange(arguments, {});
+  return !file.text.empty();
 }
 
-// "FUNCTION NTH TIMES KIND [TEXT]"; the text may contain spaces.
-bool runThrow(std::string_view arguments, bool isMeant) {
-  constexpr std::pair<std::string_view, std::int32_t> kinds[] = {
-      {"standard", SIM_THROW_STANDARD}, {"number", SIM_THROW_NUMBER}, {"object", SIM_THROW_OBJECT}};
-  for (const auto& [name, kind] : kinds) {
-    const std::size_t place = arguments.find(name);
-    if (place == std::string_view::npos) {
-      continue;
+// A command that a user can write.
+struct Command {
+  std::string_view form;  // the verb and the names of the parameters
+
+  // Returns "" if the command was run, or why it cannot be; nothing if the arguments do not fit.
+  std::function<std::optional<std::string>(std::string_view arguments)> run;
+
+  std::string_view verb() const { return form.substr(0, form.find(' ')); }
+};
+
+// A command that passes its arguments to `effect`, which returns "" or a reason.
+template <class... Fields>
+Command commandFor(std::string_view form, std::function<std::string(Fields...)> effect) {
+  return {form,
+          [effect = std::move(effect)](std::string_view arguments) -> std::optional<std::string> {
+            std::tuple<std::remove_cvref_t<Fields>...> fields;
+            const auto readNext = [&arguments](auto& field) {
+              arguments = trimmed(arguments);
+              return readField(arguments, field);
+            };
+            const bool isRead =
+                std::apply([&](auto&... each) { return (readNext(each) && ...); }, fields);
+            if (!isRead || !trimmed(arguments).empty()) {
+              return std::nullopt;
+            }
+            return std::apply(effect, fields);
+          }};
+}
+
+bool hasFunction(const host::Sdk& each, std::string_view function) {
+  return std::find(each.functions.begin(), each.functions.end(), function) != each.functions.end();
+}
+
+bool isThisSdk(const host::Sdk& each) {
+  return each.baseName == std::string_view(maker.sdkName);
+}
+
+// The outputs of one of this SDK's functions, separated by blanks.
+std::string_view outputsOf(std::string_view function) {
+  const auto row =
+      std::find_if(maker.outputs.begin(), maker.outputs.end(),
+                   [function](const FunctionOutputs& each) { return each.function == function; });
+  return row == maker.outputs.end() ? "result" : row->outputs;
+}
+
+bool hasOutput(std::string_view function, std::string_view output) {
+  std::string_view outputs = outputsOf(function);
+  while (!outputs.empty()) {
+    if (cutOff(outputs, blanks) == output) {
+      return true;
     }
-    std::string_view function;
-    CallRange range;
-    if (!read(arguments.substr(0, place), function, range.nth, range.times)) {
-      return false;
-    }
-    if (isMeant) {
-      static std::deque<std::string> texts;  // kept, because an exception may be read later
-      texts.emplace_back(trimmed(arguments.substr(place + name.size())));
-      sdk().faults.add(function, range, ThrownFault{kind, texts.back().c_str()});
-    }
-    return true;
   }
   return false;
 }
 
-// Changes a plug just before a call; NTH 0 means now.
-void changePlug(std::int32_t camera, std::string_view function, std::int32_t nth, bool isPlugged) {
-  if (nth == 0) {
-    sdk().setPlugged(camera, isPlugged);
-  } else {
-    sdk().faults.add(function, {nth}, PlugChange{camera, isPlugged});
-  }
-}
+constexpr std::pair<std::string_view, std::int32_t> thrownKinds[] = {
+    {"standard", SIM_THROW_STANDARD}, {"number", SIM_THROW_NUMBER}, {"object", SIM_THROW_OBJECT}};
 
-// Runs a command if it `isMeant` for this SDK, and returns whether it was understood.
-bool runCommand(std::string_view verb, std::string_view arguments, bool isMeant) {
+// Runs commands one by one. All functions return "", or why the command cannot be run.
+class Interpreter {
+ public:
+  explicit Interpreter(bool isForAll) : isForAll_(isForAll) {}
+
+  std::string run(std::string_view verb, std::string_view arguments) {
+    if (verb == "sdk") {
+      return choose(arguments);
+    }
+    if (!isForThis_) {
+      return "";  // for another SDK, which checks it
+    }
+    std::string reason = "unknown command " + inQuotes(verb);
+    for (const Command& command : commands_) {
+      if (command.verb() == verb) {
+        if (std::optional<std::string> result = command.run(arguments)) {
+          return *std::move(result);
+        }
+        reason = "it is written " + inQuotes(command.form);
+      }
+    }
+    return reason;
+  }
+
+ private:
   using Word = std::string_view;
   using Count = std::int32_t;
-  const auto runAs = [&](auto* effect) { return run(arguments, isMeant, effect); };
-  if (verb == "clock") {
-    return (arguments == "stopped" || arguments == "running") &&
-           runAs(+[](Word state) { sdk().clock.stop(state == "stopped"); });
+
+  // "sdk NAME"
+  std::string choose(Word name) {
+    const auto sdks = host::allSdks();
+    isForAll_ = name == "*";
+    isForThis_ = isForAll_ || name == maker.sdkName;
+    const bool isKnown =
+        isForThis_ || std::any_of(sdks.begin(), sdks.end(),
+                                  [name](const host::Sdk& each) { return each.baseName == name; });
+    return isKnown ? "" : "unknown SDK " + inQuotes(name);
   }
-  if (verb == "seed") {
-    return runAs(+[](std::uint64_t seed) { sdk().seed = seed; });
+
+  // Runs `action` if this SDK has the function.
+  template <class Action>
+  std::string onFunction(Word function, const Action& action) const {
+    bool isAnothers = false;
+    for (const host::Sdk& each : host::allSdks()) {
+      if (hasFunction(each, function)) {
+        if (isThisSdk(each)) {
+          return action();
+        }
+        isAnothers = true;
+      }
+    }
+    if (isForAll_) {
+      return isAnothers ? "" : "unknown function " + inQuotes(function);
+    }
+    return "unknown function " + inQuotes(function) + " of " + maker.sdkName;
   }
-  if (verb == "scene") {
-    return !arguments.empty() && (!isMeant || sdk().playRecording(std::string(arguments).c_str()));
-  }
-  if (verb == "log") {
-    return !arguments.empty() && (!isMeant || sdk().log.enableFile(std::string(arguments)));
-  }
-  if (verb == "force") {
-    return runAs(+[](Word function, Count nth, Count times, std::int64_t result) {
-      sdk().faults.add(function, {nth, times}, ForcedResult{result});
+
+  std::string addFault(Word function, CallRange range, const Effect& effect) const {
+    return onFunction(function, [&]() -> std::string {
+      sdk().faults.add(function, range, effect);
+      return "";
     });
   }
-  if (verb == "output") {
-    return runAs(+[](Word function, Word output, Count nth, Count times, double value) {
-      sdk().faults.add(function, {nth, times}, ForcedOutput{std::string(output), value});
+
+  std::string forceOutput(Word function, Word output, CallRange range, double value) const {
+    return onFunction(function, [&] {
+      if (!hasOutput(function, output)) {
+        const Word outputs = outputsOf(function);
+        return "unknown output " + inQuotes(output) + " of " + std::string(function) +
+               ", which has " + (outputs.empty() ? "none" : std::string(outputs));
+      }
+      return addFault(function, range, ForcedOutput{std::string(output), value});
     });
   }
-  if (verb == "throw") {
-    return runThrow(arguments, isMeant);
+
+  std::string addThrow(Word function, CallRange range, Word kindName, Word text) const {
+    const auto* const kind =
+        std::find_if(std::begin(thrownKinds), std::end(thrownKinds),
+                     [kindName](const auto& each) { return each.first == kindName; });
+    if (kind == std::end(thrownKinds)) {
+      return "unknown kind " + inQuotes(kindName) + " of exception";
+    }
+    static std::deque<std::string> texts;  // kept, because an exception may be read later
+    texts.emplace_back(text);
+    return addFault(function, range, ThrownFault{kind->second, texts.back().c_str()});
   }
-  if (verb == "unplug") {
-    return runAs(
-        +[](Count camera, Word function, Count nth) { changePlug(camera, function, nth, false); });
+
+  static std::string setPlugged(Count camera, bool isPlugged) {
+    if (sdk().camera(camera) == nullptr) {
+      return "there is no camera " + std::to_string(camera);
+    }
+    sdk().setPlugged(camera, isPlugged);
+    return "";
   }
-  return verb == "plug" && (runAs(+[](Count camera) { sdk().setPlugged(camera, true); }) ||
-                            runAs(+[](Count camera, Word function, Count nth) {
-                              changePlug(camera, function, nth, true);
-                            }));
+
+  // Changes a plug just before a call; NTH 0 means now.
+  std::string changePlug(Count camera, Word function, Count nth, bool isPlugged) const {
+    return onFunction(function, [&] {
+      if (nth == 0 || sdk().camera(camera) == nullptr) {
+        return setPlugged(camera, isPlugged);
+      }
+      return addFault(function, {nth}, PlugChange{camera, isPlugged});
+    });
+  }
+
+  template <class Action>
+  static Command command(Word form, Action action) {
+    return commandFor(form, std::function(std::move(action)));
+  }
+
+  bool isForThis_ = true;  // the present command is for this SDK
+  bool isForAll_;          // and for the others
+  const std::vector<Command> commands_ = {
+      command("force FUNCTION NTH TIMES RESULT",
+              [this](Word function, Count nth, Count times, std::int64_t result) {
+                return addFault(function, {nth, times}, ForcedResult{result});
+              }),
+      command("output FUNCTION OUTPUT NTH TIMES VALUE",
+              [this](Word function, Word output, Count nth, Count times, double value) {
+                return forceOutput(function, output, {nth, times}, value);
+              }),
+      command("throw FUNCTION NTH TIMES KIND [TEXT]",
+              [this](Word function, Count nth, Count times, Word kind, Remainder text) {
+                return addThrow(function, {nth, times}, kind, text.text);
+              }),
+      command("unplug INDEX FUNCTION NTH",
+              [this](Count camera, Word function, Count nth) {
+                return changePlug(camera, function, nth, false);
+              }),
+      command("plug INDEX",
+              [this](Count camera) {
+                // Of a command for all SDKs, it is not known which of them has the camera.
+                const std::string reason = setPlugged(camera, true);
+                return isForAll_ ? "" : reason;
+              }),
+      command("plug INDEX FUNCTION NTH",
+              [this](Count camera, Word function, Count nth) {
+                return changePlug(camera, function, nth, true);
+              }),
+      command("clock stopped|running",
+              [](Word state) -> std::string {
+                if (state != "stopped" && state != "running") {
+                  return "the clock can be stopped or running";
+                }
+                sdk().clock.stop(state == "stopped");
+                return "";
+              }),
+      command("seed N",
+              [](std::uint64_t seed) -> std::string {
+                sdk().seed = seed;
+                return "";
+              }),
+      command("scene FILE",
+              [](const FileName& file) {
+                const std::string reason = sdk().playRecording(file.text.c_str());
+                return reason.empty() ? "" : "the file cannot be played: " + reason;
+              }),
+      command("log FILE", [](const FileName& file) -> std::string {
+        return sdk().log.enableFile(file.text) ? "" : "the file cannot be opened";
+      })};
+};
+
+// Returns "", or the first command that cannot be run, and why.
+std::string problemOf(std::string_view commands, bool areForAll) {
+  Interpreter interpreter(areForAll);
+  while (!commands.empty()) {
+    const std::string_view command = trimmed(cutOff(commands, ";\n"));
+    std::string_view arguments = command;
+    const std::string_view verb = cutOff(arguments, blanks);
+    if (verb.empty()) {
+      continue;
+    }
+    const std::string reason = interpreter.run(verb, trimmed(arguments));
+    if (!reason.empty()) {
+      return inQuotes(command) + ": " + reason;
+    }
+  }
+  return "";
 }
 
-bool runEnvironment() {
-  const bool isRun = runCommands(environmentVariable("ORVANE_SIMULATOR"));
-  if (!isRun) {
-    static_cast<void>(
-        std::fprintf(stderr, "%s: a command in ORVANE_SIMULATOR failed\n", maker.sdkName));
+// Whether no simulated SDK has told this line in this process. Each is a library of its own; what
+// they share is the environment. A child process inherits it, so it names the process.
+bool isNews(const std::string& line) {
+  constexpr const char* variable = "ORVANE_SIMULATOR_TOLD";
+  const std::string process = processId() + "\n";
+  std::string told = environmentVariable(variable);
+  if (!told.starts_with(process)) {
+    told = process;
   }
-  return isRun;
+  if (told.find("\n" + line) != std::string::npos) {
+    return false;
+  }
+  setEnvironmentVariable(variable, told + line);
+  return true;
 }
 
-const bool environmentIsRun = runEnvironment();
+void tell(const std::string& line) {
+  static_cast<void>(std::fputs(line.c_str(), stderr));
+}
 
 }  // namespace
 
 bool runCommands(std::string_view commands) {
-  bool isMeant = true;
-  while (!commands.empty()) {
-    std::string_view arguments = trimmed(cutOff(commands, ";\n"));
-    const std::string_view verb = cutOff(arguments, blanks);
-    arguments = trimmed(arguments);
-    if (verb.empty()) {
-      continue;
-    }
-    if (verb == "sdk") {
-      std::string_view name;
-      if (!read(arguments, name)) {
-        return false;
-      }
-      isMeant = name == "*" || name == maker.sdkName;
-      continue;
-    }
-    if (!runCommand(verb, arguments, isMeant)) {
-      return false;
-    }
+  const std::string problem = problemOf(commands, false);
+  if (!problem.empty()) {
+    tell(std::string(maker.sdkName) + ": " + problem + "\n");
   }
-  return true;
+  return problem.empty();
+}
+
+bool runEnvironment() {
+  const std::string problem = problemOf(environmentVariable("ORVANE_SIMULATOR"), true);
+  const std::string line = "ORVANE_SIMULATOR: " + problem + "\n";
+  if (!problem.empty() && isNews(line)) {
+    tell(line);
+  }
+  return problem.empty();
 }
 
 }  // namespace orvane::sim

@@ -1,8 +1,8 @@
 #include "core/sdk.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
+#include <utility>
 
 #include "core/camera_model.hpp"
 #include "core/sdk_exception.hpp"
@@ -45,6 +45,13 @@ FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
 
 Sdk& sdk() {
   static Sdk instance;
+  // Not by a static object: the lists of functions, which the commands need, are static objects of
+  // another file, and may not be complete while this one is initialised.
+  static bool isEnvironmentRun = false;
+  if (!std::exchange(isEnvironmentRun, true) && !runEnvironment()) {
+    instance.isMisconfigured = true;
+    instance.setCameras({});
+  }
   return instance;
 }
 
@@ -253,18 +260,13 @@ void Sdk::render(const FrameSettings& settings, std::int64_t frameNumber, std::u
   }
 }
 
-bool Sdk::playRecording(const char* path) {
+std::string Sdk::playRecording(const char* path) {
   renderer_.forget();
   if (path == nullptr) {
     recording_.close();
-    return true;
+    return "";
   }
-  const std::string problem = recording_.open(path);
-  if (!problem.empty()) {
-    static_cast<void>(std::fprintf(stderr, "%s: \"%s\" cannot be played: %s\n", maker.sdkName, path,
-                                   problem.c_str()));
-  }
-  return problem.empty();
+  return recording_.open(path);
 }
 
 std::int32_t Sdk::renderFrame(std::int32_t frame, std::uint8_t* buffer, std::int32_t bufferLength) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -85,6 +86,12 @@ struct Failures {
   std::int64_t refused;    // not initialised, or opened by another program
 };
 
+// The outputs of a function that can be forced, separated by blanks. "result" is what it returns.
+struct FunctionOutputs {
+  std::string_view function;
+  std::string_view outputs;
+};
+
 // What differs between the makers' SDKs. Each maker's file defines one.
 struct Maker {
   const char* sdkName;
@@ -95,6 +102,7 @@ struct Maker {
   void (*setUp)(Camera& camera);  // sets the controls and the format of an opened camera
   FrameSettings (*frameSettings)(const Camera& camera);  // from the device's present settings
   Failures failures;
+  std::span<const FunctionOutputs> outputs;  // a function without a row has "result" only
 };
 
 extern const Maker maker;
@@ -124,6 +132,9 @@ class Sdk {
   std::uint64_t seed = 1;  // of the scene and the noise
   SimInvariants counts{};  // of the caller's errors
 
+  // Whether a command in the environment variable is wrong. The SDK then shows no cameras.
+  bool isMisconfigured = false;
+
   // Set by the function that initialises the whole SDK, if the SDK has one.
   bool isSdkInitialised = false;
 
@@ -132,8 +143,9 @@ class Sdk {
   Camera* camera(std::int64_t index);  // null if there is none
   void setPlugged(std::int64_t index, bool plugged);
 
-  // sim_play_recording(); null for the synthetic scene.
-  bool playRecording(const char* path);
+  // Shows a recording, or the synthetic scene if the path is null. Returns "", or the reason why
+  // the file cannot be played; nothing then changes.
+  std::string playRecording(const char* path);
 
   // Refreshes the list of cameras that the user knows, and returns their number. A camera that is
   // unplugged later stays in the list.
@@ -197,8 +209,13 @@ class Sdk {
   Recording recording_;  // played if it is open
 };
 
-Sdk& sdk();  // the one that this library simulates
+// The one that this library simulates. The first call runs the commands in the environment
+// variable.
+Sdk& sdk();
 
+// Both tell a wrong command and its reason on the standard error output, and return false. They do
+// not run the commands after it.
 bool runCommands(std::string_view commands);  // sim_command()
+bool runEnvironment();                        // those in ORVANE_SIMULATOR
 
 }  // namespace orvane::sim

@@ -4,6 +4,8 @@
 
 #ifdef _WIN32
 #  include <windows.h>
+#else
+#  include <unistd.h>
 #endif
 
 namespace orvane::sim {
@@ -30,6 +32,14 @@ std::string environmentVariable(const char* name) {
   return text;
 }
 
+void setEnvironmentVariable(const char* name, const std::string& value) {
+  SetEnvironmentVariableW(pathFromUtf8(name).c_str(), pathFromUtf8(value).c_str());
+}
+
+std::string processId() {
+  return std::to_string(GetCurrentProcessId());
+}
+
 #else
 
 std::filesystem::path pathFromUtf8(const std::string& text) {
@@ -37,9 +47,18 @@ std::filesystem::path pathFromUtf8(const std::string& text) {
 }
 
 std::string environmentVariable(const char* name) {
-  // Called while the library is being loaded, when no other thread changes the environment.
+  // Called at the first call into the library, when no other thread changes the environment.
   const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
   return value == nullptr ? "" : value;
+}
+
+void setEnvironmentVariable(const char* name, const std::string& value) {
+  // Called only when a command is wrong, and the simulated SDK is of no use.
+  static_cast<void>(setenv(name, value.c_str(), 1));  // NOLINT(concurrency-mt-unsafe)
+}
+
+std::string processId() {
+  return std::to_string(getpid());
 }
 
 #endif

@@ -1,5 +1,5 @@
-// What the simulators need from the operating system: the names of files and the present
-// environment.
+// What the simulators need from the operating system: the names of files, the present environment,
+// and the process.
 #pragma once
 
 #include <filesystem>
@@ -13,5 +13,8 @@ std::filesystem::path pathFromUtf8(const std::string& text);
 // An environment variable, in UTF-8; empty if there is none. On Windows it is read from the
 // process, because the C library's copy may be out of date.
 std::string environmentVariable(const char* name);
+void setEnvironmentVariable(const char* name, const std::string& value);
+
+std::string processId();
 
 }  // namespace orvane::sim

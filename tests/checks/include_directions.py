@@ -48,7 +48,8 @@ OTHERS = {
         ("live_view/*", "orvane_desktop_camera.h*")],
     "simulators": [
         ("*", "vendors/sdk/*_sdk.hpp"),
-        ("core/*", "formats/ser_layout.hpp")]}
+        ("core/*", "formats/ser_layout.hpp"),
+        ("core/commands.cpp", "sdk_check/sdk_functions.hpp")]}
 
 INCLUDE = re.compile(r'^ *# *include +"(.*)"', re.MULTILINE)
 

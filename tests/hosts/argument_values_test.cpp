@@ -73,6 +73,25 @@ TEST(Duration, IsRefusedInAnyOtherForm) {
   }
 }
 
+TEST(Size, IsInPowersOfAThousand) {
+  EXPECT_EQ(parseSize("--stop-below", "500MB"), 500'000'000);
+  EXPECT_EQ(parseSize("--stop-below", "1.5 GB"), 1'500'000'000);
+  EXPECT_EQ(parseSize("--stop-below", "2TB"), 2'000'000'000'000);
+  for (const char* text : {"", "500", "GB", "2gb", "-2GB", "2GiB", "0GB", "99999TB"}) {
+    EXPECT_EQ(
+        failureOf<UsageError>([&] { parseSize("--stop-below", text); }),
+        std::string("--stop-below needs a size such as 500MB, 2GB or 1TB, not \"") + text + "\".");
+  }
+}
+
+TEST(SizeText, UsesTheUnitThatSuits) {
+  EXPECT_EQ(sizeText(0), "0 MB");
+  EXPECT_EQ(sizeText(999'949'999), "999.9 MB");
+  EXPECT_EQ(sizeText(2'000'000'000), "2 GB");
+  EXPECT_EQ(sizeText(2'340'000'000), "2.3 GB");
+  EXPECT_EQ(sizeText(1'500'000'000'000), "1.5 TB");
+}
+
 TEST(DurationText, UsesTheUnitThatSuits) {
   EXPECT_EQ(durationText(1), "1us");
   EXPECT_EQ(durationText(999), "999us");

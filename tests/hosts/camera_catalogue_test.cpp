@@ -56,14 +56,18 @@ TEST(CameraCatalogue, AKeyWithinTheNameDoesNotMislead) {
   EXPECT_EQ(descriptionOf(camera(text)).dump(), text);
 }
 
-TEST(CameraCatalogue, TheUsualGainIsAThirdOfTheRange) {
+TEST(CameraCatalogue, TheUsualGainIsAThirdOfTheRangeAndTheMiddleIsItsHalf) {
   oc::CameraInfo known;
   EXPECT_EQ(usualGain(known), 0);
+  EXPECT_EQ(middleGain(known), 0);
   EXPECT_FALSE(hasGainRange(known));
   EXPECT_FALSE(hasLongestExposure(known));
   known.minGain = -30;
   known.maxGain = 570;
   EXPECT_EQ(usualGain(known), 170);
+  EXPECT_EQ(middleGain(known), 270);
+  known.maxGain = 571;
+  EXPECT_EQ(middleGain(known), 270) << "rounded down, as the simulated SDKs do";
   EXPECT_TRUE(hasGainRange(known));
 }
 

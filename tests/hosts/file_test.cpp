@@ -24,17 +24,22 @@ TEST(OutputFile, IsWrittenAtAnyPosition) {
   file.writeAt(0, Bytes{'a', 'b'});
   file.writeAt(3, Bytes{'D'});
   file.writeAt(5, Bytes{});
+  file.publish();
   EXPECT_EQ(contentOf(path), "abcDe");  // nothing is buffered
   file.truncate(4);
   file.close();
   EXPECT_EQ(contentOf(path), "abcD");
 }
 
-TEST(OutputFile, EmptiesAFileThatExists) {
+TEST(OutputFile, ReplacesAFileThatExists) {
   const ScratchDirectory scratch;
   const auto path = scratch.file("file");
-  OutputFile(path).writeAt(0, Bytes{1, 2, 3});
-  OutputFile(path).close();
+  {
+    OutputFile file(path);
+    file.writeAt(0, Bytes{1, 2, 3});
+    file.close();
+  }
+  OutputFile(path, Existing::Replace).close();
   EXPECT_EQ(contentOf(path), "");
 }
 
@@ -44,6 +49,7 @@ TEST(OutputFile, GrowsBeyondFourGibibytes) {
   const auto path = scratch.file("large");
   OutputFile file(path);
   file.writeAt(0, Bytes{'a'});
+  file.publish();
   file.writeAt(position, Bytes{'b'});  // the hole takes no space
   EXPECT_EQ(std::filesystem::file_size(path), static_cast<std::uintmax_t>(position + 1));
   file.truncate(position - 1);

@@ -38,7 +38,7 @@ TEST_P(WrongCommandLine, GetsOneSentence) {
 }
 
 constexpr const char* allCommands =
-    "Say what to do: list, record, snap, bench, watch, play or doctor.";
+    "Say what to do: list, record, snap, bench, watch, play, repair or doctor.";
 
 constexpr WrongArguments wrongCommandLines[] = {
     {"Nothing", "", allCommands},
@@ -64,8 +64,6 @@ constexpr WrongArguments wrongCommandLines[] = {
     {"WatchWithoutCamera", "watch --sdk .", "--camera is required."},
     {"WatchFrames", "watch --sdk . --camera 0 --frames -1",
      R"(--frames needs a whole number from 1 to 2147483647, not "-1".)"},
-    {"WatchFramesAndSeconds", "watch --sdk . --camera 0 --frames 1 --seconds 1",
-     "--frames and --seconds cannot be given together."},
     {"WatchEnding", "watch --sdk . --camera 0 --out plot",
      R"(--out needs a file name that ends in .png, not "plot".)"},
     {"PlayWithoutFile", "play", "FILE.ser is required."},
@@ -105,8 +103,8 @@ constexpr WrongArguments wrongRecordings[] = {
      R"(--frames needs a whole number from 1 to 2147483647, not "".)"},
     {"Seconds", "--seconds 5min",
      R"(--seconds needs a number of seconds above 0, such as 30 or 1.5, not "5min".)"},
-    {"FramesAndSeconds", "--frames 5 --seconds 5",
-     "--frames and --seconds cannot be given together."},
+    {"Region", "--region 640x480",
+     R"(--region needs X,Y,WIDTHxHEIGHT, such as 320,240,640x480, not "640x480".)"},
     {"Discard", "--discard -1",
      R"(--discard needs a whole number from 0 to 2147483647, not "-1".)"},
     {"Bayer", "--bayer RGBG", R"(--bayer needs RGGB, GRBG, GBRG, BGGR or none, not "RGBG".)"},
@@ -130,6 +128,14 @@ constexpr WrongArguments wrongForTheCamera[] = {
     {"Width", "--width 1281", "--width can be 1280 at most with ZWO ASI120MC-S."},
     {"Height", "--height 961", "--height can be 960 at most with ZWO ASI120MC-S."},
     {"Bin", "--bin 3", "ZWO ASI120MC-S has no bin 3; it offers 1, 2."},
+    {"RegionOutside", "--region 641,0,640x480",
+     "The region 640 x 480 at 641, 0 is not inside the frame of ZWO ASI120MC-S, 1280 x 960 with "
+     "bin 1."},
+    {"RegionOutsideBinned", "--bin 2 --region 0,1,640x480",
+     "The region 640 x 480 at 0, 1 is not inside the frame of ZWO ASI120MC-S, 640 x 480 with bin "
+     "2."},
+    {"RegionAndWidth", "--region 0,0,640x480 --width 640",
+     "--region cannot be given together with --width or --height."},
     {"GainBelow", "--gain -1", "--gain can be 0 to 100 with ZWO ASI120MC-S."},
     {"GainAbove", "--gain 101", "--gain can be 0 to 100 with ZWO ASI120MC-S."},
     {"SwapOfRaw", "--swap-rb", "--swap-rb needs frames in rgb24."},

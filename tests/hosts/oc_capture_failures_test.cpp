@@ -1,13 +1,17 @@
 // "oc_capture record" where something goes wrong: the file stays valid, the camera is closed, and
 // the message and the exit status tell.
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "oc_capture_test.hpp"
+#include "session/causes.hpp"
 
 namespace orvane::testing {
 
 namespace {
+
+using nlohmann::ordered_json;
 
 class OcCaptureFailure : public OcCaptureAsiTest {
  protected:
@@ -18,14 +22,14 @@ class OcCaptureFailure : public OcCaptureAsiTest {
         simulator);
   }
 
-  // Expects status 1 and nothing on standard output. Returns the last line on standard error.
+  // Expects status 1 and nothing on standard output. Returns the last line on standard error, with
+  // its end.
   static std::string failureOf(const ProgramStart& start) {
     const ProgramResult result = runProgram(start);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     const std::size_t lineEnd = result.err.find_last_not_of('\n') + 1;
-    const std::size_t lineStart = result.err.find_last_of('\n', lineEnd - 1) + 1;
-    return result.err.substr(lineStart, lineEnd - lineStart);
+    return result.err.substr(result.err.find_last_of('\n', lineEnd - 1) + 1);
   }
 
   std::string logCommand() const { return "log " + utf8(scratch.file("calls")); }
@@ -55,14 +59,14 @@ class OcCaptureFailure : public OcCaptureAsiTest {
 TEST_F(OcCaptureFailure, ACameraThatFailsInTheMiddle) {
   EXPECT_EQ(failureOf(smallFrames("--frames 20",
                                   "clock stopped; force ASIGetVideoData 6 -1 5; " + logCommand())),
-            "oc_capture: ASIGetVideoData: 5");
+            errorText("ASIGetVideoData: 5"));
   EXPECT_EQ(recordedFrames(), 5);
   expectCameraClosed();
 }
 
 TEST_F(OcCaptureFailure, ACameraThatIsUnpluggedInTheMiddle) {
   EXPECT_EQ(failureOf(smallFrames("--frames 20", "clock stopped; unplug 0 ASIGetVideoData 3")),
-            "oc_capture: ASIGetVideoData: 5");
+            errorText("ASIGetVideoData: 5"));
   EXPECT_EQ(recordedFrames(), 2);
 }
 
@@ -71,15 +75,15 @@ TEST_F(OcCaptureFailure, ACameraThatFallsSilent) {
   const std::string silence =
       "clock stopped; force ASIGetVideoData 2 1 11; force ASIGetVideoData 4 -1 11; ";
   EXPECT_EQ(failureOf(smallFrames("--frames 20 --exposure 1ms", silence + logCommand())),
-            "oc_capture: The camera has sent no frame for 5 waits of 502 ms.");
+            errorText("The camera has sent no frame for 5 waits of 502 ms."));
   EXPECT_EQ(recordedFrames(), 2);
   expectCameraClosed();
 }
 
 TEST_F(OcCaptureFailure, ACameraThatSendsNothingBeforeTheEnd) {
   EXPECT_EQ(failureOf(smallFrames("--seconds 0.1", "clock stopped; force ASIGetVideoData 1 -1 11")),
-            "oc_capture: No frame came before the recording's end.");
-  EXPECT_EQ(recordedFrames(), 0);
+            errorText("No frame came before the recording's end."));
+  EXPECT_FALSE(std::filesystem::exists(recording()));
   EXPECT_FALSE(std::filesystem::exists(preview()));
 }
 
@@ -89,10 +93,68 @@ TEST_F(OcCaptureFailure, ACameraThatCannotBeOpened) {
   EXPECT_FALSE(std::filesystem::exists(recording()));
 }
 
+// The keys of the document are those of a success. What is not known is null.
+TEST_F(OcCaptureFailure, JsonTellsThatTheCameraCannotBeOpened) {
+  const std::string error = "ASIOpenCamera: 16";
+  const std::string picture = utf8(scratch.file("frame.png"));
+  const std::pair<std::string, CommandLine> captures[] = {
+      {"record", {"--frames 2 --no-preview --out", recording()}},
+      {"snap", {"--out", picture}},
+      {"watch", {"--frames 2"}}};
+  for (const auto& [command, more] : captures) {
+    SCOPED_TRACE(command);
+    const CommandLine all{"--camera 0 --width 64 --height 48 --format raw16 --json --quiet", more};
+    const auto keysOf = [](const ordered_json& document) {
+      std::vector<std::string> keys;
+      for (const auto& member : document.items()) {
+        keys.push_back(member.key());
+      }
+      return keys;
+    };
+    const ProgramResult failed =
+        runWithSdks(command.c_str(), all, "clock stopped; force ASIOpenCamera 5 1 16");
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(failed.err, errorText(error));
+    const auto document = ordered_json::parse(failed.out);
+    expectMembers(document, {{"camera", "ZWO ASI120MC-S"},
+                             {"width", nullptr},
+                             {"height", nullptr},
+                             {"format", "raw16"},
+                             {"error", error},
+                             {"explanation", host::explained(error)}});
+    EXPECT_TRUE(document.value("file", ordered_json()).is_null());
+
+    const ProgramResult empty =
+        runWithSdks(command.c_str(), all, "output ASIGetNumOfConnectedCameras result 1 -1 0");
+    EXPECT_EQ(empty.status, 1);
+    const auto withoutCamera = ordered_json::parse(empty.out);
+    expectMembers(withoutCamera, {{"camera", nullptr},
+                                  {"format", nullptr},
+                                  {"error", "No camera was found."},
+                                  {"explanation", "No camera was found."}});
+
+    const auto success =
+        ordered_json::parse(expectSuccess(runWithSdks(command.c_str(), all, stoppedClock)).out);
+    expectMembers(success, {{"width", 64}, {"error", ""}, {"explanation", ""}});
+    EXPECT_EQ(keysOf(document), keysOf(success));
+    EXPECT_EQ(keysOf(withoutCamera), keysOf(success));
+  }
+}
+
+TEST_F(OcCaptureFailure, JsonOfBenchTellsThatThereIsNoCamera) {
+  const ProgramResult result =
+      runWithSdks("bench", {"--json"}, "output ASIGetNumOfConnectedCameras result 1 -1 0");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, errorText("No camera was found."));
+  expectMembers(ordered_json::parse(result.out), {{"measurements", ordered_json::array()},
+                                                  {"chart", nullptr},
+                                                  {"error", "No camera was found."}});
+}
+
 TEST_F(OcCaptureFailure, AScanThatFailsForOtherCamerasOnly) {
   const ProgramResult result = expectSuccess(
       runProgram(smallFrames("--frames 2", "clock stopped; force ASIGetCameraProperty 2 1 16")));
-  EXPECT_TRUE(result.err.starts_with("oc_capture: ASIGetCameraProperty: 16\n")) << result.err;
+  EXPECT_TRUE(result.err.starts_with(errorText("ASIGetCameraProperty: 16"))) << result.err;
   EXPECT_EQ(recordedFrames(), 2);
 }
 
@@ -114,9 +176,11 @@ TEST_F(OcCaptureFailure, AFileThatCannotBeCreated) {
 
 TEST_F(OcCaptureFailure, APreviewThatCannotBeWritten) {
   std::filesystem::create_directory(preview());
-  const std::string failure = failureOf(smallFrames("--frames 2"));
-  EXPECT_TRUE(failure.starts_with("oc_capture: Cannot create \"" + utf8(preview()) + "\": "))
-      << failure;
+  const ProgramResult result = runProgram(smallFrames("--frames 2 --overwrite"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(result.out.starts_with("Recorded 2 frames ")) << result.out;
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      "oc_capture: Cannot create \"" + utf8(preview()) + "\": ", result.err);
   EXPECT_EQ(recordedFrames(), 2);
 }
 
@@ -146,10 +210,11 @@ TEST_F(OcCaptureFailure, ADiskWithoutRoomForTheTimeStamps) {
 }
 
 TEST_F(OcCaptureFailure, ADiskThatIsFullFromTheStart) {
-  std::filesystem::create_symlink("/dev/full", recording());
-  EXPECT_EQ(failureOf(smallFrames("--overwrite", "clock stopped; " + logCommand())),
-            "oc_capture: Cannot write \"" + utf8(recording()) + "\": No space left on device");
-  expectClosedAfterStart();
+  ProgramStart limited = smallFrames("");
+  limited.largestFile = headerSize + frameSize / 2;
+  EXPECT_EQ(failureOf(limited),
+            errorText("Cannot write \"" + utf8(recording()) + "\": File too large"));
+  EXPECT_FALSE(std::filesystem::exists(recording()));
 }
 
 #endif

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "oc_capture_test.hpp"
+#include "session/causes.hpp"
 
 namespace orvane::testing {
 
@@ -59,17 +60,39 @@ TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
 TEST_F(OcCaptureList, SaysThatThereIsNothing) {
   EXPECT_EQ(list(), "Libraries: none\nNo cameras.\n");
   EXPECT_EQ(ordered_json::parse(list("--json")).dump(),
-            R"({"libraries":[],"error":"","cameras":[]})");
+            R"({"libraries":[],"notLoaded":[],"error":"","explanation":"","cameras":[]})");
+}
+
+TEST_F(OcCaptureList, TellsOfFilesThatCannotBeLoaded) {
+  sdks.add("ASICamera2");
+  sdks.addFile("toupcam", "this is a text file\n");
+  const std::string file = utf8(sdks.file("toupcam").filename());
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      "Libraries: ASICamera2\nCould not be loaded: " + file +
+                          ". To learn why, run: oc_capture doctor --sdk \"" + sdks.utf8() +
+                          "\"\nIndex ",
+                      list());
+  EXPECT_EQ(ordered_json::parse(list("--json"))["notLoaded"], ordered_json{file});
+}
+
+TEST_F(OcCaptureList, TellsOfEachMakersFailureOnItsOwnLine) {
+  sdks.add("ASICamera2");
+  sdks.add("qhyccd", {"ScanQHYCCD"});
+  const std::string both = "ASIGetCameraProperty: 5; qhyccd: missing ScanQHYCCD";
+  const std::string err = errorText(both);
+  EXPECT_EQ(err, errorText("ASIGetCameraProperty: 5") + errorText("qhyccd: missing ScanQHYCCD"));
+  list("", "force ASIGetCameraProperty 1 1 5", 1, err);
 }
 
 TEST_F(OcCaptureList, TellsWhatFailedAndListsTheRest) {
   sdks.add("ASICamera2");
   const std::string third = "force ASIGetCameraProperty 3 1 5";
-  const std::string err = "oc_capture: ASIGetCameraProperty: 5\n";
+  const std::string err = errorText("ASIGetCameraProperty: 5");
   EXPECT_PRED_FORMAT2(IsSubstring, "\n1      ZWO ASI294MC Pro", list("", third, 1, err));
 
   const ordered_json document = ordered_json::parse(list("--json", third, 1, err));
-  EXPECT_EQ(document["error"], "ASIGetCameraProperty: 5");
+  expectMembers(document, {{"error", "ASIGetCameraProperty: 5"},
+                           {"explanation", host::explained("ASIGetCameraProperty: 5")}});
   EXPECT_EQ(document["cameras"].size(), 2U);
 }
 

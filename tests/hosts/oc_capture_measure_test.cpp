@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "oc_capture_test.hpp"
+#include "session/causes.hpp"
 
 namespace orvane::testing {
 
@@ -62,11 +63,14 @@ TEST_F(OcCaptureMeasure, BenchGoesOnAfterACameraThatFails) {
   const ProgramResult result = bench({"--seconds 0.05 --format raw8 --json --out", chart},
                                      "seed 5; force ASIStartVideoCapture 2 1 16");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "oc_capture: ZWO ASI294MC Pro, raw8: ASIStartVideoCapture: 16\n");
+  EXPECT_EQ(result.err, "oc_capture: ZWO ASI294MC Pro, raw8: " +
+                            host::explained("ASIStartVideoCapture: 16") + "\n");
   const auto document = ordered_json::parse(result.out);
   ASSERT_EQ(document["measurements"].size(), 4U);
   expectMembers(document["measurements"][1],
-                {{"error", "ASIStartVideoCapture: 16"}, {"frames", 0}});
+                {{"error", "ASIStartVideoCapture: 16"},
+                 {"explanation", host::explained("ASIStartVideoCapture: 16")},
+                 {"frames", 0}});
   EXPECT_GT(document["measurements"][2]["frames"], 0);
   EXPECT_TRUE(isPng(chart));
 }
@@ -123,7 +127,7 @@ TEST_F(OcCaptureMeasure, WatchOfACameraThatFailsShowsWhatCameBefore) {
   const ProgramResult result =
       watch("--seconds 100 --json --quiet", "clock stopped; seed 5; force ASIGetVideoData 4 -1 5");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "oc_capture: ASIGetVideoData: 5\n");
+  EXPECT_EQ(result.err, errorText("ASIGetVideoData: 5"));
   expectMembers(ordered_json::parse(result.out), {{"frames", 3}, {"error", "ASIGetVideoData: 5"}});
   EXPECT_TRUE(isPng(chart));
 }

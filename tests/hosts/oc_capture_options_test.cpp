@@ -12,7 +12,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* commands[] = {"list", "record", "snap", "bench", "watch", "play", "doctor"};
+constexpr const char* commands[] = {"list",  "record", "snap",   "bench",
+                                    "watch", "play",   "repair", "doctor"};
 
 class OcCaptureOptions : public OcCaptureAsiTest {
  protected:
@@ -52,10 +53,14 @@ class OcCaptureOptions : public OcCaptureAsiTest {
   // The same for a command with a camera and these further arguments, with frames in raw and in
   // RGB.
   void expectAllTakenWithCamera(const std::string& command, const CommandLine& more,
-                                const char* raw, const char* rgb) const {
+                                const char* raw, const char* rgb,
+                                const CommandLine& further) const {
     const CommandLine all{"--sdk", sdks.path(), "--camera ASI120 --width 64 --height 48 --bin 1",
                           "--exposure 5ms --gain 30 --offset 5 --discard 1 --flip", more};
-    expectAllTaken(command, {{all, "--format", raw}, {all, "--format rgb24 --swap-rb", rgb}});
+    const CommandLine region{"--sdk", sdks.path(),
+                             "--camera 0 --format raw8 --quiet --region 1,2,64x48", further};
+    expectAllTaken(command,
+                   {{all, "--format", raw}, {all, "--format rgb24 --swap-rb", rgb}, region});
   }
 
   const std::filesystem::path png = scratch.file("out.png");
@@ -80,23 +85,27 @@ TEST_F(OcCaptureOptions, RecordTakesAll) {
       "record",
       {"--overwrite --memory 1 --observer Anna --telescope 80/480 --quiet --json --out",
        recording()},
-      "raw16 --bayer BGGR --frames 2", "--seconds 0.1");
+      "raw16 --bayer BGGR --frames 2", "--seconds 0.1 --no-preview --no-log",
+      {"--name {camera} --target M31 --filter L --count 2 --every 10ms --stop-below 1MB --frames 2",
+       "--out", scratch.path()});
 }
 
 TEST_F(OcCaptureOptions, SnapTakesAll) {
   expectAllTakenWithCamera(
       "snap", {"--overwrite --observer Anna --telescope 80/480 --quiet --json --out", png},
-      "raw8 --bayer none", "");
+      "raw8 --bayer none", "",
+      {"--name {camera} --as fits --target M31 --filter L --count 2 --every 10ms --stop-below 1MB",
+       "--out", scratch.path()});
 }
 
 TEST_F(OcCaptureOptions, WatchTakesAll) {
   expectAllTakenWithCamera("watch", {"--overwrite --quiet --json --out", png},
-                           "raw8 --bayer GRBG --frames 2", "--seconds 0.1");
+                           "raw8 --bayer GRBG --frames 2", "--seconds 0.1", {"--frames 1"});
 }
 
 TEST_F(OcCaptureOptions, BenchTakesAll) {
   expectAllTakenWithCamera("bench", {"--overwrite --seconds 0.1 --quiet --json --out", png},
-                           "raw8 --bayer GBRG", "");
+                           "raw8 --bayer GBRG", "", {"--seconds 0.1"});
 }
 
 TEST_F(OcCaptureOptions, PlayTakesAll) {
@@ -107,19 +116,43 @@ TEST_F(OcCaptureOptions, PlayTakesAll) {
   expectAllTaken("play", {{all, "--bayer GBRG", recording()}, {all, "--swap-rb", colours}});
 }
 
+TEST_F(OcCaptureOptions, RepairTakesAll) {
+  expectSuccess(recordSmall("--quiet"));
+  std::filesystem::resize_file(recording(), 178 + 2 * 64 * 48);
+  expectAllTaken("repair",
+                 {{"--overwrite --quiet --json --out", scratch.file("new.ser"), recording()}});
+}
+
 TEST_F(OcCaptureOptions, DoctorTakesAll) {
   expectAllTaken("doctor", {{"--json --scan --sdk", sdks.path()}});
 }
 
 TEST_F(OcCaptureOptions, HelpHasAnExampleAndFitsIntoEightyColumns) {
+  std::string all = run({"--help"}).out;
   for (const char* command : commands) {
     const std::string help = run({command, "--help"}).out;
     EXPECT_PRED_FORMAT2(IsSubstring, "Examples:\n  oc_capture " + std::string(command) + " ", help);
-    EXPECT_PRED_FORMAT2(IsSubstring, "Exit status: 0 done", help);
-    std::istringstream lines(help);
-    for (std::string line; std::getline(lines, line);) {
-      EXPECT_TRUE(line.starts_with("  oc_capture ") || line.size() <= 80) << line;
-    }
+    all += help;
+  }
+  std::istringstream lines(all);
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_TRUE(line.starts_with("  oc_capture ") || line.size() <= 80) << line;
+  }
+}
+
+TEST_F(OcCaptureOptions, HelpTellsTheExitStatusesOfEachCommand) {
+  const std::string help = run({"--help"}).out;
+  for (const std::string name : commands) {
+    const std::size_t row = help.find("\n  " + name + " ", help.find("\nExit status "));
+    ASSERT_NE(row, std::string::npos) << help;
+    const std::string own = run({{name.c_str(), "--help"}}).out;
+    std::smatch texts;
+    ASSERT_TRUE(std::regex_search(
+        own, texts, std::regex("Exit status:\n  0  (.+)\n  1  (.+)\n  2  wrong arguments")))
+        << own;
+    const std::string line = help.substr(row + 1, help.find('\n', row + 1) - row - 1);
+    EXPECT_PRED_FORMAT2(IsSubstring, " " + texts[1].str() + " ", line);
+    EXPECT_TRUE(line.ends_with(" " + texts[2].str())) << line;
   }
 }
 
@@ -169,6 +202,8 @@ TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
   const auto document = ordered_json::parse(result.out);
   expectMembers(document, {{"file", utf8(recording())},
                            {"preview", utf8(preview())},
+                           {"log", utf8(scratch.file("recording.txt"))},
+                           {"region", nullptr},
                            {"camera", "ZWO ASI120MC-S"},
                            {"width", 64},
                            {"height", 48},
@@ -177,6 +212,7 @@ TEST_F(OcCaptureOptions, JsonTellsAboutTheRecording) {
                            {"frames", 4},
                            {"droppedFrames", 0},
                            {"silentWaits", 0},
+                           {"stoppedBelow", false},
                            {"framesThatMayWait", 2000000 / (64 * 48)},
                            {"error", ""}});
   EXPECT_GT(document["seconds"], 0);
@@ -190,7 +226,7 @@ TEST_F(OcCaptureOptions, JsonTellsAboutAFailureToo) {
                                       "clock stopped; seed 5; force ASIGetVideoData 6 -1 5");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "5 frames are in \"" + utf8(recording()) +
-                            "\", which is a valid recording.\noc_capture: ASIGetVideoData: 5\n");
+                            "\", which is a valid recording.\n" + errorText("ASIGetVideoData: 5"));
   expectMembers(ordered_json::parse(result.out),
                 {{"frames", 5}, {"preview", nullptr}, {"error", "ASIGetVideoData: 5"}});
 }

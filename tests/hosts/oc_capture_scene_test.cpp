@@ -57,6 +57,23 @@ TEST_P(OcCaptureSceneOfEachMaker, ShowsTheRecordingsFrames) {
   }
 }
 
+TEST_P(OcCaptureSceneOfEachMaker, IsShownUnchangedByDefault) {
+  sdks.add(GetParam());
+  expectSuccess(recordInto(first, {"--frames 1"}, "seed 5"));
+  const Bytes played = SerFile(first).frames.at(0);
+  const auto shown = [&](const char* settings) {
+    expectSuccess(runWithSdks("record",
+                              {"--camera 0 --format raw16 --width 320 --height 240 --frames 1",
+                               "--overwrite --scene", first, "--out", recording(), settings},
+                              ""));
+    return SerFile(recording()).frames.at(0);
+  };
+  EXPECT_TRUE(shown("") == played);
+  for (const char* settings : {"--exposure 10ms", "--gain 100", "--offset 20"}) {
+    EXPECT_FALSE(shown(settings) == played) << settings;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Makers, OcCaptureSceneOfEachMaker,
                          ::testing::Values("ASICamera2", "PlayerOneCamera", "qhyccd", "toupcam"),
                          [](const auto& test) { return test.param; });
@@ -70,25 +87,35 @@ TEST_F(OcCaptureScene, OtherCommandsToTheSimulatorStay) {
   EXPECT_PRED_FORMAT2(IsSubstring, "ASIStartVideoCapture", contentOf(log));
 }
 
-TEST_F(OcCaptureScene, DamagedRecordingIsReportedAndTheSyntheticSceneStays) {
+// A file that cannot be shown is refused before any SDK is loaded.
+TEST_F(OcCaptureScene, FileThatIsNoRecording) {
   sdks.add("ASICamera2");
   const auto damaged = scratch.file("damaged.ser");
+  const auto log = scratch.file("calls");
   std::ofstream(damaged, std::ios::binary) << "LUCAM-RECORDER and no more";
-  expectSuccess(recordInto(first, {"--frames 1"}));
-  const ProgramResult result =
-      expectSuccess(recordInto(recording(), {"--frames 1 --scene", damaged}));
-  EXPECT_PRED_FORMAT2(IsSubstring,
-                      "ASICamera2: \"" + utf8(damaged) +
-                          "\" cannot be played: it is no SER recording\n"
-                          "ASICamera2: a command in ORVANE_SIMULATOR failed\n",
-                      result.err);
-  EXPECT_TRUE(SerFile(recording()).frames == SerFile(first).frames);
+  for (const char* command :
+       {"list", "doctor --scan", "record --camera 0 --frames 1 --out a.ser"}) {
+    expectFailure(run({command, "--sdk", sdks.path(), "--scene", damaged}, "log " + utf8(log)), 2,
+                  "\"" + utf8(damaged) + "\" is no SER file.");
+    EXPECT_FALSE(std::filesystem::exists(log)) << command;
+  }
 }
 
-TEST_F(OcCaptureScene, FileThatIsNotThere) {
+TEST_F(OcCaptureScene, RecordingWithoutAFrame) {
+  sdks.add("ASICamera2");
+  expectSuccess(recordInto(first, {"--frames 1"}));
+  std::filesystem::resize_file(first, 178 + 320 * 240);
+  expectFailure(runWithSdks("list", {"--scene", first}), 2,
+                "\"" + utf8(first) + "\" has no whole frame.");
+}
+
+TEST_F(OcCaptureScene, FileThatIsNotThereOrADirectory) {
   const auto missing = scratch.file("missing.ser");
   expectFailure(runWithSdks("list", {"--scene", missing}), 2,
-                "--scene needs a recording; there is no file \"" + utf8(missing) + "\".");
+                "Cannot read \"" + utf8(missing) + "\": No such file or directory");
+  const ProgramResult directory = runWithSdks("list", {"--scene", scratch.path()});
+  EXPECT_EQ(directory.status, 2);
+  EXPECT_PRED_FORMAT2(IsSubstring, "Cannot read \"" + utf8(scratch.path()) + "\": ", directory.err);
 }
 
 TEST_F(OcCaptureScene, FileWithASemicolon) {

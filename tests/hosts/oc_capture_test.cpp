@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "session/causes.hpp"
+
 namespace orvane::testing {
 
 namespace {
@@ -34,10 +36,16 @@ ProgramResult expectSuccess(const ProgramResult& result) {
   return result;
 }
 
+std::string errorText(const std::string& message) {
+  return std::regex_replace("\n" + host::explained(message), std::regex("\n"), "\noc_capture: ")
+             .substr(1) +
+         "\n";
+}
+
 void expectFailure(const ProgramResult& result, int status, const std::string& message) {
   EXPECT_EQ(result.status, status);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "oc_capture: " + message + "\n");
+  EXPECT_EQ(result.err, errorText(message));
 }
 
 void expectMatch(const std::string& text, const std::string& pattern) {

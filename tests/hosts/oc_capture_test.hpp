@@ -63,7 +63,7 @@ class OcCaptureTest : public ::testing::Test {
   }
 
   std::filesystem::path recording() const { return scratch.file("recording.ser"); }
-  std::filesystem::path preview() const { return scratch.file("recording.png"); }
+  std::filesystem::path preview() const { return scratch.file("recording-preview.png"); }
 
   const SdkDirectory sdks;
   const ScratchDirectory scratch;
@@ -77,6 +77,9 @@ class OcCaptureAsiTest : public OcCaptureTest {
 
 /// Expects exit status 0. Returns the result.
 ProgramResult expectSuccess(const ProgramResult& result);
+
+/// What the program writes to standard error when it fails: a message, with its cause and cure.
+std::string errorText(const std::string& message);
 
 /// Expects this exit status and this message, and no other output.
 void expectFailure(const ProgramResult& result, int status, const std::string& message);

@@ -36,6 +36,9 @@ class Program {
   /// Sends Ctrl-C. The program must have been started with `mayBeInterrupted`.
   void interrupt() const;
 
+  /// Ends the program at once, in whatever it is doing.
+  void kill() const;
+
   ProgramResult wait() const;
 
  private:

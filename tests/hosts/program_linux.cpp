@@ -81,7 +81,11 @@ bool Program::isRunning() const {
 }
 
 void Program::interrupt() const {
-  kill(static_cast<pid_t>(process_), SIGINT);
+  ::kill(static_cast<pid_t>(process_), SIGINT);
+}
+
+void Program::kill() const {
+  ::kill(static_cast<pid_t>(process_), SIGKILL);
 }
 
 ProgramResult Program::wait() const {

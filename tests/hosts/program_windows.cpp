@@ -105,6 +105,10 @@ void Program::interrupt() const {
   }
 }
 
+void Program::kill() const {
+  TerminateProcess(handle(process_), 1);
+}
+
 ProgramResult Program::wait() const {
   WaitForSingleObject(handle(process_), INFINITE);
   DWORD status = 0;

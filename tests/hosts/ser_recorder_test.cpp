@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <numeric>
 #include <optional>
 
 #include "cpp_face/scripted_library.hpp"
@@ -62,6 +63,35 @@ class SerRecorderTest : public ::testing::Test {
 TEST(RecordingCapacity, IsAtLeastThreeFramesAndTheOneInWork) {
   EXPECT_EQ(recordingCapacity(1, 1000), 4U);
   EXPECT_EQ(recordingCapacity(10'500, 1000), 11U);
+}
+
+TEST_F(SerRecorderTest, ChangesCopiesOfFramesThatOthersUse) {
+  FrameCorrection correction;
+  correction.region = Region{1, 1, 2, 1};
+  for (const bool sharesFrames : {true, false}) {
+    const std::filesystem::path file = scratch.file(sharesFrames ? "shared.ser" : "own.ser");
+    std::atomic<bool> hasSent = false;
+    script().read = [&](std::uint8_t* buffer, int size) -> int {
+      if (hasSent.exchange(true)) {
+        return 0;
+      }
+      std::iota(buffer, buffer + size, std::uint8_t{1});
+      return size;
+    };
+    oc::FrameQueue queue = send(0, 4);
+    SerRecorder recorder(file, {{2, 1, PixelFormat::Raw8, BayerPattern::None}, "", "", "", 0, 0},
+                         correction, std::move(queue), {.sharesFrames = sharesFrames});
+    while (recorder.writtenFrames() < 1) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    recorder.stop();
+    ASSERT_TRUE(recorder.waitForEnd(longTime));
+    recorder.requireSuccess();
+    EXPECT_EQ(SerFile(file).frames.front(), (std::vector<std::uint8_t>{6, 7}));
+    const oc::Frame& last = recorder.lastFrame();
+    EXPECT_EQ(last.data()[0], sharesFrames ? 1 : 6);
+    capture_->close().get();
+  }
 }
 
 TEST_F(SerRecorderTest, WritesWhatItTakesAndCountsWhatItDrops) {

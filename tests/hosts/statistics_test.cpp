@@ -141,6 +141,18 @@ TEST(Histogram, CountsEverySampleOfASmallFrame) {
   EXPECT_DOUBLE_EQ(histogram.saturated, 2.0 / 6);
 }
 
+TEST(Histogram, TheMedianIsTheSampleInTheMiddle) {
+  const auto medianOf = [](const std::vector<int>& samples) {
+    const FrameLayout layout = row(static_cast<int>(samples.size()), PixelFormat::Raw16);
+    return histogramOf(words(samples), layout, 65535).channel[0].median;
+  };
+  EXPECT_EQ(medianOf({9}), 9);
+  EXPECT_EQ(medianOf({40000, 3, 500}), 500);
+  EXPECT_EQ(medianOf({40000, 3, 500, 700}), 700);
+  EXPECT_EQ(medianOf({0, 0, 0, 65535}), 0);
+  EXPECT_EQ(medianOf({0, 65535, 65535}), 65535);
+}
+
 TEST(Histogram, BinsAreEqualPartsOfTheFullScale) {
   const Histogram histogram =
       histogramOf(words({0, 15, 16, 4095}), {4, 1, PixelFormat::Raw16, BayerPattern::None}, 4095);

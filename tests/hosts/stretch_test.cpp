@@ -158,6 +158,16 @@ INSTANTIATE_TEST_SUITE_P(
       return std::string(formatName(std::get<0>(test.param))) + bayerName(std::get<1>(test.param));
     });
 
+TEST(StretchedBrightness, HasAnInverse) {
+  const Stretch stretch{1000, 9000, 0.1};
+  EXPECT_EQ(stretchedBrightness(stretch, 900), 0);
+  EXPECT_EQ(stretchedBrightness(stretch, 9100), 1);
+  EXPECT_NEAR(stretchedBrightness(stretch, 1800), 0.5, 1e-12);
+  for (const double sample : {1000.0, 1200.0, 4000.0, 9000.0}) {
+    EXPECT_NEAR(sampleOfBrightness(stretch, stretchedBrightness(stretch, sample)), sample, 1e-8);
+  }
+}
+
 TEST(Preview, OfMonoIsGrey) {
   const std::vector<std::uint8_t> frame(64, 9);
   for (const PixelFormat format : {PixelFormat::Raw8, PixelFormat::Mono8}) {

@@ -18,6 +18,7 @@ TEST(CommandOfKey, KeysOfTheHelpDoWhatItSays) {
       {keys::minus, ViewCommand::LessOffset},  {keys::numberPadMinus, ViewCommand::LessOffset},
       {'R', ViewCommand::ToggleRecording},     {'C', ViewCommand::ShowCameras},
       {'F', ViewCommand::NextFormat},          {'B', ViewCommand::NextBin},
+      {'T', ViewCommand::NextLimit},           {'O', ViewCommand::ChooseRecordings},
       {keys::f5, ViewCommand::Rescan},         {'S', ViewCommand::ToggleStretch},
       {'Z', ViewCommand::ToggleZoom},          {'X', ViewCommand::ToggleCrosshair},
       {'N', ViewCommand::ToggleNightMode},     {'H', ViewCommand::ToggleHelp},
@@ -34,7 +35,39 @@ TEST(CommandOfKey, ShiftMakesLargerSteps) {
   EXPECT_EQ(commandOfKey({keys::right, true}), ViewCommand::MuchMoreGain);
   EXPECT_EQ(commandOfKey({keys::left, true}), ViewCommand::MuchLessGain);
   EXPECT_EQ(commandOfKey({'C', true}), ViewCommand::NextCamera);
+  EXPECT_EQ(commandOfKey({'O', true}), ViewCommand::ChooseSdk);
   EXPECT_EQ(commandOfKey({keys::plus, true}), ViewCommand::MoreOffset);  // where + needs it
+}
+
+TEST(CommandOfKey, DigitsChangeTheLevels) {
+  const std::pair<int, std::pair<ViewCommand, ViewCommand>> digits[] = {
+      {'1', {ViewCommand::LessBlack, ViewCommand::MuchLessBlack}},
+      {'2', {ViewCommand::MoreBlack, ViewCommand::MuchMoreBlack}},
+      {'3', {ViewCommand::LessWhite, ViewCommand::MuchLessWhite}},
+      {'4', {ViewCommand::MoreWhite, ViewCommand::MuchMoreWhite}},
+      {'5', {ViewCommand::LessGamma, ViewCommand::MuchLessGamma}},
+      {'6', {ViewCommand::MoreGamma, ViewCommand::MuchMoreGamma}},
+      {'0', {ViewCommand::ResetLevels, ViewCommand::ResetLevels}},
+  };
+  for (const auto& [key, commands] : digits) {
+    EXPECT_EQ(commandOfKey({key, false}), commands.first) << key;
+    EXPECT_EQ(commandOfKey({key, true}), commands.second) << key;
+  }
+}
+
+TEST(CommandOfKey, WithControlArrowsMoveTheRegion) {
+  const std::pair<int, std::pair<ViewCommand, ViewCommand>> arrows[] = {
+      {keys::left, {ViewCommand::RegionLeft, ViewCommand::RegionFarLeft}},
+      {keys::right, {ViewCommand::RegionRight, ViewCommand::RegionFarRight}},
+      {keys::up, {ViewCommand::RegionUp, ViewCommand::RegionFarUp}},
+      {keys::down, {ViewCommand::RegionDown, ViewCommand::RegionFarDown}},
+  };
+  for (const auto& [key, commands] : arrows) {
+    EXPECT_EQ(commandOfKey({key, false, true}), commands.first) << key;
+    EXPECT_EQ(commandOfKey({key, true, true}), commands.second) << key;
+  }
+  EXPECT_EQ(commandOfKey({'R', false, true}), ViewCommand::None);
+  EXPECT_EQ(commandOfKey({'W', false}), ViewCommand::WholeFrame);
 }
 
 TEST(CommandOfKey, OtherKeysDoNothing) {

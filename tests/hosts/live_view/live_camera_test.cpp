@@ -58,11 +58,20 @@ TEST_F(LiveCameraTest, EndingItClosesRecordingAndCamera) {
   }
   EXPECT_EQ(sdk.invariants().devicesOpen, 0);
   EXPECT_EQ(sdk.invariants().streamsRunning, 0);
-  ASSERT_EQ(recordings().size(), 1U);
-  const SerFile file(recordings().front());
+  const SerFile file(recording());
   EXPECT_GT(file.frameCount, 3);
   EXPECT_EQ(file.timeStamps.size(), static_cast<std::size_t>(file.frameCount));
   EXPECT_EQ(file.unreadBytes, 0);
+}
+
+TEST_F(LiveCameraTest, ALimitOfTimeIsKept) {
+  LiveOptions limited = options();
+  limited.recording.limit.microseconds = 300000;
+  LiveCamera camera(limited, [] {});
+  camera.send(&LiveSession::toggleRecording);
+  ASSERT_TRUE(comesTrue([&] { return camera.state()->recording.has_value(); }));
+  ASSERT_TRUE(comesTrue([&] { return !camera.state()->recording; }));
+  EXPECT_EQ(camera.state()->notice.text.substr(0, 38), "The limit of 0.3 s is reached. Recorde");
 }
 
 TEST_F(LiveCameraTest, EndsAtOnceWithoutACamera) {

@@ -88,10 +88,75 @@ TEST_F(LivePictureTest, AsItIsTheSkyIsDark) {
   setMeasuredFrame();
   picture.setStretched(false);
   draw(320, 200);
-  EXPECT_EQ(at(300, 100) & 0xFFU, 3U);
+  EXPECT_NEAR(at(300, 100) & 0xFFU, 3, 1);
   picture.setStretched(true);
   draw(320, 200);
   EXPECT_GT(at(300, 100) & 0xFFU, 20U);
+}
+
+TEST_F(LivePictureTest, AsItIsTheFullScaleIsWhite) {
+  const FrameLayout layout{32, 32, PixelFormat::Raw16, BayerPattern::None};
+  // 12 bits, right-aligned.
+  picture.setFrame(
+      frameOf(layout, 1, frame16(layout, [](int x, int) { return x < 16 ? 4095 : 2047; })));
+  picture.setStretched(false);
+  ASSERT_TRUE(picture.measure(start));
+  draw(32, 32);
+  EXPECT_EQ(at(2, 10) & 0xFFU, 255U);
+  EXPECT_NEAR(at(28, 10) & 0xFFU, 127, 1);
+}
+
+TEST_F(LivePictureTest, LevelsChangeThePicture) {
+  setMeasuredFrame();
+  draw(320, 200);
+  const std::uint32_t before = at(300, 100) & 0xFFU;
+  picture.setLevels({0, 1, 2});
+  draw(320, 200);
+  EXPECT_GT(at(300, 100) & 0xFFU, before + 20);
+  picture.setLevels({0.9, 1, 1});
+  draw(320, 200);
+  EXPECT_EQ(at(300, 100) & 0xFFU, 0U);
+  EXPECT_EQ(at(100, 50), 0xFFFFFFU);  // the star
+}
+
+TEST_F(LivePictureTest, TellsWhichSamplesAreBlackAndWhite) {
+  setMeasuredFrame();
+  picture.setStretched(false);
+  EXPECT_NEAR(picture.partShownAs(0), 0, 1e-9);
+  EXPECT_NEAR(picture.partShownAs(1), 1, 1e-9);
+  picture.setLevels({0.1, 0.6, 1});
+  EXPECT_NEAR(picture.partShownAs(0), 0.1, 1e-9);
+  EXPECT_NEAR(picture.partShownAs(0.5), 0.35, 1e-9);
+  EXPECT_NEAR(picture.partShownAs(1), 0.6, 1e-9);
+  // Brightened, black is just below the sky at 800 of 65520.
+  picture.setLevels({});
+  picture.setStretched(true);
+  EXPECT_LT(picture.partShownAs(0), 800 / 65520.0);
+  EXPECT_GT(picture.partShownAs(0), 0);
+  EXPECT_GT(picture.partShownAs(1), 800 / 65520.0);
+}
+
+// A slope of few steps, brightened: no pixel differs much from its neighbours.
+TEST_F(LivePictureTest, EightBitsAreBrightenedWithoutBands) {
+  const FrameLayout layout{128, 64, PixelFormat::Raw8, BayerPattern::None};
+  std::vector<std::uint8_t> bytes;
+  for (int y = 0; y < 64; ++y) {
+    for (int x = 0; x < 128; ++x) {
+      bytes.push_back(static_cast<std::uint8_t>(10 + x / 16));
+    }
+  }
+  picture.setFrame(frameOf(layout, 1, bytes));
+  picture.setStretched(false);
+  picture.setLevels({0, 0.1, 1});  // a step of the samples is ten of the screen
+  ASSERT_TRUE(picture.measure(start));
+  draw(128, 64);
+  for (int x = 8; x < 119; ++x) {
+    EXPECT_LE(
+        std::abs(static_cast<int>(at(x + 1, 32) & 0xFFU) - static_cast<int>(at(x, 32) & 0xFFU)), 5)
+        << x;
+  }
+  EXPECT_GT(at(120, 32) & 0xFFU, (at(8, 32) & 0xFFU) + 50);
+  EXPECT_EQ(bytes[32 * 128 + 40], 12);  // the frame itself is as it was
 }
 
 TEST_F(LivePictureTest, InRedThereIsNoOtherColour) {
@@ -154,6 +219,32 @@ TEST_F(LivePictureTest, RemembersTheLeastDiameterOfOneStream) {
   EXPECT_FALSE(picture.measurements().leastDiameter);
   EXPECT_TRUE(picture.measure(start));
   EXPECT_NEAR(*picture.measurements().leastDiameter, 2 * sharp, 0.4);
+}
+
+TEST_F(LivePictureTest, RemembersTheMostSharpnessOfOneRegion) {
+  const FrameLayout layout{320, 200, PixelFormat::Raw16, BayerPattern::None};
+  LivePicture::Clock::time_point now = start;
+  double most = 0;
+  for (const double blur : {3.0, 1.0, 5.0}) {
+    picture.setFrame(
+        frameOf(layout, 1, frame16(layout, [blur](int x, int y) {
+                  return 500 + 20000 / (1 + std::exp((std::hypot(x - 160, y - 100) - 40) / blur));
+                })));
+    ASSERT_TRUE(picture.measure(now));
+    most = std::max(most, picture.measurements().focus.sharpness);
+    now += std::chrono::hours(1);
+  }
+  const Measurements& measured = picture.measurements();
+  EXPECT_EQ(measured.sharpnesses.size(), 3U);
+  EXPECT_EQ(measured.sharpnesses[1], most);
+  EXPECT_EQ(measured.mostSharpness, most);
+
+  picture.setRegion(Region{100, 40, 120, 120});
+  EXPECT_FALSE(measured.mostSharpness);
+  EXPECT_TRUE(picture.measure(start));  // at once
+  EXPECT_EQ(measured.sharpnesses.size(), 1U);
+  picture.setRegion(Region{100, 40, 120, 120});  // the same
+  EXPECT_EQ(measured.sharpnesses.size(), 1U);
 }
 
 TEST_F(LivePictureTest, KeepsNoMoreDiametersThanItShows) {

@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "live_test.hpp"
+#include "session/causes.hpp"
+#include "system/text.hpp"
 
 namespace orvane::testing {
 
@@ -26,6 +28,9 @@ class LiveSessionTest : public LiveTest {
   }
   void setControls(const Controls& controls) {
     run([&](LiveSession& its) { its.setControls(controls); });
+  }
+  void setRegion(const std::optional<Region>& region) {
+    run([&](LiveSession& its) { its.setRegion(region); });
   }
   const LiveState& state() { return session->state(); }
   std::string notice() { return state().notice.text; }
@@ -119,7 +124,50 @@ TEST_F(LiveSessionTest, TellsOfADirectoryThatIsNotThereOrHasNoSdks) {
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
   EXPECT_EQ(notice(), "There is no directory \"" + utf8(scratch.file("nothing")) + "\".");
   start(LiveOptions{utf8(scratch.path()), "", scratch.path()});
-  EXPECT_EQ(notice(), "No SDK could be loaded from \"" + utf8(scratch.path()) + "\".");
+  EXPECT_EQ(notice(), "No SDK could be loaded from \"" + utf8(scratch.path()) +
+                          "\". Shift+O chooses another folder.");
+  EXPECT_TRUE(state().sdks.empty());
+}
+
+TEST_F(LiveSessionTest, AnotherDirectoryOfSdksIsUsed) {
+  start(LiveOptions{utf8(scratch.path()), "", scratch.path()});
+  run([&](LiveSession& its) { its.useSdkDirectory(directory.utf8()); });
+  EXPECT_EQ(notice(), "Found 2 cameras.");
+  EXPECT_FALSE(state().sdks.empty());
+  EXPECT_EQ(pathFromUtf8(state().sdkDirectory), pathFromUtf8(directory.utf8()));
+}
+
+TEST_F(LiveSessionTest, TheCameraOfBeforeHasItsSettingsOfBefore) {
+  LiveOptions known = options("");
+  known.lastCamera = "Mono Two";
+  known.knownSettings["Mono Two"] = {
+      .bin = 2, .format = PixelFormat::Raw16, .exposureUs = 30000, .gain = 9999, .offset = 5};
+  known.warning = "Something was damaged.";
+  start(known);
+  EXPECT_EQ(state().notice.kind, NoticeKind::Warning);
+  EXPECT_EQ(notice(), "Something was damaged. Mono Two is streaming.");
+  EXPECT_EQ(state().capture.layout.width, 160);
+  EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw16);
+  EXPECT_EQ(state().capture.settings.exposureUs, 30000);
+  EXPECT_EQ(state().capture.settings.gain, 300);  // the largest
+  EXPECT_EQ(state().capture.settings.offset, 5);
+  setControls({30000, 20, 6});
+  choose(0);
+  EXPECT_EQ(state().capture.settings.gain, 100);
+  choose(1);
+  EXPECT_EQ(state().capture.settings.gain, 20);
+  EXPECT_EQ(state().capture.settings.offset, 6);
+}
+
+TEST_F(LiveSessionTest, SettingsOfBeforeThatDoNotFitAreNotUsed) {
+  sdk.forceResult("ASISetControlValue", 16, 1, 1);
+  LiveOptions known = options();
+  known.knownSettings["Colour One"] = {
+      .bin = 99, .format = PixelFormat::Rgb24, .exposureUs = 30000, .gain = 5, .offset = 5};
+  start(known);
+  EXPECT_EQ(notice(), "Colour One is streaming.");  // with the usual ones
+  EXPECT_EQ(state().capture.settings.exposureUs, 20000);
+  EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw8);
 }
 
 // The other camera fails during the scan. The stream of the one that is opened is the newer news.
@@ -155,7 +203,9 @@ TEST_F(LiveSessionTest, ControlsThatAreRefusedLeaveThoseOfBefore) {
   setControls({40000, 222, 33});
   ASSERT_TRUE(soon([](const LiveState& now) { return now.capture.refusals == 1; }));
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
-  EXPECT_EQ(notice().substr(0, 33), "The camera refused the setting: A");
+  const std::string refusal = "The camera refused the setting: ";
+  EXPECT_EQ(notice(), refusal + explained(notice().substr(refusal.size(), 12)));
+  EXPECT_EQ(notice().substr(refusal.size(), 12), "ASI gain: 16");
   EXPECT_EQ(state().capture.settings.exposureUs, 20000);
   EXPECT_EQ(state().capture.settings.gain, 100);
   EXPECT_TRUE(hasFrames(1));
@@ -188,7 +238,7 @@ TEST_F(LiveSessionTest, AFormatThatTheCameraRefusesLeavesTheOneOfBefore) {
   EXPECT_TRUE(session->isStreaming());
   EXPECT_EQ(state().capture.layout.format, PixelFormat::Raw8);
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
-  EXPECT_EQ(notice().substr(0, 28), "Colour One cannot be opened:");
+  EXPECT_EQ(notice(), "Colour One does not change to raw16: " + explained("ASISetROIFormat: 8"));
 }
 
 TEST_F(LiveSessionTest, RecordsUntilItIsStopped) {
@@ -208,6 +258,54 @@ TEST_F(LiveSessionTest, RecordsUntilItIsStopped) {
   EXPECT_EQ(file.instrument, "Colour One");
   EXPECT_EQ(file.unreadBytes, 0);
   EXPECT_TRUE(hasFrames(1));
+}
+
+TEST_F(LiveSessionTest, RecordsARegionAndShowsTheWholeFrame) {
+  start();
+  const BayerPattern whole = state().capture.layout.bayer;
+  setRegion(Region{21, 10, 100, 60});
+  EXPECT_EQ(state().region, (Region{21, 10, 100, 60}));
+  EXPECT_EQ(notice(),
+            "Recordings keep 100 x 60 at 21, 10. The camera reads the whole frame, which takes as "
+            "long as before.");
+  run([](LiveSession& its) { its.moveRegion({-1000, 1}); });
+  EXPECT_EQ(state().region, (Region{0, 11, 100, 60}));
+  run(&LiveSession::toggleRecording);
+  EXPECT_TRUE(soon([](const LiveState& now) { return now.recording->frames > 3; }));
+  const std::string name = state().recording->file;
+  EXPECT_EQ(frame().size(), 64000U);
+  setRegion(std::nullopt);  // not while it records
+  EXPECT_EQ(notice(), "Stop the recording first: press R.");
+  run(&LiveSession::toggleRecording);
+  const SerFile file(scratch.file(name));
+  EXPECT_EQ(file.width, 100);
+  EXPECT_EQ(file.height, 60);
+  EXPECT_EQ(file.frames.front().size(), 6000U);
+  EXPECT_EQ(file.colorId, static_cast<int>(shiftedBayer(whole, 0, 11)));
+  EXPECT_EQ(file.unreadBytes, 0);
+}
+
+TEST_F(LiveSessionTest, TheRegionEndsWithTheFrameThatItWasDrawnIn) {
+  start();
+  setRegion(Region{20, 10, 100, 60});
+  run(&LiveSession::nextFormat);
+  EXPECT_TRUE(state().region);  // the frame has the same size
+  run(&LiveSession::nextBin);
+  EXPECT_FALSE(state().region);
+  setRegion(Region{20, 10, 100, 60});
+  choose(1);
+  EXPECT_FALSE(state().region);
+}
+
+TEST_F(LiveSessionTest, ARegionThatDoesNotFitIsNone) {
+  start();
+  setRegion(Region{300, 10, 100, 60});
+  EXPECT_FALSE(state().region);
+  setRegion(Region{0, 0, 320, 200});
+  EXPECT_FALSE(state().region);
+  EXPECT_EQ(notice(), "Recordings keep the whole frame.");
+  run([](LiveSession& its) { its.moveRegion({1, 1}); });
+  EXPECT_EQ(notice(), "There is no region: drag one with the right mouse button.");
 }
 
 TEST_F(LiveSessionTest, NothingElseIsOpenedWhileItRecords) {
@@ -232,7 +330,40 @@ TEST_F(LiveSessionTest, ARecordingWithoutADirectoryIsRefused) {
   run(&LiveSession::toggleRecording);
   EXPECT_FALSE(state().recording);
   EXPECT_EQ(state().notice.kind, NoticeKind::Error);
+  EXPECT_EQ(notice(), "There is no folder \"" + utf8(scratch.file("nothing")) +
+                          "\" for recordings. O chooses another one.");
   EXPECT_TRUE(hasFrames(1));
+  run([&](LiveSession& its) { its.useRecordings(scratch.path()); });
+  EXPECT_EQ(notice(), "Recordings go to \"" + utf8(scratch.path()) + "\" from now on.");
+  run(&LiveSession::toggleRecording);
+  EXPECT_TRUE(state().recording);
+}
+
+TEST_F(LiveSessionTest, ARecordingEndsAtItsLimit) {
+  LiveOptions limited = options();
+  limited.recording.limit.frames = 3;
+  limited.recording.nameTemplate = "a";
+  start(limited);
+  run(&LiveSession::toggleRecording);
+  EXPECT_FALSE(session->recordingTimeLeft());
+  run(&LiveSession::nextLimit);
+  EXPECT_EQ(state().limit, limited.recording.limit);  // not while it records
+  ASSERT_TRUE(soon([](const LiveState& now) { return !now.recording; }));
+  EXPECT_EQ(notice(), "The limit of 3 frames is reached. Recorded 3 frames in \"a.ser\".");
+  EXPECT_EQ(state().notice.kind, NoticeKind::Information);
+  EXPECT_EQ(SerFile(scratch.file("a.ser")).frameCount, 3);
+  EXPECT_NE(contentOf(scratch.file("a.txt")).find("frames=3\n"), std::string::npos);
+
+  run(&LiveSession::nextLimit);
+  EXPECT_EQ(notice(), "Recordings end after 10 s.");
+  run(&LiveSession::toggleRecording);
+  EXPECT_LE(session->recordingTimeLeft(), std::chrono::seconds(10));
+  run(&LiveSession::toggleRecording);
+  EXPECT_EQ(notice().substr(0, 9), "Recorded ");
+  while (state().limit != RecordingLimit()) {
+    run(&LiveSession::nextLimit);
+  }
+  EXPECT_EQ(notice(), "Recordings run until they are stopped.");
 }
 
 TEST_F(LiveSessionTest, AnUnpluggedCameraIsClosedAndItsRecordingKept) {
@@ -243,14 +374,14 @@ TEST_F(LiveSessionTest, AnUnpluggedCameraIsClosedAndItsRecordingKept) {
   const LiveState& now = state();
   EXPECT_EQ(now.cameraName(), "Colour One");
   EXPECT_EQ(now.notice.kind, NoticeKind::Error);
-  EXPECT_EQ(now.notice.text.substr(0, 30), "Colour One does not answer (AS");
+  const std::string lost = "Colour One is lost: " + explained("ASIGetVideoData: 5") + " F5 scans.";
+  EXPECT_EQ(now.notice.text.substr(0, lost.size()), lost);
   EXPECT_FALSE(session->isStreaming());
   EXPECT_EQ(sdk.invariants().devicesOpen, 0);
-  ASSERT_EQ(recordings().size(), 1U);
-  const SerFile file(recordings().front());
+  const SerFile file(recording());
   EXPECT_GT(file.frameCount, 0);
   const std::string saved = "Recorded " + std::to_string(file.frameCount) + " frames in ";
-  EXPECT_NE(now.notice.text.find("then press F5. " + saved), std::string::npos) << now.notice.text;
+  EXPECT_NE(now.notice.text.find("F5 scans. " + saved), std::string::npos) << now.notice.text;
   EXPECT_FALSE(now.recording);
 }
 
@@ -310,7 +441,7 @@ TEST_F(LiveSessionTest, ASingleFailureIsNoEnd) {
   start();
   EXPECT_TRUE(hasFrames(4));
   EXPECT_TRUE(session->isStreaming());
-  EXPECT_EQ(notice(), "Colour One: ASIGetVideoData: 5.");
+  EXPECT_EQ(notice(), "Colour One: " + explained("ASIGetVideoData: 5"));
   EXPECT_EQ(state().notice.kind, NoticeKind::Warning);
 }
 
@@ -320,7 +451,17 @@ TEST_F(LiveSessionTest, ACameraThatIsInUseElsewhereIsNotOpened) {
   sdk.setCameras({busy, monoCamera()});
   start();
   EXPECT_EQ(state().phase, LivePhase::Lost);
-  EXPECT_EQ(notice().substr(0, 28), "Colour One cannot be opened:");
+  EXPECT_EQ(notice(), "Colour One cannot be opened: " + explained("ASIOpenCamera: 16"));
+}
+
+TEST_F(LiveSessionTest, TellsWhatAScanMissed) {
+  SimCamera third = monoCamera();
+  third.id = 5;
+  sdk.setCameras({colourCamera(), monoCamera(), third});
+  sdk.forceResult("ASIGetCameraProperty", 5, 3);
+  start("");
+  EXPECT_EQ(state().notice.kind, NoticeKind::Error);
+  EXPECT_EQ(notice(), "Found 2 cameras. Some failed:\n" + explained("ASIGetCameraProperty: 5"));
 }
 
 }  // namespace

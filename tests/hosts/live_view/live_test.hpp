@@ -2,6 +2,7 @@
 // recordings.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -45,12 +46,15 @@ class LiveTest : public FaceTest {
     return {directory.utf8(), camera, scratch.path()};
   }
 
-  std::vector<std::filesystem::path> recordings() const {
+  // The only recording, which has its settings log beside it.
+  std::filesystem::path recording() const {
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(scratch.path())) {
       files.push_back(entry.path());
     }
-    return files;
+    std::ranges::sort(files);  // .ser before .txt
+    EXPECT_EQ(files.size(), 2U);
+    return files.empty() ? std::filesystem::path() : files.front();
   }
 
   ScratchDirectory scratch;

@@ -45,14 +45,15 @@ TEST(LiveTexts, Histogram) {
   Histogram grey;
   grey.channel[0].smallest = 3;
   grey.channel[0].largest = 240;
+  grey.channel[0].median = 17;
   grey.channel[0].mean = 20.26;
   grey.channel[1].largest = 9999;  // of no meaning
-  EXPECT_EQ(histogramText(grey), "min 3   mean 20.3   max 240");
+  EXPECT_EQ(histogramText(grey), "min 3   median 17   mean 20.3   max 240");
   Histogram colour = grey;
   colour.channels = 3;
-  colour.channel[1] = {{}, 1, 200, 100};
-  colour.channel[2] = {{}, 2, 250, 400};
-  EXPECT_EQ(histogramText(colour), "min 1   mean 173   max 250");
+  colour.channel[1] = {{}, 1, 200, 99, 100};
+  colour.channel[2] = {{}, 2, 250, 150, 400};
+  EXPECT_EQ(histogramText(colour), "min 1   median 17 / 99 / 150   max 250");
 }
 
 TEST(LiveTexts, Saturation) {
@@ -61,15 +62,12 @@ TEST(LiveTexts, Saturation) {
   EXPECT_EQ(saturationText(0.5), "50 % saturated");
 }
 
-TEST(LiveTexts, FocusIsTheStarsOrTheEdges) {
-  Focus focus;
-  EXPECT_EQ(focusText(focus), unknownText);
-  focus.sharpness = 12.34;
-  EXPECT_EQ(focusText(focus), "12.3");
-  EXPECT_EQ(focusCaption(focus), "edge sharpness, more is better");
-  focus.star = Star{1, 2, 3.456};
-  EXPECT_EQ(focusText(focus), "3.46 px");
-  EXPECT_EQ(focusCaption(focus), "half-flux diameter, less is better");
+TEST(LiveTexts, FocusFigures) {
+  EXPECT_EQ(diameterText({}), unknownText);
+  EXPECT_EQ(diameterText(3.456), "3.46 px");
+  EXPECT_EQ(sharpnessText({}), unknownText);
+  EXPECT_EQ(sharpnessText(0), unknownText);
+  EXPECT_EQ(sharpnessText(12.34), "12.3");
 }
 
 TEST(LiveTexts, Recording) {
@@ -108,17 +106,65 @@ TEST(LiveTexts, StatusLineTellsOfFramesThatDoNotCome) {
   EXPECT_EQ(statusLine(state).text, "Worse.");
 }
 
+TEST(LiveTexts, RecordingDetailsTellWhatComesFirst) {
+  RecordingProgress now;
+  EXPECT_EQ(recordingDetails(now), "0 dropped");
+  EXPECT_FALSE(isAlarming(now));
+  now.freeBytes = 45'200'000'000;
+  now.secondsToFull = 5999;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   100 min left");
+  now.secondsToLimit = 42.4;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   42 s left");
+  EXPECT_FALSE(isAlarming(now));
+  now.secondsToFull = 41;
+  EXPECT_EQ(recordingDetails(now), "0 dropped   45.20 GB free   41 s left");
+  EXPECT_TRUE(isAlarming(now));
+  now.secondsToLimit.reset();
+  EXPECT_TRUE(isAlarming(now));
+  now.secondsToFull = 7200;
+  now.droppedFrames = 3;
+  EXPECT_EQ(recordingDetails(now), "3 dropped   45.20 GB free   2 h left");
+  EXPECT_TRUE(isAlarming(now));
+}
+
+TEST(LiveTexts, LongExposuresHaveACountdown) {
+  LiveState state;
+  state.phase = LivePhase::Streaming;
+  state.capture.settings.exposureUs = 2'000'000;
+  EXPECT_FALSE(countdownOf(state));
+  state.capture.settings.exposureUs = 10'000'000;
+  state.capture.silence = std::chrono::milliseconds(2500);
+  ASSERT_TRUE(countdownOf(state));
+  EXPECT_EQ(countdownOf(state)->text, "Next frame in 8 s");
+  EXPECT_EQ(countdownOf(state)->part, 0.25);
+  state.capture.silence = std::chrono::seconds(10);
+  EXPECT_EQ(countdownOf(state)->text, "Reading the frame\u2026");
+  EXPECT_EQ(countdownOf(state)->part, 1);
+  state.capture.settings.exposureUs = 135'000'000;
+  EXPECT_EQ(countdownOf(state)->text, "Next frame in 02:05");
+  state.phase = LivePhase::Lost;
+  EXPECT_FALSE(countdownOf(state));
+}
+
 TEST(LiveTexts, CameraDetails) {
   oc::CameraInfo camera;
   camera.maxWidth = 1920;
   camera.maxHeight = 1080;
   camera.bitDepth = 12;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   mono");
+  EXPECT_EQ(cameraDetails(camera), (CameraDetails{"1920 \u00d7 1080", "12 bit", "mono", ""}));
   camera.isColor = true;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   colour");
+  EXPECT_EQ(cameraDetails(camera)[2], "colour");
   camera.bayer = BayerPattern::Bggr;
   camera.isCooled = true;
-  EXPECT_EQ(cameraDetails(camera), "1920 \u00d7 1080   12 bit   BGGR   cooled");
+  EXPECT_EQ(cameraDetails(camera), (CameraDetails{"1920 \u00d7 1080", "12 bit", "BGGR", "cooled"}));
+}
+
+TEST(LiveTexts, CamerasAreFoundByTheirIndex) {
+  std::vector<oc::CameraInfo> cameras(2);
+  cameras[0].index = 0;
+  cameras[1].index = 3;
+  EXPECT_EQ(positionOf(cameras, 3), 1U);
+  EXPECT_EQ(positionOf(cameras, 1), 2U);
 }
 
 }  // namespace

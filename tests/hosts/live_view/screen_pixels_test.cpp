@@ -27,8 +27,46 @@ TEST(ScreenCurves, ShowSamplesAsTheyAre) {
 TEST(ScreenCurves, EachChannelHasItsOwnOrAllThreeShareOne) {
   const ScreenCurves three({{0, 1000, 0.5}, {0, 65535, 0.5}, {1000, 2000, 0.5}});
   EXPECT_EQ(applied(three, {1, 1, 3, {1000, 0, 1000}}), (Pixels{0xFF0000}));
-  const ScreenCurves one(std::vector<Stretch>{{0, 1000, 0.5}});
-  EXPECT_EQ(applied(one, {1, 1, 3, {1000, 0, 500}}), (Pixels{0xFF0080}));
+  const ScreenCurves one(std::vector<Stretch>{{0, 2550, 0.5}});
+  EXPECT_EQ(applied(one, {1, 1, 3, {2550, 0, 1280}}), (Pixels{0xFF0080}));
+}
+
+TEST(ScreenCurves, LevelsFollowTheStretch) {
+  // The stretch makes 0.25 out of 1000; the levels make 0.5 out of that.
+  const ScreenCurves curves(std::vector<Stretch>{{0, 4000, 0.5}}, {0, 0.5, 1});
+  EXPECT_EQ(applied(curves, {3, 1, 1, {0, 2000, 4000}}), (Pixels{0, 0xFFFFFF, 0xFFFFFF}));
+  EXPECT_NEAR(applied(curves, {1, 1, 1, {1000}}).front() & 0xFFU, 0x7F, 1);
+}
+
+// On average, an area has the brightness that lies between two of the screen's.
+TEST(ScreenCurves, DitherWhatLiesBetween) {
+  for (const int part : {0, 64, 128, 200}) {
+    const auto sample = static_cast<std::uint16_t>(100 * 257 + part);
+    const Pixels pixels =
+        applied(ScreenCurves(), {16, 16, 1, std::vector<std::uint16_t>(256, sample)});
+    double sum = 0;
+    for (const std::uint32_t pixel : pixels) {
+      EXPECT_TRUE((pixel & 0xFFU) == 100 || (pixel & 0xFFU) == 101);
+      sum += pixel & 0xFFU;
+    }
+    EXPECT_NEAR(sum / 256, 100 + part / 257.0, 0.02);
+  }
+}
+
+// Half of the pixels are brighter, and no two rows and no two columns of a square are alike.
+TEST(ScreenCurves, DitherEvenly) {
+  const Pixels pixels =
+      applied(ScreenCurves(), {8, 8, 1, std::vector<std::uint16_t>(64, 100 * 257 + 128)});
+  for (std::size_t line = 0; line < 8; ++line) {
+    std::uint32_t row = 0;
+    std::uint32_t column = 0;
+    for (std::size_t at = 0; at < 8; ++at) {
+      row += (pixels[8 * line + at] & 0xFFU) - 100;
+      column += (pixels[8 * at + line] & 0xFFU) - 100;
+    }
+    EXPECT_EQ(row, 4U);
+    EXPECT_EQ(column, 4U);
+  }
 }
 
 TEST(ScreenCurves, RedTintLeavesNoOtherColour) {

@@ -20,9 +20,11 @@ std::vector<PixelRect> itemsOf(const WindowLayout& layout) {
   for (const SliderPlace& slider : layout.sliders) {
     items.insert(items.end(), {slider.caption, slider.track});
   }
-  items.insert(items.end(), {layout.histogramCaption, layout.histogram, layout.histogramNumbers,
-                             layout.focusCaption, layout.focusFigure, layout.focusTrend,
-                             layout.facts, layout.record});
+  items.insert(items.end(),
+               {layout.histogramCaption, layout.histogram, layout.histogramAxis,
+                layout.histogramNumbers, layout.levels[0].caption, layout.levels[0].track,
+                layout.focus[0].caption, layout.focus[0].figure, layout.focus[0].best,
+                layout.focus[0].trend, layout.facts, layout.record});
   return items;
 }
 
@@ -40,6 +42,29 @@ TEST_P(EveryDpi, ItemsFollowEachOtherWithinThePanel) {
   }
 }
 
+// Both lie in the panel, at the same height, and do not overlap.
+void expectSideBySide(const WindowLayout& layout, const PixelRect& left, const PixelRect& right) {
+  EXPECT_TRUE(contains(layout.panel, left));
+  EXPECT_TRUE(contains(layout.panel, right));
+  EXPECT_EQ(left.top, right.top);
+  EXPECT_EQ(left.height, right.height);
+  EXPECT_GT(right.left, left.right());
+}
+
+TEST_P(EveryDpi, LevelsAndFocusFiguresAreSideBySide) {
+  const int dpi = GetParam();
+  const WindowLayout layout = layOut(scaled(844, dpi), scaled(661, dpi), dpi);
+  for (const std::size_t level : {0U, 1U}) {
+    expectSideBySide(layout, layout.levels[level].caption, layout.levels[level + 1].caption);
+    expectSideBySide(layout, layout.levels[level].track, layout.levels[level + 1].track);
+  }
+  const auto& [star, disc] = layout.focus;
+  expectSideBySide(layout, star.caption, disc.caption);
+  expectSideBySide(layout, star.figure, disc.figure);
+  expectSideBySide(layout, star.best, disc.best);
+  expectSideBySide(layout, star.trend, disc.trend);
+}
+
 TEST_P(EveryDpi, ThreePartsFillTheWindow) {
   const int dpi = GetParam();
   const WindowLayout layout = layOut(2001, 1503, dpi);
@@ -50,6 +75,22 @@ TEST_P(EveryDpi, ThreePartsFillTheWindow) {
   EXPECT_EQ(layout.status.top + layout.status.height, 1503);
   EXPECT_EQ(layout.status.width, 2001);
   EXPECT_EQ(layout.panel.width, scaled(312, dpi));
+}
+
+TEST_P(EveryDpi, ALongNoticeTakesItsLinesFromThePicture) {
+  const int dpi = GetParam();
+  const WindowLayout one = layOut(2001, 1503, dpi);
+  const WindowLayout three = layOut(2001, 1503, dpi, 3);
+  EXPECT_EQ(one.notice, one.status);
+  EXPECT_TRUE(contains(one.status, one.noticeText));
+  EXPECT_EQ(three.picture.height, one.picture.height - 2 * scaled(20, dpi));
+  EXPECT_EQ(three.notice.top, three.picture.height);
+  EXPECT_EQ(three.notice.width, three.picture.width);
+  EXPECT_EQ(three.noticeText.width, three.wrappedNoticeWidth);
+  EXPECT_TRUE(contains(three.notice, three.noticeText));
+  EXPECT_GE(three.noticeText.height, 3 * scaled(20, dpi));
+  EXPECT_EQ(three.panel, one.panel);
+  EXPECT_EQ(three.record, one.record);
 }
 
 INSTANTIATE_TEST_SUITE_P(WindowLayout, EveryDpi, ::testing::Values(96, 120, 144, 192, 288));
@@ -67,6 +108,15 @@ TEST(FittedPicture, KeepsItsShapeInTheMiddle) {
   EXPECT_EQ(fittedPicture({0, 0, 100, 100}, 10, 10), (PixelRect{0, 0, 100, 100}));
   EXPECT_EQ(fittedPicture({0, 0, 100, 100}, 10000, 1), (PixelRect{0, 49, 100, 1}));
   EXPECT_EQ(fittedPicture({5, 6, 100, 100}, 0, 0), (PixelRect{5, 6, 0, 0}));
+}
+
+TEST(PlotColumn, RunsFromEndToEnd) {
+  const PixelRect plot{100, 0, 201, 20};
+  EXPECT_EQ(plotColumn(plot, 0), 100);
+  EXPECT_EQ(plotColumn(plot, 0.5), 200);
+  EXPECT_EQ(plotColumn(plot, 1), 300);
+  EXPECT_EQ(plotColumn(plot, -1), 100);
+  EXPECT_EQ(plotColumn(plot, 2), 300);
 }
 
 TEST(PlaceOnTrack, RunsFromEndToEnd) {
