@@ -356,7 +356,8 @@ void LiveSession::finishOpening(std::future<void> opening, const std::string& re
   noteSettings();
 }
 
-// Takes over what the camera has after it was opened.
+// Takes over what the camera has after it was opened. Apart from finishOpening(), because the code
+// of mingw's GCC 12 crashed through Wine when this followed its exception handler.
 void LiveSession::noteSettings() {
   const oc::CaptureState now = capture_.state();
   wanted_ = now.settings;
