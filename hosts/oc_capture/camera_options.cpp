@@ -104,6 +104,17 @@ int sideOf(const oc::CameraInfo& camera, const char* option, std::optional<int> 
   return wanted.value_or(longest);
 }
 
+// ToupTek's frames start with the bottom row on Windows. A row of a frame that is less high is then
+// another row of the sensor. The library does not tell which SDK a camera belongs to.
+bool mayStartAtTheBottom(const std::vector<std::string>& sdks) {
+#ifdef _WIN32
+  return std::ranges::find(sdks, "toupcam") != sdks.end();
+#else
+  static_cast<void>(sdks);
+  return false;
+#endif
+}
+
 // The size to open the camera with, so that its frames hold the region.
 CornerSize sizeFor(const Region& region, int bin, const oc::CameraInfo& camera) {
   const int width = camera.maxWidth / bin;
@@ -245,7 +256,11 @@ oc::Scan findCameras(const std::string& sdkDirectory) {
 ChosenCamera findCamera(const CameraOptions& options) {
   const oc::Scan catalogue = findCameras(options.sdkDirectory);
   const oc::CameraInfo& camera = chooseCamera(catalogue.cameras, options.camera);
-  return {camera, settingsFor(options, camera), catalogue.libraries};
+  ChosenCamera chosen{camera, settingsFor(options, camera), catalogue.libraries};
+  if (options.correction.region && mayStartAtTheBottom(catalogue.libraries)) {
+    chosen.settings.height = camera.maxHeight;
+  }
+  return chosen;
 }
 
 }  // namespace orvane::host

@@ -79,7 +79,7 @@ oc::Scan findCameras(const std::string& sdkDirectory);
 
 /// Scans for cameras and chooses one. Throws UsageError when no camera fits the options, when
 /// several do, or when this one does not offer the settings; oc::Error when there is no camera at
-/// all.
+/// all. With a region, frames have their whole height where they might start with the bottom row.
 ChosenCamera findCamera(const CameraOptions& options);
 
 }  // namespace orvane::host
