@@ -10,7 +10,8 @@ set -eu
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export WINEPREFIX="${WINEPREFIX:-$here/../build/wine-prefix}"
 export WINEDEBUG="${WINEDEBUG:--all}"
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+# A program that crashes ends at once: Wine's debugger may wait for ever.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=};winedbg.exe=d"
 export WINEARCH=win64
 
 # Wine keeps file names in the locale's encoding. Outside UTF-8 it finds no file with other letters.

@@ -96,7 +96,14 @@ class OcCaptureDoctor : public OcCaptureTest {
       const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(image.at(at)); };
       const std::size_t header = byteAt(0x3c) + 256U * byteAt(0x3d);
       put16(header + 4, windowsNumber);
-      put16(header + 24, bits == 64 ? 0x20b : 0x10b);
+      if (bits == 32) {
+        // A 32-bit header's image base (16 MiB), and no data directories: Wine's loader crashes on
+        // what it would read there otherwise.
+        put16(header + 24, 0x10b);
+        put16(header + 24 + 28, 0);
+        put16(header + 24 + 30, 0x100);
+        std::fill_n(image.begin() + static_cast<std::ptrdiff_t>(header + 24 + 92), 132, '\0');
+      }
     } else {
       image.at(4) = bits == 64 ? 2 : 1;
       put16(18, linuxNumber);
