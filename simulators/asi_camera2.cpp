@@ -199,7 +199,6 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
-                                      .name = "ZWO ASI",
                                       .defaultModels = defaultModels,
                                       .formatCodes = formatCodes,
                                       .patternCodes = patternCodes,

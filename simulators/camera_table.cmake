@@ -5,7 +5,7 @@
 file(STRINGS "${TABLE}" lines ENCODING UTF-8)
 set(text "")
 foreach(line IN LISTS lines)
-  if(NOT line MATCHES "^(#|maker,)")
+  if(NOT line MATCHES "^(#|sdk,)")
     string(APPEND text "    \"${line}\",\n")
   endif()
 endforeach()

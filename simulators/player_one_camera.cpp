@@ -196,7 +196,6 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
-                                      .name = "Player One",
                                       .defaultModels = defaultModels,
                                       .formatCodes = formatCodes,
                                       .patternCodes = patternCodes,

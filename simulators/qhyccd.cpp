@@ -136,7 +136,6 @@ constexpr FunctionOutputs outputs[] = {
 
 constinit const sim::Maker sim::maker{
     .sdkName = "qhyccd",
-    .name = "QHYCCD",
     .defaultModels = defaultModels,
     .patternCodes = patternCodes,
     .queue = {2, WhenFull::DropOldest},

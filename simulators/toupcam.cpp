@@ -308,7 +308,6 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "toupcam",
-                                      .name = "ToupTek",
                                       .defaultModels = defaultModels,
                                       .patternCodes = patternCodes,
                                       .lacksDepthAt8Bits = true,

@@ -16,7 +16,7 @@ namespace {
 
 // The columns of the table, in their order.
 enum Column : std::size_t {
-  makerColumn,
+  sdkColumn,
   nameColumn,
   sizeColumn,
   pixelColumn,
@@ -142,7 +142,7 @@ SimCamera modelOf(const Fields& fields) {
 }
 
 bool isOfThisSdk(const Fields& fields) {
-  return fields[makerColumn] == maker.name;
+  return fields[sdkColumn] == maker.sdkName;
 }
 
 // What distinguishes a model, for a person who chooses one.

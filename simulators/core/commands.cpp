@@ -304,7 +304,7 @@ class Interpreter {
               [this](Word function, Count nth, Count times, Word kind, Remainder text) {
                 return addThrow(function, {nth, times}, kind, text.text);
               }),
-      command("camera NAME", [this](const ModelName& model) { return addCamera(model.text); }),
+      command("camera MODEL", [this](const ModelName& model) { return addCamera(model.text); }),
       command("unplug INDEX FUNCTION NTH [silently]",
               [this](Count camera, Word function, Count nth, Remainder how) {
                 return unplug(camera, function, nth, how.text);

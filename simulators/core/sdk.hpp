@@ -105,7 +105,6 @@ struct CodeOf {
 // What differs between the makers' SDKs. Each maker's file defines one.
 struct Maker {
   const char* sdkName;
-  const char* name;                            // in the table of models
   std::span<const char* const> defaultModels;  // the names of the default cameras
   std::span<const CodeOf> formatCodes = {};    // if the SDK lists formats
   std::span<const CodeOf> patternCodes;        // of Bayer patterns, and of "mono"

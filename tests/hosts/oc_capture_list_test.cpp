@@ -27,15 +27,15 @@ TEST_F(OcCaptureList, ShowsEachCameraWithItsLimits) {
   EXPECT_EQ(list(),
             "Libraries: ASICamera2\n"
             "Index  Name               Sensor       Bits  Pixel    Colour  Cooled  USB  Bins     "
-            "Formats                 Gain      Longest exposure\n"
+            "Formats                 Gain        Longest exposure\n"
             "0      ZWO ASI120MC-S     1280 x 960   12    3.75 um  GRBG    no      3    1,2      "
-            "raw8,rgb24,raw16,mono8  0 to 100  1000s\n"
+            "raw8,rgb24,mono8,raw16  0 to 100    2000s\n"
             "1      ZWO ASI294MC Pro   4144 x 2822  14    4.63 um  RGGB    yes     3    1,2,3,4  "
-            "raw8,rgb24,raw16,mono8  0 to 570  2000s\n"
+            "raw8,rgb24,mono8,raw16  0 to 570    2000s\n"
             "2      ZWO ASI2600MM Pro  6248 x 4176  16    3.76 um  mono    yes     3    1,2,3,4  "
-            "raw8,raw16              0 to 700  2000s\n"
+            "raw8,raw16              -25 to 700  2000s\n"
             "3      ZWO ASI290MM Mini  1936 x 1096  12    2.9 um   mono    no      -    1,2      "
-            "raw8,raw16              0 to 600  1000s\n");
+            "raw8,raw16              0 to 600    2000s\n");
 }
 
 TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
@@ -108,7 +108,7 @@ TEST_F(OcCaptureList, ShowsACameraWhosePixelSizeIsNotANumber) {
 
 TEST_F(OcCaptureList, ShowsACameraThatIsInUseElsewhereWithoutItsRanges) {
   sdks.add("ASICamera2");
-  EXPECT_PRED_FORMAT2(IsSubstring, "mono8  -         -\n1 ",
+  EXPECT_PRED_FORMAT2(IsSubstring, "raw16  -           -\n1 ",
                       list("", "force ASIOpenCamera 1 1 16"));
 }
 
