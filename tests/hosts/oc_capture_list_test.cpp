@@ -112,6 +112,32 @@ TEST_F(OcCaptureList, ShowsACameraThatIsInUseElsewhereWithoutItsRanges) {
                       list("", "force ASIOpenCamera 1 1 16"));
 }
 
+TEST_F(OcCaptureList, ShowsTheModelsOfSimulatedSdks) {
+  sdks.add("qhyccd");
+  sdks.add("toupcam");
+  const std::string text = list("--cabinet");
+  EXPECT_EQ(text.substr(0, text.find('\n')),
+            "Maker    Name                        Sensor         "
+            "Remarks");
+  for (const char* line :
+       {"QHYCCD   QHY268M                     6280 x 4210    mono, cooled",
+        "QHYCCD   QHY174M                     1920 x 1200    mono, cooled, refuses bits before "
+        "size at bin 2",
+        "ToupTek  SkyRaider2.3(USB2.0)        1920 x 1200    GRBG, USB 2, no black level",
+        "ToupTek  SkyRaider440DSM             748 x 578      mono, USB 2, no depth option"}) {
+    EXPECT_PRED_FORMAT2(IsSubstring, std::string("\n") + line + "\n", text);
+  }
+  const ordered_json models = ordered_json::parse(list("--cabinet --json"))["models"];
+  EXPECT_EQ(models.at(0).dump(), R"({"maker":"QHYCCD","name":"IC8300-M","sensor":"3584 x 2576",)"
+                                 R"("remarks":"mono, cooled, USB 2"})");
+}
+
+TEST_F(OcCaptureList, TellsThatNoSdkIsSimulated) {
+  EXPECT_EQ(list("--cabinet", "", 1,
+                 "oc_capture: No simulated SDK is in \"" + utf8(sdks.path()) + "\".\n"),
+            "");
+}
+
 TEST_F(OcCaptureList, FindsSdksInADirectoryOfAnyName) {
   sdks.add("ASICamera2");
   const auto directory = scratch.file("caf\u00e9 \U0001F52D");

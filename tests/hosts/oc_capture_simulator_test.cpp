@@ -149,7 +149,7 @@ TEST_F(OcCaptureSimulator, TheDocumentedExamplesRunAsShown) {
     EXPECT_EQ(result.status, 1) << simulator;
     ++count;
   }
-  EXPECT_EQ(count, 5U);
+  EXPECT_EQ(count, 6U);
 }
 
 // The example of a scene names a file that only its reader has.
