@@ -41,11 +41,8 @@ std::string inQuotes(std::string_view text) {
 }
 
 // The parameters of commands are words, numbers, or one of these as the last.
-struct FileName {  // may contain blanks
+struct Name {  // of a file or a model; may contain blanks
   std::string text;
-};
-struct ModelName {  // the same
-  std::string_view text;
 };
 struct Remainder {  // may also be empty
   std::string_view text;
@@ -70,14 +67,9 @@ bool readField(std::string_view& arguments, Remainder& remainder) {
   return true;
 }
 
-bool readField(std::string_view& arguments, ModelName& model) {
-  model.text = std::exchange(arguments, {});
-  return !model.text.empty();
-}
-
-bool readField(std::string_view& arguments, FileName& file) {
-  file.text = std::exchange(arguments, {});
-  return !file.text.empty();
+bool readField(std::string_view& arguments, Name& name) {
+  name.text = std::exchange(arguments, {});
+  return !name.text.empty();
 }
 
 // A command that a user can write.
@@ -304,7 +296,7 @@ class Interpreter {
               [this](Word function, Count nth, Count times, Word kind, Remainder text) {
                 return addThrow(function, {nth, times}, kind, text.text);
               }),
-      command("camera MODEL", [this](const ModelName& model) { return addCamera(model.text); }),
+      command("camera MODEL", [this](const Name& model) { return addCamera(model.text); }),
       command("unplug INDEX FUNCTION NTH [silently]",
               [this](Count camera, Word function, Count nth, Remainder how) {
                 return unplug(camera, function, nth, how.text);
@@ -347,11 +339,11 @@ class Interpreter {
                 return "";
               }),
       command("scene FILE",
-              [](const FileName& file) {
+              [](const Name& file) {
                 const std::string reason = sdk().playRecording(file.text.c_str());
                 return reason.empty() ? "" : "the file cannot be played: " + reason;
               }),
-      command("log FILE", [](const FileName& file) -> std::string {
+      command("log FILE", [](const Name& file) -> std::string {
         return sdk().log.enableFile(file.text) ? "" : "the file cannot be opened";
       })};
 };
