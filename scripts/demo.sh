@@ -28,8 +28,8 @@ recordings=(
   "ASI120MC-S|rgb24|zwo-rgb24"
   "ASI120MC-S|mono8|zwo-mono8"
   "Mars-C|raw16|player-one-raw16"
-  "QHY5III462C|raw16|qhyccd-raw16"
-  "G3CMOS06300KPA|raw16|touptek-raw16"
+  "QHY5III482C|raw16|qhyccd-raw16"
+  "SkyRaiderDS6.3|raw16|touptek-raw16"
 )
 echo
 echo "== recordings"

@@ -153,7 +153,7 @@ magnify() {
   sleep 4  # wait until the processes with the old setting have ended
 }
 magnify 192
-start --camera QHY5III462C
+start --camera QHY5III482C
 press f
 shot 17-magnified "at 192 dots per inch"
 stop

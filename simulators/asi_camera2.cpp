@@ -1,12 +1,13 @@
 // ZWO's ASICamera2, simulated.
 //
-// Exposure, gain and offset change the picture, and the cooler's controls the temperature. Other
-// controls only keep their value.
+// Exposure, gain, offset and flip change the picture, and the cooler's controls the temperature.
+// Other controls only keep their value. As in the maker's SDK, the values of a model stay from one
+// initialisation to the next.
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,29 +51,12 @@ enum : int {
   ASI_ERROR_GENERAL_ERROR = 16,
 };
 
-constexpr std::int32_t bayerRggb = 0;
-constexpr std::int32_t bayerGrbg = 2;
+constexpr const char* defaultModels[] = {"ZWO ASI120MC-S", "ZWO ASI294MC Pro", "ZWO ASI2600MM Pro",
+                                         "ZWO ASI290MM Mini"};
 
-constexpr Formats colorFormats{ASI_IMG_RAW8, ASI_IMG_RGB24, ASI_IMG_RAW16, ASI_IMG_Y8, ASI_IMG_END};
-constexpr Formats monoFormats{ASI_IMG_RAW8, ASI_IMG_RAW16, ASI_IMG_END};
-
-constexpr std::array defaultCameras{
-    defaultCamera({.name = "ZWO ASI120MC-S", .id = 0},
-                  {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
-                  {.isColor = true, .bayerPattern = bayerGrbg},
-                  {.gain = {0, 100}, .exposureUs = {64, 1e9}, .offset = {0, 20}}, colorFormats),
-    defaultCamera({.name = "ZWO ASI294MC Pro", .id = 1},
-                  {.width = 4144, .height = 2822, .pixelSizeUm = 4.63, .bitDepth = 14, .bins = 4},
-                  {.isColor = true, .bayerPattern = bayerRggb, .isCooled = true},
-                  {.gain = {0, 570}, .exposureUs = {32, 2e9}, .offset = {0, 80}}, colorFormats),
-    defaultCamera({.name = "ZWO ASI2600MM Pro", .id = 2},
-                  {.width = 6248, .height = 4176, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
-                  {.bayerPattern = bayerRggb, .isCooled = true},
-                  {.gain = {0, 700}, .exposureUs = {32, 2e9}, .offset = {0, 240}}, monoFormats),
-    defaultCamera({.name = "ZWO ASI290MM Mini", .id = 3},
-                  {.width = 1936, .height = 1096, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 2},
-                  {.bayerPattern = bayerRggb, .isUsb3 = false},
-                  {.gain = {0, 600}, .exposureUs = {32, 1e9}, .offset = {0, 240}}, monoFormats)};
+constexpr CodeOf formatCodes[] = {
+    {"RAW8", ASI_IMG_RAW8}, {"RGB24", ASI_IMG_RGB24}, {"RAW16", ASI_IMG_RAW16}, {"Y8", ASI_IMG_Y8}};
+constexpr CodeOf patternCodes[] = {{"mono", 0}, {"RGGB", 0}, {"BGGR", 1}, {"GRBG", 2}, {"GBRG", 3}};
 
 // The controls are in the order in which a camera lists them.
 void setUp(Camera& camera) {
@@ -114,10 +98,33 @@ void setUp(Camera& camera) {
 constexpr std::pair<std::int32_t, Layout> layouts[] = {
     {ASI_IMG_RGB24, Layout::Bgr24}, {ASI_IMG_RAW16, Layout::Raw16}, {ASI_IMG_Y8, Layout::Luma8}};
 
+// The Bayer pattern of a frame whose columns or rows are in the reverse order. Their number is
+// even.
+constexpr BayerPattern mirrored(BayerPattern pattern) {
+  constexpr BayerPattern patterns[] = {BayerPattern::None, BayerPattern::Grbg, BayerPattern::Gbrg,
+                                       BayerPattern::Rggb, BayerPattern::Bggr};
+  return patterns[static_cast<std::size_t>(pattern)];
+}
+constexpr BayerPattern upsideDown(BayerPattern pattern) {
+  constexpr BayerPattern patterns[] = {BayerPattern::None, BayerPattern::Gbrg, BayerPattern::Grbg,
+                                       BayerPattern::Bggr, BayerPattern::Rggb};
+  return patterns[static_cast<std::size_t>(pattern)];
+}
+
 FrameSettings frameSettings(const Camera& camera) {
   FrameSettings settings = commonSettings(camera, bayerPatternOfNumber(camera.model.bayerPattern),
                                           {ASI_EXPOSURE, ASI_GAIN, ASI_OFFSET});
   settings.layout = lookUp(layouts, camera.device.format, Layout::Raw8);
+  const auto flip = static_cast<std::uint32_t>(camera.device.value(ASI_FLIP));
+  if ((flip & 1U) != 0) {
+    settings.isMirrored = true;
+    settings.bayerPattern = mirrored(settings.bayerPattern);
+  }
+  if ((flip & 2U) != 0) {
+    settings.isUpsideDown = true;
+    settings.isTurned = true;
+    settings.bayerPattern = upsideDown(settings.bayerPattern);
+  }
   return settings;
 }
 
@@ -134,6 +141,10 @@ long reading(const Camera& camera, const Control& control) {
   }
 }
 
+bool isUsb2Model(const SimCamera& model, std::string_view start) {
+  return model.isUsb3Camera == 0 && model.isUsb3Host == 0 && textOf(model.name).starts_with(start);
+}
+
 // Whether the camera supports a region of this size after binning.
 bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
   if (!hasBin(model, bin) || width <= 0 || height <= 0 || width % 8 != 0 || height % 2 != 0 ||
@@ -141,8 +152,36 @@ bool isGoodSize(const SimCamera& model, int width, int height, int bin) {
     return false;
   }
   // The ASI120 models for USB 2 send frames in blocks of 1024 pixels.
-  const bool sendsBlocks = model.isUsb3Camera == 0 && textOf(model.name).starts_with("ZWO ASI120");
-  return !sendsBlocks || std::int64_t{width} * height % 1024 == 0;
+  return !isUsb2Model(model, "ZWO ASI120") || std::int64_t{width} * height % 1024 == 0;
+}
+
+// How long it takes to open a camera and to initialise it, at real timing.
+std::int64_t openingUs(const SimCamera& model) {
+  constexpr std::int64_t shortest = 50'000;
+  constexpr std::int64_t longest = 500'000;
+  if (isUsb2Model(model, "ZWO ASI120")) {
+    return 2'500'000;
+  }
+  const std::int64_t pixels = std::int64_t{model.width} * model.height;
+  return std::clamp(pixels / 100, shortest, longest);
+}
+
+// Waits for a frame, after the damaged ones that a fault lets arrive first. With the ASI120 and
+// ASI130 for USB 2, the SDK forgets its time limit while damaged frames arrive.
+bool waitForWholeFrame(Camera& camera, int waitMs) {
+  const auto* damage = sdk().faults.first<DamagedFrames>();
+  const bool hasLimit = waitMs >= 0 && !isUsb2Model(camera.model, "ZWO ASI120") &&
+                        !isUsb2Model(camera.model, "ZWO ASI130");
+  const std::int64_t end = sdk().clock.now() + std::int64_t{waitMs} * 1000;
+  int left = waitMs;
+  for (std::int32_t i = 0; damage != nullptr && i < damage->count; ++i) {
+    if (!sdk().waitForFrame(camera, hasLimit ? left : -1)) {
+      return false;
+    }
+    sdk().dropFrame(camera);
+    left = static_cast<int>(std::max<std::int64_t>(end - sdk().clock.now(), 0) / 1000);
+  }
+  return sdk().waitForFrame(camera, waitMs);
 }
 
 // The outputs that can be forced.
@@ -160,7 +199,10 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "ASICamera2",
-                                      .cameras = defaultCameras,
+                                      .defaultModels = defaultModels,
+                                      .formatCodes = formatCodes,
+                                      .patternCodes = patternCodes,
+                                      .keepsSettings = true,
                                       .queue = {2, WhenFull::DropOldest},
                                       .widthStep = 8,
                                       .heightStep = 2,
@@ -218,6 +260,12 @@ int ASIOpenCamera(int cameraId) {
 
 int ASIInitCamera(int cameraId) {
   return Call(__func__, cameraId).onOpen(cameraId, [](Camera& camera) -> int {
+    sdk().spend(openingUs(camera.model));
+    for (const auto& [id, value] : sdk().keptSettings(camera.model)) {
+      if (Control* control = camera.device.find(id)) {
+        control->value = clamped(value, control->minimum, control->maximum);
+      }
+    }
     camera.device.isInitialised = true;
     return ASI_SUCCESS;
   });
@@ -280,7 +328,7 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     if (control == nullptr) {
       return ASI_ERROR_INVALID_CONTROL_TYPE;
     }
-    if (!control->isWritable()) {
+    if (!control->isWritable() || (controlType == ASI_OFFSET && camera.model.refusesOffset != 0)) {
       return ASI_ERROR_GENERAL_ERROR;
     }
     control->value = clamped(static_cast<double>(value), control->minimum, control->maximum);
@@ -288,6 +336,8 @@ int ASISetControlValue(int cameraId, int controlType, long value, int isAuto) {
     if (controlType == ASI_COOLER_ON || controlType == ASI_TARGET_TEMP) {
       device.cooler.set(sdk().clock.now(), device.value(ASI_COOLER_ON) != 0,
                         device.value(ASI_TARGET_TEMP));
+    } else {
+      sdk().keptSettings(camera.model)[controlType] = control->value;
     }
     sdk().changed(camera);
     return ASI_SUCCESS;
@@ -370,7 +420,7 @@ int ASIGetVideoData(int cameraId, unsigned char* buffer, long bufferSize, int wa
       ++sdk().counts.shortBuffers;
       return ASI_ERROR_BUFFER_TOO_SMALL;
     }
-    if (!sdk().waitForFrame(camera, waitMs)) {
+    if (!waitForWholeFrame(camera, waitMs)) {
       return ASI_ERROR_TIMEOUT;
     }
     sdk().takeFrame(camera, buffer);

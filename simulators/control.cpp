@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <span>
 #include <string>
 
+#include "core/cabinet.hpp"
 #include "core/sdk.hpp"
 #include "simulator_control.h"
 
@@ -33,8 +35,26 @@ int32_t sim_get_camera(int32_t index, SimCamera* camera) {
   return 1;
 }
 
+int32_t sim_camera_by_name(const char* name, SimCamera* camera) {
+  if (name == nullptr || camera == nullptr) {
+    return 0;
+  }
+  const std::optional<SimCamera> model = modelNamed(name);
+  if (model) {
+    *camera = *model;
+  }
+  return model ? 1 : 0;
+}
+
+const char* sim_cabinet(void) {
+  static const std::string text = cabinetText();
+  return text.c_str();
+}
+
 void sim_set_plugged(int32_t index, int32_t plugged) {
-  sdk().setPlugged(index, plugged != 0);
+  sdk().setPlugged(index, plugged == SIM_UNPLUGGED            ? Plug::Out
+                          : plugged == SIM_UNPLUGGED_SILENTLY ? Plug::OutSilently
+                                                              : Plug::In);
 }
 
 void sim_force_result(const char* function, int32_t nth, int32_t times, int64_t result) {

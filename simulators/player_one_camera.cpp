@@ -62,22 +62,15 @@ enum : int {
   POA_ERROR_OPERATION_FAILED = 16,
 };
 
-constexpr Formats colorFormats{POA_RAW8, POA_RAW16, POA_RGB24, POA_MONO8, POA_END};
-constexpr Formats monoFormats{POA_RAW8, POA_RAW16, POA_END};
+constexpr const char* defaultModels[] = {"Mars-C", "Neptune-C II", "Poseidon-M Pro"};
 
-constexpr std::array defaultCameras{
-    defaultCamera({.name = "Mars-C", .id = 0},
-                  {.width = 1944, .height = 1096, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 4},
-                  {.isColor = true, .bayerPattern = POA_BAYER_RG},
-                  {.gain = {0, 600}, .exposureUs = {10, 2e9}, .offset = {0, 250}}, colorFormats),
-    defaultCamera({.name = "Neptune-C II", .id = 1},
-                  {.width = 2712, .height = 1538, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 4},
-                  {.isColor = true, .bayerPattern = POA_BAYER_RG},
-                  {.gain = {0, 600}, .exposureUs = {10, 2e9}, .offset = {0, 250}}, colorFormats),
-    defaultCamera({.name = "Poseidon-M Pro", .id = 2},
-                  {.width = 6252, .height = 4176, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
-                  {.bayerPattern = POA_BAYER_MONO, .isCooled = true},
-                  {.gain = {0, 500}, .exposureUs = {10, 2e9}, .offset = {0, 400}}, monoFormats)};
+constexpr CodeOf formatCodes[] = {
+    {"RAW8", POA_RAW8}, {"RAW16", POA_RAW16}, {"RGB24", POA_RGB24}, {"MONO8", POA_MONO8}};
+constexpr CodeOf patternCodes[] = {
+    {"mono", POA_BAYER_MONO}, {"RGGB", 0}, {"BGGR", 1}, {"GRBG", 2}, {"GBRG", 3}};
+
+// What the SDK reports as the temperature of a camera that was unplugged.
+constexpr double unpluggedTemperature = -300;
 
 void setUp(Camera& camera) {
   const SimCamera& model = camera.model;
@@ -167,7 +160,7 @@ double reading(const Camera& camera, const Control& control) {
   const std::int64_t now = sdk().clock.now();
   switch (control.id) {
     case POA_TEMPERATURE:
-      return camera.device.cooler.temperature(now);
+      return camera.device.isSilent ? unpluggedTemperature : camera.device.cooler.temperature(now);
     case POA_COOLER_POWER:
       return camera.device.cooler.power(now);
     default:
@@ -203,7 +196,9 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "PlayerOneCamera",
-                                      .cameras = defaultCameras,
+                                      .defaultModels = defaultModels,
+                                      .formatCodes = formatCodes,
+                                      .patternCodes = patternCodes,
                                       .queue = {2, WhenFull::DropOldest},
                                       .widthStep = 4,
                                       .heightStep = 2,

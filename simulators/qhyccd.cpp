@@ -4,7 +4,6 @@
 // controls only keep their value. A value out of range is refused.
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -49,23 +48,16 @@ constexpr int liveMode = 1;
 // the usual one.
 constexpr std::size_t textBufferSize = 256;
 
-constexpr std::array defaultCameras{
-    defaultCamera({.name = "QHY5III462C", .key = "QHY5III462C-5f2a7c0e91d3b846"},
-                  {.width = 1920, .height = 1080, .pixelSizeUm = 2.9, .bitDepth = 12, .bins = 2},
-                  {.isColor = true, .bayerPattern = BAYER_RG, .hasTemperature = false},
-                  {.gain = {0, 510}, .exposureUs = {7, 9e8}, .offset = {0, 255}}),
-    defaultCamera({.name = "QHY268M", .key = "QHY268M-3c91e7d05ab2486f"},
-                  {.width = 6280, .height = 4210, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
-                  {.bayerPattern = BAYER_NONE, .isCooled = true},
-                  {.gain = {0, 200}, .exposureUs = {30, 3.6e9}, .offset = {0, 255}}),
-    defaultCamera({.name = "QHY600M", .key = "QHY600M-a04d6f183e92c75b"},
-                  {.width = 9600, .height = 6422, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 4},
-                  {.bayerPattern = BAYER_NONE, .isCooled = true},
-                  {.gain = {0, 200}, .exposureUs = {40, 3.6e9}, .offset = {0, 255}}),
-    defaultCamera({.name = "QHY5LII-M", .key = "QHY5LII-M-6b8ce1f24970d35a"},
-                  {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
-                  {.bayerPattern = BAYER_NONE, .isUsb3 = false, .hasTemperature = false},
-                  {.gain = {0, 100}, .exposureUs = {20, 6e8}, .offset = {0, 255}})};
+constexpr const char* defaultModels[] = {"QHY5III482C", "QHY268M", "QHY600M", "QHY6-M"};
+
+constexpr CodeOf patternCodes[] = {{"mono", BAYER_NONE},
+                                   {"RGGB", BAYER_RG},
+                                   {"BGGR", BAYER_BG},
+                                   {"GRBG", BAYER_GR},
+                                   {"GBRG", BAYER_GB}};
+
+// What the SDK reports as the temperature of a camera that was unplugged.
+constexpr double unpluggedTemperature = -2176;
 
 void setUp(Camera& camera) {
   const SimCamera& model = camera.model;
@@ -94,6 +86,14 @@ FrameSettings frameSettings(const Camera& camera) {
   const bool isWide = camera.device.value(CONTROL_TRANSFERBIT) > 8;
   settings.layout = isWide ? Layout::Raw16 : Layout::Raw8;
   return settings;
+}
+
+// Whether the SDK refuses to set the depth at the present bin.
+bool refusesBits(const Camera& camera) {
+  const SimCamera& model = camera.model;
+  const bool isRefused =
+      camera.device.bin < 32 && (model.refusesBitsAtBins >> camera.device.bin & 1U) != 0;
+  return isRefused && !(model.acceptsBitsAfterSize != 0 && camera.device.isSizeSet);
 }
 
 // The memory that a user needs for any frame of the camera: that of the largest frame, in 16 bits
@@ -136,7 +136,8 @@ constexpr FunctionOutputs outputs[] = {
 
 constinit const sim::Maker sim::maker{
     .sdkName = "qhyccd",
-    .cameras = defaultCameras,
+    .defaultModels = defaultModels,
+    .patternCodes = patternCodes,
     .queue = {2, WhenFull::DropOldest},
     .setUp = setUp,
     .frameSettings = frameSettings,
@@ -147,6 +148,8 @@ extern "C" {
 
 std::uint32_t InitQHYCCDResource() {
   return Call(__func__).run([&]() -> std::uint32_t {
+    constexpr std::int64_t searchUs = 1'000'000;
+    sdk().spend(searchUs);
     sdk().isSdkInitialised = true;
     return QHYCCD_SUCCESS;
   });
@@ -237,7 +240,9 @@ std::uint32_t GetQHYCCDChipInfo(void* handle, double* chipWidthMm, double* chipH
     call.out("imageHeight", imageHeight, static_cast<std::uint32_t>(model.height));
     call.out("pixelWidthUm", pixelWidthUm, model.pixelSizeUm);
     call.out("pixelHeightUm", pixelHeightUm, model.pixelSizeUm);
-    call.out("bitsPerPixel", bitsPerPixel, static_cast<std::uint32_t>(model.bitDepth));
+    call.out("bitsPerPixel", bitsPerPixel,
+             static_cast<std::uint32_t>(model.reportedBitDepth != 0 ? model.reportedBitDepth
+                                                                    : model.bitDepth));
     return QHYCCD_SUCCESS;
   });
 }
@@ -315,7 +320,8 @@ double GetQHYCCDParam(void* handle, int controlId) {
     const std::int64_t now = sdk().clock.now();
     switch (controlId) {
       case CONTROL_CURTEMP:
-        return camera.device.cooler.temperature(now);
+        return camera.device.isSilent ? unpluggedTemperature
+                                      : camera.device.cooler.temperature(now);
       case CONTROL_CURPWM:
         return camera.device.cooler.power(now) * 2.55;
       default:
@@ -332,6 +338,7 @@ std::uint32_t SetQHYCCDBinMode(void* handle, std::uint32_t horizontal, std::uint
       return QHYCCD_ERROR;
     }
     Sdk::showWholeSensor(camera, bin);
+    camera.device.isSizeSet = false;
     return QHYCCD_SUCCESS;
   });
 }
@@ -339,7 +346,7 @@ std::uint32_t SetQHYCCDBinMode(void* handle, std::uint32_t horizontal, std::uint
 std::uint32_t SetQHYCCDBitsMode(void* handle, std::uint32_t bits) {
   return Call(__func__, handle, bits).onReady(handle, [&](Camera& camera) -> std::uint32_t {
     const bool isSupported = bits == 8 || (bits == 16 && camera.model.bitDepth > 8);
-    if (camera.device.stream.isRunning() || !isSupported) {
+    if (camera.device.stream.isRunning() || !isSupported || refusesBits(camera)) {
       return QHYCCD_ERROR;
     }
     camera.device.find(CONTROL_TRANSFERBIT)->value = bits;
@@ -361,6 +368,7 @@ std::uint32_t SetQHYCCDResolution(void* handle, std::uint32_t x, std::uint32_t y
     }
     device.region = {static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
                      static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+    device.isSizeSet = true;
     return QHYCCD_SUCCESS;
   });
 }

@@ -7,7 +7,8 @@
  * and reads the log of calls. Every simulated SDK has its own state: look up these functions in the
  * library that you want to control (GetProcAddress, dlsym).
  *
- * By default a simulator has a few believable cameras, a running clock and no log.
+ * By default a simulator has a few cameras, a running clock and no log. They and many others are
+ * lines of simulators/cameras.csv: models as the makers' own SDKs describe them.
  *
  * For a program that does not call these functions, the environment variable ORVANE_SIMULATOR can
  * hold commands; see sim_command().
@@ -47,7 +48,7 @@ typedef struct SimCamera {
   int32_t width; /* sensor, pixels */
   int32_t height;
   double pixelSizeUm;
-  int32_t bitDepth; /* of the converter, 8 to 16 */
+  int32_t bitDepth; /* of a frame's samples, 8 to 16 */
   int32_t isColor;
   /* The maker's own code. ToupTek: the four-character code of frames with the default of the
    * upside-down option. A colour camera with an unknown code delivers RGGB. */
@@ -63,6 +64,14 @@ typedef struct SimCamera {
   double offsetMin, offsetMax; /* no offset control if the maximum is below the minimum */
   int32_t hasTemperature;
   int32_t isBusy; /* opened by another program: cannot be opened here */
+  /* QHYCCD: the depth that the chip information reports; 0: bitDepth. Many models report that of
+   * the transfer. Ignored by the others. */
+  int32_t reportedBitDepth;
+  int32_t refusesOffset; /* ZWO: setting the offset fails with 16; ignored by the others */
+  /* QHYCCD: bit n is set if SetQHYCCDBitsMode fails with bin n; ignored by the others. If
+   * acceptsBitsAfterSize is not 0, it fails only until SetQHYCCDResolution is called. */
+  uint32_t refusesBitsAtBins;
+  int32_t acceptsBitsAfterSize;
 } SimCamera;
 
 /* Errors of the caller, counted since the last sim_reset(), and what is open now. */
@@ -99,9 +108,22 @@ ORVANE_SIMULATOR_API int32_t sim_set_cameras(const SimCamera* cameras, int32_t c
 /* Reads camera `index` of the present list; returns 1, or 0 if there is none. */
 ORVANE_SIMULATOR_API int32_t sim_get_camera(int32_t index, SimCamera* camera);
 
-/* Unplugs camera `index` (0) or plugs it in again (1). An unplugged camera disappears from the
- * enumeration, and its open device fails as the maker's does. After it is plugged in again, the
- * camera must be closed and opened before it works. */
+/* Fills in the model of this name, for sim_set_cameras(). `name` is one of this SDK in
+ * simulators/cameras.csv. Returns 1, or 0 if the SDK has no such model. The id is 0, and the key
+ * depends on the name only: several cameras of one model need other ones. */
+ORVANE_SIMULATOR_API int32_t sim_camera_by_name(const char* name, SimCamera* camera);
+
+/* The models of this SDK, one per line: the name, a tab, the sensor's size ("6248 x 4176"), a tab,
+ * and what is special ("mono, cooled"). */
+ORVANE_SIMULATOR_API const char* sim_cabinet(void);
+
+enum { SIM_UNPLUGGED = 0, SIM_PLUGGED = 1, SIM_UNPLUGGED_SILENTLY = 2 };
+
+/* Unplugs camera `index` (SIM_UNPLUGGED) or plugs it in again (SIM_PLUGGED). An unplugged camera
+ * disappears from the enumeration, and its open device fails as the maker describes. With
+ * SIM_UNPLUGGED_SILENTLY the open device behaves as real ones mostly do: its calls succeed, but no
+ * frame arrives, and the temperature is -300 (Player One) or -2176 (QHYCCD). After it is plugged
+ * in again, the camera must be closed and opened before it works. */
 ORVANE_SIMULATOR_API void sim_set_plugged(int32_t index, int32_t plugged);
 
 /* Forces the result of calls of a maker's function: `times` calls (-1: all) from call number `nth`

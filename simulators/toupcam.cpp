@@ -5,7 +5,6 @@
 // from colour cameras and 8 from monochrome ones.
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <deque>
@@ -85,25 +84,12 @@ constexpr std::int32_t rawGrbg = fourCc("GRBG");
 constexpr std::int32_t rawGbrg = fourCc("GBRG");
 constexpr std::int32_t rawYyyy = fourCc("YYYY");
 
-// The Bayer pattern is that of frames delivered with the default of the upside-down option.
-constexpr std::array defaultCameras{
-    defaultCamera({.name = "ATR3CMOS26000KPA", .key = "tp-2-7-16-1204-1a5f"},
-                  {.width = 6224, .height = 4168, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 2},
-                  {.isColor = true, .bayerPattern = rawRggb, .isCooled = true},
-                  {.gain = {100, 10000}, .exposureUs = {100, 3.6e9}, .offset = {0, 7936}}),
-    defaultCamera({.name = "ATR3CMOS26000KMA", .key = "tp-2-8-16-1205-1b60"},
-                  {.width = 6224, .height = 4168, .pixelSizeUm = 3.76, .bitDepth = 16, .bins = 2},
-                  {.bayerPattern = rawYyyy, .isCooled = true},
-                  {.gain = {100, 10000}, .exposureUs = {100, 3.6e9}, .offset = {0, 7936}}),
-    defaultCamera({.name = "G3CMOS06300KPA", .key = "tp-1-3-16-1192-0c31"},
-                  {.width = 3040, .height = 2048, .pixelSizeUm = 2.4, .bitDepth = 14, .bins = 2},
-                  {.isColor = true, .bayerPattern = rawGbrg},
-                  {.gain = {100, 5000}, .exposureUs = {100, 1e9}, .offset = {0, 1984}}),
-    defaultCamera(
-        {.name = "GPCMOS01200KPF", .key = "tp-1-4-16-1127-0d18"},
-        {.width = 1280, .height = 960, .pixelSizeUm = 3.75, .bitDepth = 12, .bins = 2},
-        {.isColor = true, .bayerPattern = rawGrbg, .isUsb3 = false, .hasTemperature = false},
-        {.gain = {100, 2000}, .exposureUs = {105, 1e9}, .offset = {0, -1}})};
+constexpr const char* defaultModels[] = {"SkyRaiderDS26CTEC", "SkyRaiderDS26MTEC", "SkyRaiderDS6.3",
+                                         "SkyRaider2.3(USB2.0)"};
+
+// The patterns are those of frames delivered with the default of the upside-down option.
+constexpr CodeOf patternCodes[] = {
+    {"mono", rawYyyy}, {"RGGB", rawRggb}, {"BGGR", rawBggr}, {"GRBG", rawGrbg}, {"GBRG", rawGbrg}};
 
 ToupcamText idOf(const SimCamera& model) {
   return nativeText(textOf(model.key)).substr(0, textFieldLength);
@@ -168,7 +154,7 @@ void setUp(Camera& camera) {
   const double initialGain = clamped(100, model.gainMin, model.gainMax);
   camera.device.controls = {
       {TOUPCAM_OPTION_RAW, 0, 1, 0},
-      {TOUPCAM_OPTION_BITDEPTH, 0, model.bitDepth > 8 ? 1.0 : 0.0, 0},
+      onlyIf(model.bitDepth > 8, {TOUPCAM_OPTION_BITDEPTH, 0, 1, 0}),
       {TOUPCAM_OPTION_BINNING, 1, 8, 1},
       {TOUPCAM_OPTION_UPSIDE_DOWN, 0, 1, isWindows ? 1.0 : 0.0},
       {TOUPCAM_OPTION_BYTEORDER, 0, 1, isWindows ? 1.0 : 0.0},
@@ -296,6 +282,9 @@ Hresult putOption(Camera& camera, unsigned option, int value) {
       return hasBin(camera.model, value) ? putGeometry(camera, TOUPCAM_OPTION_BINNING, value)
                                          : E_INVALIDARG;
     case TOUPCAM_OPTION_BITDEPTH:
+      return camera.device.find(TOUPCAM_OPTION_BITDEPTH) != nullptr
+                 ? putGeometry(camera, TOUPCAM_OPTION_BITDEPTH, value)
+                 : E_NOTIMPL;
     case TOUPCAM_OPTION_UPSIDE_DOWN:
     case TOUPCAM_OPTION_BYTEORDER:
       return putGeometry(camera, static_cast<int>(option), value);
@@ -319,7 +308,9 @@ constexpr FunctionOutputs outputs[] = {
 }  // namespace
 
 constinit const sim::Maker sim::maker{.sdkName = "toupcam",
-                                      .cameras = defaultCameras,
+                                      .defaultModels = defaultModels,
+                                      .patternCodes = patternCodes,
+                                      .lacksDepthAt8Bits = true,
                                       .queue = {4, WhenFull::Pause},
                                       .setUp = setUp,
                                       .frameSettings = frameSettings,

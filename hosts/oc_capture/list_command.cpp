@@ -1,9 +1,11 @@
-// "oc_capture list": the cameras that are there, and what each can do.
+// "oc_capture list": the cameras that are there, and what each can do; or the models of the
+// simulated SDKs.
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -24,11 +26,14 @@ namespace {
 
 struct ListSettings {
   std::string sdkDirectory;
+  bool showsModels = false;
   Reporting reporting;
 };
 
 void addOptions(CommandOptions& options, ListSettings& list) {
   addSdkOptions(options, list.sdkDirectory);
+  options.addFlag("--cabinet", list.showsModels,
+                  "The models that simulated SDKs can show, instead\nof the cameras");
   addReportingOptions(options, list.reporting);
 }
 
@@ -114,7 +119,56 @@ std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,
          (catalogue.cameras.empty() ? "No cameras.\n" : cameraTable(catalogue.cameras));
 }
 
+// A model of a simulated SDK, as the SDK describes it.
+struct Model {
+  const char* maker;
+  std::string name;
+  std::string size;
+  std::string remarks;
+};
+
+// The models of all simulated SDKs in the directory. A maker's own SDK has none.
+std::vector<Model> modelsIn(const std::string& sdkDirectory) {
+  std::vector<Model> models;
+  for (const Sdk& sdk : allSdks()) {
+    const LoadResult load =
+        loadLibrary(fullSdkDirectory(sdkDirectory) / libraryFileName(sdk.baseName));
+    void* const cabinet =
+        load.module == nullptr ? nullptr : functionNamed(load.module, "sim_cabinet");
+    if (cabinet == nullptr) {
+      continue;
+    }
+    std::istringstream lines(reinterpret_cast<const char* (*)()>(cabinet)());
+    Model model{.maker = sdk.maker, .name = {}, .size = {}, .remarks = {}};
+    while (std::getline(lines, model.name, '\t') && std::getline(lines, model.size, '\t') &&
+           std::getline(lines, model.remarks)) {
+      models.push_back(model);
+    }
+  }
+  return models;
+}
+
+int listModels(const ListSettings& settings) {
+  Json document{{"models", Json::array()}};
+  std::vector<TableRow> rows{{"Maker", "Name", "Sensor", "Remarks"}};
+  for (const Model& model : modelsIn(settings.sdkDirectory)) {
+    document["models"].push_back({{"maker", model.maker},
+                                  {"name", model.name},
+                                  {"sensor", model.size},
+                                  {"remarks", model.remarks}});
+    rows.push_back({model.maker, model.name, model.size, model.remarks});
+  }
+  if (rows.size() == 1) {
+    throw std::runtime_error("No simulated SDK is in " + inQuotes(settings.sdkDirectory) + ".");
+  }
+  report(settings.reporting, document, textTable(rows, rows.front().size()));
+  return 0;
+}
+
 int listCameras(const ListSettings& settings) {
+  if (settings.showsModels) {
+    return listModels(settings);
+  }
   const oc::Scan catalogue = readCatalogue(settings.sdkDirectory);
   const std::vector<std::string> notLoaded = filesNotLoaded(settings.sdkDirectory, catalogue);
   report(settings.reporting, jsonOf(catalogue, notLoaded), textOf(settings, catalogue, notLoaded));

@@ -90,9 +90,9 @@ SdkFindings examineSdk(const Sdk& sdk, const fs::path& directory) {
       findings.load = loadLibrary(findings.file);
     }
     if (findings.isLoaded()) {
-      std::copy_if(sdk.functions.begin(), sdk.functions.end(),
-                   std::back_inserter(findings.missingFunctions),
-                   [&](const auto& name) { return !hasFunction(findings.load->module, name); });
+      std::copy_if(
+          sdk.functions.begin(), sdk.functions.end(), std::back_inserter(findings.missingFunctions),
+          [&](const auto& name) { return functionNamed(findings.load->module, name) == nullptr; });
     }
     addImports(findings, findings.file, findings.content);
   }

@@ -24,8 +24,8 @@ struct LoadResult {
 /// thread no message boxes about files.
 LoadResult loadLibrary(const std::filesystem::path& file);
 
-/// Whether a loaded library exports the function.
-bool hasFunction(void* module, const std::string& name);
+/// The address of a function that a loaded library exports; null if it exports none of this name.
+void* functionNamed(void* module, const std::string& name);
 
 /// Whether the loader reports a damaged file instead of crashing.
 extern const bool loaderSurvivesDamage;

@@ -40,8 +40,8 @@ LoadResult loadLibrary(const std::filesystem::path& file) {
   return result;
 }
 
-bool hasFunction(void* module, const std::string& name) {
-  return dlsym(module, name.c_str()) != nullptr;
+void* functionNamed(void* module, const std::string& name) {
+  return dlsym(module, name.c_str());
 }
 
 // The loader maps as much as the headers state. Reading beyond the end of the file ends the

@@ -58,8 +58,8 @@ LoadResult loadLibrary(const std::filesystem::path& file) {
   return result;
 }
 
-bool hasFunction(void* module, const std::string& name) {
-  return GetProcAddress(static_cast<HMODULE>(module), name.c_str()) != nullptr;
+void* functionNamed(void* module, const std::string& name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name.c_str()));
 }
 
 const bool loaderSurvivesDamage = true;

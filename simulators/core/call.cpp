@@ -10,7 +10,7 @@ namespace orvane::sim {
 bool Call::begin(const char* function) {
   Sdk& here = sdk();
   for (const PlugChange& change : here.faults.count(function)) {
-    here.setPlugged(change.camera, change.isPlugged);
+    here.setPlugged(change.camera, change.plug);
   }
   if (here.log.isEnabled()) {
     append(function);

@@ -3,12 +3,10 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <numeric>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -32,65 +30,6 @@ constexpr void copyText(Char (&field)[Size],
                         std::type_identity_t<std::basic_string_view<Char>> text) {
   Char* end = std::copy_n(text.data(), std::min(text.size(), Size), field);
   std::fill(end, field + Size, Char{});
-}
-
-// The parts of a default camera.
-struct Identity {
-  std::string_view name;
-  std::string_view key = {};
-  std::int32_t id = 0;
-};
-struct SensorFacts {
-  std::int32_t width;
-  std::int32_t height;
-  double pixelSizeUm;
-  std::int32_t bitDepth;
-  std::int32_t bins;  // the bins are 1 to this
-};
-struct Features {
-  bool isColor = false;
-  std::int32_t bayerPattern;  // the maker's code
-  bool isCooled = false;
-  bool isUsb3 = true;  // the camera and its connection
-  bool hasTemperature = true;
-};
-struct Range {
-  double minimum;
-  double maximum;
-};
-struct Ranges {
-  Range gain;
-  Range exposureUs;
-  Range offset;
-};
-using Formats = std::array<std::int32_t, 8>;
-
-constexpr SimCamera defaultCamera(const Identity& identity, const SensorFacts& sensor,
-                                  const Features& features, const Ranges& ranges,
-                                  const Formats& formats = {-1}) {
-  SimCamera camera{};
-  copyText(camera.name, identity.name);
-  copyText(camera.key, identity.key);
-  camera.id = identity.id;
-  camera.width = sensor.width;
-  camera.height = sensor.height;
-  camera.pixelSizeUm = sensor.pixelSizeUm;
-  camera.bitDepth = sensor.bitDepth;
-  std::iota(camera.bins, camera.bins + sensor.bins, 1);
-  camera.isColor = features.isColor ? 1 : 0;
-  camera.bayerPattern = features.bayerPattern;
-  camera.isCooled = features.isCooled ? 1 : 0;
-  camera.isUsb3Camera = features.isUsb3 ? 1 : 0;
-  camera.isUsb3Host = features.isUsb3 ? 1 : 0;
-  camera.hasTemperature = features.hasTemperature ? 1 : 0;
-  camera.gainMin = ranges.gain.minimum;
-  camera.gainMax = ranges.gain.maximum;
-  camera.exposureMinUs = ranges.exposureUs.minimum;
-  camera.exposureMaxUs = ranges.exposureUs.maximum;
-  camera.offsetMin = ranges.offset.minimum;
-  camera.offsetMax = ranges.offset.maximum;
-  std::copy(formats.begin(), formats.end(), camera.formats);
-  return camera;
 }
 
 // Whether a list that ends with `end`, or with its last element, contains `value`.

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/cabinet.hpp"
 #include "core/sdk.hpp"
 #include "core/system.hpp"
 #include "sdk_check/sdk_functions.hpp"
@@ -40,7 +41,7 @@ std::string inQuotes(std::string_view text) {
 }
 
 // The parameters of commands are words, numbers, or one of these as the last.
-struct FileName {  // may contain blanks
+struct Name {  // of a file or a model; may contain blanks
   std::string text;
 };
 struct Remainder {  // may also be empty
@@ -66,9 +67,9 @@ bool readField(std::string_view& arguments, Remainder& remainder) {
   return true;
 }
 
-bool readField(std::string_view& arguments, FileName& file) {
-  file.text = std::exchange(arguments, {});
-  return !file.text.empty();
+bool readField(std::string_view& arguments, Name& name) {
+  name.text = std::exchange(arguments, {});
+  return !name.text.empty();
 }
 
 // A command that a user can write.
@@ -136,7 +137,7 @@ class Interpreter {
 
   std::string run(std::string_view verb, std::string_view arguments) {
     if (verb == "sdk") {
-      return choose(arguments);
+      return chooseSdk(arguments);
     }
     if (!isForThis_) {
       return "";  // for another SDK, which checks it
@@ -158,7 +159,7 @@ class Interpreter {
   using Count = std::int32_t;
 
   // "sdk NAME"
-  std::string choose(Word name) {
+  std::string chooseSdk(Word name) {
     const auto sdks = host::allSdks();
     isForAll_ = name == "*";
     isForThis_ = isForAll_ || name == maker.sdkName;
@@ -216,22 +217,63 @@ class Interpreter {
     return addFault(function, range, ThrownFault{kind->second, texts.back().c_str()});
   }
 
-  static std::string setPlugged(Count camera, bool isPlugged) {
-    if (sdk().camera(camera) == nullptr) {
-      return "there is no camera " + std::to_string(camera);
-    }
-    sdk().setPlugged(camera, isPlugged);
-    return "";
+  static std::string noCamera(Count camera) {
+    return sdk().camera(camera) == nullptr ? "there is no camera " + std::to_string(camera) : "";
+  }
+
+  static std::string setPlugged(Count camera, Plug plug) {
+    sdk().setPlugged(camera, plug);
+    return noCamera(camera);
   }
 
   // Changes a plug just before a call; NTH 0 means now.
-  std::string changePlug(Count camera, Word function, Count nth, bool isPlugged) const {
+  std::string changePlug(Count camera, Word function, Count nth, Plug plug) const {
     return onFunction(function, [&] {
       if (nth == 0 || sdk().camera(camera) == nullptr) {
-        return setPlugged(camera, isPlugged);
+        return setPlugged(camera, plug);
       }
-      return addFault(function, {nth}, PlugChange{camera, isPlugged});
+      return addFault(function, {nth}, PlugChange{camera, plug});
     });
+  }
+
+  std::string unplug(Count camera, Word function, Count nth, Word how) const {
+    if (!how.empty() && how != "silently") {
+      return "a camera can be unplugged silently, or without a further word";
+    }
+    return changePlug(camera, function, nth, how.empty() ? Plug::Out : Plug::OutSilently);
+  }
+
+  std::string addCamera(Word name) const {
+    if (const std::optional<SimCamera> model = modelNamed(name)) {
+      sdk().addCamera(*model);
+      return "";
+    }
+    if (isForAll_) {
+      return isModel(name) ? "" : "unknown model " + inQuotes(name);
+    }
+    return "unknown model " + inQuotes(name) + " of " + maker.sdkName;
+  }
+
+  // What another program has set and the SDK has kept.
+  std::string keep(Count camera, int control, double value) const {
+    if (!maker.keepsSettings) {
+      return isForAll_ ? "" : std::string(maker.sdkName) + " keeps no settings";
+    }
+    const Camera* found = sdk().camera(camera);
+    if (found != nullptr) {
+      sdk().keptSettings(found->model)[control] = value;
+    }
+    return noCamera(camera);
+  }
+
+  // Passes whether the word is the first or the second of two.
+  template <class Action>
+  static std::string choose(Word what, Word word, Word yes, Word no, const Action& action) {
+    if (word != yes && word != no) {
+      return "the " + std::string(what) + " can be " + std::string(yes) + " or " + std::string(no);
+    }
+    action(word == yes);
+    return "";
   }
 
   template <class Action>
@@ -254,27 +296,42 @@ class Interpreter {
               [this](Word function, Count nth, Count times, Word kind, Remainder text) {
                 return addThrow(function, {nth, times}, kind, text.text);
               }),
-      command("unplug INDEX FUNCTION NTH",
-              [this](Count camera, Word function, Count nth) {
-                return changePlug(camera, function, nth, false);
+      command("camera MODEL", [this](const Name& model) { return addCamera(model.text); }),
+      command("unplug INDEX FUNCTION NTH [silently]",
+              [this](Count camera, Word function, Count nth, Remainder how) {
+                return unplug(camera, function, nth, how.text);
               }),
       command("plug INDEX",
               [this](Count camera) {
                 // Of a command for all SDKs, it is not known which of them has the camera.
-                const std::string reason = setPlugged(camera, true);
+                const std::string reason = setPlugged(camera, Plug::In);
                 return isForAll_ ? "" : reason;
               }),
       command("plug INDEX FUNCTION NTH",
               [this](Count camera, Word function, Count nth) {
-                return changePlug(camera, function, nth, true);
+                return changePlug(camera, function, nth, Plug::In);
+              }),
+      command("damage NTH TIMES FRAMES",
+              [this](Count nth, Count times, Count frames) {
+                return addFault("ASIGetVideoData", {nth, times}, DamagedFrames{frames});
+              }),
+      command(
+          "keep INDEX CONTROL VALUE",
+          [this](Count camera, int control, double value) { return keep(camera, control, value); }),
+      command("timing real|quick",
+              [](Word timing) {
+                return choose("timing", timing, "real", "quick",
+                              [](bool isReal) { sdk().isTimingReal = isReal; });
+              }),
+      command("light on|off",
+              [](Word state) {
+                return choose("light", state, "off", "on",
+                              [](bool isOff) { sdk().isDark = isOff; });
               }),
       command("clock stopped|running",
-              [](Word state) -> std::string {
-                if (state != "stopped" && state != "running") {
-                  return "the clock can be stopped or running";
-                }
-                sdk().clock.stop(state == "stopped");
-                return "";
+              [](Word state) {
+                return choose("clock", state, "stopped", "running",
+                              [](bool isStopped) { sdk().clock.stop(isStopped); });
               }),
       command("seed N",
               [](std::uint64_t seed) -> std::string {
@@ -282,11 +339,11 @@ class Interpreter {
                 return "";
               }),
       command("scene FILE",
-              [](const FileName& file) {
+              [](const Name& file) {
                 const std::string reason = sdk().playRecording(file.text.c_str());
                 return reason.empty() ? "" : "the file cannot be played: " + reason;
               }),
-      command("log FILE", [](const FileName& file) -> std::string {
+      command("log FILE", [](const Name& file) -> std::string {
         return sdk().log.enableFile(file.text) ? "" : "the file cannot be opened";
       })};
 };

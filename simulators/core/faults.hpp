@@ -30,13 +30,20 @@ struct ThrownFault {
   const char* text;
 };
 
+enum class Plug { In, Out, OutSilently };
+
 // A camera that is unplugged or plugged in just before the call.
 struct PlugChange {
   std::int32_t camera;
-  bool isPlugged;  // afterwards
+  Plug plug;  // afterwards
 };
 
-using Effect = std::variant<ForcedResult, ForcedOutput, ThrownFault, PlugChange>;
+// Frames that arrive damaged, so that the SDK drops them.
+struct DamagedFrames {
+  std::int32_t count;
+};
+
+using Effect = std::variant<ForcedResult, ForcedOutput, ThrownFault, PlugChange, DamagedFrames>;
 
 class Faults {
  public:

@@ -61,7 +61,8 @@ class Recording::View {
   double light(std::int32_t row, std::int32_t sample) const {
     const std::int32_t samples = samplesPerPixel(settings_.layout);
     const Region& region = settings_.region;
-    const std::int32_t x = region.x + sample / samples;
+    const std::int32_t column = sample / samples;
+    const std::int32_t x = region.x + (settings_.isMirrored ? region.width - 1 - column : column);
     const std::int32_t y = region.y + (settings_.isTurned ? region.height - 1 - row : row);
     if (samples == 3) {
       const auto color = static_cast<std::size_t>(sample % samples);
@@ -69,7 +70,9 @@ class Recording::View {
     }
     const bool isFiltered = step_ == 2;
     return average(x, y,
-                   isFiltered ? filterPlane(settings_.bayerPattern, x, region.y + row) : anyColor);
+                   isFiltered
+                       ? filterPlane(settings_.bayerPattern, region.x + column, region.y + row)
+                       : anyColor);
   }
 
  private:

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "core/cabinet.hpp"
 #include "core/camera_model.hpp"
 #include "core/sdk_exception.hpp"
 
@@ -36,7 +37,7 @@ FrameSettings commonSettings(const Camera& camera, BayerPattern ofColorCamera,
   settings.bin = device.bin;
   settings.region = device.region;
   settings.bitDepth = std::clamp(model.bitDepth, 8, 16);
-  settings.isUsb3 = model.isUsb3Host != 0;
+  settings.isUsb3 = model.isUsb3Camera != 0 && model.isUsb3Host != 0;
   settings.exposureUs = device.value(controls.exposure);
   settings.gain = gainInDecibelSteps(model, device.value(controls.gain));
   settings.pedestal = device.value(controls.offset) / 4096;
@@ -64,7 +65,14 @@ void Sdk::reset() {
   recording_.close();
   counts = {};
   isSdkInitialised = false;
-  setCameras(maker.cameras);
+  isDark = false;
+  isTimingReal = false;
+  kept_.clear();
+  setCameras({});
+  for (const char* name : maker.defaultModels) {
+    addCamera(modelNamed(name).value());
+  }
+  hasDefaultCameras_ = true;
 }
 
 void Sdk::setCameras(std::span<const SimCamera> models) {
@@ -72,9 +80,18 @@ void Sdk::setCameras(std::span<const SimCamera> models) {
   renderer_.forget();
   enumerated_.clear();
   cameras_.clear();
+  hasDefaultCameras_ = false;
   for (const SimCamera& model : models) {
     cameras_.push_back({.index = cameras_.size(), .model = model});
   }
+}
+
+void Sdk::addCamera(SimCamera model) {
+  if (hasDefaultCameras_) {
+    setCameras({});
+  }
+  setIdentity(model, cameras_.size());
+  cameras_.push_back({.index = cameras_.size(), .model = model});
 }
 
 Camera* Sdk::camera(std::int64_t index) {
@@ -82,10 +99,22 @@ Camera* Sdk::camera(std::int64_t index) {
   return isThere ? &cameras_[static_cast<std::size_t>(index)] : nullptr;
 }
 
-void Sdk::setPlugged(std::int64_t index, bool plugged) {
+void Sdk::setPlugged(std::int64_t index, Plug plug) {
   if (Camera* found = camera(index)) {
-    found->isPlugged = plugged;
-    found->device.isLost = found->device.isLost || (found->device.isOpen && !plugged);
+    Device& device = found->device;
+    found->isPlugged = plug == Plug::In;
+    device.isLost = device.isLost || (device.isOpen && plug == Plug::Out);
+    device.isSilent = !device.isLost && device.isOpen && (device.isSilent || plug != Plug::In);
+  }
+}
+
+std::map<int, double>& Sdk::keptSettings(const SimCamera& model) {
+  return kept_[std::string(textOf(model.name))];
+}
+
+void Sdk::spend(std::int64_t microseconds) {
+  if (isTimingReal) {
+    clock.waitUntil(clock.now() + microseconds);
   }
 }
 
@@ -224,6 +253,10 @@ void Sdk::restartFrame(Camera& camera) {
 bool Sdk::waitForFrame(Camera& camera, std::int32_t milliseconds) {
   FrameStream& stream = camera.device.stream;
   const std::int64_t now = clock.now();
+  if (camera.device.isSilent) {
+    clock.waitUntil(now + std::int64_t{std::max(milliseconds, 0)} * 1000);
+    return false;
+  }
   if (stream.waiting(now) != nullptr) {
     return true;
   }
@@ -238,7 +271,7 @@ bool Sdk::waitForFrame(Camera& camera, std::int32_t milliseconds) {
 }
 
 const FrameSettings* Sdk::waitingFrame(Camera& camera) {
-  const Frame* frame = camera.device.stream.waiting(clock.now());
+  const Frame* frame = camera.device.isSilent ? nullptr : camera.device.stream.waiting(clock.now());
   return frame == nullptr ? nullptr : &frame->settings;
 }
 
@@ -249,11 +282,17 @@ void Sdk::takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch)
   camera.device.stream.take(now);
 }
 
+void Sdk::dropFrame(Camera& camera) {
+  camera.device.stream.take(clock.now());
+}
+
 void Sdk::render(const FrameSettings& settings, std::int64_t frameNumber, std::uint8_t* buffer,
                  std::int64_t rowPitch) {
   const std::int64_t packed = std::int64_t{settings.region.width} * bytesPerPixel(settings.layout);
   const std::int64_t pitch = rowPitch == 0 ? packed : rowPitch;
-  if (recording_.isOpen()) {
+  if (isDark) {
+    renderDark(settings, buffer, pitch);
+  } else if (recording_.isOpen()) {
     recording_.render(settings, frameNumber, buffer, pitch);
   } else {
     renderer_.render(seed, settings, frameNumber, buffer, pitch);

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/call_log.hpp"
@@ -53,8 +55,10 @@ inline Control onlyIf(std::int32_t isThere, Control control) {
 struct Device {
   bool isOpen = false;
   bool isLost = false;         // was unplugged; stays lost when the camera is plugged in again
+  bool isSilent = false;       // the same, but its calls succeed, and no frame arrives
   bool isInitialised = false;  // by the maker's init function, if the SDK has one
   int streamMode = 0;          // QHYCCD
+  bool isSizeSet = false;      // QHYCCD: SetQHYCCDResolution was called after SetQHYCCDBinMode
   std::uint32_t reportedLength = 0;  // QHYCCD: the last result of GetQHYCCDMemLength; 0 if none
   std::int32_t bin = 1;
   std::int32_t format = 0;  // the maker's number
@@ -75,7 +79,7 @@ struct Camera {
   Device device{};
 
   // Whether an open device still answers.
-  bool isReachable() const { return isPlugged && !device.isLost; }
+  bool isReachable() const { return device.isSilent || (isPlugged && !device.isLost); }
 };
 
 // The results of a maker's functions for calls that a camera cannot answer.
@@ -92,10 +96,20 @@ struct FunctionOutputs {
   std::string_view outputs;
 };
 
+// The maker's code for a word of simulators/cameras.csv.
+struct CodeOf {
+  std::string_view word;
+  std::int32_t code;
+};
+
 // What differs between the makers' SDKs. Each maker's file defines one.
 struct Maker {
   const char* sdkName;
-  std::span<const SimCamera> cameras;  // the default cameras
+  std::span<const char* const> defaultModels;  // the names of the default cameras
+  std::span<const CodeOf> formatCodes = {};    // if the SDK lists formats
+  std::span<const CodeOf> patternCodes;        // of Bayer patterns, and of "mono"
+  bool lacksDepthAt8Bits = false;              // models of 8 bits have no option for the depth
+  bool keepsSettings = false;  // from one opening to the next, and for other programs
   QueueRule queue;
   std::int32_t widthStep = 1;  // the whole sensor's region is rounded down to multiples of these
   std::int32_t heightStep = 1;
@@ -130,6 +144,8 @@ class Sdk {
   Faults faults;
   CallLog log;
   std::uint64_t seed = 1;  // of the scene and the noise
+  bool isDark = false;     // the cameras see nothing
+  bool isTimingReal = false;
   SimInvariants counts{};  // of the caller's errors
 
   // Whether a command in the environment variable is wrong. The SDK then shows no cameras.
@@ -140,8 +156,16 @@ class Sdk {
 
   // Sets the cameras. Forgets open devices and the enumeration.
   void setCameras(std::span<const SimCamera> models);
+  // Adds a camera with an id and a key of its own. The first one replaces the default cameras.
+  void addCamera(SimCamera model);
   Camera* camera(std::int64_t index);  // null if there is none
-  void setPlugged(std::int64_t index, bool plugged);
+  void setPlugged(std::int64_t index, Plug plug);
+
+  // The settings that an SDK keeps of a model, by the numbers of the controls.
+  std::map<int, double>& keptSettings(const SimCamera& model);
+
+  // Passes the time that a call takes with a real camera, if the timing is real.
+  void spend(std::int64_t microseconds);
 
   // Shows a recording, or the synthetic scene if the path is null. Returns "", or the reason why
   // the file cannot be played; nothing then changes.
@@ -185,6 +209,8 @@ class Sdk {
   // rows without a gap.
   void takeFrame(Camera& camera, std::uint8_t* buffer, std::int64_t rowPitch = 0);
 
+  void dropFrame(Camera& camera);  // removes it without writing it
+
   // sim_render_frame().
   std::int32_t renderFrame(std::int32_t frame, std::uint8_t* buffer, std::int32_t bufferLength);
 
@@ -199,8 +225,10 @@ class Sdk {
   void open(Camera& camera);
   void close(Camera& camera);
 
-  std::vector<Camera> cameras_;
+  std::deque<Camera> cameras_;  // a camera that is added leaves the others in their places
+  bool hasDefaultCameras_ = false;
   std::vector<Camera*> enumerated_;
+  std::map<std::string, std::map<int, double>> kept_;  // by the model's name
   // A handle is the address of its entry, which is null after closing. Entries are never reused, so
   // that a closed handle is recognised.
   std::deque<Camera*> handles_;

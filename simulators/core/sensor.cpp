@@ -159,6 +159,22 @@ void storeSamples(const FrameSettings& settings, const std::int32_t* counts, std
   std::memcpy(bytes, samples.data(), static_cast<std::size_t>(count) * sizeof(std::uint16_t));
 }
 
+void renderDark(const FrameSettings& settings, std::uint8_t* buffer, std::int64_t rowPitch) {
+  if (frameBytes(settings) <= 0) {
+    return;
+  }
+  const Conversion conversion = conversionOf(settings);
+  const auto offset =
+      static_cast<std::int32_t>(std::clamp(conversion.pedestal, 0.0F, conversion.largest));
+  storeRow(settings, buffer, [offset](std::int32_t, std::int32_t count, std::int32_t* counts) {
+    std::fill_n(counts, count, offset);
+  });
+  const std::int64_t rowBytes = frameBytes(settings) / settings.region.height;
+  for (std::int32_t row = 1; row < settings.region.height; ++row) {
+    std::memcpy(buffer + row * rowPitch, buffer, static_cast<std::size_t>(rowBytes));
+  }
+}
+
 void Renderer::forget() {
   geometry_ = {};
   light_ = {};
@@ -206,6 +222,7 @@ void Renderer::lightRow(std::int32_t row, float* light) {
   const double aspect = static_cast<double>(geometry_.sensorWidth) / geometry_.sensorHeight;
   const std::int32_t samples = samplesPerPixel(geometry_.layout);
   for (std::int32_t x = 0; x < region.width; ++x) {
+    const std::int32_t column = geometry_.isMirrored ? region.width - 1 - x : x;
     const Light& here = lights_[static_cast<std::size_t>(x)];
     const float passed = lens(place.x + x * pixel, place.y, aspect);
     if (samples == 3) {
@@ -215,13 +232,21 @@ void Renderer::lightRow(std::int32_t row, float* light) {
             here[isBlueFirst ? 2 - color : color] * passed;
       }
     } else if (isFiltered(geometry_)) {
-      light[x] = here[filterPlane(geometry_.bayerPattern, region.x + x, region.y + row)] * passed;
+      light[x] =
+          here[filterPlane(geometry_.bayerPattern, region.x + column, region.y + row)] * passed;
     } else {
       light[x] = (redPart * here[0] + greenPart * here[1] + bluePart * here[2]) * passed;
     }
   }
   addHotPixels(mix(geometry_.camera + mix(static_cast<std::uint64_t>(sensorRow))), region, samples,
                light);
+  if (geometry_.isMirrored) {
+    // Exchanges whole pixels: the order of the colours in a pixel stays.
+    std::reverse(light, light + std::ptrdiff_t{region.width} * samples);
+    for (std::int32_t x = 0; samples == 3 && x < region.width; ++x) {
+      std::swap(light[3 * x], light[3 * x + 2]);
+    }
+  }
 }
 
 void Renderer::render(std::uint64_t seed, const FrameSettings& settings, std::int64_t frameNumber,

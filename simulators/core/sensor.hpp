@@ -60,6 +60,7 @@ struct FrameGeometry {
   Region region;
   Layout layout = Layout::Raw8;
   bool isUpsideDown = false;  // the last row comes first
+  bool isMirrored = false;    // the last column comes first
 
   bool operator==(const FrameGeometry&) const = default;
 };
@@ -122,6 +123,10 @@ void storeRow(const FrameSettings& settings, std::uint8_t* bytes, const Expose& 
                  bytes + std::ptrdiff_t{start} * bytesPerSample(settings.layout));
   }
 }
+
+// Writes a frame of a sensor in the dark, without noise: every sample is the offset. This costs
+// much less time than a picture.
+void renderDark(const FrameSettings& settings, std::uint8_t* buffer, std::int64_t rowPitch);
 
 // Renders frames. The light on each pixel does not change from frame to frame. It is computed once
 // and kept until a frame of another geometry is rendered.

@@ -82,7 +82,7 @@ static class CSharpTest
             first.Name, first.MaxWidth, first.MaxHeight, first.BitDepth, first.PixelSizeUm));
         CheckEqual("1,2 8,16", string.Join(" ", new[] { first.Bins, first.Depths }
             .Select(numbers => string.Join(",", numbers))));
-        CheckEqual("Raw8,Rgb24,Raw16,Mono8", string.Join(",", first.Formats));
+        CheckEqual("Raw8,Rgb24,Mono8,Raw16", string.Join(",", first.Formats));
         Check(first.IsColor && !first.IsCooled && first.IsUsb3Camera, "flags");
         CheckEqual(Bayer.Grbg, first.Bayer);
         Check(first.MaxExposureUs > 1000000 && first.MaxGain > first.MinGain, "limits");
@@ -197,7 +197,7 @@ static class CSharpTest
 
     [Test] static void EveryMaker()
     {
-        foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "ATR" })
+        foreach (string prefix in new[] { "ZWO", "Mars", "QHY", "SkyRaider" })
         {
             using (Camera camera = Open(IndexOf(prefix)))
             {

@@ -71,6 +71,8 @@ class SimulatedSdk {
   SharedLibrary module;
   decltype(::sim_reset)* reset = found("sim_reset");
   decltype(::sim_set_cameras)* set_cameras = found("sim_set_cameras");
+  decltype(::sim_camera_by_name)* camera_by_name = found("sim_camera_by_name");
+  decltype(::sim_cabinet)* cabinet = found("sim_cabinet");
   decltype(::sim_set_plugged)* set_plugged = found("sim_set_plugged");
   decltype(::sim_force_result)* force_result = found("sim_force_result");
   decltype(::sim_force_output)* force_output = found("sim_force_output");

@@ -140,7 +140,7 @@ constexpr WrongArguments wrongForTheCamera[] = {
     {"GainAbove", "--gain 101", "--gain can be 0 to 100 with ZWO ASI120MC-S."},
     {"SwapOfRaw", "--swap-rb", "--swap-rb needs frames in rgb24."},
     {"BayerOfColours", "--format rgb24 --bayer RGGB", "--bayer needs frames in raw8 or raw16."},
-    {"Exposure", "--exposure 1001s", "--exposure can be 1000s at most with ZWO ASI120MC-S."},
+    {"Exposure", "--exposure 2001s", "--exposure can be 2000s at most with ZWO ASI120MC-S."},
     {"FormatOfMono", "--format rgb24",
      "ZWO ASI2600MM Pro has no format rgb24; it offers raw8, raw16.", "ASI2600MM"},
     {"NameThatFitsSeveral", "",

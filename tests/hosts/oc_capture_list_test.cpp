@@ -27,15 +27,15 @@ TEST_F(OcCaptureList, ShowsEachCameraWithItsLimits) {
   EXPECT_EQ(list(),
             "Libraries: ASICamera2\n"
             "Index  Name               Sensor       Bits  Pixel    Colour  Cooled  USB  Bins     "
-            "Formats                 Gain      Longest exposure\n"
+            "Formats                 Gain        Longest exposure\n"
             "0      ZWO ASI120MC-S     1280 x 960   12    3.75 um  GRBG    no      3    1,2      "
-            "raw8,rgb24,raw16,mono8  0 to 100  1000s\n"
+            "raw8,rgb24,mono8,raw16  0 to 100    2000s\n"
             "1      ZWO ASI294MC Pro   4144 x 2822  14    4.63 um  RGGB    yes     3    1,2,3,4  "
-            "raw8,rgb24,raw16,mono8  0 to 570  2000s\n"
+            "raw8,rgb24,mono8,raw16  0 to 570    2000s\n"
             "2      ZWO ASI2600MM Pro  6248 x 4176  16    3.76 um  mono    yes     3    1,2,3,4  "
-            "raw8,raw16              0 to 700  2000s\n"
+            "raw8,raw16              -25 to 700  2000s\n"
             "3      ZWO ASI290MM Mini  1936 x 1096  12    2.9 um   mono    no      -    1,2      "
-            "raw8,raw16              0 to 600  1000s\n");
+            "raw8,raw16              0 to 600    2000s\n");
 }
 
 TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
@@ -108,8 +108,34 @@ TEST_F(OcCaptureList, ShowsACameraWhosePixelSizeIsNotANumber) {
 
 TEST_F(OcCaptureList, ShowsACameraThatIsInUseElsewhereWithoutItsRanges) {
   sdks.add("ASICamera2");
-  EXPECT_PRED_FORMAT2(IsSubstring, "mono8  -         -\n1 ",
+  EXPECT_PRED_FORMAT2(IsSubstring, "raw16  -           -\n1 ",
                       list("", "force ASIOpenCamera 1 1 16"));
+}
+
+TEST_F(OcCaptureList, ShowsTheModelsOfSimulatedSdks) {
+  sdks.add("qhyccd");
+  sdks.add("toupcam");
+  const std::string text = list("--cabinet");
+  EXPECT_EQ(text.substr(0, text.find('\n')),
+            "Maker    Name                        Sensor         "
+            "Remarks");
+  for (const char* line :
+       {"QHYCCD   QHY268M                     6280 x 4210    mono, cooled",
+        "QHYCCD   QHY174M                     1920 x 1200    mono, cooled, refuses bits before "
+        "size at bin 2",
+        "ToupTek  SkyRaider2.3(USB2.0)        1920 x 1200    GRBG, USB 2, no black level",
+        "ToupTek  SkyRaider440DSM             748 x 578      mono, USB 2, no depth option"}) {
+    EXPECT_PRED_FORMAT2(IsSubstring, std::string("\n") + line + "\n", text);
+  }
+  const ordered_json models = ordered_json::parse(list("--cabinet --json"))["models"];
+  EXPECT_EQ(models.at(0).dump(), R"({"maker":"QHYCCD","name":"IC8300-M","sensor":"3584 x 2576",)"
+                                 R"("remarks":"mono, cooled, USB 2"})");
+}
+
+TEST_F(OcCaptureList, TellsThatNoSdkIsSimulated) {
+  EXPECT_EQ(list("--cabinet", "", 1,
+                 "oc_capture: No simulated SDK is in \"" + utf8(sdks.path()) + "\".\n"),
+            "");
 }
 
 TEST_F(OcCaptureList, FindsSdksInADirectoryOfAnyName) {

@@ -46,8 +46,8 @@ TEST_F(OcCaptureMeasure, BenchMeasuresEachFormatOfEachCamera) {
     EXPECT_EQ(entry["error"], "");
   }
   EXPECT_EQ(measured,
-            "120M raw8, 120M rgb24, 120M raw16, 120M mono8, 294M raw8, 294M rgb24, 294M raw16, "
-            "294M mono8, 2600 raw8, 2600 raw16, 290M raw8, 290M raw16, ");
+            "120M raw8, 120M rgb24, 120M mono8, 120M raw16, 294M raw8, 294M rgb24, 294M mono8, "
+            "294M raw16, 2600 raw8, 2600 raw16, 290M raw8, 290M raw16, ");
   EXPECT_TRUE(isPng(chart));
 }
 

@@ -77,7 +77,7 @@ class OcCaptureOptions : public OcCaptureAsiTest {
 };
 
 TEST_F(OcCaptureOptions, ListTakesAll) {
-  expectAllTaken("list", {{"--json --quiet --sdk", sdks.path()}});
+  expectAllTaken("list", {{"--json --quiet --sdk", sdks.path()}, {"--cabinet --sdk", sdks.path()}});
 }
 
 TEST_F(OcCaptureOptions, RecordTakesAll) {

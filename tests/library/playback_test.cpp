@@ -173,6 +173,36 @@ int gradient(int x, int y) {
   return (x + 3 * y) & 0xff;
 }
 
+// The same pixels, with the columns or the rows in the reverse order.
+Pixels turned(const Pixels& pixels, int width, bool isMirrored, bool isUpsideDown) {
+  const int height = static_cast<int>(pixels.size()) / width;
+  Pixels result;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const int column = isMirrored ? width - 1 - x : x;
+      const int row = isUpsideDown ? height - 1 - y : y;
+      result.push_back(pixels.at(static_cast<std::size_t>(row * width + column)));
+    }
+  }
+  return result;
+}
+
+TEST_F(PlaybackTest, AFlipThatTheSdkHasKeptTurnsTheFramesAndTheirPattern) {
+  for (const int flip : {0, 1, 2, 3, 0}) {
+    ASSERT_EQ(sdk.command(("keep 0 9 " + std::to_string(flip)).c_str()), 1);
+    Recording recording = randomRecording(8, 320, 202, 8, 0, 1);
+    for (int opening = 0; opening < 2; ++opening) {
+      show(recording);
+      Recording seen = recording;
+      seen.frames[0] = turned(recording.frames[0], 320, flip % 2 == 1, flip / 2 == 1);
+      EXPECT_TRUE(rendered(0) == seen.frame(0)) << "flip " << flip;
+      oc.close();
+    }
+    EXPECT_EQ(oc.scan(), 1);
+    EXPECT_EQ(infoValue(0, "bayer"), "8") << "the pattern of frames that are not flipped";
+  }
+}
+
 TEST_F(PlaybackTest, RegionShowsItsPartOfTheRecording) {
   show(drawnRecording(8, 320, 202, gradient), 0, 64, 48);
   for (const auto& [x, y] : {std::pair{0, 0}, {63, 0}, {5, 17}, {63, 47}}) {

@@ -69,6 +69,15 @@ TEST_F(SimulatorCommands, WrongOnesAreToldWithTheReason) {
                 "it is written \"throw FUNCTION NTH TIMES KIND [TEXT]\"");
   expectRefused(sdk, "plug 0 ASIOpenCamera", "it is written \"plug INDEX FUNCTION NTH\"");
   expectRefused(sdk, "clock stoped", "the clock can be stopped or running");
+  expectRefused(sdk, "timing slow", "the timing can be real or quick");
+  expectRefused(sdk, "light out", "the light can be off or on");
+  expectRefused(sdk, "unplug 0 ASIOpenCamera 0 quietly",
+                "a camera can be unplugged silently, or without a further word");
+  expectRefused(sdk, "camera", "it is written \"camera MODEL\"");
+  expectRefused(sdk, "camera ZWO ASI1", "unknown model \"ZWO ASI1\" of ASICamera2");
+  expectRefused(sdk, "camera Mars-C", "unknown model \"Mars-C\" of ASICamera2");
+  expectRefused(sdk, "sdk *; camera Mars-D", "camera Mars-D", "unknown model \"Mars-D\"");
+  expectRefused(sdk, "keep 4 9 1", "there is no camera 4");
   expectRefused(sdk, "seed one", "it is written \"seed N\"");
   expectRefused(sdk, "scene", "it is written \"scene FILE\"");
   expectRefused(sdk, "scene no such file", "the file cannot be played: it cannot be opened");
@@ -103,6 +112,51 @@ TEST_F(SimulatorCommands, AFunctionWithoutAResultHasNoSuchOutput) {
             "toupcam: \"output Toupcam_Close result 1 1 0\": unknown output \"result\" of "
             "Toupcam_Close, which has none\n");
   EXPECT_EQ(sdk.command("output Toupcam_Stop result 9 1 0"), 1);
+}
+
+TEST_F(SimulatorCommands, OnlyOneSdkKeepsSettingsAndGetsDamagedFrames) {
+  const SimulatedSdk sdk = install("qhyccd");
+  EXPECT_EQ(refused(sdk, "keep 0 9 1"), "qhyccd: \"keep 0 9 1\": qhyccd keeps no settings\n");
+  EXPECT_EQ(refused(sdk, "damage 1 1 3"),
+            "qhyccd: \"damage 1 1 3\": unknown function \"ASIGetVideoData\" of qhyccd\n");
+  EXPECT_EQ(sdk.command("sdk *; keep 0 9 1; damage 1 1 3"), 1);
+}
+
+TEST_F(SimulatorCommands, ModelsReplaceTheDefaultCamerasOfTheirSdk) {
+  const SimulatedSdk asi = install("ASICamera2");
+  directory.add("PlayerOneCamera");
+  const auto names = [this] {
+    std::string text;
+    for (int camera = 0, count = oc.scan(); camera < count; ++camera) {
+      text += infoValue(camera, "name");
+    }
+    return text;
+  };
+  const std::string others = "\"Mars-C\"\"Neptune-C II\"\"Poseidon-M Pro\"";
+  EXPECT_EQ(asi.command("sdk *; camera ZWO ASI120MM; camera Uranus-C"), 1);
+  EXPECT_EQ(names(), "\"ZWO ASI120MM\"" + others);
+  EXPECT_EQ(asi.command("camera ZWO ASI174MC; camera ZWO ASI120MM"), 1);
+  EXPECT_EQ(names(), "\"ZWO ASI120MM\"\"ZWO ASI174MC\"\"ZWO ASI120MM\"" + others);
+  ASSERT_EQ(oc.open(2, 1280, 960, 1, 0, 1000, 0, 0), 1) << "the same model again is another camera";
+  EXPECT_EQ(asi.command("camera ZWO ASI174MM"), 1) << "an open camera is not disturbed";
+  EXPECT_EQ(readFrame(), 1280 * 960);
+  oc.close();
+  asi.reset();
+  EXPECT_EQ(oc.scan(), 4 + 3);
+}
+
+TEST_F(SimulatorCommands, TheModelsOfAnSdkCanBeReadByName) {
+  const SimulatedSdk sdk = install("qhyccd");
+  SimCamera camera{};
+  EXPECT_EQ(sdk.camera_by_name("QHY268", &camera), 0);
+  EXPECT_EQ(sdk.camera_by_name("Mars-C", &camera), 0) << "of another SDK";
+  EXPECT_EQ(sdk.camera_by_name(nullptr, &camera), 0);
+  EXPECT_EQ(sdk.camera_by_name("QHY268M", nullptr), 0);
+  EXPECT_EQ(camera.width, 0);
+  ASSERT_EQ(sdk.camera_by_name("QHY268M", &camera), 1);
+  EXPECT_EQ(camera.width, 6280);
+  EXPECT_EQ(camera.bitDepth, 16);
+  EXPECT_EQ(camera.reportedBitDepth, 8);
 }
 
 TEST_F(SimulatorCommands, ThoseForAnotherSdkAreLeftToIt) {
