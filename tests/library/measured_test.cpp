@@ -128,7 +128,7 @@ class KeptFlip : public AsiTest {
     double count = 0;
     for (int y = quarterY * 100 + filterY; y < quarterY * 100 + 100; y += 2) {
       for (int x = quarterX * 160 + filterX; x < quarterX * 160 + 160; x += 2) {
-        sum += frame.at(static_cast<std::size_t>(y * 320 + x));
+        sum += frame.begin()[y * 320 + x];
         count += 1;
       }
     }
@@ -140,6 +140,7 @@ class KeptFlip : public AsiTest {
     const int mirror = flip % 2;
     const int turn = flip / 2;
     std::vector<double> means;
+    means.reserve(16);
     for (int place = 0; place < 16; ++place) {
       means.push_back(
           mean(place / 8 ^ mirror, place / 4 % 2 ^ turn, place / 2 % 2 ^ mirror, place % 2 ^ turn));
