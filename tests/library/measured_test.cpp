@@ -120,6 +120,55 @@ TEST_F(Measured, SettingsOutlastAClose) {
   }
 }
 
+class KeptFlip : public AsiTest {
+ protected:
+  // The mean of the raw samples of one colour filter in one quarter of a frame.
+  double mean(int quarterX, int quarterY, int filterX, int filterY) const {
+    double sum = 0;
+    double count = 0;
+    for (int y = quarterY * 100 + filterY; y < quarterY * 100 + 100; y += 2) {
+      for (int x = quarterX * 160 + filterX; x < quarterX * 160 + 160; x += 2) {
+        sum += frame.begin()[y * 320 + x];
+        count += 1;
+      }
+    }
+    return sum / count;
+  }
+
+  // The means of all filters in all quarters, as they are without this flip.
+  std::vector<double> meansOf(int flip) const {
+    const int mirror = flip % 2;
+    const int turn = flip / 2;
+    std::vector<double> means;
+    means.reserve(16);
+    for (int place = 0; place < 16; ++place) {
+      means.push_back(
+          mean(place / 8 ^ mirror, place / 4 % 2 ^ turn, place / 2 % 2 ^ mirror, place % 2 ^ turn));
+    }
+    return means;
+  }
+};
+
+// A raw frame then begins with another colour than the reported pattern says.
+TEST_F(KeptFlip, TurnsTheSkyAndItsBayerPattern) {
+  small.height = 200;
+  rescan();
+  std::vector<double> usual;
+  for (const int flip : {0, 1, 2, 3}) {
+    ASSERT_EQ(sdk.command(("keep 0 9 " + std::to_string(flip)).c_str()), 1);
+    ASSERT_EQ(oc.open(0, 320, 200, 1, 0, 60000, 500, 0), 1) << error();
+    ASSERT_EQ(nextFrame(), 320 * 200);
+    oc.close();
+    const std::vector<double> means = meansOf(flip);
+    usual = usual.empty() ? means : usual;
+    for (std::size_t place = 0; place < means.size(); ++place) {
+      EXPECT_NEAR(means[place], usual[place], 0.2) << "flip " << flip << ", place " << place;
+    }
+    EXPECT_EQ(infoValue(0, "bayer"), "8");
+  }
+  EXPECT_GT(usual[0] - usual[3], 1.5) << "red is brighter than blue at the top left";
+}
+
 TEST_F(Measured, TheDepthIsRefusedUntilTheSizeIsSet) {
   const SimulatedSdk sdk = install("qhyccd");
   take(sdk, "QHY174M");

@@ -177,11 +177,12 @@ int gradient(int x, int y) {
 Pixels turned(const Pixels& pixels, int width, bool isMirrored, bool isUpsideDown) {
   const int height = static_cast<int>(pixels.size()) / width;
   Pixels result;
+  result.reserve(pixels.size());
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const int column = isMirrored ? width - 1 - x : x;
       const int row = isUpsideDown ? height - 1 - y : y;
-      result.push_back(pixels.at(static_cast<std::size_t>(row * width + column)));
+      result.push_back(pixels.begin()[row * width + column]);
     }
   }
   return result;
