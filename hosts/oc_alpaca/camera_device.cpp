@@ -160,7 +160,7 @@ void CameraDevice::handle(const Json& event) {
     if (what == "exposing") {
       state_ = CameraState::Exposing;
       exposingSince_ = Clock::now();
-      deadline_ = exposingSince_ + patienceForFrame(std::max(exposureUs_, exposureBeforeUs_));
+      deadline_ = exposingSince_ + patienceForFrame(event.at("longest"));
     } else if (what == "picture") {
       takePicture(event);
     }
@@ -267,7 +267,6 @@ void CameraDevice::open(Lock& lock) {
     throw AlpacaError(ErrorNumber::Driver, "The camera states no format that is known here.");
   }
   const Json command{{"do", "open"}, {"settings", jsonOf(settingsFor(setup_, connectExposureUs))}};
-  exposureUs_ = connectExposureUs;
   if (isWorkerFresh_) {
     try {
       ask(lock, command, patienceForOpening);
@@ -450,7 +449,6 @@ void CameraDevice::startExposure(double seconds, bool hasLight) {
   picture_.reset();
   const std::size_t slot = freeSlot();
   const double taken = std::max(seconds, shortestSeconds);
-  exposureBeforeUs_ = exposureUs_;
   exposureUs_ = std::llround(taken * microsecondsPerSecond);
   exposureFailure_.clear();
   ExposeCommand command;
@@ -468,7 +466,8 @@ void CameraDevice::startExposure(double seconds, bool hasLight) {
                                               : oc::Bayer::None};
   slotUsers_.at(slot) = coming_;
   state_ = CameraState::Waiting;
-  deadline_ = Clock::now() + patienceForOpening + patienceForFrame(exposureBeforeUs_);
+  // The worker may wait for the end of a frame before, and may have to open the camera anew.
+  deadline_ = Clock::now() + patienceForOpening;
   worker_->send(jsonOf(command));
 }
 

@@ -172,7 +172,6 @@ class CameraDevice {
   CameraState state_ = CameraState::Idle;
   std::uint64_t exposure_ = 0;  // number of the last one
   std::int64_t exposureUs_ = 0;
-  std::int64_t exposureBeforeUs_ = 0;
   Clock::time_point exposingSince_;
   std::optional<Clock::time_point> deadline_;  // for the worker's next event
   std::string exposureFailure_;

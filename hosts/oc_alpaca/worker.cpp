@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -38,6 +39,13 @@ constexpr microseconds shortExposure{250000};
 
 // After new settings, this many frames may still have the settings before.
 constexpr int framesBeforeSettings = 2;
+
+// An SDK has no more frames than this waiting.
+constexpr int mostOldFrames = 8;
+
+// How long a call for a frame may take: a new exposure waits for its end. If a frame takes longer
+// than this, calls find none in between.
+constexpr milliseconds longestCall{10};
 
 // A camera that nobody uses streams with this exposure, which makes little work.
 constexpr microseconds idleExposure{1000000};
@@ -78,12 +86,16 @@ class Commands {
   bool hasNews_ = false;
 };
 
-// The picture that is being taken.
+// The picture that is being taken. While a camera streams, frames that it exposed before wait in
+// its SDK. They are thrown away until a call for a frame finds none, or enough have come.
 struct Exposure {
   ExposeCommand command;
-  std::uint64_t opening = 0;     // the frame must be of this opening,
-  int framesToSkip = 0;          // must not be one of the first,
-  Clock::time_point earliest{};  // and must not arrive before
+  std::uint64_t opening = 0;     // the frame must be of this opening
+  std::uint64_t emptyReads = 0;  // CaptureState::emptyReads at the start
+  int oldFrames = 0;             // that may still be waiting in the SDK
+  Clock::time_point drained{};   // when none was waiting any more
+  int framesToSkip = 0;          // that come after that and do not count
+  microseconds shortest{0};      // from that to a frame that counts
 };
 
 Json examinationOf(const std::string& directory) {
@@ -116,7 +128,10 @@ class Worker {
     std::thread([this] { readCommands(); }).detach();
     while (true) {
       constexpr milliseconds longestWait{200};
-      const std::optional<Json> command = commands_.next(longestWait);
+      constexpr milliseconds waitWhileDraining{2};
+      const bool isDraining = exposure_ && exposure_->oldFrames > 0;
+      const std::optional<Json> command =
+          commands_.next(isDraining ? waitWhileDraining : longestWait);
       try {
         if (command) {
           execute(*command);
@@ -202,7 +217,7 @@ class Worker {
     exposure_.reset();
     oc::CaptureOptions options;
     options.capacity = 2;
-    options.longestCall = milliseconds(50);  // a new exposure waits for the end of the call
+    options.longestCall = longestCall;
     options.onNews = [this] { commands_.tellNews(); };
     capture_ = std::make_unique<oc::CaptureThread>(options);
     const Clock::time_point start = Clock::now();
@@ -220,11 +235,13 @@ class Worker {
       throw oc::Error("The camera is not open.");
     }
     tell({{"is", "accepted"}, {"number", command.number}});
-    Exposure exposure{command};
+    Exposure exposure;
+    exposure.command = command;
     const oc::Settings before = capture_->state().settings;
     const oc::Settings& now = command.settings;
     const microseconds longest(std::max(before.exposureUs, now.exposureUs));
     const bool isShort = longest <= std::max<Clock::duration>(shortExposure, openDuration_);
+    microseconds longestFrame(now.exposureUs);
     if (!isShort || before.bin != now.bin || before.format != now.format) {
       // A camera that is opened begins to expose at once. One that streams first ends its exposure.
       const Clock::time_point start = Clock::now();
@@ -232,13 +249,25 @@ class Worker {
       openDuration_ = Clock::now() - start;
     } else {
       exposure.framesToSkip = apply(before, now) ? framesBeforeSettings : 0;
-      exposure.earliest = Clock::now() + microseconds(now.exposureUs);
+      exposure.oldFrames = mostOldFrames;
+      exposure.shortest = shortestWait(now.exposureUs);
+      longestFrame = longest;
     }
     exposure.opening = capture_->state().opening;
+    exposure.emptyReads = capture_->state().emptyReads;
     checkSize(command);
     exposure_ = exposure;
     lastUse_ = Clock::now();
-    tell({{"is", "exposing"}, {"number", command.number}});
+    tell({{"is", "exposing"}, {"number", command.number}, {"longest", longestFrame.count()}});
+  }
+
+  // A frame that comes after this time began to be exposed after its start. If reading the sensor
+  // takes longer than the exposure, a frame comes that much later.
+  microseconds shortestWait(std::int64_t exposureUs) const {
+    const double rate = capture_->state().framesPerSecond;
+    const microseconds exposure(exposureUs);
+    const microseconds period(rate > 0 ? std::llround(1e6 / rate) : 0);
+    return period > exposure * 6 / 5 ? exposure + period : exposure;
   }
 
   void checkSize(const ExposeCommand& command) const {
@@ -277,16 +306,31 @@ class Worker {
 
   // Frames that do not count are thrown away: the camera streams all the time.
   void lookForFrames() {
+    if (exposure_ && exposure_->oldFrames > 0 &&
+        capture_->state().emptyReads > exposure_->emptyReads) {
+      endDraining();
+    }
     while (const oc::Frame frame = capture_->next(milliseconds(0))) {
       if (!exposure_ || frame.opening() != exposure_->opening) {
         continue;
       }
-      if (exposure_->framesToSkip > 0) {
+      if (exposure_->oldFrames > 1) {
+        --exposure_->oldFrames;
+      } else if (exposure_->oldFrames == 1) {
+        endDraining();
+      } else if (frame.arrival() < exposure_->drained) {
+        continue;
+      } else if (exposure_->framesToSkip > 0) {
         --exposure_->framesToSkip;
-      } else if (frame.arrival() >= exposure_->earliest) {
+      } else if (frame.arrival() >= exposure_->drained + exposure_->shortest) {
         deliver(frame);
       }
     }
+  }
+
+  void endDraining() {
+    exposure_->oldFrames = 0;
+    exposure_->drained = Clock::now();
   }
 
   void deliver(const oc::Frame& frame) {

@@ -61,8 +61,9 @@ class Server:
                            XDG_DATA_HOME=str(settings.scratch / "data"))
         environment.pop("ORVANE_WINE_TRIES", None)
         self.errors = tempfile.TemporaryFile(mode="w+", dir=settings.scratch)
+        self.sdks = settings.sdk_directory(sdks)
         self.process = subprocess.Popen(
-            [*settings.command, "--sdk", settings.name(settings.sdk_directory(sdks)), "--port", "0",
+            [*settings.command, "--sdk", settings.name(self.sdks), "--port", "0",
              "--discovery-port", str(self.discovery_port), *options],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=self.errors, text=True,
             env=environment)
@@ -98,8 +99,18 @@ class Server:
         return self.process.wait(timeout=30)
 
     def workers(self):
-        """The process numbers of the workers, in the order of their start."""
-        return sorted(process_ids(str(self.process.pid), self.settings.is_windows))
+        """The process numbers of the workers, in the order of their start: that of the cameras. The
+        server must have a directory of SDKs of its own."""
+        found = []
+        for directory in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                words = (directory / "cmdline").read_bytes()
+                state = (directory / "stat").read_text().rsplit(")", 1)[1].split()[0]
+            except OSError:
+                continue
+            if b"--worker" in words and self.sdks.name.encode() in words and state not in "ZX":
+                found.append(int(directory.name))
+        return sorted(found)
 
     def client(self):
         return Client(self.port)
@@ -109,20 +120,6 @@ class Server:
         devices = self.client().get("/management/v1/configureddevices").value
         return {device["DeviceName"]: Camera(self.client(), device["DeviceNumber"])
                 for device in devices}
-
-
-def process_ids(parent, is_windows):
-    """The running processes that a server has started."""
-    found = []
-    for directory in pathlib.Path("/proc").glob("[0-9]*"):
-        try:
-            words = (directory / "cmdline").read_bytes().split(b"\0")
-            status = (directory / "stat").read_text().rsplit(")", 1)[1].split()
-        except OSError:
-            continue
-        if b"--worker" in words and status[0] != "Z" and (is_windows or status[1] == parent):
-            found.append(int(directory.name))
-    return found
 
 
 class Answer:
