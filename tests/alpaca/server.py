@@ -54,9 +54,9 @@ def free_port(kind=socket.SOCK_DGRAM):
 class Server:
     """A running server. `sdks` are names, or None for all."""
 
-    def __init__(self, settings, sdks=None, simulator="", options=()):
+    def __init__(self, settings, sdks=None, simulator="", options=(), discovery_port=None):
         self.settings = settings
-        self.discovery_port = free_port()
+        self.discovery_port = discovery_port or free_port()
         environment = dict(os.environ, ORVANE_SIMULATOR=simulator,
                            XDG_DATA_HOME=str(settings.scratch / "data"))
         environment.pop("ORVANE_WINE_TRIES", None)
@@ -111,6 +111,11 @@ class Server:
             if b"--worker" in words and self.sdks.name.encode() in words and state not in "ZX":
                 found.append(int(directory.name))
         return sorted(found)
+
+    def memory(self):
+        """What the server occupies in memory, in MiB. Of its workers only what it shares with them."""
+        pages = int(pathlib.Path(f"/proc/{self.process.pid}/statm").read_text().split()[1])
+        return pages * os.sysconf("SC_PAGE_SIZE") / 2**20
 
     def client(self):
         return Client(self.port)
