@@ -159,8 +159,14 @@ class Client:
         headers = dict(headers or {})
         if body is not None:
             headers.setdefault("Content-Type", "application/x-www-form-urlencoded")
-        self.connection.request(method, path, body, headers)
-        answer = self.connection.getresponse()
+        try:
+            self.connection.request(method, path, body, headers)
+            answer = self.connection.getresponse()
+        except (http.client.RemoteDisconnected, ConnectionError):
+            # The server closes a connection that was idle for a minute.
+            self.connection.close()
+            self.connection.request(method, path, body, headers)
+            answer = self.connection.getresponse()
         return Answer(answer.status, {name.lower(): value for name, value in answer.getheaders()},
                       answer.read())
 
