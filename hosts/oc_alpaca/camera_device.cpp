@@ -126,7 +126,7 @@ Json CameraDevice::ask(Lock& lock, const Json& command, seconds patience) {
   answer_.reset();
   worker_->send(command);
   const bool isAnswered = changed_.wait_for(lock, patience, [this] { return answer_.has_value(); });
-  const Json answer = isAnswered ? *answer_ : Json{{"is", "failed"}, {"text", ""}};
+  Json answer = isAnswered ? *answer_ : Json{{"is", "failed"}, {"text", ""}};
   answer_.reset();
   if (answer.at("is") != "failed") {
     return answer;

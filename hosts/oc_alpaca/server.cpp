@@ -8,6 +8,7 @@
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <chrono>
+#include <limits>
 #include <optional>
 #include <sstream>
 #include <thread>
@@ -145,7 +146,11 @@ class Session : public std::enable_shared_from_this<Session> {
       const std::span<const std::uint8_t> part = response_.rest->next();
       if (!part.empty()) {
         stream_.expires_after(longestIdle);
-        asio::async_write(stream_, asio::buffer(part.data(), part.size()), whenWritten());
+        // Without the condition, each call to the system would take 64 KiB.
+        const auto untilAll = [](const error_code& failed, std::size_t) {
+          return failed ? std::size_t{0} : std::numeric_limits<std::size_t>::max();
+        };
+        asio::async_write(stream_, asio::buffer(part.data(), part.size()), untilAll, whenWritten());
         return;
       }
     }
