@@ -42,7 +42,7 @@ constexpr int threadCount = mostConnections + 8;
 
 asio::ip::address addressFrom(const std::string& text) {
   error_code error;
-  const asio::ip::address address = asio::ip::make_address(text, error);
+  asio::ip::address address = asio::ip::make_address(text, error);
   if (error) {
     throw UsageError(inQuotes(text) + " is no address of a network interface.");
   }

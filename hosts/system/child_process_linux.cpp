@@ -125,6 +125,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Shar
   std::vector<std::string> texts{"/proc/self/exe"};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     pointers.push_back(text.data());
   }
