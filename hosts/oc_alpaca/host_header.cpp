@@ -27,6 +27,9 @@ bool isOwnHost(std::string_view header, std::string_view hostName) {
   const std::size_t colon = header.rfind(':');
   const bool hasPort =
       colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket);
+  if (hasPort && header.find_first_not_of("0123456789", colon + 1) != std::string_view::npos) {
+    return false;
+  }
   const std::string host = lowerCase(hasPort ? header.substr(0, colon) : header);
   const std::string name = lowerCase(hostName);
   return isIpAddress(host) || host == "localhost" || (!name.empty() && host == name) ||

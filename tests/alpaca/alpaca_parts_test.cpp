@@ -65,7 +65,7 @@ TEST(AlpacaHostHeader, OnlyAddressesAndOwnNames) {
     EXPECT_TRUE(isOwnHost(own, "astro-PC")) << own;
   }
   for (const char* other : {"", ":80", "example.org", "astro-pc.example.org", "1.2.3.4.5", "1.2.3",
-                            "[example]", "::1", ".local"}) {
+                            "[example]", "::1", ".local", "127.0.0.1:80/@evil"}) {
     EXPECT_FALSE(isOwnHost(other, "astro-pc")) << other;
   }
   EXPECT_FALSE(isOwnHost(".local", ""));
