@@ -160,7 +160,10 @@ void CameraDevice::handle(const Json& event) {
     if (what == "exposing") {
       state_ = CameraState::Exposing;
       exposingSince_ = Clock::now();
-      deadline_ = exposingSince_ + patienceForFrame(event.at("longest"));
+      patience_ = patienceForFrame(event.at("longest"));
+      deadline_ = exposingSince_ + patience_;
+    } else if (what == "frame") {
+      deadline_ = Clock::now() + patience_;
     } else if (what == "picture") {
       takePicture(event);
     }

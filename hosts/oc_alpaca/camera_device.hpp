@@ -174,6 +174,7 @@ class CameraDevice {
   std::int64_t exposureUs_ = 0;
   Clock::time_point exposingSince_;
   std::optional<Clock::time_point> deadline_;  // for the worker's next event
+  std::chrono::microseconds patience_{0};      // while it exposes
   std::string exposureFailure_;
   std::shared_ptr<Picture> coming_;
   std::shared_ptr<const Picture> picture_;

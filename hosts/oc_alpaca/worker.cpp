@@ -314,6 +314,10 @@ class Worker {
       if (!exposure_ || frame.opening() != exposure_->opening) {
         continue;
       }
+      if (exposure_->oldFrames > 0 || exposure_->framesToSkip > 0) {
+        // It does not count, but the camera is not silent.
+        tell({{"is", "frame"}, {"number", exposure_->command.number}});
+      }
       if (exposure_->oldFrames > 1) {
         --exposure_->oldFrames;
       } else if (exposure_->oldFrames == 1) {

@@ -9,6 +9,7 @@
 //   closed
 // The worker sends events, {"is": ...}: the above, and
 //   temperature celsius  about once a second while the camera streams
+//   frame                a frame has come that does not count for the exposure
 //   exposing longest     the longest exposure, in microseconds, that is to be waited for
 //   failed text, lost    the last command failed; `lost`: the camera is closed, or was not opened
 #pragma once

@@ -120,10 +120,10 @@ def connections(checks, server):
 
 def answer_to(port, request):
     with socket.create_connection(("127.0.0.1", port), timeout=20) as client:
+        parts = []
         try:
             client.sendall(request)
             client.shutdown(socket.SHUT_WR)
-            parts = []
             while part := client.recv(65536):
                 parts.append(part)
         except OSError:  # the server has closed the connection before it read everything
