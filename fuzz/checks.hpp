@@ -17,4 +17,7 @@ std::vector<std::string> runSession(std::span<const std::uint8_t> bytes);
 /// parser.
 std::vector<std::string> checkDescriptionOf(std::span<const std::uint8_t> bytes);
 
+/// Reads the bytes as the Host header and the parameters of a request to the network server.
+std::vector<std::string> checkRequest(std::span<const std::uint8_t> bytes);
+
 }  // namespace orvane::fuzz

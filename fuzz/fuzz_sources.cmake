@@ -14,6 +14,13 @@ set(ORVANE_FUZZ_INCLUDES
   ${PROJECT_SOURCE_DIR}/src
   ${PROJECT_SOURCE_DIR}/tests)
 
+# What the network server parses itself. It stands on the standard library alone.
+set(ORVANE_REQUEST_SOURCES
+  ${CMAKE_CURRENT_LIST_DIR}/alpaca_requests/request_check.cpp
+  ${PROJECT_SOURCE_DIR}/hosts/oc_alpaca/host_header.cpp
+  ${PROJECT_SOURCE_DIR}/hosts/oc_alpaca/parameters.cpp)
+list(APPEND ORVANE_FUZZ_INCLUDES ${PROJECT_SOURCE_DIR}/hosts)
+
 # orvane_fuzz_json: the header of the JSON parser for the descriptions. The header is in a system
 # directory, which must not be an include directory of a cross build. Therefore the include
 # directory is a new one that contains only a link to it.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the benchmarks and runs them all: the cost of a call, of a scan, of
-# recording and of loading, and the swap of red and blue compared with other libraries. Each run prints
-# the processor's name and ratios measured inside that run. The exit status is 1 if a gate is missed.
+# recording, of loading and of the network server, and the swap of red and blue compared with other
+# libraries. Each run prints the processor's name and ratios measured inside that run. The exit status is
+# 1 if a gate is missed.
 #   bench.sh [RUNS]      the number of runs, 1 by default
 . "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
 scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${native_tools[@]}" libyuv-dev \
@@ -46,6 +47,9 @@ for ((run = 1; run <= runs; ++run)); do
   part "swap red and blue; implementations" "$linux/benchmarks/swap_red_and_blue"
   part "recording" python3 benchmarks/recording.py "$linux/bin/oc_capture" "$linux/instant-sdks" \
     /dev/shm "$linux"
+  part "transposing a frame for the Alpaca server" "$linux/benchmarks/transpose_frame"
+  part "the Alpaca server" python3 -B benchmarks/alpaca.py "$PWD/$linux/bin/oc_alpaca" \
+    "$linux/benchmarks/plain_file_server" "$PWD/$linux/simulated-sdks"
   part "weight" "$wine" "$windows/benchmarks/load_time.exe" "$dll" \
     "$windows/benchmarks/empty_library.dll"
   size=$(stat -c %s "$dll")

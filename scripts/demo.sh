@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the Windows library, oc_capture and the simulated SDKs, and runs
 # oc_capture through Wine: lists the cameras, records from one camera of each maker into demo-output/,
-# and records from a camera that sees one of these recordings.
+# and records from a camera that sees one of these recordings. Then takes a picture through oc_alpaca.
 . "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
-scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools[@]}"
+scripts/install_tools.sh "${build_tools[@]}" "${windows_tools[@]}" "${test_tools[@]}" curl
 
 echo "== build"
 quietly cmake --preset windows-x64
-cmake --build --preset windows-x64 --target oc_capture simulated_sdks
+cmake --build --preset windows-x64 --target oc_capture oc_alpaca simulated_sdks
 
 capture() {
   cmake/run_with_wine.sh build/windows-x64/bin/oc_capture.exe "$@"
@@ -58,6 +58,29 @@ else
   echo "$out/zwo-played.ser should have the samples of $out/zwo-raw16.ser." >&2
   exit 1
 fi
+
+echo
+echo "== a picture through the Alpaca server"
+cmake/run_with_wine.sh build/windows-x64/bin/oc_alpaca.exe --sdk "$sdk" --port 11119 \
+  >"$out/oc_alpaca.txt" &
+server=$!
+trap 'kill "$server" 2>/dev/null || true' EXIT
+for ((try = 0; try < 300; ++try)); do
+  grep -q '^Listening' "$out/oc_alpaca.txt" && break
+  sleep 0.1
+done
+address=http://127.0.0.1:11119
+ask() {
+  curl -sS --fail "$@"
+  echo
+}
+ask -X PUT -d Connected=true "$address/api/v1/camera/0/connected"
+ask -X PUT -d Duration=0.5 -d Light=true "$address/api/v1/camera/0/startexposure"
+until [[ $(ask "$address/api/v1/camera/0/imageready") == *'"Value":true'* ]]; do sleep 0.1; done
+ask "$address/api/v1/camera/0/lastexposurestarttime"
+ask -o "$out/alpaca.png" "$address/setup/v1/camera/0/picture.png"
+echo "$out/alpaca.png is the picture."
+kill "$server"
 
 echo
 echo "$table"

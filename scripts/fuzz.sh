@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the fuzzers with clang and runs both: the library against adversarial
-# SDKs for four fifths of the time, the description of a camera for the rest.
+# Installs what is missing, builds the fuzzers with clang and runs them: the library against adversarial
+# SDKs for three fifths of the time, the description of a camera and the requests to the network server
+# for a fifth each.
 #   fuzz.sh [SECONDS]        60 by default
 # New inputs go to build/linux-x64-fuzz/corpus/. Inputs that break a rule go to
 # build/linux-x64-fuzz/findings/, and the exit status is then 1.
@@ -14,7 +15,7 @@ quietly cmake -S . -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
   -D CMAKE_C_COMPILER=clang -D CMAKE_CXX_COMPILER=clang++ -D ORVANE_BUILD_FUZZERS=ON \
   -D ORVANE_BUILD_TESTS=OFF -D ORVANE_BUILD_SIMULATORS=OFF -D ORVANE_BUILD_HOSTS=OFF \
   -D ORVANE_BUILD_BENCHMARKS=OFF
-cmake --build "$build" --target fuzz_adversarial_sdks fuzz_camera_json
+cmake --build "$build" --target fuzz_adversarial_sdks fuzz_camera_json fuzz_alpaca_requests
 
 # run NAME SECONDS LARGEST-INPUT
 run() {
@@ -29,9 +30,10 @@ run() {
   echo "findings: $(find "$build/findings/$name" -type f | wc -l)"
 }
 failed=0
-json=$((seconds / 5 + 1))
-run adversarial_sdks $((seconds - json > 0 ? seconds - json : 1)) 2048
-run camera_json "$json" 700
+part=$((seconds / 5 + 1))
+run adversarial_sdks $((seconds > 2 * part ? seconds - 2 * part : 1)) 2048
+run camera_json "$part" 700
+run alpaca_requests "$part" 700
 if [ "$failed" -ne 0 ]; then
   echo "== findings in $build/findings; logs in $build/*.log"
   exit 1

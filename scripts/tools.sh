@@ -3,7 +3,7 @@ set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # The Debian packages that each job needs.
-build_tools=(cmake ninja-build libcli11-dev nlohmann-json3-dev libstb-dev)
+build_tools=(cmake ninja-build libboost-dev libcli11-dev nlohmann-json3-dev libstb-dev)
 windows_tools=(g++-mingw-w64-x86-64-posix wine wine64)
 native_tools=(g++)
 test_tools=(googletest python3)

@@ -40,6 +40,10 @@ TEST(FuzzReplay, CameraJson) {
   EXPECT_GE(replay("camera_json", checkDescriptionOf), 20);
 }
 
+TEST(FuzzReplay, AlpacaRequests) {
+  EXPECT_GE(replay("alpaca_requests", checkRequest), 30);
+}
+
 TEST(FuzzReplay, EmptyInputGivesOrdinaryAnswers) {
   EXPECT_EQ(runSession({}), std::vector<std::string>{});
   EXPECT_EQ(adversary().openDevices(), 0U);

@@ -21,12 +21,17 @@ extern "C" void appendBytes(void* file, void* bytes, int count) {
 
 }  // namespace
 
-void writePng(const std::filesystem::path& path, const ScreenImage& image, Existing existing) {
+std::vector<std::uint8_t> pngBytes(const ScreenImage& image) {
   std::vector<std::uint8_t> bytes;
   if (stbi_write_png_to_func(appendBytes, &bytes, image.width, image.height, image.channels,
                              image.samples.data(), 0) == 0) {
     throw std::runtime_error("There is not enough memory for the preview image.");
   }
+  return bytes;
+}
+
+void writePng(const std::filesystem::path& path, const ScreenImage& image, Existing existing) {
+  const std::vector<std::uint8_t> bytes = pngBytes(image);
   OutputFile file(path, existing);
   file.writeAt(0, bytes);
   file.close();

@@ -179,6 +179,16 @@ std::string environmentVariable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
+std::filesystem::path userDataDirectory() {
+  const std::string data = environmentVariable("XDG_DATA_HOME");
+  const std::string home = environmentVariable("HOME");
+  if (!data.empty()) {
+    return std::filesystem::path(data) / "orvane";
+  }
+  return home.empty() ? std::filesystem::path()
+                      : std::filesystem::path(home) / ".local" / "share" / "orvane";
+}
+
 void setEnvironmentVariable(const char* name, const std::string& value) {
   setenv(name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): as above
 }

@@ -193,6 +193,11 @@ std::string environmentVariable(const char* name) {
   return value.empty() ? "" : utf8FromWide(value.c_str());
 }
 
+std::filesystem::path userDataDirectory() {
+  const std::string profile = environmentVariable("APPDATA");
+  return profile.empty() ? std::filesystem::path() : pathFromUtf8(profile) / "Orvane";
+}
+
 void setEnvironmentVariable(const char* name, const std::string& value) {
   SetEnvironmentVariableW(wideFromUtf8(name).c_str(), wideFromUtf8(value).c_str());
 }

@@ -30,7 +30,7 @@ FLOORS = {
         "imaging/*",
         "formats/*",
         "session/* sdk_check/*",
-        "oc_capture/* live_view/*"],
+        "oc_capture/* oc_alpaca/* live_view/*"],
     "simulators": [
         "simulator_control.h",
         "core/*",
@@ -45,6 +45,7 @@ OTHERS = {
         ("sdk_check/sdk_functions.cpp", "vendors/sdk/*_sdk.hpp"),
         ("session/*", "orvane_desktop_camera.h*"),
         ("oc_capture/*", "orvane_desktop_camera.h*"),
+        ("oc_alpaca/*", "orvane_desktop_camera.h*"),
         ("live_view/*", "orvane_desktop_camera.h*")],
     "simulators": [
         ("*", "vendors/sdk/*_sdk.hpp"),
