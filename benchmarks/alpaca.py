@@ -79,7 +79,7 @@ def overhead(settings):
 
 
 def streaming(settings):
-    names = ["ZWO ASI120MC-S", "Mars-C", "QHY5LII-M", "GPCMOS01200KPF"]
+    names = ["ZWO ASI120MC-S", "Mars-C", "QHY6-M", "SkyRaiderDS6.3"]
     with Server(settings) as server:
         cameras = server.cameras()
         wanted = [name for name in names if cameras[name].put("connected", Connected="true").error == 0]

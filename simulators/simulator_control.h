@@ -199,7 +199,7 @@ ORVANE_SIMULATOR_API void sim_log_enable(int32_t enabled);
  *     ASIGetCameraProperty(0 -> "ZWO ASI120MC-S" id 0) = 0
  *     ASIGetControlCaps(0, 2 -> type 5 [0, 20] writable 1) = 0
  *     POAGetConfigAttributesByConfigID(0, 1 -> [0, 600] writable 1) = 0
- *     Toupcam_EnumV2(buffer -> "G3CMOS06300KPA", "GPCMOS01200KPF") = 2
+ *     Toupcam_EnumV2(buffer -> "SkyRaiderDS6.3", "SkyRaider2.3(USB2.0)") = 2
  * Valid until the next call into this library. */
 ORVANE_SIMULATOR_API const char* sim_log(void);
 

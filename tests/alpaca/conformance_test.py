@@ -421,7 +421,7 @@ def main():
             test.management()
             cameras = server.cameras()
             # The first one, but of ToupTek one that is drawn faster.
-            name = "G3CMOS06300KPA" if sdk == "toupcam" else next(iter(cameras))
+            name = "SkyRaiderDS6.3" if sdk == "toupcam" else next(iter(cameras))
             camera = cameras[name]
             print(sdk, name, flush=True)
             test.common(camera)

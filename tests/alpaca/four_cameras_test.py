@@ -73,7 +73,7 @@ def main():
     settings = Settings(arguments)
     checks = Checks()
     with Server(settings, SDKS) as server:
-        wanted = ["ZWO ASI120MC-S", "Mars-C", "QHY5LII-M", "G3CMOS06300KPA"]
+        wanted = ["ZWO ASI120MC-S", "Mars-C", "QHY6-M", "SkyRaiderDS6.3"]
         names = list(server.cameras())
         numbers = [names.index(name) for name in wanted]
         cameras = server.cameras()

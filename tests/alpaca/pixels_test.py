@@ -17,8 +17,8 @@ import sys
 
 from server import Checks, ImageBytes, Server, Settings
 
-CAMERAS = {"ASICamera2": "ZWO ASI120MC-S", "PlayerOneCamera": "Mars-C", "qhyccd": "QHY5III462C",
-           "toupcam": "G3CMOS06300KPA"}
+CAMERAS = {"ASICamera2": "ZWO ASI120MC-S", "PlayerOneCamera": "Mars-C", "qhyccd": "QHY5III482C",
+           "toupcam": "SkyRaiderDS6.3"}
 FORMATS = {"Raw 16 bit": "raw16", "Raw 8 bit": "raw8", "RGB 24 bit": "rgb24", "Mono 8 bit": "mono8"}
 EXPOSURE = 0.02
 SER_HEADER = 178
