@@ -21,7 +21,8 @@ for preset in "$@"; do
   quietly cmake --preset "$preset"
   cmake --build --preset "$preset"
   echo "== $preset: test"
-  ctest --preset "$preset" --progress -j "$(nproc)" || {
+  # Many tests wait for frames, so there are more of them at a time than processors.
+  ctest --preset "$preset" --progress -j "$(($(nproc) * 2))" || {
     status=$?
     echo "== $preset: failed tests, run again with their output"
     ctest --preset "$preset" --rerun-failed --extra-verbose || true
