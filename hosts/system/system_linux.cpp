@@ -169,8 +169,12 @@ bool seekFile(std::FILE* file, std::int64_t position) {
   return fseeko(file, position, SEEK_SET) == 0;
 }
 
+// Without the comparison ext4 would take even a new, empty file for one that is being replaced, and
+// write all of it to the disk when it is closed.
 bool truncateFile(std::FILE* file, std::int64_t size) {
-  return ftruncate(fileno(file), size) == 0;
+  struct stat status = {};
+  return fstat(fileno(file), &status) == 0 &&
+         (status.st_size == size || ftruncate(fileno(file), size) == 0);
 }
 
 std::string environmentVariable(const char* name) {
