@@ -14,7 +14,7 @@ constexpr std::size_t cardSize = 80;
 constexpr std::size_t blockSize = 2880;
 
 // A FITS header: cards of 80 characters, each with a keyword, a value and a comment.
-class Header {
+class FitsHeader {
  public:
   // Numbers and logical values end in column 30.
   void addPlain(const std::string& keyword, const std::string& value, const std::string& comment) {
@@ -76,7 +76,7 @@ bool isWide(const FrameLayout& layout) {
   return layout.format == PixelFormat::Raw16;
 }
 
-void addShape(Header& header, const FrameLayout& layout) {
+void addShape(FitsHeader& header, const FrameLayout& layout) {
   header.addPlain("SIMPLE", "T", "this is a FITS file");
   header.add("BITPIX", isWide(layout) ? 16 : 8, "bits of a sample");
   header.add("NAXIS", isColour(layout) ? 3 : 2, "");
@@ -93,7 +93,7 @@ void addShape(Header& header, const FrameLayout& layout) {
 }
 
 std::string headerText(const FitsDescription& description) {
-  Header header;
+  FitsHeader header;
   addShape(header, description.layout);
   if (description.layout.bayer != BayerPattern::None) {
     header.add("BAYERPAT", bayerName(description.layout.bayer), "colours of the first two rows");

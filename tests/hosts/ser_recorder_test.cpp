@@ -22,7 +22,7 @@ using orvane::testing::script;
 using orvane::testing::SerFile;
 
 constexpr std::chrono::milliseconds longTime{20000};
-const SerDescription description{{4, 2, PixelFormat::Raw8, BayerPattern::Grbg}, "", "", "", 0, 0};
+const SerDescription smallFrames{{4, 2, PixelFormat::Raw8, BayerPattern::Grbg}, "", "", "", 0, 0};
 
 class SerRecorderTest : public ::testing::Test {
  protected:
@@ -100,7 +100,7 @@ TEST_F(SerRecorderTest, WritesWhatItTakesAndCountsWhatItDrops) {
   oc::FrameQueue queue = send(count, recordingCapacity(1, 8));
   const oc::Frame held = queue.next(longTime);  // keeps one place of the queue
   waitForFrames();
-  SerRecorder recorder(path, description, {}, std::move(queue));
+  SerRecorder recorder(path, smallFrames, {}, std::move(queue));
   EXPECT_EQ(recorder.queue().capacity(), 4U);
   recorder.stop();
   ASSERT_TRUE(recorder.waitForEnd(longTime));
@@ -125,7 +125,7 @@ TEST_F(SerRecorderTest, CountsWhatIsDroppedWhileItRecords) {
   std::optional<oc::Frame> held;
   toSend_ = 1;
   held = queue.next(longTime);
-  SerRecorder recorder(path, description, {}, std::move(queue));
+  SerRecorder recorder(path, smallFrames, {}, std::move(queue));
   toSend_ = 11;
   waitForFrames();
   EXPECT_EQ(recorder.droppedFrames(), 10);
@@ -141,7 +141,7 @@ TEST_F(SerRecorderTest, CountsWhatIsDroppedWhileItRecords) {
 
 TEST_F(SerRecorderTest, EndsByItselfWithTheFramesThatWereAskedFor) {
   constexpr int count = 40;
-  SerRecorder recorder(path, description, {}, send(2 * count, count + 1, count));
+  SerRecorder recorder(path, smallFrames, {}, send(2 * count, count + 1, count));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   recorder.requireSuccess();
   EXPECT_EQ(recorder.droppedFrames(), 0);
@@ -158,14 +158,14 @@ TEST_F(SerRecorderTest, CorrectsFrames) {
     std::memset(buffer + size / 2, 2, static_cast<std::size_t>(size / 2));
     return size;
   };
-  SerRecorder recorder(path, description, {true, false, {}}, send(1, 4, 1));
+  SerRecorder recorder(path, smallFrames, {true, false, {}}, send(1, 4, 1));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_EQ(SerFile(path).frames.at(0), (std::vector<std::uint8_t>{2, 2, 2, 2, 1, 1, 1, 1}));
 }
 
 TEST_F(SerRecorderTest, TheDestructorFinishesTheFile) {
   {
-    const SerRecorder recorder(path, description, {}, send(2, 4));
+    const SerRecorder recorder(path, smallFrames, {}, send(2, 4));
     waitForFrames();
   }
   const SerFile file(path);
@@ -176,7 +176,7 @@ TEST_F(SerRecorderTest, TheDestructorFinishesTheFile) {
 
 TEST_F(SerRecorderTest, TellsWhatFailedAndKeepsTheFramesBefore) {
   atEnd_ = 7;  // the frame has a byte less
-  SerRecorder recorder(path, description, {}, send(1, 4));
+  SerRecorder recorder(path, smallFrames, {}, send(1, 4));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_THROW(recorder.requireSuccess(), std::runtime_error);
   EXPECT_EQ(recorder.writtenFrames(), 1);
@@ -186,7 +186,7 @@ TEST_F(SerRecorderTest, TellsWhatFailedAndKeepsTheFramesBefore) {
 TEST_F(SerRecorderTest, ALostCameraEndsItAfterTheFramesBefore) {
   script().error = "ASIGetVideoData: 5";
   atEnd_ = -1;
-  SerRecorder recorder(path, description, {}, send(3, 4));
+  SerRecorder recorder(path, smallFrames, {}, send(3, 4));
   ASSERT_TRUE(recorder.waitForEnd(longTime));
   EXPECT_EQ(testing::failureOf<oc::Error>([&] { recorder.requireSuccess(); }),
             "ASIGetVideoData: 5");

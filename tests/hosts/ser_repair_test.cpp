@@ -20,7 +20,7 @@ using orvane::testing::SerFile;
 using Bytes = std::vector<std::uint8_t>;
 using Times = std::vector<std::int64_t>;
 
-constexpr std::int64_t start = 638448448000000000;  // in the year 2024
+constexpr std::int64_t firstTime = 638448448000000000;  // in the year 2024
 constexpr std::size_t frameSize = 30;
 constexpr std::size_t headerSize = 178;
 
@@ -28,7 +28,7 @@ SerDescription description() {
   SerDescription description;
   description.layout = {6, 5, PixelFormat::Raw8, BayerPattern::Grbg};
   description.observer = "Anna";
-  description.startUtc = start;
+  description.startUtc = firstTime;
   return description;
 }
 
@@ -37,7 +37,7 @@ Bytes frameOf(int number) {
 }
 
 std::int64_t timeOf(int number) {
-  return start + 10000 * number;
+  return firstTime + 10000 * number;
 }
 
 std::string textOf(const Times& times) {
@@ -241,7 +241,7 @@ TEST_F(SerRepairTest, TimesThatAreUnknown) {
   // The first as a power failure leaves it, the third of another recording, the last one not whole.
   Times times = timesOf(4);
   times[0] = 0;
-  times[2] = start - 1000 * std::int64_t{24 * 60 * 60} * 10'000'000;
+  times[2] = firstTime - 1000 * std::int64_t{24 * 60 * 60} * 10'000'000;
   rewrite(journal(), textOf(times).substr(0, 31));
   const SerRepairFacts facts = repair();
   EXPECT_EQ(facts.frames, 4);

@@ -94,10 +94,10 @@ oc::CameraInfo camera() {
   return description;
 }
 
-constexpr Controls now{20000, 100, 10};
+constexpr Controls current{20000, 100, 10};
 
 Controls after(ViewCommand command) {
-  return controlsAfter(command, now, camera()).value_or(Controls{});
+  return controlsAfter(command, current, camera()).value_or(Controls{});
 }
 
 TEST(ControlsAfter, ACommandChangesOneOfThem) {
@@ -112,13 +112,13 @@ TEST(ControlsAfter, ACommandChangesOneOfThem) {
   EXPECT_EQ(after(ViewCommand::MoreOffset).offset, 11);
   EXPECT_EQ(after(ViewCommand::LessOffset).offset, 9);
   const Controls moreGain = after(ViewCommand::MoreGain);
-  EXPECT_EQ(moreGain.exposureUs, now.exposureUs);
-  EXPECT_EQ(moreGain.offset, now.offset);
+  EXPECT_EQ(moreGain.exposureUs, current.exposureUs);
+  EXPECT_EQ(moreGain.offset, current.offset);
 }
 
 TEST(ControlsAfter, OtherCommandsAreNoneOfTheirs) {
-  EXPECT_FALSE(controlsAfter(ViewCommand::ToggleRecording, now, camera()));
-  EXPECT_FALSE(controlsAfter(ViewCommand::None, now, camera()));
+  EXPECT_FALSE(controlsAfter(ViewCommand::ToggleRecording, current, camera()));
+  EXPECT_FALSE(controlsAfter(ViewCommand::None, current, camera()));
 }
 
 TEST(ControlsAfter, StayWithinWhatTheCameraCanDo) {
@@ -132,20 +132,20 @@ TEST(ControlsAfter, ACameraThatTellsNoLimitsHasSomeAllTheSame) {
   const oc::CameraInfo unknown;
   EXPECT_EQ(longestExposureOf(unknown), 2147483647);
   EXPECT_EQ(gainRangeOf(unknown).largest, 500);
-  EXPECT_EQ(controlsAfter(ViewCommand::MoreGain, now, unknown)->gain, 105);
+  EXPECT_EQ(controlsAfter(ViewCommand::MoreGain, current, unknown)->gain, 105);
 }
 
 TEST(Sliders, PlacesAndControlsFitEachOther) {
   for (const SliderKind slider : {SliderKind::Exposure, SliderKind::Gain, SliderKind::Offset}) {
-    const Controls least = controlsAfter(slider, 0, now, camera());
-    const Controls most = controlsAfter(slider, 1, now, camera());
+    const Controls least = controlsAfter(slider, 0, current, camera());
+    const Controls most = controlsAfter(slider, 1, current, camera());
     EXPECT_EQ(placeOf(slider, least, camera()), 0);
     EXPECT_EQ(placeOf(slider, most, camera()), 1);
   }
-  EXPECT_EQ(controlsAfter(SliderKind::Gain, 0.5, now, camera()).gain, 200);
-  EXPECT_EQ(controlsAfter(SliderKind::Gain, 0.5, now, camera()).exposureUs, now.exposureUs);
-  EXPECT_EQ(controlsAfter(SliderKind::Offset, 0.1, now, camera()).offset, 30);
-  EXPECT_EQ(controlsAfter(SliderKind::Exposure, 1, now, camera()).exposureUs, 2000000);
+  EXPECT_EQ(controlsAfter(SliderKind::Gain, 0.5, current, camera()).gain, 200);
+  EXPECT_EQ(controlsAfter(SliderKind::Gain, 0.5, current, camera()).exposureUs, current.exposureUs);
+  EXPECT_EQ(controlsAfter(SliderKind::Offset, 0.1, current, camera()).offset, 30);
+  EXPECT_EQ(controlsAfter(SliderKind::Exposure, 1, current, camera()).exposureUs, 2000000);
 }
 
 }  // namespace

@@ -30,13 +30,13 @@ LiveFrame frameWithStar(double x0, double y0, std::uint64_t opening, double widt
                  }));
 }
 
-const LivePicture::Clock::time_point start{std::chrono::hours(1)};
+const LivePicture::Clock::time_point startTime{std::chrono::hours(1)};
 
 class LivePictureTest : public ::testing::Test {
  protected:
   void setMeasuredFrame() {
     picture.setFrame(frameWithStar(100, 50, 1));
-    ASSERT_TRUE(picture.measure(start));
+    ASSERT_TRUE(picture.measure(startTime));
   }
 
   // Draws the picture into an area of this size.
@@ -63,7 +63,7 @@ TEST_F(LivePictureTest, WithoutAFrameThereIsBackground) {
   EXPECT_EQ(view.onScreen.width, 0);
   EXPECT_EQ(std::set<std::uint32_t>(pixels.begin(), pixels.end()),
             (std::set<std::uint32_t>{background}));
-  EXPECT_FALSE(picture.measure(start));
+  EXPECT_FALSE(picture.measure(startTime));
 }
 
 TEST_F(LivePictureTest, ShowsTheWholeFrameInItsShape) {
@@ -100,7 +100,7 @@ TEST_F(LivePictureTest, AsItIsTheFullScaleIsWhite) {
   picture.setFrame(
       frameOf(layout, 1, frame16(layout, [](int x, int) { return x < 16 ? 4095 : 2047; })));
   picture.setStretched(false);
-  ASSERT_TRUE(picture.measure(start));
+  ASSERT_TRUE(picture.measure(startTime));
   draw(32, 32);
   EXPECT_EQ(at(2, 10) & 0xFFU, 255U);
   EXPECT_NEAR(at(28, 10) & 0xFFU, 127, 1);
@@ -148,7 +148,7 @@ TEST_F(LivePictureTest, EightBitsAreBrightenedWithoutBands) {
   picture.setFrame(frameOf(layout, 1, bytes));
   picture.setStretched(false);
   picture.setLevels({0, 0.1, 1});  // a step of the samples is ten of the screen
-  ASSERT_TRUE(picture.measure(start));
+  ASSERT_TRUE(picture.measure(startTime));
   draw(128, 64);
   for (int x = 8; x < 119; ++x) {
     EXPECT_LE(
@@ -170,7 +170,7 @@ TEST_F(LivePictureTest, InRedThereIsNoOtherColour) {
 
 TEST_F(LivePictureTest, PixelByPixelItCanBeMovedButNotAway) {
   picture.setFrame(frameWithStar(160, 100, 1));
-  picture.measure(start);
+  picture.measure(startTime);
   picture.setPixelByPixel(true);
   PictureView view = draw(100, 80);
   EXPECT_EQ(view.onScreen, (PixelRect{0, 0, 100, 80}));
@@ -197,15 +197,15 @@ TEST_F(LivePictureTest, PixelByPixelASmallFrameIsInTheMiddle) {
 TEST_F(LivePictureTest, MeasuresFromTimeToTime) {
   picture.setFrame(frameWithStar(100, 50, 1));
   EXPECT_FALSE(picture.measurements().areThere);
-  EXPECT_TRUE(picture.measure(start));
+  EXPECT_TRUE(picture.measure(startTime));
   EXPECT_TRUE(picture.measurements().areThere);
-  EXPECT_FALSE(picture.measure(start + std::chrono::milliseconds(100)));
-  EXPECT_TRUE(picture.measure(start + std::chrono::hours(1)));
+  EXPECT_FALSE(picture.measure(startTime + std::chrono::milliseconds(100)));
+  EXPECT_TRUE(picture.measure(startTime + std::chrono::hours(1)));
   EXPECT_EQ(picture.measurements().diameters.size(), 2U);
 }
 
 TEST_F(LivePictureTest, RemembersTheLeastDiameterOfOneStream) {
-  LivePicture::Clock::time_point now = start;
+  LivePicture::Clock::time_point now = startTime;
   for (const double width : {3.0, 2.0, 4.0}) {
     picture.setFrame(frameWithStar(100, 50, 1, width));
     ASSERT_TRUE(picture.measure(now));
@@ -217,13 +217,13 @@ TEST_F(LivePictureTest, RemembersTheLeastDiameterOfOneStream) {
 
   picture.setFrame(frameWithStar(100, 50, 2, 4));
   EXPECT_FALSE(picture.measurements().leastDiameter);
-  EXPECT_TRUE(picture.measure(start));
+  EXPECT_TRUE(picture.measure(startTime));
   EXPECT_NEAR(*picture.measurements().leastDiameter, 2 * sharp, 0.4);
 }
 
 TEST_F(LivePictureTest, RemembersTheMostSharpnessOfOneRegion) {
   const FrameLayout layout{320, 200, PixelFormat::Raw16, BayerPattern::None};
-  LivePicture::Clock::time_point now = start;
+  LivePicture::Clock::time_point now = startTime;
   double most = 0;
   for (const double blur : {3.0, 1.0, 5.0}) {
     picture.setFrame(
@@ -241,7 +241,7 @@ TEST_F(LivePictureTest, RemembersTheMostSharpnessOfOneRegion) {
 
   picture.setRegion(Region{100, 40, 120, 120});
   EXPECT_FALSE(measured.mostSharpness);
-  EXPECT_TRUE(picture.measure(start));  // at once
+  EXPECT_TRUE(picture.measure(startTime));  // at once
   EXPECT_EQ(measured.sharpnesses.size(), 1U);
   picture.setRegion(Region{100, 40, 120, 120});  // the same
   EXPECT_EQ(measured.sharpnesses.size(), 1U);
@@ -250,7 +250,7 @@ TEST_F(LivePictureTest, RemembersTheMostSharpnessOfOneRegion) {
 TEST_F(LivePictureTest, KeepsNoMoreDiametersThanItShows) {
   for (std::size_t round = 0; round < LivePicture::trendLength + 5; ++round) {
     picture.setFrame(frameWithStar(100, 50, 1));
-    picture.measure(start + std::chrono::hours(round));
+    picture.measure(startTime + std::chrono::hours(round));
   }
   EXPECT_EQ(picture.measurements().diameters.size(), LivePicture::trendLength);
 }
@@ -262,10 +262,10 @@ TEST_F(LivePictureTest, FollowsTheStarThatWasChosen) {
            starLight(x, y, 250, 150, 2, 20000);
   });
   picture.setFrame(frameOf(layout, 1, twoStars));
-  picture.measure(start);
+  picture.measure(startTime);
   EXPECT_NEAR(picture.measurements().focus.star->x, 100, 0.2);
   picture.followStarAt(255, 146);
-  EXPECT_TRUE(picture.measure(start + std::chrono::milliseconds(1)));
+  EXPECT_TRUE(picture.measure(startTime + std::chrono::milliseconds(1)));
   EXPECT_NEAR(picture.measurements().focus.star->x, 250, 0.2);
   EXPECT_EQ(picture.measurements().diameters.size(), 1U);
 }
@@ -274,12 +274,12 @@ TEST_F(LivePictureTest, ClearedItShowsNothing) {
   picture.setFrame(frameWithStar(100, 50, 1));
   picture.clear();
   EXPECT_FALSE(picture.hasFrame());
-  EXPECT_FALSE(picture.measure(start));
+  EXPECT_FALSE(picture.measure(startTime));
 }
 
 TEST_F(LivePictureTest, FramesTooSmallForABayerPatternShowNothingAndDoNoHarm) {
   picture.setFrame(frameOf({1, 1, PixelFormat::Raw8, BayerPattern::Rggb}, 1, {9}));
-  EXPECT_TRUE(picture.measure(start));
+  EXPECT_TRUE(picture.measure(startTime));
   draw(10, 10);
   EXPECT_EQ(at(5, 5), background);
 }
