@@ -5,19 +5,12 @@
 #include <regex>
 #include <sstream>
 
+#include "documents.hpp"
 #include "oc_capture_test.hpp"
 
 namespace orvane::testing {
 
 namespace {
-
-std::string replaced(std::string text, const std::string& old, const std::string& by) {
-  for (std::size_t at = text.find(old); at != std::string::npos;
-       at = text.find(old, at + by.size())) {
-    text.replace(at, old.size(), by);
-  }
-  return text;
-}
 
 class OcCaptureSimulator : public OcCaptureTest {
  protected:
@@ -27,9 +20,7 @@ class OcCaptureSimulator : public OcCaptureTest {
     }
   }
 
-  static std::string document() {
-    return replaced(contentOf(std::filesystem::path(ORVANE_DOCS_DIR) / "simulators.md"), "\r", "");
-  }
+  static std::string document() { return documentText("simulators.md"); }
 
   // The groups of each part of the text that matches.
   static std::vector<std::vector<std::string>> matches(const std::string& text,

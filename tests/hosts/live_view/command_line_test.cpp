@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "documents.hpp"
 #include "session/file_names.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
@@ -55,6 +56,18 @@ TEST(LiveCommandLine, WhatRecordingsAreLike) {
   const auto usual = std::get<LiveOptions>(parseLiveCommandLine({}));
   EXPECT_EQ(usual.recording.nameTemplate, usualNameTemplate);
   EXPECT_EQ(usual.recording.limit, RecordingLimit());
+}
+
+TEST(LiveCommandLine, TheCommandForObserversIsTaken) {
+  std::vector<std::string> directories;
+  for (const testing::ShownCommand& command :
+       testing::shownCommands(testing::documentText("observers.md"), testing::observersPrompt)) {
+    if (command.program == "live_view") {
+      const auto options = std::get<LiveOptions>(parseLiveCommandLine(command.arguments));
+      directories.push_back(options.sdkDirectory);
+    }
+  }
+  EXPECT_EQ(directories, std::vector<std::string>{"..\\simulated-sdks"});
 }
 
 TEST(LiveCommandLine, Help) {
