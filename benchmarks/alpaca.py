@@ -31,6 +31,12 @@ def seconds_of(connection, path, headers, buffer):
     return time.perf_counter() - start, size
 
 
+def plain_process(plain_server, size):
+    """The plain server, which sends this many bytes to any request, and a connection to it."""
+    plain = subprocess.Popen([plain_server, str(size)], stdout=subprocess.PIPE, text=True)
+    return plain, http.client.HTTPConnection("127.0.0.1", int(plain.stdout.readline()))
+
+
 def transfers(settings, plain_server):
     with Server(settings, ["ASICamera2"]) as server:
         camera = server.cameras()["ZWO ASI294MC Pro"]
@@ -39,12 +45,10 @@ def transfers(settings, plain_server):
         size = len(camera.image_bytes().body)
         # From here on the camera would only use the processors.
         subprocess.run(["kill", "-STOP", *map(str, server.workers())], check=True)
-        plain = subprocess.Popen([plain_server, str(size)], stdout=subprocess.PIPE, text=True)
+        plain, other = plain_process(plain_server, size)
         try:
-            port = int(plain.stdout.readline())
             buffer = bytearray(size)
             ours = http.client.HTTPConnection("127.0.0.1", server.port)
-            other = http.client.HTTPConnection("127.0.0.1", port)
             times = {"oc_alpaca": [], "plain": []}
             for _ in range(ROUNDS):
                 for name, connection, path in (("oc_alpaca", ours, camera.path + "imagearray"),
@@ -78,11 +82,14 @@ def overhead(settings):
     return median < 100
 
 
-def streaming(settings):
+def streaming(settings, plain_server):
+    """Simple GETs, and in turns the same from the plain server: its slowest answers tell what the busy
+    processors and this client cost."""
     names = ["ZWO ASI120MC-S", "Mars-C", "QHY6-M", "SkyRaiderDS6.3"]
     with Server(settings) as server:
         cameras = server.cameras()
-        wanted = [name for name in names if cameras[name].put("connected", Connected="true").error == 0]
+        for name in names:
+            cameras[name].set("connected", Connected="true")
         stop = threading.Event()
 
         def take(name):
@@ -92,31 +99,40 @@ def streaming(settings):
                 time.sleep(0.1)
                 camera.set("abortexposure")
 
-        threads = [threading.Thread(target=take, args=(name,)) for name in wanted]
+        threads = [threading.Thread(target=take, args=(name,)) for name in names]
+        path = cameras[names[0]].path + "devicestate"
+        ours = http.client.HTTPConnection("127.0.0.1", server.port)
+        plain, other = plain_process(plain_server, 500)
+        times = {"oc_alpaca": [], "plain": []}
+        buffer = bytearray(4096)
         for thread in threads:
             thread.start()
-        times = []
-        camera = cameras[names[0]]
-        for _ in range(2000):
-            start = time.perf_counter()
-            camera.get("devicestate")
-            times.append(time.perf_counter() - start)
-        stop.set()
-        for thread in threads:
-            thread.join()
-    times.sort()
-    share = times[len(times) * 99 // 100] * 1000
-    print(f"  simple GETs while {len(wanted)} cameras stream: median {1000 * times[1000]:.2f} ms, "
-          f"99 % {share:.2f} ms, slowest {1000 * times[-1]:.2f} ms; 99 % below 10 ms: "
-          f"{'yes' if share < 10 else 'NO'}")
-    return share < 10
+        try:
+            for _ in range(2000):
+                for name, connection in (("oc_alpaca", ours), ("plain", other)):
+                    times[name].append(1000 * seconds_of(connection, path, {}, buffer)[0])
+        finally:
+            stop.set()
+            plain.kill()
+            for thread in threads:
+                thread.join()
+    shares = {}
+    for name, all_times in times.items():
+        all_times.sort()
+        shares[name] = all_times[len(all_times) * 99 // 100]
+        print(f"  simple GETs while {len(names)} cameras stream, {name}: median "
+              f"{statistics.median(all_times):.2f} ms, 99 % {shares[name]:.2f} ms, slowest "
+              f"{all_times[-1]:.2f} ms")
+    is_fast = shares["oc_alpaca"] < 10
+    print(f"  99 % below 10 ms: {'yes' if is_fast else 'NO'}")
+    return is_fast
 
 
 def main():
     program, plain_server, sdks = sys.argv[1:]
     with tempfile.TemporaryDirectory() as scratch:
         settings = Settings([scratch, sdks, "", program])
-        gates = [transfers(settings, plain_server), overhead(settings), streaming(settings)]
+        gates = [transfers(settings, plain_server), overhead(settings), streaming(settings, plain_server)]
     sys.exit(0 if all(gates) else 1)
 
 

@@ -148,7 +148,8 @@ ORVANE_SIMULATOR_API void sim_throw(const char* function, int32_t nth, int32_t t
 ORVANE_SIMULATOR_API void sim_force_output(const char* function, const char* output, int32_t nth,
                                            int32_t times, double value);
 
-/* Removes all forced results, outputs and exceptions. */
+/* Removes all forced results, outputs and exceptions, and what the commands "damage", "hang" and
+ * "crash" have set. */
 ORVANE_SIMULATOR_API void sim_clear_faults(void);
 
 /* Seeds the scene and the sensor noise. A frame's content depends only on the seed or the played
@@ -192,7 +193,8 @@ ORVANE_SIMULATOR_API void sim_log_enable(int32_t enabled);
  * wrote follow the inputs after "-> ", for example
  *     ASIOpenCamera(0) = 0
  *     ASIGetROIFormat(0 -> 640, 480, 1, 0) = 0
- * A call that threw ends in ") threw". A call that sim_force_result() answered has no outputs. A
+ * A call that threw ends in ") threw", one that hangs in ") hangs", and one that ends the process
+ * in ") crashes". A call that sim_force_result() answered has no outputs. A
  * function without a result has no "= result". Text is in quotation marks. Pointers to buffers are
  * written as "buffer" or "null", handles as "h1", "h2", ... in the order of their opening, or "h?"
  * if they are unknown, structures as their important fields:

@@ -135,9 +135,7 @@ Json jsonOf(const RememberedSettings& settings) {
 }  // namespace
 
 std::filesystem::path settingsFile() {
-  const std::string profile = environmentVariable("APPDATA");
-  return profile.empty() ? std::filesystem::path()
-                         : pathFromUtf8(profile) / "Orvane" / "live_view.json";
+  return userDataFile("live_view.json");
 }
 
 RememberedSettings readSettings(const std::filesystem::path& file) {

@@ -29,7 +29,7 @@ struct RememberedSettings {
   std::optional<WindowPlace> window;
 };
 
-/// The file's place for this user of Windows; empty if the user has no profile.
+/// The file's place for this user; empty if the user has no profile.
 std::filesystem::path settingsFile();
 
 /// Reads the file; nothing is remembered if there is none. Throws std::runtime_error, with a

@@ -42,8 +42,7 @@ void writeFile(const std::filesystem::path& path, const Json& ids) {
 }  // namespace
 
 std::filesystem::path deviceIdsFile() {
-  const std::filesystem::path directory = userDataDirectory();
-  return directory.empty() ? directory : directory / "alpaca-cameras.json";
+  return userDataFile("alpaca-cameras.json");
 }
 
 std::vector<std::string> deviceIds(const std::filesystem::path& file,

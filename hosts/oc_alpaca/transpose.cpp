@@ -4,8 +4,11 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace orvane::host {
 
@@ -28,8 +31,8 @@ Place moved(const Place& place, std::size_t x, std::size_t y) {
 
 template <std::size_t pixelBytes>
 void transposeSingly(const Place& place, std::size_t width, std::size_t height) {
-  for (std::size_t x = 0; x < width; ++x) {
-    for (std::size_t y = 0; y < height; ++y) {
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
       const Place pixel = moved<pixelBytes>(place, x, y);
       std::memcpy(pixel.to, pixel.from, pixelBytes);
     }
@@ -92,53 +95,123 @@ struct Square<2> {
   }
 };
 
-// Some columns of a tile.
-template <std::size_t pixelBytes>
-void transposeStrip(const Place& place, std::size_t width, std::size_t height) {
-  constexpr std::size_t side = Square<pixelBytes>::side;
-  for (std::size_t y = 0; y < height; y += side) {
-    for (std::size_t row = y; row < y + side; ++row) {
-      // The processor does not foresee reading from row to row. Behind the frame this does nothing.
-      constexpr std::size_t rowsAhead = 16;
-      _mm_prefetch(reinterpret_cast<const char*>(place.from) + (row + rowsAhead) * place.fromBytes,
-                   _MM_HINT_T0);
-    }
-    for (std::size_t x = 0; x < width; x += side) {
-      Square<pixelBytes>::transpose(moved<pixelBytes>(place, x, y));
-    }
-  }
-}
-
+// Rows and columns that make no whole square are transposed pixel by pixel.
 template <std::size_t pixelBytes>
 void transposeTile(const Place& place, std::size_t width, std::size_t height) {
   constexpr std::size_t side = Square<pixelBytes>::side;
   const std::size_t evenWidth = width / side * side;
   const std::size_t evenHeight = height / side * side;
-  constexpr std::size_t cacheLine = 64;
-  constexpr std::size_t stripWidth = cacheLine / pixelBytes / side * side;
-  for (std::size_t x = 0; x < evenWidth; x += stripWidth) {
-    transposeStrip<pixelBytes>(moved<pixelBytes>(place, x, 0), std::min(stripWidth, evenWidth - x),
-                               evenHeight);
+  for (std::size_t y = 0; y < evenHeight; y += side) {
+    for (std::size_t x = 0; x < evenWidth; x += side) {
+      Square<pixelBytes>::transpose(moved<pixelBytes>(place, x, y));
+    }
   }
   transposeSingly<pixelBytes>(moved<pixelBytes>(place, evenWidth, 0), width - evenWidth, height);
   transposeSingly<pixelBytes>(moved<pixelBytes>(place, 0, evenHeight), evenWidth,
                               height - evenHeight);
 }
 
+constexpr std::size_t cacheLine = 64;
+
+// Copies past the cache. A line that is written as a whole need not be read before.
+void streamBytes(const std::uint8_t* from, std::uint8_t* to, std::size_t count) {
+  const std::size_t beforeLine =
+      (cacheLine - reinterpret_cast<std::uintptr_t>(to) % cacheLine) % cacheLine;
+  const std::size_t head = std::min(beforeLine, count);
+  const std::size_t lines = (count - head) / cacheLine * cacheLine;
+  std::memcpy(to, from, head);
+  for (std::size_t at = head; at < head + lines; at += cacheLine) {
+    auto* const line = reinterpret_cast<__m128i*>(to + at);
+    const __m128i first = load(from + at);
+    const __m128i second = load(from + at + sizeof(__m128i));
+    const __m128i third = load(from + at + 2 * sizeof(__m128i));
+    const __m128i fourth = load(from + at + 3 * sizeof(__m128i));
+    _mm_stream_si128(line, first);
+    _mm_stream_si128(line + 1, second);
+    _mm_stream_si128(line + 2, third);
+    _mm_stream_si128(line + 3, fourth);
+  }
+  std::memcpy(to + head + lines, from + head + lines, count - head - lines);
+}
+
+// A frame is transposed in tiles, one below the other: into a buffer, and from there column by
+// column to its place. The tile is narrow, so that reading it takes a line of the cache from each
+// row, and high, so that writing it fills many lines in a row. No processor foresees reading a line
+// here and a line there. So the next tile is prefetched while one is written. That is what makes
+// it fast: the memory then reads and writes at the same time.
 template <std::size_t pixelBytes>
-void transposePixels(const Place& place, std::size_t width, std::size_t height) {
-  // Every row that is read and every column that is written is in another page of memory, and
-  // finding a page takes longer than reading a line of the cache. So a tile takes some lines of
-  // each.
-  constexpr std::size_t tileBytes = 512;
-  constexpr std::size_t side = tileBytes / pixelBytes / 16 * 16;
-  for (std::size_t x = 0; x < width; x += side) {
-    for (std::size_t y = 0; y < height; y += side) {
-      transposeTile<pixelBytes>(moved<pixelBytes>(place, x, y), std::min(side, width - x),
-                                std::min(side, height - y));
+class Tiles {
+ public:
+  Tiles(const Place& place, std::size_t width, std::size_t height)
+      : place_(place), width_(width), height_(height) {
+    // All tiles are of about the same height.
+    const std::size_t tilesBelow = (height + mostRows - 1) / mostRows;
+    rows_ = ((height + tilesBelow - 1) / tilesBelow + rowStep - 1) / rowStep * rowStep;
+  }
+
+  void transpose() {
+    for (Tile tile = tileAt(0, 0); tile.width > 0;) {
+      const Tile next = tileAfter(tile);
+      transposeTile<pixelBytes>(
+          {tile.place.from, tile.place.fromBytes, buffer_.data(), columnBytes}, tile.width,
+          tile.height);
+      write(tile, next);
+      tile = next;
+    }
+    _mm_sfence();  // for other threads and processes
+  }
+
+ private:
+  static constexpr std::size_t side = Square<pixelBytes>::side;
+  static constexpr std::size_t columns = cacheLine / pixelBytes / side * side;
+  // The buffer, and what is prefetched, must fit into the second cache.
+  static constexpr std::size_t rowStep = 32;
+  static constexpr std::size_t mostRows = 45 * rowStep;
+  // Not whole lines: the columns are then spread over the sets of the cache.
+  static constexpr std::size_t columnBytes = mostRows * pixelBytes + cacheLine / 2;
+
+  // The part of the frame at a position; of no width behind its end.
+  struct Tile {
+    std::size_t x;
+    std::size_t y;
+    std::size_t width;
+    std::size_t height;
+    Place place;
+  };
+
+  Tile tileAt(std::size_t x, std::size_t y) const {
+    const std::size_t left = std::min(x, width_);
+    return {x, y, std::min(columns, width_ - left), std::min(rows_, height_ - y),
+            moved<pixelBytes>(place_, left, y)};
+  }
+
+  Tile tileAfter(const Tile& tile) const {
+    const std::size_t below = tile.y + rows_;
+    return below < height_ ? tileAt(tile.x, below) : tileAt(tile.x + columns, 0);
+  }
+
+  void write(const Tile& tile, const Tile& next) const {
+    std::size_t row = 0;
+    for (std::size_t x = 0; x < tile.width; ++x) {
+      const std::size_t until = next.width > 0 ? next.height * (x + 1) / tile.width : 0;
+      for (; row < until; ++row) {
+        // Into the second cache: the first has no room for it.
+        const auto* const bytes =
+            reinterpret_cast<const char*>(next.place.from + row * next.place.fromBytes);
+        _mm_prefetch(bytes, _MM_HINT_T1);
+        _mm_prefetch(bytes + next.width * pixelBytes - 1, _MM_HINT_T1);
+      }
+      streamBytes(buffer_.data() + x * columnBytes, tile.place.to + x * tile.place.toBytes,
+                  tile.height * pixelBytes);
     }
   }
-}
+
+  const Place place_;
+  const std::size_t width_;
+  const std::size_t height_;
+  std::size_t rows_;
+  std::vector<std::uint8_t> buffer_ = std::vector<std::uint8_t>(columns * columnBytes);
+};
 
 }  // namespace
 
@@ -151,11 +224,11 @@ void transposeRegion(std::span<const std::uint8_t> frame, const FrameLayout& lay
                     static_cast<std::size_t>(layout.width) * pixelBytes, transposed.data(),
                     height * pixelBytes};
   if (pixelBytes == 1) {
-    transposePixels<1>(place, width, height);
+    Tiles<1>(place, width, height).transpose();
   } else if (pixelBytes == 2) {
-    transposePixels<2>(place, width, height);
+    Tiles<2>(place, width, height).transpose();
   } else {
-    transposePixels<3>(place, width, height);
+    Tiles<3>(place, width, height).transpose();
   }
 }
 

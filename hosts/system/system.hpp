@@ -61,9 +61,9 @@ bool truncateFile(std::FILE* file, std::int64_t size);
 /// An environment variable in UTF-8; empty if there is none.
 std::string environmentVariable(const char* name);
 
-/// The directory for what this project's programs keep for this user; empty if the user has no
-/// profile. It may have to be made.
-std::filesystem::path userDataDirectory();
+/// A file of this name where this project's programs keep what is this user's; empty if the user
+/// has no profile. Its directory may have to be made.
+std::filesystem::path userDataFile(const char* name);
 
 /// Sets an environment variable of this process, for libraries that are loaded later.
 void setEnvironmentVariable(const char* name, const std::string& value);

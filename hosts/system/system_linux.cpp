@@ -183,14 +183,14 @@ std::string environmentVariable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-std::filesystem::path userDataDirectory() {
+std::filesystem::path userDataFile(const char* name) {
   const std::string data = environmentVariable("XDG_DATA_HOME");
   const std::string home = environmentVariable("HOME");
   if (!data.empty()) {
-    return std::filesystem::path(data) / "orvane";
+    return std::filesystem::path(data) / "orvane" / name;
   }
   return home.empty() ? std::filesystem::path()
-                      : std::filesystem::path(home) / ".local" / "share" / "orvane";
+                      : std::filesystem::path(home) / ".local" / "share" / "orvane" / name;
 }
 
 void setEnvironmentVariable(const char* name, const std::string& value) {

@@ -193,9 +193,9 @@ std::string environmentVariable(const char* name) {
   return value.empty() ? "" : utf8FromWide(value.c_str());
 }
 
-std::filesystem::path userDataDirectory() {
+std::filesystem::path userDataFile(const char* name) {
   const std::string profile = environmentVariable("APPDATA");
-  return profile.empty() ? std::filesystem::path() : pathFromUtf8(profile) / "Orvane";
+  return profile.empty() ? std::filesystem::path() : pathFromUtf8(profile) / "Orvane" / name;
 }
 
 void setEnvironmentVariable(const char* name, const std::string& value) {

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "core/sdk_exception.hpp"
+#include "core/system.hpp"
 
 namespace orvane::sim {
 
@@ -19,7 +20,15 @@ bool Call::begin(const char* function) {
   return here.log.isEnabled();
 }
 
-void Call::throwIfAsked() const {
+void Call::leaveIfAsked() const {
+  if (sdk().faults.first<Hang>() != nullptr) {
+    end(") hangs");
+    neverReturn();
+  }
+  if (sdk().faults.first<Crash>() != nullptr) {
+    end(") crashes");
+    violateAccess();
+  }
   if (const auto* thrown = sdk().faults.first<ThrownFault>()) {
     end(") threw");
     throwSdkException(thrown->kind, thrown->text);

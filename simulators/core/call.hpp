@@ -34,11 +34,11 @@ class Call {
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
 
-  // Runs the body and returns its result, unless the call is to throw or its result is forced.
+  // Runs the body and returns its result, unless the call is not to return or its result is forced.
   template <class Body>
   std::invoke_result_t<Body> run(const Body& body) {
     using Result = std::invoke_result_t<Body>;
-    throwIfAsked();
+    leaveIfAsked();
     const auto* forced = sdk().faults.first<ForcedResult>();
     if constexpr (std::is_void_v<Result>) {
       if (forced == nullptr) {
@@ -115,7 +115,8 @@ class Call {
 
  private:
   static bool begin(const char* function);
-  void throwIfAsked() const;
+  // Hangs, crashes or throws.
+  void leaveIfAsked() const;
   void end(std::string_view piece) const;
 
   // A number converted to the type, truncated to its width.

@@ -296,6 +296,10 @@ class Interpreter {
               [this](Word function, Count nth, Count times, Word kind, Remainder text) {
                 return addThrow(function, {nth, times}, kind, text.text);
               }),
+      command("hang FUNCTION NTH",
+              [this](Word function, Count nth) { return addFault(function, {nth}, Hang{}); }),
+      command("crash FUNCTION NTH",
+              [this](Word function, Count nth) { return addFault(function, {nth}, Crash{}); }),
       command("camera MODEL", [this](const Name& model) { return addCamera(model.text); }),
       command("unplug INDEX FUNCTION NTH [silently]",
               [this](Count camera, Word function, Count nth, Remainder how) {

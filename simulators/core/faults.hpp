@@ -1,5 +1,6 @@
-// The faults that a test has set: forced results, forced outputs, exceptions, and cameras that are
-// unplugged and plugged in, each at a chosen call of a maker's function.
+// The faults that a test has set: forced results, forced outputs, exceptions, calls that hang or
+// crash, and cameras that are unplugged and plugged in, each at a chosen call of a maker's
+// function.
 #pragma once
 
 #include <cstdint>
@@ -30,6 +31,12 @@ struct ThrownFault {
   const char* text;
 };
 
+// A call that does not return.
+struct Hang {};
+
+// A call that ends the process by an access violation.
+struct Crash {};
+
 enum class Plug { In, Out, OutSilently };
 
 // A camera that is unplugged or plugged in just before the call.
@@ -43,13 +50,14 @@ struct DamagedFrames {
   std::int32_t count;
 };
 
-using Effect = std::variant<ForcedResult, ForcedOutput, ThrownFault, PlugChange, DamagedFrames>;
+using Effect =
+    std::variant<ForcedResult, ForcedOutput, ThrownFault, Hang, Crash, PlugChange, DamagedFrames>;
 
 class Faults {
  public:
   void add(std::string_view function, CallRange range, Effect effect);
 
-  // Removes the forced results, outputs and exceptions, but not the plug changes.
+  // Removes all faults but the plug changes.
   void clearForced();
   void clear() { faults_.clear(); }
 

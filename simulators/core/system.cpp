@@ -1,6 +1,9 @@
 #include "core/system.hpp"
 
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
+#include <thread>
 
 #ifdef _WIN32
 #  include <windows.h>
@@ -9,6 +12,21 @@
 #endif
 
 namespace orvane::sim {
+
+void neverReturn() {
+  while (true) {
+    std::this_thread::sleep_for(std::chrono::hours(1));
+  }
+}
+
+void violateAccess() {
+  // In the first page of memory, which no system gives to a program. Not null: a compiler may drop
+  // a write to that. Read from a variable that it cannot see through.
+  static volatile std::uintptr_t firstPage = 8;
+  *reinterpret_cast<volatile int*>(  // NOLINT(performance-no-int-to-ptr)
+      static_cast<std::uintptr_t>(firstPage)) = 0;
+  std::abort();  // never gets here
+}
 
 #ifdef _WIN32
 

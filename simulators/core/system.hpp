@@ -1,5 +1,5 @@
 // What the simulators need from the operating system: the names of files, the present environment,
-// and the process.
+// the process, and two ways not to return.
 #pragma once
 
 #include <filesystem>
@@ -16,5 +16,10 @@ std::string environmentVariable(const char* name);
 void setEnvironmentVariable(const char* name, const std::string& value);
 
 std::string processId();
+
+[[noreturn]] void neverReturn();
+
+// Ends the process as a wild pointer does.
+[[noreturn]] void violateAccess();
 
 }  // namespace orvane::sim

@@ -101,7 +101,9 @@ TEST(AlpacaTranspose, EveryPixelOfEveryRegion) {
                                                            {67, 53, {0, 0, 67, 53}},
                                                            {67, 53, {3, 5, 17, 31}},
                                                            {700, 600, {1, 1, 699, 599}},
-                                                           {9, 900, {8, 0, 1, 900}}}) {
+                                                           {9, 900, {8, 0, 1, 900}},
+                                                           {70, 2880, {0, 0, 70, 2880}},
+                                                           {37, 3100, {2, 1, 33, 2887}}}) {
     for (const auto format : {oc::Format::Raw8, oc::Format::Raw16, oc::Format::Rgb24}) {
       const FrameLayout layout{width, height, format};
       const FrameLayout part{region.width, region.height, format};

@@ -7,6 +7,7 @@ the camera comes back.
 import os
 import signal
 import sys
+import threading
 import time
 
 from server import Checks, ImageBytes, Server, Settings
@@ -51,7 +52,7 @@ def comes_back(checks, what, camera):
 
 
 def ended_workers(settings, checks):
-    """A worker that is killed, one that crashes and one that hangs, each in an exposure."""
+    """A worker that is killed, and one that is stopped, each in an exposure."""
     with Server(settings, ["ASICamera2"]) as server:
         first, other = list(server.cameras().values())[:2]
         for camera in (first, other):
@@ -59,10 +60,7 @@ def ended_workers(settings, checks):
         # Short enough for the stream to go on, so that nothing waits for an opening.
         first.expose(0.2)
         for what, sent, text in (("killed", signal.SIGKILL, "has ended its process"),
-                                 ("crashed", signal.SIGSEGV, "has ended its process"),
-                                 ("hangs", signal.SIGSTOP, "did not answer in time")):
-            if what == "crashed" and settings.is_windows:
-                continue  # Wine ignores an access violation that comes from outside
+                                 ("stopped", signal.SIGSTOP, "did not answer in time")):
             others = server.workers()
             worker = others[-1] if what != "killed" else others[0]
             count = len(others)
@@ -89,6 +87,43 @@ def idle(checks, server, camera):
     camera.set("disconnect")
     checks.equal(SECTION, "disconnected", camera.get("imageready").error, NOT_CONNECTED)
     comes_back(checks, "killed while idle", camera)
+
+
+def failing_sdks(settings, checks):
+    """An SDK that crashes and one that hangs, in one of the pictures that are taken one after another."""
+    server = Server(settings, ["ASICamera2", "PlayerOneCamera", "qhyccd"],
+                    "camera ZWO ASI120MC-S; camera Mars-C; camera QHY6-M; light off;"
+                    "crash ASIGetVideoData 300; hang POAGetImageData 40")
+    with server:
+        crashing, hanging, other = server.cameras().values()
+        cameras = (("crashes", crashing, "signal 11", "exception C0000005"),
+                   ("hangs by itself", hanging, "did not answer in time", "did not answer in time"))
+        for camera in (crashing, hanging, other):
+            camera.set("connected", Connected="true")
+        workers = server.workers()
+        threads = [threading.Thread(target=expose_until_failure, args=(camera,))
+                   for _, camera, _, _ in cameras]
+        for thread in threads:
+            thread.start()
+        while any(thread.is_alive() for thread in threads):
+            other.expose(0.1)
+        for what, camera, on_linux, on_windows in cameras:
+            text = on_windows if settings.is_windows else on_linux
+            lost_camera(checks, what, camera, "" if settings.is_sanitized else text)
+        checks.that(SECTION, "failing SDKs: only the other's process is left",
+                    wait_until(lambda: server.workers() == workers[2:]))
+        checks.equal(SECTION, "failing SDKs: the other camera", other.value("connected"), True)
+        for what, camera, _, _ in cameras:
+            comes_back(checks, what, camera)
+        other.expose(0.1)
+
+
+def expose_until_failure(camera):
+    while camera.put("startexposure", Duration=0.02, Light="true").error == 0:
+        while (answer := camera.get("imageready")).error == 0 and not answer.value:
+            time.sleep(0.003)
+        if answer.error != 0:
+            return
 
 
 def unplugged(settings, checks):
@@ -120,13 +155,12 @@ def cannot_be_opened(checks, server):
 
 
 def full_disk(settings, checks):
-    if settings.is_windows:
-        return
-    with Server(settings, ["ASICamera2"], options=["--log-file", "/dev/full"]) as server:
+    full = settings.name("/dev/full")
+    with Server(settings, ["ASICamera2"], options=["--log-file", full]) as server:
         camera = next(iter(server.cameras().values()))
         comes_back(checks, "disk of the log full", camera)
         checks.equal(SECTION, "disk of the log full: one sentence", server.error_text(),
-                     'oc_alpaca: The log file "/dev/full" cannot be written: the disk is full. The '
+                     f'oc_alpaca: The log file "{full}" cannot be written: the disk is full. The '
                      "server goes on.\n")
 
 
@@ -162,7 +196,7 @@ def ended_server(settings, checks):
 def main():
     settings = Settings(sys.argv[1:])
     checks = Checks()
-    for test in (ended_workers, unplugged, full_disk, log_file, ended_server):
+    for test in (ended_workers, failing_sdks, unplugged, full_disk, log_file, ended_server):
         test(settings, checks)
     checks.finish()
 

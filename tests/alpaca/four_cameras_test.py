@@ -4,12 +4,11 @@ fails, and the memory does not grow.
 
     four_cameras_test.py [--exposures N] SCRATCH SDKS OC_CAPTURE COMMAND..."""
 
-import sys
 import threading
 import time
 
 from conformance_test import CAMERA, COMMON
-from server import SDKS, Camera, Checks, ImageBytes, Server, Settings
+from server import SDKS, Camera, Checks, ImageBytes, Server, settings_and_number
 
 EXPOSURE = 0.02
 FAST = [name for name in [*COMMON, *CAMERA] if not name.startswith("imagearray")]
@@ -66,11 +65,7 @@ class Run:
 
 
 def main():
-    arguments = sys.argv[1:]
-    exposures = 12
-    if arguments[0] == "--exposures":
-        exposures, arguments = int(arguments[1]), arguments[2:]
-    settings = Settings(arguments)
+    settings, exposures = settings_and_number("--exposures", 12)
     checks = Checks()
     with Server(settings, SDKS) as server:
         wanted = ["ZWO ASI120MC-S", "Mars-C", "QHY6-M", "SkyRaiderDS6.3"]

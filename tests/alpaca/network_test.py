@@ -6,11 +6,10 @@ garbage.
 
 import random
 import socket
-import sys
 import threading
 import time
 
-from server import Checks, Client, Server, Settings, free_port
+from server import Checks, Client, Server, free_port, settings_and_number
 
 NAME = "/api/v1/camera/0/name"
 
@@ -220,11 +219,7 @@ def fuzz(checks, server, requests):
 
 
 def main():
-    arguments = sys.argv[1:]
-    requests = 1600
-    if arguments[0] == "--requests":
-        requests, arguments = int(arguments[1]), arguments[2:]
-    settings = Settings(arguments)
+    settings, requests = settings_and_number("--requests", 1600)
     checks = Checks()
     discovery(settings, checks)
     with Server(settings, ["ASICamera2"]) as server:

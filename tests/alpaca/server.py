@@ -28,6 +28,7 @@ class Settings:
         self.sdks = pathlib.Path(arguments[1])
         self.capture = arguments[2]
         self.command = arguments[3:]
+        self.is_sanitized = bool(os.environ.get("ORVANE_SANITIZED"))
         self.is_windows = self.command[-1].endswith(".exe")
         self.scratch.mkdir(parents=True, exist_ok=True)
 
@@ -43,6 +44,14 @@ class Settings:
         for name in names:
             shutil.copy(self.sdks / (name + ".dll" if self.is_windows else f"lib{name}.so"), directory)
         return directory
+
+
+def settings_and_number(option, number):
+    """What CTest passes, and how often something is done: more often if the option says so."""
+    arguments = sys.argv[1:]
+    if arguments[0] == option:
+        number, arguments = int(arguments[1]), arguments[2:]
+    return Settings(arguments), number
 
 
 def free_port(kind=socket.SOCK_DGRAM):
@@ -114,7 +123,7 @@ class Server:
 
     def memory(self):
         """What the server occupies in memory, in MiB. Of its workers only what it shares with them."""
-        if os.environ.get("ORVANE_SANITIZED"):
+        if self.settings.is_sanitized:
             return 0  # a sanitizer keeps what was freed
         pages = int(pathlib.Path(f"/proc/{self.process.pid}/statm").read_text().split()[1])
         return pages * os.sysconf("SC_PAGE_SIZE") / 2**20

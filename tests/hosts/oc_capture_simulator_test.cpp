@@ -1,9 +1,12 @@
 // Simulated SDKs with commands in the environment, in a program: wrong commands, and the examples
 // of docs/simulators.md.
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <map>
 #include <regex>
 #include <sstream>
+#include <thread>
 
 #include "documents.hpp"
 #include "oc_capture_test.hpp"
@@ -82,6 +85,37 @@ TEST_F(OcCaptureSimulator, AStoppedSdkIsNotLoadedOrHasNoCameras) {
   EXPECT_PRED_FORMAT2(IsNotSubstring, "SkyRaider", json);
 }
 
+TEST_F(OcCaptureSimulator, ACallThatHangsDoesNotReturn) {
+  const std::filesystem::path log = scratch.file("calls");
+  const auto called = [&log] {
+    return std::filesystem::exists(log) && contentOf(log).ends_with("ASIOpenCamera(0) hangs\n");
+  };
+  const Program program(start({"list", "--sdk", sdks.path()},
+                              "sdk ASICamera2; log " + utf8(log) + "; hang ASIOpenCamera 1"));
+  while (!called() && program.isRunning()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_TRUE(program.isRunning());
+  program.kill();
+  EXPECT_EQ(program.wait().out, "");
+  EXPECT_TRUE(called()) << contentOf(log);
+}
+
+TEST_F(OcCaptureSimulator, ACallThatCrashesEndsTheProcess) {
+  const std::filesystem::path log = scratch.file("calls");
+  const ProgramResult result =
+      runWithSdks("list", {}, "log " + utf8(log) + "; crash ASIOpenCamera 2");
+#ifdef _WIN32
+  constexpr std::uint32_t accessViolation = 0xC0000005;
+  EXPECT_EQ(result.status, static_cast<int>(accessViolation));
+#elif !defined(__SANITIZE_ADDRESS__)
+  EXPECT_EQ(result.status, -SIGSEGV);
+#endif
+  EXPECT_EQ(result.out, "");
+  EXPECT_TRUE(contentOf(log).ends_with("ASIOpenCamera(1) crashes\n")) << contentOf(log);
+}
+
 // Every command in the table, with values for its parameters.
 TEST_F(OcCaptureSimulator, TheDocumentedCommandsAreAccepted) {
   const SimulatedSdk sdk(sdks.file("ASICamera2"));
@@ -118,7 +152,7 @@ TEST_F(OcCaptureSimulator, TheDocumentedCommandsAreAccepted) {
       ++count;
     }
   }
-  EXPECT_EQ(count, 19U);
+  EXPECT_EQ(count, 21U);
 }
 
 // Every example with a program says what the document shows.

@@ -19,7 +19,7 @@ struct ProgramStart {
 };
 
 struct ProgramResult {
-  int status = -1;  ///< exit status; -1 when the program did not end by itself
+  int status = -1;  ///< exit status; Linux: minus the signal that ended the program
   std::string out;  ///< standard output, with plain line ends
   std::string err;  ///< standard error
 };

@@ -91,7 +91,8 @@ void Program::kill() const {
 ProgramResult Program::wait() const {
   int status = 0;
   waitpid(static_cast<pid_t>(process_), &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outFile_), contentOf(errFile_)};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), contentOf(outFile_),
+          contentOf(errFile_)};
 }
 
 }  // namespace orvane::testing

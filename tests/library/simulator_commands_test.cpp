@@ -67,6 +67,8 @@ TEST_F(SimulatorCommands, WrongOnesAreToldWithTheReason) {
                 "unknown kind \"stanard\" of exception");
   expectRefused(sdk, "throw ASIOpenCamera 1 1",
                 "it is written \"throw FUNCTION NTH TIMES KIND [TEXT]\"");
+  expectRefused(sdk, "hang ASIOpenCamera", "it is written \"hang FUNCTION NTH\"");
+  expectRefused(sdk, "crash ASIOpenCamera 1 1", "it is written \"crash FUNCTION NTH\"");
   expectRefused(sdk, "plug 0 ASIOpenCamera", "it is written \"plug INDEX FUNCTION NTH\"");
   expectRefused(sdk, "clock stoped", "the clock can be stopped or running");
   expectRefused(sdk, "timing slow", "the timing can be real or quick");
@@ -89,9 +91,10 @@ TEST_F(SimulatorCommands, WrongOnesAreToldWithTheReason) {
 TEST_F(SimulatorCommands, NamesAreCheckedInEveryCommand) {
   const SimulatedSdk sdk = install("ASICamera2");
   const std::string reason = "unknown function \"ASIOpenCamra\" of ASICamera2";
-  for (const char* command : {"force ASIOpenCamra 1 1 16", "output ASIOpenCamra result 1 1 16",
-                              "throw ASIOpenCamra 1 1 number", "unplug 0 ASIOpenCamra 1",
-                              "unplug 0 ASIOpenCamra 0", "plug 0 ASIOpenCamra 1"}) {
+  for (const char* command :
+       {"force ASIOpenCamra 1 1 16", "output ASIOpenCamra result 1 1 16",
+        "throw ASIOpenCamra 1 1 number", "hang ASIOpenCamra 1", "crash ASIOpenCamra 1",
+        "unplug 0 ASIOpenCamra 1", "unplug 0 ASIOpenCamra 0", "plug 0 ASIOpenCamra 1"}) {
     expectRefused(sdk, command, reason);
     expectRefused(sdk, std::string("sdk *; ") + command, command,
                   "unknown function \"ASIOpenCamra\"");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <vector>
 
 #include "failure.hpp"
 #include "scratch_directory.hpp"
@@ -81,12 +82,26 @@ TEST(LiveSettings, ADamagedFileIsTold) {
 }
 
 TEST(LiveSettings, TheFileIsInTheProfile) {
-  const std::string before = environmentVariable("APPDATA");
-  setEnvironmentVariable("APPDATA", "profile");
-  EXPECT_EQ(settingsFile(), std::filesystem::path("profile") / "Orvane" / "live_view.json");
-  setEnvironmentVariable("APPDATA", "");
+#ifdef _WIN32
+  const std::vector<const char*> variables{"APPDATA"};
+  constexpr const char* directory = "Orvane";
+#else
+  const std::vector<const char*> variables{"XDG_DATA_HOME", "HOME"};
+  constexpr const char* directory = "orvane";
+#endif
+  std::vector<std::string> before;
+  for (const char* const variable : variables) {
+    before.push_back(environmentVariable(variable));
+  }
+  setEnvironmentVariable(variables.front(), "profile");
+  EXPECT_EQ(settingsFile(), std::filesystem::path("profile") / directory / "live_view.json");
+  for (const char* const variable : variables) {
+    setEnvironmentVariable(variable, "");
+  }
   EXPECT_EQ(settingsFile(), std::filesystem::path());
-  setEnvironmentVariable("APPDATA", before);
+  for (std::size_t number = 0; number < variables.size(); ++number) {
+    setEnvironmentVariable(variables[number], before[number]);
+  }
 }
 
 TEST(Remember, OnlyWhatWorked) {
