@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "session/file_names.hpp"
+#include "session/license_texts.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
@@ -15,6 +16,9 @@ namespace orvane::host {
 
 LiveCommand parseLiveCommandLine(std::vector<std::string> arguments) {
   CLI::App app("Shows an astronomy camera's picture live.", "live_view");
+  app.add_flag_callback(
+      "--licenses", [] { throw CLI::CallForVersion(licenseTexts(), 0); },
+      "Show the licences and exit");
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer("F1 shows the keys.");
   LiveOptions options;
@@ -55,6 +59,8 @@ LiveCommand parseLiveCommandLine(std::vector<std::string> arguments) {
     app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     return app.help();
+  } catch (const CLI::CallForVersion& version) {
+    return std::string(version.what());
   } catch (const CLI::ArgumentMismatch& error) {
     const std::string text = error.what();
     throw UsageError(text.substr(0, text.find(':')) + " needs one value.");

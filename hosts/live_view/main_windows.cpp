@@ -11,6 +11,7 @@
 #include "live_view/command_line.hpp"
 #include "live_view/live_settings.hpp"
 #include "live_view/live_window_windows.hpp"
+#include "live_view/text_window_windows.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -22,6 +23,21 @@ namespace {
 // A program with a window has no console to write to.
 void tell(const std::string& utf8, UINT icon) {
   MessageBoxW(nullptr, pathFromUtf8(utf8).c_str(), L"Live view", MB_OK | icon);
+}
+
+// Writes to the file or the program that takes this program's output; false if there is none.
+bool writeToOutput(const std::string& utf8) {
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  const DWORD type = output == nullptr ? FILE_TYPE_UNKNOWN : GetFileType(output);
+  DWORD written = 0;
+  return (type == FILE_TYPE_DISK || type == FILE_TYPE_PIPE) &&
+         WriteFile(output, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr) != 0;
+}
+
+void showText(const std::string& utf8) {
+  if (!writeToOutput(utf8 + "\n")) {
+    showTextWindow(L"Live view", utf8);
+  }
 }
 
 std::filesystem::path programDirectory() {
@@ -53,8 +69,8 @@ void openWindow(LiveOptions options) {
 
 int run() {
   const LiveCommand command = parseLiveCommandLine(commandLineArguments(0, nullptr));
-  if (const auto* help = std::get_if<std::string>(&command)) {
-    tell(*help, MB_ICONINFORMATION);
+  if (const auto* text = std::get_if<std::string>(&command)) {
+    showText(*text);
   } else {
     openWindow(std::get<LiveOptions>(command));
   }

@@ -14,6 +14,7 @@
 #include "oc_alpaca/server.hpp"
 #include "oc_alpaca/worker.hpp"
 #include "session/camera_catalogue.hpp"
+#include "session/license_texts.hpp"
 #include "system/failures.hpp"
 #include "system/system.hpp"
 #include "system/text.hpp"
@@ -38,13 +39,16 @@ struct Arguments {
   std::string offsetRange;
   bool isWorker = false;
   std::string memory;
-  std::string textToPrint;  // --help or --version
+  std::string textToPrint;  // --help, --version or --licenses
 };
 
 Arguments parse(std::vector<std::string> words) {
   Arguments arguments;
   CLI::App app("Shows cameras to astronomy programs by the ASCOM Alpaca protocol.", "oc_alpaca");
   app.set_version_flag("--version", "oc_alpaca " ORVANE_VERSION, "Print the version and exit");
+  app.add_flag_callback(
+      "--licenses", [] { throw CLI::CallForVersion(licenseTexts(), 0); },
+      "Print the licences and exit");
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer(helpFooter);
   app.add_option("--sdk", arguments.sdkDirectory, "Directory with the makers' SDKs")
@@ -75,8 +79,8 @@ Arguments parse(std::vector<std::string> words) {
     app.parse(std::move(words));
   } catch (const CLI::CallForHelp&) {
     arguments.textToPrint = app.help();
-  } catch (const CLI::CallForVersion&) {
-    arguments.textToPrint = "oc_alpaca " ORVANE_VERSION;
+  } catch (const CLI::CallForVersion& version) {
+    arguments.textToPrint = version.what();
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + ".");
   }

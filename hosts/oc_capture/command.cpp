@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "oc_capture/report.hpp"
+#include "session/license_texts.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
 
@@ -84,6 +85,9 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
   CLI::App app("Lists astronomy cameras, records from them and measures them.", "oc_capture");
   app.require_subcommand(1);
   app.set_version_flag("--version", "oc_capture " ORVANE_VERSION, "Print the version and exit");
+  app.add_flag_callback(
+      "--licenses", [] { throw CLI::CallForVersion(licenseTexts(), 0); },
+      "Print the licences and exit");
   app.allow_windows_style_options(false);  // a path may start with a slash
   app.footer(textBelowCommands(commands));
   RunCommand given;
@@ -103,9 +107,9 @@ RunCommand parseCommandLine(std::span<const Command* const> commands,
       std::cout << text << "\n" << std::flush;
       return 0;
     };
-  } catch (const CLI::CallForVersion&) {
-    return [] {
-      std::cout << "oc_capture " ORVANE_VERSION "\n" << std::flush;
+  } catch (const CLI::CallForVersion& version) {
+    return [text = std::string(version.what())] {
+      std::cout << text << "\n" << std::flush;
       return 0;
     };
   } catch (const CLI::ParseError& error) {

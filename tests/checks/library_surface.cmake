@@ -1,9 +1,15 @@
 # Checks the exports and imports of the built library: it exports exactly the thirteen functions, by
 # their plain names, and imports only libraries of the operating system.
-#   OBJDUMP, LIBRARY, WINDOWS (1 for a DLL), SANITIZED (1: sanitizer runtimes are allowed)
+#   OBJDUMP, LIBRARY, WINDOWS (1 for a DLL), SANITIZED (1: sanitizer runtimes are allowed),
+#   RECORD (the file with the functions)
 
-set(expected oc_apply oc_buffer_size oc_close oc_error oc_height oc_info oc_libraries oc_library_dir
-  oc_open oc_read oc_scan oc_temperature oc_width)
+file(STRINGS ${RECORD} expected REGEX "^[^#].* oc_[a-z_]+\\(")
+list(TRANSFORM expected REPLACE ".* (oc_[a-z_]+)\\(.*" "\\1")
+list(SORT expected)
+list(LENGTH expected count)
+if(NOT count EQUAL 13)
+  message(FATAL_ERROR "${RECORD} has ${count} functions: ${expected}")
+endif()
 
 if(WINDOWS)
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)

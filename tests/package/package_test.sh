@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # Makes the package of a build and unpacks it into a directory with blanks and accents in its name.
-# Builds and runs programs that use only the package.
-#   package_test.sh BUILD SCRATCH CMAKE COMPILER TOOLCHAIN-FILE EMULATOR PYTHON
-# With an emulator the package is the one for Windows. The last three may be empty.
+# Builds and runs programs that use only the package, and runs the recipes of INSTALL.md.
+#   package_test.sh BUILD SCRATCH CMAKE COMPILER TOOLCHAIN-FILE EMULATOR PYTHON PYTHON-WITH-NUMPY
+# With an emulator the package is the one for Windows. TOOLCHAIN-FILE, EMULATOR and PYTHON-WITH-NUMPY may be
+# empty.
 set -euo pipefail
-build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=$5 emulator=$6 python=$7
+build=$1 scratch=$2 cmake=$3 compiler=$4 toolchain=$5 emulator=$6 python=$7 python_with_numpy=$8
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export LC_ALL=C.UTF-8
 # The package must work without the user's settings.
 unset CMAKE_PREFIX_PATH PKG_CONFIG_PATH LD_LIBRARY_PATH
@@ -67,13 +69,14 @@ package="$away/$(basename "$archive" ".${suffix#*x64.}")"
 (cd "$package" && sha256sum --quiet -c SHA256SUMS) || fail "the sums do not fit"
 [ "$(cd "$package" && find . -type f | wc -l)" -eq "$(($(wc -l <"$package/SHA256SUMS") + 1))" ] ||
   fail "files without a sum"
-for file in INSTALL.md README.md LICENSE include/orvane_desktop_camera.h simulated-sdks/simulator_control.h \
-  include/orvane_desktop_camera.hpp include/orvane_desktop_camera_loader.h lib/pkgconfig/orvane_desktop_camera.pc \
-  bindings/python/orvane_desktop_camera.py bindings/python/pyproject.toml \
+for file in INSTALL.md README.md LICENSE THIRD-PARTY-NOTICES simulated-sdks/simulator_control.h \
+  include/orvane_desktop_camera.h include/orvane_desktop_camera.hpp include/orvane_desktop_camera_loader.h \
+  lib/pkgconfig/orvane_desktop_camera.pc bindings/python/orvane_desktop_camera.py \
   bindings/csharp/OrvaneDesktopCamera.cs; do
   [ -f "$package/$file" ] || fail "the package lacks $file"
 done
 ! grep -rIl -e '@PROJECT_' -e "$build" "$package" || fail "files that were not filled in, or name the build"
+"$python" -B "$here/../checks/markdown_links.py" "$package" || fail "links that lead nowhere in the package"
 sdks=$(windows_path "$package/simulated-sdks")
 names=$ORVANE_SDKS
 
@@ -81,33 +84,32 @@ echo "== programs"
 exe=$([ -n "$emulator" ] && echo .exe || true)
 expect_start "oc_capture" "Libraries: $names" "$package/bin/oc_capture$exe" list --sdk "$sdks"
 
-echo "== a CMake project"
-project="$away/a host's project"
-cp -r "$package/samples/c" "$project"
+echo "== the recipes of INSTALL.md"
+recipe_dir="Rezepte à part"
+mkdir "$scratch/$recipe_dir"
+"$python" -B "$here/install_recipes.py" "$package/INSTALL.md" "$archive" \
+  "$([ -n "$emulator" ] && echo windows || echo linux)" "$scratch/$recipe_dir" "$names" "$emulator" "$python_with_numpy"
+
+echo "== the samples that the recipe for CMake has built"
+samples="$scratch/$recipe_dir/$(basename "$package")/samples-build"
+library_file=$(find "$package/bin" "$package/lib" -name 'orvane_desktop_camera.dll' -o -name 'liborvane_desktop_camera.so')
+cd "$away"
+expect_start "snap" "picture.pgm: 640 x 480" "$samples/snap$exe" "$sdks" picture.pgm
+[ "$(stat -c %s "$away/picture.pgm")" -eq $((15 + 640 * 480)) ] || fail "the picture's size"
+expect_start "load_at_run_time" "SDKs: $names" "$samples/load_at_run_time$exe" "$(windows_path "$library_file")" "$sdks"
+
+echo "== a CMake project in C++, with the toolchain file"
 configure() {
   "$cmake" -G Ninja -D CMAKE_C_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$package" \
     ${toolchain:+-D CMAKE_TOOLCHAIN_FILE="$toolchain" -D CMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH} "$@"
 }
-quietly configure -S "$project" -B "$project/build"
-quietly "$cmake" --build "$project/build"
-library=$(windows_path "$(find "$package/bin" "$package/lib" -name 'orvane_desktop_camera.dll' \
-  -o -name 'liborvane_desktop_camera.so')")
-expect_start "list" "SDKs: $names" "$project/build/list$exe" "$sdks"
-cd "$away"
-expect_start "snap" "picture.pgm: 640 x 480" "$project/build/snap$exe" "$sdks" picture.pgm
-[ "$(stat -c %s "$away/picture.pgm")" -eq $((15 + 640 * 480)) ] || fail "the picture's size"
-expect_start "load_at_run_time" "SDKs: $names" "$project/build/load_at_run_time$exe" "$library" "$sdks"
-
-echo "== a CMake project in C++"
-cp -r "$package/samples" "$away/in C++"
-quietly configure -S "$away/in C++/cpp" -B "$away/in C++/build"
-quietly "$cmake" --build "$away/in C++/build"
-expect_start "capture" "[1-9][0-9]* frames of 1280 x 960," "$away/in C++/build/capture$exe" "$sdks" 0
+cp -r "$package/samples" "$away/a host's project"
+quietly configure -S "$away/a host's project/cpp" -B "$away/a host's project/build"
+quietly "$cmake" --build "$away/a host's project/build"
+expect_start "capture" "[1-9][0-9]* frames of 1280 x 960," "$away/a host's project/build/capture$exe" "$sdks" 0
 
 echo "== versions that fit and do not"
 version=$(sed -n 's/^Version: //p' "$package/lib/pkgconfig/orvane_desktop_camera.pc")
-grep -q "^version = \"$version\"\$" "$package/bindings/python/pyproject.toml" ||
-  fail "pyproject.toml states another version than $version"
 mkdir "$away/versions"
 # wants MSVC VERSION: configures a project that requires this version.
 wants() {
@@ -125,37 +127,30 @@ if [ -n "$emulator" ]; then
     fail "what MSVC has to do is not said: $(cat "$scratch/versions.log")"
 fi
 
-echo "== a C file, with pkg-config"
-cp "$project/list.c" "$project/sample.h" "$project/utf8_argument.h" "$away/"
-flags=$(PKG_CONFIG_PATH="$package/lib/pkgconfig" pkg-config --cflags --libs orvane_desktop_camera)
-if [ -n "$emulator" ]; then
-  eval "\"$compiler\" -std=c11 \"$away/list.c\" $flags -o \"$package/bin/list.exe\""
-else
-  eval "\"$compiler\" \"$away/list.c\" $flags \"-Wl,-rpath,\$package/lib\" -o \"$package/bin/list\""
-fi
-expect_start "list" "SDKs: $names" "$package/bin/list$exe" "$sdks"
+echo "== the wheel"
+"$python" -B "$here/wheel_contents.py" "$package" "$version"
 
-echo "== the commands of INSTALL.md"
-rm "$package/bin/list$exe"
-# The commands for this system, except the one that unpacks.
-opening=$([ -n "$emulator" ] && echo '^unzip ' || echo '^tar xzf ')
-commands=$(sed -n "/$opening/,/^\`\`\`/p" "$package/INSTALL.md" | grep -v -e "$opening" -e '^cd ' -e '^```')
-[ "$(echo "$commands" | wc -l)" -eq 2 ] || fail "INSTALL.md: commands: $commands"
-wine() { run "$@"; }
-winepath() { windows_path "$(realpath "$2")"; }
-output=$(cd "$package" && eval "$commands") || fail "INSTALL.md: $commands: $output"
-[ "${output%%$'\n'*}" = "SDKs: $names" ] || fail "INSTALL.md: wrote: $output"
-echo "-- $(echo "$output" | sed -n 2p)"
+echo "== symbols"
+symbols="$package/symbols/$(basename "$library_file").debug"
+tools=$([ -n "$emulator" ] && echo "${compiler%%gcc*}" || true)
+# Windows has no source lines.
+if [ -n "$emulator" ]; then
+  place=$("${tools}nm" -C "$symbols" | sed -n 's/.* t \(orvane::closeCamera()\)$/\1/p')
+  expected='orvane::closeCamera()'
+else
+  place=$(addr2line -f -e "$symbols" "0x$(nm "$symbols" | sed -n 's/ T oc_apply$//p')" | tr '\n' ' ')
+  expected='oc_apply *src/api/exports.cpp:[1-9]*'
+fi
+# shellcheck disable=SC2053
+[[ $place == $expected ]] || fail "symbols: $place"
+! grep -q "$build" "$symbols" || fail "the symbols name the build"
+"${tools}objdump" -s -j .gnu_debuglink "$library_file" >/dev/null || fail "the library does not name its symbols"
+echo "-- $place, $(stat -c %s "$symbols") bytes"
 
 if [ -n "$emulator" ]; then
   echo "== an import library of the .def file"
   "${compiler%%-gcc*}-dlltool" -d "$package/lib/orvane_desktop_camera.def" -l "$away/made.lib"
-  "$compiler" "$away/list.c" -I"$package/include" "$away/made.lib" -o "$package/bin/list.exe"
+  "$compiler" "$package/samples/c/list.c" -I"$package/include" "$away/made.lib" -o "$package/bin/list.exe"
   expect_start "list" "SDKs: $names" "$package/bin/list.exe" "$sdks"
-fi
-if [ -z "$emulator" ] && [ -n "$python" ]; then
-  echo "== the Python module finds its package's library"
-  expect_start "list_cameras" "SDKs: $names" \
-    "$python" -B "$package/bindings/python/samples/list_cameras.py" "$sdks"
 fi
 echo "== the package serves"

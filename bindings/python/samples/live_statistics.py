@@ -7,7 +7,8 @@ frames are.
 import sys
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+# After the places where an installed wheel is.
+sys.path.append(str(Path(__file__).resolve().parent.parent))
 from orvane_desktop_camera import CameraError, Format, Library
 
 
