@@ -2,22 +2,28 @@
 # every target of this project.
 
 add_library(orvane_warnings INTERFACE)
+option(ORVANE_WARNINGS_ARE_ERRORS "Fail on a compiler's warning" ON)
 
 if(MSVC)
-  target_compile_options(orvane_warnings INTERFACE /W4 /WX /permissive- /utf-8
-    # Exceptions may leave our extern "C" functions, for example oc_scan().
-    $<$<COMPILE_LANGUAGE:CXX>:/EHs> /Zc:__cplusplus)
-  target_compile_definitions(orvane_warnings INTERFACE _CRT_SECURE_NO_WARNINGS NOMINMAX)
+  target_compile_options(orvane_warnings INTERFACE /W4 /permissive- /utf-8
+    # Exceptions may leave our extern "C" functions, for example oc_scan(). CMake's own /EHsc denies it.
+    $<$<COMPILE_LANGUAGE:CXX>:/EHs> $<$<COMPILE_LANGUAGE:CXX>:/EHc-> /Zc:__cplusplus
+    $<$<BOOL:${ORVANE_WARNINGS_ARE_ERRORS}>:/WX>)
+  target_compile_definitions(orvane_warnings INTERFACE
+    _CRT_SECURE_NO_WARNINGS _CRT_NONSTDC_NO_WARNINGS)
 else()
   target_compile_options(orvane_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<BOOL:${ORVANE_WARNINGS_ARE_ERRORS}>:-Werror>
     # GCC 12 wrongly reports an overlap when a std::string is built from a literal and a string.
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 endif()
 
-if(MINGW)
+if(WIN32)
   target_compile_definitions(orvane_warnings INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0602)
+endif()
+if(MINGW)
   # Link the runtime libraries statically, and write no time stamp, for reproducible builds.
   target_link_options(orvane_warnings INTERFACE -static -Wl,--no-insert-timestamp)
 endif()

@@ -396,7 +396,7 @@ void drawCameraList(GdiCanvas& canvas, const PixelRect& picture, const LiveState
                     std::size_t selected) {
   const ListPlace list = cameraListPlace(picture, state.cameras.size(), canvas.dpi());
   drawBox(canvas, picture, list, state.cameras.empty() ? "No cameras" : "Choose a camera");
-  std::array<int, CameraDetails().size()> widths{};
+  std::array<int, std::tuple_size_v<CameraDetails>> widths{};
   for (const oc::CameraInfo& camera : state.cameras) {
     const CameraDetails details = cameraDetails(camera);
     for (std::size_t column = 0; column < details.size(); ++column) {

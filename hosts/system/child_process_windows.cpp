@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -150,13 +151,13 @@ SharedMemory::SharedMemory(std::size_t size) : size_(size) {
 }
 
 SharedMemory::SharedMemory(const std::string& name) {
-  long long handle = 0;
-  unsigned long long size = 0;
-  if (std::sscanf(name.c_str(), "%lld:%llu", &handle, &size) != 2 || size == 0) {
+  const char* const end = name.data() + name.size();
+  const auto first = std::from_chars(name.data(), end, handle_);
+  const bool hasColon = first.ec == std::errc() && first.ptr != end && *first.ptr == ':';
+  const auto second = std::from_chars(hasColon ? first.ptr + 1 : end, end, size_);
+  if (second.ec != std::errc() || size_ == 0) {
     throw std::runtime_error("This is no shared memory: " + name);
   }
-  handle_ = static_cast<std::intptr_t>(handle);
-  size_ = static_cast<std::size_t>(size);
   bytes_ = map(asHandle(handle_), size_);
 }
 

@@ -1,3 +1,4 @@
+// The simulated SDKs throw as this compiler does, so that its own handlers catch.
 #include "support/leaving_exception.hpp"
 
 namespace orvane::testing {
