@@ -240,6 +240,7 @@ bool CameraDevice::beginConnect() {
 }
 
 void CameraDevice::finishConnect() {
+  const std::shared_lock<std::shared_mutex> afterScan(*options_.scanning);
   Lock lock(mutex_);
   try {
     open(lock);
@@ -342,6 +343,11 @@ bool CameraDevice::isConnecting() const {
 bool CameraDevice::isConnected() const {
   const Lock lock(mutex_);
   return connection_ == Connection::Connected;
+}
+
+bool CameraDevice::isOpen() const {
+  const Lock lock(mutex_);
+  return connection_ == Connection::Connected || connection_ == Connection::Disconnecting;
 }
 
 void CameraDevice::checkConnected() const {

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <orvane_desktop_camera.hpp>
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,8 @@ struct DeviceOptions {
   std::string sdkDirectory;
   std::optional<OffsetRange> offsets;  ///< without it clients cannot set the offset, which is 0
   EventLog* log = nullptr;
+  /// Locked by a scan, and shared by the cameras that are being opened.
+  std::shared_ptr<std::shared_mutex> scanning = std::make_shared<std::shared_mutex>();
 };
 
 /// What clients can set. They may set a region that is too large: an exposure then fails.
@@ -99,6 +102,10 @@ class CameraDevice {
   bool isConnecting() const;
   bool isConnected() const;
   void requireConnected() const;
+
+  /// Whether a scan would disturb the camera, or be disturbed by it, because it is open. One that
+  /// is being opened waits for the scan.
+  bool isOpen() const;
 
   /// Throws like requireConnected(), but a camera that was lost has the text of its failure.
   void requireNotLost() const;

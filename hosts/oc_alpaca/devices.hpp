@@ -1,7 +1,9 @@
 // All cameras of the server.
 #pragma once
 
+#include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,7 +20,8 @@ struct SdkSummary {
   std::vector<std::string> cures;
 };
 
-/// The cameras that a scan found when the server started. Their numbers stay as they are.
+/// The cameras that scans have found. Their numbers stay as they are, also if they are unplugged.
+/// All members may be called from any thread.
 class Devices {
  public:
   /// Scans in a worker of its own, then starts a worker for each camera, which scans, too, one
@@ -27,12 +30,17 @@ class Devices {
   /// cameras cannot be read or written. A failed scan gives no cameras and a text.
   explicit Devices(const DeviceOptions& options);
 
-  std::size_t size() const { return cameras_.size(); }
-  CameraDevice& at(std::size_t number) const { return *cameras_.at(number); }
+  /// Looks for cameras that were plugged in, and waits for that. They come behind the others. Does
+  /// nothing while a camera is open, or shortly after the last scan. The calling thread must live
+  /// as long as the devices.
+  void scanAgain();
 
-  /// What failed in the scan; "" if nothing did.
-  const std::string& scanText() const { return scanText_; }
-  const std::vector<SdkSummary>& sdks() const { return sdks_; }
+  std::size_t size() const;
+  CameraDevice& at(std::size_t number) const;
+
+  /// What failed in the last scan; "" if nothing did.
+  std::string scanText() const;
+  std::vector<SdkSummary> sdks() const;
 
   void checkPatience() const;
 
@@ -40,8 +48,18 @@ class Devices {
   void disconnect() const;
 
  private:
-  std::vector<oc::CameraInfo> read(const Json& scanned);
+  using Clock = std::chrono::steady_clock;
+  using Lock = std::lock_guard<std::mutex>;
 
+  void scan(std::chrono::seconds patience);
+  std::vector<oc::CameraInfo> read(const Json& scanned);
+  bool isKnown(const oc::CameraInfo& camera) const;
+  std::vector<CameraDevice*> all() const;
+
+  const DeviceOptions options_;
+  Clock::time_point nextScan_;  // not before this
+
+  mutable std::mutex mutex_;  // of the following
   std::string scanText_;
   std::vector<SdkSummary> sdks_;
   std::vector<std::unique_ptr<CameraDevice>> cameras_;

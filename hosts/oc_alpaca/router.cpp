@@ -94,6 +94,9 @@ Response Router::answer(const Request& request) {
     const std::size_t question = std::min(target.find('?'), target.size());
     const std::string_view path = target.substr(0, question);
     if (path == "/" || path == "/setup" || path.starts_with("/setup/")) {
+      if (path == "/" || path == "/setup") {
+        devices_.scanAgain();
+      }
       return answerSetup(devices_, path);
     }
     const Parameters given = request.method == "GET"
@@ -190,6 +193,7 @@ Json Router::managementValue(std::string_view path) const {
   if (path != "/management/v1/configureddevices") {
     refusePath(path);
   }
+  devices_.scanAgain();
   Json list = Json::array();
   for (std::size_t number = 0; number < devices_.size(); ++number) {
     const CameraDevice& camera = devices_.at(number);

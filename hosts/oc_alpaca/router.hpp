@@ -19,8 +19,8 @@ class Router {
   Router(Devices& devices, std::string hostName, RunLater later)
       : devices_(devices), hostName_(std::move(hostName)), later_(std::move(later)) {}
 
-  /// Any thread. Waits only for a camera that is to be connected or disconnected. Throws nothing
-  /// but std::bad_alloc.
+  /// Any thread that lives as long as the devices. Waits only for a camera that is to be connected
+  /// or disconnected, and for a scan. Throws nothing but std::bad_alloc.
   Response answer(const Request& request);
 
  private:

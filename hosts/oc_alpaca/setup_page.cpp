@@ -75,9 +75,7 @@ std::string setupPath(std::size_t number) {
 
 std::string cameraTable(const Devices& devices) {
   if (devices.size() == 0) {
-    return element("p",
-                   "No camera was found when the server started. Connect the cameras and start the "
-                   "server again.");
+    return element("p", "No camera was found. Connect the cameras and reload the page.");
   }
   std::string rows = "<table><tr><th>Number</th><th>Camera</th><th>State</th></tr>";
   for (std::size_t number = 0; number < devices.size(); ++number) {

@@ -1,13 +1,14 @@
 // What the server and its worker processes say to each other: one JSON object on a line.
 //
-// The server sends commands, {"do": ...}:
-//   scan                 all cameras, and an examination of the SDKs   -> scanned
-//   find name, ordinal   scans, and keeps this camera                  -> found
-//   open settings        opens it                                      -> opened
-//   expose ...           takes a picture; see ExposeCommand            -> accepted, exposing,
-//   picture abort                forgets the picture that is being taken close closes the camera ->
-//   closed
-// The worker sends events, {"is": ...}: the above, and
+// The server sends commands, {"do": ...}, and the worker answers them with events, {"is": ...}:
+//   scan                 all cameras, and an examination of the SDKs: scanned
+//   find name, ordinal   scans, and keeps this camera: found
+//   open settings        opens it: opened
+//   expose ...           takes a picture, see ExposeCommand: accepted, exposing, picture
+//   abort                forgets the picture that is being taken; no answer
+//   close                closes the camera: closed
+//
+// Further events:
 //   temperature celsius  about once a second while the camera streams
 //   frame                a frame has come that does not count for the exposure
 //   exposing longest     the longest exposure, in microseconds, that is to be waited for

@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
-"""What clients get when something fails, what the others notice of it, what is left running, and how
-the camera comes back.
+"""What clients get when something fails, what the others notice of it, what is left running, how the
+camera comes back, and cameras that come later.
 
     failures_test.py SCRATCH SDKS OC_CAPTURE COMMAND..."""
 
 import os
+import shutil
 import signal
 import sys
 import threading
 import time
 
-from server import Checks, ImageBytes, Server, Settings
+from server import Camera, Checks, ImageBytes, Server, Settings
 
 DRIVER, NOT_CONNECTED = 0x500, 0x407
 SECTION = "failures"
@@ -141,6 +142,37 @@ def unplugged(settings, checks):
         cannot_be_opened(checks, server)
 
 
+def plugged_in_later(settings, checks):
+    """An SDK that is not there has no cameras, so one that comes or goes is like its cameras."""
+    with Server(settings, ["ASICamera2"],
+                "camera ZWO ASI120MC-S; camera QHY6-M; camera Mars-C") as server:
+        def devices():
+            return server.client().get("/management/v1/configureddevices").value
+
+        def names():
+            return [device["DeviceName"] for device in devices()]
+
+        first = devices()
+        checks.equal(SECTION, "cameras at the start", names(), ["ZWO ASI120MC-S"])
+        shutil.copy(settings.sdk_file("qhyccd"), server.sdks)
+        checks.that(SECTION, "plugged in later: found", wait_until(lambda: len(devices()) == 2))
+        checks.equal(SECTION, "plugged in later: the first", devices()[:1], first)
+        later = Camera(server.client(), 1)
+        comes_back(checks, "plugged in later", later)
+        known = devices()
+        (server.sdks / settings.sdk_file("ASICamera2").name).unlink()
+        shutil.copy(settings.sdk_file("PlayerOneCamera"), server.sdks)
+        time.sleep(3.2)  # longer than from scan to scan
+        checks.equal(SECTION, "no scan while a camera is open", devices(), known)
+        later.set("connected", Connected="false")
+        checks.that(SECTION, "scan after that", wait_until(
+            lambda: "Mars-C" in server.client().get("/setup").body.decode()))
+        checks.equal(SECTION, "numbers are kept", devices()[:2], known)
+        checks.equal(SECTION, "in the order in which they came", names(),
+                     ["ZWO ASI120MC-S", "QHY6-M", "Mars-C"])
+        checks.equal(SECTION, "ids differ", len({device["UniqueID"] for device in devices()}), 3)
+
+
 def cannot_be_opened(checks, server):
     camera = next(iter(server.cameras().values()))
     answer = camera.put("connected", Connected="true").json
@@ -196,7 +228,8 @@ def ended_server(settings, checks):
 def main():
     settings = Settings(sys.argv[1:])
     checks = Checks()
-    for test in (ended_workers, failing_sdks, unplugged, full_disk, log_file, ended_server):
+    for test in (ended_workers, failing_sdks, unplugged, plugged_in_later, full_disk, log_file,
+                 ended_server):
         test(settings, checks)
     checks.finish()
 

@@ -42,8 +42,11 @@ class Settings:
             return self.sdks
         directory = pathlib.Path(tempfile.mkdtemp(dir=self.scratch))
         for name in names:
-            shutil.copy(self.sdks / (name + ".dll" if self.is_windows else f"lib{name}.so"), directory)
+            shutil.copy(self.sdk_file(name), directory)
         return directory
+
+    def sdk_file(self, name):
+        return self.sdks / (name + ".dll" if self.is_windows else f"lib{name}.so")
 
 
 def settings_and_number(option, number):
