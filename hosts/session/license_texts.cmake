@@ -19,7 +19,7 @@ namespace orvane::host {
 
 namespace {
 
-constexpr std::string_view lines[] = {
+constexpr std::string_view licenseLines[] = {
     \"${text}\",
 };
 
@@ -27,7 +27,7 @@ constexpr std::string_view lines[] = {
 
 std::string licenseTexts() {
   std::string text;
-  for (const std::string_view line : lines) {
+  for (const std::string_view line : licenseLines) {
     text.append(text.empty() ? \"\" : \"\\n\").append(line);
   }
   return text;
