@@ -9,6 +9,7 @@
 
 #include "formats/ser_reader.hpp"
 #include "oc_capture/report.hpp"
+#include "sdk_check/examination.hpp"
 #include "session/camera_choice.hpp"
 #include "system/argument_values.hpp"
 #include "system/failures.hpp"
@@ -240,10 +241,15 @@ oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& cam
   return settings;
 }
 
+oc::Scan readCatalogueSafely(const std::string& sdkDirectory) {
+  refuseSdksThatCrashTheLoader(fullSdkDirectory(sdkDirectory));
+  return readCatalogue(sdkDirectory);
+}
+
 oc::Scan findCameras(const std::string& sdkDirectory) {
   catchStopRequests();
   useFineSleep();
-  oc::Scan catalogue = readCatalogue(sdkDirectory);
+  oc::Scan catalogue = readCatalogueSafely(sdkDirectory);
   if (!catalogue.error.empty()) {
     reportFailure(catalogue.error);
   }

@@ -72,6 +72,10 @@ struct ChosenCamera {
 /// offers.
 oc::Settings settingsFor(const CameraOptions& options, const oc::CameraInfo& camera);
 
+/// Scans with the SDKs in this directory, as readCatalogue() does, but throws if loading one of
+/// them could crash this program.
+oc::Scan readCatalogueSafely(const std::string& sdkDirectory);
+
 /// Scans for cameras, to capture from them: Ctrl-C now only sets stopRequested(). Errors of the
 /// scan only go to standard error, because the camera that is needed may have been found. Throws
 /// oc::Error when there is no camera at all.

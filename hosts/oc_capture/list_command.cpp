@@ -169,7 +169,7 @@ int listCameras(const ListSettings& settings) {
   if (settings.showsModels) {
     return listModels(settings);
   }
-  const oc::Scan catalogue = readCatalogue(settings.sdkDirectory);
+  const oc::Scan catalogue = readCatalogueSafely(settings.sdkDirectory);
   const std::vector<std::string> notLoaded = filesNotLoaded(settings.sdkDirectory, catalogue);
   report(settings.reporting, jsonOf(catalogue, notLoaded), textOf(settings, catalogue, notLoaded));
   if (!std::cout) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <span>
+#include <stdexcept>
 
 #include "sdk_check/cures.hpp"
 #include "system/text.hpp"
@@ -97,6 +99,21 @@ SdkFindings examineSdk(const Sdk& sdk, const fs::path& directory) {
     addImports(findings, findings.file, findings.content);
   }
   return findings;
+}
+
+void refuseSdksThatCrashTheLoader(const fs::path& directory) {
+  for (const Sdk& sdk : loaderSurvivesDamage ? std::span<const Sdk>() : allSdks()) {
+    const fs::path file = directory / libraryFileName(sdk.baseName);
+    std::error_code ignored;
+    if (!fs::is_regular_file(file, ignored)) {
+      continue;
+    }
+    const LibraryFile content = readFile(file);
+    if (content.isDamaged) {
+      throw std::runtime_error(inQuotes(utf8FromPath(file)) + ": " + content.problem + " " +
+                               content.cure);
+    }
+  }
 }
 
 }  // namespace orvane::host

@@ -42,4 +42,8 @@ struct SdkFindings {
 /// Examines the SDK in this directory, given by its full path. An SDK that loads stays loaded.
 SdkFindings examineSdk(const Sdk& sdk, const std::filesystem::path& directory);
 
+/// Throws std::runtime_error with the cure if this directory, given by its full path, has the file
+/// of an SDK that could crash the system's loader, and with it this process.
+void refuseSdksThatCrashTheLoader(const std::filesystem::path& directory);
+
 }  // namespace orvane::host

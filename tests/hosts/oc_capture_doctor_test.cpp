@@ -208,6 +208,19 @@ TEST_F(OcCaptureDoctor, FileThatIsCutOff) {
   }
 }
 
+TEST_F(OcCaptureDoctor, FileThatIsCutOffEndsTheOtherCommandsInAnOrderlyWay) {
+  sdks.add("ASICamera2");
+  sdks.addFile("ASICamera2", contentOf(sdks.file("ASICamera2")).substr(0, 9000));
+  const ProgramResult result = run({"list --sdk", sdks.path()});
+  if (hasErrorCodes) {  // the loader reports it
+    EXPECT_PRED_FORMAT2(IsSubstring, "Could not be loaded: ", result.out);
+  } else {
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "oc_capture: \"" + utf8(sdks.file("ASICamera2")) +
+                              "\": The file is cut off or damaged. " + copyAgain + "\n");
+  }
+}
+
 TEST_F(OcCaptureDoctor, SdkThatLacksFunctions) {
   sdks.add("qhyccd", {"GetQHYCCDLiveFrame", "SetQHYCCDParam"});
   const ProgramResult result = doctor(1);
