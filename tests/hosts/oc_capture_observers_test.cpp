@@ -15,7 +15,7 @@ class OcCaptureObservers : public OcCaptureAsiTest {
   // Paths of the document's reader are others in this test.
   std::string here(std::string text) const {
     const std::string picture = utf8(scratch.file("x"));
-    text = replaced(text, "..\\pictures\\", picture.substr(0, picture.size() - 1));
+    text = replaced(text, "C:\\astro\\", picture.substr(0, picture.size() - 1));
     return replaced(text, "..\\simulated-sdks", ORVANE_SDK_DIR);
   }
 
@@ -46,6 +46,19 @@ class OcCaptureObservers : public OcCaptureAsiTest {
     static const std::regex differing("\n  (File|Kind|File version|Soname|Needs) [^\n]*");
     return std::regex_replace(std::regex_replace(text, measured, "#"), differing, "");
   }
+
+  // What was printed, with the line "..." where the document has it: there it leaves lines out.
+  static std::string shortenedAs(const std::string& shown, const std::string& printed) {
+    const std::string gap = "\n...\n";
+    const std::size_t at = shown.find(gap);
+    if (at == std::string::npos) {
+      return printed;
+    }
+    const std::size_t rest = shown.size() - at - gap.size();
+    return printed.size() < at + rest
+               ? printed
+               : printed.substr(0, at) + gap + printed.substr(printed.size() - rest);
+  }
 };
 
 TEST_F(OcCaptureObservers, TheCommandsPrintWhatIsShown) {
@@ -54,8 +67,10 @@ TEST_F(OcCaptureObservers, TheCommandsPrintWhatIsShown) {
   for (const ShownCommand& command : shownCommands(documentText("observers.md"), observersPrompt)) {
     if (command.program == "oc_capture") {
       const ProgramResult result = runHere(command);
-      EXPECT_EQ(comparable(std::regex_replace(result.err, progress, "") + result.out),
-                comparable(here(command.output)));
+      const std::string printed =
+          comparable(std::regex_replace(result.err, progress, "") + result.out);
+      const std::string shown = comparable(here(command.output));
+      EXPECT_EQ(shortenedAs(shown, printed), shown);
       ++count;
     }
   }
