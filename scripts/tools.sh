@@ -9,7 +9,7 @@ native_tools=(g++)
 test_tools=(googletest python3)
 screen_tools=(xvfb xdotool imagemagick ffmpeg fonts-liberation)
 binding_tools=(python3 python3-numpy python3-venv mono-mcs mono-runtime)
-package_tools=(zip unzip pkg-config python3)
+package_tools=(zip unzip pkg-config python3 make)
 lint_tools=(clang clang-format clang-tidy)
 document_tools=(doxygen)
 

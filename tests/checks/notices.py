@@ -70,12 +70,21 @@ def headers_by_object(build, ninja):
 
 
 @functools.cache
+def links_to_headers(build):
+    """The directories and files of other projects, as they are reached and where they really are."""
+    directory = os.path.join(build, "host-headers")
+    return {place: name + ("/" if os.path.isdir(place) else "") for name in os.listdir(directory)
+            for place in (os.path.join(directory, name), os.path.realpath(os.path.join(directory, name)))}
+
+
+@functools.cache
 def piece_of_header(path, build):
     """The name by which the notices know a header: None for the project's and the system's."""
-    theirs = os.path.relpath(path, os.path.join(build, "host-headers"))
-    if not theirs.startswith(".."):
-        return theirs.split("/")[0] + ("/" if "/" in theirs else "")
     path = os.path.normpath(path)
+    # Some compilers write down where a link leads, others the link.
+    for place, piece in links_to_headers(build).items():
+        if path == place or path.startswith(place + "/"):
+            return piece
     if not path.startswith("/usr/"):
         return None
     path = os.path.realpath(path)

@@ -313,8 +313,9 @@ TEST_F(OcCaptureStopBelow, IsRefusedAtTheStart) {
 
 TEST_F(OcCaptureStopBelow, EndsTheRecordingAndTheSequence) {
   const auto free = std::filesystem::space(scratch.path()).available / 1'000'000;
-  const std::string limit = std::to_string(free - 60) + "MB";
-  // Frames of 2.4 MB: far more than 60 MB if nothing ended it.
+  const std::string limit = std::to_string(free - 300) + "MB";
+  // Frames of 2.4 MB, 50 a second: far more than 300 MB if nothing ended it. Less would be used up
+  // by other tests that run at the same time.
   const ProgramResult result =
       expectSuccess(record({"--format raw16 --seconds 60 --count 3 --stop-below", limit}));
   EXPECT_PRED_FORMAT2(IsSubstring, "\nIt ended before less than ", result.out);
