@@ -88,8 +88,8 @@ class ChildProcess {
   std::string end();
 
  private:
-  std::intptr_t process_ = 0;  // its number on Linux, its handle on Windows
-  std::intptr_t job_ = 0;      // Windows: ends the process with this one
+  std::intptr_t process_ = 0;               // its number on Linux, its handle on Windows
+  [[maybe_unused]] std::intptr_t job_ = 0;  // Windows: ends the process with this one
   bool hasEnded_ = false;
   std::mutex ending_;
   std::optional<LinePipe> pipe_;
