@@ -117,12 +117,14 @@ class Server:
         for directory in pathlib.Path("/proc").glob("[0-9]*"):
             try:
                 words = (directory / "cmdline").read_bytes()
-                state = (directory / "stat").read_text().rsplit(")", 1)[1].split()[0]
+                stat = (directory / "stat").read_text().rsplit(")", 1)[1].split()
             except OSError:
                 continue
+            state, started = stat[0], int(stat[19])
             if b"--worker" in words and self.sdks.name.encode() in words and state not in "ZX":
-                found.append(int(directory.name))
-        return sorted(found)
+                # Process numbers begin again at the bottom, so they do not tell which is newer.
+                found.append((started, int(directory.name)))
+        return [number for _, number in sorted(found)]
 
     def memory(self):
         """What the server occupies in memory, in MiB. Of its workers only what it shares with them."""
