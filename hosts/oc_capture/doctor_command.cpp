@@ -188,15 +188,6 @@ std::string libraryLines(const DoctorFindings& findings) {
   return lines + "\n";
 }
 
-std::string cureOfNoSdk() {
-  return "Copy the makers' libraries into it: " +
-         joined(allSdks(), ", ",
-                [](const Sdk& sdk) {
-                  return libraryFileName(sdk.baseName) + " (" + sdk.maker + ")";
-                }) +
-         ".";
-}
-
 std::string summary(const DoctorFindings& findings) {
   int present = 0;
   int healthy = 0;

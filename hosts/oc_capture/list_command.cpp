@@ -13,6 +13,7 @@
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/report.hpp"
+#include "sdk_check/cures.hpp"
 #include "sdk_check/sdk_functions.hpp"
 #include "sdk_check/system_loader.hpp"
 #include "session/camera_catalogue.hpp"
@@ -107,6 +108,18 @@ Json jsonOf(const oc::Scan& catalogue, const std::vector<std::string>& notLoaded
   return document;
 }
 
+// Empty where other lines tell already what to do.
+std::string cureOfNoCamera(const oc::Scan& catalogue, const std::vector<std::string>& notLoaded) {
+  if (!catalogue.error.empty()) {
+    return "";
+  }
+  if (!catalogue.libraries.empty()) {
+    return " Check cables and power, install the maker's driver, and close other programs that "
+           "use the camera.";
+  }
+  return notLoaded.empty() ? " There is no SDK in this directory. " + cureOfNoSdk() : "";
+}
+
 std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,
                    const std::vector<std::string>& notLoaded) {
   const std::string libraries = joined(catalogue.libraries, ", ");
@@ -116,7 +129,8 @@ std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,
                                        ". To learn why, run: oc_capture doctor --sdk " +
                                        inQuotes(settings.sdkDirectory) + "\n";
   return "Libraries: " + (libraries.empty() ? "none" : libraries) + "\n" + remark +
-         (catalogue.cameras.empty() ? "No cameras.\n" : cameraTable(catalogue.cameras));
+         (catalogue.cameras.empty() ? "No cameras." + cureOfNoCamera(catalogue, notLoaded) + "\n"
+                                    : cameraTable(catalogue.cameras));
 }
 
 // A model of a simulated SDK, as the SDK describes it.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "sdk_check/system_loader.hpp"
 #include "system/text.hpp"
 
 namespace orvane::host {
@@ -134,6 +135,15 @@ std::vector<std::string> curesOf(const SdkFindings& findings) {
   return cures.empty()
              ? std::vector{std::string(cureOfCode(findings.load.value_or(LoadResult()).code))}
              : cures;
+}
+
+std::string cureOfNoSdk() {
+  return "Copy the makers' libraries into it: " +
+         joined(allSdks(), ", ",
+                [](const Sdk& sdk) {
+                  return libraryFileName(sdk.baseName) + " (" + sdk.maker + ")";
+                }) +
+         ".";
 }
 
 }  // namespace orvane::host

@@ -15,4 +15,7 @@ std::string cureOfMissing(std::string_view library);
 /// What to do about the SDK, one cure after the other; empty if it is healthy or not there.
 std::vector<std::string> curesOf(const SdkFindings& findings);
 
+/// What to do about a directory without an SDK.
+std::string cureOfNoSdk();
+
 }  // namespace orvane::host

@@ -138,12 +138,7 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
 }
 
 TEST_F(OcCaptureDoctor, EmptyDirectoryIsAFailure) {
-  std::string files;
-  for (const SdkFamily& family : sdkFamilies) {
-    files += (files.empty() ? "" : ", ") + utf8(sdks.file(family.baseName).filename()) + " (" +
-             family.maker + ")";
-  }
-  const std::string cure = "Copy the makers' libraries into it: " + files + ".";
+  const std::string cure = cureOfNoSdk(sdks);
   EXPECT_EQ(doctor(1).out, notThere("ZWO ASI", "ASICamera2") + othersNotThere() + notAsked +
                                "There is no SDK in this directory. " + cure + "\n");
   expectMembers(doctorJson(1), {{"healthy", false}, {"cure", cure}});

@@ -58,9 +58,18 @@ TEST_F(OcCaptureList, FindsTheCamerasOfAllMakers) {
 }
 
 TEST_F(OcCaptureList, SaysThatThereIsNothing) {
-  EXPECT_EQ(list(), "Libraries: none\nNo cameras.\n");
+  EXPECT_EQ(list(), "Libraries: none\nNo cameras. There is no SDK in this directory. " +
+                        cureOfNoSdk(sdks) + "\n");
   EXPECT_EQ(ordered_json::parse(list("--json")).dump(),
             R"({"libraries":[],"notLoaded":[],"error":"","explanation":"","cameras":[]})");
+}
+
+TEST_F(OcCaptureList, SaysWhatToDoWhenAnSdkSeesNoCamera) {
+  sdks.add("ASICamera2");
+  EXPECT_EQ(
+      expectSuccess(runWithSdks("list", {}, "force ASIGetNumOfConnectedCameras 1 1 0")).out,
+      "Libraries: ASICamera2\nNo cameras. Check cables and power, install the maker's driver, "
+      "and close other programs that use the camera.\n");
 }
 
 TEST_F(OcCaptureList, TellsOfFilesThatCannotBeLoaded) {

@@ -31,6 +31,15 @@ Part::Part(const std::vector<Part>& parts) {
   }
 }
 
+std::string cureOfNoSdk(const SdkDirectory& sdks) {
+  std::string files;
+  for (const SdkFamily& family : sdkFamilies) {
+    files += (files.empty() ? "" : ", ") + utf8(sdks.file(family.baseName).filename()) + " (" +
+             family.maker + ")";
+  }
+  return "Copy the makers' libraries into it: " + files + ".";
+}
+
 ProgramResult expectSuccess(const ProgramResult& result) {
   EXPECT_EQ(result.status, 0) << result.err;
   return result;

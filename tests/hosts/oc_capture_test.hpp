@@ -75,6 +75,9 @@ class OcCaptureAsiTest : public OcCaptureTest {
   OcCaptureAsiTest() { sdks.add("ASICamera2"); }
 };
 
+/// What to do about this directory if it has no SDK.
+std::string cureOfNoSdk(const SdkDirectory& sdks);
+
 /// Expects exit status 0. Returns the result.
 ProgramResult expectSuccess(const ProgramResult& result);
 
