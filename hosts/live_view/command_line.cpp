@@ -16,6 +16,7 @@ namespace orvane::host {
 
 LiveCommand parseLiveCommandLine(std::vector<std::string> arguments) {
   CLI::App app("Shows an astronomy camera's picture live.", "live_view");
+  app.set_version_flag("--version", "live_view " ORVANE_VERSION, "Show the version and exit");
   app.add_flag_callback(
       "--licenses", [] { throw CLI::CallForVersion(licenseTexts(), 0); },
       "Show the licences and exit");

@@ -9,8 +9,8 @@
 
 namespace orvane::host {
 
-/// What to do: open the window with these options, or show the text of --help or
-/// --licenses.
+/// What to do: open the window with these options, or show the text of --help, --version
+/// or --licenses.
 using LiveCommand = std::variant<LiveOptions, std::string>;
 
 /// Reads the arguments after the program's name, in UTF-8. Throws UsageError with a sentence.

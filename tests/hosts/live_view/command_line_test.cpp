@@ -74,6 +74,8 @@ TEST(LiveCommandLine, Help) {
   const auto help = std::get<std::string>(parseLiveCommandLine({"--help"}));
   EXPECT_NE(help.find("--sdk"), std::string::npos);
   EXPECT_NE(help.find("F1 shows the keys."), std::string::npos);
+  EXPECT_EQ(std::get<std::string>(parseLiveCommandLine({"--version"})),
+            "live_view " ORVANE_VERSION);
 }
 
 TEST(LiveCommandLine, MistakesGetOneSentence) {
