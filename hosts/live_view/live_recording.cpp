@@ -15,8 +15,6 @@ namespace orvane::host {
 
 namespace {
 
-constexpr const char* logEnding = ".txt";
-
 FrameCorrection cutTo(const std::optional<Region>& region) {
   FrameCorrection correction;
   correction.region = region;
@@ -45,7 +43,8 @@ std::filesystem::path unusedPath(const std::filesystem::path& directory, const R
   const std::string name = nameFromTemplate(
       wish.nameTemplate,
       {localTime(std::time(nullptr)), camera, wish.target, wish.filter, wish.observer});
-  return directory / pathFromUtf8(unusedName(directory, name, {".ser", logEnding}) + ".ser");
+  return directory /
+         pathFromUtf8(unusedName(directory, name, {".ser", settingsLogEnding}) + ".ser");
 }
 
 SerDescription descriptionOf(const RecordingFacts& facts) {
@@ -139,7 +138,7 @@ void LiveRecording::writeLog(const oc::CaptureState& camera, const std::string& 
   }
   facts.error = error;
   const std::string text = settingsLog(facts);
-  OutputFile log(std::filesystem::path(path_).replace_extension(logEnding));
+  OutputFile log(std::filesystem::path(path_).replace_extension(settingsLogEnding));
   log.writeAt(0, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
   log.close();
 }

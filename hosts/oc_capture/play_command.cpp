@@ -14,6 +14,7 @@
 #include "oc_capture/report.hpp"
 #include "oc_capture/status_line.hpp"
 #include "session/frame_timing.hpp"
+#include "session/recording_log.hpp"
 #include "system/failures.hpp"
 #include "system/text.hpp"
 
@@ -166,7 +167,10 @@ int play(const PlaySettings& settings) {
   requireUsable(settings.sheet);
   const SerReader recording(settings.file);
   const SerFacts& facts = recording.facts();
-  const auto timing = frameTiming(facts.timeStamps);
+  // With the exposure, the gaps are those of which "record" told.
+  const auto timing = frameTiming(
+      facts.timeStamps,
+      exposureInLog(std::filesystem::path(settings.file).replace_extension(settingsLogEnding)));
   if (settings.sheet.isGiven()) {
     const std::string rate =
         timing ? ", " + decimal(timing->framesPerSecond, 1) + " frames/s" : std::string();
@@ -188,10 +192,11 @@ const Command playCommand{
     .explanation =
         R"(Tells the number of frames, their size, colours and depth. The rate and the
 gaps follow from the frames' time stamps: an interval of more than three
-frame times, of which one is the median, is a gap. Of fewer than five intervals
-none is. A file that was not finished is read as far as its header counts;
-"oc_capture repair" recovers the rest. The contact sheet shows up to twelve
-frames from the first to the last, in colour and brightened.)",
+frame times is a gap. A frame time is the median, or the exposure if FILE.txt
+names a longer one. Of fewer than five intervals none is a gap. A file that
+was not finished is read as far as its header counts; "oc_capture repair"
+recovers the rest. The contact sheet shows up to twelve frames from the first
+to the last, in colour and brightened.)",
     .examples =
         R"(  oc_capture play jupiter.ser
   oc_capture play jupiter.ser --out jupiter-sheet.png)",

@@ -22,7 +22,6 @@ namespace orvane::host {
 namespace {
 
 constexpr const char* previewEnding = "-preview.png";
-constexpr const char* logEnding = ".txt";
 
 constexpr RunNames runNames{"recording", "recordings",
                             "Number of recordings; each has its own file,\n"
@@ -113,7 +112,7 @@ OutputPath previewFile(const RecordSettings& settings, const OutputPath& file) {
   return settings.hasNoPreview ? OutputPath{} : companionOf(file, previewEnding);
 }
 OutputPath logFile(const RecordSettings& settings, const OutputPath& file) {
-  return settings.hasNoLog ? OutputPath{} : companionOf(file, logEnding);
+  return settings.hasNoLog ? OutputPath{} : companionOf(file, settingsLogEnding);
 }
 
 std::string logText(const RecordSettings& settings, const ChosenCamera& camera,
@@ -212,7 +211,7 @@ int record(const RecordSettings& given) {
   if (!settings.length.frames && !settings.length.microseconds) {
     settings.length.frames = 100;
   }
-  RunFiles files(settings.names, {".ser"}, ".ser", {previewEnding, logEnding},
+  RunFiles files(settings.names, {".ser"}, ".ser", {previewEnding, settingsLogEnding},
                  settings.sequence.count);
   for (const OutputPath& file : files.known()) {
     requireUsable(settings, file);

@@ -61,7 +61,8 @@ void GapFinder::judge(double interval, std::int64_t after) {
   }
 }
 
-std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
+std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks,
+                                       std::int64_t exposureUs) {
   if (ticks.size() < 2 || !std::all_of(ticks.begin(), ticks.end(), isTime) ||
       ticks.back() <= ticks.front()) {
     return std::nullopt;
@@ -77,7 +78,7 @@ std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks) {
   timing.seconds = static_cast<double>(ticks.back() - ticks.front()) / ticksPerSecond;
   timing.framesPerSecond = static_cast<double>(intervals.size()) / timing.seconds;
   timing.medianInterval = quantile(sorted, 0.5);
-  GapFinder finder;
+  GapFinder finder(exposureUs);
   for (const double interval : intervals) {
     timing.stepsBack += interval < 0 ? 1 : 0;
     finder.add(interval);

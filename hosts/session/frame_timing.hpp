@@ -30,7 +30,8 @@ struct GapCount {
 class GapFinder {
  public:
   /// An exposure of 0 is unknown.
-  explicit GapFinder(double exposureSeconds = 0) : exposure_(exposureSeconds) {}
+  explicit GapFinder(std::int64_t exposureUs = 0)
+      : exposure_(static_cast<double>(exposureUs) / 1e6) {}
 
   /// Adds the seconds from one frame to the next. Returns the gaps that this reveals, until the
   /// next call.
@@ -72,7 +73,8 @@ double quantile(const std::vector<double>& sorted, double part);
 
 /// The timing of a recording with these time stamps, in the ticks of serTicks(). None if there are
 /// fewer than two, if one is before the year 1 or after 9999, or if the last is not later than the
-/// first.
-std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks);
+/// first. An exposure of 0 is unknown.
+std::optional<FrameTiming> frameTiming(const std::vector<std::int64_t>& ticks,
+                                       std::int64_t exposureUs = 0);
 
 }  // namespace orvane::host

@@ -2,7 +2,9 @@
 #include "session/recording_log.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
+#include <fstream>
 
 #include "formats/ser_time.hpp"
 #include "system/text.hpp"
@@ -10,6 +12,8 @@
 namespace orvane::host {
 
 namespace {
+
+constexpr const char* exposureKey = "exposure_us";
 
 std::string optionalDecimal(const std::optional<double>& number) {
   return number ? decimal(*number, 1) : "";
@@ -75,7 +79,7 @@ std::string settingsLog(const RecordingFacts& facts) {
   lines.add("format", std::string(formatName(layout.format)));
   lines.add("bit_depth", facts.camera.bitDepth);
   lines.add("bayer_pattern", std::string(bayerName(layout.bayer)));
-  lines.add("exposure_us", settings.exposureUs);
+  lines.add(exposureKey, settings.exposureUs);
   lines.add("gain", settings.gain ? std::to_string(*settings.gain) : "");
   lines.add("offset", settings.offset);
   lines.add("temperature_start_c", optionalDecimal(facts.temperatureAtStart));
@@ -90,6 +94,18 @@ std::string settingsLog(const RecordingFacts& facts) {
   lines.add("frames_per_second", decimal(facts.framesPerSecond, 3));
   lines.add("error", facts.error);
   return lines.text();
+}
+
+std::int64_t exposureInLog(const std::filesystem::path& log) {
+  const std::string start = std::string(exposureKey) + "=";
+  std::ifstream file(log);
+  std::int64_t microseconds = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(start)) {
+      std::from_chars(line.data() + start.size(), line.data() + line.size(), microseconds);
+    }
+  }
+  return std::max<std::int64_t>(microseconds, 0);
 }
 
 }  // namespace orvane::host

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <orvane_desktop_camera.hpp>
 #include <string>
@@ -11,6 +12,9 @@
 #include "imaging/region.hpp"
 
 namespace orvane::host {
+
+/// What the log's name has in place of the recording's ending.
+inline constexpr const char* settingsLogEnding = ".txt";
 
 /// What the log says. docs/settings_log.md describes each key.
 struct RecordingFacts {
@@ -40,6 +44,9 @@ struct RecordingFacts {
 /// The log's text. Line breaks and other control characters in values become spaces. Keys whose
 /// value is not known are there with nothing after the "=".
 std::string settingsLog(const RecordingFacts& facts);
+
+/// The exposure that a log names, in microseconds. 0 if the file is not there or names none.
+std::int64_t exposureInLog(const std::filesystem::path& log);
 
 /// A point in time in this computer's time zone with its offset, as in
 /// "2024-02-29T23:05:07.004200+01:00".

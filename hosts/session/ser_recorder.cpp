@@ -31,7 +31,7 @@ SerRecorder::SerRecorder(const std::filesystem::path& path, const SerDescription
       takenBefore_(frames_.taken()),
       droppedBefore_(frames_.dropped()),
       writer_(path, description, options.existing),
-      gaps_(static_cast<double>(options.exposureUs) / 1e6),
+      gaps_(options.exposureUs),
       thread_([this] { run(); }) {}
 
 SerRecorder::~SerRecorder() {

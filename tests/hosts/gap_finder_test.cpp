@@ -41,7 +41,7 @@ TEST(GapFinder, DoesNotJudgeBeforeFiveIntervals) {
 }
 
 TEST(GapFinder, TheExposureIsTheLeastFrameTime) {
-  GapFinder finder(2);  // frames that waited in a queue come at once
+  GapFinder finder(2'000'000);  // frames that waited in a queue come at once
   EXPECT_EQ(gapsAfter(finder, {0.1, 0.1, 0.1, 0.1, 0.1, 2, 5.9, 6.1}), Frames{7});
   EXPECT_EQ(finder.count().missedFrames, 2);
 }

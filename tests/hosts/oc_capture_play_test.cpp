@@ -54,6 +54,18 @@ TEST_F(OcCapturePlay, TellsWhatTheRecordingHolds) {
                 "frame 3\n");
 }
 
+TEST_F(OcCapturePlay, TheExposureInTheLogIsTheLeastFrameTime) {
+  // Frames of 30 ms, of which some waited in a queue and came at once.
+  write({0, 60, 61, 120, 121, 122, 300, 301, 302}, 9);
+  EXPECT_PRED_FORMAT2(IsSubstring, "Gaps:      3, ", play().out);
+  for (const auto& [log, gaps] : {std::pair{"file=x.ser\nexposure_us=30000\ngain=1\n", "1, "},
+                                  {"exposure_us=\n30000\n", "3, "},
+                                  {"exposure_us=-1\n", "3, "}}) {
+    std::ofstream(scratch.file("recording.txt")) << log;
+    EXPECT_PRED_FORMAT2(IsSubstring, std::string("Gaps:      ") + gaps, play().out) << log;
+  }
+}
+
 TEST_F(OcCapturePlay, TellsTheSameInJson) {
   write({0, 20, 40, 60, 160, 180, 200}, 7);
   const ProgramResult result = expectSuccess(play({"--json --quiet"}));
