@@ -28,6 +28,7 @@ void showTextWindow(const wchar_t* title, const std::string& utf8) {
   SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)),
                FALSE);
   SendMessageW(window, EM_SETLIMITTEXT, 0, 0);
+  SendMessageW(window, EM_SETSEL, 0, -1);  // the title, which the control shows as its text, too
   SendMessageW(window, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(textOfControl(utf8).c_str()));
   SendMessageW(window, EM_SETSEL, 0, 0);
   SendMessageW(window, EM_SCROLLCARET, 0, 0);
