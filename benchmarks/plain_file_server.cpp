@@ -7,6 +7,7 @@
 #include <boost/beast/http.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <vector>
 
 namespace {
@@ -15,7 +16,7 @@ namespace asio = boost::asio;
 namespace http = boost::beast::http;
 using asio::ip::tcp;
 
-void answerAll(tcp::socket& socket, std::vector<char>& bytes) {
+void answerAll(tcp::socket& socket, const std::vector<char>& bytes) {
   boost::beast::flat_buffer buffer;
   boost::system::error_code error;
   while (true) {
@@ -24,7 +25,7 @@ void answerAll(tcp::socket& socket, std::vector<char>& bytes) {
     if (error) {
       return;
     }
-    http::response<http::span_body<char>> response(http::status::ok, request.version());
+    http::response<http::span_body<const char>> response(http::status::ok, request.version());
     response.body() = {bytes.data(), bytes.size()};
     response.prepare_payload();
     http::write(socket, response, error);
@@ -34,10 +35,7 @@ void answerAll(tcp::socket& socket, std::vector<char>& bytes) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  std::vector<char> bytes(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 1, 'x');
+[[noreturn]] void serve(const std::vector<char>& bytes) {
   asio::io_context context;
   tcp::acceptor acceptor(context, {asio::ip::address_v4::loopback(), 0});
   std::printf("%d\n", static_cast<int>(acceptor.local_endpoint().port()));
@@ -46,5 +44,16 @@ int main(int argc, char** argv) {
     tcp::socket socket = acceptor.accept();
     socket.set_option(tcp::no_delay(true));
     answerAll(socket, bytes);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    serve(std::vector<char>(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 1, 'x'));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "plain_file_server: %s\n", error.what());
+    return 1;
   }
 }

@@ -19,7 +19,8 @@ int frameHeight = benchmarks::instantHeight;
 int bytesPerPixel = 1;
 
 std::size_t frameBytes() {
-  return static_cast<std::size_t>(frameWidth * frameHeight * bytesPerPixel);
+  return static_cast<std::size_t>(frameWidth) * static_cast<std::size_t>(frameHeight) *
+         static_cast<std::size_t>(bytesPerPixel);
 }
 
 // The environment variable ORVANE_INSTANT_SIZE ("1936x1096") gives the camera that size and frames

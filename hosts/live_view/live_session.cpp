@@ -49,7 +49,7 @@ bool isAmong(const std::vector<Value>& values, Value value) {
 }
 
 // Texts of the library and of the system have no full stop.
-std::string sentence(std::string text) {
+std::string sentence(const std::string& text) {
   return text.ends_with('.') ? text : text + ".";
 }
 
