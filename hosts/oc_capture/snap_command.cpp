@@ -54,7 +54,7 @@ void addOptions(CommandOptions& options, SnapSettings& snap) {
   addReportingOptions(options, snap.reporting);
 }
 
-using Clock = std::chrono::system_clock;
+using Clock = std::chrono::steady_clock;
 
 // A frame and what belongs to it, after the camera is closed.
 struct Snapshot {
