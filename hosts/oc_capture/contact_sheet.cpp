@@ -19,7 +19,7 @@ constexpr Colour captionColour{170, 176, 186};
 constexpr int mostFrames = 12;
 constexpr int columns = 4;
 constexpr int longestSide = 400;
-constexpr int margin = 24;
+constexpr int border = 24;
 constexpr int captionHeight = 36;
 constexpr int titleHeight = 104;
 
@@ -72,17 +72,17 @@ ScreenImage contactSheet(const SerReader& recording, const FrameCorrection& corr
     width = std::max(width, picture.width);
     height = std::max(height, picture.height);
   }
-  const int cellWidth = width + margin;
-  const int cellHeight = height + captionHeight + margin;
+  const int cellWidth = width + border;
+  const int cellHeight = height + captionHeight + border;
   const int count = static_cast<int>(frames.size());
   const int rows = (count + columns - 1) / columns;
-  Canvas canvas(margin + std::max(cellWidth * std::min(count, columns), 900),
+  Canvas canvas(border + std::max(cellWidth * std::min(count, columns), 900),
                 titleHeight + std::max(1, rows) * cellHeight, background);
-  canvas.text(margin, margin, title, titleColour, 3);
-  canvas.text(margin, margin + 40, subtitle, captionColour);
+  canvas.text(border, border, title, titleColour, 3);
+  canvas.text(border, border + 40, subtitle, captionColour);
   for (int index = 0; index < count; ++index) {
     const auto at = static_cast<std::size_t>(index);
-    const int x = margin + index % columns * cellWidth;
+    const int x = border + index % columns * cellWidth;
     const int y = titleHeight + index / columns * cellHeight;
     canvas.picture(x, y, pictures[at]);
     canvas.text(x, y + pictures[at].height + 8, caption(recording.facts(), frames[at]),
