@@ -33,6 +33,7 @@ void addSequenceOptions(CommandOptions& options, SequenceOptions& sequence, cons
 void requirePossible(const SequenceOptions& sequence, const std::filesystem::path& directory);
 
 /// What a run has done.
+// Moving JSON does not throw. NOLINTNEXTLINE(bugprone-exception-escape)
 struct RunResult {
   Json document = {};         ///< null if there is nothing to report
   std::string text = {};      ///< the same as a text
