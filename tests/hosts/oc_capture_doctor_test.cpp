@@ -42,7 +42,7 @@ const std::string notAsked =
 class OcCaptureDoctor : public OcCaptureTest {
  protected:
   ProgramResult doctor(int status, const char* more = "", const std::string& simulator = "") const {
-    const ProgramResult result = runWithSdks("doctor", {more}, simulator);
+    ProgramResult result = runWithSdks("doctor", {more}, simulator);
     EXPECT_EQ(result.status, status);
     EXPECT_EQ(result.err, "");
     return result;
@@ -111,6 +111,16 @@ class OcCaptureDoctor : public OcCaptureTest {
     return image;
   }
 
+  std::string healthy(const SdkFamily& family) const {
+    const std::string baseName = family.baseName;
+    const std::string functions = std::to_string(functionsOf(baseName).size());
+    return std::string(family.maker) + ": healthy\n  File          " + pathOf(baseName) +
+           "\n  Kind          64-bit library for x64\n  " + nameLabel +
+           (hasErrorCodes ? "none" : "lib" + baseName + ".so") +
+           "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
+           " there\n  Needs         N of N libraries found\n\n";
+  }
+
   void addDependency(const std::string& content) const {
     std::ofstream(sdks.path() / dependencyFile, std::ios::binary) << content;
   }
@@ -123,13 +133,7 @@ TEST_F(OcCaptureDoctor, HealthyDirectoryIsHealthyInAllItsParts) {
   const ProgramResult result = doctor(0);
   std::string allHealthy;
   for (const SdkFamily& family : sdkFamilies) {
-    const std::string baseName = family.baseName;
-    const std::string functions = std::to_string(functionsOf(baseName).size());
-    allHealthy += std::string(family.maker) + ": healthy\n  File          " + pathOf(baseName) +
-                  "\n  Kind          64-bit library for x64\n  " + nameLabel +
-                  (hasErrorCodes ? "none" : "lib" + baseName + ".so") +
-                  "\n  Loads         yes\n  Functions     " + functions + " of " + functions +
-                  " there\n  Needs         N of N libraries found\n\n";
+    allHealthy += healthy(family);
   }
   const std::regex counts(R"((\d+) of \1 libraries found)");
   EXPECT_EQ(std::regex_replace(result.out, counts, "N of N libraries found"),

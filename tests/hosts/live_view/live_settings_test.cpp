@@ -90,6 +90,7 @@ TEST(LiveSettings, TheFileIsInTheProfile) {
   constexpr const char* directory = "orvane";
 #endif
   std::vector<std::string> before;
+  before.reserve(variables.size());
   for (const char* const variable : variables) {
     before.push_back(environmentVariable(variable));
   }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <set>
@@ -37,14 +38,15 @@ Image smoothed(Image image) {
 }
 
 int sampleOf(const Image& image, int x, int y, int channel = 0) {
-  return image.samples.at(
-      static_cast<std::size_t>((y * image.width + x) * image.channels + channel));
+  const int index = (y * image.width + x) * image.channels + channel;
+  return image.samples.at(static_cast<std::size_t>(index));
 }
 
 TEST(SmoothLevels, AnEvenSlopeHasManyLevels) {
   for (const bool across : {true, false}) {
-    const Image image = smoothed(
-        imageOf(96, 96, 1, [across](int x, int y, int) { return 20.0 + (across ? x : y) / 16; }));
+    const Image image = smoothed(imageOf(96, 96, 1, [across](int x, int y, int) {
+      return 20 + std::floor((across ? x : y) / 16.0);
+    }));
     std::set<int> levels;
     for (int at = 20; at < 76; ++at) {
       const int sample = across ? sampleOf(image, at, 48) : sampleOf(image, 48, at);
