@@ -28,6 +28,10 @@ class SimulatorCommands : public LibraryTest, public ::testing::WithParamInterfa
                             const std::string& reason) {
     expectRefused(sdk, command, command, reason);
   }
+  static std::string unknownFunction(const std::string& sdk, const std::string& command,
+                                     const std::string& function) {
+    return sdk + ": \"" + command + "\": unknown function \"" + function + "\" of " + sdk + "\n";
+  }
 };
 
 TEST_P(SimulatorCommands, NameTheFunctionsOfTheirSdk) {
@@ -40,8 +44,7 @@ TEST_P(SimulatorCommands, NameTheFunctionsOfTheirSdk) {
       if (name == own) {
         EXPECT_EQ(sdk.command(force.c_str()), 1) << function;
       } else {
-        EXPECT_EQ(refused(sdk, force), own + ": \"" + force + "\": unknown function \"" + function +
-                                           "\" of " + own + "\n");
+        EXPECT_EQ(refused(sdk, force), unknownFunction(own, force, function));
       }
       EXPECT_EQ(sdk.command(("sdk *; " + force).c_str()), 1) << function;
     }
