@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <new>
+#include <numeric>
 
 #include "api/state.hpp"
 #include "doubles/scripted_platform.hpp"
@@ -56,7 +57,7 @@ TEST_F(Exports, LetTheSdkWriteIntoTheHostsBuffer) {
         EXPECT_EQ(buffer, larger.data());
         EXPECT_EQ(length, 64 * 48 + 10);
         EXPECT_EQ(waitMs, -1);
-        std::memcpy(buffer, "\1\2\3", 3);
+        std::iota(buffer, buffer + 3, std::uint8_t{1});
         return 0;
       });
   EXPECT_EQ(oc_read(larger.data(), static_cast<int>(larger.size()), -1), 64 * 48);
