@@ -13,6 +13,7 @@
 #include "session/file_names.hpp"
 #include "session/recording_log.hpp"
 #include "session/ser_recorder.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 
@@ -75,6 +76,7 @@ class LiveRecording {
 
   void writeLog(const oc::CaptureState& camera, const std::string& error);
 
+  const StaysAwake awake_;
   std::filesystem::path directory_;
   RecordingLimit limit_;
   RecordingFacts facts_;  // what is known at the start

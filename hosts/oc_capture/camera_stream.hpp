@@ -10,6 +10,7 @@
 
 #include "oc_capture/camera_options.hpp"
 #include "oc_capture/status_line.hpp"
+#include "system/system.hpp"
 
 namespace orvane::host {
 
@@ -66,6 +67,7 @@ class CameraStream {
   void open(const oc::CameraInfo& camera, const oc::Settings& settings);
   bool holdsRegion() const;
 
+  const StaysAwake awake_;
   const FrameCorrection correction_;
   const std::int64_t waitingBytes_;
   const std::uint64_t most_;  // frames that the queue takes; 0: any number

@@ -30,6 +30,16 @@ bool stopRequested();
 /// From now on, sleeping for a millisecond takes about that long.
 void useFineSleep();
 
+/// While one of these exists, Windows does not put the computer to sleep because nobody touches it.
+/// It ends on the thread on which it began. Does nothing on Linux.
+class StaysAwake {
+ public:
+  StaysAwake();
+  StaysAwake(const StaysAwake&) = delete;
+  StaysAwake& operator=(const StaysAwake&) = delete;
+  ~StaysAwake();
+};
+
 /// The peak memory use of this process in bytes; 0 when the system does not tell.
 std::int64_t peakMemory();
 

@@ -109,6 +109,9 @@ bool stopRequested() {
 
 void useFineSleep() {}
 
+StaysAwake::StaysAwake() = default;
+StaysAwake::~StaysAwake() = default;
+
 std::int64_t peakMemory() {
   struct rusage usage = {};
   return getrusage(RUSAGE_SELF, &usage) == 0 ? std::int64_t{usage.ru_maxrss} * 1024 : 0;

@@ -110,6 +110,14 @@ void useFineSleep() {
   timeBeginPeriod(1);  // until the process ends
 }
 
+StaysAwake::StaysAwake() {
+  SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
+}
+
+StaysAwake::~StaysAwake() {
+  SetThreadExecutionState(ES_CONTINUOUS);
+}
+
 std::int64_t peakMemory() {
   PROCESS_MEMORY_COUNTERS counters = {};
   return GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) != 0
