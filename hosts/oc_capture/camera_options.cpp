@@ -254,7 +254,7 @@ oc::Scan findCameras(const std::string& sdkDirectory) {
     reportFailure(catalogue.error);
   }
   if (catalogue.cameras.empty()) {
-    throw oc::Error("No camera was found.");
+    throw oc::Error("No camera was found. The command \"list\" says what to check.");
   }
   return catalogue;
 }

@@ -110,14 +110,15 @@ Json jsonOf(const oc::Scan& catalogue, const std::vector<std::string>& notLoaded
 
 // Empty where other lines tell already what to do.
 std::string cureOfNoCamera(const oc::Scan& catalogue, const std::vector<std::string>& notLoaded) {
-  if (!catalogue.error.empty()) {
+  if (!catalogue.error.empty() || !notLoaded.empty()) {
     return "";
   }
-  if (!catalogue.libraries.empty()) {
-    return " Check cables and power, install the maker's driver, and close other programs that "
-           "use the camera.";
+  if (catalogue.libraries.empty()) {
+    return " There is no SDK in this directory. " + cureOfNoSdk();
   }
-  return notLoaded.empty() ? " There is no SDK in this directory. " + cureOfNoSdk() : "";
+  return " Check the camera's cable and power, that its maker's driver and SDK are there, and that "
+         "no "
+         "other program uses it.";
 }
 
 std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,

@@ -138,12 +138,11 @@ std::vector<std::string> curesOf(const SdkFindings& findings) {
 }
 
 std::string cureOfNoSdk() {
-  return "Copy the makers' libraries into it: " +
-         joined(allSdks(), ", ",
-                [](const Sdk& sdk) {
-                  return libraryFileName(sdk.baseName) + " (" + sdk.maker + ")";
-                }) +
-         ".";
+  std::vector<std::string> files;
+  std::ranges::transform(allSdks(), std::back_inserter(files), [](const Sdk& sdk) {
+    return libraryFileName(sdk.baseName) + " (" + sdk.maker + ")";
+  });
+  return "Copy the library of your camera's maker into it: " + alternatives(files) + ".";
 }
 
 }  // namespace orvane::host

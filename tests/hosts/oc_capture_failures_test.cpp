@@ -13,6 +13,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
+constexpr const char* noCamera = "No camera was found. The command \"list\" says what to check.";
+
 class OcCaptureFailure : public OcCaptureAsiTest {
  protected:
   // Records frames of 64 x 48 pixels.
@@ -128,10 +130,9 @@ TEST_F(OcCaptureFailure, JsonTellsThatTheCameraCannotBeOpened) {
         runWithSdks(command.c_str(), all, "output ASIGetNumOfConnectedCameras result 1 -1 0");
     EXPECT_EQ(empty.status, 1);
     const auto withoutCamera = ordered_json::parse(empty.out);
-    expectMembers(withoutCamera, {{"camera", nullptr},
-                                  {"format", nullptr},
-                                  {"error", "No camera was found."},
-                                  {"explanation", "No camera was found."}});
+    expectMembers(
+        withoutCamera,
+        {{"camera", nullptr}, {"format", nullptr}, {"error", noCamera}, {"explanation", noCamera}});
 
     const auto success =
         ordered_json::parse(expectSuccess(runWithSdks(command.c_str(), all, stoppedClock)).out);
@@ -145,10 +146,9 @@ TEST_F(OcCaptureFailure, JsonOfBenchTellsThatThereIsNoCamera) {
   const ProgramResult result =
       runWithSdks("bench", {"--json"}, "output ASIGetNumOfConnectedCameras result 1 -1 0");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, errorText("No camera was found."));
-  expectMembers(ordered_json::parse(result.out), {{"measurements", ordered_json::array()},
-                                                  {"chart", nullptr},
-                                                  {"error", "No camera was found."}});
+  EXPECT_EQ(result.err, errorText(noCamera));
+  expectMembers(ordered_json::parse(result.out),
+                {{"measurements", ordered_json::array()}, {"chart", nullptr}, {"error", noCamera}});
 }
 
 TEST_F(OcCaptureFailure, AScanThatFailsForOtherCamerasOnly) {
@@ -160,7 +160,7 @@ TEST_F(OcCaptureFailure, AScanThatFailsForOtherCamerasOnly) {
 
 TEST_F(OcCaptureFailure, NoCameraAtAll) {
   expectFailure(runProgram(smallFrames("", "output ASIGetNumOfConnectedCameras result 1 -1 0")), 1,
-                "No camera was found.");
+                noCamera);
   EXPECT_FALSE(std::filesystem::exists(recording()));
 }
 

@@ -68,8 +68,8 @@ TEST_F(OcCaptureList, SaysWhatToDoWhenAnSdkSeesNoCamera) {
   sdks.add("ASICamera2");
   EXPECT_EQ(
       expectSuccess(runWithSdks("list", {}, "force ASIGetNumOfConnectedCameras 1 1 0")).out,
-      "Libraries: ASICamera2\nNo cameras. Check cables and power, install the maker's driver, "
-      "and close other programs that use the camera.\n");
+      "Libraries: ASICamera2\nNo cameras. Check the camera's cable and power, that its maker's "
+      "driver and SDK are there, and that no other program uses it.\n");
 }
 
 TEST_F(OcCaptureList, TellsOfFilesThatCannotBeLoaded) {

@@ -1,7 +1,9 @@
 // What the tests of oc_capture share: starting it, and the frames that it should have recorded.
 #include "oc_capture_test.hpp"
 
+#include <algorithm>
 #include <iomanip>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
@@ -9,6 +11,7 @@
 #include <utility>
 
 #include "session/causes.hpp"
+#include "system/text.hpp"
 
 namespace orvane::testing {
 
@@ -32,12 +35,11 @@ Part::Part(const std::vector<Part>& parts) {
 }
 
 std::string cureOfNoSdk(const SdkDirectory& sdks) {
-  std::string files;
-  for (const SdkFamily& family : sdkFamilies) {
-    files += (files.empty() ? "" : ", ") + utf8(sdks.file(family.baseName).filename()) + " (" +
-             family.maker + ")";
-  }
-  return "Copy the makers' libraries into it: " + files + ".";
+  std::vector<std::string> files;
+  std::ranges::transform(sdkFamilies, std::back_inserter(files), [&](const SdkFamily& family) {
+    return utf8(sdks.file(family.baseName).filename()) + " (" + family.maker + ")";
+  });
+  return "Copy the library of your camera's maker into it: " + host::alternatives(files) + ".";
 }
 
 ProgramResult expectSuccess(const ProgramResult& result) {
