@@ -1,10 +1,12 @@
 # orvane_warnings: an interface target with the warnings, which are errors, and with the sanitizers, for
-# every target of this project.
+# every target of this project; and how the runtime libraries are linked.
 
 add_library(orvane_warnings INTERFACE)
 option(ORVANE_WARNINGS_ARE_ERRORS "Fail on a compiler's warning" ON)
 
 if(MSVC)
+  # A program that ships the library needs no installer of Microsoft's runtime.
+  set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
   target_compile_options(orvane_warnings INTERFACE /W4 /permissive- /utf-8
     # Exceptions may leave our extern "C" functions, for example oc_scan(). CMake's own /EHsc denies it.
     $<$<COMPILE_LANGUAGE:CXX>:/EHs> $<$<COMPILE_LANGUAGE:CXX>:/EHc-> /Zc:__cplusplus
