@@ -2,10 +2,9 @@
 """Writes the documents of a package. Their links lead to the same files in the package, which may be
 elsewhere there; a link to a file that the package does not have becomes plain text.
 
-    package_documents.py SOURCE-DIRECTORY PACKAGE-DIRECTORY VERSION FILE=SOURCE...
+    package_documents.py SOURCE-DIRECTORY PACKAGE-DIRECTORY FILE=SOURCE...
 
-Each FILE of the package is written from its SOURCE, with VERSION for @PROJECT_VERSION@. All other files of the package must be there
-already."""
+Each FILE of the package is written from its SOURCE. All other files of the package must be there already."""
 
 import os
 import pathlib
@@ -31,10 +30,10 @@ def resolved(text, source, file, root, package, places):
 
 
 def main():
-    if len(sys.argv) < 5:
+    if len(sys.argv) < 4:
         sys.exit(__doc__)
     root, package = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    documents = dict(argument.split("=", 1) for argument in sys.argv[4:])
+    documents = dict(argument.split("=", 1) for argument in sys.argv[3:])
     # Where the package has a file of the source tree, if not at the same place.
     places = {source: file for file, source in documents.items()}
     for name in os.listdir(package / "simulated-sdks") if (package / "simulated-sdks").is_dir() else ():
@@ -48,7 +47,6 @@ def main():
         for line in (root / source).read_text(encoding="utf-8").splitlines(keepends=True):
             if FENCE.match(line):
                 is_code = not is_code
-            line = line.replace("@PROJECT_VERSION@", sys.argv[3])
             lines.append(line if is_code else
                          resolved(line, source, file, root, package, places))
         with open(package / file, "w", encoding="utf-8", newline="\n") as written:
