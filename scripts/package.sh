@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library, the programs and the simulated SDKs for Windows and for
-# Linux, and makes a package for each in build/<preset>/packages/. The files have the time of the last
+# Linux, and makes a package for each in build/<preset>-package/packages/. The files have the time of the last
 # commit, so that the same commit always gives the same archives.
 #   package.sh [PRESET...]      windows-x64, linux-x64; default: both
 . "$(dirname "${BASH_SOURCE[0]}")/tools.sh"
