@@ -120,15 +120,12 @@ void LiveRecording::close(const oc::CaptureState& camera) {
 }
 
 void LiveRecording::writeLog(const oc::CaptureState& camera, const std::string& error) {
-  using SystemDuration = std::chrono::system_clock::duration;
   const RecordingTimes times = recorder_.times();
-  const std::chrono::duration<double> span(times.seconds);
   RecordingFacts facts = facts_;
   facts.file = utf8FromPath(path_.filename());
   facts.temperatureAtEnd = camera.temperature;
-  facts.end = recorder_.lastFrame().arrivalTime();
-  facts.start = facts.end - std::chrono::round<SystemDuration>(span) -
-                std::chrono::microseconds(facts.settings.exposureUs);
+  facts.end = times.last;
+  facts.start = times.first - std::chrono::microseconds(facts.settings.exposureUs);
   facts.frames = recorder_.writtenFrames();
   facts.droppedFrames = recorder_.droppedFrames();
   facts.gaps = times.count.gaps;

@@ -75,8 +75,9 @@ void SerRecorder::writeFrames() {
   while (oc::Frame frame = frames_.next()) {
     const std::span<const std::uint8_t> bytes =
         correctFrame(bytesToCorrect(frame), frame.layout(), correction_);
-    writer_.addFrame(bytes, serTicks(frame.arrivalTime()));
-    noteArrival(frame);
+    const auto time = timeOf(frame);
+    writer_.addFrame(bytes, serTicks(time));
+    noteArrival(frame.arrival(), time);
     writtenFrames_ = writer_.frameCount();
     current_ = std::move(frame);
     currentPixels_ = bytes;
@@ -96,12 +97,20 @@ std::span<std::uint8_t> SerRecorder::bytesToCorrect(const oc::Frame& frame) {
   return copy_;
 }
 
-void SerRecorder::noteArrival(const oc::Frame& frame) {
-  const Clock::time_point arrival = frame.arrival();
+// Goes on by the steady clock, because the system's clock may be set in the middle of a recording.
+std::chrono::system_clock::time_point SerRecorder::timeOf(const oc::Frame& frame) const {
+  using SystemDuration = std::chrono::system_clock::duration;
+  return writtenFrames_ == 0
+             ? frame.arrivalTime()
+             : times_.first + std::chrono::round<SystemDuration>(frame.arrival() - firstArrival_);
+}
+
+void SerRecorder::noteArrival(Clock::time_point arrival,
+                              std::chrono::system_clock::time_point time) {
   const std::lock_guard lock(mutex_);
   if (writtenFrames_ == 0) {
     firstArrival_ = arrival;
-    times_.first = frame.arrivalTime();
+    times_.first = time;
   } else {
     const std::chrono::duration<double> interval = arrival - lastArrival_;
     for (const FrameGap& gap : gaps_.add(interval.count())) {
@@ -111,7 +120,7 @@ void SerRecorder::noteArrival(const oc::Frame& frame) {
     }
   }
   lastArrival_ = arrival;
-  times_.last = frame.arrivalTime();
+  times_.last = time;
 }
 
 RecordingTimes SerRecorder::times() const {

@@ -94,7 +94,9 @@ class SerRecorder {
   void run();
   void writeFrames();
   std::span<std::uint8_t> bytesToCorrect(const oc::Frame& frame);
-  void noteArrival(const oc::Frame& frame);
+  std::chrono::system_clock::time_point timeOf(const oc::Frame& frame) const;
+  void noteArrival(std::chrono::steady_clock::time_point arrival,
+                   std::chrono::system_clock::time_point time);
 
   const FrameCorrection correction_;
   const bool sharesFrames_;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <numeric>
 #include <optional>
@@ -91,6 +92,24 @@ TEST_F(SerRecorderTest, ChangesCopiesOfFramesThatOthersUse) {
     const oc::Frame& last = recorder.lastFrame();
     EXPECT_EQ(last.data()[0], sharesFrames ? 1 : 6);
     capture_->close().get();
+  }
+}
+
+TEST_F(SerRecorderTest, TheTimesGoOnByTheSteadyClock) {
+  // So many that the two clocks are not read at once for all of them.
+  constexpr int count = 5000;
+  oc::FrameQueue watched = capture_->frames(oc::Delivery::Every, count);
+  SerRecorder recorder(path, smallFrames, {}, send(count, count), {.sharesFrames = true});
+  waitForFrames();
+  recorder.stop();
+  ASSERT_TRUE(recorder.waitForEnd(longTime));
+  const SerFile file(path);
+  ASSERT_EQ(file.timeStamps.size(), std::size_t{count});
+  const oc::Frame first = watched.next(longTime);
+  for (std::size_t number = 1; number < count; ++number) {
+    const std::chrono::nanoseconds after = watched.next(longTime).arrival() - first.arrival();
+    const std::int64_t ticks = file.timeStamps[number] - file.timeStamps.front();
+    EXPECT_LE(std::abs(ticks - after.count() / 100), 1) << number;
   }
 }
 
