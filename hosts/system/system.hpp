@@ -30,14 +30,17 @@ bool stopRequested();
 /// From now on, sleeping for a millisecond takes about that long.
 void useFineSleep();
 
-/// While one of these exists, Windows does not put the computer to sleep because nobody touches it.
-/// It ends on the thread on which it began. Does nothing on Linux.
+/// Whether Windows must not put the computer to sleep because nobody touches it. Counts for this
+/// thread and as long as it runs. Does nothing on Linux.
+void stayAwake(bool isWanted);
+
+/// Keeps the computer awake as long as it exists. It ends on the thread on which it began.
 class StaysAwake {
  public:
-  StaysAwake();
+  StaysAwake() { stayAwake(true); }
   StaysAwake(const StaysAwake&) = delete;
   StaysAwake& operator=(const StaysAwake&) = delete;
-  ~StaysAwake();
+  ~StaysAwake() { stayAwake(false); }
 };
 
 /// The peak memory use of this process in bytes; 0 when the system does not tell.

@@ -110,12 +110,8 @@ void useFineSleep() {
   timeBeginPeriod(1);  // until the process ends
 }
 
-StaysAwake::StaysAwake() {
-  SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
-}
-
-StaysAwake::~StaysAwake() {
-  SetThreadExecutionState(ES_CONTINUOUS);
+void stayAwake(bool isWanted) {
+  SetThreadExecutionState(ES_CONTINUOUS | (isWanted ? ES_SYSTEM_REQUIRED : 0));
 }
 
 std::int64_t peakMemory() {
