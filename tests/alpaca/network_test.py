@@ -40,7 +40,7 @@ def discover(port, text=b"alpacadiscovery1", address="127.0.0.1", wait=0.5):
 
 
 def discovery(settings, checks):
-    section = "3 discovery"
+    section = "discovery"
     port = free_port()
     with Server(settings, ["ASICamera2"], discovery_port=port) as server:
         answer = b'{"AlpacaPort":%d}' % server.port
@@ -72,7 +72,7 @@ def discovery(settings, checks):
 
 
 def security(settings, checks, server):
-    section = "12 security"
+    section = "security"
     client = server.client()
     machine = socket.gethostname()
     for host, status in (("127.0.0.1", 200), ("localhost", 200), (f"localhost:{server.port}", 200),
@@ -101,7 +101,7 @@ def security(settings, checks, server):
 
 
 def connections(checks, server):
-    section = "12 security"
+    section = "security"
     others = [server.client() for _ in range(15)]
     checks.that(section, "16 connections",
                 all(other.get(NAME).status == 200 for other in others))
