@@ -1,4 +1,4 @@
-// Frame timing from the time stamps of a recording, and quantiles of measured times.
+// When the frames of a recording arrived: their times, the gaps between them, and quantiles.
 #include "session/frame_timing.hpp"
 
 #include <algorithm>
@@ -16,6 +16,13 @@ bool isTime(std::int64_t ticks) {
 }
 
 }  // namespace
+
+FrameStamps::System FrameStamps::add(Steady arrival, System arrivalTime) {
+  if (!first_) {
+    first_.emplace(arrival, arrivalTime);
+  }
+  return first_->second + std::chrono::round<System::duration>(arrival - first_->first);
+}
 
 double quantile(const std::vector<double>& sorted, double part) {
   if (sorted.empty()) {

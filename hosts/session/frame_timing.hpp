@@ -1,14 +1,30 @@
-// Frame timing from the time stamps of a recording, and quantiles of measured times.
+// When the frames of a recording arrived: their times, the gaps between them, and quantiles.
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace orvane::host {
+
+/// The time stamps of a recording's frames. They go on by the steady clock, because the system's
+/// clock may be set in the middle of a recording.
+class FrameStamps {
+ public:
+  using Steady = std::chrono::steady_clock::time_point;
+  using System = std::chrono::system_clock::time_point;
+
+  /// The time stamp of the next frame, from its arrival by both clocks.
+  System add(Steady arrival, System arrivalTime);
+
+ private:
+  std::optional<std::pair<Steady, System>> first_;
+};
 
 /// An interval in which frames are missing.
 struct FrameGap {

@@ -75,7 +75,7 @@ void SerRecorder::writeFrames() {
   while (oc::Frame frame = frames_.next()) {
     const std::span<const std::uint8_t> bytes =
         correctFrame(bytesToCorrect(frame), frame.layout(), correction_);
-    const auto time = timeOf(frame);
+    const auto time = stamps_.add(frame.arrival(), frame.arrivalTime());
     writer_.addFrame(bytes, serTicks(time));
     noteArrival(frame.arrival(), time);
     writtenFrames_ = writer_.frameCount();
@@ -95,14 +95,6 @@ std::span<std::uint8_t> SerRecorder::bytesToCorrect(const oc::Frame& frame) {
   }
   copy_.assign(bytes.begin(), bytes.end());
   return copy_;
-}
-
-// Goes on by the steady clock, because the system's clock may be set in the middle of a recording.
-std::chrono::system_clock::time_point SerRecorder::timeOf(const oc::Frame& frame) const {
-  using SystemDuration = std::chrono::system_clock::duration;
-  return writtenFrames_ == 0
-             ? frame.arrivalTime()
-             : times_.first + std::chrono::round<SystemDuration>(frame.arrival() - firstArrival_);
 }
 
 void SerRecorder::noteArrival(Clock::time_point arrival,

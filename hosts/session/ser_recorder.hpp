@@ -94,7 +94,6 @@ class SerRecorder {
   void run();
   void writeFrames();
   std::span<std::uint8_t> bytesToCorrect(const oc::Frame& frame);
-  std::chrono::system_clock::time_point timeOf(const oc::Frame& frame) const;
   void noteArrival(std::chrono::steady_clock::time_point arrival,
                    std::chrono::system_clock::time_point time);
 
@@ -104,6 +103,7 @@ class SerRecorder {
   const std::uint64_t takenBefore_;
   const std::uint64_t droppedBefore_;
   SerWriter writer_;
+  FrameStamps stamps_;
   oc::Frame current_;
   std::span<const std::uint8_t> currentPixels_;
   std::vector<std::uint8_t> copy_;  // of a shared frame

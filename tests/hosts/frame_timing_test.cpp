@@ -18,6 +18,17 @@ std::vector<std::int64_t> ticks(const std::vector<std::int64_t>& milliseconds) {
   return stamps;
 }
 
+TEST(FrameStamps, GoOnByTheSteadyClockWhenTheOtherIsSet) {
+  using std::chrono::hours;
+  using std::chrono::milliseconds;
+  const std::chrono::steady_clock::time_point steady(hours(5));
+  const std::chrono::sys_days night(std::chrono::days(20000));
+  FrameStamps stamps;
+  EXPECT_EQ(stamps.add(steady, night), night);
+  EXPECT_EQ(stamps.add(steady + milliseconds(10), night - hours(1)), night + milliseconds(10));
+  EXPECT_EQ(stamps.add(steady + milliseconds(25), night + hours(2)), night + milliseconds(25));
+}
+
 TEST(FrameTiming, OfASteadyRecording) {
   const FrameTiming timing = frameTiming(ticks({0, 10, 21, 30, 40})).value();
   EXPECT_DOUBLE_EQ(timing.seconds, 0.04);
