@@ -130,6 +130,10 @@ void OutputFile::publish() {
 }
 
 void OutputFile::close() {
+  // Else a power cut could leave neither the file that is replaced nor this one.
+  if (!isPublished_ && existing_ == Existing::Replace && !flushToDisk(file_.get())) {
+    fail("finish");
+  }
   publish();
   if (std::fclose(file_.release()) != 0) {
     fail("finish");

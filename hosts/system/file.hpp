@@ -81,7 +81,8 @@ class OutputFile : public OpenFile {
   /// Gives the file its own name, if it does not have it yet.
   void publish();
 
-  /// Publishes the file and closes it. After that it can only be destroyed.
+  /// Publishes the file and closes it. After that it can only be destroyed. A file that may replace
+  /// another and was not published before is on the disk first.
   void close();
 
   /// Removes the file, published or not, and closes it. Ignores failures.

@@ -71,6 +71,9 @@ bool seekFile(std::FILE* file, std::int64_t position);
 /// Truncates the file; false with errno set on failure.
 bool truncateFile(std::FILE* file, std::int64_t size);
 
+/// Waits until the disk has all that was written to the file; false with errno set on failure.
+bool flushToDisk(std::FILE* file);
+
 /// An environment variable in UTF-8; empty if there is none.
 std::string environmentVariable(const char* name);
 

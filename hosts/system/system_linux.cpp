@@ -179,6 +179,11 @@ bool truncateFile(std::FILE* file, std::int64_t size) {
          (status.st_size == size || ftruncate(fileno(file), size) == 0);
 }
 
+bool flushToDisk(std::FILE* file) {
+  // EINVAL: the file system cannot do that.
+  return fsync(fileno(file)) == 0 || errno == EINVAL;
+}
+
 std::string environmentVariable(const char* name) {
   // Only the main thread uses the environment, before it loads any SDK.
   const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)

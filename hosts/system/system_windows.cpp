@@ -190,6 +190,10 @@ bool truncateFile(std::FILE* file, std::int64_t size) {
   return error == 0;
 }
 
+bool flushToDisk(std::FILE* file) {
+  return _commit(_fileno(file)) == 0;
+}
+
 std::string environmentVariable(const char* name) {
   const std::wstring wideName = wideFromUtf8(name);
   std::wstring value(GetEnvironmentVariableW(wideName.c_str(), nullptr, 0), L'\0');
