@@ -32,6 +32,9 @@ enum class CameraState {
   Error = 5
 };
 
+constexpr int largest8BitSample = 255;
+constexpr int largest16BitSample = 65535;
+
 struct OffsetRange {
   int smallest = 0;
   int largest = 0;
@@ -40,7 +43,8 @@ struct OffsetRange {
 /// What all cameras of a server have in common.
 struct DeviceOptions {
   std::string sdkDirectory;
-  std::optional<OffsetRange> offsets;  ///< without it clients cannot set the offset, which is 0
+  std::optional<OffsetRange> offsets;      ///< without it clients cannot set the offset, which is 0
+  int largestSample = largest16BitSample;  ///< of 16-bit pictures
   EventLog* log = nullptr;
   /// Locked by a scan, and shared by the cameras that are being opened.
   std::shared_ptr<std::shared_mutex> scanning = std::make_shared<std::shared_mutex>();
@@ -77,6 +81,8 @@ class CameraDevice {
   const std::string& uniqueId() const { return uniqueId_; }
   const SensorSize& size() const { return size_; }
   const std::optional<OffsetRange>& offsets() const { return options_.offsets; }
+  /// Of 16-bit pictures.
+  int largestSample() const { return options_.largestSample; }
   /// The camera's formats, the best raw format first.
   const std::vector<oc::Format>& readoutModes() const { return readoutModes_; }
   /// In seconds.

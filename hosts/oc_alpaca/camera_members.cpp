@@ -158,9 +158,7 @@ Json pixelSize(const MemberCall& call) {
 }
 
 Json maxAdu(const MemberCall& call) {
-  constexpr int largest8 = 255;
-  constexpr int largest16 = 65535;
-  return formatOf(call) == oc::Format::Raw16 ? largest16 : largest8;
+  return formatOf(call) == oc::Format::Raw16 ? call.camera.largestSample() : largest8BitSample;
 }
 
 // Settings.

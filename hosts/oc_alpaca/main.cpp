@@ -37,6 +37,7 @@ struct Arguments {
   std::string address = "127.0.0.1";
   std::string logFile;
   std::string offsetRange;
+  int largestSample = largest16BitSample;
   bool isWorker = false;
   std::string memory;
   std::string textToPrint;  // --help, --version or --licenses
@@ -71,6 +72,11 @@ Arguments parse(std::vector<std::string> words) {
   app.add_option("--offset-range", arguments.offsetRange,
                  "Let clients set the offset in this range, in the maker's units")
       ->type_name("A:B");
+  app.add_option("--max-adu", arguments.largestSample,
+                 "Largest value of 16-bit pictures, for cameras that never reach 65535")
+      ->capture_default_str()
+      ->check(CLI::Range(largest8BitSample, largest16BitSample))
+      ->type_name("ADU");
   // Of the processes that the server starts.
   app.add_flag("--worker", arguments.isWorker)->group("");
   app.add_option("--memory", arguments.memory)->group("");
@@ -115,6 +121,7 @@ int serve(const Arguments& arguments) {
   DeviceOptions options;
   options.sdkDirectory = utf8FromPath(fullSdkDirectory(arguments.sdkDirectory));
   options.offsets = offsetRangeFrom(arguments.offsetRange);
+  options.largestSample = arguments.largestSample;
   options.log = &log;
   catchStopRequests();
   useFineSleep();

@@ -5,6 +5,7 @@ maker: paths and methods, parameters and their case, transaction numbers, types,
     conformance_test.py SCRATCH SDKS OC_CAPTURE COMMAND..."""
 
 import re
+import subprocess
 import sys
 import time
 import urllib.parse
@@ -433,13 +434,28 @@ def main():
             camera.set("connected", Connected="true")
             test.members(camera)
             test.exposures(camera)
-    with Server(settings, ["ASICamera2"], options=["--offset-range", "0:20"]) as server:
-        offsets(next(iter(server.cameras().values())), checks)
+    with Server(settings, ["ASICamera2"], options=["--offset-range", "0:20", "--max-adu", "4095"]) as server:
+        stated(next(iter(server.cameras().values())), checks)
+    wrong_arguments(settings, checks)
     checks.finish()
 
 
-def offsets(camera, checks):
-    """With a range, offsets are numbers that can be set."""
+def wrong_arguments(settings, checks):
+    """The server does not start, and tells why."""
+    for option, value in (("--offset-range", "20:0"), ("--max-adu", "65536"), ("--port", "x")):
+        result = subprocess.run(
+            [*settings.command, "--sdk", settings.name(settings.sdks), option, value],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            timeout=60)
+        checks.equal("arguments", f"{option} {value}: status", result.returncode, 2)
+        lines = result.stdout.splitlines()
+        checks.that("arguments", f"{option} {value}: one sentence", len(lines) == 1 and
+                    lines[0].startswith("oc_alpaca: ") and option in lines[0] and
+                    value in lines[0], result.stdout)
+
+
+def stated(camera, checks):
+    """Offsets can be set in a stated range, and a stated largest value is that of 16-bit pictures."""
     section = "camera members"
     camera.set("connected", Connected="true")
     for name, expected in (("offset", 0), ("offsetmin", 0), ("offsetmax", 20)):
@@ -449,6 +465,9 @@ def offsets(camera, checks):
     for wrong in (-1, 21):
         checks.equal(section, f"offset {wrong}", camera.put("offset", Offset=wrong).error, INVALID)
     checks.equal(section, "offsets", camera.get("offsets").error, NOT_IMPLEMENTED)
+    for mode, largest in (("Raw 16 bit", 4095), ("Raw 8 bit", 255)):
+        camera.set("readoutmode", ReadoutMode=camera.value("readoutmodes").index(mode))
+        checks.equal(section, mode + ": stated MaxADU", camera.value("maxadu"), largest)
     camera.expose(0.02)
 
 
