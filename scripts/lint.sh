@@ -30,6 +30,6 @@ echo "== clang-tidy for Windows"
 # Windows passes pointers as integers and has macros with small suffixes; its runtime libraries have reserved
 # names and lists of pointers. A file that is not in this build gets the command of its neighbour.
 checks=-performance-no-int-to-ptr,-cert-dcl16-c,-bugprone-sizeof-expression
-checks+=,-bugprone-reserved-identifier,-cert-dcl37-c,-cert-dcl51-cpp
+checks+=,-bugprone-reserved-identifier
 xargs -P "$(nproc)" -n 2 clang-tidy --quiet "--checks=$checks" -p build/windows-x64-clang <<<"$for_windows"
 echo "== clean"
