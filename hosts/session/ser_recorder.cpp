@@ -15,6 +15,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds betweenCheckpoints{1};
 
+double secondsFrom(std::chrono::system_clock::time_point first,
+                   std::chrono::system_clock::time_point last) {
+  return std::chrono::duration<double>(last - first).count();
+}
+
 }  // namespace
 
 std::size_t recordingCapacity(std::int64_t waitingBytes, std::size_t frameBytes) {
@@ -77,7 +82,7 @@ void SerRecorder::writeFrames() {
         correctFrame(bytesToCorrect(frame), frame.layout(), correction_);
     const auto time = stamps_.add(frame.arrival(), frame.arrivalTime());
     writer_.addFrame(bytes, serTicks(time));
-    noteArrival(frame.arrival(), time);
+    noteTime(time);
     writtenFrames_ = writer_.frameCount();
     current_ = std::move(frame);
     currentPixels_ = bytes;
@@ -97,21 +102,17 @@ std::span<std::uint8_t> SerRecorder::bytesToCorrect(const oc::Frame& frame) {
   return copy_;
 }
 
-void SerRecorder::noteArrival(Clock::time_point arrival,
-                              std::chrono::system_clock::time_point time) {
+void SerRecorder::noteTime(std::chrono::system_clock::time_point time) {
   const std::lock_guard lock(mutex_);
   if (writtenFrames_ == 0) {
-    firstArrival_ = arrival;
     times_.first = time;
   } else {
-    const std::chrono::duration<double> interval = arrival - lastArrival_;
-    for (const FrameGap& gap : gaps_.add(interval.count())) {
+    for (const FrameGap& gap : gaps_.add(secondsFrom(times_.last, time))) {
       if (times_.firstGaps.size() < RecordingTimes::mostGaps) {
         times_.firstGaps.push_back(gap);
       }
     }
   }
-  lastArrival_ = arrival;
   times_.last = time;
 }
 
@@ -120,7 +121,7 @@ RecordingTimes SerRecorder::times() const {
   RecordingTimes times = times_;
   times.count = gaps_.count();
   times.frameTime = gaps_.frameTime();
-  times.seconds = std::chrono::duration<double>(lastArrival_ - firstArrival_).count();
+  times.seconds = secondsFrom(times.first, times.last);
   return times;
 }
 

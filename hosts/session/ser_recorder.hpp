@@ -94,8 +94,7 @@ class SerRecorder {
   void run();
   void writeFrames();
   std::span<std::uint8_t> bytesToCorrect(const oc::Frame& frame);
-  void noteArrival(std::chrono::steady_clock::time_point arrival,
-                   std::chrono::system_clock::time_point time);
+  void noteTime(std::chrono::system_clock::time_point time);
 
   const FrameCorrection correction_;
   const bool sharesFrames_;
@@ -109,8 +108,6 @@ class SerRecorder {
   std::vector<std::uint8_t> copy_;  // of a shared frame
   std::atomic<std::int32_t> writtenFrames_ = 0;
   std::exception_ptr failure_;
-  std::chrono::steady_clock::time_point firstArrival_;
-  std::chrono::steady_clock::time_point lastArrival_;
   mutable std::mutex mutex_;
   GapFinder gaps_;
   RecordingTimes times_;
