@@ -117,8 +117,7 @@ std::string cureOfNoCamera(const oc::Scan& catalogue, const std::vector<std::str
     return " There is no SDK in this directory. " + cureOfNoSdk();
   }
   return " Check the camera's cable and power, that its maker's driver and SDK are there, and that "
-         "no "
-         "other program uses it.";
+         "no other program uses it.";
 }
 
 std::string textOf(const ListSettings& settings, const oc::Scan& catalogue,
