@@ -103,7 +103,7 @@ class Conformance:
                          answer.status == status and answer.type.startswith("text/plain") and
                          len(answer.body) > 0, f"{answer.status} {answer.type} {answer.body[:80]!r}")
 
-    # Section 2: management.
+    # What the server tells of itself.
     def management(self):
         section, checks = "management", self.checks
         ids = {"ClientID": 3, "ClientTransactionID": 4294967295}
@@ -145,7 +145,7 @@ class Conformance:
                 answer = self.client.put(path, {**parameters, name: value})
             self.refused(section, f"{path} {name}={value!r}", answer)
 
-    # Section 9, the part about the protocol.
+    # Paths, methods, parameters and transaction numbers of every member.
     def protocol(self, camera):
         section = "protocol"
         for name in [*COMMON, *CAMERA]:
@@ -199,7 +199,7 @@ class Conformance:
             self.refused(section, f"PUT connected {value!r}",
                          self.client.put("/api/v1/camera/0/connected", {"Connected": value}))
 
-    # Section 4: what every kind of device has.
+    # What every kind of device has.
     def common(self, camera):
         section, checks = "common members", self.checks
         for name, kind in COMMON.items():
@@ -245,7 +245,7 @@ class Conformance:
                          time.monotonic() - start < 5)
         self.checks.equal("common members", member, camera.value("connected"), connected)
 
-    # Section 5: the camera's members before an exposure.
+    # The camera's members before an exposure.
     def members(self, camera):
         section, checks = "camera members", self.checks
         is_mono = camera.value("sensortype") == 0
@@ -312,7 +312,7 @@ class Conformance:
         camera.set("readoutmode", ReadoutMode=0)
         camera.set("gain", Gain=camera.value("gainmin") + 20)
 
-    # Section 9, the part about exposures.
+    # Exposures: refused, finished and aborted.
     def exposures(self, camera):
         section, checks = "exposures", self.checks
         width, height = camera.value("cameraxsize"), camera.value("cameraysize")
@@ -434,7 +434,8 @@ def main():
             camera.set("connected", Connected="true")
             test.members(camera)
             test.exposures(camera)
-    with Server(settings, ["ASICamera2"], options=["--offset-range", "0:20", "--max-adu", "4095"]) as server:
+    options = ["--offset-range", "0:20", "--max-adu", "4095"]
+    with Server(settings, ["ASICamera2"], options=options) as server:
         stated(next(iter(server.cameras().values())), checks)
     wrong_arguments(settings, checks)
     checks.finish()
